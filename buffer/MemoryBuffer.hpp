@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "buffer/ElementStore.hpp"
+
+namespace Buffer {
+
+enum class ByteOrder : std::uint32_t { NotSet = 0, LittleEndian = 1, BigEndian = 2 };
+
+/// Exclusive bound for the length of an image.
+inline constexpr std::uint64_t MAX_ALLOWED_MEMORY_BUFFER_SIZE = 0xFFFFFFFF;
+
+/// One contiguous address range of a flash image, one element per address.
+///
+/// Addresses and lengths are in bytes. No operation throws for bad arguments: a refused one prints
+/// why on standard output, changes nothing and returns an empty image. Only std::bad_alloc and
+/// std::length_error leave. Moving an image costs nothing, copying it copies every element.
+class MemoryBuffer {
+public:
+    /// `dataLength` default elements at `startAddress`. A range that passes the end of the 64-bit
+    /// address space, or one of MAX_ALLOWED_MEMORY_BUFFER_SIZE and more, is reported and leaves an
+    /// empty image with that start address. The memory is reserved before either check.
+    MemoryBuffer(std::uint64_t startAddress, std::uint64_t dataLength);
+    virtual ~MemoryBuffer() = default;
+    MemoryBuffer(const MemoryBuffer&) = default;
+    MemoryBuffer& operator=(const MemoryBuffer&) = default;
+    MemoryBuffer(MemoryBuffer&&) noexcept = default;
+    MemoryBuffer& operator=(MemoryBuffer&&) noexcept = default;
+
+    std::uint64_t getStartAddress() const { return startAddress; }
+    std::uint64_t getDataLength() const { return elements.size(); }
+
+    /// A copy of all elements, in address order.
+    std::vector<MemoryElement> getElements() const;
+
+    /// The elements themselves, in address order, while the image lives and is not assigned to.
+    std::span<const MemoryElement> viewElements() const { return elements.view(); }
+
+    /// A tag that the image itself never looks at; `BigEndian` in a new one.
+    ByteOrder getByteOrder() const { return byteOrder; }
+    void setByteOrder(ByteOrder order) { byteOrder = order; }
+
+    /// Moves the image: the elements stay, the address of the first one changes. Refused if the
+    /// range would pass the end of the address space.
+    void setStartingAddress(std::uint64_t newStartAddress);
+
+    /// Writes `dataPattern` cyclically over `numberOfElements` addresses from `start` on,
+    /// restarting it at `start`.
+    ///
+    /// A written element replaces the byte and leaves the filler; another one replaces the filler
+    /// and leaves the byte. Refused as a whole if the pattern is empty or the range leaves the
+    /// image; the address behind the last element is still a valid `start` for no elements.
+    void fillMemory(std::span<const MemoryElement> dataPattern, std::uint64_t start,
+                    std::uint64_t numberOfElements);
+
+    /// Writes `bytes` as data from `start` on: the effect of `fillMemory` with one written element
+    /// for each byte, filler 0. What lies outside the image is left out, without a message.
+    void writeBytes(std::span<const std::uint8_t> bytes, std::uint64_t start);
+
+    /// A new image of the range, with the byte order tag of a new image. A written element arrives
+    /// with filler 0, an unwritten one with value 0. Refused as a whole, with an empty image at
+    /// address 0, if the range leaves this image.
+    MemoryBuffer extractMemory(std::uint64_t start, std::uint64_t dataLength) const;
+
+    /// Copies the elements of `other`, written or not, to the same addresses of this image as far
+    /// as both have them. Nothing is reported.
+    void overlay(const MemoryBuffer& other);
+
+    /// Appends the effective bytes of the range to `output`, in address order. Appends nothing and
+    /// says nothing if any part of the range lies outside the image.
+    void appendBytes(std::vector<std::uint8_t>& output, std::uint64_t start,
+                     std::uint64_t dataLength) const;
+
+private:
+    std::uint64_t endAddress() const { return startAddress + elements.size(); }
+
+    std::uint64_t startAddress;
+    ElementStore elements;
+    ByteOrder byteOrder = ByteOrder::BigEndian;
+};
+
+}  // namespace Buffer

@@ -1,0 +1,107 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+/// What the operating system has to give. Everything else in the tree is portable; a port to
+/// another system is one more source file beside PlatformLinux.cpp.
+namespace Platform {
+
+/// Separator between the folders of a path.
+extern const char pathSeparator;
+
+/// What the version block of a program file says.
+struct VersionInfo {
+    std::string fileName;
+    std::uint16_t major = 0;
+    std::uint16_t minor = 0;
+    std::string copyright;
+    std::string buildDate;  ///< day of compilation, as in "Aug 18 2021"
+};
+
+/// The version data of the running program, or nothing when it has none.
+///
+/// @param programPath  the path by which the program was started
+std::optional<VersionInfo> versionInfo(const char* programPath);
+
+/// Anonymous memory that reads as zero and is not touched before its first use.
+class PageBlock {
+public:
+    PageBlock() = default;
+
+    /// Reserves `size` bytes.
+    ///
+    /// @throws std::bad_alloc when the system refuses, or when the machine (or the control group
+    ///         of this process) has less memory left than that: the pages are handed out one by
+    ///         one later, when nothing could be refused any more.
+    explicit PageBlock(std::size_t size);
+    ~PageBlock();
+    PageBlock(PageBlock&& other) noexcept;
+    PageBlock& operator=(PageBlock&& other) noexcept;
+    PageBlock(const PageBlock&) = delete;
+    PageBlock& operator=(const PageBlock&) = delete;
+
+    std::byte* data() const { return data_; }
+    std::size_t size() const { return size_; }
+
+private:
+    std::byte* data_ = nullptr;
+    std::size_t size_ = 0;
+};
+
+/// The bytes of a file; the block may be larger than `size`.
+struct FileContents {
+    PageBlock block;
+    std::size_t size = 0;
+
+    std::span<std::uint8_t> bytes() const;
+    std::string_view text() const;
+};
+
+/// Reads the whole of a regular file, nothing translated.
+///
+/// Nothing is returned when the file cannot be opened or is no regular file: a directory or a pipe
+/// must neither count as an empty file nor stop the run. A read that fails midway leaves what was
+/// read.
+std::optional<FileContents> readFile(const std::string& path);
+
+/// Makes text mode of what was read as bytes: drops one carriage return in front of each line feed
+/// and ends the text at a byte 0x1A.
+void translateText(FileContents& contents);
+
+enum class FileMode { Text, Binary };
+
+/// A file opened for writing; an existing one is cut to length zero. Closed by its destructor.
+class OutputFile {
+public:
+    /// Nothing when the file cannot be opened; it is untouched then.
+    static std::optional<OutputFile> create(const std::string& path, FileMode mode);
+    ~OutputFile();
+    OutputFile(OutputFile&& other) noexcept;
+    OutputFile& operator=(OutputFile&& other) = delete;
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    /// Writes all bytes, or as many as the device takes; false when it did not take all of them.
+    bool write(std::string_view bytes);
+
+private:
+    explicit OutputFile(int descriptor) : descriptor_(descriptor) {}
+    int descriptor_;
+};
+
+/// Runs the program at `location` through the command interpreter, with `arguments` as its argument
+/// string, and waits for its end. Its outcome is not reported.
+///
+/// The location is quoted, so that every character of it is its own; the arguments are not.
+void runProgram(const std::string& location, const std::string& arguments);
+
+/// Bytes of stack that a deep recursion may use up, counted from the frame of `main`.
+std::size_t usableStackBytes();
+
+}  // namespace Platform

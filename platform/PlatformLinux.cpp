@@ -1,0 +1,240 @@
+#include "platform/Platform.hpp"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <utility>
+
+#include "VersionData.hpp"
+
+namespace Platform {
+
+const char pathSeparator = '/';
+
+std::optional<VersionInfo> versionInfo(const char* /*programPath*/) {
+    return VersionInfo{TESSARON_ORIGINAL_FILE_NAME, TESSARON_VERSION_MAJOR, TESSARON_VERSION_MINOR,
+                       TESSARON_COPYRIGHT, TESSARON_BUILD_DATE};
+}
+
+namespace {
+
+/// Below this size a block comes from the ordinary heap and no figures are asked for.
+constexpr std::size_t largeBlock = std::size_t{1} << 20U;
+/// From this size on the machine is asked whether it can hold the block.
+constexpr std::size_t hugeBlock = std::size_t{64} << 20U;
+constexpr std::uint64_t unknown = std::numeric_limits<std::uint64_t>::max();
+
+/// The start of a small file of the kernel, as text.
+std::string kernelText(const char* path) {
+    std::array<char, 4096> text{};
+    const int file = ::open(path, O_RDONLY | O_CLOEXEC);
+    if (file < 0) return {};
+    const ssize_t length = ::read(file, text.data(), text.size());
+    ::close(file);
+    return {text.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0))};
+}
+
+/// The first decimal number behind `label`, or `unknown`.
+std::uint64_t numberBehind(std::string_view text, std::string_view label) {
+    const std::size_t at = text.find(label);
+    if (at == std::string_view::npos) return unknown;
+    const std::size_t digit = text.find_first_of("0123456789", at + label.size());
+    if (digit == std::string_view::npos) return unknown;
+    std::uint64_t number = unknown;
+    std::from_chars(text.data() + digit, text.data() + text.size(), number);
+    return number;
+}
+
+/// What the control group of this process may still take.
+std::uint64_t groupMemory() {
+    const std::uint64_t limit = numberBehind(kernelText("/sys/fs/cgroup/memory.max"), "");
+    const std::uint64_t used = numberBehind(kernelText("/sys/fs/cgroup/memory.current"), "");
+    if (limit == unknown || used == unknown) return unknown;
+    return limit - std::min(limit, used);
+}
+
+/// Bytes that blocks may still use. Pages that were reserved but not yet touched are counted as
+/// used, for their owners will touch them.
+std::uint64_t availableMemory() {
+    constexpr std::uint64_t kibi = 1024;
+    const std::uint64_t available = numberBehind(kernelText("/proc/meminfo"), "MemAvailable:");
+    if (available == unknown) return unknown;
+    const std::string status = kernelText("/proc/self/status");
+    const std::uint64_t reserved = numberBehind(status, "VmData:");
+    const std::uint64_t resident = numberBehind(status, "RssAnon:");
+    std::uint64_t untouched = 0;
+    if (reserved != unknown && resident != unknown && reserved > resident)
+        untouched = (reserved - resident) * kibi;
+    const std::uint64_t free = std::min(available * kibi, groupMemory());
+    return free - std::min(free, untouched);
+}
+
+}  // namespace
+
+PageBlock::PageBlock(std::size_t size) {
+    if (size == 0) return;
+    if (size < largeBlock) {
+        data_ = static_cast<std::byte*>(std::calloc(size, 1));
+        if (data_ == nullptr) throw std::bad_alloc();
+    } else {
+        if (size >= hugeBlock && size > availableMemory()) throw std::bad_alloc();
+        void* const pages =
+            ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (pages == MAP_FAILED) throw std::bad_alloc();
+        // A page fault for every two megabytes instead of every four kilobytes. Only advice.
+        ::madvise(pages, size, MADV_HUGEPAGE);
+        data_ = static_cast<std::byte*>(pages);
+    }
+    size_ = size;
+}
+
+PageBlock::~PageBlock() {
+    if (size_ < largeBlock)
+        std::free(data_);
+    else
+        ::munmap(data_, size_);
+}
+
+PageBlock::PageBlock(PageBlock&& other) noexcept
+    : data_(std::exchange(other.data_, nullptr)), size_(std::exchange(other.size_, 0)) {}
+
+PageBlock& PageBlock::operator=(PageBlock&& other) noexcept {
+    std::swap(data_, other.data_);
+    std::swap(size_, other.size_);
+    return *this;
+}
+
+std::span<std::uint8_t> FileContents::bytes() const {
+    return {reinterpret_cast<std::uint8_t*>(block.data()), size};
+}
+
+std::string_view FileContents::text() const {
+    return {reinterpret_cast<const char*>(block.data()), size};
+}
+
+namespace {
+
+/// A file descriptor that closes itself.
+class Descriptor {
+public:
+    explicit Descriptor(int value) : value_(value) {}
+    ~Descriptor() {
+        if (value_ >= 0) ::close(value_);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    int value() const { return value_; }
+
+private:
+    int value_;
+};
+
+}  // namespace
+
+std::optional<FileContents> readFile(const std::string& path) {
+    // Without O_NONBLOCK the open of a pipe waits for its other end.
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
+    if (file.value() < 0 || ::fstat(file.value(), &status) != 0 || !S_ISREG(status.st_mode))
+        return std::nullopt;
+    FileContents contents{PageBlock(static_cast<std::size_t>(status.st_size)), 0};
+    while (contents.size < contents.block.size()) {
+        const ssize_t count = ::read(file.value(), contents.block.data() + contents.size,
+                                     contents.block.size() - contents.size);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) break;
+        contents.size += static_cast<std::size_t>(count);
+    }
+    return contents;
+}
+
+void translateText(FileContents& contents) {
+    constexpr int endOfText = 0x1A;
+    char* const begin = reinterpret_cast<char*>(contents.block.data());
+    if (contents.size == 0) return;
+    if (const void* const end = std::memchr(begin, endOfText, contents.size))
+        contents.size = static_cast<std::size_t>(static_cast<const char*>(end) - begin);
+    const char* const end = begin + contents.size;
+    const auto nextReturn = [end](const char* from) {
+        const auto rest = static_cast<std::size_t>(end - from);
+        const void* const found = rest == 0 ? nullptr : std::memchr(from, '\r', rest);
+        return found == nullptr ? end : static_cast<const char*>(found);
+    };
+    // The text closes up in place, one stretch between two dropped characters at a time.
+    const char* stretch = begin;
+    char* kept = begin;
+    for (const char* found = nextReturn(begin);; found = nextReturn(found + 1)) {
+        const bool isPair = end - found > 1 && found[1] == '\n';
+        if (found != end && !isPair) continue;
+        const auto length = static_cast<std::size_t>(found - stretch);
+        if (kept != stretch) std::memmove(kept, stretch, length);
+        kept += length;
+        if (found == end) break;
+        stretch = found + 1;
+    }
+    contents.size = static_cast<std::size_t>(kept - begin);
+}
+
+std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode /*mode*/) {
+    // Without O_NONBLOCK the open of a pipe that nobody reads never returns.
+    const int descriptor =
+        ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
+    if (descriptor < 0) return std::nullopt;
+    OutputFile file(descriptor);
+    if (::fcntl(descriptor, F_SETFL, 0) != 0) return std::nullopt;
+    return file;
+}
+
+OutputFile::OutputFile(OutputFile&& other) noexcept
+    : descriptor_(std::exchange(other.descriptor_, -1)) {}
+
+OutputFile::~OutputFile() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+}
+
+bool OutputFile::write(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return false;
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+void runProgram(const std::string& location, const std::string& arguments) {
+    // Inside single quotes every character stands for itself, but for the single quote.
+    std::string command = "'";
+    for (const char character : location) {
+        if (character == '\'')
+            command += "'\\''";
+        else
+            command += character;
+    }
+    command += "' ";
+    command += arguments;
+    static_cast<void>(std::system(command.c_str()));
+}
+
+std::size_t usableStackBytes() {
+    constexpr std::size_t usual = std::size_t{8} << 20U;
+    rlimit limit{};
+    const bool isLimited =
+        ::getrlimit(RLIMIT_STACK, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
+    const std::size_t total =
+        isLimited ? std::min<std::size_t>(usual, static_cast<std::size_t>(limit.rlim_cur)) : usual;
+    return total / 2;
+}
+
+}  // namespace Platform

@@ -1,0 +1,119 @@
+#pragma once
+
+#include <climits>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <type_traits>
+
+#include "util/crc/ByteList.hpp"
+
+/// The fixed catalogue of checksums: seven polynomial CRCs, seven sums and two readings of bytes as
+/// a number. Nothing here can fail; every input, the empty one too, has a defined value. Bytes pass
+/// in order, first byte first. CRC names in the comments are those of the public CRC catalogue.
+namespace Util::Crc::GenericCrc {
+
+using Bytes = std::span<const std::uint8_t>;
+
+/// Sum of the bytes from `seed` on, wrapping at the width of the result.
+std::uint8_t crc8Sum(Bytes data, std::uint8_t seed);
+std::uint16_t crc16Sum(Bytes data, std::uint16_t seed);
+std::uint32_t crc32Sum(Bytes data, std::uint32_t seed);
+
+/// One's complement of the byte sum that starts at the one's complement of `seed`. With seed 0xFF
+/// the record checksum of S-records.
+std::uint8_t crc8OnesComplementSum(Bytes data, std::uint8_t seed);
+
+/// Two's complement of the byte sum that starts at the two's complement of `seed`. With seed 0 the
+/// record checksum of Intel HEX.
+std::uint8_t crc8TwosComplementSum(Bytes data, std::uint8_t seed);
+
+/// The same over big-endian 16-bit words, without end-around carry. An input of odd length adds
+/// nothing at all and yields the seed.
+std::uint16_t crc16OnesComplementSumBE(Bytes data, std::uint16_t seed);
+std::uint16_t crc16TwosComplementSumBE(Bytes data, std::uint16_t seed);
+
+/// Polynomial 0x07, reflected, no final xor.
+std::uint8_t crc8Eeprom(Bytes data, std::uint8_t seed);
+
+/// Polynomial 0x8005, reflected, no final xor; with seed 0xFFFF CRC-16/MODBUS.
+std::uint16_t crc16Legacy(Bytes data, std::uint16_t seed);
+
+/// Polynomial 0x1021, not reflected, no final xor; with seed 0xFFFF CRC-16/IBM-3740.
+std::uint16_t crc16Ccitt(Bytes data, std::uint16_t seed);
+
+/// Polynomial 0x1021, reflected, final xor 0xFFFF; with seed 0xFFFF CRC-16/IBM-SDLC.
+std::uint16_t crc16IbmSdlc(Bytes data, std::uint16_t seed);
+
+/// Polynomial 0x04C11DB7, not reflected, no final xor; with seed 0xFFFFFFFF CRC-32/MPEG-2.
+std::uint32_t crc32Forward(Bytes data, std::uint32_t seed);
+
+/// Polynomial 0x04C11DB7, reflected, final xor 0xFFFFFFFF; with seed 0xFFFFFFFF CRC-32/ISO-HDLC.
+std::uint32_t crc32Reflected(Bytes data, std::uint32_t seed);
+
+/// The bytes read as a number of four bytes, least significant byte first in the result.
+///
+/// @param order  1: the first byte of `data` is the least significant; 2: the last one is
+///
+/// Bytes beyond four are added on as further four-byte words, modulo 2^32.
+ByteList interpretBytes(Bytes data, int order);
+
+/// Unsigned word of `Bits` bits: 8, 16 or 32.
+template <int Bits>
+using CrcWord = std::conditional_t<Bits == 8, std::uint8_t,
+                                   std::conditional_t<Bits == 16, std::uint16_t, std::uint32_t>>;
+
+/// `value` least significant byte first.
+template <class Word>
+ByteList toByteList(Word value) {
+    ByteList bytes(sizeof(Word));
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<std::uint8_t>(value >> (CHAR_BIT * i));
+    return bytes;
+}
+
+/// A checksum of `Bits` bits with its parameters built in: construct, `computeCrc`, `toBytes`.
+template <int Bits>
+class genericCrcBase {
+public:
+    virtual ~genericCrcBase() = default;
+
+    /// Puts the checksum of `length` bytes at `data` in place of any earlier one.
+    virtual void computeCrc(const void* data, std::size_t length) = 0;
+
+    /// The value, least significant byte first, `Bits / 8` bytes.
+    ByteList toBytes() const { return toByteList(crcValue); }
+
+protected:
+    static Bytes asBytes(const void* data, std::size_t length) {
+        return {static_cast<const std::uint8_t*>(data), length};
+    }
+
+    CrcWord<Bits> crcValue = 0;
+};
+
+/// A class of the catalogue is a calculation and the seed that it starts from.
+template <int Bits, auto Calculation, CrcWord<Bits> Seed>
+class SeededCrc : public genericCrcBase<Bits> {
+public:
+    void computeCrc(const void* data, std::size_t length) final {
+        this->crcValue = Calculation(this->asBytes(data, length), Seed);
+    }
+};
+
+class crcCrc8_Standard final : public SeededCrc<8, crc8Sum, 0x00> {};
+class crcCrc8_OnesComplement final : public SeededCrc<8, crc8OnesComplementSum, 0xFF> {};
+class crcCrc8_TwosComplement final : public SeededCrc<8, crc8TwosComplementSum, 0x00> {};
+class crcCrc8_Eeprom final : public SeededCrc<8, crc8Eeprom, 0x00> {};
+class crcCrc16_Standard final : public SeededCrc<16, crc16Sum, 0x0000> {};
+class crcCrc16_OnesComplement_BE final : public SeededCrc<16, crc16OnesComplementSumBE, 0xFFFF> {};
+class crcCrc16_TwosComplement_BE final : public SeededCrc<16, crc16TwosComplementSumBE, 0x0000> {};
+class crcCrc16_Legacy_Karst_Brae final : public SeededCrc<16, crc16Legacy, 0xFFFF> {};
+class crcCrc16_Ccitt final : public SeededCrc<16, crc16Ccitt, 0xFFFF> {};
+class crcCrc16_ibm_sdlc final : public SeededCrc<16, crc16IbmSdlc, 0xFFFF> {};
+class crcCrc32_Standard final : public SeededCrc<32, crc32Sum, 0x00000000> {};
+class crcCrc32_Tolmen final : public SeededCrc<32, crc32Forward, 0x00000000> {};
+class crcCrc32_Vector_AUTOSAR final : public SeededCrc<32, crc32Reflected, 0xFFFFFFFF> {};
+class crcCrc32_Ethernet_Mpeg2 final : public SeededCrc<32, crc32Forward, 0xFFFFFFFF> {};
+
+}  // namespace Util::Crc::GenericCrc
