@@ -68,16 +68,17 @@ std::uint64_t groupMemory() {
 /// used, for their owners will touch them.
 std::uint64_t availableMemory() {
     constexpr std::uint64_t kibi = 1024;
-    const std::uint64_t available = numberBehind(kernelText("/proc/meminfo"), "MemAvailable:");
-    if (available == unknown) return unknown;
-    const std::string status = kernelText("/proc/self/status");
-    const std::uint64_t reserved = numberBehind(status, "VmData:");
-    const std::uint64_t resident = numberBehind(status, "RssAnon:");
-    std::uint64_t untouched = 0;
-    if (reserved != unknown && resident != unknown && reserved > resident)
-        untouched = (reserved - resident) * kibi;
+    const std::string machine = kernelText("/proc/meminfo");
+    const std::string process = kernelText("/proc/self/status");
+    const std::uint64_t available = numberBehind(machine, "MemAvailable:");
+    const std::uint64_t reserved = numberBehind(process, "VmData:");
+    const std::uint64_t resident = numberBehind(process, "RssAnon:");
+    if (available == unknown || reserved == unknown || resident == unknown) return unknown;
+    std::uint64_t untouched = reserved - std::min(reserved, resident);
+    // More than the machine has was never handed out here: it is the shadow memory of a sanitizer.
+    if (untouched > numberBehind(machine, "MemTotal:")) untouched = 0;
     const std::uint64_t free = std::min(available * kibi, groupMemory());
-    return free - std::min(free, untouched);
+    return free - std::min(free, untouched * kibi);
 }
 
 }  // namespace

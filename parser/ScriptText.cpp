@@ -1,0 +1,58 @@
+#include "parser/ScriptText.hpp"
+
+#include <boost/algorithm/string/trim.hpp>
+#include <string_view>
+
+namespace Parser {
+
+namespace {
+
+/// Finds in `text`, line by line, where `opening` begins a stretch that reaches the end of its
+/// line, and removes those that `take` accepts. Three rules of the regular expressions that this
+/// stands for: a dot matches no carriage return, the end of a line is the text's end or a line
+/// feed, and a repeated dot takes all it can.
+template <class Take>
+void removeStretches(std::string& text, std::string_view opening, Take take) {
+    const std::string_view source = text;
+    std::string kept;
+    std::size_t copied = 0;
+    std::size_t from = source.find(opening);
+    while (from != std::string_view::npos) {
+        const std::size_t lineEnd = std::min(source.find('\n', from), source.size());
+        const std::string_view stretch = source.substr(from, lineEnd - from);
+        const std::size_t carriageReturn = stretch.rfind('\r');
+        std::size_t next = lineEnd;
+        if (carriageReturn != std::string_view::npos) {
+            next = from + carriageReturn + 1;
+        } else if (take(stretch)) {
+            kept += source.substr(copied, from - copied);
+            copied = lineEnd;
+        }
+        from = source.find(opening, next);
+    }
+    if (copied == 0) return;
+    kept += source.substr(copied);
+    text = std::move(kept);
+}
+
+}  // namespace
+
+void removeComments(std::string& text) {
+    removeStretches(text, "//", [](std::string_view) { return true; });
+}
+
+void takeSubstitutions(std::string& text, std::map<std::string, std::string>& variables) {
+    constexpr std::string_view opening = "SUBSTITUTE ";
+    constexpr std::string_view middle = " WITH ";
+    removeStretches(text, opening, [&](std::string_view stretch) {
+        stretch.remove_prefix(opening.size());
+        const std::size_t with = stretch.rfind(middle);
+        if (with == std::string_view::npos) return false;
+        variables.try_emplace(
+            boost::algorithm::trim_copy(std::string(stretch.substr(0, with))),
+            boost::algorithm::trim_copy(std::string(stretch.substr(with + middle.size()))));
+        return true;
+    });
+}
+
+}  // namespace Parser

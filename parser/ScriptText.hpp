@@ -1,0 +1,19 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+/// What happens to the text of a script before it is parsed. Both operations take time linear in
+/// the text, whatever the length of its lines.
+namespace Parser {
+
+/// Removes from each line what the regular expression "//.*$" matches: a comment up to the end of
+/// its line, quotes or not. Line feeds stay, and so do the numbers of the lines.
+void removeComments(std::string& text);
+
+/// Removes what the regular expression "SUBSTITUTE (.*) WITH (.*)$" matches in each line, and
+/// enters its two groups, without the white space at their ends, into `variables`. A name that is
+/// already there keeps its value.
+void takeSubstitutions(std::string& text, std::map<std::string, std::string>& variables);
+
+}  // namespace Parser

@@ -1,0 +1,199 @@
+#include "parser/VariableExpansion.hpp"
+
+#include <algorithm>
+#include <bitset>
+#include <cstdint>
+#include <limits>
+#include <regex>
+#include <set>
+#include <span>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "parser/BoundedRegex.hpp"
+
+namespace Parser {
+
+namespace {
+
+/// Values that hold names that hold values can double a text again and again.
+constexpr std::size_t longestText = std::size_t{1} << 30U;
+
+struct Variable {
+    std::string name;
+    std::string value;
+};
+
+[[noreturn]] void reportTooLong(const std::string& name) {
+    throw VariableError(name, "makes the script too long");
+}
+
+/// The variables in the order in which they are applied.
+std::vector<Variable> inOrder(const std::map<std::string, std::string>& variables) {
+    std::vector<Variable> ordered;
+    ordered.reserve(variables.size());
+    for (const auto& [name, value] : variables) ordered.push_back({name, value});
+    std::ranges::stable_sort(ordered, [](const Variable& left, const Variable& right) {
+        if (left.name.size() != right.name.size()) return left.name.size() > right.name.size();
+        return left.name > right.name;
+    });
+    return ordered;
+}
+
+/// A name that matches itself alone, within one line, by a value that does not look around.
+bool isPlain(const Variable& variable) {
+    constexpr std::string_view special = "^$\\.*+?()[]{}|\n";
+    return !variable.name.empty() && variable.name.find_first_of(special) == std::string::npos &&
+           variable.value.find("$`") == std::string::npos &&
+           variable.value.find("$'") == std::string::npos;
+}
+
+/// The value of a plain variable as ECMAScript formats it: "$$" is a dollar sign, "$&" and "$0"
+/// the name, and every other group is empty, since the name has none.
+std::string formatted(const Variable& variable) {
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    const std::string& format = variable.value;
+    std::string text;
+    for (std::size_t at = 0; at < format.size(); ++at) {
+        const char next = at + 1 < format.size() ? format[at + 1] : '\0';
+        if (format[at] != '$' || (next != '$' && next != '&' && !isDigit(next))) {
+            text += format[at];
+            continue;
+        }
+        ++at;
+        bool isWhole = next == '&' || next == '0';
+        if (isDigit(next) && at + 1 < format.size() && isDigit(format[at + 1])) {
+            ++at;
+            isWhole = isWhole && format[at] == '0';
+        }
+        if (next == '$')
+            text += '$';
+        else if (isWhole)
+            text += variable.name;
+    }
+    return text;
+}
+
+/// Applies variables with plain names, each line by itself: no name reaches across a line feed.
+/// In a line only those variables cost time that occur in it.
+class PlainExpansion {
+public:
+    explicit PlainExpansion(std::span<const Variable> variables) {
+        for (const Variable& variable : variables) {
+            ranks_.emplace(variable.name, variables_.size());
+            lengths_.insert(variable.name.size());
+            markBeginning(variable.name);
+            variables_.push_back({variable.name, formatted(variable)});
+        }
+    }
+
+    std::string apply(std::string_view text) const {
+        std::string result;
+        result.reserve(text.size());
+        while (!text.empty()) {
+            const std::size_t lineEnd = std::min(text.find('\n'), text.size() - 1) + 1;
+            appendLine(result, text.substr(0, lineEnd));
+            text.remove_prefix(lineEnd);
+        }
+        return result;
+    }
+
+private:
+    static constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
+
+    static std::size_t pair(char first, char second) {
+        return static_cast<std::size_t>(static_cast<unsigned char>(first)) << 8U |
+               static_cast<unsigned char>(second);
+    }
+
+    void markBeginning(const std::string& name) {
+        constexpr int characters = 256;
+        if (name.size() > 1) beginnings_.set(pair(name[0], name[1]));
+        for (int second = 0; name.size() == 1 && second < characters; ++second)
+            beginnings_.set(pair(name[0], static_cast<char>(second)));
+    }
+
+    /// The first variable in order, from rank `from` on, that occurs in `line`.
+    std::size_t firstRank(std::string_view line, std::size_t from) const {
+        std::size_t best = none;
+        for (std::size_t at = 0; at < line.size(); ++at) {
+            const char second = at + 1 < line.size() ? line[at + 1] : '\0';
+            if (!beginnings_[pair(line[at], second)]) continue;
+            for (const std::size_t length : lengths_) {
+                if (length > line.size() - at) break;
+                const auto found = ranks_.find(line.substr(at, length));
+                if (found != ranks_.end() && found->second >= from)
+                    best = std::min(best, found->second);
+            }
+        }
+        return best;
+    }
+
+    void appendLine(std::string& result, std::string_view source) const {
+        std::size_t rank = firstRank(source, 0);
+        if (rank == none) {
+            result += source;
+            return;
+        }
+        std::string line(source);
+        for (; rank != none; rank = firstRank(line, rank + 1)) line = replaced(line, rank);
+        if (line.size() > longestText - std::min(longestText, result.size()))
+            reportTooLong(variables_.front().name);
+        result += line;
+    }
+
+    std::string replaced(std::string_view line, std::size_t rank) const {
+        const Variable& variable = variables_[rank];
+        std::string result;
+        std::size_t copied = 0;
+        for (std::size_t at = line.find(variable.name); at != std::string_view::npos;
+             at = line.find(variable.name, copied)) {
+            result += line.substr(copied, at - copied);
+            result += variable.value;
+            copied = at + variable.name.size();
+            if (result.size() > longestText) reportTooLong(variable.name);
+        }
+        result += line.substr(copied);
+        return result;
+    }
+
+    std::vector<Variable> variables_;
+    std::unordered_map<std::string_view, std::size_t> ranks_;
+    std::set<std::size_t> lengths_;
+    /// The first two characters that any name begins with.
+    std::bitset<std::size_t{1} << 16U> beginnings_;
+};
+
+std::string patternApplied(const std::string& text, const Variable& variable) {
+    try {
+        return replaceBounded(text, variable.name, variable.value, longestText);
+    } catch (const std::regex_error& error) {
+        const bool isExhausted = error.code() == std::regex_constants::error_stack ||
+                                 error.code() == std::regex_constants::error_complexity ||
+                                 error.code() == std::regex_constants::error_space;
+        throw VariableError(variable.name, isExhausted ? "is too complex a regular expression"
+                                                       : "is no valid regular expression");
+    } catch (const std::length_error&) {
+        reportTooLong(variable.name);
+    }
+}
+
+}  // namespace
+
+void expandVariables(std::string& text, const std::map<std::string, std::string>& variables) {
+    const std::vector<Variable> ordered = inOrder(variables);
+    for (auto next = ordered.begin(); next != ordered.end();) {
+        const auto plainEnd = std::find_if_not(next, ordered.end(), isPlain);
+        if (plainEnd != next) {
+            text = PlainExpansion(std::span(next, plainEnd)).apply(text);
+            next = plainEnd;
+        } else {
+            text = patternApplied(text, *next);
+            ++next;
+        }
+    }
+}
+
+}  // namespace Parser

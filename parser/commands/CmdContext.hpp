@@ -1,0 +1,25 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "buffer/Area.hpp"
+#include "buffer/MemoryBuffer.hpp"
+#include "util/crc/ByteList.hpp"
+
+namespace Parser::WrapperLib {
+
+using Buffer::Area;
+using Buffer::AreaList;
+using Util::Crc::ByteList;
+
+/// What the statements of one run share, by name. An entry is inserted once: a second one of the
+/// same name changes nothing, and none is replaced or removed during a run.
+struct CmdContext {
+    std::map<std::string, std::string> variables;         ///< text replacements of the script
+    std::map<std::string, ByteList> crcs;                 ///< made by NEW_CRC
+    std::map<std::string, ByteList> hashes;               ///< made by NEW_HASH
+    std::map<std::string, Buffer::MemoryBuffer> buffers;  ///< made by NEW_BUFFER
+};
+
+}  // namespace Parser::WrapperLib

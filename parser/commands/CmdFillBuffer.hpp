@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "buffer/MemoryBuffer.hpp"
+#include "parser/commands/CmdApi.hpp"
+
+namespace Parser::WrapperLib {
+
+enum class FillKind : std::uint32_t {
+    FillNone = 0,
+    FillFiller = 1,
+    FillValues = 2,
+    FillString = 3,
+    FillCrc = 4,
+    FillHash = 5
+};
+
+/// FILL_BUFFER: changes an image in place. The filler form sets what unwritten addresses read as;
+/// values, a string, a CRC or a hash are written as data.
+class CmdFillBuffer final : public CmdApi {
+public:
+    void setBufferName(std::string name);
+    void setFillPattern(std::vector<std::uint32_t> bytes);
+    void setFillValues(std::vector<std::uint32_t> bytes);
+    void setFillString(std::string text);
+    void setFillCrc(std::string name);
+    void setFillHash(std::string name);
+    void setByteOrder(Buffer::ByteOrder order) { byteOrder = order; }
+    void addArea(const Area& area) { areas.push_back(area); }
+
+    bool execute(CmdContext& context) override;
+    std::uint32_t getCmdType() const override { return number(CmdType::FillBuffer); }
+
+private:
+    using Pattern = std::vector<Buffer::MemoryElement>;
+
+    bool fill(CmdContext& context);
+    void clippedFill(Buffer::MemoryBuffer& buffer, const Pattern& pattern) const;
+    void oneShotFill(Buffer::MemoryBuffer& buffer, const Pattern& pattern) const;
+    void plainFill(Buffer::MemoryBuffer& buffer, const Pattern& pattern) const;
+    ByteList inOrderOf(const Buffer::MemoryBuffer& buffer, ByteList crc) const;
+
+    std::string bufferName;
+    FillKind fillKind = FillKind::FillNone;
+    std::string crcName;
+    std::string hashName;
+    AreaList areas;
+    std::vector<std::uint32_t> values;
+    Buffer::ByteOrder byteOrder = Buffer::ByteOrder::NotSet;
+};
+
+}  // namespace Parser::WrapperLib

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "buffer/MemoryBuffer.hpp"
+#include "parser/commands/CmdApi.hpp"
+
+namespace Parser::WrapperLib {
+
+enum class BufferSourceKind : std::uint32_t {
+    SourceEmpty = 0,
+    SourceFile = 1,
+    SourceValues = 2,
+    SourceBuffers = 3
+};
+
+/// NEW_BUFFER: makes an image from a file, from values, from other images or from nothing, cut to
+/// areas or a range, and keeps it under a name.
+class CmdNewBuffer final : public CmdApi {
+public:
+    void setBufferName(std::string name);
+
+    /// A file of any format, told apart by its contents.
+    ///
+    /// @param argument  the path as it stands in the script, delimiters included
+    void setFile(std::string argument);
+
+    /// A file taken byte for byte.
+    void setRawFile(std::string argument);
+
+    void setValues(std::vector<std::uint32_t> list);
+    void addSourceBuffer(std::string name);
+    void setNewStartAddress(std::uint32_t address);
+    void setByteOrder(Buffer::ByteOrder order) { byteOrder = order; }
+    void setBufferRange(const Area& range) { bufferRange = range; }
+    void addArea(const Area& area) { areas.push_back(area); }
+
+    bool execute(CmdContext& context) override;
+    std::uint32_t getCmdType() const override { return number(CmdType::NewBuffer); }
+
+private:
+    /// The image of the statement's source, or nothing after a report.
+    std::optional<Buffer::MemoryBuffer> build(CmdContext& context) const;
+    std::optional<Buffer::MemoryBuffer> fromBuffers(CmdContext& context, Area range) const;
+    std::optional<Buffer::MemoryBuffer> fromFile(Area range) const;
+    std::optional<Buffer::MemoryBuffer> readFile(Area range) const;
+    Buffer::MemoryBuffer fromValues(Area range) const;
+
+    std::string bufferName;
+    std::uint64_t newStartAddress = 0;
+    bool hasNewStartAddress = false;
+    std::string fileName;
+    bool isRawFile = false;
+    BufferSourceKind sourceKind = BufferSourceKind::SourceEmpty;
+    Buffer::ByteOrder byteOrder = Buffer::ByteOrder::NotSet;
+    Area bufferRange;
+    AreaList areas;
+    std::vector<std::uint32_t> values;
+    std::deque<std::string> sourceBuffers;
+};
+
+}  // namespace Parser::WrapperLib

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+#include "parser/commands/CmdApi.hpp"
+
+namespace Parser::WrapperLib {
+
+/// PRINT_BUFFER: prints the range of an image and its effective bytes, all of them or those of the
+/// given areas, 13 to a row.
+class CmdPrintBuffer final : public CmdApi {
+public:
+    void setBufferName(std::string name);
+    void addArea(const Area& area) { areas.push_back(area); }
+
+    bool execute(CmdContext& context) override;
+    std::uint32_t getCmdType() const override { return number(CmdType::PrintBuffer); }
+
+private:
+    std::string bufferName;
+    AreaList areas;
+};
+
+}  // namespace Parser::WrapperLib

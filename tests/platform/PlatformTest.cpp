@@ -1,0 +1,105 @@
+#include "platform/Platform.hpp"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <new>
+#include <string>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path writtenFile(const std::string& contents) {
+    fs::path path = fs::path(testing::TempDir()) / "platform-test";
+    std::ofstream(path, std::ios::binary) << contents;
+    return path;
+}
+
+struct Translation {
+    std::string file;
+    std::string text;
+};
+
+TEST(PlatformTest, TextModeDropsOneReturnInFrontOfALineFeedAndEndsAtItsEndCharacter) {
+    for (const Translation& row :
+         {Translation{"", ""}, Translation{"a\r\nb\r\n", "a\nb\n"}, Translation{"\r\n", "\n"},
+          Translation{"a\r\r\nb", "a\r\nb"}, Translation{"a\rb\r", "a\rb\r"},
+          Translation{"a\nb\x1A\nc", "a\nb"}, Translation{"a\r\x1A\n", "a\r"},
+          Translation{std::string("a\0b\r\n", 5), std::string("a\0b\n", 4)}}) {
+        auto contents = Platform::readFile(writtenFile(row.file));
+        ASSERT_TRUE(contents);
+        EXPECT_EQ(contents->text(), row.file);
+        Platform::translateText(*contents);
+        EXPECT_EQ(contents->text(), row.text);
+    }
+}
+
+TEST(PlatformTest, OnlyRegularFilesAreInputs) {
+    const fs::path folder = fs::path(testing::TempDir());
+    const fs::path pipe = folder / "platform-test-pipe";
+    fs::remove(pipe);
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string& path : {folder.string(), pipe.string(), std::string("/dev/zero"),
+                                    (folder / "missing").string(), std::string()})
+        EXPECT_FALSE(Platform::readFile(path)) << path;
+    EXPECT_FALSE(Platform::OutputFile::create(pipe, Platform::FileMode::Binary));
+    EXPECT_FALSE(Platform::OutputFile::create(folder, Platform::FileMode::Text));
+    fs::remove(pipe);
+}
+
+TEST(PlatformTest, AnOutputFileReplacesAndAFullDeviceSaysSo) {
+    const fs::path path = writtenFile("something longer");
+    {
+        auto file = Platform::OutputFile::create(path, Platform::FileMode::Text);
+        ASSERT_TRUE(file);
+        EXPECT_TRUE(file->write("a\n"));
+        EXPECT_TRUE(file->write("b"));
+    }
+    EXPECT_EQ(Platform::readFile(path)->text(), "a\nb");
+    auto full = Platform::OutputFile::create("/dev/full", Platform::FileMode::Binary);
+    ASSERT_TRUE(full);
+    EXPECT_FALSE(full->write("a"));
+}
+
+TEST(PlatformTest, BlocksAreZeroAndRefusedBeyondTheMachine) {
+    for (const std::size_t size : {std::size_t{1}, std::size_t{1} << 20U, std::size_t{70} << 20U}) {
+        const Platform::PageBlock block(size);
+        EXPECT_EQ(block.data()[0], std::byte{0});
+        EXPECT_EQ(block.data()[size - 1], std::byte{0});
+    }
+    EXPECT_THROW(Platform::PageBlock(std::size_t{1} << 46U), std::bad_alloc);
+    EXPECT_EQ(Platform::PageBlock(0).data(), nullptr);
+}
+
+TEST(PlatformTest, UntouchedBlocksCountAsUsed) {
+    // Each block alone would fit; pages that were promised to the first are gone for the second.
+    std::size_t size = std::size_t{1} << 30U;
+    const auto fits = [](std::size_t bytes) {
+        try {
+            return Platform::PageBlock(bytes).size() == bytes;
+        } catch (const std::bad_alloc&) {
+            return false;
+        }
+    };
+    while (fits(size * 2)) size *= 2;
+    const Platform::PageBlock first(size);
+    EXPECT_FALSE(fits(size));
+}
+
+TEST(PlatformTest, AProgramRunsWhateverItsPathHolds) {
+    const fs::path folder = fs::path(testing::TempDir()) / "a b$HOME'\"`c";
+    fs::create_directories(folder);
+    const fs::path program = folder / "it's;run.sh";
+    const fs::path output = fs::path(testing::TempDir()) / "platform-test-output";
+    std::ofstream(program) << "#!/bin/sh\necho \"$#:$1:$2\" > \"$3\"\n";
+    fs::permissions(program, fs::perms::owner_all);
+    Platform::runProgram(program, "one 'two  words' '" + output.string() + "'");
+    EXPECT_EQ(Platform::readFile(output)->text(), "3:one:two  words\n");
+    fs::remove_all(folder);
+}
+
+}  // namespace

@@ -1,0 +1,99 @@
+#!/usr/bin/env python3
+"""Runs script-level cases: a folder each, with
+
+  script.tsn     the script, unless `arguments` names other arguments, one a line
+  expected.out   standard output; the banner and the time are masked, nothing else
+  expected.err   standard error, if not empty
+  expected.exit  exit code, if not 0
+  expected/      files that the run must leave, byte for byte
+  absent         names of files, one a line, that it must not leave
+  prepare.sh     makes inputs that cannot be kept as files (rights, pipes, large files)
+  check.sh       looks at what the run left; its output must be empty
+
+The program runs in a copy of the folder. --accept writes what came out as the new expectation.
+"""
+import argparse
+import pathlib
+import re
+import shlex
+import shutil
+import subprocess
+import sys
+import tempfile
+
+
+def masked(text):
+    text = re.sub(rb"\A[^\n]* version \d+\.\d+ from [^\n]*\n[^\n]*\n", b"<banner>\n", text)
+    return re.sub(rb"(KvTessaron Total Time: )[0-9.e+-]+", rb"\1<time>", text)
+
+
+def text_of(path, default=b""):
+    return path.read_bytes() if path.exists() else default
+
+
+def lines_of(path, default=()):
+    return path.read_text().splitlines() if path.exists() else list(default)
+
+
+def run(case, command, work, accept, timeout):
+    """Runs one case and returns what is wrong, a line each."""
+    faults = []
+    shutil.copytree(case, work, dirs_exist_ok=True)
+    shutil.rmtree(work / "expected", ignore_errors=True)
+    if (case / "prepare.sh").exists():
+        subprocess.run(["sh", "prepare.sh"], cwd=work, check=True)
+    arguments = lines_of(case / "arguments", ["script.tsn"])
+    try:
+        done = subprocess.run(command + arguments, cwd=work, capture_output=True,
+                              stdin=subprocess.DEVNULL, timeout=timeout)
+    except subprocess.TimeoutExpired:
+        return ["did not end within %d seconds" % timeout]
+    got = {"expected.out": masked(done.stdout), "expected.err": done.stderr,
+           "expected.exit": b"%d\n" % done.returncode}
+    if accept:
+        for name, text in got.items():
+            if name == "expected.out" or text not in (b"", b"0\n"):
+                (case / name).write_bytes(text)
+    for name, text in got.items():
+        wanted = text_of(case / name, b"0\n" if name == "expected.exit" else b"")
+        if text != wanted:
+            faults.append("%s differs: got\n%s\nwanted\n%s" %
+                          (name, text.decode("latin-1"), wanted.decode("latin-1")))
+    for path in sorted((case / "expected").glob("**/*")):
+        name = path.relative_to(case / "expected")
+        if accept and (work / name).exists():
+            path.write_bytes((work / name).read_bytes())
+        if path.is_file() and text_of(work / name, None) != path.read_bytes():
+            faults.append("file %s differs, or is missing" % name)
+    faults += ["file %s is there" % name for name in lines_of(case / "absent")
+               if (work / name).exists()]
+    if (case / "check.sh").exists():
+        checked = subprocess.run(["sh", "check.sh"], cwd=work, capture_output=True)
+        if checked.returncode or checked.stdout or checked.stderr:
+            faults.append("check.sh: %s" % (checked.stdout + checked.stderr).decode())
+    return faults
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("program", help="the command that is tested; may hold options")
+    parser.add_argument("cases", nargs="+", type=pathlib.Path)
+    parser.add_argument("--accept", action="store_true")
+    parser.add_argument("--timeout", type=int, default=120)
+    options = parser.parse_args()
+    failed = 0
+    for case in options.cases:
+        work = pathlib.Path(tempfile.mkdtemp(prefix="tessaron-%s-" % case.name))
+        faults = run(case, shlex.split(options.program), work, options.accept, options.timeout)
+        if not faults:
+            shutil.rmtree(work)
+            continue
+        failed += 1
+        print("%s: %s\nleft in %s; repeat with: %s %s %s" %
+              (case.name, "\n".join(faults), work, sys.argv[0],
+               shlex.quote(options.program), case))
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

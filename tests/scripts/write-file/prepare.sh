@@ -1,0 +1,2 @@
+mkdir folder
+echo untouched > kept.hex
