@@ -99,12 +99,13 @@ constexpr Word updateReflected(Word crc, std::span<const std::uint8_t> data,
     return crc;
 }
 
-/// No table: each byte, its bits reversed, goes bit by bit through a register that shifts left.
-template <std::unsigned_integral Word>
-constexpr Word updateBitwiseReflectedInput(Word crc, std::span<const std::uint8_t> data,
-                                           Word polynomial) {
+/// No table: each byte, its bits reversed if the input is reflected, goes bit by bit through a
+/// register that shifts left.
+template <bool IsInputReflected, std::unsigned_integral Word>
+constexpr Word updateBitwise(Word crc, std::span<const std::uint8_t> data, Word polynomial) {
     for (const std::uint8_t byte : data) {
-        crc = static_cast<Word>(crc ^ (Word{reflect(byte)} << (widthOf<Word> - 8)));
+        const std::uint8_t ordered = IsInputReflected ? reflect(byte) : byte;
+        crc = static_cast<Word>(crc ^ (Word{ordered} << (widthOf<Word> - 8)));
         for (int bit = 0; bit < 8; ++bit) crc = shiftForward(crc, polynomial);
     }
     return crc;

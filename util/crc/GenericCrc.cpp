@@ -77,7 +77,7 @@ std::uint16_t crc16Ccitt(Bytes data, std::uint16_t seed) {
 }
 
 std::uint16_t crc16IbmSdlc(Bytes data, std::uint16_t seed) {
-    const std::uint16_t crc = updateBitwiseReflectedInput(seed, data, std::uint16_t{0x1021});
+    const std::uint16_t crc = updateBitwise<true>(seed, data, std::uint16_t{0x1021});
     return onesComplement(reflect(crc));
 }
 

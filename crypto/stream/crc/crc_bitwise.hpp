@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "crypto/stream/crc/crc_base.hpp"
+#include "util/crc/CrcRegister.hpp"
+
+namespace kv::crypto::stream::crc {
+
+/// A CRC computed bit by bit, its parameters in the terms of the public CRC catalogue.
+///
+/// The constructor sets no value: `reset` comes first. `finish` turns the register into the final
+/// value in place, so that a second one undoes the first.
+template <unsigned Width, unsigned short Polynomial, unsigned short Initial,
+          unsigned short FinalXor, int ReflectIn, int ReflectOut>
+class crc_bitwise : public crc_base<unsigned short> {
+    static_assert(Width == 16, "the register has sixteen bits");
+
+public:
+    void reset() override { crc_register = Initial; }
+
+    void update(const void* data, std::size_t length) override {
+        const std::span bytes(static_cast<const std::uint8_t*>(data), length);
+        crc_register = Util::Crc::updateBitwise<ReflectIn != 0>(crc_register, bytes, Polynomial);
+    }
+
+    unsigned short finish() override {
+        if constexpr (ReflectOut != 0) crc_register = Util::Crc::reflect(crc_register);
+        crc_register = static_cast<unsigned short>(crc_register ^ FinalXor);
+        return crc_register;
+    }
+
+    /// The present register; before `finish` the unreflected one.
+    unsigned short result() const override { return crc_register; }
+
+private:
+    unsigned short crc_register;
+};
+
+}  // namespace kv::crypto::stream::crc

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <span>
+#include <vector>
+
+#include "crypto/stream/stream.hpp"
+
+namespace kv::crypto::stream::hash {
+
+/// What every block hash shares: the block being collected, the count of message bytes, the feeding
+/// loop. An algorithm adds its initial values, its compression function and the end of its message.
+///
+/// @tparam DigestBits  size of the digest in bits
+/// @tparam StateBits   size of the chaining state in bits
+/// @tparam Word        unsigned word of that state
+/// @tparam BlockBytes  size of a block in bytes
+///
+/// Between two calls `block_fill` is below `BlockBytes`, and every byte of `block` from
+/// `block_fill` on is 0; the ends of messages rely on it. Construction leaves the state of `reset`.
+/// After `finish` only `result` and `reset` make sense; nothing refuses the others.
+template <std::size_t DigestBits, std::size_t StateBits, class Word, std::size_t BlockBytes>
+class hash_base : public stream<std::array<unsigned char, DigestBits / 8>, void> {
+public:
+    using digest_type = std::array<unsigned char, DigestBits / 8>;
+    static constexpr std::size_t block_bytes = BlockBytes;
+
+    void reset() override {
+        block_fill = 0;
+        message_length = 0;
+        block.fill(0);
+        state.fill(0);
+    }
+
+    void update(const void* data, std::size_t length) override {
+        // The data may be null when there is none.
+        if (length == 0) return;
+        const auto* bytes = static_cast<const unsigned char*>(data);
+        message_length += length;
+        if (block_fill != 0 || length < BlockBytes) {
+            const std::size_t chunk = std::min(BlockBytes - block_fill, length);
+            std::memcpy(block.data() + block_fill, bytes, chunk);
+            block_fill += chunk;
+            bytes += chunk;
+            length -= chunk;
+            if (block_fill == BlockBytes) transform();
+        }
+        const std::size_t blocks = length / BlockBytes;
+        if (blocks != 0) transform_blocks(bytes, blocks);
+        const std::size_t rest = length % BlockBytes;
+        std::memcpy(block.data() + block_fill, bytes + blocks * BlockBytes, rest);
+        block_fill += rest;
+    }
+
+    /// Compresses `block` into `state`, zeroes all of `block` and sets `block_fill` to 0.
+    virtual void transform() {
+        transform_blocks(block.data(), 1);
+        block.fill(0);
+        block_fill = 0;
+    }
+
+protected:
+    /// The compression function, over `count` blocks that lie one behind the other.
+    virtual void transform_blocks(const unsigned char* blocks, std::size_t count) = 0;
+
+    std::size_t block_fill = 0;
+    std::uint64_t message_length = 0;
+    std::array<unsigned char, BlockBytes> block{};
+    std::array<Word, StateBits / (8 * sizeof(Word))> state{};
+};
+
+/// The end of a message that MD and SHA families share: a marker bit, zeros, and the length in bits
+/// at the end of the last block.
+///
+/// @param put  stores byte `i` of the length, least significant byte first, into its block
+template <std::size_t LengthBits, class Put>
+void put_bit_length(std::uint64_t& message_length, Put put) {
+    // Byte by byte, since the count in bits may have 67 of them.
+    unsigned carry = 0;
+    for (std::size_t i = 0; i < LengthBits / 8; ++i) {
+        const unsigned v = static_cast<unsigned>(message_length << 3U) & 0x7FFU;
+        put(i, static_cast<unsigned char>((v & 0xFFU) | carry));
+        carry = static_cast<unsigned>(message_length >> 5U) & 7U;
+        message_length >>= 8U;
+    }
+}
+
+/// The digest of `input` by the class `Hash`, in the order in which the algorithm emits it.
+template <class Hash>
+std::vector<std::uint8_t> hash_bytes(std::span<const std::uint8_t> input) {
+    Hash hash;
+    if (!input.empty()) hash.update(input.data(), input.size());
+    typename Hash::digest_type digest;
+    hash.finish_into(digest);
+    return {digest.begin(), digest.end()};
+}
+
+}  // namespace kv::crypto::stream::hash

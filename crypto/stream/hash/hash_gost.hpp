@@ -1,0 +1,30 @@
+#pragma once
+
+#include "crypto/stream/hash/hash_base.hpp"
+
+namespace kv::crypto::stream::hash {
+
+/// GOST R 34.11-94 (RFC 5831) with the S-boxes of id-GostR3411-94-CryptoProParamSet (RFC 4357).
+///
+/// Beside the chaining value it keeps a sum of all blocks. No padding marks the end of a message:
+/// its length and the sum are compressed behind it.
+class hash_gost final : public hash_base<256, 256, unsigned int, 32> {
+public:
+    void reset() override;
+    digest_type finish() override;
+    digest_type result() const override;
+
+protected:
+    void transform_blocks(const unsigned char* blocks, std::size_t count) override;
+
+private:
+    /// Eight words, the first one least significant.
+    using Words = std::array<std::uint32_t, 8>;
+
+    /// The step function of the standard: replaces `state` by that of `state` and `m`.
+    void compress(const Words& m);
+
+    Words control_sum{};
+};
+
+}  // namespace kv::crypto::stream::hash

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "crypto/stream/hash/hash_base.hpp"
+
+/// SHA-3 with digests of fixed length, FIPS 202.
+namespace kv::crypto::stream::hash {
+
+/// The sponge: whole blocks are xored into the state, and one padded block ends the message. The
+/// digest is never longer than a block, so nothing has to be squeezed out of further permutations.
+template <std::size_t DigestBits, std::size_t StateBits>
+class hash_keccak_base : public hash_base<DigestBits, StateBits, unsigned long long,
+                                          StateBits / 8 - 2 * DigestBits / 8> {
+public:
+    using digest_type = std::array<unsigned char, DigestBits / 8>;
+
+    digest_type finish() override {
+        pad();
+        this->transform();
+        return result();
+    }
+
+    digest_type result() const override {
+        digest_type digest;
+        for (std::size_t i = 0; i < digest.size(); ++i)
+            digest[i] = static_cast<unsigned char>(this->state[i / 8] >> (8 * (i % 8)));
+        return digest;
+    }
+
+    /// Puts the padding behind what `block` holds.
+    virtual void pad() = 0;
+};
+
+/// Keccak-f[1600] and the padding that begins with the byte `Suffix`.
+template <std::size_t DigestBits, unsigned char Suffix>
+class hash_keccak_f_1600_base : public hash_keccak_base<DigestBits, 1600> {
+public:
+    void pad() override {
+        constexpr unsigned char lastBit = 0x80;
+        this->block[this->block_fill] ^= Suffix;
+        this->block.back() ^= lastBit;
+    }
+
+protected:
+    void transform_blocks(const unsigned char* blocks, std::size_t count) override;
+};
+
+template <std::size_t DigestBits>
+class hash_sha3 final : public hash_keccak_f_1600_base<DigestBits, 6> {};
+
+}  // namespace kv::crypto::stream::hash

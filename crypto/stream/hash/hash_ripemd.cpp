@@ -1,0 +1,193 @@
+#include "crypto/stream/hash/hash_ripemd.hpp"
+
+#include <bit>
+
+#include "crypto/stream/hash/roots.hpp"
+
+namespace kv::crypto::stream::hash {
+
+namespace {
+
+constexpr std::size_t wordsInBlock = 16;
+constexpr std::size_t rounds = 5;
+using Words = std::array<std::uint32_t, wordsInBlock>;
+using Order = std::array<std::size_t, wordsInBlock>;
+
+/// The permutation rho of the message words; its powers are the orders of the rounds.
+constexpr Order rho{7, 4, 13, 1, 10, 6, 15, 3, 12, 0, 9, 5, 2, 14, 11, 8};
+
+/// The orders of a line: the first one, then rho applied again and again.
+constexpr std::array<Order, rounds> orders_from(Order order) {
+    std::array<Order, rounds> orders{};
+    for (Order& next : orders) {
+        next = order;
+        for (std::size_t& word : order) word = rho[word];
+    }
+    return orders;
+}
+
+constexpr std::array<Order, rounds> leftOrders = [] {
+    Order identity{};
+    for (std::size_t i = 0; i < identity.size(); ++i) identity[i] = i;
+    return orders_from(identity);
+}();
+
+/// The right line begins with the permutation pi(i) = 9 i + 5.
+constexpr std::array<Order, rounds> rightOrders = [] {
+    Order pi{};
+    for (std::size_t i = 0; i < pi.size(); ++i) pi[i] = (9 * i + 5) % wordsInBlock;
+    return orders_from(pi);
+}();
+
+static_assert(leftOrders[4][0] == 4 && rightOrders[4][0] == 12);
+
+/// Rotation of a message word in each round, in both lines.
+constexpr std::array<std::array<int, wordsInBlock>, rounds> rotations{
+    {{11, 14, 15, 12, 5, 8, 7, 9, 11, 13, 14, 15, 6, 7, 9, 8},
+     {12, 13, 11, 15, 6, 9, 9, 7, 12, 15, 11, 13, 7, 8, 7, 7},
+     {13, 15, 14, 11, 7, 7, 6, 8, 13, 14, 13, 12, 5, 5, 6, 9},
+     {14, 11, 12, 14, 8, 6, 5, 5, 15, 12, 15, 14, 9, 9, 8, 6},
+     {15, 12, 13, 13, 9, 5, 8, 6, 14, 11, 12, 11, 8, 6, 5, 5}}};
+
+/// 2^30 times the square roots and the cube roots of the first primes; none where a line is 0.
+constexpr std::array<std::uint32_t, rounds> leftConstants{
+    0, root_times_2_to_30(2, 2), root_times_2_to_30(3, 2), root_times_2_to_30(5, 2),
+    root_times_2_to_30(7, 2)};
+constexpr std::array<std::uint32_t, rounds> rightConstants{
+    root_times_2_to_30(2, 3), root_times_2_to_30(3, 3), root_times_2_to_30(5, 3),
+    root_times_2_to_30(7, 3), 0};
+
+template <std::size_t Function>
+[[gnu::always_inline]] inline std::uint32_t nonlinear(std::uint32_t x, std::uint32_t y,
+                                                      std::uint32_t z) {
+    if constexpr (Function == 0)
+        return x ^ y ^ z;
+    else if constexpr (Function == 1)
+        return z ^ (x & (y ^ z));
+    else if constexpr (Function == 2)
+        return (x | ~y) ^ z;
+    else if constexpr (Function == 3)
+        return y ^ (z & (x ^ y));
+    else
+        return x ^ (y | ~z);
+}
+
+/// The registers of a line, in fixed places: each step writes the one before the last written.
+template <std::size_t Size>
+using Line = std::array<std::uint32_t, Size>;
+
+template <std::size_t Step, std::size_t Name, std::size_t Size>
+[[gnu::always_inline]] inline std::uint32_t& name(Line<Size>& line) {
+    return line[(Name + Size * rounds * wordsInBlock - Step) % Size];
+}
+
+template <std::size_t Step, bool IsLeft, std::size_t Size>
+[[gnu::always_inline]] inline void step_line(Line<Size>& line, const Words& x) {
+    constexpr std::size_t round = Step / wordsInBlock;
+    constexpr std::size_t lineRounds = Size;
+    // The right line takes the functions from the last to the first.
+    constexpr std::size_t function = IsLeft ? round : lineRounds - 1 - round;
+    constexpr std::size_t word = (IsLeft ? leftOrders : rightOrders)[round][Step % wordsInBlock];
+    // The last round of the right line has no constant, whatever the number of rounds.
+    constexpr std::uint32_t constant =
+        IsLeft ? leftConstants[round] : (round == lineRounds - 1 ? 0 : rightConstants[round]);
+    std::uint32_t& a = name<Step, 0>(line);
+    const std::uint32_t b = name<Step, 1>(line);
+    std::uint32_t& c = name<Step, 2>(line);
+    const std::uint32_t d = name<Step, 3>(line);
+    a += x[word] + constant;
+    a += nonlinear<function>(b, c, d);
+    a = std::rotl(a, rotations[round][word]);
+    if constexpr (Size == 5) {
+        a += name<Step, 4>(line);
+        c = std::rotl(c, 10);
+    }
+}
+
+/// Both lines through their rounds; `hook` gets the registers of round r behind it.
+template <std::size_t Size, class Hook>
+[[gnu::always_inline]] inline void run_lines(Line<Size>& left, Line<Size>& right, const Words& x,
+                                             Hook hook) {
+    const auto step = [&](auto number) {
+        step_line<number, true>(left, x);
+        step_line<number, false>(right, x);
+        constexpr std::size_t next = number + 1;
+        if constexpr (next % wordsInBlock == 0)
+            hook(left[next / wordsInBlock - 1], right[next / wordsInBlock - 1]);
+    };
+    [&]<std::size_t... numbers>(std::index_sequence<numbers...>) {
+        (step(std::integral_constant<std::size_t, numbers>()), ...);
+    }
+    (std::make_index_sequence<Size * wordsInBlock>());
+}
+
+/// The compression function of one layer over `count` blocks. `Size` registers make a line.
+template <std::size_t Size, bool HasTwoHalves, class State, class Hook>
+void compress_lines(State& state, const unsigned char* blocks, std::size_t count, Hook hook) {
+    constexpr std::size_t rightStart = HasTwoHalves ? Size : 0;
+    constexpr std::size_t blockBytes = 64;
+    for (; count != 0; --count, blocks += blockBytes) {
+        Words x;
+        for (std::size_t i = 0; i < x.size(); ++i)
+            x[i] = load_little<std::uint32_t>(blocks + sizeof(std::uint32_t) * i);
+        Line<Size> left;
+        Line<Size> right;
+        std::copy_n(state.begin(), Size, left.begin());
+        std::copy_n(state.begin() + rightStart, Size, right.begin());
+        run_lines(left, right, x, hook);
+        const State old = state;
+        for (std::size_t i = 0; i < Size; ++i) {
+            if constexpr (HasTwoHalves) {
+                state[i] = old[i] + left[i];
+                state[Size + i] = old[Size + i] + right[i];
+            } else {
+                // Each word from the next one, the left line from one place on, the right from two.
+                state[i] = old[(i + 1) % Size] + left[(i + 2) % Size] + right[(i + 3) % Size];
+            }
+        }
+    }
+}
+
+}  // namespace
+
+template <std::size_t Bits>
+void hash_ripemd_128_256_base<Bits>::transform_blocks(const unsigned char* blocks,
+                                                      std::size_t count) {
+    compress_lines<4, hash_ripemd_base<Bits>::has_two_halves>(this->state, blocks, count,
+                                                              &hash_ripemd_base<Bits>::swap_words);
+}
+
+template <std::size_t Bits>
+void hash_ripemd_160_320_base<Bits>::transform_blocks(const unsigned char* blocks,
+                                                      std::size_t count) {
+    compress_lines<5, hash_ripemd_base<Bits>::has_two_halves>(this->state, blocks, count,
+                                                              &hash_ripemd_base<Bits>::swap_words);
+}
+
+template class hash_ripemd_128_256_base<128>;
+template class hash_ripemd_128_256_base<256>;
+template class hash_ripemd_160_320_base<160>;
+template class hash_ripemd_160_320_base<320>;
+
+void hash_ripemd256::reset() {
+    hash_ripemd_128_256_base::reset();
+    set_second_half();
+}
+
+void hash_ripemd256::set_second_half() {
+    constexpr std::array<std::uint32_t, 4> words{0x76543210, 0xFEDCBA98, 0x89ABCDEF, 0x01234567};
+    std::ranges::copy(words, state.begin() + 4);
+}
+
+void hash_ripemd320::reset() {
+    hash_ripemd_160_320_base::reset();
+    set_second_half();
+}
+
+void hash_ripemd320::set_second_half() {
+    constexpr std::array<std::uint32_t, 5> words{0x76543210, 0xFEDCBA98, 0x89ABCDEF, 0x01234567,
+                                                 0x3C2D1E0F};
+    std::ranges::copy(words, state.begin() + 5);
+}
+
+}  // namespace kv::crypto::stream::hash

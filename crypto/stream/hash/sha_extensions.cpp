@@ -1,0 +1,152 @@
+#include "crypto/stream/hash/sha_rounds.hpp"
+
+#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
+
+#include <cpuid.h>
+#include <immintrin.h>
+
+#include <utility>
+
+#define TESSARON_SHA [[gnu::target("sha,sse4.1,ssse3")]]
+
+namespace kv::crypto::stream::hash {
+
+namespace {
+
+bool detect_sha_extensions() {
+    unsigned a = 0;
+    unsigned b = 0;
+    unsigned c = 0;
+    unsigned d = 0;
+    constexpr unsigned shaBit = 1U << 29U;
+    constexpr unsigned neededBits = 1U << 9U | 1U << 19U;  // SSSE3 and SSE4.1
+    if (__get_cpuid(1, &a, &b, &c, &d) == 0 || (c & neededBits) != neededBits) return false;
+    return __get_cpuid_count(7, 0, &a, &b, &c, &d) != 0 && (b & shaBit) != 0;
+}
+
+TESSARON_SHA inline __m128i load(const void* place) {
+    return _mm_loadu_si128(static_cast<const __m128i*>(place));
+}
+
+TESSARON_SHA inline void store(void* place, __m128i words) {
+    _mm_storeu_si128(static_cast<__m128i*>(place), words);
+}
+
+/// Four rounds of SHA-1 from round 4 * `Group` on, and the message words of later groups as far as
+/// they can be made by then.
+template <int Group>
+TESSARON_SHA inline void sha1_group(__m128i& abcd, __m128i& e, __m128i& last, __m128i (&w)[4]) {
+    constexpr int now = Group % 4;
+    e = Group == 0 ? _mm_add_epi32(e, w[now]) : _mm_sha1nexte_epu32(last, w[now]);
+    last = abcd;
+    abcd = _mm_sha1rnds4_epu32(abcd, e, Group / 5);
+    // w[now] makes way for the words of group + 4.
+    if constexpr (Group + 4 < 20) {
+        __m128i next = _mm_sha1msg1_epu32(w[now], w[(now + 1) % 4]);
+        next = _mm_xor_si128(next, w[(now + 2) % 4]);
+        w[now] = _mm_sha1msg2_epu32(next, w[(now + 3) % 4]);
+    }
+}
+
+template <int... groups>
+TESSARON_SHA inline void sha1_rounds(__m128i& abcd, __m128i& e, __m128i& last, __m128i (&w)[4],
+                                     std::integer_sequence<int, groups...> /*numbers*/) {
+    (sha1_group<groups>(abcd, e, last, w), ...);
+}
+
+/// Four rounds of SHA-256 from round 4 * `Group` on, and the message words of group + 4.
+template <int Group>
+TESSARON_SHA inline void sha256_group(__m128i& abef, __m128i& cdgh, __m128i (&w)[4]) {
+    constexpr int now = Group % 4;
+    constexpr int upperHalf = 0x0E;
+    const __m128i words = _mm_add_epi32(w[now], load(&sha256_constants[4 * Group]));
+    cdgh = _mm_sha256rnds2_epu32(cdgh, abef, words);
+    abef = _mm_sha256rnds2_epu32(abef, cdgh, _mm_shuffle_epi32(words, upperHalf));
+    if constexpr (Group + 4 < 16) {
+        const __m128i middle = _mm_alignr_epi8(w[(now + 3) % 4], w[(now + 2) % 4], 4);
+        const __m128i next = _mm_add_epi32(_mm_sha256msg1_epu32(w[now], w[(now + 1) % 4]), middle);
+        w[now] = _mm_sha256msg2_epu32(next, w[(now + 3) % 4]);
+    }
+}
+
+template <int... groups>
+TESSARON_SHA inline void sha256_rounds(__m128i& abef, __m128i& cdgh, __m128i (&w)[4],
+                                       std::integer_sequence<int, groups...> /*numbers*/) {
+    (sha256_group<groups>(abef, cdgh, w), ...);
+}
+
+}  // namespace
+
+bool has_sha_extensions() {
+    static const bool isThere = detect_sha_extensions();
+    return isThere;
+}
+
+TESSARON_SHA void sha1_blocks_extensions(sha1_state& state, const unsigned char* blocks,
+                                         std::size_t count) {
+    constexpr int reverseWords = 0x1B;
+    constexpr std::size_t blockBytes = 64;
+    const __m128i order = _mm_set_epi64x(0x0001020304050607, 0x08090A0B0C0D0E0F);
+    __m128i abcd = _mm_shuffle_epi32(load(state.data()), reverseWords);
+    __m128i e = _mm_set_epi32(static_cast<int>(state[4]), 0, 0, 0);
+    for (; count != 0; --count, blocks += blockBytes) {
+        __m128i w[4];
+        for (int i = 0; i < 4; ++i) w[i] = _mm_shuffle_epi8(load(blocks + 16 * i), order);
+        const __m128i oldAbcd = abcd;
+        const __m128i oldE = e;
+        __m128i last = abcd;
+        sha1_rounds(abcd, e, last, w, std::make_integer_sequence<int, 20>());
+        e = _mm_sha1nexte_epu32(last, oldE);
+        abcd = _mm_add_epi32(abcd, oldAbcd);
+    }
+    store(state.data(), _mm_shuffle_epi32(abcd, reverseWords));
+    state[4] = static_cast<std::uint32_t>(_mm_extract_epi32(e, 3));
+}
+
+TESSARON_SHA void sha256_blocks_extensions(sha256_state& state, const unsigned char* blocks,
+                                           std::size_t count) {
+    constexpr std::size_t blockBytes = 64;
+    const __m128i order = _mm_set_epi64x(0x0C0D0E0F08090A0B, 0x0405060700010203);
+    // The instructions keep the registers as a b e f and c d g h, highest word first.
+    const __m128i cdab = _mm_shuffle_epi32(load(state.data()), 0xB1);
+    const __m128i efgh = _mm_shuffle_epi32(load(state.data() + 4), 0x1B);
+    __m128i abef = _mm_alignr_epi8(cdab, efgh, 8);
+    __m128i cdgh = _mm_blend_epi16(efgh, cdab, 0xF0);
+    for (; count != 0; --count, blocks += blockBytes) {
+        __m128i w[4];
+        for (int i = 0; i < 4; ++i) w[i] = _mm_shuffle_epi8(load(blocks + 16 * i), order);
+        const __m128i oldAbef = abef;
+        const __m128i oldCdgh = cdgh;
+        sha256_rounds(abef, cdgh, w, std::make_integer_sequence<int, 16>());
+        abef = _mm_add_epi32(abef, oldAbef);
+        cdgh = _mm_add_epi32(cdgh, oldCdgh);
+    }
+    const __m128i feba = _mm_shuffle_epi32(abef, 0x1B);
+    const __m128i dchg = _mm_shuffle_epi32(cdgh, 0xB1);
+    store(state.data(), _mm_blend_epi16(feba, dchg, 0xF0));
+    store(state.data() + 4, _mm_alignr_epi8(dchg, feba, 8));
+}
+
+}  // namespace kv::crypto::stream::hash
+
+#else
+
+#include <cstdlib>
+
+namespace kv::crypto::stream::hash {
+
+bool has_sha_extensions() {
+    return false;
+}
+
+void sha1_blocks_extensions(sha1_state& state, const unsigned char* blocks, std::size_t count) {
+    sha1_blocks_portable(state, blocks, count);
+}
+
+void sha256_blocks_extensions(sha256_state& state, const unsigned char* blocks, std::size_t count) {
+    sha256_blocks_portable(state, blocks, count);
+}
+
+}  // namespace kv::crypto::stream::hash
+
+#endif

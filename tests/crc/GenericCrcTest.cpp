@@ -1,0 +1,103 @@
+#include "util/crc/GenericCrc.hpp"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+
+#include "tests/Vectors.hpp"
+#include "util/crc/CrcRegister.hpp"
+
+namespace {
+
+using namespace Util::Crc::GenericCrc;
+using Tests::hexOf;
+using Tests::inputBytes;
+using Tests::Vector;
+
+using Calculation = std::function<Util::Crc::ByteList(Bytes)>;
+
+template <class Algorithm>
+Util::Crc::ByteList computed(Bytes data) {
+    Algorithm algorithm;
+    algorithm.computeCrc("an earlier input leaves no trace", 32);
+    algorithm.computeCrc(data.data(), data.size());
+    return algorithm.toBytes();
+}
+
+const std::map<std::string, Calculation>& calculations() {
+    static const std::map<std::string, Calculation> all{
+        {"Crc8_Standard", &computed<crcCrc8_Standard>},
+        {"Crc8_OnesComplement", &computed<crcCrc8_OnesComplement>},
+        {"Crc8_TwosComplement", &computed<crcCrc8_TwosComplement>},
+        {"Crc8_Eeprom", &computed<crcCrc8_Eeprom>},
+        {"Crc16_Standard", &computed<crcCrc16_Standard>},
+        {"Crc16_OnesComplement_BE", &computed<crcCrc16_OnesComplement_BE>},
+        {"Crc16_TwosComplement_BE", &computed<crcCrc16_TwosComplement_BE>},
+        {"Crc16_Legacy_Karst_Brae", &computed<crcCrc16_Legacy_Karst_Brae>},
+        {"Crc16_Ccitt", &computed<crcCrc16_Ccitt>},
+        {"Crc16_ibm_sdlc", &computed<crcCrc16_ibm_sdlc>},
+        {"Crc32_Standard", &computed<crcCrc32_Standard>},
+        {"Crc32_Tolmen", &computed<crcCrc32_Tolmen>},
+        {"Crc32_Vector_AUTOSAR", &computed<crcCrc32_Vector_AUTOSAR>},
+        {"Crc32_Ethernet_Mpeg2", &computed<crcCrc32_Ethernet_Mpeg2>},
+        {"InterpretAsLittleEndian", [](Bytes data) { return interpretBytes(data, 1); }},
+        {"InterpretAsBigEndian", [](Bytes data) { return interpretBytes(data, 2); }},
+    };
+    return all;
+}
+
+class CrcVectors : public testing::TestWithParam<Vector> {};
+
+TEST_P(CrcVectors, Agree) {
+    EXPECT_EQ(hexOf(calculations().at(GetParam().keyword)(GetParam().input)), GetParam().value);
+}
+
+std::vector<Vector> vectorsOfBothKinds() {
+    std::vector<Vector> vectors = Tests::loadVectors("Crc");
+    const std::vector<Vector> readings = Tests::loadVectors("Interpret");
+    vectors.insert(vectors.end(), readings.begin(), readings.end());
+    return vectors;
+}
+
+INSTANTIATE_TEST_SUITE_P(File, CrcVectors, testing::ValuesIn(vectorsOfBothKinds()),
+                         Tests::keywordAndLine);
+
+TEST(GenericCrcTest, SixteenSumsOfBigEndianWordsWantAnEvenLength) {
+    EXPECT_EQ(crc16OnesComplementSumBE(inputBytes("ascii:12345678"), 0xFFFF), 0x2F2B);
+    EXPECT_EQ(crc16TwosComplementSumBE(inputBytes("ascii:12345678"), 0x0000), 0x2F2C);
+    EXPECT_EQ(crc16OnesComplementSumBE(inputBytes("ascii:123456789"), 0xFFFF), 0xFFFF);
+    EXPECT_EQ(crc16TwosComplementSumBE(inputBytes("ascii:123456789"), 0x0000), 0x0000);
+}
+
+TEST(GenericCrcTest, MoreThanFourBytesFoldOntoEachOther) {
+    const std::vector<std::uint8_t> five{0x11, 0x22, 0x33, 0x44, 0x55};
+    EXPECT_EQ(hexOf(interpretBytes(five, 1)), "66223344");
+    EXPECT_EQ(hexOf(interpretBytes(five, 2)), "66443322");
+}
+
+/// However a register is moved on, it must end where the table rules say, for all lengths around
+/// the strides of fast code, for any alignment and any seed.
+TEST(GenericCrcTest, EveryLengthAndAlignmentFollowsTheTableRules) {
+    using namespace Util::Crc;
+    const auto message = inputBytes("seq:5000");
+    const auto check = [&](std::size_t offset, std::size_t length) {
+        const Bytes data = Bytes(message).subspan(offset, length);
+        const auto seed = static_cast<std::uint32_t>(0x9E3779B9U * (length + 1));
+        const auto seed16 = static_cast<std::uint16_t>(seed);
+        const auto seed8 = static_cast<std::uint8_t>(seed);
+        ASSERT_EQ(crc32Forward(data, seed), updateForward(seed, data, crc32ForwardTable));
+        ASSERT_EQ(crc32Reflected(data, seed), ~updateReflected(seed, data, crc32ReflectedTable));
+        ASSERT_EQ(crc16Ccitt(data, seed16), updateForward(seed16, data, crc16CcittTable));
+        ASSERT_EQ(crc16Legacy(data, seed16), updateReflected(seed16, data, crc16LegacyTable));
+        ASSERT_EQ(crc8Eeprom(data, seed8), updateReflected(seed8, data, crc8EepromTable));
+        ASSERT_EQ(crc16IbmSdlc(data, seed16),
+                  static_cast<std::uint16_t>(
+                      ~reflect(updateBitwise<true>(seed16, data, std::uint16_t{0x1021}))));
+    };
+    for (std::size_t length = 0; length < 700; ++length) check(length % 17, length);
+    for (const std::size_t length : {1023U, 1024U, 1025U, 2047U, 2048U, 4095U, 4096U, 4980U})
+        for (std::size_t offset = 0; offset < 9; ++offset) check(offset, length);
+}
+
+}  // namespace

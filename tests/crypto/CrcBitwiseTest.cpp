@@ -1,0 +1,41 @@
+#include <gtest/gtest.h>
+
+#include "crypto/stream/crc/crc_bitwise.hpp"
+
+namespace {
+
+using Sdlc = kv::crypto::stream::crc::crc_bitwise<16, 0x1021, 0xFFFF, 0xFFFF, 1, 1>;
+
+TEST(CrcBitwiseTest, CheckValueOfTheCatalogueHoweverCut) {
+    Sdlc crc;
+    crc.reset();
+    crc.update("1234", 4);
+    crc.update(nullptr, 0);
+    crc.update("56789", 5);
+    EXPECT_EQ(crc.result(), 0x89F6);
+    EXPECT_EQ(crc.finish(), 0x906E);
+    EXPECT_EQ(crc.result(), 0x906E);
+    EXPECT_EQ(crc.finish(), 0x89F6) << "a second finish undoes the first";
+    crc.reset();
+    crc.update("123456789", 9);
+    unsigned short value = 0;
+    crc.finish_into(value);
+    EXPECT_EQ(value, 0x906E);
+    crc.reset();
+    EXPECT_EQ(crc.finish(), 0x0000);
+}
+
+// The check values of CRC-16/IBM-3740 and CRC-16/GENIBUS in the public catalogue: nothing
+// reflected, with and without final xor.
+TEST(CrcBitwiseTest, OtherParametersCount) {
+    kv::crypto::stream::crc::crc_bitwise<16, 0x1021, 0xFFFF, 0x0000, 0, 0> ibm3740;
+    ibm3740.reset();
+    ibm3740.update("123456789", 9);
+    EXPECT_EQ(ibm3740.finish(), 0x29B1);
+    kv::crypto::stream::crc::crc_bitwise<16, 0x1021, 0xFFFF, 0xFFFF, 0, 0> genibus;
+    genibus.reset();
+    genibus.update("123456789", 9);
+    EXPECT_EQ(genibus.finish(), 0xD64E);
+}
+
+}  // namespace

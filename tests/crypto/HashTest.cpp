@@ -1,0 +1,175 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <span>
+#include <tuple>
+
+#include "crypto/stream/hash/hash_gost.hpp"
+#include "crypto/stream/hash/hash_keccak.hpp"
+#include "crypto/stream/hash/hash_md.hpp"
+#include "crypto/stream/hash/hash_ripemd.hpp"
+#include "crypto/stream/hash/hash_sha.hpp"
+#include "crypto/stream/hash/sha_rounds.hpp"
+#include "tests/Vectors.hpp"
+
+namespace {
+
+using namespace kv::crypto::stream::hash;
+using Bytes = std::span<const std::uint8_t>;
+using Tests::hexOf;
+using Tests::inputBytes;
+using Tests::Vector;
+
+/// The message in pieces of `piece` bytes, from a hash that has already seen another one.
+template <class Hash>
+std::string inPieces(Bytes message, std::size_t piece) {
+    Hash hash;
+    hash.update(
+        "something else, and longer than any one block of any algorithm: it goes on and on, "
+        "beyond one hundred and forty-four bytes, until the reset",
+        136);
+    hash.reset();
+    for (Bytes rest = message; !rest.empty();) {
+        const std::size_t length = std::min(piece, rest.size());
+        hash.update(rest.data(), length);
+        hash.update(rest.data(), 0);
+        rest = rest.subspan(length);
+    }
+    typename Hash::digest_type digest{};
+    hash.finish_into(digest);
+    EXPECT_EQ(hash.result(), digest);
+    return hexOf(digest);
+}
+
+struct Algorithm {
+    std::function<std::string(Bytes)> whole;
+    std::function<std::string(Bytes, std::size_t)> pieces;
+};
+
+template <class Hash>
+Algorithm algorithm() {
+    return {[](Bytes message) { return hexOf(hash_bytes<Hash>(message)); }, &inPieces<Hash>};
+}
+
+const std::map<std::string, Algorithm>& algorithms() {
+    static const std::map<std::string, Algorithm> all{
+        {"Hash_Md2", algorithm<hash_md2>()},
+        {"Hash_Md4", algorithm<hash_md4>()},
+        {"Hash_Md5", algorithm<hash_md5>()},
+        {"Hash_Gost_256", algorithm<hash_gost>()},
+        {"Hash_Ripemd_128", algorithm<hash_ripemd128>()},
+        {"Hash_Ripemd_160", algorithm<hash_ripemd160>()},
+        {"Hash_Ripemd_256", algorithm<hash_ripemd256>()},
+        {"Hash_Ripemd_320", algorithm<hash_ripemd320>()},
+        {"Hash_Sha1", algorithm<hash_sha1>()},
+        {"Hash_Sha2_224", algorithm<hash_sha224>()},
+        {"Hash_Sha2_256", algorithm<hash_sha256>()},
+        {"Hash_Sha2_384", algorithm<hash_sha384>()},
+        {"Hash_Sha2_512", algorithm<hash_sha512>()},
+        {"Hash_Sha3_224", algorithm<hash_sha3<224>>()},
+        {"Hash_Sha3_256", algorithm<hash_sha3<256>>()},
+        {"Hash_Sha3_384", algorithm<hash_sha3<384>>()},
+        {"Hash_Sha3_512", algorithm<hash_sha3<512>>()},
+    };
+    return all;
+}
+
+class HashVectors : public testing::TestWithParam<Vector> {};
+
+TEST_P(HashVectors, AgreeHoweverTheMessageIsCut) {
+    const Vector& vector = GetParam();
+    const Algorithm& algorithm = algorithms().at(vector.keyword);
+    EXPECT_EQ(algorithm.whole(vector.input), vector.value);
+    // Single bytes of the longest messages would only cost time.
+    const std::size_t shortest = vector.input.size() > 100'000 ? 4096 : 1;
+    for (const std::size_t piece :
+         {1U,   15U,  16U,  31U,  32U,  33U,  55U,  56U,  63U,  64U,  65U,   71U,   72U,
+          103U, 104U, 111U, 112U, 127U, 128U, 135U, 136U, 143U, 144U, 4096U, 65537U})
+        EXPECT_EQ(algorithm.pieces(vector.input, std::max(piece, shortest)), vector.value)
+            << "pieces of " << piece << " bytes";
+}
+
+INSTANTIATE_TEST_SUITE_P(File, HashVectors, testing::ValuesIn(Tests::loadVectors("Hash_")),
+                         Tests::keywordAndLine);
+
+TEST(HashTest, EveryAlgorithmHasVectors) {
+    std::map<std::string, int> counts;
+    for (const Vector& vector : Tests::loadVectors("Hash_")) ++counts[vector.keyword];
+    EXPECT_EQ(counts.size(), algorithms().size());
+}
+
+/// Looks into a hash: what is promised of the block between two calls.
+template <class Hash>
+class Opened : public Hash {
+public:
+    void expectCleanBlock() const {
+        EXPECT_LT(this->block_fill, Hash::block_bytes);
+        EXPECT_TRUE(std::all_of(this->block.begin() + static_cast<std::ptrdiff_t>(this->block_fill),
+                                this->block.end(), [](unsigned char byte) { return byte == 0; }));
+    }
+    std::size_t fill() const { return this->block_fill; }
+    std::uint64_t length() const { return this->message_length; }
+};
+
+template <class Hash>
+class Framework : public testing::Test {};
+// The classes that can be derived from, one of each family and block size.
+using Families = testing::Types<hash_ripemd_128_256_base<128>, hash_ripemd_160_320_base<320>,
+                                hash_sha_224_256_base<256>, hash_sha_384_512_base<512>,
+                                hash_keccak_f_1600_base<224, 6>, hash_keccak_f_1600_base<512, 6>>;
+TYPED_TEST_SUITE(Framework, Families);
+
+TYPED_TEST(Framework, TheBlockIsZeroBehindItsFill) {
+    constexpr std::size_t size = TypeParam::block_bytes;
+    Opened<TypeParam> hash;
+    const auto message = inputBytes("seq:1000");
+    std::size_t sum = 0;
+    for (const std::size_t length :
+         {size - 1, std::size_t{1}, size, size + 1, 2 * size - 1, 3 * size}) {
+        hash.update(message.data(), length);
+        sum += length;
+        EXPECT_EQ(hash.fill(), sum % size);
+        EXPECT_EQ(hash.length(), sum);
+        hash.expectCleanBlock();
+    }
+    hash.update(message.data(), 5);
+    hash.transform();
+    EXPECT_EQ(hash.fill(), 0U);
+    hash.expectCleanBlock();
+}
+
+TEST(HashTest, TheBitLengthCarriesFromByteToByte) {
+    for (const std::uint64_t bytes :
+         {0x1FULL, 0x20ULL, 0x2000ULL, 0x123456789ABCDEFULL, 0xFFFFFFFFFFFFFFFFULL}) {
+        std::array<unsigned char, 16> field{};
+        std::uint64_t length = bytes;
+        put_bit_length<128>(length,
+                            [&](std::size_t i, unsigned char byte) { field[15 - i] = byte; });
+        EXPECT_EQ(length, 0U);
+        std::array<unsigned char, 16> expected{};
+        store_big(expected.data() + 8, bytes << 3U);
+        expected[7] = static_cast<unsigned char>(bytes >> 61U);
+        EXPECT_EQ(hexOf(field), hexOf(expected));
+    }
+}
+
+TEST(HashTest, ProcessorAndPortableCodeAgree) {
+    if (!has_sha_extensions()) GTEST_SKIP() << "this processor has no SHA extensions";
+    const auto message = inputBytes("seq:6400");
+    for (std::size_t blocks = 0; blocks < 99; blocks += 7) {
+        sha1_state one{1, 2, 3, 4, 0xFFFFFFFF};
+        sha1_state other = one;
+        sha1_blocks_portable(one, message.data() + blocks % 5, blocks);
+        sha1_blocks_extensions(other, message.data() + blocks % 5, blocks);
+        EXPECT_EQ(one, other);
+        sha256_state first{1, 2, 3, 4, 5, 6, 7, 0xFFFFFFFF};
+        sha256_state second = first;
+        sha256_blocks_portable(first, message.data() + blocks % 5, blocks);
+        sha256_blocks_extensions(second, message.data() + blocks % 5, blocks);
+        EXPECT_EQ(first, second);
+    }
+}
+
+}  // namespace
