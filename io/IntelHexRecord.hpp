@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+/// The records of Intel HEX, as reader and writer both know them.
+namespace Io {
+
+/// Kinds of records; the type byte of a record in a file is the value minus 1.
+enum class IntelRecordType : std::uint32_t {
+    Unknown = 0,
+    Data = 1,
+    EndOfFile = 2,
+    ExtendedSegmentAddress = 3,
+    StartSegmentAddress = 4,
+    ExtendedLinearAddress = 5,
+    StartLinearAddress = 6
+};
+
+/// The kind behind a type byte, `Unknown` for one that the format does not have.
+constexpr IntelRecordType intelRecordType(std::uint8_t typeByte) {
+    return typeByte <= 5 ? static_cast<IntelRecordType>(typeByte + 1) : IntelRecordType::Unknown;
+}
+
+/// The type byte of a kind of record that the format has.
+constexpr std::uint8_t typeByteOf(IntelRecordType type) {
+    return static_cast<std::uint8_t>(static_cast<std::uint32_t>(type) - 1);
+}
+
+/// Most characters that one record takes, line feed included.
+inline constexpr std::size_t longestIntelRecord = 1 + 2 * (4 + 255 + 1) + 1;
+
+/// Writes one Intel HEX record, ":LLAAAATT<data>CC" and a line feed, to `out`, which has room for
+/// `longestIntelRecord` characters, and returns the position behind it.
+///
+/// @param address   16-bit address field, written high byte first
+/// @param typeByte  00 to 05, as it stands in the file
+/// @param data      at most 255 bytes, the reach of the count field
+char* writeIntelRecord(char* out, std::uint16_t address, std::uint8_t typeByte,
+                       std::span<const std::uint8_t> data);
+
+}  // namespace Io

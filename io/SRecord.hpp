@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+/// The records of the S-record format, as reader and writer both know them.
+namespace Io {
+
+/// Kinds of records. S4, S6 and all digits that the format does not have are unknown.
+enum class SRecordType : std::uint32_t {
+    S0 = 0,
+    S1 = 1,
+    S2 = 2,
+    S3 = 3,
+    S5 = 4,
+    S7 = 5,
+    S8 = 6,
+    S9 = 7,
+    Unknown = 8
+};
+
+/// Most characters that one record takes, line feed included.
+inline constexpr std::size_t longestSRecord = 2 + 2 * (1 + 255) + 1;
+
+/// Writes one S-record, "Sn", count, address, data and checksum, and a line feed, to `out`, which
+/// has room for `longestSRecord` characters, and returns the position behind it.
+///
+/// @param type     not `Unknown`
+/// @param address  the address field, most significant byte first
+/// @param data     with the address no more than 254 bytes, the reach of the count field
+char* writeSRecord(char* out, SRecordType type, std::span<const std::uint8_t> address,
+                   std::span<const std::uint8_t> data);
+
+}  // namespace Io

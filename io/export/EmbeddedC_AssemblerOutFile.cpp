@@ -1,0 +1,90 @@
+#include "io/export/EmbeddedC_AssemblerOutFile.hpp"
+
+#include <algorithm>
+#include <array>
+#include <boost/algorithm/string/replace.hpp>
+#include <charconv>
+#include <ctime>
+#include <string_view>
+#include <utility>
+
+#include "util/Hex.hpp"
+
+namespace Io::Export {
+
+namespace {
+
+std::string lowerHex(std::uint64_t number) {
+    constexpr int base = 16;
+    std::array<char, base> digits{};
+    const char* const end = std::to_chars(digits.begin(), digits.end(), number, base).ptr;
+    return "0x" + std::string(std::as_const(digits).data(), end);
+}
+
+/// One dot and then letters, digits and underscores: the regular expression [.]{1}([_a-zA-Z0-9]+).
+bool isDottedName(std::string_view section) {
+    constexpr std::string_view letters =
+        "_abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+    return section.size() > 1 && section.front() == '.' &&
+           section.find_first_not_of(letters, 1) == std::string_view::npos;
+}
+
+}  // namespace
+
+EmbeddedC_AssemblerOutFile::EmbeddedC_AssemblerOutFile(std::string path, EmbeddedOutputStyle style)
+    : TextOutFile(std::move(path)), outputStyle(std::move(style)) {}
+
+void EmbeddedC_AssemblerOutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
+    outputBytes.append(buffer, "EmbeddedC_AssemblerOutFile");
+}
+
+std::string EmbeddedC_AssemblerOutFile::getTimeString() {
+    const std::time_t now = std::time(nullptr);
+    std::array<char, sizeof "-2147483648-12-31 23:59:59"> text{};
+    const std::size_t length =
+        std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", std::localtime(&now));
+    return {text.data(), length};
+}
+
+std::string EmbeddedC_AssemblerOutFile::filledIn(std::string text, const std::string& time) const {
+    using boost::algorithm::replace_all;
+    replace_all(text, "@size", lowerHex(outputBytes.view().size()));
+    replace_all(text, "@time", time);
+    replace_all(text, "@elementsPerLine", std::to_string(outputStyle.elementsPerLine));
+    return text;
+}
+
+std::string EmbeddedC_AssemblerOutFile::sectionLines() const {
+    const std::string& section = outputStyle.section;
+    if (section.empty()) return {};
+    if (isDottedName(section)) return "\n\n#pragma asm\n\n.section \"" + section + "\"\n";
+    return "\n\n#pragma section CODE=" + section + "\n\n#pragma asm\n\n";
+}
+
+void EmbeddedC_AssemblerOutFile::saveToFile() {
+    const std::string time = getTimeString();
+    write([&](const Sink& sink) {
+        PieceWriter out(sink);
+        out.append(filledIn(outputStyle.header, time));
+        out.append(sectionLines());
+        writeDataLines(out);
+        out.append(filledIn(outputStyle.footer, time));
+        out.flush();
+    });
+}
+
+void EmbeddedC_AssemblerOutFile::writeDataLines(PieceWriter& out) const {
+    const auto bytes = outputBytes.view();
+    const std::size_t perLine = outputStyle.elementsPerLine;
+    std::size_t inLine = 0;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        out.append(inLine == 0 ? outputStyle.linePrefix : outputStyle.elementSeparator);
+        out.append(outputStyle.elementPrefix);
+        out.commit(Util::writeHex(out.reserve(2), bytes.subspan(i, 1)));
+        if (++inLine != perLine && i + 1 != bytes.size()) continue;
+        out.append("\n");
+        inLine = 0;
+    }
+}
+
+}  // namespace Io::Export

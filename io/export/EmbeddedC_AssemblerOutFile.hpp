@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "io/File.hpp"
+#include "io/export/ConcatenatedBytes.hpp"
+#include "io/export/ImageBytes.hpp"
+#include "io/export/OutputStyles.hpp"
+#include "io/export/TessaronExportApi.hpp"
+
+namespace Io::Export {
+
+/// Writes the bytes of the images, one behind the other, as byte directives for the inline
+/// assembler of a C compiler, between a header and a footer.
+///
+/// In both, "@size" stands for the number of bytes in hexadecimal, "@time" for the local time and
+/// "@elementsPerLine" for that setting.
+class EmbeddedC_AssemblerOutFile final : public TextOutFile, public TessaronExportApi {
+public:
+    EmbeddedC_AssemblerOutFile(std::string path, EmbeddedOutputStyle style);
+
+    void insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) override;
+    void saveToFile() override;
+    void setExecutionAddress(std::uint64_t /*address*/) override {}
+
+    /// The current local time, as in 2021-08-18 14:05:09.
+    static std::string getTimeString();
+
+private:
+    std::string filledIn(std::string text, const std::string& time) const;
+    std::string sectionLines() const;
+    void writeDataLines(PieceWriter& out) const;
+
+    EmbeddedOutputStyle outputStyle;
+    ConcatenatedBytes outputBytes;
+};
+
+}  // namespace Io::Export

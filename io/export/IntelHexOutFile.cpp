@@ -1,0 +1,150 @@
+#include "io/export/IntelHexOutFile.hpp"
+
+#include <algorithm>
+#include <array>
+#include <exception>
+#include <utility>
+
+#include "util/Report.hpp"
+
+namespace Io::Export {
+
+namespace {
+
+constexpr std::uint32_t shortestRecord = 1;
+/// The count field has one byte.
+constexpr std::uint32_t longestRecord = 255;
+constexpr std::uint64_t blockSize = 0x10000;
+
+void writeRecord(PieceWriter& out, std::uint64_t address, IntelRecordType type,
+                 std::span<const std::uint8_t> data) {
+    char* const place = out.reserve(longestIntelRecord);
+    out.commit(
+        writeIntelRecord(place, static_cast<std::uint16_t>(address), typeByteOf(type), data));
+}
+
+void reportLength(std::uint32_t length, const char* bound, std::uint32_t allowed) {
+    Util::reportLine("IntelHexOutFile(Constructor-Operation). outputStyle.dataRecordLength was :",
+                     length);
+    Util::reportLine("The allowed ", bound, " have to be ", allowed, ", so the value was reset to ",
+                     allowed);
+}
+
+}  // namespace
+
+IntelHexOutFile::IntelHexOutFile(std::string path, IntelHexOutputStyle style)
+    : TextOutFile(std::move(path)), outputStyle(style) {
+    std::uint32_t& length = outputStyle.dataRecordLength;
+    if (length < shortestRecord) reportLength(length, "minimum", shortestRecord);
+    if (length > longestRecord) reportLength(length, "maximum", longestRecord);
+    length = std::clamp(length, shortestRecord, longestRecord);
+}
+
+void IntelHexOutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
+    memoryBuffers.push_back(imageBytesOf(buffer));
+}
+
+void IntelHexOutFile::setExecutionAddress(std::uint64_t address) {
+    hasExecutionAddress = true;
+    executionAddress = address;
+}
+
+OffsetInformation IntelHexOutFile::setOffsetInformation(std::uint64_t startAddress) const {
+    constexpr std::uint64_t linearEnd = 0x100000000;
+    constexpr std::uint64_t segmentEnd = 0x100000;
+    OffsetInformation information{};
+    information.startAddress = startAddress;
+    if (outputStyle.useSegmentAddressing) {
+        information.isValid = startAddress < segmentEnd;
+        information.recordType = IntelRecordType::ExtendedSegmentAddress;
+        information.base = startAddress >> 4U;
+        information.offset = startAddress & 0xFU;
+    } else {
+        information.isValid = startAddress < linearEnd;
+        information.recordType = IntelRecordType::ExtendedLinearAddress;
+        information.base = startAddress >> 16U;
+        information.offset = startAddress & 0xFFFFU;
+    }
+    if (!information.isValid) {
+        Util::reportLine("IntelHexOutFile(setOffsetInformation-Operation). StartAddress int (",
+                         startAddress, ") is not addressable with");
+        Util::reportLine("LinearAddressing. Nothing was written in file (", fileName, ")!");
+    }
+    return information;
+}
+
+std::string IntelHexOutFile::getStringRepresentationFor(
+    std::uint64_t address, IntelRecordType recordType,
+    std::span<const Buffer::MemoryElement> elements) const {
+    if (recordType == IntelRecordType::Unknown ||
+        recordType > IntelRecordType::StartLinearAddress) {
+        Util::reportLine(
+            "IntelHexOutFile(getStringRepresentationFor-Operation). Wrong addressing type int (",
+            static_cast<std::uint32_t>(recordType), ")");
+        throw std::exception();
+    }
+    std::array<std::uint8_t, longestRecord> data{};
+    const auto end = std::ranges::transform(elements, data.begin(), [](const auto& element) {
+                         return element.effectiveByte();
+                     }).out;
+    std::array<char, longestIntelRecord> text{};
+    return {text.data(), writeIntelRecord(text.data(), static_cast<std::uint16_t>(address),
+                                          typeByteOf(recordType), {data.begin(), end})};
+}
+
+std::deque<IntelHexOutFile::Block> IntelHexOutFile::blocks() const {
+    const unsigned shift = outputStyle.useSegmentAddressing ? 4 : 16;
+    std::deque<Block> cut;
+    for (const ImageBytes& image : memoryBuffers) {
+        std::span<const std::uint8_t> rest = image.bytes;
+        for (std::uint64_t address = image.startAddress; !rest.empty();) {
+            const std::uint64_t room = ((address >> shift) << shift) + blockSize - address;
+            const std::size_t length = std::min<std::uint64_t>(rest.size(), room);
+            cut.push_back({address, rest.first(length)});
+            rest = rest.subspan(length);
+            address += length;
+        }
+    }
+    return cut;
+}
+
+void IntelHexOutFile::saveToFile() {
+    const std::deque<Block> all = blocks();
+    // Before the file is touched: one block out of reach cancels all of it.
+    for (const Block& block : all)
+        if (!setOffsetInformation(block.startAddress).isValid) return;
+    write([&](const Sink& sink) {
+        PieceWriter out(sink);
+        for (const Block& block : all) writeBlock(out, block);
+        if (hasExecutionAddress) writeStartRecord(out);
+        writeRecord(out, 0, IntelRecordType::EndOfFile, {});
+        out.flush();
+    });
+}
+
+void IntelHexOutFile::writeBlock(PieceWriter& out, const Block& block) const {
+    const OffsetInformation information = setOffsetInformation(block.startAddress);
+    writeRecord(out, 0, information.recordType,
+                std::array{static_cast<std::uint8_t>(information.base >> 8U),
+                           static_cast<std::uint8_t>(information.base)});
+    const std::size_t length = outputStyle.dataRecordLength;
+    for (std::size_t written = 0; written < block.bytes.size(); written += length) {
+        const std::size_t count = std::min(length, block.bytes.size() - written);
+        writeRecord(out, information.offset + written, IntelRecordType::Data,
+                    block.bytes.subspan(written, count));
+    }
+}
+
+void IntelHexOutFile::writeStartRecord(PieceWriter& out) const {
+    const std::uint64_t a = executionAddress;
+    const auto byte = [](std::uint64_t value) { return static_cast<std::uint8_t>(value); };
+    if (outputStyle.useSegmentAddressing)
+        // The code segment and, with the paragraph's offset, the instruction pointer.
+        writeRecord(out, 0, IntelRecordType::StartSegmentAddress,
+                    std::array{byte(a >> 12U), byte(a >> 4U), byte(0), byte(a & 0xFU)});
+    else
+        writeRecord(out, 0, IntelRecordType::StartLinearAddress,
+                    std::array{byte(a >> 24U), byte(a >> 16U), byte(a >> 8U), byte(a)});
+}
+
+}  // namespace Io::Export

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <span>
+#include <string>
+
+#include "io/File.hpp"
+#include "io/IntelHexRecord.hpp"
+#include "io/export/ImageBytes.hpp"
+#include "io/export/OutputStyles.hpp"
+#include "io/export/TessaronExportApi.hpp"
+
+namespace Io::Export {
+
+/// Where an address lies for an extended address record.
+struct OffsetInformation {
+    std::uint64_t startAddress;  ///< the address asked about
+    std::uint64_t base;          ///< the 16-bit value of the extended address record
+    std::uint64_t offset;        ///< the address within the block
+    IntelRecordType recordType;  ///< the kind of that record
+    bool isValid;                ///< the address can be reached
+};
+
+/// Writes Intel HEX with extended linear or extended segment addresses.
+///
+/// An image is cut into blocks that one extended address record reaches, and every block opens with
+/// its own, the first one too. One block out of reach cancels the whole file.
+class IntelHexOutFile final : public TextOutFile, public TessaronExportApi {
+public:
+    /// A `dataRecordLength` outside 1 to 255 is reported and corrected.
+    IntelHexOutFile(std::string path, IntelHexOutputStyle style);
+
+    void insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) override;
+    void saveToFile() override;
+    void setExecutionAddress(std::uint64_t address) override;
+
+    /// Base and offset of the block that `startAddress` opens; an address beyond the reach of the
+    /// addressing mode (0xFFFFFFFF linear, 0xFFFFF segment) is reported.
+    OffsetInformation setOffsetInformation(std::uint64_t startAddress) const;
+
+    /// One record as text, with its line feed.
+    ///
+    /// @param address   the low 16 bits count
+    /// @param elements  at most 255
+    /// @throws std::exception  for a kind of record that the format does not have, after a report
+    std::string getStringRepresentationFor(std::uint64_t address, IntelRecordType recordType,
+                                           std::span<const Buffer::MemoryElement> elements) const;
+
+private:
+    /// A piece of an image that one extended address record reaches.
+    struct Block {
+        std::uint64_t startAddress;
+        std::span<const std::uint8_t> bytes;
+    };
+
+    std::deque<Block> blocks() const;
+    void writeBlock(PieceWriter& out, const Block& block) const;
+    void writeStartRecord(PieceWriter& out) const;
+
+    bool hasExecutionAddress = false;
+    std::uint64_t executionAddress = 0;
+    IntelHexOutputStyle outputStyle;
+    std::deque<ImageBytes> memoryBuffers;
+};
+
+}  // namespace Io::Export

@@ -1,0 +1,140 @@
+#include "io/export/MotorolaS_OutFile.hpp"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <utility>
+
+#include "util/Report.hpp"
+
+namespace Io::Export {
+
+namespace {
+
+constexpr std::uint32_t smallestRecord = 21;
+constexpr std::uint32_t largestRecord = 32;
+constexpr std::size_t moduleNameLength = 10;
+constexpr std::size_t descriptionLength = 18;
+constexpr std::uint64_t highestAddress = 0xFFFFFFFF;
+/// Data records that one count record stands for.
+constexpr std::uint32_t countedRecords = 65535;
+
+void reportSize(std::uint32_t size, const char* bound, std::uint32_t allowed) {
+    Util::reportLine(
+        "MotorolaS_OutFile(Constructor-Operation). outputStyle.maximumRecordSize was :", size);
+    Util::reportLine("The allowed ", bound, " have to be (int)", allowed,
+                     ", so the value was reset to (int) ", allowed);
+}
+
+/// Bytes that `value` takes without leading zeros.
+std::size_t bytesNeeded(std::uint64_t value) {
+    return (static_cast<std::size_t>(std::bit_width(value)) + 7) / 8;
+}
+
+}  // namespace
+
+MotorolaS_OutFile::MotorolaS_OutFile(std::string path, const MotorolaSOutputStyle& style)
+    : TextOutFile(std::move(path)), outputStyle(style) {
+    std::uint32_t& size = outputStyle.maximumRecordSize;
+    if (size < smallestRecord) reportSize(size, "minimum", smallestRecord);
+    if (size > largestRecord) reportSize(size, "maximum", largestRecord);
+    size = std::clamp(size, smallestRecord, largestRecord);
+    std::string& name = outputStyle.moduleName;
+    name.insert(0, moduleNameLength - std::min(moduleNameLength, name.size()), ' ');
+    std::string& description = outputStyle.description;
+    description.resize(std::max(descriptionLength, description.size()), ' ');
+}
+
+void MotorolaS_OutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
+    const std::uint64_t end = buffer.getStartAddress() + buffer.getDataLength();
+    if (end > highestAddress + 1) {
+        Util::reportLine(
+            "MotorolaS_OutFile(insertMemoryBuffer-Operation). The inserted MemoryBuffer has a to "
+            "big Offset for Motorola Format.");
+        Util::reportLine("The MemoryBuffer will not be inserted.");
+        Util::reportLine("The allowed maximum Offset have to be (int)", highestAddress);
+        return;
+    }
+    memoryBuffers.push_back(imageBytesOf(buffer));
+    // Four bytes reach every address of an image that ends with the address space.
+    addressBytes = std::max(addressBytes, bytesNeeded(std::min(end, highestAddress)));
+}
+
+std::vector<std::uint8_t> MotorolaS_OutFile::addressField(std::uint64_t value) const {
+    std::vector<std::uint8_t> bytes(std::max(addressBytes, bytesNeeded(value)));
+    for (auto byte = bytes.rbegin(); byte != bytes.rend(); ++byte, value >>= 8U)
+        *byte = static_cast<std::uint8_t>(value);
+    return bytes;
+}
+
+void MotorolaS_OutFile::makeRecord(SRecordKind kind, std::uint64_t value, SRecord& record) const {
+    constexpr std::array dataTypes{SRecordType::S1, SRecordType::S2, SRecordType::S3};
+    constexpr std::array terminatorTypes{SRecordType::S9, SRecordType::S8, SRecordType::S7};
+    record.address = addressField(value);
+    const std::size_t width = record.address.size();
+    const auto& types = kind == SRecordKind::Data ? dataTypes : terminatorTypes;
+    record.recordType = width <= 4 ? types[width - 2] : SRecordType::Unknown;
+}
+
+std::string MotorolaS_OutFile::getStringRepresentation(const SRecord& record) {
+    if (record.recordType == SRecordType::Unknown) return {};
+    std::string text(longestSRecord + 2 * (record.address.size() + record.data.size()), '\0');
+    const char* const end =
+        writeSRecord(text.data(), record.recordType, record.address, record.data);
+    text.resize(static_cast<std::size_t>(end - text.data()));
+    return text;
+}
+
+SRecord MotorolaS_OutFile::header() const {
+    SRecord record{SRecordType::S0, {0, 0}, {}};
+    record.data.assign(outputStyle.moduleName.begin(), outputStyle.moduleName.end());
+    record.data.push_back(outputStyle.version);
+    record.data.push_back(outputStyle.revision);
+    record.data.insert(record.data.end(), outputStyle.description.begin(),
+                       outputStyle.description.end());
+    return record;
+}
+
+void MotorolaS_OutFile::saveToFile() {
+    write([&](const Sink& sink) {
+        PieceWriter out(sink);
+        out.append(getStringRepresentation(header()));
+        std::uint32_t recordCount = 0;
+        for (const ImageBytes& image : memoryBuffers) writeImage(out, image, recordCount);
+        SRecord terminator;
+        makeRecord(SRecordKind::Terminator, executionAddress, terminator);
+        out.append(getStringRepresentation(terminator));
+        out.flush();
+    });
+}
+
+void MotorolaS_OutFile::writeImage(PieceWriter& out, const ImageBytes& image,
+                                   std::uint32_t& recordCount) const {
+    const std::span<const std::uint8_t> bytes = image.bytes;
+    const std::size_t size = outputStyle.maximumRecordSize;
+    SRecord record;
+    makeRecord(SRecordKind::Data, image.startAddress, record);
+    std::size_t at = 0;
+    // An image without elements gives one record without data.
+    do {
+        // A count is due with the next byte, so that none stands at the end of the file.
+        if (recordCount >= countedRecords && !bytes.empty()) writeCount(out, recordCount);
+        const std::size_t count = std::min(size, bytes.size() - at);
+        std::uint64_t address = image.startAddress + at;
+        for (auto byte = record.address.rbegin(); byte != record.address.rend(); ++byte) {
+            *byte = static_cast<std::uint8_t>(address);
+            address >>= 8U;
+        }
+        out.commit(writeSRecord(out.reserve(longestSRecord), record.recordType, record.address,
+                                bytes.subspan(at, count)));
+        at += count;
+        ++recordCount;
+    } while (at < bytes.size());
+}
+
+void MotorolaS_OutFile::writeCount(PieceWriter& out, std::uint32_t& recordCount) const {
+    out.append(getStringRepresentation({SRecordType::S5, addressField(recordCount), {}}));
+    recordCount = 0;
+}
+
+}  // namespace Io::Export

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "io/File.hpp"
+#include "io/SRecord.hpp"
+#include "io/export/ImageBytes.hpp"
+#include "io/export/OutputStyles.hpp"
+#include "io/export/TessaronExportApi.hpp"
+
+namespace Io::Export {
+
+/// One record before it becomes text.
+struct SRecord {
+    SRecordType recordType = SRecordType::Unknown;
+    std::vector<std::uint8_t> address;  ///< most significant byte first
+    std::vector<std::uint8_t> data;
+};
+
+enum class SRecordKind { Data, Terminator };
+
+/// Writes S-records: a header, the data with one address width for the whole file, a count record
+/// behind every 65535 data records, and a terminator with the execution address.
+class MotorolaS_OutFile final : public TextOutFile, public TessaronExportApi {
+public:
+    /// A `maximumRecordSize` outside 21 to 32 is reported and corrected. The module name is filled
+    /// up with blanks in front to ten characters, the description behind to eighteen.
+    MotorolaS_OutFile(std::string path, const MotorolaSOutputStyle& style);
+
+    /// An image that reaches beyond 0xFFFFFFFF is reported and left out.
+    void insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) override;
+    void saveToFile() override;
+    void setExecutionAddress(std::uint64_t address) override { executionAddress = address; }
+
+    /// Sets address and type of `record` for `value`, in the width of the file or the one that the
+    /// value needs.
+    void makeRecord(SRecordKind kind, std::uint64_t value, SRecord& record) const;
+
+    /// The record as text, with its line feed; no text for an unknown type.
+    static std::string getStringRepresentation(const SRecord& record);
+
+private:
+    SRecord header() const;
+    void writeImage(PieceWriter& out, const ImageBytes& image, std::uint32_t& recordCount) const;
+    void writeCount(PieceWriter& out, std::uint32_t& recordCount) const;
+    std::vector<std::uint8_t> addressField(std::uint64_t value) const;
+
+    std::size_t addressBytes = 2;
+    std::uint64_t executionAddress = 0;
+    MotorolaSOutputStyle outputStyle;
+    std::deque<ImageBytes> memoryBuffers;
+};
+
+}  // namespace Io::Export

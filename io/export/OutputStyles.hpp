@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+/// Settings of the writers, as they stand on their own; WRITE_FILE brings its own templates.
+namespace Io::Export {
+
+struct IntelHexOutputStyle {
+    bool useSegmentAddressing = false;    ///< extended segment instead of linear addresses
+    std::uint32_t dataRecordLength = 16;  ///< data bytes a record, 1 to 255
+};
+
+struct MotorolaSOutputStyle {
+    std::string moduleName;                                ///< first field of the S0 record
+    std::string description = "Created By Tessaron 2008";  ///< last field of the S0 record
+    std::uint8_t version = 0;
+    std::uint8_t revision = 0;
+    std::uint32_t maximumRecordSize = 36;  ///< data bytes a record, 21 to 32; reported as it stands
+};
+
+struct EmbeddedOutputStyle {
+    std::string section;                 ///< section name; empty for none
+    std::string header;                  ///< text in front of the data
+    std::string linePrefix;              ///< text at the start of a data line
+    std::string elementPrefix = "0x";    ///< text in front of a byte
+    std::string elementSeparator = " ";  ///< text between two bytes of a line
+    std::string footer;                  ///< text behind the data
+    std::uint32_t elementsPerLine = 16;  ///< bytes a data line; 0 for all of them on one line
+};
+
+}  // namespace Io::Export

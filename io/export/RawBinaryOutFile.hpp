@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+#include "io/File.hpp"
+#include "io/export/ConcatenatedBytes.hpp"
+#include "io/export/TessaronExportApi.hpp"
+
+namespace Io::Export {
+
+/// Writes the images byte for byte, one behind the other; their addresses are dropped.
+class RawBinaryOutFile final : public BinaryOutFile, public TessaronExportApi {
+public:
+    explicit RawBinaryOutFile(std::string path) : BinaryOutFile(std::move(path)) {}
+
+    void insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) override;
+    void saveToFile() override;
+    void setExecutionAddress(std::uint64_t /*address*/) override {}
+
+private:
+    ConcatenatedBytes outputBytes;
+};
+
+}  // namespace Io::Export

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+
+#include "buffer/MemoryBuffer.hpp"
+
+namespace Io::Export {
+
+/// A writer of one output format. Called in this order: construction, which reports and corrects
+/// settings out of their limits; `insertMemoryBuffer` for each image; `setExecutionAddress` if
+/// there is one; `saveToFile` once. Nothing reaches the disk before that.
+///
+/// Images are written in the order of their insertion, neither sorted nor merged, every element of
+/// them with its effective byte.
+class TessaronExportApi {
+public:
+    TessaronExportApi() = default;
+    virtual ~TessaronExportApi() = default;
+    TessaronExportApi(const TessaronExportApi&) = delete;
+    TessaronExportApi& operator=(const TessaronExportApi&) = delete;
+
+    /// Takes a copy of what the image holds. A refused image is reported and left out.
+    virtual void insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) = 0;
+
+    /// Writes the file. A writer that gives up reports why and leaves an existing file as it is.
+    ///
+    /// @throws Io::bad_open
+    virtual void saveToFile() = 0;
+
+    /// Notes the execution start address, for the formats that can carry one.
+    virtual void setExecutionAddress(std::uint64_t address) = 0;
+};
+
+}  // namespace Io::Export

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "io/import/TessaronImportApi.hpp"
+#include "platform/Platform.hpp"
+
+namespace Io::Import {
+
+enum class InFileType : std::uint32_t { IntelHex = 0, MotorolaS = 1, RawBinary = 2 };
+
+/// Chooses the constructor that takes a file as raw bytes.
+struct RawBinaryTag {};
+inline constexpr RawBinaryTag rawBinary;
+
+/// A file of any format: finds out which one it is and hands every question to its reader.
+class GenericInFile final : public TessaronImportApi {
+public:
+    /// Tells the format from the first character of each line: ":" makes it Intel HEX, "S"
+    /// S-records, the last of them counts; "/" and empty lines say nothing; any other character
+    /// makes it raw binary, and so does the lack of records.
+    ///
+    /// @throws Io::bad_open
+    explicit GenericInFile(std::string path);
+
+    /// Takes the file as raw bytes without a look at it.
+    ///
+    /// @throws Io::bad_open
+    GenericInFile(std::string path, RawBinaryTag tag);
+
+    std::uint64_t getMinAddress() const override { return reader->getMinAddress(); }
+    std::uint64_t getDataLength() const override { return reader->getDataLength(); }
+    Buffer::MemoryBuffer getMemory() const override { return reader->getMemory(); }
+    Buffer::MemoryBuffer getMemory(std::uint64_t startAddress,
+                                   std::uint64_t dataLength) const override {
+        return reader->getMemory(startAddress, dataLength);
+    }
+    bool hasStartAddress() const override { return reader->hasStartAddress(); }
+    std::uint64_t getStartAddress() const override { return reader->getStartAddress(); }
+    Buffer::AreaList getDataAreas() const override { return reader->getDataAreas(); }
+    void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const override {
+        reader->fillMemoryBuffer(buffer);
+    }
+
+    InFileType type() const { return fileType; }
+
+private:
+    /// @param file  the bytes of the file as they stand on the disk
+    static InFileType detectFileType(std::string_view file);
+
+    /// The file is read once, for the detection and for the reader.
+    std::unique_ptr<TessaronImportApi> createReader(Platform::FileContents contents) const;
+
+    std::string fileName;
+    InFileType fileType;
+    std::unique_ptr<TessaronImportApi> reader;
+};
+
+}  // namespace Io::Import

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "io/File.hpp"
+#include "io/IntelHexRecord.hpp"
+#include "io/import/ParsedData.hpp"
+#include "io/import/TessaronImportApi.hpp"
+
+namespace Io::Import {
+
+/// Reads Intel HEX, all six record types (Intel, "Hexadecimal Object File Format Specification",
+/// revision A).
+///
+/// The last line must be the end-of-file record, by its type digits alone. A line that is no
+/// well-formed record is passed over in silence; a record that contradicts the format, or its own
+/// checksum, ends the parse with a report and discards all that was read.
+class IntelHexInFile final : public TextInFile, public TessaronImportApi {
+public:
+    /// @throws Io::bad_open
+    explicit IntelHexInFile(const std::string& path);
+
+    /// The file has been read already, with `contents` as they stand on the disk.
+    IntelHexInFile(const std::string& path, Platform::FileContents contents);
+
+    std::uint64_t getMinAddress() const override { return parsedData.minAddress(); }
+    std::uint64_t getDataLength() const override { return parsedData.dataLength(); }
+    Buffer::MemoryBuffer getMemory() const override {
+        return getMemory(getMinAddress(), getDataLength());
+    }
+    Buffer::MemoryBuffer getMemory(std::uint64_t start, std::uint64_t length) const override {
+        return parsedData.getMemory(start, length);
+    }
+    bool hasStartAddress() const override { return isStartAddressSet; }
+    std::uint64_t getStartAddress() const override { return startAddress; }
+    Buffer::AreaList getDataAreas() const override { return parsedData.getDataAreas(); }
+    void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const override {
+        parsedData.fillMemoryBuffer(buffer);
+    }
+    std::string getInformation() const { return parsedData.getInformation(); }
+
+private:
+    /// One record, its checksum byte left out of `bytes`.
+    struct Record {
+        std::span<const std::uint8_t> bytes;
+        std::uint8_t checksum;
+
+        std::uint32_t length() const { return bytes[0]; }
+        std::uint32_t address() const { return bytes[1] * 256U + bytes[2]; }
+        IntelRecordType type() const { return intelRecordType(bytes[3]); }
+        std::span<const std::uint8_t> data() const { return bytes.subspan(4); }
+    };
+
+    void parseFile();
+    void parseRecords();
+    static bool isConsistent(const Record& record);
+    void storeRecord(const Record& record);
+    void reportLogicalError(std::string_view line);
+
+    bool isStartAddressSet = false;
+    std::uint64_t startAddress = 0;
+    /// Base address in force, from the last extended address record.
+    std::uint64_t segmentBase = 0;
+    ParsedData parsedData;
+};
+
+}  // namespace Io::Import

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "io/File.hpp"
+#include "io/SRecord.hpp"
+#include "io/import/ParsedData.hpp"
+#include "io/import/TessaronImportApi.hpp"
+
+namespace Io::Import {
+
+struct RecordBytes;
+
+/// Reads S-records with addresses of two, three and four bytes, mixed as they come.
+///
+/// The last line of the file is not looked at, terminator or not. A line that is no well-formed
+/// record ends the parse with a report and leaves what came before it; a record that contradicts
+/// the format, or its own checksum, discards everything. An S0 record holds ten characters of
+/// module name, version, revision and a description.
+class MotorolaS_InFile final : public TextInFile, public TessaronImportApi {
+public:
+    /// @throws Io::bad_open
+    explicit MotorolaS_InFile(const std::string& path);
+
+    /// The file has been read already, with `contents` as they stand on the disk.
+    MotorolaS_InFile(const std::string& path, Platform::FileContents contents);
+
+    std::uint64_t getMinAddress() const override { return parsedData.minAddress(); }
+    std::uint64_t getDataLength() const override { return parsedData.dataLength(); }
+    Buffer::MemoryBuffer getMemory() const override {
+        return getMemory(getMinAddress(), getDataLength());
+    }
+    Buffer::MemoryBuffer getMemory(std::uint64_t start, std::uint64_t length) const override {
+        return parsedData.getMemory(start, length);
+    }
+    bool hasStartAddress() const override { return isStartAddressSet; }
+    std::uint64_t getStartAddress() const override { return startAddress; }
+    Buffer::AreaList getDataAreas() const override { return parsedData.getDataAreas(); }
+    void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const override {
+        parsedData.fillMemoryBuffer(buffer);
+    }
+    std::string getInformation() const { return parsedData.getInformation(); }
+
+private:
+    /// What is known of the record that is being matched, beside its bytes.
+    struct Record {
+        SRecordType type = SRecordType::Unknown;
+        std::size_t addressSize = 0;
+        std::size_t dataSize = 0;
+    };
+
+    void parseRecords();
+    void storeParsedType(std::uint32_t digit);
+    void storeParsedSize(const RecordBytes& bytes);
+
+    /// @param bytes  count, address, data and checksum of the record
+    bool isConsistent(std::span<const std::uint8_t> bytes) const;
+    void storeRecord(std::span<const std::uint8_t> bytes);
+    std::span<const std::uint8_t> addressOf(std::span<const std::uint8_t> bytes) const {
+        return bytes.subspan(1, record.addressSize);
+    }
+    std::span<const std::uint8_t> dataOf(std::span<const std::uint8_t> bytes) const {
+        return bytes.subspan(1 + record.addressSize, record.dataSize);
+    }
+    void reportLine(std::string_view line, std::string_view fault) const;
+    void limitData();
+
+    bool isStartAddressSet = false;
+    std::uint64_t startAddress = 0;
+    Record record;
+    std::string moduleName;
+    std::string description = "Created By Tessaron 2008";
+    std::uint32_t version = 0;
+    std::uint32_t revision = 0;
+    /// S1, S2 and S3 records since the last S5, and their number when that one was met.
+    std::uint32_t dataRecordCount = 0;
+    std::uint32_t lastRecordCount = 0;
+    ParsedData parsedData;
+};
+
+}  // namespace Io::Import

@@ -1,0 +1,55 @@
+#include "io/import/RawBinaryInFile.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "io/import/ParsedData.hpp"
+#include "util/Report.hpp"
+
+namespace Io::Import {
+
+namespace {
+
+constexpr std::string_view readerName = "RawBinaryInFile";
+constexpr std::uint64_t mostBytes = 0xFFFFFFFF;
+
+}  // namespace
+
+RawBinaryInFile::RawBinaryInFile(const std::string& path)
+    : RawBinaryInFile(path, readWhole(path)) {}
+
+RawBinaryInFile::RawBinaryInFile(const std::string& path, Platform::FileContents contents)
+    : BinaryInFile(path, std::move(contents)),
+      dataLength(std::min<std::uint64_t>(data().size(), mostBytes)) {
+    if (data().size() <= mostBytes) return;
+    Util::reportLine(
+        "RawBinaryInFile(constructor-Operation). The information extracted from output file, "
+        "contains too much DataElements.");
+    Util::reportLine("  The max possible amount of Elements is : (int)", mostBytes);
+    Util::reportLine("  The dataLength is changed from: (int)", data().size(), " to: (int)",
+                     mostBytes);
+}
+
+Buffer::MemoryBuffer RawBinaryInFile::getMemory(std::uint64_t start, std::uint64_t length) const {
+    if (length == 0) return {start, 0};
+    Buffer::MemoryBuffer image = newImage(start, length);
+    image.writeBytes(data().first(dataLength), minAddress);
+    return image;
+}
+
+void RawBinaryInFile::fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const {
+    const std::uint64_t start = buffer.getStartAddress();
+    const std::uint64_t length = buffer.getDataLength();
+    if (start + length > dataLength) {
+        reportRange(readerName, "fillMemoryBuffer", {start, length}, "Nothing was filled",
+                    minAddress, dataLength, getInformation());
+        return;
+    }
+    buffer.writeBytes(data().subspan(start, length), start);
+}
+
+std::string RawBinaryInFile::getInformation() const {
+    return informationAbout(readerName, dataLength, minAddress, minAddress + dataLength);
+}
+
+}  // namespace Io::Import

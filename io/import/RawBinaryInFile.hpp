@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "io/File.hpp"
+#include "io/import/TessaronImportApi.hpp"
+
+namespace Io::Import {
+
+/// Any file as it is: byte n of the file has the address n. Of a file of more than 0xFFFFFFFF bytes
+/// only so many count, with a report.
+class RawBinaryInFile final : public BinaryInFile, public TessaronImportApi {
+public:
+    /// @throws Io::bad_open
+    explicit RawBinaryInFile(const std::string& path);
+
+    /// The file has been read already.
+    RawBinaryInFile(const std::string& path, Platform::FileContents contents);
+
+    std::uint64_t getMinAddress() const override { return minAddress; }
+    std::uint64_t getDataLength() const override { return dataLength; }
+    Buffer::MemoryBuffer getMemory() const override { return getMemory(minAddress, dataLength); }
+    Buffer::MemoryBuffer getMemory(std::uint64_t start, std::uint64_t length) const override;
+    bool hasStartAddress() const override { return false; }
+    std::uint64_t getStartAddress() const override { return 0; }
+    Buffer::AreaList getDataAreas() const override { return {{minAddress, dataLength}}; }
+    void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const override;
+
+    /// Four lines; the last one shows the address behind the last byte.
+    std::string getInformation() const;
+
+private:
+    static constexpr std::uint64_t minAddress = 0;
+    std::uint64_t dataLength;
+};
+
+}  // namespace Io::Import

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+
+#include "buffer/Area.hpp"
+#include "buffer/MemoryBuffer.hpp"
+
+namespace Io::Import {
+
+/// A file as a set of addressed bytes, whatever its format. A reader parses the whole file in its
+/// constructor and only answers questions afterwards. What was wrong with the file it has told on
+/// standard output, and it then holds less data, or none: length 0 at address 0.
+class TessaronImportApi {
+public:
+    TessaronImportApi() = default;
+    TessaronImportApi(const TessaronImportApi&) = delete;
+    TessaronImportApi& operator=(const TessaronImportApi&) = delete;
+
+    /// The lowest address of the file's data.
+    virtual std::uint64_t getMinAddress() const = 0;
+
+    /// The span of the file's data in bytes, gaps included.
+    virtual std::uint64_t getDataLength() const = 0;
+
+    /// An image of the whole span.
+    virtual Buffer::MemoryBuffer getMemory() const = 0;
+
+    /// An image of the given range, with what the file has in it as written elements and default
+    /// elements elsewhere. Only a start below the file's data is refused, with a report and an
+    /// empty image at address 0; a length of 0 never is.
+    virtual Buffer::MemoryBuffer getMemory(std::uint64_t startAddress,
+                                           std::uint64_t dataLength) const = 0;
+
+    /// The file names an execution start address.
+    virtual bool hasStartAddress() const = 0;
+
+    /// That address; 0 when there is none.
+    virtual std::uint64_t getStartAddress() const = 0;
+
+    /// The contiguous runs of the data, ascending. An address that the file gives twice ends a run
+    /// and opens another.
+    virtual Buffer::AreaList getDataAreas() const = 0;
+
+    /// Fills `buffer` from the file, over the buffer's range, as MemoryBuffer::fillMemory does with
+    /// default elements for what the file lacks. Refused with a report unless the whole range lies
+    /// in the file's span.
+    virtual void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const = 0;
+
+    virtual ~TessaronImportApi() = default;
+};
+
+}  // namespace Io::Import
