@@ -19,7 +19,7 @@ namespace Parser {
 namespace {
 
 /// Values that hold names that hold values can double a text again and again.
-constexpr std::size_t longestText = std::size_t{1} << 30U;
+constexpr std::size_t longestText = std::size_t{1} << 29U;
 
 struct Variable {
     std::string name;

@@ -67,11 +67,17 @@ constexpr std::array<TypeKeyword, 19> typeKeywords{{
 
 }  // namespace
 
-std::span<const TypeKeyword> CmdNewHash::types() { return typeKeywords; }
+std::span<const TypeKeyword> CmdNewHash::types() {
+    return typeKeywords;
+}
 
-void CmdNewHash::setHashName(std::string name) { hashName = std::move(name); }
+void CmdNewHash::setHashName(std::string name) {
+    hashName = std::move(name);
+}
 
-void CmdNewHash::addFromBuffer(std::string name) { fromBuffers.push_back(std::move(name)); }
+void CmdNewHash::addFromBuffer(std::string name) {
+    fromBuffers.push_back(std::move(name));
+}
 
 bool CmdNewHash::execute(CmdContext& context) {
     return guarded("Hash", hashName, "created", [&] {

@@ -8,6 +8,8 @@
   expected/      files that the run must leave, byte for byte
   absent         names of files, one a line, that it must not leave
   prepare.sh     makes inputs that cannot be kept as files (rights, pipes, large files)
+  memory-limit   KiB of address space that the program may use; such a case is left out with
+                 --no-limits, since sanitizers need more
   check.sh       looks at what the run left; its output must be empty
 
 The program runs in a copy of the folder. --accept writes what came out as the new expectation.
@@ -15,6 +17,7 @@ The program runs in a copy of the folder. --accept writes what came out as the n
 import argparse
 import pathlib
 import re
+import resource
 import shlex
 import shutil
 import subprocess
@@ -43,15 +46,23 @@ def run(case, command, work, accept, timeout):
     if (case / "prepare.sh").exists():
         subprocess.run(["sh", "prepare.sh"], cwd=work, check=True)
     arguments = lines_of(case / "arguments", ["script.tsn"])
+    limit = 1024 * int(text_of(case / "memory-limit", b"0"))
+
+    def restrict():
+        if limit:
+            resource.setrlimit(resource.RLIMIT_AS, (limit, limit))
+
     try:
         done = subprocess.run(command + arguments, cwd=work, capture_output=True,
-                              stdin=subprocess.DEVNULL, timeout=timeout)
+                              stdin=subprocess.DEVNULL, timeout=timeout,
+                              preexec_fn=restrict)
     except subprocess.TimeoutExpired:
         return ["did not end within %d seconds" % timeout]
     got = {"expected.out": masked(done.stdout), "expected.err": done.stderr,
            "expected.exit": b"%d\n" % done.returncode}
     if accept:
         for name, text in got.items():
+            (case / name).unlink(missing_ok=True)
             if name == "expected.out" or text not in (b"", b"0\n"):
                 (case / name).write_bytes(text)
     for name, text in got.items():
@@ -79,12 +90,18 @@ def main():
     parser.add_argument("program", help="the command that is tested; may hold options")
     parser.add_argument("cases", nargs="+", type=pathlib.Path)
     parser.add_argument("--accept", action="store_true")
+    parser.add_argument("--no-limits", action="store_true")
     parser.add_argument("--timeout", type=int, default=120)
     options = parser.parse_args()
+    command = shlex.split(options.program)
+    if pathlib.Path(command[0]).exists():
+        command[0] = str(pathlib.Path(command[0]).resolve())
     failed = 0
     for case in options.cases:
+        if options.no_limits and (case / "memory-limit").exists():
+            continue
         work = pathlib.Path(tempfile.mkdtemp(prefix="tessaron-%s-" % case.name))
-        faults = run(case, shlex.split(options.program), work, options.accept, options.timeout)
+        faults = run(case, command, work, options.accept, options.timeout)
         if not faults:
             shutil.rmtree(work)
             continue

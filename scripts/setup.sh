@@ -1,0 +1,51 @@
+#!/bin/sh
+# Installs the Debian packages that a purpose needs, if they are not there yet.
+#   scripts/setup.sh build|test|demo|bench|package ...
+set -eu
+
+build="g++ cmake ninja-build libboost-dev libcunit1-dev"
+test="$build clang clang-format clang-tidy git libgtest-dev python3 valgrind gcovr srecord binutils
+      openssl xxd libclang-rt-14-dev libdigest-crc-perl nodejs npm"
+demo="$build python3 srecord"
+bench="$build libbenchmark-dev libgcrypt20-dev libcrypto++-dev libssl-dev zlib1g-dev python3
+       python3-intelhex srecord binutils openssl"
+package="$build dpkg-dev file"
+
+wanted=""
+for purpose in "$@"; do
+    case $purpose in
+        build) wanted="$wanted $build" ;;
+        test) wanted="$wanted $test" ;;
+        demo) wanted="$wanted $demo" ;;
+        bench) wanted="$wanted $bench" ;;
+        package) wanted="$wanted $package" ;;
+        *) echo "setup.sh: what is '$purpose'?" >&2; exit 2 ;;
+    esac
+done
+
+has() {
+    # A tool that came another way serves as well; the machine's own npm may not be Debian's.
+    case $1 in
+        nodejs) command -v node >/dev/null && return ;;
+        npm) command -v npm >/dev/null && return ;;
+    esac
+    dpkg-query -W -f '${Status}' "$1" 2>/dev/null | grep -q 'ok installed'
+}
+
+missing=""
+for package in $wanted; do
+    has "$package" || missing="$missing $package"
+done
+[ -n "$missing" ] || exit 0
+
+root=""
+[ "$(id -u)" = 0 ] || root=sudo
+echo "installing:$missing"
+log=$(mktemp)
+export DEBIAN_FRONTEND=noninteractive
+if ! { $root apt-get update && $root apt-get install -y --no-install-recommends $missing; } \
+    >"$log" 2>&1; then
+    cat "$log"
+    exit 1
+fi
+rm -f "$log"

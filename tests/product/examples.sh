@@ -1,0 +1,38 @@
+#!/bin/sh
+# Runs the examples with the program $1 in a copy of their folder and has other tools check them.
+set -eu
+program=$1
+root=$(cd "$(dirname "$0")/../.." && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cp -r "$root/examples/." "$work"
+
+cd "$work/firmware"
+python3 make_firmware.py | cmp - firmware.hex
+"$program" inFile=firmware.hex outFile=release.hex release.tsn >release.out
+cmp release.hex expected.hex
+sh check.sh release.hex
+grep -q 'CRC-32 in stored order 0xA3487E35' release.out
+
+cd "$work/all-formats"
+"$program" inFile=../firmware/firmware.hex all-formats.tsn >run.out
+! grep 'Operation aborted' run.out
+srec_cat ../firmware/firmware.hex -intel -fill 0xFF -over ../firmware/firmware.hex -intel \
+         -o expected.hex -intel -disable=exec-start-address
+srec_cmp expected.hex -intel flash.hex -intel
+# Each format brings an execution address of its own, or none, so it is the bytes that count.
+srec_cat flash.s37 -motorola -offset -0x08000000 -o s37.bin -binary
+cmp s37.bin flash.bin
+srec_cat expected.hex -intel -offset -0x08000000 -o expected.bin -binary
+cmp expected.bin flash.bin
+srec_cat flash-low.hex -intel -o low.bin -binary
+cmp expected.bin low.bin
+objcopy -I ihex -O binary flash.hex objcopy.bin
+cmp objcopy.bin flash.bin
+objcopy -I srec -O binary flash.s37 objcopy.bin
+cmp objcopy.bin flash.bin
+# The byte directives hold the same bytes.
+sed -n 's/^\t\.byte //p' flash.inc | tr -d ' \n' | sed 's/0x/,/g;s/,,*/ /g' | tr ' ' '\n' |
+    grep . | xxd -r -p | cmp - flash.bin
+crc=$(python3 -c "import zlib;print(zlib.crc32(open('flash.bin','rb').read()).to_bytes(4,'little').hex().upper())")
+grep -q -- "--file flash.bin --crc 0x$crc" run.out
