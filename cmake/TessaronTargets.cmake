@@ -14,6 +14,8 @@ function(tessaron_settings target)
     target_compile_options(${target} PRIVATE -fsanitize=${TESSARON_SANITIZE}
                            -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(${target} PRIVATE -fsanitize=${TESSARON_SANITIZE})
+    # With the checks in between, g++ takes the values inside boost::optional for uninitialised.
+    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   endif()
   if(TESSARON_COVERAGE)
     target_compile_options(${target} PRIVATE --coverage -fprofile-abs-path)

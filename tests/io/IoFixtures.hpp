@@ -1,0 +1,68 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "buffer/MemoryBuffer.hpp"
+
+namespace Tests {
+
+/// What `work` prints on standard output, from a stream in decimal state on.
+inline std::string printedBy(const std::function<void()>& work) {
+    std::cout << std::dec;
+    testing::internal::CaptureStdout();
+    work();
+    std::string text = testing::internal::GetCapturedStdout();
+    std::cout << std::dec;
+    return text;
+}
+
+/// A path for a file of the running test.
+inline std::string temporaryPath(const std::string& name = "file") {
+    const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
+    std::string path = std::string("io-test-") + test->test_suite_name() + test->name() + name;
+    for (char& c : path)
+        if (c == '/') c = '-';
+    return testing::TempDir() + path;
+}
+
+inline std::string temporaryFile(const std::string& contents) {
+    const std::string path = temporaryPath("input");
+    std::ofstream(path, std::ios::binary) << contents;
+    return path;
+}
+
+inline std::string contentsOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// An image of written bytes.
+inline Buffer::MemoryBuffer imageOf(std::uint64_t start, const std::vector<std::uint8_t>& bytes) {
+    Buffer::MemoryBuffer image(start, bytes.size());
+    image.writeBytes(bytes, start);
+    return image;
+}
+
+inline std::vector<std::uint8_t> bytesOf(const Buffer::MemoryBuffer& image) {
+    std::vector<std::uint8_t> bytes;
+    image.appendBytes(bytes, image.getStartAddress(), image.getDataLength());
+    return bytes;
+}
+
+/// `count` bytes that do not repeat with any power of two.
+inline std::vector<std::uint8_t> someBytes(std::size_t count) {
+    std::vector<std::uint8_t> bytes(count);
+    for (std::size_t i = 0; i < count; ++i) bytes[i] = static_cast<std::uint8_t>(i * 7 + i / 251);
+    return bytes;
+}
+
+}  // namespace Tests
