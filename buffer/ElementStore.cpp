@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "util/VectorClones.hpp"
+
 namespace Buffer {
 
 static_assert(sizeof(MemoryElement) == 3, "an image costs three bytes an address");
@@ -18,6 +20,20 @@ std::size_t bytesFor(std::uint64_t count) {
 }
 
 }  // namespace
+
+UTIL_VECTOR_CLONES
+void effectiveBytes(std::span<const MemoryElement> elements, std::uint8_t* out) {
+    const MemoryElement* const in = elements.data();
+    const std::size_t count = elements.size();
+    for (std::size_t i = 0; i < count; ++i) out[i] = in[i].effectiveByte();
+}
+
+UTIL_VECTOR_CLONES
+void writtenElements(std::span<const std::uint8_t> bytes, std::span<MemoryElement> elements) {
+    MemoryElement* const out = elements.data();
+    const std::size_t count = bytes.size();
+    for (std::size_t i = 0; i < count; ++i) out[i] = {bytes[i], 0, 1};
+}
 
 ElementStore::ElementStore(std::uint64_t count)
     : pages_(bytesFor(count)), size_(static_cast<std::size_t>(count)) {}

@@ -20,6 +20,13 @@ struct MemoryElement {
     bool operator==(const MemoryElement&) const = default;
 };
 
+/// Writes the effective byte of each element to `out`, which has room for `elements.size()` bytes.
+void effectiveBytes(std::span<const MemoryElement> elements, std::uint8_t* out);
+
+/// Makes written elements with filler 0 of `bytes`, from the first of `elements` on, of which there
+/// are at least as many.
+void writtenElements(std::span<const std::uint8_t> bytes, std::span<MemoryElement> elements);
+
 /// The elements of an image: an array of fixed size, all zero at first.
 ///
 /// The pages of a large array are not touched before something is written into them.

@@ -109,16 +109,12 @@ void MemoryBuffer::fillMemory(std::span<const MemoryElement> dataPattern, std::u
         applyPattern(destination, dataPattern);
 }
 
-void MemoryBuffer::writeBytes(std::span<const std::uint8_t> bytes, std::uint64_t start) {
+void MemoryBuffer::overlayBytes(std::span<const std::uint8_t> bytes, std::uint64_t start) {
     const std::uint64_t skipped = start < startAddress ? startAddress - start : 0;
     if (skipped >= bytes.size() || start >= endAddress()) return;
     bytes = bytes.subspan(skipped);
     const auto room = elements.view().subspan(start + skipped - startAddress);
-    const std::size_t count = std::min(bytes.size(), room.size());
-    for (std::size_t i = 0; i < count; ++i) {
-        room[i].value = bytes[i];
-        room[i].hasValue = 1;
-    }
+    writtenElements(bytes.first(std::min(bytes.size(), room.size())), room);
 }
 
 MemoryBuffer MemoryBuffer::extractMemory(std::uint64_t start, std::uint64_t dataLength) const {
@@ -155,8 +151,7 @@ void MemoryBuffer::appendBytes(std::vector<std::uint8_t>& output, std::uint64_t 
     const auto range = viewElements().subspan(start - startAddress, dataLength);
     const std::size_t length = output.size();
     output.resize(length + range.size());
-    std::ranges::transform(range, output.begin() + static_cast<std::ptrdiff_t>(length),
-                           [](const MemoryElement& element) { return element.effectiveByte(); });
+    effectiveBytes(range, output.data() + length);
 }
 
 }  // namespace Buffer

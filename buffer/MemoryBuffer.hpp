@@ -56,9 +56,9 @@ public:
     void fillMemory(std::span<const MemoryElement> dataPattern, std::uint64_t start,
                     std::uint64_t numberOfElements);
 
-    /// Writes `bytes` as data from `start` on: the effect of `fillMemory` with one written element
-    /// for each byte, filler 0. What lies outside the image is left out, without a message.
-    void writeBytes(std::span<const std::uint8_t> bytes, std::uint64_t start);
+    /// Overlays `bytes`, as written elements with filler 0, from `start` on. What lies outside the
+    /// image is left out, without a message.
+    void overlayBytes(std::span<const std::uint8_t> bytes, std::uint64_t start);
 
     /// A new image of the range, with the byte order tag of a new image. A written element arrives
     /// with filler 0, an unwritten one with value 0. Refused as a whole, with an empty image at

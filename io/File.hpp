@@ -1,16 +1,16 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <exception>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "platform/Platform.hpp"
 
-/// Whole files, moved between disk and memory in one step. Nothing here knows a file format.
+/// Files on their way between disk and memory. Nothing here knows a file format.
 namespace Io {
 
 /// Root of the exceptions of this namespace; never thrown by itself.
@@ -33,44 +33,79 @@ protected:
     std::string fileName;
 };
 
-/// The lines of a text, as views into it: what stands between line feeds, without a last line of
-/// no characters.
+/// The lines of a text file, one after the other, as text mode gives them: no carriage return in
+/// front of a line feed, nothing from a byte 0x1A on, no last line of no characters.
+///
+/// Memory holds no more of the file than a piece of it or its longest line.
 class TextLines {
 public:
-    TextLines() = default;
-    explicit TextLines(std::string_view text) : rest_(text) {}
+    /// @throws bad_open
+    explicit TextLines(const std::string& path);
 
-    bool empty() const { return rest_.empty(); }
+    /// Bytes that the file had when it was opened; no text is longer.
+    std::uint64_t fileSize() const { return file_.size(); }
 
-    /// The last line; the text must not be empty.
-    std::string_view back() const;
+    /// Moves on to the next line, the first one at first; false when there is none.
+    bool next();
 
-    /// Takes the first line off. It is the last one if `empty` holds afterwards.
-    std::string_view takeFirst();
+    /// The line at hand, without its end, until `next` or `restart`.
+    std::string_view line() const { return line_; }
+
+    /// The line at hand is the last one.
+    bool isLast() const { return isTextRead_ && next_ == end_; }
+
+    /// Goes back in front of the first line.
+    void restart();
+
+    /// The first characters of the last line, at most `headLength` of them, or nothing when there
+    /// is no line. Known for free once the last line has been at hand.
+    const std::optional<std::string>& lastHead();
+
+    static constexpr std::size_t headLength = 16;
 
 private:
-    std::string_view rest_;
+    bool findLineEnd();
+    void readOn();
+
+    Platform::InputFile file_;
+    Platform::PageBlock piece_;
+    std::uint64_t pieceStart_ = 0;  ///< place of the piece in the file
+    std::size_t lineBegin_ = 0;     ///< of the line at hand, in the piece
+    std::size_t next_ = 0;          ///< behind the line at hand and its end
+    std::size_t end_ = 0;           ///< behind what has been read
+    bool isTextRead_ = false;       ///< nothing of the text is left in the file
+    std::string_view line_;
+    bool isLastHeadKnown_ = false;
+    std::optional<std::string> lastHead_;
 };
 
-/// A text file, whole, as text mode gives it: no carriage return in front of a line feed, nothing
-/// from a byte 0x1A on.
+/// A text file that is read line by line.
 class TextInFile : public File {
 public:
     /// @throws bad_open
     explicit TextInFile(const std::string& path);
 
-    /// The file `path` has been read already, with `contents` as they stand on the disk.
-    TextInFile(const std::string& path, Platform::FileContents contents);
+    /// The file `path` has been opened already.
+    TextInFile(const std::string& path, TextLines lines);
 
 protected:
-    TextLines lines() const { return TextLines(contents_.text()); }
-    std::size_t textSize() const { return contents_.size; }
+    /// Hands `take` every line but the last one in order, until it returns false.
+    template <class Take>
+    void forAllButLast(Take take) {
+        lines_->restart();
+        while (lines_->next() && !lines_->isLast())
+            if (!take(lines_->line())) return;
+    }
 
-    /// Gives the memory of the text back, once it has been parsed.
-    void releaseText() { contents_ = {}; }
+    /// The first characters of the last line, or nothing when there is no line.
+    const std::optional<std::string>& lastHead() { return lines_->lastHead(); }
+    std::uint64_t fileSize() const { return lines_->fileSize(); }
+
+    /// Closes the file, once it has been parsed.
+    void close() { lines_.reset(); }
 
 private:
-    Platform::FileContents contents_;
+    std::optional<TextLines> lines_;
 };
 
 /// Any file, whole, byte for byte.
@@ -78,9 +113,6 @@ class BinaryInFile : public File {
 public:
     /// @throws bad_open
     explicit BinaryInFile(const std::string& path);
-
-    /// The file `path` has been read already.
-    BinaryInFile(const std::string& path, Platform::FileContents contents);
 
 protected:
     std::span<const std::uint8_t> data() const { return contents_.bytes(); }
@@ -123,10 +155,5 @@ public:
     explicit BinaryOutFile(std::string path)
         : OutFile(std::move(path), Platform::FileMode::Binary) {}
 };
-
-/// The file's bytes as they stand on the disk.
-///
-/// @throws bad_open
-Platform::FileContents readWhole(const std::string& path);
 
 }  // namespace Io

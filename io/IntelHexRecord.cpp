@@ -10,15 +10,18 @@ namespace Io {
 char* writeIntelRecord(char* out, std::uint16_t address, std::uint8_t typeByte,
                        std::span<const std::uint8_t> data) {
     using Util::Crc::GenericCrc::crc8TwosComplementSum;
-    const std::array header{static_cast<std::uint8_t>(data.size()),
-                            static_cast<std::uint8_t>(address >> 8U),
-                            static_cast<std::uint8_t>(address), typeByte};
-    // The seed carries the sum on, so header and data need not lie in one vector.
-    const std::array checksum{crc8TwosComplementSum(data, crc8TwosComplementSum(header, 0))};
+    const std::array head{static_cast<std::uint8_t>(data.size()),
+                          static_cast<std::uint8_t>(address >> 8U),
+                          static_cast<std::uint8_t>(address), typeByte};
     *out++ = ':';
-    out = Util::writeHex(out, header);
+    std::uint8_t checksum = 0;
+    for (const std::uint8_t byte : head) {
+        checksum = static_cast<std::uint8_t>(checksum - byte);
+        out = Util::writeHex(out, byte);
+    }
     out = Util::writeHex(out, data);
-    out = Util::writeHex(out, checksum);
+    // The seed carries the sum on. Head and data in one array would be read before they are there.
+    out = Util::writeHex(out, crc8TwosComplementSum(data, checksum));
     *out++ = '\n';
     return out;
 }

@@ -28,15 +28,17 @@ constexpr std::uint8_t typeByteOf(IntelRecordType type) {
     return static_cast<std::uint8_t>(static_cast<std::uint32_t>(type) - 1);
 }
 
-/// Most characters that one record takes, line feed included.
-inline constexpr std::size_t longestIntelRecord = 1 + 2 * (4 + 255 + 1) + 1;
+/// Characters of a record with `dataSize` data bytes, line feed included.
+constexpr std::size_t intelRecordLength(std::size_t dataSize) {
+    return 1 + 2 * (4 + dataSize + 1) + 1;
+}
 
 /// Writes one Intel HEX record, ":LLAAAATT<data>CC" and a line feed, to `out`, which has room for
-/// `longestIntelRecord` characters, and returns the position behind it.
+/// it, and returns the position behind it.
 ///
 /// @param address   16-bit address field, written high byte first
 /// @param typeByte  00 to 05, as it stands in the file
-/// @param data      at most 255 bytes, the reach of the count field
+/// @param data      at most 255 bytes, the reach of the count field, whose low eight bits it takes
 char* writeIntelRecord(char* out, std::uint16_t address, std::uint8_t typeByte,
                        std::span<const std::uint8_t> data);
 

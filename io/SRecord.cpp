@@ -1,6 +1,5 @@
 #include "io/SRecord.hpp"
 
-#include <array>
 #include <string_view>
 
 #include "util/Hex.hpp"
@@ -12,17 +11,18 @@ char* writeSRecord(char* out, SRecordType type, std::span<const std::uint8_t> ad
                    std::span<const std::uint8_t> data) {
     using Util::Crc::GenericCrc::crc8OnesComplementSum;
     constexpr std::string_view typeDigits = "01235789";
-    const std::array count{static_cast<std::uint8_t>(address.size() + data.size() + 1)};
-    // The seed carries the sum on from one field to the next.
-    std::uint8_t checksum = crc8OnesComplementSum(count, 0xFF);
-    checksum = crc8OnesComplementSum(address, checksum);
-    checksum = crc8OnesComplementSum(data, checksum);
+    const auto count = static_cast<std::uint8_t>(address.size() + data.size() + 1);
     *out++ = 'S';
     *out++ = typeDigits[static_cast<std::size_t>(type)];
     out = Util::writeHex(out, count);
-    out = Util::writeHex(out, address);
+    auto checksum = static_cast<std::uint8_t>(0xFF - count);
+    for (const std::uint8_t byte : address) {
+        checksum = static_cast<std::uint8_t>(checksum - byte);
+        out = Util::writeHex(out, byte);
+    }
     out = Util::writeHex(out, data);
-    out = Util::writeHex(out, std::array{checksum});
+    // The seed carries the sum on. All in one array would be read before it is there.
+    out = Util::writeHex(out, crc8OnesComplementSum(data, checksum));
     *out++ = '\n';
     return out;
 }

@@ -20,15 +20,18 @@ enum class SRecordType : std::uint32_t {
     Unknown = 8
 };
 
-/// Most characters that one record takes, line feed included.
-inline constexpr std::size_t longestSRecord = 2 + 2 * (1 + 255) + 1;
+/// Characters of a record with so many bytes of address and data, line feed included.
+constexpr std::size_t sRecordLength(std::size_t addressAndDataSize) {
+    return 2 + 2 * (1 + addressAndDataSize + 1) + 1;
+}
 
 /// Writes one S-record, "Sn", count, address, data and checksum, and a line feed, to `out`, which
-/// has room for `longestSRecord` characters, and returns the position behind it.
+/// has room for it, and returns the position behind it.
 ///
 /// @param type     not `Unknown`
 /// @param address  the address field, most significant byte first
-/// @param data     with the address no more than 254 bytes, the reach of the count field
+/// @param data     with the address no more than 254 bytes, the reach of the count field, whose low
+///                 eight bits it takes
 char* writeSRecord(char* out, SRecordType type, std::span<const std::uint8_t> address,
                    std::span<const std::uint8_t> data);
 

@@ -54,6 +54,35 @@ private:
     std::size_t size_ = 0;
 };
 
+/// A regular file opened for reading. Closed by its destructor.
+class InputFile {
+public:
+    /// Nothing when the file cannot be opened or is no regular file: a directory or a pipe must
+    /// neither count as an empty file nor stop the run.
+    static std::optional<InputFile> open(const std::string& path);
+    ~InputFile();
+    InputFile(InputFile&& other) noexcept;
+    InputFile& operator=(InputFile&& other) noexcept;
+    InputFile(const InputFile&) = delete;
+    InputFile& operator=(const InputFile&) = delete;
+
+    /// Bytes of the file at the time when it was opened.
+    std::uint64_t size() const { return size_; }
+
+    /// Reads on, to `out`, and returns the number of bytes read: fewer than asked for only at the
+    /// end of the file or where it cannot be read.
+    std::size_t read(std::span<char> out);
+
+    /// Goes back to the start.
+    void rewind();
+
+private:
+    InputFile(int descriptor, std::uint64_t size) : descriptor_(descriptor), size_(size) {}
+
+    int descriptor_;
+    std::uint64_t size_;
+};
+
 /// The bytes of a file; the block may be larger than `size`.
 struct FileContents {
     PageBlock block;
@@ -65,9 +94,8 @@ struct FileContents {
 
 /// Reads the whole of a regular file, nothing translated.
 ///
-/// Nothing is returned when the file cannot be opened or is no regular file: a directory or a pipe
-/// must neither count as an empty file nor stop the run. A read that fails midway leaves what was
-/// read.
+/// Nothing is returned when the file cannot be opened or is no regular file. A read that fails
+/// midway leaves what was read.
 std::optional<FileContents> readFile(const std::string& path);
 
 /// Makes text mode of what was read as bytes: drops one carriage return in front of each line feed

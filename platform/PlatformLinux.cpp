@@ -124,39 +124,51 @@ std::string_view FileContents::text() const {
     return {reinterpret_cast<const char*>(block.data()), size};
 }
 
-namespace {
-
-/// A file descriptor that closes itself.
-class Descriptor {
-public:
-    explicit Descriptor(int value) : value_(value) {}
-    ~Descriptor() {
-        if (value_ >= 0) ::close(value_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int value() const { return value_; }
-
-private:
-    int value_;
-};
-
-}  // namespace
-
-std::optional<FileContents> readFile(const std::string& path) {
+std::optional<InputFile> InputFile::open(const std::string& path) {
     // Without O_NONBLOCK the open of a pipe waits for its other end.
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0) return std::nullopt;
+    InputFile file(descriptor, 0);
     struct stat status {};
-    if (file.value() < 0 || ::fstat(file.value(), &status) != 0 || !S_ISREG(status.st_mode))
-        return std::nullopt;
-    FileContents contents{PageBlock(static_cast<std::size_t>(status.st_size)), 0};
-    while (contents.size < contents.block.size()) {
-        const ssize_t count = ::read(file.value(), contents.block.data() + contents.size,
-                                     contents.block.size() - contents.size);
+    if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    file.size_ = static_cast<std::uint64_t>(status.st_size);
+    return file;
+}
+
+InputFile::InputFile(InputFile&& other) noexcept
+    : descriptor_(std::exchange(other.descriptor_, -1)), size_(std::exchange(other.size_, 0)) {}
+
+InputFile& InputFile::operator=(InputFile&& other) noexcept {
+    std::swap(descriptor_, other.descriptor_);
+    std::swap(size_, other.size_);
+    return *this;
+}
+
+InputFile::~InputFile() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+}
+
+std::size_t InputFile::read(std::span<char> out) {
+    std::size_t size = 0;
+    while (size < out.size()) {
+        const ssize_t count = ::read(descriptor_, out.data() + size, out.size() - size);
         if (count < 0 && errno == EINTR) continue;
         if (count <= 0) break;
-        contents.size += static_cast<std::size_t>(count);
+        size += static_cast<std::size_t>(count);
     }
+    return size;
+}
+
+void InputFile::rewind() {
+    ::lseek(descriptor_, 0, SEEK_SET);
+}
+
+std::optional<FileContents> readFile(const std::string& path) {
+    auto file = InputFile::open(path);
+    if (!file) return std::nullopt;
+    FileContents contents{PageBlock(static_cast<std::size_t>(file->size())), 0};
+    contents.size =
+        file->read({reinterpret_cast<char*>(contents.block.data()), contents.block.size()});
     return contents;
 }
 

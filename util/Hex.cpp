@@ -1,32 +1,54 @@
 #include "util/Hex.hpp"
 
 #include <array>
-#include <cstring>
 
 namespace Util {
 
 namespace {
 
-using DigitPair = std::array<char, 2>;
+/// What stands for a character that is no digit: more than any digit's value.
+constexpr std::uint8_t noDigit = 0x80;
 
-constexpr std::array<DigitPair, 256> digitPairTable() {
-    constexpr const char* digits = "0123456789ABCDEF";
-    std::array<DigitPair, 256> table{};
-    for (std::size_t byte = 0; byte < table.size(); ++byte)
-        table[byte] = {digits[byte >> 4U], digits[byte & 15U]};
-    return table;
+/// By arithmetic too.
+constexpr std::uint8_t valueOf(char digit) {
+    constexpr unsigned caseBit = 'a' ^ 'A';
+    const auto decimal = static_cast<std::uint8_t>(digit - '0');
+    const auto letter =
+        static_cast<std::uint8_t>((static_cast<unsigned char>(digit) | caseBit) - 'a');
+    const auto letterValue = static_cast<std::uint8_t>(letter < 6 ? letter + 10 : noDigit);
+    return decimal < 10 ? decimal : letterValue;
 }
 
-constexpr auto digitPairs = digitPairTable();
+/// Reads as `readHex` does; the result has the bit of `noDigit` if any character is no digit.
+inline std::uint8_t readDigits(std::uint8_t* out, const char* digits, std::size_t count) {
+    std::uint8_t all = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint8_t high = valueOf(digits[2 * i]);
+        const std::uint8_t low = valueOf(digits[2 * i + 1]);
+        all = static_cast<std::uint8_t>(all | high | low);
+        out[i] = static_cast<std::uint8_t>(high << 4U | low);
+    }
+    return all;
+}
 
 }  // namespace
 
 char* writeHex(char* out, std::span<const std::uint8_t> bytes) {
-    for (const std::uint8_t byte : bytes) {
-        std::memcpy(out, digitPairs[byte].data(), 2);
-        out += 2;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        out[2 * i] = hexDigit(bytes[i] >> 4U);
+        out[2 * i + 1] = hexDigit(bytes[i] & 15U);
     }
-    return out;
+    return out + 2 * bytes.size();
+}
+
+bool readHex(std::uint8_t* out, const char* digits, std::size_t count) {
+    // A step of fixed length is one that compilers turn into a few vector operations.
+    constexpr std::size_t step = 16;
+    std::uint8_t all = 0;
+    for (; count >= step; count -= step, out += step, digits += 2 * step)
+        all = static_cast<std::uint8_t>(all | readDigits(out, digits, step));
+    all = static_cast<std::uint8_t>(all | readDigits(out, digits, count));
+    return all < noDigit;
 }
 
 void appendHex(std::string& text, std::span<const std::uint8_t> bytes) {

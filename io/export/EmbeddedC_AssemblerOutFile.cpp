@@ -48,7 +48,7 @@ std::string EmbeddedC_AssemblerOutFile::getTimeString() {
 
 std::string EmbeddedC_AssemblerOutFile::filledIn(std::string text, const std::string& time) const {
     using boost::algorithm::replace_all;
-    replace_all(text, "@size", lowerHex(outputBytes.view().size()));
+    replace_all(text, "@size", lowerHex(outputBytes.size()));
     replace_all(text, "@time", time);
     replace_all(text, "@elementsPerLine", std::to_string(outputStyle.elementsPerLine));
     return text;
@@ -74,17 +74,19 @@ void EmbeddedC_AssemblerOutFile::saveToFile() {
 }
 
 void EmbeddedC_AssemblerOutFile::writeDataLines(PieceWriter& out) const {
-    const auto bytes = outputBytes.view();
     const std::size_t perLine = outputStyle.elementsPerLine;
     std::size_t inLine = 0;
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        out.append(inLine == 0 ? outputStyle.linePrefix : outputStyle.elementSeparator);
-        out.append(outputStyle.elementPrefix);
-        out.commit(Util::writeHex(out.reserve(2), bytes.subspan(i, 1)));
-        if (++inLine != perLine && i + 1 != bytes.size()) continue;
-        out.append("\n");
-        inLine = 0;
-    }
+    outputBytes.forBytes([&](std::span<const std::uint8_t> bytes) {
+        for (std::size_t i = 0; i < bytes.size(); ++i) {
+            out.append(inLine == 0 ? outputStyle.linePrefix : outputStyle.elementSeparator);
+            out.append(outputStyle.elementPrefix);
+            out.commit(Util::writeHex(out.reserve(2), bytes.subspan(i, 1)));
+            if (++inLine != perLine) continue;
+            out.append("\n");
+            inLine = 0;
+        }
+    });
+    if (inLine != 0) out.append("\n");
 }
 
 }  // namespace Io::Export

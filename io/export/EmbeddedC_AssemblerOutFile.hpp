@@ -4,9 +4,9 @@
 #include <string>
 
 #include "io/File.hpp"
-#include "io/export/ConcatenatedBytes.hpp"
-#include "io/export/ImageBytes.hpp"
+#include "io/export/ConcatenatedImages.hpp"
 #include "io/export/OutputStyles.hpp"
+#include "io/export/PieceWriter.hpp"
 #include "io/export/TessaronExportApi.hpp"
 
 namespace Io::Export {
@@ -33,7 +33,7 @@ private:
     void writeDataLines(PieceWriter& out) const;
 
     EmbeddedOutputStyle outputStyle;
-    ConcatenatedBytes outputBytes;
+    ConcatenatedImages outputBytes;
 };
 
 }  // namespace Io::Export

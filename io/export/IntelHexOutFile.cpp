@@ -18,7 +18,7 @@ constexpr std::uint64_t blockSize = 0x10000;
 
 void writeRecord(PieceWriter& out, std::uint64_t address, IntelRecordType type,
                  std::span<const std::uint8_t> data) {
-    char* const place = out.reserve(longestIntelRecord);
+    char* const place = out.reserve(intelRecordLength(data.size()));
     out.commit(
         writeIntelRecord(place, static_cast<std::uint16_t>(address), typeByteOf(type), data));
 }
@@ -41,7 +41,15 @@ IntelHexOutFile::IntelHexOutFile(std::string path, IntelHexOutputStyle style)
 }
 
 void IntelHexOutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
-    memoryBuffers.push_back(imageBytesOf(buffer));
+    const unsigned shift = outputStyle.useSegmentAddressing ? 4 : 16;
+    std::span<const Buffer::MemoryElement> rest = buffer.viewElements();
+    for (std::uint64_t address = buffer.getStartAddress(); !rest.empty();) {
+        const std::uint64_t room = ((address >> shift) << shift) + blockSize - address;
+        const std::size_t length = std::min<std::uint64_t>(rest.size(), room);
+        memoryBuffers.emplace_back(address, rest.first(length));
+        rest = rest.subspan(length);
+        address += length;
+    }
 }
 
 void IntelHexOutFile::setExecutionAddress(std::uint64_t address) {
@@ -83,56 +91,38 @@ std::string IntelHexOutFile::getStringRepresentationFor(
             static_cast<std::uint32_t>(recordType), ")");
         throw std::exception();
     }
-    std::array<std::uint8_t, longestRecord> data{};
-    const auto end = std::ranges::transform(elements, data.begin(), [](const auto& element) {
-                         return element.effectiveByte();
-                     }).out;
-    std::array<char, longestIntelRecord> text{};
-    return {text.data(), writeIntelRecord(text.data(), static_cast<std::uint16_t>(address),
-                                          typeByteOf(recordType), {data.begin(), end})};
-}
-
-std::deque<IntelHexOutFile::Block> IntelHexOutFile::blocks() const {
-    const unsigned shift = outputStyle.useSegmentAddressing ? 4 : 16;
-    std::deque<Block> cut;
-    for (const ImageBytes& image : memoryBuffers) {
-        std::span<const std::uint8_t> rest = image.bytes;
-        for (std::uint64_t address = image.startAddress; !rest.empty();) {
-            const std::uint64_t room = ((address >> shift) << shift) + blockSize - address;
-            const std::size_t length = std::min<std::uint64_t>(rest.size(), room);
-            cut.push_back({address, rest.first(length)});
-            rest = rest.subspan(length);
-            address += length;
-        }
-    }
-    return cut;
+    std::vector<std::uint8_t> data(elements.size());
+    Buffer::effectiveBytes(elements, data.data());
+    std::string text(intelRecordLength(data.size()), '\0');
+    writeIntelRecord(text.data(), static_cast<std::uint16_t>(address), typeByteOf(recordType),
+                     data);
+    return text;
 }
 
 void IntelHexOutFile::saveToFile() {
-    const std::deque<Block> all = blocks();
     // Before the file is touched: one block out of reach cancels all of it.
-    for (const Block& block : all)
+    for (const ImageView& block : memoryBuffers)
         if (!setOffsetInformation(block.startAddress).isValid) return;
     write([&](const Sink& sink) {
         PieceWriter out(sink);
-        for (const Block& block : all) writeBlock(out, block);
+        for (const ImageView& block : memoryBuffers) writeBlock(out, block);
         if (hasExecutionAddress) writeStartRecord(out);
         writeRecord(out, 0, IntelRecordType::EndOfFile, {});
         out.flush();
     });
 }
 
-void IntelHexOutFile::writeBlock(PieceWriter& out, const Block& block) const {
+void IntelHexOutFile::writeBlock(PieceWriter& out, const ImageView& block) const {
     const OffsetInformation information = setOffsetInformation(block.startAddress);
     writeRecord(out, 0, information.recordType,
                 std::array{static_cast<std::uint8_t>(information.base >> 8U),
                            static_cast<std::uint8_t>(information.base)});
     const std::size_t length = outputStyle.dataRecordLength;
-    for (std::size_t written = 0; written < block.bytes.size(); written += length) {
-        const std::size_t count = std::min(length, block.bytes.size() - written);
-        writeRecord(out, information.offset + written, IntelRecordType::Data,
-                    block.bytes.subspan(written, count));
-    }
+    std::uint64_t offset = information.offset;
+    forEffectiveBytes(block.elements, length, [&](std::span<const std::uint8_t> data) {
+        writeRecord(out, offset, IntelRecordType::Data, data);
+        offset += data.size();
+    });
 }
 
 void IntelHexOutFile::writeStartRecord(PieceWriter& out) const {

@@ -7,8 +7,9 @@
 
 #include "io/File.hpp"
 #include "io/IntelHexRecord.hpp"
-#include "io/export/ImageBytes.hpp"
+#include "io/export/ImageView.hpp"
 #include "io/export/OutputStyles.hpp"
+#include "io/export/PieceWriter.hpp"
 #include "io/export/TessaronExportApi.hpp"
 
 namespace Io::Export {
@@ -42,26 +43,20 @@ public:
     /// One record as text, with its line feed.
     ///
     /// @param address   the low 16 bits count
-    /// @param elements  at most 255
+    /// @param elements  at most 255, the reach of the count field
     /// @throws std::exception  for a kind of record that the format does not have, after a report
     std::string getStringRepresentationFor(std::uint64_t address, IntelRecordType recordType,
                                            std::span<const Buffer::MemoryElement> elements) const;
 
 private:
-    /// A piece of an image that one extended address record reaches.
-    struct Block {
-        std::uint64_t startAddress;
-        std::span<const std::uint8_t> bytes;
-    };
-
-    std::deque<Block> blocks() const;
-    void writeBlock(PieceWriter& out, const Block& block) const;
+    void writeBlock(PieceWriter& out, const ImageView& block) const;
     void writeStartRecord(PieceWriter& out) const;
 
     bool hasExecutionAddress = false;
     std::uint64_t executionAddress = 0;
     IntelHexOutputStyle outputStyle;
-    std::deque<ImageBytes> memoryBuffers;
+    /// The images, cut into pieces that one extended address record reaches.
+    std::deque<ImageView> memoryBuffers;
 };
 
 }  // namespace Io::Export

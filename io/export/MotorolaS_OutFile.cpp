@@ -26,6 +26,12 @@ void reportSize(std::uint32_t size, const char* bound, std::uint32_t allowed) {
                      ", so the value was reset to (int) ", allowed);
 }
 
+/// Writes `value` to `field`, most significant byte first.
+void putAddress(std::uint64_t value, std::span<std::uint8_t> field) {
+    for (auto byte = field.rbegin(); byte != field.rend(); ++byte, value >>= 8U)
+        *byte = static_cast<std::uint8_t>(value);
+}
+
 /// Bytes that `value` takes without leading zeros.
 std::size_t bytesNeeded(std::uint64_t value) {
     return (static_cast<std::size_t>(std::bit_width(value)) + 7) / 8;
@@ -55,15 +61,14 @@ void MotorolaS_OutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
         Util::reportLine("The allowed maximum Offset have to be (int)", highestAddress);
         return;
     }
-    memoryBuffers.push_back(imageBytesOf(buffer));
+    memoryBuffers.emplace_back(buffer);
     // Four bytes reach every address of an image that ends with the address space.
     addressBytes = std::max(addressBytes, bytesNeeded(std::min(end, highestAddress)));
 }
 
 std::vector<std::uint8_t> MotorolaS_OutFile::addressField(std::uint64_t value) const {
     std::vector<std::uint8_t> bytes(std::max(addressBytes, bytesNeeded(value)));
-    for (auto byte = bytes.rbegin(); byte != bytes.rend(); ++byte, value >>= 8U)
-        *byte = static_cast<std::uint8_t>(value);
+    putAddress(value, bytes);
     return bytes;
 }
 
@@ -78,10 +83,8 @@ void MotorolaS_OutFile::makeRecord(SRecordKind kind, std::uint64_t value, SRecor
 
 std::string MotorolaS_OutFile::getStringRepresentation(const SRecord& record) {
     if (record.recordType == SRecordType::Unknown) return {};
-    std::string text(longestSRecord + 2 * (record.address.size() + record.data.size()), '\0');
-    const char* const end =
-        writeSRecord(text.data(), record.recordType, record.address, record.data);
-    text.resize(static_cast<std::size_t>(end - text.data()));
+    std::string text(sRecordLength(record.address.size() + record.data.size()), '\0');
+    writeSRecord(text.data(), record.recordType, record.address, record.data);
     return text;
 }
 
@@ -100,7 +103,7 @@ void MotorolaS_OutFile::saveToFile() {
         PieceWriter out(sink);
         out.append(getStringRepresentation(header()));
         std::uint32_t recordCount = 0;
-        for (const ImageBytes& image : memoryBuffers) writeImage(out, image, recordCount);
+        for (const ImageView& image : memoryBuffers) writeImage(out, image, recordCount);
         SRecord terminator;
         makeRecord(SRecordKind::Terminator, executionAddress, terminator);
         out.append(getStringRepresentation(terminator));
@@ -108,28 +111,26 @@ void MotorolaS_OutFile::saveToFile() {
     });
 }
 
-void MotorolaS_OutFile::writeImage(PieceWriter& out, const ImageBytes& image,
+void MotorolaS_OutFile::writeImage(PieceWriter& out, const ImageView& image,
                                    std::uint32_t& recordCount) const {
-    const std::span<const std::uint8_t> bytes = image.bytes;
-    const std::size_t size = outputStyle.maximumRecordSize;
     SRecord record;
     makeRecord(SRecordKind::Data, image.startAddress, record);
-    std::size_t at = 0;
-    // An image without elements gives one record without data.
-    do {
-        // A count is due with the next byte, so that none stands at the end of the file.
-        if (recordCount >= countedRecords && !bytes.empty()) writeCount(out, recordCount);
-        const std::size_t count = std::min(size, bytes.size() - at);
-        std::uint64_t address = image.startAddress + at;
-        for (auto byte = record.address.rbegin(); byte != record.address.rend(); ++byte) {
-            *byte = static_cast<std::uint8_t>(address);
-            address >>= 8U;
-        }
-        out.commit(writeSRecord(out.reserve(longestSRecord), record.recordType, record.address,
-                                bytes.subspan(at, count)));
-        at += count;
+    std::uint64_t address = image.startAddress;
+    const auto writeData = [&](std::span<const std::uint8_t> data) {
+        putAddress(address, record.address);
+        out.commit(writeSRecord(out.reserve(sRecordLength(record.address.size() + data.size())),
+                                record.recordType, record.address, data));
+        address += data.size();
         ++recordCount;
-    } while (at < bytes.size());
+    };
+    // An image without elements gives one record without data.
+    if (image.elements.empty()) writeData({});
+    forEffectiveBytes(image.elements, outputStyle.maximumRecordSize,
+                      [&](std::span<const std::uint8_t> data) {
+                          // A count is due with the next byte: none stands at the file's end.
+                          if (recordCount >= countedRecords) writeCount(out, recordCount);
+                          writeData(data);
+                      });
 }
 
 void MotorolaS_OutFile::writeCount(PieceWriter& out, std::uint32_t& recordCount) const {

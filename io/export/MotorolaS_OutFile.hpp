@@ -8,8 +8,9 @@
 
 #include "io/File.hpp"
 #include "io/SRecord.hpp"
-#include "io/export/ImageBytes.hpp"
+#include "io/export/ImageView.hpp"
 #include "io/export/OutputStyles.hpp"
+#include "io/export/PieceWriter.hpp"
 #include "io/export/TessaronExportApi.hpp"
 
 namespace Io::Export {
@@ -45,14 +46,14 @@ public:
 
 private:
     SRecord header() const;
-    void writeImage(PieceWriter& out, const ImageBytes& image, std::uint32_t& recordCount) const;
+    void writeImage(PieceWriter& out, const ImageView& image, std::uint32_t& recordCount) const;
     void writeCount(PieceWriter& out, std::uint32_t& recordCount) const;
     std::vector<std::uint8_t> addressField(std::uint64_t value) const;
 
     std::size_t addressBytes = 2;
     std::uint64_t executionAddress = 0;
     MotorolaSOutputStyle outputStyle;
-    std::deque<ImageBytes> memoryBuffers;
+    std::deque<ImageView> memoryBuffers;
 };
 
 }  // namespace Io::Export

@@ -8,8 +8,9 @@ void RawBinaryOutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
 
 void RawBinaryOutFile::saveToFile() {
     write([this](const Sink& sink) {
-        const auto bytes = outputBytes.view();
-        sink({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+        outputBytes.forBytes([&](std::span<const std::uint8_t> bytes) {
+            sink({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+        });
     });
 }
 

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "io/File.hpp"
-#include "io/export/ConcatenatedBytes.hpp"
+#include "io/export/ConcatenatedImages.hpp"
 #include "io/export/TessaronExportApi.hpp"
 
 namespace Io::Export {
@@ -20,7 +20,7 @@ public:
     void setExecutionAddress(std::uint64_t /*address*/) override {}
 
 private:
-    ConcatenatedBytes outputBytes;
+    ConcatenatedImages outputBytes;
 };
 
 }  // namespace Io::Export

@@ -19,7 +19,8 @@ public:
     TessaronExportApi(const TessaronExportApi&) = delete;
     TessaronExportApi& operator=(const TessaronExportApi&) = delete;
 
-    /// Takes a copy of what the image holds. A refused image is reported and left out.
+    /// Takes the image in without a copy: it stays with its owner, unchanged until `saveToFile` has
+    /// returned. A refused image is reported and left out.
     virtual void insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) = 0;
 
     /// Writes the file. A writer that gives up reports why and leaves an existing file as it is.

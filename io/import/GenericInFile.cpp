@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "io/File.hpp"
 #include "io/import/IntelHexInFile.hpp"
 #include "io/import/MotorolaS_InFile.hpp"
 #include "io/import/RawBinaryInFile.hpp"
@@ -10,48 +9,40 @@
 namespace Io::Import {
 
 GenericInFile::GenericInFile(std::string path) : fileName(std::move(path)) {
-    Platform::FileContents contents = readWhole(fileName);
-    fileType = detectFileType(contents.text());
-    reader = createReader(std::move(contents));
+    TextLines lines(fileName);
+    fileType = detectFileType(lines);
+    reader = createReader(std::move(lines));
 }
 
 GenericInFile::GenericInFile(std::string path, RawBinaryTag /*tag*/)
-    : fileName(std::move(path)), fileType(InFileType::RawBinary) {
-    reader = createReader(readWhole(fileName));
-}
+    : fileName(std::move(path)),
+      fileType(InFileType::RawBinary),
+      reader(std::make_unique<RawBinaryInFile>(fileName)) {}
 
-InFileType GenericInFile::detectFileType(std::string_view file) {
-    constexpr char endOfText = '\x1A';
+InFileType GenericInFile::detectFileType(TextLines& lines) {
     InFileType type = InFileType::RawBinary;
-    for (TextLines lines(file); !lines.empty();) {
-        const std::string_view line = lines.takeFirst();
-        const bool hasLineFeed = line.data() + line.size() != file.data() + file.size();
-        // What is read here is not yet text mode, in which this would be an empty line.
-        const bool isEmpty = line.empty() || (line == "\r" && hasLineFeed);
-        const char first = isEmpty ? '\0' : line.front();
-        if (first == endOfText) break;
+    while (lines.next()) {
+        const char first = lines.line().empty() ? '\0' : lines.line().front();
         if (first == ':')
             type = InFileType::IntelHex;
         else if (first == 'S')
             type = InFileType::MotorolaS;
         else if (first != '/' && first != '\0')
             return InFileType::RawBinary;
-        if (line.find(endOfText) != std::string_view::npos) break;
     }
     return type;
 }
 
-std::unique_ptr<TessaronImportApi> GenericInFile::createReader(
-    Platform::FileContents contents) const {
+std::unique_ptr<TessaronImportApi> GenericInFile::createReader(TextLines lines) const {
     switch (fileType) {
         case InFileType::IntelHex:
-            return std::make_unique<IntelHexInFile>(fileName, std::move(contents));
+            return std::make_unique<IntelHexInFile>(fileName, std::move(lines));
         case InFileType::MotorolaS:
-            return std::make_unique<MotorolaS_InFile>(fileName, std::move(contents));
+            return std::make_unique<MotorolaS_InFile>(fileName, std::move(lines));
         case InFileType::RawBinary:
             break;
     }
-    return std::make_unique<RawBinaryInFile>(fileName, std::move(contents));
+    return std::make_unique<RawBinaryInFile>(fileName);
 }
 
 }  // namespace Io::Import

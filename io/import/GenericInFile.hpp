@@ -3,10 +3,9 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <string_view>
 
+#include "io/File.hpp"
 #include "io/import/TessaronImportApi.hpp"
-#include "platform/Platform.hpp"
 
 namespace Io::Import {
 
@@ -48,11 +47,10 @@ public:
     InFileType type() const { return fileType; }
 
 private:
-    /// @param file  the bytes of the file as they stand on the disk
-    static InFileType detectFileType(std::string_view file);
+    static InFileType detectFileType(TextLines& lines);
 
-    /// The file is read once, for the detection and for the reader.
-    std::unique_ptr<TessaronImportApi> createReader(Platform::FileContents contents) const;
+    /// @param lines  of the same file, which a reader of text goes on with
+    std::unique_ptr<TessaronImportApi> createReader(TextLines lines) const;
 
     std::string fileName;
     InFileType fileType;

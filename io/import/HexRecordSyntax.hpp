@@ -1,27 +1,17 @@
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <boost/spirit/include/classic_core.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
+#include "util/Hex.hpp"
+
 /// Parsers for the records of the text formats, for the sources of the two readers and no other.
 namespace Io::Import {
 
 namespace Spirit = boost::spirit::classic;
-
-/// Value of each hexadecimal digit of either case; every other character has a bit of `noDigit`.
-inline constexpr std::uint8_t noDigit = 0xF0;
-inline constexpr auto digitValues = [] {
-    std::array<std::uint8_t, 256> values{};
-    values.fill(noDigit);
-    for (std::uint8_t digit = 0; digit < 10; ++digit) values['0' + digit] = digit;
-    for (std::uint8_t digit = 10; digit < 16; ++digit)
-        values['A' + digit - 10] = values['a' + digit - 10] = digit;
-    return values;
-}();
 
 /// The bytes of one record as they come in.
 struct RecordBytes {
@@ -46,15 +36,8 @@ public:
         if (static_cast<std::size_t>(scan.last - first) < 2 * count ||
             record_->size + count > record_->bytes.size())
             return scan.no_match();
-        std::uint8_t* const out = record_->bytes.data() + record_->size;
-        unsigned invalid = 0;
-        for (std::size_t i = 0; i < count; ++i) {
-            const unsigned high = digitValues[static_cast<unsigned char>(first[2 * i])];
-            const unsigned low = digitValues[static_cast<unsigned char>(first[2 * i + 1])];
-            invalid |= high | low;
-            out[i] = static_cast<std::uint8_t>(high << 4U | low);
-        }
-        if ((invalid & noDigit) != 0) return scan.no_match();
+        if (!Util::readHex(record_->bytes.data() + record_->size, first, count))
+            return scan.no_match();
         record_->size += count;
         scan.first = first + 2 * count;
         return scan.create_match(2 * count, Spirit::nil_t(), first, scan.first);
@@ -65,12 +48,13 @@ private:
     RecordBytes* record_;
 };
 
-/// Matches the whole of `line`, or of what stands in front of a zero byte in it.
+/// Matches the whole of `line`, or of what stands in front of a zero byte in it, which is no part
+/// of any record.
 template <class Syntax>
 bool matchesLine(std::string_view line, const Syntax& syntax, RecordBytes& record) {
-    line = line.substr(0, line.find('\0'));
     record.clear();
-    return Spirit::parse(line.data(), line.data() + line.size(), syntax).full;
+    const auto info = Spirit::parse(line.data(), line.data() + line.size(), syntax);
+    return info.hit && (info.full || *info.stop == '\0');
 }
 
 /// The big-endian number that `bytes` form.

@@ -20,23 +20,23 @@ bool isEndOfFile(std::string_view line) {
 
 }  // namespace
 
-IntelHexInFile::IntelHexInFile(const std::string& path) : IntelHexInFile(path, readWhole(path)) {}
+IntelHexInFile::IntelHexInFile(const std::string& path) : IntelHexInFile(path, TextLines(path)) {}
 
-IntelHexInFile::IntelHexInFile(const std::string& path, Platform::FileContents contents)
+IntelHexInFile::IntelHexInFile(const std::string& path, TextLines lines)
     // Two digits make a byte, so there are no more bytes than half the characters.
-    : TextInFile(path, std::move(contents)), parsedData(readerName, textSize() / 2) {
+    : TextInFile(path, std::move(lines)), parsedData(readerName, fileSize() / 2) {
     parseFile();
     parsedData.finish();
-    releaseText();
+    close();
 }
 
 void IntelHexInFile::parseFile() {
-    if (lines().empty()) {
+    if (!lastHead()) {
         Util::reportLine("file: ", fileName,
                          " was empty. Execution aboarded. The file was not parsed.");
         return;
     }
-    if (!isEndOfFile(lines().back())) {
+    if (!isEndOfFile(*lastHead())) {
         Util::reportLine("file: ", fileName,
                          " has no intel format (last line mismatched). Execution aboarded. The "
                          "file was not parsed.");
@@ -53,18 +53,23 @@ void IntelHexInFile::parseRecords() {
     const auto checksum = [] { return std::size_t{1}; };
     const auto syntax = ch_p(':') >> HexBytes(head, record) >> HexBytes(counted, record) >>
                         HexBytes(checksum, record);
-    TextLines rest = lines();
-    for (std::string_view line = rest.takeFirst(); !rest.empty(); line = rest.takeFirst()) {
-        if (!matchesLine(line, syntax, record)) continue;
+    forAllButLast([&](std::string_view line) {
+        if (!matchesLine(line, syntax, record)) return true;
         const std::span<const std::uint8_t> bytes(record.bytes.data(), record.size - 1);
         const Record parsed{bytes, record.bytes[record.size - 1]};
-        using Util::Crc::GenericCrc::crc8TwosComplementSum;
-        if (!isConsistent(parsed) || crc8TwosComplementSum(bytes, 0) != parsed.checksum) {
+        if (!isConsistent(parsed) || checksumOf(parsed) != parsed.checksum) {
             reportLogicalError(line);
-            return;
+            return false;
         }
         storeRecord(parsed);
-    }
+        return true;
+    });
+}
+
+std::uint8_t IntelHexInFile::checksumOf(const Record& record) {
+    using Util::Crc::GenericCrc::crc8TwosComplementSum;
+    // Field by field, as the bytes came in: a sum across fields waits for the stores before it.
+    return crc8TwosComplementSum(record.data(), crc8TwosComplementSum(record.head(), 0));
 }
 
 bool IntelHexInFile::isConsistent(const Record& record) {

@@ -23,8 +23,8 @@ public:
     /// @throws Io::bad_open
     explicit IntelHexInFile(const std::string& path);
 
-    /// The file has been read already, with `contents` as they stand on the disk.
-    IntelHexInFile(const std::string& path, Platform::FileContents contents);
+    /// The file has been opened already.
+    IntelHexInFile(const std::string& path, TextLines lines);
 
     std::uint64_t getMinAddress() const override { return parsedData.minAddress(); }
     std::uint64_t getDataLength() const override { return parsedData.dataLength(); }
@@ -51,11 +51,13 @@ private:
         std::uint32_t length() const { return bytes[0]; }
         std::uint32_t address() const { return bytes[1] * 256U + bytes[2]; }
         IntelRecordType type() const { return intelRecordType(bytes[3]); }
+        std::span<const std::uint8_t> head() const { return bytes.first(4); }
         std::span<const std::uint8_t> data() const { return bytes.subspan(4); }
     };
 
     void parseFile();
     void parseRecords();
+    static std::uint8_t checksumOf(const Record& record);
     static bool isConsistent(const Record& record);
     void storeRecord(const Record& record);
     void reportLogicalError(std::string_view line);

@@ -36,19 +36,19 @@ std::size_t addressSizeOf(SRecordType type) {
 }  // namespace
 
 MotorolaS_InFile::MotorolaS_InFile(const std::string& path)
-    : MotorolaS_InFile(path, readWhole(path)) {}
+    : MotorolaS_InFile(path, TextLines(path)) {}
 
-MotorolaS_InFile::MotorolaS_InFile(const std::string& path, Platform::FileContents contents)
+MotorolaS_InFile::MotorolaS_InFile(const std::string& path, TextLines lines)
     // Two digits make a byte, so there are no more bytes than half the characters.
-    : TextInFile(path, std::move(contents)), parsedData(readerName, textSize() / 2) {
-    if (lines().empty())
+    : TextInFile(path, std::move(lines)), parsedData(readerName, fileSize() / 2) {
+    if (!lastHead())
         Util::reportLine("file: ", fileName,
                          " was empty. Execution aboarded. The file was not parsed.");
     else
         parseRecords();
     limitData();
     parsedData.finish();
-    releaseText();
+    close();
 }
 
 void MotorolaS_InFile::parseRecords() {
@@ -65,11 +65,10 @@ void MotorolaS_InFile::parseRecords() {
             one,
             bytes)[boost::bind(&MotorolaS_InFile::storeParsedSize, this, boost::cref(bytes))] >>
         HexBytes(address, bytes) >> HexBytes(data, bytes) >> HexBytes(one, bytes);
-    TextLines rest = lines();
-    for (std::string_view line = rest.takeFirst(); !rest.empty(); line = rest.takeFirst()) {
+    forAllButLast([&](std::string_view line) {
         if (!matchesLine(line, syntax, bytes)) {
             reportLine(line, " did not match parsing pattern.");
-            return;
+            return false;
         }
         const std::span<const std::uint8_t> parsed(bytes.bytes.data(), bytes.size);
         if (!isConsistent(parsed)) {
@@ -77,10 +76,11 @@ void MotorolaS_InFile::parseRecords() {
             reportLine(line,
                        " contains logical error. Please check line for Crc or Address/Type "
                        "conflicts.");
-            return;
+            return false;
         }
         storeRecord(parsed);
-    }
+        return true;
+    });
 }
 
 void MotorolaS_InFile::storeParsedType(std::uint32_t digit) {
@@ -118,7 +118,10 @@ void MotorolaS_InFile::storeParsedSize(const RecordBytes& bytes) {
 
 bool MotorolaS_InFile::isConsistent(std::span<const std::uint8_t> bytes) const {
     using Util::Crc::GenericCrc::crc8OnesComplementSum;
-    if (crc8OnesComplementSum(bytes.first(bytes.size() - 1), 0xFF) != bytes.back()) return false;
+    // Field by field, as the bytes came in: a sum across fields waits for the stores before it.
+    std::uint8_t checksum = crc8OnesComplementSum(bytes.first(1), 0xFF);
+    checksum = crc8OnesComplementSum(addressOf(bytes), checksum);
+    if (crc8OnesComplementSum(dataOf(bytes), checksum) != bytes.back()) return false;
     switch (record.type) {
         case SRecordType::S0:
             return record.dataSize >= headerSize;

@@ -25,8 +25,8 @@ public:
     /// @throws Io::bad_open
     explicit MotorolaS_InFile(const std::string& path);
 
-    /// The file has been read already, with `contents` as they stand on the disk.
-    MotorolaS_InFile(const std::string& path, Platform::FileContents contents);
+    /// The file has been opened already.
+    MotorolaS_InFile(const std::string& path, TextLines lines);
 
     std::uint64_t getMinAddress() const override { return parsedData.minAddress(); }
     std::uint64_t getDataLength() const override { return parsedData.dataLength(); }

@@ -77,7 +77,7 @@ Buffer::MemoryBuffer ParsedData::imageOf(std::uint64_t startAddress,
     const auto* const first = reinterpret_cast<const std::uint8_t*>(bytes_.data());
     for (; run != runs_.end(); ++run) {
         if (isAscending_ && run->address >= startAddress + dataLength) break;
-        image.writeBytes({first + run->offset, run->length}, run->address);
+        image.overlayBytes({first + run->offset, run->length}, run->address);
     }
     return image;
 }

@@ -1,7 +1,6 @@
 #include "io/import/RawBinaryInFile.hpp"
 
 #include <algorithm>
-#include <utility>
 
 #include "io/import/ParsedData.hpp"
 #include "util/Report.hpp"
@@ -16,11 +15,7 @@ constexpr std::uint64_t mostBytes = 0xFFFFFFFF;
 }  // namespace
 
 RawBinaryInFile::RawBinaryInFile(const std::string& path)
-    : RawBinaryInFile(path, readWhole(path)) {}
-
-RawBinaryInFile::RawBinaryInFile(const std::string& path, Platform::FileContents contents)
-    : BinaryInFile(path, std::move(contents)),
-      dataLength(std::min<std::uint64_t>(data().size(), mostBytes)) {
+    : BinaryInFile(path), dataLength(std::min<std::uint64_t>(data().size(), mostBytes)) {
     if (data().size() <= mostBytes) return;
     Util::reportLine(
         "RawBinaryInFile(constructor-Operation). The information extracted from output file, "
@@ -33,7 +28,7 @@ RawBinaryInFile::RawBinaryInFile(const std::string& path, Platform::FileContents
 Buffer::MemoryBuffer RawBinaryInFile::getMemory(std::uint64_t start, std::uint64_t length) const {
     if (length == 0) return {start, 0};
     Buffer::MemoryBuffer image = newImage(start, length);
-    image.writeBytes(data().first(dataLength), minAddress);
+    image.overlayBytes(data().first(dataLength), minAddress);
     return image;
 }
 
@@ -45,7 +40,7 @@ void RawBinaryInFile::fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const {
                     minAddress, dataLength, getInformation());
         return;
     }
-    buffer.writeBytes(data().subspan(start, length), start);
+    buffer.fillMemory(getMemory(start, length).viewElements(), start, length);
 }
 
 std::string RawBinaryInFile::getInformation() const {

@@ -15,9 +15,6 @@ public:
     /// @throws Io::bad_open
     explicit RawBinaryInFile(const std::string& path);
 
-    /// The file has been read already.
-    RawBinaryInFile(const std::string& path, Platform::FileContents contents);
-
     std::uint64_t getMinAddress() const override { return minAddress; }
     std::uint64_t getDataLength() const override { return dataLength; }
     Buffer::MemoryBuffer getMemory() const override { return getMemory(minAddress, dataLength); }

@@ -3,6 +3,7 @@
 
 namespace Parser {
 
+using Spirit::anychar_p;
 using Spirit::str_p;
 using WrapperLib::CmdFillBuffer;
 
@@ -24,8 +25,9 @@ void defineFillBuffer(ScriptRules& rules, ScriptParser& parser) {
          (str_p("WITH_VALUES") >> rules.ws >>
           rules.valueList[on.values("SetFillValues -> ", &CmdFillBuffer::setFillValues)]) |
          (str_p("WITH_STRING") >> rules.ws >> rules.quote >>
-          TextBefore("\"'", parser.fruitlessSearches.quote)[on.text(
-              "SetFillString -> ", &CmdFillBuffer::setFillString)] >>
+          // The action runs on what stands behind the quote, closed or not.
+          (+(anychar_p -
+             rules.quote))[on.text("SetFillString -> ", &CmdFillBuffer::setFillString)] >>
           rules.quote)) >>
         rules.ws;
     rules.fillOptions = *(rules.fillByteOrderOption | rules.fillAreasOption);

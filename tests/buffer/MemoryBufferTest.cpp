@@ -181,7 +181,7 @@ TEST(MemoryBufferTest, OverlayAndWrittenBytesAreCutToTheImage) {
         const std::string bytes = row.other;
         if (bytes.find('.') != std::string::npos) continue;
         MemoryBuffer written = image(0x10, "abcd");
-        written.writeBytes({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()},
+        written.overlayBytes({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()},
                            row.start);
         EXPECT_EQ(text(written), row.result) << row.other;
     }

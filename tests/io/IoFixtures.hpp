@@ -48,7 +48,7 @@ inline std::string contentsOf(const std::string& path) {
 /// An image of written bytes.
 inline Buffer::MemoryBuffer imageOf(std::uint64_t start, const std::vector<std::uint8_t>& bytes) {
     Buffer::MemoryBuffer image(start, bytes.size());
-    image.writeBytes(bytes, start);
+    image.overlayBytes(bytes, start);
     return image;
 }
 

@@ -62,7 +62,8 @@ TEST_P(RoundTrips, KeepEveryByteThroughEveryFormat) {
     const MemoryBuffer whole = hex.getMemory();
     const GenericInFile srec = through<MotorolaS_OutFile>({whole}, motorolaStyle(32));
     RawBinaryOutFile raw(temporaryPath("raw"));
-    raw.insertMemoryBuffer(srec.getMemory());
+    const MemoryBuffer fromSrec = srec.getMemory();
+    raw.insertMemoryBuffer(fromSrec);
     raw.saveToFile();
     MemoryBuffer back = GenericInFile(temporaryPath("raw"), Io::Import::rawBinary).getMemory();
     back.setStartingAddress(whole.getStartAddress());

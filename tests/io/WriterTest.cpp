@@ -121,9 +121,11 @@ TEST(MotorolaS_OutFileTest, CountsItsRecordsInThreeWidths) {
     for (const auto& [address, count] :
          {std::pair{0x10ULL, "\nS503FFFFFE\n"}, std::pair{0x20000ULL, "\nS50400FFFFFD\n"},
           std::pair{0x80000000ULL, "\nS5050000FFFFFC\n"}}) {
+        const MemoryBuffer empty(address, 0);
+        const MemoryBuffer last = imageOf(address, Tests::someBytes(33));
         MotorolaS_OutFile writer = motorola();
-        for (int i = 0; i < 65534; ++i) writer.insertMemoryBuffer(MemoryBuffer(address, 0));
-        writer.insertMemoryBuffer(imageOf(address, Tests::someBytes(33)));
+        for (int i = 0; i < 65534; ++i) writer.insertMemoryBuffer(empty);
+        writer.insertMemoryBuffer(last);
         writer.saveToFile();
         const std::string text = contentsOf(temporaryPath());
         // Due behind record 65535, which is the first of the last image.
@@ -204,7 +206,8 @@ TEST(OutFileTest, SaysWhatCouldNotBeWritten) {
     testing::internal::CaptureStderr();
     written(RawBinaryOutFile("/dev/full"), {imageOf(0, {1})});
     IntelHexOutFile hex("/dev/full", {});
-    hex.insertMemoryBuffer(imageOf(0, Tests::someBytes(1 << 20)));
+    const MemoryBuffer image = imageOf(0, Tests::someBytes(1 << 20));
+    hex.insertMemoryBuffer(image);
     hex.saveToFile();
     const std::string warning = "Warning: File /dev/full could not be written completely !\n";
     EXPECT_EQ(testing::internal::GetCapturedStderr(), warning + warning);

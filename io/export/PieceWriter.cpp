@@ -1,14 +1,8 @@
-#include "io/export/ImageBytes.hpp"
+#include "io/export/PieceWriter.hpp"
 
 #include <algorithm>
 
 namespace Io::Export {
-
-ImageBytes imageBytesOf(const Buffer::MemoryBuffer& buffer) {
-    ImageBytes image{buffer.getStartAddress(), {}};
-    buffer.appendBytes(image.bytes, buffer.getStartAddress(), buffer.getDataLength());
-    return image;
-}
 
 char* PieceWriter::reserve(std::size_t size) {
     if (piece_.size() - used_ < size) flush();

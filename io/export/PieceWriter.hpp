@@ -1,24 +1,12 @@
 #pragma once
 
-#include <cstdint>
-#include <span>
+#include <cstddef>
 #include <string_view>
 #include <vector>
 
-#include "buffer/MemoryBuffer.hpp"
 #include "io/File.hpp"
 
 namespace Io::Export {
-
-/// What a writer keeps of an image: its place and its effective bytes.
-struct ImageBytes {
-    std::uint64_t startAddress;
-    std::vector<std::uint8_t> bytes;
-
-    std::uint64_t endAddress() const { return startAddress + bytes.size(); }
-};
-
-ImageBytes imageBytesOf(const Buffer::MemoryBuffer& buffer);
 
 /// Collects the output of a writer and hands it to a sink in large pieces.
 class PieceWriter {

@@ -1,12 +1,12 @@
-#include "io/export/ConcatenatedBytes.hpp"
+#include "io/export/ConcatenatedImages.hpp"
 
 #include "util/Report.hpp"
 
 namespace Io::Export {
 
-void ConcatenatedBytes::append(const Buffer::MemoryBuffer& buffer, std::string_view writerName) {
+void ConcatenatedImages::append(const Buffer::MemoryBuffer& buffer, std::string_view writerName) {
     constexpr std::uint64_t mostBytes = 0xFFFFFFFF;
-    if (buffer.getDataLength() + outputBytes.size() > mostBytes) {
+    if (buffer.getDataLength() + size_ > mostBytes) {
         Util::reportLine(writerName,
                          "(insertMemoryBuffer-Operation). The operation was not successful, "
                          "because the resulting");
@@ -14,7 +14,8 @@ void ConcatenatedBytes::append(const Buffer::MemoryBuffer& buffer, std::string_v
         Util::reportLine("Nothing was inserted.");
         return;
     }
-    buffer.appendBytes(outputBytes, buffer.getStartAddress(), buffer.getDataLength());
+    images_.emplace_back(buffer);
+    size_ += buffer.getDataLength();
 }
 
 }  // namespace Io::Export
