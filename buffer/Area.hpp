@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
+#include <vector>
 
 namespace Buffer {
 
@@ -15,6 +15,6 @@ struct Area {
 
 /// Areas in the order in which a script or a file names them. The order matters: a later area
 /// overwrites what an earlier one wrote at the same address.
-using AreaList = std::deque<Area>;
+using AreaList = std::vector<Area>;
 
 }  // namespace Buffer

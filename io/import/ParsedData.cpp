@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <numeric>
+#include <map>
 
 #include "util/Report.hpp"
 
@@ -57,6 +57,7 @@ void ParsedData::append(std::uint64_t address, std::span<const std::uint8_t> byt
 
 void ParsedData::clear() {
     runs_.clear();
+    isAscending_ = true;
     size_ = 0;
     minAddress_ = 0;
     maxAddress_ = 0;
@@ -64,21 +65,51 @@ void ParsedData::clear() {
 
 void ParsedData::finish() {
     dataLength_ = empty() ? 0 : maxAddress_ - minAddress_ + 1;
+    if (!isAscending_) visibleRuns_ = withoutHidden();
+}
+
+/// From the last run to the first, each shows what none behind it in the file covers. So a range of
+/// addresses can be looked up, however the file is ordered.
+std::vector<ParsedData::Run> ParsedData::withoutHidden() const {
+    std::vector<Run> visible;
+    std::map<std::uint64_t, std::uint64_t> covered;  // start and end of ranges that do not touch
+    for (auto run = runs_.rbegin(); run != runs_.rend(); ++run) {
+        const std::uint64_t runEnd = run->address + run->length;
+        std::uint64_t at = run->address;
+        std::uint64_t begin = at;
+        std::uint64_t end = runEnd;
+        auto next = covered.upper_bound(at);
+        if (next != covered.begin() && std::prev(next)->second >= at) {
+            begin = std::prev(next)->first;
+            at = std::prev(next)->second;
+            end = std::max(end, at);
+        }
+        for (;;) {
+            const bool isLast = next == covered.end() || next->first > runEnd;
+            const std::uint64_t gapEnd = isLast ? runEnd : next->first;
+            if (at < gapEnd)
+                visible.push_back({at, run->offset + (at - run->address), gapEnd - at});
+            if (isLast) break;
+            at = std::max(at, next->second);
+            end = std::max(end, at);
+            next = covered.erase(next);
+        }
+        covered[begin] = end;
+    }
+    std::ranges::sort(visible, {}, &Run::address);
+    return visible;
 }
 
 Buffer::MemoryBuffer ParsedData::imageOf(std::uint64_t startAddress,
                                          std::uint64_t dataLength) const {
     Buffer::MemoryBuffer image = newImage(startAddress, dataLength);
-    auto run = runs_.begin();
-    if (isAscending_)
-        run = std::ranges::partition_point(runs_, [startAddress](const Run& earlier) {
-            return earlier.address + earlier.length <= startAddress;
-        });
+    const std::vector<Run>& runs = isAscending_ ? runs_ : visibleRuns_;
+    auto run = std::ranges::partition_point(runs, [startAddress](const Run& earlier) {
+        return earlier.address + earlier.length <= startAddress;
+    });
     const auto* const first = reinterpret_cast<const std::uint8_t*>(bytes_.data());
-    for (; run != runs_.end(); ++run) {
-        if (isAscending_ && run->address >= startAddress + dataLength) break;
+    for (; run != runs.end() && run->address < startAddress + dataLength; ++run)
         image.overlayBytes({first + run->offset, run->length}, run->address);
-    }
     return image;
 }
 

@@ -29,7 +29,7 @@ public:
     /// Forgets everything.
     void clear();
 
-    /// The parse is over: fixes the length of the span.
+    /// The parse is over: fixes the length of the span and what of the bytes can be seen.
     void finish();
 
     bool empty() const { return runs_.empty(); }
@@ -54,6 +54,7 @@ private:
         std::size_t length;
     };
 
+    std::vector<Run> withoutHidden() const;
     Buffer::MemoryBuffer imageOf(std::uint64_t startAddress, std::uint64_t dataLength) const;
     void report(std::string_view operation, std::uint64_t startAddress, std::uint64_t length,
                 std::string_view outcome) const;
@@ -64,6 +65,8 @@ private:
     std::vector<Run> runs_;
     /// No run begins below the end of the one before it.
     bool isAscending_ = true;
+    /// The runs in ascending order, without what later ones hide; empty while `runs_` itself is so.
+    std::vector<Run> visibleRuns_;
     std::uint64_t minAddress_ = 0;
     std::uint64_t maxAddress_ = 0;
     std::uint64_t dataLength_ = 0;

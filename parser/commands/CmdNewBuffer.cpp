@@ -1,6 +1,7 @@
 #include "parser/commands/CmdNewBuffer.hpp"
 
 #include <algorithm>
+#include <deque>
 #include <exception>
 #include <ios>
 #include <memory>

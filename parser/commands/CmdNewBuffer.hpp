@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <optional>
 #include <string>
 #include <vector>
@@ -60,7 +59,7 @@ private:
     Area bufferRange;
     AreaList areas;
     std::vector<std::uint32_t> values;
-    std::deque<std::string> sourceBuffers;
+    std::vector<std::string> sourceBuffers;
 };
 
 }  // namespace Parser::WrapperLib

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "parser/commands/CmdApi.hpp"
 
@@ -33,7 +33,7 @@ public:
     std::uint32_t getCmdType() const override { return number(CmdType::NewCrc); }
 
 private:
-    std::deque<std::string> fromBuffers;
+    std::vector<std::string> fromBuffers;
     std::string crcName;
     std::uint32_t crcType = 0;
     AreaList areas;

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "parser/commands/CmdApi.hpp"
 #include "parser/commands/CmdNewCrc.hpp"
@@ -26,7 +26,7 @@ public:
     std::uint32_t getCmdType() const override { return number(CmdType::NewHash); }
 
 private:
-    std::deque<std::string> fromBuffers;
+    std::vector<std::string> fromBuffers;
     std::string hashName;
     std::uint32_t hashType = 0;
     AreaList areas;

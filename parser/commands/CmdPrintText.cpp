@@ -1,5 +1,6 @@
 #include "parser/commands/CmdPrintText.hpp"
 
+#include <ranges>
 #include <utility>
 
 #include "parser/commands/Conventions.hpp"
@@ -12,13 +13,13 @@ void CmdPrintText::setText(std::string argument) {
 }
 
 void CmdPrintText::addSymbol(std::string name) {
-    symbols.push_front(std::move(name));
+    symbols.push_back(std::move(name));
 }
 
 bool CmdPrintText::execute(CmdContext& context) {
     return guarded("Text", text, "printed", [&] {
         std::string resolved = text;
-        for (const std::string& symbol : symbols)
+        for (const std::string& symbol : symbols | std::views::reverse)
             if (!resolveSymbol(context, symbol, resolved)) return false;
         Util::reportLine(calculate(resolved));
         return true;

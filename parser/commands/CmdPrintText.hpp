@@ -1,7 +1,7 @@
 #pragma once
 
-#include <deque>
 #include <string>
+#include <vector>
 
 #include "parser/commands/CmdApi.hpp"
 
@@ -28,7 +28,7 @@ public:
 
 protected:
     std::string text;
-    std::deque<std::string> symbols;
+    std::vector<std::string> symbols;
 
 private:
     TextCalculator calculate;

@@ -54,7 +54,7 @@ bool resolveSymbol(const CmdContext& context, const std::string& name, std::stri
 }
 
 std::optional<std::vector<std::uint8_t>> gatherBytes(CmdContext& context,
-                                                     const std::deque<std::string>& names,
+                                                     const std::vector<std::string>& names,
                                                      const AreaList& areas) {
     std::vector<std::uint8_t> bytes;
     for (const std::string& name : names) {

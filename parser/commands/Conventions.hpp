@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <exception>
 #include <optional>
 #include <string>
@@ -32,7 +31,7 @@ bool resolveSymbol(const CmdContext& context, const std::string& name, std::stri
 /// the whole of it when there are none. An area that reaches outside an image adds nothing from it.
 /// Nothing, after the two lines of the convention, when an image is missing.
 std::optional<std::vector<std::uint8_t>> gatherBytes(CmdContext& context,
-                                                     const std::deque<std::string>& names,
+                                                     const std::vector<std::string>& names,
                                                      const AreaList& areas);
 
 /// The text of a path argument: braces and quotes of both kinds removed wherever they stand, white

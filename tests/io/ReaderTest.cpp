@@ -1,3 +1,6 @@
+#include <random>
+
+#include "io/IntelHexRecord.hpp"
 #include "io/import/GenericInFile.hpp"
 #include "io/import/IntelHexInFile.hpp"
 #include "io/import/MotorolaS_InFile.hpp"
@@ -155,6 +158,32 @@ TEST(IntelHexInFileTest, TheLaterByteWinsAndRangesAreCheckedAtTheirStartAlone) {
             "IntelHexInFile(fillMemoryBuffer-Operation). The requested extraction range from int "
             "address [32 to 34] was out of range. Nothing was filled\n" +
             lines);
+}
+
+TEST(IntelHexInFileTest, RecordsInAnyOrderHideEachOtherByteByByte) {
+    std::minstd_rand random(7);
+    for (int round = 0; round < 50; ++round) {
+        std::vector<int> wanted(80, -1);
+        std::string file;
+        for (int i = 0; i < 12; ++i) {
+            std::vector<std::uint8_t> data(1 + random() % 20);
+            for (auto& byte : data) byte = static_cast<std::uint8_t>(random());
+            const auto address = static_cast<std::uint16_t>(random() % 60);
+            std::ranges::copy(data, wanted.begin() + address);
+            file.resize(file.size() + Io::intelRecordLength(data.size()));
+            Io::writeIntelRecord(&file[file.size() - Io::intelRecordLength(data.size())], address,
+                                 0, data);
+        }
+        const IntelHexInFile reader(temporaryFile(file + endOfHex));
+        const std::uint64_t from = reader.getMinAddress();
+        for (std::uint64_t start = from; start < 80; start += 9) {
+            const auto elements = reader.getMemory(start, 7).getElements();
+            for (std::size_t i = 0; i < 7; ++i) {
+                const int byte = start + i < 80 ? wanted[start + i] : -1;
+                EXPECT_EQ(elements[i].hasValue != 0 ? elements[i].value : -1, byte) << file;
+            }
+        }
+    }
 }
 
 TEST(MotorolaS_InFileTest, WhatCountsAndWhatEndsTheParse) {
