@@ -1,0 +1,106 @@
+#!/usr/bin/env python3
+"""Holds the tables of checksums and hashes in the manual against the program and, where there is
+one, against a second opinion: the parameters of a CRC against the catalogue's model, the digests
+against Python's hashlib.
+"""
+import hashlib
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+CRC = re.compile(r"    (Crc\w+) +(\d+) ([0-9A-F]+) +([0-9A-F]+) +(true|false) +(true|false) +"
+                 r"([0-9A-F]+) +([0-9A-F]+) +([0-9A-F]+)$")
+SUM = re.compile(r"    (Crc\w+) +(\d+) [a-z].*? +([0-9A-F]+) +([0-9A-F]+)$")
+HASH = re.compile(r"    (Hash_\w+) +(\d+)   (?:([0-9A-F]{16}) | {16})")
+HASHLIB = {"Md5": "md5", "Sha1": "sha1", "Sha2": "sha", "Sha3": "sha3_"}
+
+
+def rows_of(pattern, manual):
+    """The matching rows of the manual by their first column."""
+    matches = filter(None, map(pattern.match, manual))
+    return {match.group(1): match.groups()[1:] for match in matches}
+
+
+def reflected(value, width):
+    return int(bin(value)[2:].zfill(width)[::-1], 2)
+
+
+def crc_of(data, width, poly, init, refin, refout, xorout):
+    """The model of R. Williams, "A painless guide to CRC error detection algorithms", bit by bit."""
+    register = init
+    for byte in data:
+        register ^= (reflected(byte, 8) if refin else byte) << (width - 8)
+        for _ in range(8):
+            top = register >> (width - 1)
+            register = (register << 1) & ((1 << width) - 1)
+            if top:
+                register ^= poly
+    return (reflected(register, width) if refout else register) ^ xorout
+
+
+def run(program, statements):
+    with tempfile.NamedTemporaryFile("w", suffix=".tsn") as script:
+        script.write("\n".join(statements))
+        script.flush()
+        return subprocess.run([program, script.name], capture_output=True, text=True,
+                              check=True).stdout
+
+
+def values(program, kind, text, names):
+    """What the program computes over `text` for each type of NEW_CRC or NEW_HASH."""
+    script = ["NEW_BUFFER @Text FROM_VALUES { %s }" % ",".join(str(ord(c)) for c in text)]
+    source = "FROM_BUFFER @Text" if text else "FROM_BUFFERS { }"
+    for name in names:
+        script.append("NEW_%s %s %s -setType=%s" % (kind, name, source, name))
+        script.append("PRINT_%s %s" % (kind, name))
+    printed = run(program, script)
+    return {name: bytes.fromhex(digits) for name, digits in
+            re.findall(r"^(?:Crc|Hash) : (\w+)\n  \w+Value: (?:0x)?(\w*)$", printed, re.M)}
+
+
+def check_crcs(program, manual):
+    rows, sums = rows_of(CRC, manual), rows_of(SUM, manual)
+    names = list(rows) + list(sums)
+    text = values(program, "CRC", "123456789", names)
+    even = values(program, "CRC", "12345678", names)
+    empty = values(program, "CRC", "", names)
+    for name in names:
+        row = rows.get(name, sums.get(name))
+        width, checked = int(row[0]), even if name.endswith("_BE") else text
+        for column, computed in ((row[-2], checked[name]), (row[-1], empty[name])):
+            if "%0*X" % (width // 4, int.from_bytes(computed, "little")) != column:
+                yield "%s: the program gives %s, not %s" % (name, computed.hex(), column)
+    for name, row in rows.items():
+        width, poly, init, xorout = int(row[0]), *(int(row[i], 16) for i in (1, 2, 5))
+        model = crc_of(b"123456789", width, poly, init, row[3] == "true", row[4] == "true", xorout)
+        if "%0*X" % (width // 4, model) != row[6]:
+            yield "%s: the parameters give %X, not %s" % (name, model, row[6])
+    if (len(rows), len(sums)) != (7, 7):
+        yield "%d CRCs and %d sums were found" % (len(rows), len(sums))
+
+
+def check_hashes(program, manual):
+    rows = rows_of(HASH, manual)
+    digests = values(program, "HASH", "abc", rows)
+    for name, (size, beginning) in rows.items():
+        digest = digests[name]
+        if len(digest) != int(size) or digest[:8].hex().upper() != (beginning or ""):
+            yield "%s: the program gives %s" % (name, digest.hex())
+        family, _, bits = name[len("Hash_"):].partition("_")
+        if family in HASHLIB and hashlib.new(HASHLIB[family] + bits, b"abc").digest() != digest:
+            yield "%s: hashlib does not agree" % name
+    if len(rows) != 19:
+        yield "%d hashes were found" % len(rows)
+
+
+def main():
+    program, manual = sys.argv[1], pathlib.Path(sys.argv[2]).read_text().splitlines()
+    faults = [*check_crcs(program, manual), *check_hashes(program, manual)]
+    print("\n".join(faults) or "the tables agree")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,143 @@
+#!/usr/bin/env python3
+"""Runs the examples of the manual and compares what comes out with what the manual shows.
+
+An example is a sheet, indented by four blanks, of parts that each begin with a title between equals
+signs and reach to the next title or to the rule that ends the sheet:
+
+    == app.hex ===================================   a file to make
+    == $ COMMAND =================================   a command, and what it prints
+    == $ COMMAND (exit code 254) =================
+    == app.hex afterwards ========================   a file that must be there then
+    ==============================================
+
+All sheets of one section run in one folder, made for it. Blanks at the ends of lines are not
+compared; banner, time and time stamps are masked, and left out where the manual leaves them out.
+The layout is checked too: plain text, no line longer than 96 characters.
+"""
+import argparse
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+UNDERLINE = re.compile(r"=+$|-+$")
+TITLE = re.compile(r"    == (\S.*?) =+$")
+RULE = re.compile(r"    =+$")
+EXIT_CODE = re.compile(r"^(.*\S) +\(exit code (\d+)\)$")
+MASKS = [(re.compile(r"^(CmdTessaron version )\S+ from \w+ +\d+ \d+$", re.M), r"\1<build>"),
+         (re.compile(r"^Copyright \(C\) \d+ ", re.M), "Copyright (C) <year> "),
+         (re.compile(r"^(KvTessaron Total Time: )[0-9.e+-]+ ", re.M), r"\1<time> "),
+         (re.compile(r"^(// Generated: )\d+-\d\d-\d\d \d\d:\d\d:\d\d$", re.M), r"\1<stamp>")]
+BANNER = re.compile(r"\ACmdTessaron version <build>\n.*\n\n")
+TIME = re.compile(r"\nKvTessaron Total Time: <time> seconds\n\Z")
+
+
+class Part:
+    def __init__(self, number, title):
+        self.number, self.title, self.lines = number, title, []
+
+    def text(self):
+        return "".join(line + "\n" for line in self.lines)
+
+
+def sections(manual):
+    """The parts of all sheets, a list for each section that has some."""
+    parts, part, faults = [[]], None, []
+    for number, line in enumerate(manual.read_text().splitlines(), 1):
+        if len(line) > 96 or "\t" in line or not line.isascii():
+            faults.append("%d: no plain text of 96 columns" % number)
+        if UNDERLINE.match(line):
+            parts.append([])
+        title = TITLE.match(line)
+        if title:
+            part = Part(number, title.group(1))
+            parts[-1].append(part)
+        elif RULE.match(line):
+            if part is None:
+                faults.append("%d: the end of no sheet" % number)
+            part = None
+        elif line.startswith("    == "):
+            faults.append("%d: not a title" % number)
+        elif part is not None:
+            if line and not line.startswith("    "):
+                faults.append("%d: a sheet is not ended" % number)
+                part = None
+            else:
+                part.lines.append(line[4:])
+    return [one for one in parts if one], faults
+
+
+def comparable(text):
+    lines = [line.expandtabs().rstrip() + "\n" for line in text.splitlines()]
+    text = "".join(lines)
+    for pattern, mask in MASKS:
+        text = pattern.sub(mask, text)
+    return text
+
+
+def shorn(text):
+    return TIME.sub("", BANNER.sub("", text))
+
+
+def run_command(part, command, folder, environment):
+    expected_code = 0
+    with_code = EXIT_CODE.match(command)
+    if with_code:
+        command, expected_code = with_code.group(1), int(with_code.group(2))
+    done = subprocess.run(["sh", "-c", command], cwd=folder, env=environment, timeout=120,
+                          stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                          stderr=subprocess.STDOUT)
+    got, wanted = comparable(done.stdout.decode("latin-1")), comparable(part.text())
+    if not BANNER.match(wanted):
+        got = shorn(got)
+    faults = []
+    if got != wanted:
+        faults.append("%d: $ %s printed\n%sinstead of\n%s" % (part.number, command, got, wanted))
+    if done.returncode != expected_code:
+        faults.append("%d: $ %s ended with %d" % (part.number, command, done.returncode))
+    return faults
+
+
+def run_part(part, folder, environment):
+    if part.title.startswith("$ "):
+        return run_command(part, part.title[2:], folder, environment)
+    if part.title.endswith(" afterwards"):
+        path = folder / part.title[:-len(" afterwards")]
+        got = comparable(path.read_text()) if path.exists() else "nothing\n"
+        wanted = comparable(part.text())
+        if got == wanted:
+            return []
+        return ["%d: %s holds\n%sinstead of\n%s" % (part.number, path.name, got, wanted)]
+    (folder / part.title).write_text(part.text())
+    return []
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("program", type=pathlib.Path)
+    parser.add_argument("manual", type=pathlib.Path)
+    options = parser.parse_args()
+    found, faults = sections(options.manual)
+    commands = 0
+    with tempfile.TemporaryDirectory(prefix="tessaron-manual-") as work:
+        tools = pathlib.Path(work) / "bin"
+        tools.mkdir()
+        (tools / "CmdTessaron").symlink_to(options.program.resolve())
+        environment = dict(os.environ, LC_ALL="C", TZ="UTC",
+                           PATH="%s:%s" % (tools, os.environ["PATH"]))
+        for index, parts in enumerate(found):
+            folder = pathlib.Path(work) / str(index)
+            folder.mkdir()
+            for part in parts:
+                commands += part.title.startswith("$ ")
+                faults += run_part(part, folder, environment)
+    if not commands:
+        faults.append("there is no example")
+    print("\n".join(faults) or "%d commands in %d sections" % (commands, len(found)))
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
