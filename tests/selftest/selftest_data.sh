@@ -1,6 +1,6 @@
 #!/bin/sh
-# Makes the tables of the self-test anew, with the Python interpreter $1 and the tools of others, and
-# compares them with the files that are compiled into the program.
+# Makes the tables of the self-test anew, with the Python interpreter $1 and the tools of others,
+# and compares them with the files that are compiled into the program.
 set -eu
 data=$(cd "$(dirname "$0")/../../selftest/data" && pwd)
 made=$(mktemp -d)
