@@ -1,4 +1,4 @@
-# What `cmake --install` puts where.
+# What `cmake --install` puts where, and the packages that CPack makes of it.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -23,3 +23,24 @@ install(FILES cmake/TessaronConfig.cmake cmake/TessaronRunScript.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/TessaronConfigVersion.cmake
         DESTINATION ${cmakeFiles})
 install(EXPORT TessaronProgram NAMESPACE Tessaron:: DESTINATION ${cmakeFiles})
+
+set(CPACK_PACKAGE_NAME ${package})
+set(CPACK_PACKAGE_VENDOR "Tessaron")
+set(CPACK_PACKAGE_CONTACT "The Tessaron developers")
+set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
+string(TOLOWER ${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR} CPACK_SYSTEM_NAME)
+set(CPACK_GENERATOR DEB TGZ)
+set(CPACK_STRIP_FILES ON)
+# Whatever the umask of who makes the package, everybody can use what it installs.
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION devel)
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
+    "Loads Intel HEX, S-record and raw files into memory images, lays fillers,
+writes values, CRCs and hashes into chosen areas, and writes the images out again.")
+# The static program needs nothing; the other one what its shared libraries say.
+if(NOT TESSARON_STATIC)
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+endif()
+include(CPack)
