@@ -1,0 +1,46 @@
+# What `cmake --install` puts where, and the packages that CPack makes of it.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(package cmdtessaron)
+set(documents ${CMAKE_INSTALL_DATAROOTDIR}/doc/${package})
+set(cmakeFiles ${CMAKE_INSTALL_DATAROOTDIR}/cmake/Tessaron)
+
+install(TARGETS CmdTessaron EXPORT TessaronProgram RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES docs/CmdTessaronManual.txt DESTINATION ${documents})
+install(FILES docs/CmdTessaron.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES CHANGELOG.md docs/cmake.md DESTINATION ${documents})
+install(DIRECTORY examples DESTINATION ${documents} PATTERN build EXCLUDE)
+install(DIRECTORY editors DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/${package}
+        PATTERN node_modules EXCLUDE)
+
+# find_package(Tessaron). The program runs where the build runs, whatever that builds for, so a
+# project for a processor of another width may use it as well.
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/TessaronConfigVersion.cmake
+                                 COMPATIBILITY SameMajorVersion ARCH_INDEPENDENT)
+install(FILES cmake/TessaronConfig.cmake cmake/TessaronRunScript.cmake
+              cmake/TessaronExecuteScript.cmake
+              ${CMAKE_CURRENT_BINARY_DIR}/TessaronConfigVersion.cmake
+        DESTINATION ${cmakeFiles})
+install(EXPORT TessaronProgram NAMESPACE Tessaron:: DESTINATION ${cmakeFiles})
+
+set(CPACK_PACKAGE_NAME ${package})
+set(CPACK_PACKAGE_VENDOR "Tessaron")
+set(CPACK_PACKAGE_CONTACT "The Tessaron developers")
+set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
+string(TOLOWER ${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR} CPACK_SYSTEM_NAME)
+set(CPACK_GENERATOR DEB TGZ)
+set(CPACK_STRIP_FILES ON)
+# Whatever the umask of who makes the package, everybody can use what it installs.
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION devel)
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
+    "Loads Intel HEX, S-record and raw files into memory images, lays fillers,
+writes values, CRCs and hashes into chosen areas, and writes the images out again.")
+# The static program needs nothing; the other one what its shared libraries say.
+if(NOT TESSARON_STATIC)
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+endif()
+include(CPack)

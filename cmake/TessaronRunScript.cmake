@@ -1,0 +1,69 @@
+# tessaron_run_script(<name>
+#     SCRIPT <file>
+#     OUTPUTS <file>...
+#     [VARIABLES <name>=<value>...]
+#     [DEPENDS <file or target>...]
+#     [WORKING_DIRECTORY <directory>]
+#     [FAIL_ON <regular expression>...])
+#
+# Adds the target <name> to all: it runs the script when the script, the program, a variable or
+# something in DEPENDS changed, or an output is missing. The build fails, and no output stays, when
+# a statement failed, a file could not be written completely, the run ended with a code other than
+# 0, an output was not written, or a line that was printed matches a FAIL_ON expression.
+#
+# SCRIPT is relative to the current source directory. WORKING_DIRECTORY, relative to the current
+# binary directory and that directory itself if not given, is where the script's relative paths
+# start, and those of OUTPUTS. DEPENDS names every file that the script reads, as in
+# add_custom_command. VARIABLES and OUTPUTS may hold generator expressions.
+# Statements also refuse what they are given without failing: a damaged file yields an empty image,
+# a checksum that does not fit into an image is not written. With FAIL_ON ${Tessaron_REFUSALS} such
+# a run fails as well.
+set(Tessaron_REFUSALS
+    "file: [^\n]* (contains logical error|has no intel format|did not match parsing pattern)"
+    "Nothing was (filled|inserted|written)" "The MemoryBuffer will not be inserted"
+    "The (dataLength|max Address) is changed" "Error: Buffer Length")
+
+function(tessaron_run_script name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SCRIPT;WORKING_DIRECTORY"
+                        "OUTPUTS;VARIABLES;DEPENDS;FAIL_ON")
+  if(arg_UNPARSED_ARGUMENTS)
+    message(FATAL_ERROR "tessaron_run_script(${name}): what is \"${arg_UNPARSED_ARGUMENTS}\"?")
+  endif()
+  if(NOT arg_SCRIPT OR NOT arg_OUTPUTS)
+    message(FATAL_ERROR "tessaron_run_script(${name}): SCRIPT and OUTPUTS are needed.")
+  endif()
+  if(NOT arg_WORKING_DIRECTORY)
+    set(arg_WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
+  endif()
+  cmake_path(ABSOLUTE_PATH arg_SCRIPT BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR} NORMALIZE)
+  cmake_path(ABSOLUTE_PATH arg_WORKING_DIRECTORY BASE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}
+             NORMALIZE)
+  set(outputs)
+  foreach(output IN LISTS arg_OUTPUTS)
+    if(NOT output MATCHES "^\\$<")
+      cmake_path(ABSOLUTE_PATH output BASE_DIRECTORY ${arg_WORKING_DIRECTORY} NORMALIZE)
+    endif()
+    list(APPEND outputs ${output})
+  endforeach()
+
+  # What the run is told stands in a file that changes only with its contents: a variable becomes
+  # an input like any other, for every generator.
+  set(base ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/tessaron/${name}$<$<BOOL:$<CONFIG>>:-$<CONFIG>>)
+  file(GENERATE OUTPUT ${base}.cmake CONTENT "\
+set(program [====[$<TARGET_FILE:Tessaron::CmdTessaron>]====])
+set(script [====[${arg_SCRIPT}]====])
+set(workingDirectory [====[${arg_WORKING_DIRECTORY}]====])
+set(variables [====[${arg_VARIABLES}]====])
+set(outputs [====[${outputs}]====])
+set(stamp [====[${base}.done]====])
+set(failOn [====[${arg_FAIL_ON}]====])
+")
+  cmake_path(GET arg_SCRIPT FILENAME scriptName)
+  set(execute ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/TessaronExecuteScript.cmake)
+  add_custom_command(OUTPUT ${base}.done ${outputs}
+                     COMMAND ${CMAKE_COMMAND} -D SETTINGS=${base}.cmake -P ${execute}
+                     DEPENDS ${arg_SCRIPT} ${base}.cmake ${execute} Tessaron::CmdTessaron
+                             ${arg_DEPENDS}
+                     COMMENT "Running ${scriptName} (${name})" VERBATIM)
+  add_custom_target(${name} ALL DEPENDS ${base}.done)
+endfunction()

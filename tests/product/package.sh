@@ -1,0 +1,60 @@
+#!/bin/sh
+# Makes the packages of the build tree $2 with the cpack $1, installs the Debian package into a root
+# of its own and uses what is there.
+set -eu
+cpack=$1 build=$2
+root=$(cd "$(dirname "$0")/../.." && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+fail() { echo "$*" >&2; exit 1; }
+
+"$cpack" --config "$build/CPackConfig.cmake" -B "$work" >"$work/log" 2>&1 ||
+    { cat "$work/log"; exit 1; }
+deb=$(echo "$work"/*.deb)
+dpkg-deb -I "$deb"
+! dpkg-deb -f "$deb" Depends Pre-Depends Recommends | grep . || fail "the package asks for others"
+
+# A root with an empty package database, so dpkg would refuse any dependency.
+installed=$work/root
+mkdir -p "$installed/var/lib/dpkg/updates" "$installed/var/lib/dpkg/info"
+: >"$installed/var/lib/dpkg/status"
+if [ "$(id -u)" = 0 ]; then
+    dpkg --root="$installed" --log=/dev/null -i "$deb"
+else
+    dpkg-deb -x "$deb" "$installed"
+fi
+
+# Everything of the tree that users are to have, in the form that it has here.
+same() { cmp "$root/$1" "$installed/usr/$2"; }
+cd "$root"
+same docs/cmake.md share/doc/cmdtessaron/cmake.md
+same CHANGELOG.md share/doc/cmdtessaron/CHANGELOG.md
+[ ! -e docs/CmdTessaronManual.txt ] ||
+    same docs/CmdTessaronManual.txt share/doc/cmdtessaron/CmdTessaronManual.txt
+[ ! -e docs/CmdTessaron.1 ] || same docs/CmdTessaron.1 share/man/man1/CmdTessaron.1
+for file in $(git ls-files examples); do same "$file" "share/doc/cmdtessaron/$file"; done
+for file in $(git ls-files editors); do same "$file" "share/cmdtessaron/$file"; done
+strangers=$(find "$installed/usr" ! -user root -o -perm /022 ! -type l)
+[ -z "$strangers" ] || [ "$(id -u)" != 0 ] || fail "others may write: $strangers"
+
+# The self-test, where nothing else is if the system lets us: the program brings all it needs.
+program=$installed/usr/bin/CmdTessaron
+if [ "$(id -u)" = 0 ] && chroot / true 2>/dev/null; then
+    mkdir -p "$installed/KvTessaron/__sample_files"
+    chroot "$installed" /usr/bin/CmdTessaron test >"$work/out"
+else
+    mkdir -p "$work/KvTessaron/__sample_files" "$work/run"
+    (cd "$work/run" && "$program" test >"$work/out")
+fi
+grep -q '^ *asserts  *1  *1  *1  *0 ' "$work/out" ||
+    { cat "$work/out"; fail "the self-test failed"; }
+
+# A firmware project finds it there.
+cmake -S "$installed/usr/share/doc/cmdtessaron/examples/cmake-firmware" -B "$work/firmware" \
+      -DCMAKE_PREFIX_PATH="$installed/usr" >"$work/log"
+cmake --build "$work/firmware" | grep 'CRC-32 in stored order' || fail "the example was not built"
+
+# The archive holds the same files.
+mkdir "$work/unpacked"
+tar -xzf "$work"/*.tar.gz -C "$work/unpacked"
+diff -r "$installed/usr" "$work"/unpacked/*
