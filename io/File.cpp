@@ -18,12 +18,6 @@ Platform::InputFile opened(const std::string& path) {
     return std::move(*file);
 }
 
-Platform::FileContents wholeFile(const std::string& path) {
-    auto contents = Platform::readFile(path);
-    if (!contents) throw bad_open();
-    return std::move(*contents);
-}
-
 }  // namespace
 
 TextLines::TextLines(const std::string& path) : file_(opened(path)) {}
@@ -85,7 +79,7 @@ void TextLines::readOn() {
     char* const out = reinterpret_cast<char*>(piece_.data()) + kept;
     const auto wanted =
         static_cast<std::size_t>(std::min<std::uint64_t>(piece_.size() - kept, fileRest));
-    const std::size_t got = file_.read({out, wanted});
+    const std::size_t got = file_.readAt(pieceStart_ + kept, {out, wanted});
     const void* const stop = got == 0 ? nullptr : std::memchr(out, endOfText, got);
     end_ += stop == nullptr ? got : static_cast<std::size_t>(static_cast<const char*>(stop) - out);
     isTextRead_ = stop != nullptr || got == fileRest || got < wanted;
@@ -97,7 +91,6 @@ void TextLines::restart() {
     next_ = 0;
     // A text of which nothing has left the piece need not be read again.
     if (pieceStart_ == 0) return;
-    file_.rewind();
     pieceStart_ = 0;
     end_ = 0;
     isTextRead_ = false;
@@ -117,7 +110,7 @@ TextInFile::TextInFile(const std::string& path) : TextInFile(path, TextLines(pat
 TextInFile::TextInFile(const std::string& path, TextLines lines)
     : File(path), lines_(std::move(lines)) {}
 
-BinaryInFile::BinaryInFile(const std::string& path) : File(path), contents_(wholeFile(path)) {}
+BinaryInFile::BinaryInFile(const std::string& path) : File(path), file_(opened(path)) {}
 
 void OutFile::write(const Source& source) const {
     auto file = Platform::OutputFile::create(fileName, mode_);

@@ -69,12 +69,9 @@ public:
     /// Bytes of the file at the time when it was opened.
     std::uint64_t size() const { return size_; }
 
-    /// Reads on, to `out`, and returns the number of bytes read: fewer than asked for only at the
-    /// end of the file or where it cannot be read.
-    std::size_t read(std::span<char> out);
-
-    /// Goes back to the start.
-    void rewind();
+    /// Reads from byte `offset` of the file on, to `out`, and returns the number of bytes read:
+    /// fewer than asked for only at the end of the file or where it cannot be read.
+    std::size_t readAt(std::uint64_t offset, std::span<char> out) const;
 
 private:
     InputFile(int descriptor, std::uint64_t size) : descriptor_(descriptor), size_(size) {}
