@@ -152,15 +152,15 @@ void compress_lines(State& state, const unsigned char* blocks, std::size_t count
 template <std::size_t Bits>
 void hash_ripemd_128_256_base<Bits>::transform_blocks(const unsigned char* blocks,
                                                       std::size_t count) {
-    using base = hash_ripemd_base<Bits>;
-    compress_lines<4, base::has_two_halves, &base::swap_words>(this->state, blocks, count);
+    using variant = hash_ripemd_base<Bits>;
+    compress_lines<4, variant::has_two_halves, &variant::swap_words>(this->state, blocks, count);
 }
 
 template <std::size_t Bits>
 void hash_ripemd_160_320_base<Bits>::transform_blocks(const unsigned char* blocks,
                                                       std::size_t count) {
-    using base = hash_ripemd_base<Bits>;
-    compress_lines<5, base::has_two_halves, &base::swap_words>(this->state, blocks, count);
+    using variant = hash_ripemd_base<Bits>;
+    compress_lines<5, variant::has_two_halves, &variant::swap_words>(this->state, blocks, count);
 }
 
 template class hash_ripemd_128_256_base<128>;
