@@ -66,7 +66,8 @@ TESSARON_FOLD Folded foldAll(std::span<const std::uint8_t> data, std::uint32_t s
 }  // namespace
 
 bool canFold() {
-    return __builtin_cpu_supports("pclmul") != 0 && __builtin_cpu_supports("ssse3") != 0;
+    return static_cast<bool>(__builtin_cpu_supports("pclmul")) &&
+           static_cast<bool>(__builtin_cpu_supports("ssse3"));
 }
 
 Folded fold(std::span<const std::uint8_t> data, std::uint32_t start, const Folding& folding) {

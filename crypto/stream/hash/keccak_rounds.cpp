@@ -96,7 +96,8 @@ void keccak_absorb_portable(keccak_lanes& lanes, std::size_t rate, const unsigne
 #if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
 
 bool has_bit_manipulation() {
-    return __builtin_cpu_supports("bmi") != 0 && __builtin_cpu_supports("bmi2") != 0;
+    return static_cast<bool>(__builtin_cpu_supports("bmi")) &&
+           static_cast<bool>(__builtin_cpu_supports("bmi2"));
 }
 
 [[gnu::target("bmi,bmi2")]] void keccak_absorb_bmi(keccak_lanes& lanes, std::size_t rate,

@@ -108,8 +108,9 @@ TESSARON_AVX2 [[gnu::always_inline]] inline void add_to(sha512_state& state,
 }  // namespace
 
 bool has_avx2() {
-    return __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("bmi") != 0 &&
-           __builtin_cpu_supports("bmi2") != 0;
+    return static_cast<bool>(__builtin_cpu_supports("avx2")) &&
+           static_cast<bool>(__builtin_cpu_supports("bmi")) &&
+           static_cast<bool>(__builtin_cpu_supports("bmi2"));
 }
 
 TESSARON_AVX2 void sha512_blocks_avx2(sha512_state& state, const unsigned char* blocks,

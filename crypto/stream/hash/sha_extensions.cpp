@@ -34,6 +34,12 @@ TESSARON_SHA inline void store(void* place, __m128i words) {
     _mm_storeu_si128(static_cast<__m128i*>(place), words);
 }
 
+/// The sixteen words of a block, their bytes put in order.
+TESSARON_SHA inline void load_words(__m128i (&w)[4], const unsigned char* block, __m128i order) {
+    for (std::size_t i = 0; i < 4; ++i)
+        w[i] = _mm_shuffle_epi8(load(block + sizeof(__m128i) * i), order);
+}
+
 /// Four rounds of SHA-1 from round 4 * `Group` on, for which `e` has its words already. Meanwhile
 /// the words of these rounds go into those of the next three groups.
 template <int Group>
@@ -66,7 +72,8 @@ template <int Group>
 TESSARON_SHA inline void sha256_group(__m128i& abef, __m128i& cdgh, __m128i (&w)[4]) {
     constexpr int now = Group % 4;
     constexpr int upperHalf = 0x0E;
-    const __m128i words = _mm_add_epi32(w[now], load(&Sha2<std::uint32_t>::constants[4 * Group]));
+    const __m128i words =
+        _mm_add_epi32(w[now], load(&Sha2<std::uint32_t>::constants[std::size_t{4} * Group]));
     cdgh = _mm_sha256rnds2_epu32(cdgh, abef, words);
     abef = _mm_sha256rnds2_epu32(abef, cdgh, _mm_shuffle_epi32(words, upperHalf));
     if constexpr (Group + 4 < 16) {
@@ -98,7 +105,7 @@ TESSARON_SHA void sha1_blocks_extensions(sha1_state& state, const unsigned char*
     __m128i e = _mm_set_epi32(static_cast<int>(state[4]), 0, 0, 0);
     for (; count != 0; --count, blocks += blockBytes) {
         __m128i w[4];
-        for (int i = 0; i < 4; ++i) w[i] = _mm_shuffle_epi8(load(blocks + 16 * i), order);
+        load_words(w, blocks, order);
         const __m128i oldAbcd = abcd;
         const __m128i oldE = e;
         e = _mm_add_epi32(e, w[0]);
@@ -120,7 +127,7 @@ TESSARON_SHA void sha256_blocks_extensions(sha256_state& state, const unsigned c
     __m128i cdgh = _mm_blend_epi16(efgh, cdab, 0xF0);
     for (; count != 0; --count, blocks += blockBytes) {
         __m128i w[4];
-        for (int i = 0; i < 4; ++i) w[i] = _mm_shuffle_epi8(load(blocks + 16 * i), order);
+        load_words(w, blocks, order);
         const __m128i oldAbef = abef;
         const __m128i oldCdgh = cdgh;
         sha256_rounds(abef, cdgh, w, std::make_integer_sequence<int, 16>());
