@@ -1,30 +1,34 @@
 #!/usr/bin/env python3
-"""Prints a Markdown table from a result of checksum_bench in JSON, read from standard input.
+"""Prints a Markdown table from results of checksum_bench in JSON: ratios.py file ...
 
-Each figure is the best of the repetitions: other work on the machine can only take time away.
+The clock of a shared machine wanders from second to second, so speeds are compared within a pass
+only, where they are measured next to each other. All figures are medians over the passes.
 """
 import json
+import statistics
 import sys
 
-runs = json.load(sys.stdin)
-best = {}
-# Interleaved runs come in any order; the family number is the order of registration.
-for run in sorted(runs["benchmarks"], key=lambda run: run["family_index"]):
-    if run.get("run_type") == "aggregate":
-        continue
-    if run.get("error_occurred"):
-        sys.exit(f"{run['name']}: {run['error_message']}")
-    algorithm, library = run["name"].split("/")[:2]
-    speeds = best.setdefault(algorithm, {})
-    speeds[library] = max(speeds.get(library, 0), run["bytes_per_second"] / 1e6)
+passes = {}
+for name in sys.argv[1:]:
+    with open(name, encoding="utf-8") as file:
+        runs = json.load(file)["benchmarks"]
+    for run in runs:
+        if run.get("error_occurred"):
+            sys.exit(f"{run['name']}: {run['error_message']}")
+        algorithm, library = run["name"].split("/")
+        speeds = passes.setdefault(algorithm, {}).setdefault(library, [])
+        speeds.append(run["bytes_per_second"] / 1e6)
 
 print("| algorithm | ours, MB/s | best other, MB/s | library | ratio |")
 print("| --- | ---: | ---: | --- | ---: |")
-for algorithm, speeds in best.items():
+for algorithm, speeds in passes.items():
     ours = speeds.pop("ours")
-    if speeds:
-        library = max(speeds, key=speeds.get)
-        print(f"| `{algorithm}` | {ours:.0f} | {speeds[library]:.0f} | {library} |"
-              f" {ours / speeds[library]:.2f} |")
+    ratios = {library: statistics.median(own / other for own, other in zip(ours, others))
+              for library, others in speeds.items()}
+    row = f"| `{algorithm}` | {statistics.median(ours):.4g} |"
+    if ratios:
+        best = min(ratios, key=ratios.get)
+        row += f" {statistics.median(speeds[best]):.4g} | {best} | {ratios[best]:.2f} |"
     else:
-        print(f"| `{algorithm}` | {ours:.0f} | | | |")
+        row += " | | |"
+    print(row)

@@ -5,8 +5,13 @@ set -eu
 cd "$(dirname "$0")/../.."
 scripts/setup.sh bench
 cmake --preset bench >/dev/null
-cmake --build --preset bench --target checksum_bench
+cmake --build --preset bench --target checksum_bench >&2
 filter=$(echo "${*:-.}" | tr ' ' '|')
-build/bench/bench/crypto/checksum_bench --benchmark_filter="$filter" --benchmark_repetitions=9 \
-    --benchmark_enable_random_interleaving=true --benchmark_min_time=0.1 \
-    --benchmark_format=json | python3 bench/crypto/ratios.py
+results=build/bench/checksums
+rm -rf "$results"
+mkdir "$results"
+for pass in 01 02 03 04 05 06 07 08 09 10 11 12 13 14 15; do
+    build/bench/bench/crypto/checksum_bench --benchmark_filter="$filter" \
+        --benchmark_min_time=0.05 --benchmark_out="$results/$pass.json" >/dev/null
+done
+bench/crypto/ratios.py "$results"/*.json

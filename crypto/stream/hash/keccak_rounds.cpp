@@ -9,6 +9,7 @@ namespace kv::crypto::stream::hash {
 namespace {
 
 using Lane = unsigned long long;
+using Row = std::array<Lane, 5>;
 constexpr int rounds = 24;
 
 /// Round constants of iota: bit 2^j - 1 of constant r is the output 7 r + j of the feedback shift
@@ -46,34 +47,39 @@ constexpr std::array<Move, 25> moves = [] {
     return table;
 }();
 
+/// One round from `a` into `out`. `parity` holds the parities of the columns of `a` and then those
+/// of `out`, gathered while its lanes are still in registers.
 [[gnu::always_inline]] inline void permute_round(const keccak_lanes& a, keccak_lanes& out,
-                                                 Lane constant) {
-    std::array<Lane, 5> parity;
-    for (std::size_t x = 0; x < 5; ++x)
-        parity[x] = a[x] ^ a[x + 5] ^ a[x + 10] ^ a[x + 15] ^ a[x + 20];
-    std::array<Lane, 5> theta;
+                                                 Row& parity, Lane constant) {
+    Row theta;
     for (std::size_t x = 0; x < 5; ++x)
         theta[x] = parity[(x + 4) % 5] ^ std::rotl(parity[(x + 1) % 5], 1);
+    parity = {};
 #pragma GCC unroll 5
     for (std::size_t y = 0; y < 5; ++y) {
-        std::array<Lane, 5> row;
+        Row row;
 #pragma GCC unroll 5
         for (std::size_t x = 0; x < 5; ++x) {
             const Move move = moves[x + 5 * y];
             row[x] = std::rotl(a[move.from] ^ theta[move.from % 5], move.rotation);
         }
 #pragma GCC unroll 5
-        for (std::size_t x = 0; x < 5; ++x)
-            out[x + 5 * y] = row[x] ^ (~row[(x + 1) % 5] & row[(x + 2) % 5]);
+        for (std::size_t x = 0; x < 5; ++x) {
+            const Lane iota = x == 0 && y == 0 ? constant : 0;
+            out[x + 5 * y] = row[x] ^ (~row[(x + 1) % 5] & row[(x + 2) % 5]) ^ iota;
+            parity[x] ^= out[x + 5 * y];
+        }
     }
-    out[0] ^= constant;
 }
 
 [[gnu::always_inline]] inline void keccak_f_1600(keccak_lanes& lanes) {
+    Row parity;
+    for (std::size_t x = 0; x < 5; ++x)
+        parity[x] = lanes[x] ^ lanes[x + 5] ^ lanes[x + 10] ^ lanes[x + 15] ^ lanes[x + 20];
     keccak_lanes other;
     for (std::size_t round = 0; round < rounds; round += 2) {
-        permute_round(lanes, other, roundConstants[round]);
-        permute_round(other, lanes, roundConstants[round + 1]);
+        permute_round(lanes, other, parity, roundConstants[round]);
+        permute_round(other, lanes, parity, roundConstants[round + 1]);
     }
 }
 
