@@ -104,4 +104,8 @@ void runProgram(const std::string& location, const std::string& arguments);
 /// Bytes of stack that a deep recursion may use up, counted from the frame of `main`.
 std::size_t usableStackBytes();
 
+/// Steps of a few nanoseconds, such as a copy or a comparison, that a search without a foreseeable
+/// end may take before it counts as hung.
+std::uint64_t usableSteps();
+
 }  // namespace Platform

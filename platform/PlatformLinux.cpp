@@ -189,4 +189,8 @@ std::size_t usableStackBytes() {
     return total / 2;
 }
 
+std::uint64_t usableSteps() {
+    return 50'000'000;
+}
+
 }  // namespace Platform
