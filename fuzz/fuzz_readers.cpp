@@ -33,7 +33,7 @@ using Contents = std::vector<std::pair<std::uint64_t, std::uint8_t>>;
 
 constexpr std::uint64_t addressSpaceEnd = 0x100000000;
 /// Longest range that is looked at element by element.
-constexpr std::uint64_t longestWindow = 0x8000;
+constexpr std::uint64_t longestWindow = 0x800;
 
 std::uint64_t endOf(const Area& area) {
     return area.start + area.length;
