@@ -31,7 +31,7 @@ run() {
         $build/fuzz/fuzz_$target -timeout=10 -rss_limit_mb=2048 -max_len=4096 \
         -artifact_prefix=$build/findings/$target- "$@" \
         $build/found/$target fuzz/corpus/$target $build/corpus/$target >$log 2>&1; then
-        tail -n 60 $log
+        grep -aE -A 25 -m 1 'This does not hold|runtime error:|ERROR: ' $log | cut -c -200
         echo "fuzz_$target: a finding while it $work; the whole output is in $log"
         sed -n "s|.*Test unit written to \(.*\)|repeat with: $build/fuzz/fuzz_$target \1|p" $log
         return 1
