@@ -1,10 +1,12 @@
 #include "parser/BoundedRegex.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <iterator>
 #include <regex>
 #include <stdexcept>
+#include <string_view>
 
 #include "platform/Platform.hpp"
 
@@ -16,27 +18,38 @@ namespace {
 constexpr std::size_t longestPattern = 500;
 /// Product of all repetition counts of a pattern times its length: the states of its automaton.
 constexpr std::uint64_t mostStates = 2000;
-constexpr std::uint64_t stepsForAnyText = 50'000'000;
+/// A pattern that looks at each character a few times takes no more; the others share the rest.
 constexpr std::uint64_t stepsForEachCharacter = 100;
+constexpr std::uint64_t sharedStepsForEachCharacter = 800;
+/// Entries of a table of all states that are cleared in the time of one step.
+constexpr std::uint64_t clearedInAStep = 8;
 
 /// What one evaluation may still use up.
 struct Budget {
     std::uint64_t steps;
+    std::uint64_t price;  ///< of one step
     std::uintptr_t stackTop;
     std::size_t stackBytes;
 
-    void spend() {
+    void spend(std::uint64_t count) {
+        if (steps / price < count) throw std::regex_error(std::regex_constants::error_complexity);
+        steps -= price * count;
+    }
+
+    void spendOne() {
         const volatile char here = 0;
         const auto position = reinterpret_cast<std::uintptr_t>(&here);
         const std::uintptr_t depth =
             position < stackTop ? stackTop - position : position - stackTop;
         if (depth > stackBytes) throw std::regex_error(std::regex_constants::error_stack);
-        if (steps == 0) throw std::regex_error(std::regex_constants::error_complexity);
-        --steps;
+        if (steps < price) throw std::regex_error(std::regex_constants::error_complexity);
+        steps -= price;
     }
 };
 
-/// A position in the text that counts how often the engine looks at a character, and from how deep.
+/// A position in the text that counts what the engine does with it, and from how deep. The engine
+/// tries a way through the pattern by copying positions into groups and repetitions, comparing
+/// them with the ends of the text and looking at characters; each of these is a step.
 class CheckedPosition {
 public:
     using iterator_category = std::bidirectional_iterator_tag;
@@ -47,9 +60,15 @@ public:
 
     CheckedPosition() = default;
     CheckedPosition(const char* position, Budget* budget) : position_(position), budget_(budget) {}
+    CheckedPosition(const CheckedPosition& other)
+        : position_(other.position_), budget_(other.budget_) {
+        spend();
+    }
+    CheckedPosition& operator=(const CheckedPosition& other) = default;
+    ~CheckedPosition() = default;
 
     reference operator*() const {
-        budget_->spend();
+        spend();
         return *position_;
     }
     CheckedPosition& operator++() {
@@ -70,29 +89,65 @@ public:
         --position_;
         return old;
     }
-    bool operator==(const CheckedPosition& other) const { return position_ == other.position_; }
+    bool operator==(const CheckedPosition& other) const {
+        spend();
+        return position_ == other.position_;
+    }
 
     const char* base() const { return position_; }
 
 private:
+    void spend() const {
+        if (budget_ != nullptr) budget_->spendOne();
+    }
+
     const char* position_ = nullptr;
     Budget* budget_ = nullptr;
 };
 
-/// Refuses patterns whose automaton would be too large to walk by recursion.
-void checkSize(const std::string& pattern) {
-    std::uint64_t states = pattern.size();
-    for (std::size_t at = 0; at < pattern.size(); ++at) {
-        if (pattern[at] != '{' && pattern[at] != ',') continue;
-        unsigned count = 0;
-        const char* const end = pattern.data() + pattern.size();
-        const auto parsed = std::from_chars(pattern.data() + at + 1, end, count);
-        if (parsed.ec == std::errc::result_out_of_range || count > mostStates) states = mostStates;
-        if (count > 1) states *= count;
-        if (states > mostStates) break;
+/// What a pattern costs, as far as that can be told from its characters.
+struct PatternSize {
+    std::uint64_t states;
+    std::uint64_t alternatives;
+    bool hasReference = false;  ///< to a group, as in "\1"
+    bool hasLookahead = false;
+
+    /// What the engine may do between two steps that are counted, in steps. It fails without a
+    /// look at the text where a reference means a group that took no part in the match, and walks
+    /// every combination of empty alternatives up to there. For a lookahead it clears a table of
+    /// all states.
+    std::uint64_t price() const {
+        const std::uint64_t combinations =
+            hasReference ? std::uint64_t{1} << std::min(alternatives, mostCombined) : 1;
+        return combinations * (hasLookahead ? 1 + states / clearedInAStep : 1);
     }
-    if (pattern.size() > longestPattern || states > mostStates)
+
+private:
+    /// Enough to make one step dearer than any budget.
+    static constexpr std::uint64_t mostCombined = 48;
+};
+
+/// @throws std::regex_error  if the automaton would be too large to walk by recursion
+PatternSize sizeOf(const std::string& pattern) {
+    std::uint64_t copies = 1;
+    PatternSize size{};
+    for (std::size_t at = 0; at < pattern.size() && copies <= mostStates; ++at) {
+        const std::string_view rest = std::string_view(pattern).substr(at);
+        if (rest.front() == '|') ++size.alternatives;
+        if (rest.front() == '\\' && rest.size() > 1 && rest[1] >= '1' && rest[1] <= '9')
+            size.hasReference = true;
+        if (rest.starts_with("(?=") || rest.starts_with("(?!")) size.hasLookahead = true;
+        if (rest.front() != '{' && rest.front() != ',') continue;
+        std::uint64_t count = 0;
+        const auto parsed = std::from_chars(rest.data() + 1, rest.data() + rest.size(), count);
+        if (parsed.ec == std::errc::result_out_of_range || count > mostStates) count = mostStates;
+        copies *= std::max<std::uint64_t>(count, 1);
+    }
+    size.states = copies * pattern.size();
+    size.alternatives *= copies;
+    if (pattern.size() > longestPattern || size.states > mostStates)
         throw std::regex_error(std::regex_constants::error_complexity);
+    return size;
 }
 
 void appendBounded(std::string& text, const char* first, const char* last, std::size_t longest) {
@@ -103,12 +158,16 @@ void appendBounded(std::string& text, const char* first, const char* last, std::
 
 }  // namespace
 
+RegexAllowance::RegexAllowance(std::size_t scriptSize)
+    : steps(Platform::usableSteps() + sharedStepsForEachCharacter * scriptSize) {}
+
 std::string replaceBounded(const std::string& text, const std::string& pattern,
-                           const std::string& format, std::size_t longest) {
-    checkSize(pattern);
+                           const std::string& format, std::size_t longest,
+                           RegexAllowance& allowance) {
+    const PatternSize size = sizeOf(pattern);
     const std::regex expression(pattern, std::regex::ECMAScript | std::regex::multiline);
     const volatile char here = 0;
-    Budget budget{stepsForAnyText + stepsForEachCharacter * text.size(),
+    Budget budget{allowance.steps + stepsForEachCharacter * text.size(), size.price(),
                   reinterpret_cast<std::uintptr_t>(&here), Platform::usableStackBytes()};
     const CheckedPosition begin(text.data(), &budget);
     const CheckedPosition end(text.data() + text.size(), &budget);
@@ -117,6 +176,8 @@ std::string replaceBounded(const std::string& text, const std::string& pattern,
     const char* copied = text.data();
     using Matches = std::regex_iterator<CheckedPosition>;
     for (Matches match(begin, end, expression); match != Matches(); ++match) {
+        // Each search clears a table of all states, and behind an empty match there are two.
+        budget.spend(1 + 2 * size.states / clearedInAStep);
         appendBounded(result, copied, (*match)[0].first.base(), longest);
         std::string value;
         match->format(std::back_inserter(value), format);
@@ -124,6 +185,7 @@ std::string replaceBounded(const std::string& text, const std::string& pattern,
         copied = (*match)[0].second.base();
     }
     appendBounded(result, copied, text.data() + text.size(), longest);
+    allowance.steps = std::min(allowance.steps, budget.steps);
     return result;
 }
 

@@ -1,20 +1,32 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace Parser {
+
+/// What the evaluations of all patterns of one script may take together, beyond the little that
+/// each may take for every character of its text.
+struct RegexAllowance {
+    /// @param scriptSize  in characters; a long script takes its time
+    explicit RegexAllowance(std::size_t scriptSize);
+
+    std::uint64_t steps;
+};
 
 /// Replaces in `text` what `pattern`, a regular expression of ECMAScript grammar, matches by the
 /// replacement format `format`. `^` and `$` match at the ends of lines.
 ///
 /// The standard library's engine recurses for every character that it takes and may backtrack
-/// without end. Here it ends in an exception before it uses up the stack or an evening.
+/// without end. Here it ends in an exception before it uses up the stack or more than moments.
 ///
+/// @param allowance  what is left of it; less afterwards
 /// @throws std::regex_error  for an invalid pattern, with an error code other than the following;
 ///         with `error_stack` or `error_complexity` if the evaluation takes too much
 /// @throws std::length_error  if the result would be longer than `longest` bytes
 std::string replaceBounded(const std::string& text, const std::string& pattern,
-                           const std::string& format, std::size_t longest);
+                           const std::string& format, std::size_t longest,
+                           RegexAllowance& allowance);
 
 }  // namespace Parser

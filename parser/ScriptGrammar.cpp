@@ -116,8 +116,7 @@ ScriptRules::ScriptRules(ScriptParser& parser) {
 }
 
 ScriptParser::ParseResult ScriptParser::parseScript(std::string_view text) {
-    fruitlessSearches = {};
-    lastTokens.clear();
+    beginText(text.size());
     const Position first = text.data();
     const auto info = Spirit::parse(first, first + text.size(), *this);
     return {info.stop, info.hit, info.full, static_cast<std::size_t>(info.length)};

@@ -17,6 +17,11 @@ namespace {
 
 /// Nested or chained expressions that one value may hold.
 constexpr unsigned deepestExpression = 1000;
+/// Expressions that one text may try. A sound one is tried once for each character at most. One
+/// that lacks a parenthesis is tried again by every operator in front of it, and those again by
+/// the operators in front of the parenthesis that holds them.
+constexpr std::size_t triesForAnyText = 10'000;
+constexpr std::size_t triesForEachCharacter = 8;
 
 double secondsSince(std::chrono::steady_clock::time_point start) {
     using std::chrono::milliseconds;
@@ -167,6 +172,12 @@ void ScriptParser::takeValue() {
     valueStack.clear();
 }
 
+void ScriptParser::beginText(std::size_t size) {
+    fruitlessSearches = {};
+    lastTokens.clear();
+    triesLeft = triesForAnyText + triesForEachCharacter * size;
+}
+
 bool ScriptParser::beginExpression() {
     isExpressionBad = false;
     valueStack.clear();
@@ -174,11 +185,10 @@ bool ScriptParser::beginExpression() {
 }
 
 bool ScriptParser::enterExpression() {
-    if (expressionDepth == deepestExpression) {
-        isExpressionBad = true;
-        return false;
-    }
+    if (expressionDepth == deepestExpression || triesLeft == 0) isExpressionBad = true;
+    if (isExpressionBad) return false;
     ++expressionDepth;
+    --triesLeft;
     return true;
 }
 

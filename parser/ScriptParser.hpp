@@ -155,8 +155,8 @@ public:
     /// A `value` begins: nothing is wrong with its expression yet.
     bool beginExpression();
 
-    /// Enters one level of nested or chained expressions; false when there are too many, which no
-    /// enclosing `value` survives.
+    /// Enters one level of nested or chained expressions; false when there are too many, or too
+    /// many tries, which no enclosing `value` survives.
     bool enterExpression();
     void leaveExpression() { --expressionDepth; }
 
@@ -182,6 +182,7 @@ private:
     }
 
     void resetState();
+    void beginText(std::size_t size);
     bool prepareAndRun(std::string text);
     void reportSyntaxError(std::string_view matched) const;
 
@@ -202,6 +203,7 @@ private:
     std::map<std::string, std::string> initialVariables;
     std::string scriptPath;
     unsigned expressionDepth = 0;
+    std::size_t triesLeft = 0;
     bool isExpressionBad = false;
 };
 

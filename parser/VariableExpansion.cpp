@@ -166,9 +166,10 @@ private:
     std::bitset<std::size_t{1} << 16U> beginnings_;
 };
 
-std::string patternApplied(const std::string& text, const Variable& variable) {
+std::string patternApplied(const std::string& text, const Variable& variable,
+                           RegexAllowance& allowance) {
     try {
-        return replaceBounded(text, variable.name, variable.value, longestText);
+        return replaceBounded(text, variable.name, variable.value, longestText, allowance);
     } catch (const std::regex_error& error) {
         const bool isExhausted = error.code() == std::regex_constants::error_stack ||
                                  error.code() == std::regex_constants::error_complexity ||
@@ -184,13 +185,14 @@ std::string patternApplied(const std::string& text, const Variable& variable) {
 
 void expandVariables(std::string& text, const std::map<std::string, std::string>& variables) {
     const std::vector<Variable> ordered = inOrder(variables);
+    RegexAllowance allowance(text.size());
     for (auto next = ordered.begin(); next != ordered.end();) {
         const auto plainEnd = std::find_if_not(next, ordered.end(), isPlain);
         if (plainEnd != next) {
             text = PlainExpansion(std::span(next, plainEnd)).apply(text);
             next = plainEnd;
         } else {
-            text = patternApplied(text, *next);
+            text = patternApplied(text, *next, allowance);
             ++next;
         }
     }

@@ -85,7 +85,6 @@ struct FileContents {
     PageBlock block;
     std::size_t size = 0;
 
-    std::span<std::uint8_t> bytes() const;
     std::string_view text() const;
 };
 
@@ -128,5 +127,9 @@ void runProgram(const std::string& location, const std::string& arguments);
 
 /// Bytes of stack that a deep recursion may use up, counted from the frame of `main`.
 std::size_t usableStackBytes();
+
+/// Steps of a few nanoseconds, such as a copy or a comparison, that a search without a foreseeable
+/// end may take before it counts as hung.
+std::uint64_t usableSteps();
 
 }  // namespace Platform

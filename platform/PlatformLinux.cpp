@@ -11,10 +11,8 @@
 #include <cerrno>
 #include <charconv>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <new>
-#include <utility>
 
 #include "VersionData.hpp"
 
@@ -107,23 +105,6 @@ PageBlock::~PageBlock() {
         ::munmap(data_, size_);
 }
 
-PageBlock::PageBlock(PageBlock&& other) noexcept
-    : data_(std::exchange(other.data_, nullptr)), size_(std::exchange(other.size_, 0)) {}
-
-PageBlock& PageBlock::operator=(PageBlock&& other) noexcept {
-    std::swap(data_, other.data_);
-    std::swap(size_, other.size_);
-    return *this;
-}
-
-std::span<std::uint8_t> FileContents::bytes() const {
-    return {reinterpret_cast<std::uint8_t*>(block.data()), size};
-}
-
-std::string_view FileContents::text() const {
-    return {reinterpret_cast<const char*>(block.data()), size};
-}
-
 std::optional<InputFile> InputFile::open(const std::string& path) {
     // Without O_NONBLOCK the open of a pipe waits for its other end.
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
@@ -133,15 +114,6 @@ std::optional<InputFile> InputFile::open(const std::string& path) {
     if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
     file.size_ = static_cast<std::uint64_t>(status.st_size);
     return file;
-}
-
-InputFile::InputFile(InputFile&& other) noexcept
-    : descriptor_(std::exchange(other.descriptor_, -1)), size_(std::exchange(other.size_, 0)) {}
-
-InputFile& InputFile::operator=(InputFile&& other) noexcept {
-    std::swap(descriptor_, other.descriptor_);
-    std::swap(size_, other.size_);
-    return *this;
 }
 
 InputFile::~InputFile() {
@@ -160,42 +132,6 @@ std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> out) const {
     return size;
 }
 
-std::optional<FileContents> readFile(const std::string& path) {
-    const auto file = InputFile::open(path);
-    if (!file) return std::nullopt;
-    FileContents contents{PageBlock(static_cast<std::size_t>(file->size())), 0};
-    contents.size =
-        file->readAt(0, {reinterpret_cast<char*>(contents.block.data()), contents.block.size()});
-    return contents;
-}
-
-void translateText(FileContents& contents) {
-    constexpr int endOfText = 0x1A;
-    char* const begin = reinterpret_cast<char*>(contents.block.data());
-    if (contents.size == 0) return;
-    if (const void* const end = std::memchr(begin, endOfText, contents.size))
-        contents.size = static_cast<std::size_t>(static_cast<const char*>(end) - begin);
-    const char* const end = begin + contents.size;
-    const auto nextReturn = [end](const char* from) {
-        const auto rest = static_cast<std::size_t>(end - from);
-        const void* const found = rest == 0 ? nullptr : std::memchr(from, '\r', rest);
-        return found == nullptr ? end : static_cast<const char*>(found);
-    };
-    // The text closes up in place, one stretch between two dropped characters at a time.
-    const char* stretch = begin;
-    char* kept = begin;
-    for (const char* found = nextReturn(begin);; found = nextReturn(found + 1)) {
-        const bool isPair = end - found > 1 && found[1] == '\n';
-        if (found != end && !isPair) continue;
-        const auto length = static_cast<std::size_t>(found - stretch);
-        if (kept != stretch) std::memmove(kept, stretch, length);
-        kept += length;
-        if (found == end) break;
-        stretch = found + 1;
-    }
-    contents.size = static_cast<std::size_t>(kept - begin);
-}
-
 std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode /*mode*/) {
     // Without O_NONBLOCK the open of a pipe that nobody reads never returns.
     const int descriptor =
@@ -205,9 +141,6 @@ std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode /
     if (::fcntl(descriptor, F_SETFL, 0) != 0) return std::nullopt;
     return file;
 }
-
-OutputFile::OutputFile(OutputFile&& other) noexcept
-    : descriptor_(std::exchange(other.descriptor_, -1)) {}
 
 OutputFile::~OutputFile() {
     if (descriptor_ >= 0) ::close(descriptor_);
@@ -245,6 +178,10 @@ std::size_t usableStackBytes() {
     const std::size_t total =
         isLimited ? std::min<std::size_t>(usual, static_cast<std::size_t>(limit.rlim_cur)) : usual;
     return total / 2;
+}
+
+std::uint64_t usableSteps() {
+    return 50'000'000;
 }
 
 }  // namespace Platform

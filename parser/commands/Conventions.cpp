@@ -1,9 +1,8 @@
 #include "parser/commands/Conventions.hpp"
 
-#include <boost/algorithm/string/classification.hpp>
-#include <boost/algorithm/string/replace.hpp>
 #include <boost/algorithm/string/trim.hpp>
 #include <numeric>
+#include <stdexcept>
 
 #include "util/Hex.hpp"
 #include "util/Report.hpp"
@@ -20,6 +19,24 @@ auto* findOrReport(Map& map, const std::string& name, std::string_view kind) {
     Util::reportLine("Error: ", kind, " Variable ", name, " not found !");
     Util::reportLine("Operation aborted.");
     return static_cast<decltype(&entry->second)>(nullptr);
+}
+
+/// Symbols whose values hold symbols can multiply a text again and again.
+constexpr std::size_t longestResolvedText = std::size_t{1} << 26U;
+
+/// `text` with `value` in place of every `name`, which is not empty.
+std::string replacedAll(const std::string& text, const std::string& name,
+                        const std::string& value) {
+    std::string result;
+    std::size_t copied = 0;
+    for (std::size_t at = text.find(name); at != std::string::npos; at = text.find(name, copied)) {
+        result.append(text, copied, at - copied);
+        result += value;
+        copied = at + name.size();
+        if (result.size() > longestResolvedText) throw std::length_error("resolved text");
+    }
+    result.append(text, copied);
+    return result;
 }
 
 std::string trimmedWithout(std::string text, std::string_view unwanted) {
@@ -50,7 +67,7 @@ bool resolveSymbol(const CmdContext& context, const std::string& name, std::stri
     if (value == nullptr) return false;
     std::string digits = isCrc ? "0x" : "";
     Util::appendHex(digits, *value);
-    boost::algorithm::replace_all(text, name, digits);
+    text = replacedAll(text, name, digits);
     return true;
 }
 

@@ -27,6 +27,8 @@ const ByteList* findHash(const CmdContext& context, const std::string& name);
 /// each byte in stored order as two upper-case hexadecimal digits, behind "0x" for a CRC. A CRC
 /// wins over a hash of the same name. False, after the two lines of the convention, if there is
 /// neither; the text need not hold the name.
+///
+/// @throws std::length_error  if the text would grow beyond 64 MiB
 bool resolveSymbol(const CmdContext& context, const std::string& name, std::string& text);
 
 /// Bytes that stand one behind the other in memory.

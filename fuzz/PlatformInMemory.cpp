@@ -1,0 +1,172 @@
+#include "fuzz/PlatformInMemory.hpp"
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+#include <new>
+
+#include "platform/Platform.hpp"
+
+namespace Fuzz {
+
+namespace {
+
+/// The platform is a set of functions, so the machine behind them has to be found from nowhere.
+Machine* machine = nullptr;
+
+}  // namespace
+
+Machine::Machine()
+    : standardOutput_(std::cout.rdbuf(&nowhere_)), standardError_(std::cerr.rdbuf(&nowhere_)) {
+    // The number base outlives a run on purpose, but no run may depend on the one before it.
+    std::cout << std::dec;
+    machine = this;
+}
+
+Machine::~Machine() {
+    machine = nullptr;
+    std::cout.rdbuf(standardOutput_);
+    std::cerr.rdbuf(standardError_);
+}
+
+void Machine::addFile(const std::string& path, std::string_view contents) {
+    files_.insert_or_assign(path, std::string(contents));
+}
+
+int Machine::open(const std::string& path) {
+    const auto file = files_.find(path);
+    if (file == files_.end()) return -1;
+    opened_.push_back(&file->second);
+    return static_cast<int>(opened_.size() - 1);
+}
+
+std::string_view Machine::contents(int descriptor) const {
+    return *opened_.at(static_cast<std::size_t>(descriptor));
+}
+
+int Machine::create(const std::string& path) {
+    if (path.empty() || path.ends_with(Platform::pathSeparator)) return -1;
+    std::string& file = files_[path];
+    file.clear();
+    opened_.push_back(&file);
+    return static_cast<int>(opened_.size() - 1);
+}
+
+bool Machine::write(int descriptor, std::string_view bytes) {
+    const std::size_t taken = std::min(outputLeft_, bytes.size());
+    opened_.at(static_cast<std::size_t>(descriptor))->append(bytes.substr(0, taken));
+    outputLeft_ -= taken;
+    return taken == bytes.size();
+}
+
+}  // namespace Fuzz
+
+namespace Platform {
+
+const char pathSeparator = '/';
+
+std::optional<VersionInfo> versionInfo(const char* /*programPath*/) {
+    return std::nullopt;
+}
+
+PageBlock::PageBlock(std::size_t size) {
+    if (size == 0) return;
+    if (size > Fuzz::Machine::mostPages) throw std::bad_alloc();
+    data_ = static_cast<std::byte*>(std::calloc(size, 1));
+    if (data_ == nullptr) throw std::bad_alloc();
+    size_ = size;
+}
+
+PageBlock::~PageBlock() {
+    std::free(data_);
+}
+
+std::optional<InputFile> InputFile::open(const std::string& path) {
+    const int descriptor = Fuzz::machine->open(path);
+    if (descriptor < 0) return std::nullopt;
+    return InputFile(descriptor, Fuzz::machine->contents(descriptor).size());
+}
+
+InputFile::~InputFile() = default;
+
+std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> out) const {
+    const std::string_view contents = Fuzz::machine->contents(descriptor_);
+    const std::string_view rest = contents.substr(std::min<std::size_t>(offset, contents.size()));
+    const std::size_t size = std::min(rest.size(), out.size());
+    std::ranges::copy(rest.substr(0, size), out.begin());
+    return size;
+}
+
+std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode /*mode*/) {
+    const int descriptor = Fuzz::machine->create(path);
+    if (descriptor < 0) return std::nullopt;
+    return OutputFile(descriptor);
+}
+
+OutputFile::~OutputFile() = default;
+
+bool OutputFile::write(std::string_view bytes) {
+    return Fuzz::machine->write(descriptor_, bytes);
+}
+
+void runProgram(const std::string& /*location*/, const std::string& /*arguments*/) {}
+
+std::size_t usableStackBytes() {
+    return std::size_t{4} << 20U;
+}
+
+std::uint64_t usableSteps() {
+    // Each takes long under the sanitizers and with every comparison traced.
+    return 200'000;
+}
+
+}  // namespace Platform
+
+// The machine's memory is short for everything that a container may ask for. All forms are
+// replaced, or a block that came from one allocator would go back to another.
+
+namespace {
+
+void* allocated(std::size_t size) noexcept {
+    if (Fuzz::machine != nullptr && size > Fuzz::Machine::mostHeap) return nullptr;
+    return std::malloc(std::max<std::size_t>(size, 1));
+}
+
+void* allocatedOrThrow(std::size_t size) {
+    void* const block = allocated(size);
+    if (block == nullptr) throw std::bad_alloc();
+    return block;
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    return allocatedOrThrow(size);
+}
+void* operator new[](std::size_t size) {
+    return allocatedOrThrow(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    return allocated(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    return allocated(size);
+}
+void operator delete(void* block) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, std::size_t /*size*/) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block, std::size_t /*size*/) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, const std::nothrow_t& /*tag*/) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block, const std::nothrow_t& /*tag*/) noexcept {
+    std::free(block);
+}

@@ -1,0 +1,66 @@
+#!/usr/bin/env python3
+"""Gathers seeds for the fuzz targets from the tests and the examples.
+
+    make_corpus.py FOLDER
+
+makes FOLDER/script, FOLDER/run and FOLDER/readers. The first two hold one call of the program a
+file, in the form that fuzz/ScriptInput.hpp tells, the last one input files.
+"""
+import pathlib
+import shutil
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+# Longer seeds slow every run down and show nothing that shorter ones do not.
+LONGEST_SEED = 1 << 14
+# What a case expects is no input of its script, but the files it leaves are good inputs of readers.
+NO_INPUT = {"script.tsn", "arguments", "absent", "memory-limit", "prepare.sh", "check.sh",
+            "expected.out", "expected.err", "expected.exit"}
+
+
+def call(arguments, script, inputs):
+    parts = [arguments]
+    for name, contents in [("script.tsn", script)] + inputs:
+        parts.append(b"=== " + name.encode() + b"\n" + contents)
+    return b"\n".join(parts)
+
+
+def script_cases():
+    """Name and seed of every case that is kept as a script, and of every example."""
+    scripts = sorted(ROOT.glob("tests/scripts/*/script.tsn"))
+    for script in scripts + sorted(ROOT.glob("examples/*/*.tsn")):
+        folder = script.parent
+        inputs = [(path.name, path.read_bytes()) for path in sorted(folder.iterdir())
+                  if path.is_file() and path != script and path.name not in NO_INPUT]
+        arguments = folder / "arguments"
+        variables = arguments.read_bytes().rstrip(b"\n") if arguments.exists() else b""
+        yield folder.name, call(variables, script.read_bytes(), inputs)
+
+
+def input_files():
+    """Name and contents of everything that a reader may be given."""
+    for folder in "tests/data", "tests/scripts", "examples":
+        for path in sorted((ROOT / folder).glob("**/*")):
+            if path.is_file() and path.suffix in (".hex", ".srec", ".s19", ".bin", ".mot"):
+                yield "-".join(path.relative_to(ROOT).parts), path.read_bytes()
+
+
+def write(folder, seeds):
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    for name, seed in seeds:
+        if len(seed) <= LONGEST_SEED:
+            (folder / name).write_bytes(seed)
+    if not any(folder.iterdir()):
+        sys.exit("make_corpus.py: found no seeds for %s" % folder)
+
+
+def main():
+    target = pathlib.Path(sys.argv[1])
+    write(target / "script", script_cases())
+    write(target / "run", script_cases())
+    write(target / "readers", input_files())
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,70 @@
+#include "platform/Platform.hpp"
+
+#include <cstring>
+#include <utility>
+
+/// What is the same whatever the operating system.
+namespace Platform {
+
+PageBlock::PageBlock(PageBlock&& other) noexcept
+    : data_(std::exchange(other.data_, nullptr)), size_(std::exchange(other.size_, 0)) {}
+
+PageBlock& PageBlock::operator=(PageBlock&& other) noexcept {
+    std::swap(data_, other.data_);
+    std::swap(size_, other.size_);
+    return *this;
+}
+
+InputFile::InputFile(InputFile&& other) noexcept
+    : descriptor_(std::exchange(other.descriptor_, -1)), size_(std::exchange(other.size_, 0)) {}
+
+InputFile& InputFile::operator=(InputFile&& other) noexcept {
+    std::swap(descriptor_, other.descriptor_);
+    std::swap(size_, other.size_);
+    return *this;
+}
+
+std::optional<FileContents> readFile(const std::string& path) {
+    const auto file = InputFile::open(path);
+    if (!file) return std::nullopt;
+    FileContents contents{PageBlock(static_cast<std::size_t>(file->size())), 0};
+    contents.size =
+        file->readAt(0, {reinterpret_cast<char*>(contents.block.data()), contents.block.size()});
+    return contents;
+}
+
+std::string_view FileContents::text() const {
+    return {reinterpret_cast<const char*>(block.data()), size};
+}
+
+void translateText(FileContents& contents) {
+    constexpr int endOfText = 0x1A;
+    char* const begin = reinterpret_cast<char*>(contents.block.data());
+    if (contents.size == 0) return;
+    if (const void* const end = std::memchr(begin, endOfText, contents.size))
+        contents.size = static_cast<std::size_t>(static_cast<const char*>(end) - begin);
+    const char* const end = begin + contents.size;
+    const auto nextReturn = [end](const char* from) {
+        const auto rest = static_cast<std::size_t>(end - from);
+        const void* const found = rest == 0 ? nullptr : std::memchr(from, '\r', rest);
+        return found == nullptr ? end : static_cast<const char*>(found);
+    };
+    // The text closes up in place, one stretch between two dropped characters at a time.
+    const char* stretch = begin;
+    char* kept = begin;
+    for (const char* found = nextReturn(begin);; found = nextReturn(found + 1)) {
+        const bool isPair = end - found > 1 && found[1] == '\n';
+        if (found != end && !isPair) continue;
+        const auto length = static_cast<std::size_t>(found - stretch);
+        if (kept != stretch) std::memmove(kept, stretch, length);
+        kept += length;
+        if (found == end) break;
+        stretch = found + 1;
+    }
+    contents.size = static_cast<std::size_t>(kept - begin);
+}
+
+OutputFile::OutputFile(OutputFile&& other) noexcept
+    : descriptor_(std::exchange(other.descriptor_, -1)) {}
+
+}  // namespace Platform

@@ -1,0 +1,5 @@
+# Each of the names takes two thirds of what one script may take.
+python3 -c "
+for i in range(1500):
+    print('SUBSTITUTE (x+x+)+y%04d WITH b' % i)
+print('PRINT_TEXT ' + 'x' * 21)" > script.tsn
