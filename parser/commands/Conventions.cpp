@@ -1,5 +1,6 @@
 #include "parser/commands/Conventions.hpp"
 
+#include <algorithm>
 #include <boost/algorithm/string/trim.hpp>
 #include <numeric>
 #include <stdexcept>
@@ -33,7 +34,8 @@ std::string replacedAll(const std::string& text, const std::string& name,
         result.append(text, copied, at - copied);
         result += value;
         copied = at + name.size();
-        if (result.size() > longestResolvedText) throw std::length_error("resolved text");
+        if (result.size() > std::max(longestResolvedText, text.size()))
+            throw std::length_error("resolved text");
     }
     result.append(text, copied);
     return result;

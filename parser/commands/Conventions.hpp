@@ -28,7 +28,7 @@ const ByteList* findHash(const CmdContext& context, const std::string& name);
 /// wins over a hash of the same name. False, after the two lines of the convention, if there is
 /// neither; the text need not hold the name.
 ///
-/// @throws std::length_error  if the text would grow beyond 64 MiB
+/// @throws std::length_error  if the text would grow beyond 64 MiB and its own length
 bool resolveSymbol(const CmdContext& context, const std::string& name, std::string& text);
 
 /// Bytes that stand one behind the other in memory.

@@ -9,7 +9,7 @@ import sys
 
 FOLDERS = ("app", "parser", "buffer", "io", "selftest")
 # Texts that no user sees: what exceptions and static assertions say, names of placeholders, digits.
-INTERNAL = re.compile(r"expanded script|Could not open file|an image (costs|longer) .*|"
+INTERNAL = re.compile(r"(expanded script|resolved text)|Could not open file|an image (costs|longer) .*|"
                       r".*@(size|time|elementsPerLine).*|[_a-zA-Z0-9]{63}")
 TOKEN = re.compile(r'//[^\n]*|/\*.*?\*/|"(?:[^"\\\n]|\\.)*"|\'(?:[^\'\\\n]|\\.)*\'|[^"\'/]+|/', re.S)
 ESCAPES = {"n": "\n", "t": "\t", "x1A": "\x1a"}
