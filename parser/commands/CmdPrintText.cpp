@@ -1,6 +1,5 @@
 #include "parser/commands/CmdPrintText.hpp"
 
-#include <ranges>
 #include <utility>
 
 #include "parser/commands/Conventions.hpp"
@@ -19,8 +18,8 @@ void CmdPrintText::addSymbol(std::string name) {
 bool CmdPrintText::execute(CmdContext& context) {
     return guarded("Text", text, "printed", [&] {
         std::string resolved = text;
-        for (const std::string& symbol : symbols | std::views::reverse)
-            if (!resolveSymbol(context, symbol, resolved)) return false;
+        for (auto symbol = symbols.rbegin(); symbol != symbols.rend(); ++symbol)
+            if (!resolveSymbol(context, *symbol, resolved)) return false;
         Util::reportLine(calculate(resolved));
         return true;
     });
