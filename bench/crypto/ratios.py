@@ -19,16 +19,21 @@ for name in sys.argv[1:]:
         speeds = passes.setdefault(algorithm, {}).setdefault(library, [])
         speeds.append(run["bytes_per_second"] / 1e6)
 
+
+def shown(speed):
+    return f"{speed:.0f}" if speed >= 100 else f"{speed:.1f}"
+
+
 print("| algorithm | ours, MB/s | best other, MB/s | library | ratio |")
 print("| --- | ---: | ---: | --- | ---: |")
 for algorithm, speeds in passes.items():
     ours = speeds.pop("ours")
     ratios = {library: statistics.median(own / other for own, other in zip(ours, others))
               for library, others in speeds.items()}
-    row = f"| `{algorithm}` | {statistics.median(ours):.4g} |"
+    row = f"| `{algorithm}` | {shown(statistics.median(ours))} |"
     if ratios:
         best = min(ratios, key=ratios.get)
-        row += f" {statistics.median(speeds[best]):.4g} | {best} | {ratios[best]:.2f} |"
+        row += f" {shown(statistics.median(speeds[best]))} | {best} | {ratios[best]:.2f} |"
     else:
         row += " | | |"
     print(row)

@@ -5,13 +5,16 @@ set -eu
 cd "$(dirname "$0")/../.."
 scripts/setup.sh bench
 cmake --preset bench >/dev/null
-cmake --build --preset bench --target checksum_bench >&2
-filter=$(echo "${*:-.}" | tr ' ' '|')
 results=build/bench/checksums
 rm -rf "$results"
 mkdir "$results"
+log=$results/log
+# Whatever fails says why; the table alone goes to standard output.
+trap '[ $? = 0 ] || cat "$log" >&2' EXIT
+cmake --build --preset bench --target checksum_bench >"$log"
+filter=$(echo "${*:-.}" | tr ' ' '|')
 for pass in 01 02 03 04 05 06 07 08 09 10 11 12 13 14 15; do
     build/bench/bench/crypto/checksum_bench --benchmark_filter="$filter" \
-        --benchmark_min_time=0.05 --benchmark_out="$results/$pass.json" >/dev/null
+        --benchmark_min_time=0.05 --benchmark_out="$results/$pass.json" >"$log" 2>&1
 done
 bench/crypto/ratios.py "$results"/*.json

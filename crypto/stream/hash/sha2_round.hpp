@@ -79,14 +79,15 @@ template <std::size_t Round, class Word>
     const Word f = at(5);
     const Word g = at(6);
     Word& h = at(7);
+    // The two parts of the choice, and those of the majority, have no bit in common, so that they
+    // may be added, and as little as possible waits for the newest registers, a and e. The order is
+    // the one of which g++ 12 makes most.
     h += word_and_constant;
-    // The parts of the choice, and those of the majority, have no bit in common and may be added.
     h += e & f;
     h += ~e & g;
     h += Sha2<Word>::sum_e(e);
     at(3) += h;
-    // The order is the one that g++ 12 makes most of: 4 % of SHA-512.
-    h += (a & b) + (c & (a ^ b));
+    h += (b & c) + (a & (b ^ c));
     h += Sha2<Word>::sum_a(a);
 }
 
