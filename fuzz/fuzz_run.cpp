@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <new>
+#include <utility>
 
 #include "fuzz/PlatformInMemory.hpp"
 #include "fuzz/ScriptInput.hpp"
