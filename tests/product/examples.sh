@@ -36,3 +36,14 @@ sed -n 's/^\t\.byte //p' flash.inc | tr -d ' \n' | sed 's/0x/,/g;s/,,*/ /g' | tr
     grep . | xxd -r -p | cmp - flash.bin
 crc=$(python3 -c "import zlib;print(zlib.crc32(open('flash.bin','rb').read()).to_bytes(4,'little').hex().upper())")
 grep -q -- "--file flash.bin --crc 0x$crc" run.out
+
+cd "$work/digest"
+"$program" inFile=../firmware/firmware.hex outFile=flash.bin digest.tsn >run.out
+digest=$(head -c 65504 flash.bin | sha256sum | cut -d ' ' -f 1)
+test "$(tail -c 32 flash.bin | xxd -p -c 32)" = "$digest"
+test "$(head -c 65504 flash.bin | openssl dgst -sha256 -r | cut -d ' ' -f 1)" = "$digest"
+grep -qi "  HashValue: $digest" run.out
+# The bytes under the digest are those of the firmware, gaps filled.
+srec_cat ../firmware/firmware.hex -intel -crop 0x08000000 0x0800FFE0 \
+         -fill 0xFF 0x08000000 0x0800FFE0 -offset -0x08000000 -o expected.bin -binary
+head -c 65504 flash.bin | cmp - expected.bin
