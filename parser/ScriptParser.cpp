@@ -43,6 +43,8 @@ bool ScriptParser::run() {
             std::cerr << "Could not open input file: " << scriptPath << std::endl;
             return false;
         }
+        // A part of a script may well parse, and then do a part of its work.
+        if (contents->reading != Platform::Reading::Complete) throw std::exception();
         Platform::translateText(*contents);
         isParsed = prepareAndRun(std::string(std::exchange(contents, std::nullopt)->text()));
     } catch (const VariableError& error) {

@@ -10,6 +10,7 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -116,6 +117,22 @@ PageBlock& PageBlock::operator=(PageBlock&& other) noexcept {
     return *this;
 }
 
+void guardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // The lowest number that is free is the one that a new descriptor gets.
+        if (::fcntl(stream, F_GETFD) < 0) static_cast<void>(::open("/", O_PATH));
+    }
+    // A handler, since a program that is started does not inherit it: it would do so with SIG_IGN.
+    struct sigaction handled {};
+    handled.sa_handler = [](int) {};
+    handled.sa_flags = SA_RESTART;
+    for (const int signal : {SIGPIPE, SIGXFSZ}) {
+        struct sigaction found {};
+        if (::sigaction(signal, nullptr, &found) == 0 && found.sa_handler == SIG_DFL)
+            ::sigaction(signal, &handled, nullptr);
+    }
+}
+
 std::span<std::uint8_t> FileContents::bytes() const {
     return {reinterpret_cast<std::uint8_t*>(block.data()), size};
 }
@@ -124,23 +141,38 @@ std::string_view FileContents::text() const {
     return {reinterpret_cast<const char*>(block.data()), size};
 }
 
+namespace {
+
+std::chrono::nanoseconds changeTime(const struct stat& status) {
+    return std::chrono::seconds(status.st_mtim.tv_sec) +
+           std::chrono::nanoseconds(status.st_mtim.tv_nsec);
+}
+
+}  // namespace
+
 std::optional<InputFile> InputFile::open(const std::string& path) {
     // Without O_NONBLOCK the open of a pipe waits for its other end.
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) return std::nullopt;
-    InputFile file(descriptor, 0);
+    InputFile file(descriptor);
     struct stat status {};
     if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
     file.size_ = static_cast<std::uint64_t>(status.st_size);
+    file.changeTime_ = changeTime(status);
     return file;
 }
 
 InputFile::InputFile(InputFile&& other) noexcept
-    : descriptor_(std::exchange(other.descriptor_, -1)), size_(std::exchange(other.size_, 0)) {}
+    : descriptor_(std::exchange(other.descriptor_, -1)),
+      size_(std::exchange(other.size_, 0)),
+      changeTime_(other.changeTime_),
+      hasFailed_(other.hasFailed_) {}
 
 InputFile& InputFile::operator=(InputFile&& other) noexcept {
     std::swap(descriptor_, other.descriptor_);
     std::swap(size_, other.size_);
+    std::swap(changeTime_, other.changeTime_);
+    std::swap(hasFailed_, other.hasFailed_);
     return *this;
 }
 
@@ -153,6 +185,7 @@ std::size_t InputFile::read(std::span<char> out) {
     while (size < out.size()) {
         const ssize_t count = ::read(descriptor_, out.data() + size, out.size() - size);
         if (count < 0 && errno == EINTR) continue;
+        hasFailed_ = hasFailed_ || count < 0;
         if (count <= 0) break;
         size += static_cast<std::size_t>(count);
     }
@@ -163,12 +196,27 @@ void InputFile::rewind() {
     ::lseek(descriptor_, 0, SEEK_SET);
 }
 
+Reading InputFile::reading() const {
+    if (hasFailed_) return Reading::Failed;
+    struct stat status {};
+    const bool isSame = ::fstat(descriptor_, &status) == 0 &&
+                        static_cast<std::uint64_t>(status.st_size) == size_ &&
+                        changeTime(status) == changeTime_;
+    return isSame ? Reading::Complete : Reading::Changed;
+}
+
 std::optional<FileContents> readFile(const std::string& path) {
     auto file = InputFile::open(path);
     if (!file) return std::nullopt;
-    FileContents contents{PageBlock(static_cast<std::size_t>(file->size())), 0};
+    return readFile(*file);
+}
+
+FileContents readFile(InputFile& file) {
+    FileContents contents{PageBlock(static_cast<std::size_t>(file.size())), 0};
+    file.rewind();
     contents.size =
-        file->read({reinterpret_cast<char*>(contents.block.data()), contents.block.size()});
+        file.read({reinterpret_cast<char*>(contents.block.data()), contents.block.size()});
+    contents.reading = file.reading();
     return contents;
 }
 
@@ -212,6 +260,11 @@ std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode /
 OutputFile::OutputFile(OutputFile&& other) noexcept
     : descriptor_(std::exchange(other.descriptor_, -1)) {}
 
+OutputFile& OutputFile::operator=(OutputFile&& other) noexcept {
+    std::swap(descriptor_, other.descriptor_);
+    return *this;
+}
+
 OutputFile::~OutputFile() {
     if (descriptor_ >= 0) ::close(descriptor_);
 }
@@ -224,6 +277,10 @@ bool OutputFile::write(std::string_view bytes) {
         bytes.remove_prefix(static_cast<std::size_t>(count));
     }
     return true;
+}
+
+bool OutputFile::close() {
+    return ::close(std::exchange(descriptor_, -1)) == 0;
 }
 
 void runProgram(const std::string& location, const std::string& arguments) {
