@@ -35,9 +35,9 @@ ScriptParser::~ScriptParser() = default;
 
 bool ScriptParser::run() {
     const auto start = std::chrono::steady_clock::now();
-    context.variables = initialVariables;
     bool isParsed = false;
     try {
+        context.variables = initialVariables;
         auto contents = Platform::readFile(scriptPath);
         if (!contents) {
             std::cerr << "Could not open input file: " << scriptPath << std::endl;
