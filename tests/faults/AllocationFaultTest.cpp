@@ -29,8 +29,10 @@ using namespace Parser::WrapperLib;
 using Buffer::MemoryBuffer;
 using Statement = std::unique_ptr<CmdApi>;
 
+/// A path in a folder of the test at hand, since several may run at a time.
 fs::path inFolder(const std::string& name) {
-    const fs::path folder = fs::path(testing::TempDir()) / "allocation-fault-test";
+    const char* const test = testing::UnitTest::GetInstance()->current_test_info()->name();
+    const fs::path folder = fs::path(testing::TempDir()) / "allocation-fault-test" / test;
     fs::create_directories(folder);
     return folder / name;
 }

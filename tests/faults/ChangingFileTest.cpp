@@ -56,7 +56,9 @@ const Format formats[] = {
 
 /// A file with an old date, so that a change shows however coarse the clock of the file system is.
 fs::path writtenFile(const std::string& contents) {
-    const fs::path path = fs::path(testing::TempDir()) / "changing-file-test";
+    // Several tests may run at a time.
+    const fs::path path = fs::path(testing::TempDir()) /
+                          testing::UnitTest::GetInstance()->current_test_info()->name();
     std::ofstream(path, std::ios::binary | std::ios::trunc) << contents;
     fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::hours(1));
     return path;
