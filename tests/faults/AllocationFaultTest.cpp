@@ -41,9 +41,11 @@ void writeFile(const fs::path& path, const std::string& contents) {
     std::ofstream(path, std::ios::binary) << contents;
 }
 
+/// The contents of a file, the time of its making left out.
 std::string readFile(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    static const std::regex time("Generated: .*");
+    return std::regex_replace(std::string(std::istreambuf_iterator<char>(file), {}), time, "");
 }
 
 /// Makes a statement in the way the grammar does, but without one.

@@ -46,6 +46,10 @@ void* operator new(std::size_t size) {
     return memory;
 }
 
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    return isDue() ? nullptr : std::malloc(size == 0 ? 1 : size);
+}
+
 void operator delete(void* memory) noexcept {
     std::free(memory);
 }
