@@ -71,6 +71,13 @@ std::vector<MemoryElement> MemoryBuffer::getElements() const {
     return {all.begin(), all.end()};
 }
 
+std::span<const MemoryElement> MemoryBuffer::viewRange(std::uint64_t start,
+                                                       std::uint64_t dataLength) const {
+    if (start < startAddress || start > endAddress() || dataLength > endAddress() - start)
+        return {};
+    return viewElements().subspan(start - startAddress, dataLength);
+}
+
 void MemoryBuffer::setStartingAddress(std::uint64_t newStartAddress) {
     if (newStartAddress > ~getDataLength()) {
         Util::reportLine("MemoryBuffer(setStartingAddress-Operation). StartAddress (0x", std::hex,
@@ -151,8 +158,7 @@ void MemoryBuffer::overlay(const MemoryBuffer& other) {
 
 void MemoryBuffer::appendBytes(std::vector<std::uint8_t>& output, std::uint64_t start,
                                std::uint64_t dataLength) const {
-    if (start < startAddress || start > endAddress() || dataLength > endAddress() - start) return;
-    const auto range = viewElements().subspan(start - startAddress, dataLength);
+    const auto range = viewRange(start, dataLength);
     const std::size_t length = output.size();
     output.resize(length + range.size());
     effectiveBytes(range, output.data() + length);

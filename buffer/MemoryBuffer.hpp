@@ -39,6 +39,9 @@ public:
     /// The elements themselves, in address order, while the image lives and is not assigned to.
     std::span<const MemoryElement> viewElements() const { return elements.view(); }
 
+    /// The elements of a range, or none if any part of it lies outside the image; nothing is said.
+    std::span<const MemoryElement> viewRange(std::uint64_t start, std::uint64_t dataLength) const;
+
     /// A tag that the image itself never looks at; `BigEndian` in a new one.
     ByteOrder getByteOrder() const { return byteOrder; }
     void setByteOrder(ByteOrder order) { byteOrder = order; }

@@ -87,7 +87,7 @@ void TextLines::readOn() {
     char* const out = reinterpret_cast<char*>(piece_.data()) + kept;
     const auto wanted =
         static_cast<std::size_t>(std::min<std::uint64_t>(piece_.size() - kept, fileRest));
-    const std::size_t got = file_.read({out, wanted});
+    const std::size_t got = file_.readAt(pieceStart_ + kept, {out, wanted});
     const void* const stop = got == 0 ? nullptr : std::memchr(out, endOfText, got);
     end_ += stop == nullptr ? got : static_cast<std::size_t>(static_cast<const char*>(stop) - out);
     isTextRead_ = stop != nullptr || got == fileRest || got < wanted;
@@ -99,7 +99,6 @@ void TextLines::restart() {
     next_ = 0;
     // A text of which nothing has left the piece need not be read again.
     if (pieceStart_ == 0) return;
-    file_.rewind();
     pieceStart_ = 0;
     end_ = 0;
     isTextRead_ = false;
@@ -127,8 +126,10 @@ void TextInFile::close() {
 BinaryInFile::BinaryInFile(const std::string& path) : BinaryInFile(path, opened(path)) {}
 
 BinaryInFile::BinaryInFile(const std::string& path, Platform::InputFile file)
-    : File(path), contents_(Platform::readFile(file)) {
-    judge(contents_.reading, fileName);
+    : File(path), file_(std::move(file)) {}
+
+void BinaryInFile::checkReading() const {
+    judge(file_.reading(), fileName);
 }
 
 void OutFile::write(const Source& source) const {

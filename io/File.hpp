@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <exception>
 #include <functional>
@@ -7,6 +8,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/Platform.hpp"
 
@@ -117,22 +119,41 @@ private:
     std::optional<TextLines> lines_;
 };
 
-/// Any file, whole, byte for byte.
+/// Any file, byte for byte.
 class BinaryInFile : public File {
 public:
-    /// Says on standard error that the file could not be read to its end.
-    ///
-    /// @throws bad_open  also if the file changes meanwhile
+    /// @throws bad_open
     explicit BinaryInFile(const std::string& path);
 
     /// The file `path` has been opened already.
     BinaryInFile(const std::string& path, Platform::InputFile file);
 
 protected:
-    std::span<const std::uint8_t> data() const { return contents_.bytes(); }
+    std::uint64_t fileSize() const { return file_.size(); }
+
+    /// Hands `take` the bytes of the file from `start` up to but not including `end` piece by
+    /// piece: the place of a piece in the file and its bytes. Bytes that cannot be read are left
+    /// out, which is said on standard error.
+    ///
+    /// @throws bad_open  if the file has changed since it was opened
+    template <class Take>
+    void forBytes(std::uint64_t start, std::uint64_t end, Take take) const {
+        constexpr std::uint64_t pieceSize = std::uint64_t{1} << 17U;
+        if (start >= end) return;
+        std::vector<char> piece(std::min(pieceSize, end - start));
+        for (std::uint64_t at = start; at < end; at += piece.size()) {
+            const auto wanted = static_cast<std::size_t>(std::min(pieceSize, end - at));
+            const std::size_t got = file_.readAt(at, {piece.data(), wanted});
+            take(at, std::span(reinterpret_cast<const std::uint8_t*>(piece.data()), got));
+            if (got != wanted) break;
+        }
+        checkReading();
+    }
 
 private:
-    Platform::FileContents contents_;
+    void checkReading() const;
+
+    Platform::InputFile file_;
 };
 
 /// Where a writer puts its output, piece by piece.

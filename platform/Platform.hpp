@@ -87,12 +87,9 @@ public:
     /// Bytes of the file at the time when it was opened.
     std::uint64_t size() const { return size_; }
 
-    /// Reads on, to `out`, and returns the number of bytes read: fewer than asked for only at the
-    /// end of the file or where it cannot be read.
-    std::size_t read(std::span<char> out);
-
-    /// Goes back to the start.
-    void rewind();
+    /// Reads from byte `offset` of the file on, to `out`, and returns the number of bytes read:
+    /// fewer than asked for only at the end of the file or where it cannot be read.
+    std::size_t readAt(std::uint64_t offset, std::span<char> out) const;
 
     /// What has become of all reads so far.
     Reading reading() const;
@@ -103,7 +100,7 @@ private:
     int descriptor_;
     std::uint64_t size_ = 0;
     std::chrono::nanoseconds changeTime_{};  ///< of its contents, when it was opened
-    bool hasFailed_ = false;
+    mutable bool hasFailed_ = false;         ///< noted by each read, whoever asks for it
 };
 
 /// The bytes of a file; the block may be larger than `size`.
@@ -121,9 +118,6 @@ struct FileContents {
 /// Nothing is returned when the file cannot be opened or is no regular file. A read that fails
 /// midway leaves what was read.
 std::optional<FileContents> readFile(const std::string& path);
-
-/// The same for a file that is open, from its start on.
-FileContents readFile(InputFile& file);
 
 /// Makes text mode of what was read as bytes: drops one carriage return in front of each line feed
 /// and ends the text at a byte 0x1A.

@@ -180,20 +180,17 @@ InputFile::~InputFile() {
     if (descriptor_ >= 0) ::close(descriptor_);
 }
 
-std::size_t InputFile::read(std::span<char> out) {
+std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> out) const {
     std::size_t size = 0;
     while (size < out.size()) {
-        const ssize_t count = ::read(descriptor_, out.data() + size, out.size() - size);
+        const ssize_t count = ::pread(descriptor_, out.data() + size, out.size() - size,
+                                      static_cast<off_t>(offset + size));
         if (count < 0 && errno == EINTR) continue;
         hasFailed_ = hasFailed_ || count < 0;
         if (count <= 0) break;
         size += static_cast<std::size_t>(count);
     }
     return size;
-}
-
-void InputFile::rewind() {
-    ::lseek(descriptor_, 0, SEEK_SET);
 }
 
 Reading InputFile::reading() const {
@@ -206,17 +203,12 @@ Reading InputFile::reading() const {
 }
 
 std::optional<FileContents> readFile(const std::string& path) {
-    auto file = InputFile::open(path);
+    const auto file = InputFile::open(path);
     if (!file) return std::nullopt;
-    return readFile(*file);
-}
-
-FileContents readFile(InputFile& file) {
-    FileContents contents{PageBlock(static_cast<std::size_t>(file.size())), 0};
-    file.rewind();
+    FileContents contents{PageBlock(static_cast<std::size_t>(file->size())), 0};
     contents.size =
-        file.read({reinterpret_cast<char*>(contents.block.data()), contents.block.size()});
-    contents.reading = file.reading();
+        file->readAt(0, {reinterpret_cast<char*>(contents.block.data()), contents.block.size()});
+    contents.reading = file->reading();
     return contents;
 }
 

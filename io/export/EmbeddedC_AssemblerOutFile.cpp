@@ -4,6 +4,7 @@
 #include <array>
 #include <boost/algorithm/string/replace.hpp>
 #include <charconv>
+#include <cstring>
 #include <ctime>
 #include <string_view>
 #include <utility>
@@ -28,6 +29,39 @@ bool isDottedName(std::string_view section) {
     return section.size() > 1 && section.front() == '.' &&
            section.find_first_not_of(letters, 1) == std::string_view::npos;
 }
+
+/// A row of elements as it stands in a line. Its text is copied as a whole and only the digits are
+/// put in, since so many short copies would take most of the time.
+class ElementRow {
+public:
+    static constexpr std::size_t longest = 64;
+
+    explicit ElementRow(const EmbeddedOutputStyle& style)
+        : separatorSize_(style.elementSeparator.size()),
+          digits_(separatorSize_ + style.elementPrefix.size()) {
+        for (std::size_t i = 0; i < longest; ++i)
+            text_ += style.elementSeparator + style.elementPrefix + "00";
+    }
+
+    /// Writes at most `longest` bytes.
+    ///
+    /// @param isContinued  elements stand in front of them on the line
+    void write(PieceWriter& out, std::span<const std::uint8_t> bytes, bool isContinued) const {
+        const std::size_t skipped = isContinued ? 0 : separatorSize_;
+        const std::size_t elementSize = text_.size() / longest;
+        const std::size_t size = bytes.size() * elementSize - skipped;
+        char* const place = out.reserve(size);
+        std::memcpy(place, text_.data() + skipped, size);
+        for (std::size_t i = 0; i < bytes.size(); ++i)
+            Util::writeHex(place + i * elementSize + digits_ - skipped, bytes[i]);
+        out.commit(place + size);
+    }
+
+private:
+    std::size_t separatorSize_;
+    std::size_t digits_;  ///< place of the digits within an element
+    std::string text_;
+};
 
 }  // namespace
 
@@ -76,13 +110,17 @@ void EmbeddedC_AssemblerOutFile::saveToFile() {
 
 void EmbeddedC_AssemblerOutFile::writeDataLines(PieceWriter& out) const {
     const std::size_t perLine = outputStyle.elementsPerLine;
+    const ElementRow row(outputStyle);
     std::size_t inLine = 0;
     outputBytes.forBytes([&](std::span<const std::uint8_t> bytes) {
-        for (std::size_t i = 0; i < bytes.size(); ++i) {
-            out.append(inLine == 0 ? outputStyle.linePrefix : outputStyle.elementSeparator);
-            out.append(outputStyle.elementPrefix);
-            out.commit(Util::writeHex(out.reserve(2), bytes.subspan(i, 1)));
-            if (++inLine != perLine) continue;
+        while (!bytes.empty()) {
+            if (inLine == 0) out.append(outputStyle.linePrefix);
+            std::size_t count = std::min(bytes.size(), ElementRow::longest);
+            if (perLine != 0) count = std::min(count, perLine - inLine);
+            row.write(out, bytes.first(count), inLine != 0);
+            bytes = bytes.subspan(count);
+            inLine += count;
+            if (inLine != perLine) continue;
             out.append("\n");
             inLine = 0;
         }

@@ -25,20 +25,24 @@ RawBinaryInFile::RawBinaryInFile(const std::string& path, Platform::InputFile fi
 }
 
 void RawBinaryInFile::limitLength() {
-    dataLength = std::min<std::uint64_t>(data().size(), mostBytes);
-    if (data().size() <= mostBytes) return;
+    dataLength = std::min(fileSize(), mostBytes);
+    if (fileSize() <= mostBytes) return;
     Util::reportLine(
         "RawBinaryInFile(constructor-Operation). The information extracted from output file, "
         "contains too much DataElements.");
     Util::reportLine("  The max possible amount of Elements is : (int)", mostBytes);
-    Util::reportLine("  The dataLength is changed from: (int)", data().size(), " to: (int)",
+    Util::reportLine("  The dataLength is changed from: (int)", fileSize(), " to: (int)",
                      mostBytes);
 }
 
 Buffer::MemoryBuffer RawBinaryInFile::getMemory(std::uint64_t start, std::uint64_t length) const {
     if (length == 0) return {start, 0};
     Buffer::MemoryBuffer image = newImage(start, length);
-    image.overlayBytes(data().first(dataLength), minAddress);
+    const std::uint64_t end = start + image.getDataLength();
+    forBytes(start, std::min(end, dataLength),
+             [&image](std::uint64_t at, std::span<const std::uint8_t> bytes) {
+                 image.overlayBytes(bytes, at);
+             });
     return image;
 }
 

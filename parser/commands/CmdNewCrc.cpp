@@ -85,7 +85,7 @@ bool CmdNewCrc::execute(CmdContext& context) {
         const auto bytes = gatherBytes(context, fromBuffers, areas);
         if (!bytes) return false;
         const std::uint32_t code = crcType < calculations.size() ? crcType : 0;
-        context.crcs.try_emplace(crcName, calculations[code](*bytes));
+        context.crcs.try_emplace(crcName, calculations[code](bytes->view()));
         return true;
     });
 }

@@ -84,8 +84,8 @@ bool CmdNewHash::execute(CmdContext& context) {
         const auto bytes = gatherBytes(context, fromBuffers, areas);
         if (!bytes) return false;
         const Calculation calculation = calculations[hashType];
-        context.hashes.try_emplace(hashName,
-                                   calculation != nullptr ? calculation(*bytes) : ByteList{});
+        context.hashes.try_emplace(
+            hashName, calculation != nullptr ? calculation(bytes->view()) : ByteList{});
         return true;
     });
 }

@@ -3,6 +3,7 @@
 #include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/replace.hpp>
 #include <boost/algorithm/string/trim.hpp>
+#include <numeric>
 
 #include "util/Hex.hpp"
 #include "util/Report.hpp"
@@ -53,18 +54,31 @@ bool resolveSymbol(const CmdContext& context, const std::string& name, std::stri
     return true;
 }
 
-std::optional<std::vector<std::uint8_t>> gatherBytes(CmdContext& context,
-                                                     const std::vector<std::string>& names,
-                                                     const AreaList& areas) {
-    std::vector<std::uint8_t> bytes;
+GatheredBytes::GatheredBytes(const std::vector<std::span<const Buffer::MemoryElement>>& ranges)
+    : block_(std::accumulate(
+          ranges.begin(), ranges.end(), std::size_t{0},
+          [](std::size_t size, const auto& range) { return size + range.size(); })) {
+    auto* out = reinterpret_cast<std::uint8_t*>(block_.data());
+    for (const auto& range : ranges) {
+        Buffer::effectiveBytes(range, out);
+        out += range.size();
+    }
+}
+
+std::span<const std::uint8_t> GatheredBytes::view() const {
+    return {reinterpret_cast<const std::uint8_t*>(block_.data()), block_.size()};
+}
+
+std::optional<GatheredBytes> gatherBytes(CmdContext& context, const std::vector<std::string>& names,
+                                         const AreaList& areas) {
+    std::vector<std::span<const Buffer::MemoryElement>> ranges;
     for (const std::string& name : names) {
         const Buffer::MemoryBuffer* const buffer = findBuffer(context, name);
         if (buffer == nullptr) return std::nullopt;
-        if (areas.empty())
-            buffer->appendBytes(bytes, buffer->getStartAddress(), buffer->getDataLength());
-        for (const Area& area : areas) buffer->appendBytes(bytes, area.start, area.length);
+        if (areas.empty()) ranges.push_back(buffer->viewElements());
+        for (const Area& area : areas) ranges.push_back(buffer->viewRange(area.start, area.length));
     }
-    return bytes;
+    return GatheredBytes(ranges);
 }
 
 std::string cleanedPath(std::string text) {

@@ -3,11 +3,13 @@
 #include <cstdint>
 #include <exception>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "parser/commands/CmdContext.hpp"
+#include "platform/Platform.hpp"
 
 /// What all statements do alike: looking up names, reporting, gathering bytes.
 namespace Parser::WrapperLib {
@@ -27,12 +29,24 @@ const ByteList* findHash(const CmdContext& context, const std::string& name);
 /// neither; the text need not hold the name.
 bool resolveSymbol(const CmdContext& context, const std::string& name, std::string& text);
 
+/// Bytes that stand one behind the other in memory.
+class GatheredBytes {
+public:
+    /// The effective bytes of `ranges`, in order.
+    explicit GatheredBytes(const std::vector<std::span<const Buffer::MemoryElement>>& ranges);
+
+    std::span<const std::uint8_t> view() const;
+
+private:
+    /// Not a vector, which would write to all of it before the bytes come in.
+    Platform::PageBlock block_;
+};
+
 /// The effective bytes of the named images, in order; of each image the given areas in order, or
 /// the whole of it when there are none. An area that reaches outside an image adds nothing from it.
 /// Nothing, after the two lines of the convention, when an image is missing.
-std::optional<std::vector<std::uint8_t>> gatherBytes(CmdContext& context,
-                                                     const std::vector<std::string>& names,
-                                                     const AreaList& areas);
+std::optional<GatheredBytes> gatherBytes(CmdContext& context, const std::vector<std::string>& names,
+                                         const AreaList& areas);
 
 /// The text of a path argument: braces and quotes of both kinds removed wherever they stand, white
 /// space trimmed from both ends.

@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+
 #include "crypto/stream/crc/crc_bitwise.hpp"
+#include "tests/Vectors.hpp"
 
 namespace {
 
@@ -23,6 +27,37 @@ TEST(CrcBitwiseTest, CheckValueOfTheCatalogueHoweverCut) {
     EXPECT_EQ(value, 0x906E);
     crc.reset();
     EXPECT_EQ(crc.finish(), 0x0000);
+}
+
+TEST(CrcBitwiseTest, AgreesWithTheVectorsWhereverTheyAreCut) {
+    for (const Tests::Vector& vector : Tests::loadVectors("Crc16_ibm_sdlc")) {
+        const std::size_t size = vector.input.size();
+        for (const std::size_t cut : {std::size_t{0}, std::min<std::size_t>(size, 1), size / 2}) {
+            Sdlc crc;
+            crc.reset();
+            crc.update(vector.input.data(), cut);
+            crc.update(vector.input.data() + cut, size - cut);
+            const unsigned value = crc.finish();
+            EXPECT_EQ(Tests::hexOf(std::array{static_cast<std::uint8_t>(value),
+                                              static_cast<std::uint8_t>(value >> 8)}),
+                      vector.value)
+                << vector.inputName << " cut at " << cut;
+        }
+    }
+}
+
+/// What of `stream` is left to its branches.
+class Silent : public kv::crypto::stream::crc::crc_base<unsigned short> {
+public:
+    void reset() override {}
+    void update(const void* /*data*/, std::size_t /*length*/) override {}
+    unsigned short finish() override { return 0xFFFF; }
+};
+
+TEST(CrcBitwiseTest, AStreamWithoutAResultDeliversZero) {
+    unsigned short value = 1;
+    Silent().finish_into(value);
+    EXPECT_EQ(value, 0);
 }
 
 // The check values of CRC-16/IBM-3740 and CRC-16/GENIBUS in the public catalogue: nothing

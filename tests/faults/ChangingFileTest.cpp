@@ -66,9 +66,12 @@ fs::path writtenFile(const std::string& contents) {
 
 std::uint64_t lengthRead(const Format& format, const fs::path& path, Io::TextLines lines) {
     using namespace Io::Import;
-    if (&format == &formats[0]) return IntelHexInFile(path, std::move(lines)).getDataLength();
-    if (&format == &formats[1]) return MotorolaS_InFile(path, std::move(lines)).getDataLength();
-    return RawBinaryInFile(path, lines.takeFile()).getDataLength();
+    const auto length = [](const TessaronImportApi& reader) {
+        return reader.getMemory().getDataLength();
+    };
+    if (&format == &formats[0]) return length(IntelHexInFile(path, std::move(lines)));
+    if (&format == &formats[1]) return length(MotorolaS_InFile(path, std::move(lines)));
+    return length(RawBinaryInFile(path, lines.takeFile()));
 }
 
 TEST(ChangingFileTest, AnInputThatChangesIsRefused) {

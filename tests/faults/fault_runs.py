@@ -31,6 +31,7 @@ THREE_AS_HEX = ":020000040000FA\n:03000000010203F7\n:00000001FF\n"
 # 2.7 million characters of Intel HEX: more than one write.
 MEGA = "NEW_BUFFER M EMPTY -useBufferRange={0, 1000000}\n"
 WRITE_M = "WRITE_FILE m.hex WITH_BUFFERS {M}\n"
+READ = "read,pread64"
 WRITE_A = "WRITE_FILE a.hex WITH_BUFFERS {A}\n"
 
 
@@ -292,13 +293,15 @@ class Injected(Faults):
                   "The file was not parsed.\n")
         for source in ("FROM_FILE", "FROM_FILE_BINARY"):
             whole = bytes(1000000) if source == "FROM_FILE" else self.whole
-            self.check_input(source, "read:error=EINTR:when=1+2", whole)
-        self.check_input("FROM_FILE", "read:error=EIO:when=3", b"", NOT_READ % "in.hex", no_end)
-        self.check_input("FROM_FILE_BINARY", "read:error=EIO", b"", NOT_READ % "in.hex")
+            self.check_input(source, READ + ":error=EINTR:when=1+2", whole)
+        self.check_input("FROM_FILE", READ + ":error=EIO:when=3", b"", NOT_READ % "in.hex", no_end)
+        # What was not read is there as what nobody wrote.
+        self.check_input("FROM_FILE_BINARY", READ + ":error=EIO", bytes(len(self.whole)),
+                         NOT_READ % "in.hex")
 
     def test_a_script_is_run_as_a_whole_or_not_at_all(self):
         self.write("script.tsn", "")
-        done = self.run_script(THREE + WRITE_A, self.inject("script.tsn", "read:error=EIO"))
+        done = self.run_script(THREE + WRITE_A, self.inject("script.tsn", READ + ":error=EIO"))
         self.assertEqual((self.printed(done), done.stderr, done.returncode),
                          ("Error: Script script.tsn could not be prepared !\n"
                           "Operation aborted. Maybe stack overflow, script too big\n", "", 254))

@@ -189,6 +189,20 @@ TEST(EmbeddedC_AssemblerOutFileTest, TheThreeShapesAndTheLines) {
     EXPECT_EQ(embedded("", 2, images), "<0x3 2>\n\t.byte 0x01, 0x02\n\t.byte 0xAF\n0x3\n");
     EXPECT_EQ(embedded("", 0, images), "<0x3 0>\n" + three);
     EXPECT_EQ(embedded("", 16, {}), "<0x0 16>\n0x0\n");
+    // Longer than any piece in which lines are made.
+    for (const std::size_t perLine : {std::size_t{0}, std::size_t{1000}}) {
+        std::string lines;
+        for (std::size_t i = 0; i < 70000; ++i) {
+            const bool isFirst = perLine == 0 ? i == 0 : i % perLine == 0;
+            const bool isLast = i + 1 == 70000 || (perLine != 0 && (i + 1) % perLine == 0);
+            lines += std::string(isFirst ? "\t.byte 0x" : "0x") + (i < 40000 ? "5A" : "C3");
+            lines += isLast ? "\n" : ", ";
+        }
+        EXPECT_EQ(embedded("", static_cast<std::uint32_t>(perLine),
+                           {imageOf(0, std::vector<std::uint8_t>(40000, 0x5A)),
+                            imageOf(0, std::vector<std::uint8_t>(30000, 0xC3))}),
+                  "<0x11170 " + std::to_string(perLine) + ">\n" + lines + "0x11170\n");
+    }
     EXPECT_EQ(embedded(".text", 3, images),
               "<0x3 3>\n\n\n#pragma asm\n\n.section \".text\"\n" + three);
     for (const std::string section : {"text", ".a.b", ".", "a-b"})

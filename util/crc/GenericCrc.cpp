@@ -2,6 +2,7 @@
 
 #include <numeric>
 
+#include "util/crc/CrcFolding.hpp"
 #include "util/crc/CrcRegister.hpp"
 
 namespace Util::Crc::GenericCrc {
@@ -32,6 +33,35 @@ std::uint16_t wordSum(Bytes data, std::uint16_t start) {
     for (std::size_t i = 0; i < data.size(); i += 2)
         sum = static_cast<std::uint16_t>(sum + (data[i] << 8) + data[i + 1]);
     return sum;
+}
+
+/// Moves the register `crc` on over `data` by `rule`, long data folded first.
+///
+/// @param start  what `crc` adds to the first four bytes, the lowest byte first
+template <class Word, class Rule>
+Word update(Word crc, Bytes data, const Folding& folding, std::uint32_t start, Rule rule) {
+    if (data.size() < shortestFolded || !canFold()) return rule(crc, data);
+    const Folded folded = fold(data, start, folding);
+    return rule(rule(Word{0}, folded.remainder), folded.rest);
+}
+
+template <const auto& table, class Word>
+Word updateByReflectedTable(Word crc, Bytes data) {
+    // The entry of the highest bit alone is the polynomial.
+    static constexpr Folding folding = reflectedFolding(table[table.size() / 2]);
+    return update(crc, data, folding, crc,
+                  [](Word value, Bytes bytes) { return updateReflected(value, bytes, table); });
+}
+
+template <const auto& table, class Word>
+Word updateByForwardTable(Word crc, Bytes data) {
+    // The entry of the lowest bit alone is the polynomial.
+    static constexpr Folding folding = forwardFolding(table[1]);
+    std::uint32_t start = 0;
+    for (int shift = 0; shift < widthOf<Word>; shift += CHAR_BIT)
+        start = start << CHAR_BIT | ((crc >> shift) & UCHAR_MAX);
+    return update(crc, data, folding, start,
+                  [](Word value, Bytes bytes) { return updateForward(value, bytes, table); });
 }
 
 }  // namespace
@@ -65,28 +95,34 @@ std::uint16_t crc16TwosComplementSumBE(Bytes data, std::uint16_t seed) {
 }
 
 std::uint8_t crc8Eeprom(Bytes data, std::uint8_t seed) {
-    return updateReflected(seed, data, crc8EepromTable);
+    return updateByReflectedTable<crc8EepromTable>(seed, data);
 }
 
 std::uint16_t crc16Legacy(Bytes data, std::uint16_t seed) {
-    return updateReflected(seed, data, crc16LegacyTable);
+    return updateByReflectedTable<crc16LegacyTable>(seed, data);
 }
 
 std::uint16_t crc16Ccitt(Bytes data, std::uint16_t seed) {
-    return updateForward(seed, data, crc16CcittTable);
+    return updateByForwardTable<crc16CcittTable>(seed, data);
 }
 
 std::uint16_t crc16IbmSdlc(Bytes data, std::uint16_t seed) {
-    const std::uint16_t crc = updateBitwise<true>(seed, data, std::uint16_t{0x1021});
+    static constexpr std::uint16_t polynomial = 0x1021;
+    static constexpr Folding folding = reflectedFolding(reflect(polynomial));
+    // The register shifts left and takes reflected bytes: folding sees its mirror.
+    const std::uint16_t crc =
+        update(seed, data, folding, reflect(seed), [](std::uint16_t value, Bytes bytes) {
+            return updateBitwise<true>(value, bytes, polynomial);
+        });
     return onesComplement(reflect(crc));
 }
 
 std::uint32_t crc32Forward(Bytes data, std::uint32_t seed) {
-    return updateForward(seed, data, crc32ForwardTable);
+    return updateByForwardTable<crc32ForwardTable>(seed, data);
 }
 
 std::uint32_t crc32Reflected(Bytes data, std::uint32_t seed) {
-    return onesComplement(updateReflected(seed, data, crc32ReflectedTable));
+    return onesComplement(updateByReflectedTable<crc32ReflectedTable>(seed, data));
 }
 
 ByteList interpretBytes(Bytes data, int order) {

@@ -41,7 +41,7 @@ public:
         if (length == 0) return;
         const auto* bytes = static_cast<const unsigned char*>(data);
         message_length += length;
-        if (block_fill != 0 || length < BlockBytes) {
+        if (block_fill != 0) {
             const std::size_t chunk = std::min(BlockBytes - block_fill, length);
             std::memcpy(block.data() + block_fill, bytes, chunk);
             block_fill += chunk;
@@ -82,9 +82,9 @@ void put_bit_length(std::uint64_t& message_length, Put put) {
     // Byte by byte, since the count in bits may have 67 of them.
     unsigned carry = 0;
     for (std::size_t i = 0; i < LengthBits / 8; ++i) {
-        const unsigned v = static_cast<unsigned>(message_length << 3U) & 0x7FFU;
-        put(i, static_cast<unsigned char>((v & 0xFFU) | carry));
-        carry = static_cast<unsigned>(message_length >> 5U) & 7U;
+        const unsigned bits = static_cast<unsigned>(message_length & 0xFFU) << 3U;
+        put(i, static_cast<unsigned char>((bits & 0xFFU) | carry));
+        carry = bits >> 8U;
         message_length >>= 8U;
     }
 }

@@ -8,7 +8,7 @@ namespace kv::crypto::stream::hash {
 ///
 /// Beside the chaining value it keeps a sum of all blocks. No padding marks the end of a message:
 /// its length and the sum are compressed behind it.
-class hash_gost final : public hash_base<256, 256, unsigned int, 32> {
+class hash_gost : public hash_base<256, 256, unsigned int, 32> {
 public:
     void reset() override;
     digest_type finish() override;

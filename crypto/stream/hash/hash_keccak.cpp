@@ -1,93 +1,14 @@
 #include "crypto/stream/hash/hash_keccak.hpp"
 
-#include <bit>
-
-#include "crypto/stream/hash/words.hpp"
+#include "crypto/stream/hash/keccak_rounds.hpp"
 
 namespace kv::crypto::stream::hash {
-
-namespace {
-
-using Lane = unsigned long long;
-using Lanes = std::array<Lane, 25>;
-constexpr int rounds = 24;
-
-/// Round constants of iota: bit 2^j - 1 of constant r is the output 7 r + j of the feedback shift
-/// register x^8 + x^6 + x^5 + x^4 + 1. FIPS 202, section 3.2.5.
-constexpr std::array<Lane, rounds> roundConstants = [] {
-    std::array<Lane, rounds> constants{};
-    unsigned shiftRegister = 1;
-    for (Lane& constant : constants) {
-        for (unsigned j = 0; j <= 6; ++j) {
-            if ((shiftRegister & 1U) != 0) constant |= Lane{1} << ((1U << j) - 1);
-            shiftRegister = shiftRegister << 1U ^ (shiftRegister >> 7U) * 0x171U;
-        }
-    }
-    return constants;
-}();
-static_assert(roundConstants[0] == 1 && roundConstants[23] == 0x8000000080008008);
-
-/// Where rho and pi take each lane, and by how much it turns on the way: step t of the walk that
-/// begins at lane (1, 0) turns by (t + 1)(t + 2) / 2. FIPS 202, sections 3.2.2 and 3.2.3.
-struct Move {
-    std::size_t from = 0;
-    int rotation = 0;
-};
-constexpr std::array<Move, 25> moves = [] {
-    std::array<Move, 25> table{};
-    std::size_t x = 1;
-    std::size_t y = 0;
-    for (int t = 0; t < rounds; ++t) {
-        const std::size_t nextX = y;
-        const std::size_t nextY = (2 * x + 3 * y) % 5;
-        table[nextX + 5 * nextY] = {x + 5 * y, (t + 1) * (t + 2) / 2 % 64};
-        x = nextX;
-        y = nextY;
-    }
-    return table;
-}();
-
-[[gnu::always_inline]] inline void permute_round(const Lanes& a, Lanes& out, Lane constant) {
-    std::array<Lane, 5> parity;
-    for (std::size_t x = 0; x < 5; ++x)
-        parity[x] = a[x] ^ a[x + 5] ^ a[x + 10] ^ a[x + 15] ^ a[x + 20];
-    std::array<Lane, 5> theta;
-    for (std::size_t x = 0; x < 5; ++x)
-        theta[x] = parity[(x + 4) % 5] ^ std::rotl(parity[(x + 1) % 5], 1);
-#pragma GCC unroll 5
-    for (std::size_t y = 0; y < 5; ++y) {
-        std::array<Lane, 5> row;
-#pragma GCC unroll 5
-        for (std::size_t x = 0; x < 5; ++x) {
-            const Move move = moves[x + 5 * y];
-            row[x] = std::rotl(a[move.from] ^ theta[move.from % 5], move.rotation);
-        }
-#pragma GCC unroll 5
-        for (std::size_t x = 0; x < 5; ++x)
-            out[x + 5 * y] = row[x] ^ (~row[(x + 1) % 5] & row[(x + 2) % 5]);
-    }
-    out[0] ^= constant;
-}
-
-void keccak_f_1600(Lanes& lanes) {
-    Lanes other;
-    for (std::size_t round = 0; round < rounds; round += 2) {
-        permute_round(lanes, other, roundConstants[round]);
-        permute_round(other, lanes, roundConstants[round + 1]);
-    }
-}
-
-}  // namespace
 
 template <std::size_t DigestBits, unsigned char Suffix>
 void hash_keccak_f_1600_base<DigestBits, Suffix>::transform_blocks(const unsigned char* blocks,
                                                                    std::size_t count) {
-    constexpr std::size_t rate = hash_keccak_f_1600_base::block_bytes;
-    for (; count != 0; --count, blocks += rate) {
-        for (std::size_t i = 0; i < rate / sizeof(Lane); ++i)
-            this->state[i] ^= load_little<Lane>(blocks + sizeof(Lane) * i);
-        keccak_f_1600(this->state);
-    }
+    const auto absorb = has_bit_manipulation() ? &keccak_absorb_bmi : &keccak_absorb_portable;
+    absorb(this->state, hash_keccak_f_1600_base::block_bytes, blocks, count);
 }
 
 template class hash_keccak_f_1600_base<224, 6>;

@@ -45,6 +45,6 @@ protected:
 };
 
 template <std::size_t DigestBits>
-class hash_sha3 final : public hash_keccak_f_1600_base<DigestBits, 6> {};
+class hash_sha3 : public hash_keccak_f_1600_base<DigestBits, 6> {};
 
 }  // namespace kv::crypto::stream::hash

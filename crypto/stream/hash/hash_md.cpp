@@ -178,7 +178,10 @@ void hash_md2::transform_blocks(const unsigned char* blocks, std::size_t count) 
         }
         unsigned carried = 0;
         for (unsigned pass = 0; pass < passes; ++pass) {
-            for (unsigned char& x : state) carried = x ^= PI_SUBST[carried];
+            for (unsigned char& x : state) {
+                carried = PI_SUBST[carried] ^ x;
+                x = static_cast<unsigned char>(carried);
+            }
             carried = (carried + pass) % PI_SUBST.size();
         }
     }

@@ -54,20 +54,20 @@ private:
 using hash_md_128_base = hash_md_base<128, 128, unsigned int, 64, 64>;
 
 /// MD4, RFC 1320.
-class hash_md4 final : public hash_md_128_base {
+class hash_md4 : public hash_md_128_base {
 protected:
     void transform_blocks(const unsigned char* blocks, std::size_t count) override;
 };
 
 /// MD5, RFC 1321.
-class hash_md5 final : public hash_md_128_base {
+class hash_md5 : public hash_md_128_base {
 protected:
     void transform_blocks(const unsigned char* blocks, std::size_t count) override;
 };
 
 /// MD2, RFC 1319. It has no length field: the message is filled up to whole blocks, and the running
 /// checksum is its last block.
-class hash_md2 final : public hash_base<128, 384, unsigned char, 16> {
+class hash_md2 : public hash_base<128, 384, unsigned char, 16> {
 public:
     void reset() override;
     digest_type finish() override;

@@ -67,7 +67,8 @@ template <std::size_t Function>
     else if constexpr (Function == 2)
         return (x | ~y) ^ z;
     else if constexpr (Function == 3)
-        return y ^ (z & (x ^ y));
+        // Two parts without a common bit: the second need not wait for the newest register, x.
+        return (x & z) + (y & ~z);
     else
         return x ^ (y | ~z);
 }
@@ -104,26 +105,24 @@ template <std::size_t Step, bool IsLeft, std::size_t Size>
     }
 }
 
-/// Both lines through their rounds; `hook` gets the registers of round r behind it.
-template <std::size_t Size, class Hook>
+/// A step of both lines. Behind round r the hook gets the r-th registers of both.
+template <auto SwapWords, std::size_t Step, std::size_t Size>
+[[gnu::always_inline]] inline void step_both(Line<Size>& left, Line<Size>& right, const Words& x) {
+    step_line<Step, true>(left, x);
+    step_line<Step, false>(right, x);
+    constexpr std::size_t round = Step / wordsInBlock;
+    if constexpr (Step % wordsInBlock == wordsInBlock - 1) SwapWords(left[round], right[round]);
+}
+
+template <auto SwapWords, std::size_t Size, std::size_t... steps>
 [[gnu::always_inline]] inline void run_lines(Line<Size>& left, Line<Size>& right, const Words& x,
-                                             Hook hook) {
-    const auto step = [&](auto number) {
-        step_line<number, true>(left, x);
-        step_line<number, false>(right, x);
-        constexpr std::size_t next = number + 1;
-        if constexpr (next % wordsInBlock == 0)
-            hook(left[next / wordsInBlock - 1], right[next / wordsInBlock - 1]);
-    };
-    [&]<std::size_t... numbers>(std::index_sequence<numbers...>) {
-        (step(std::integral_constant<std::size_t, numbers>()), ...);
-    }
-    (std::make_index_sequence<Size * wordsInBlock>());
+                                             std::index_sequence<steps...> /*numbers*/) {
+    (step_both<SwapWords, steps>(left, right, x), ...);
 }
 
 /// The compression function of one layer over `count` blocks. `Size` registers make a line.
-template <std::size_t Size, bool HasTwoHalves, class State, class Hook>
-void compress_lines(State& state, const unsigned char* blocks, std::size_t count, Hook hook) {
+template <std::size_t Size, bool HasTwoHalves, auto SwapWords, class State>
+void compress_lines(State& state, const unsigned char* blocks, std::size_t count) {
     constexpr std::size_t rightStart = HasTwoHalves ? Size : 0;
     constexpr std::size_t blockBytes = 64;
     for (; count != 0; --count, blocks += blockBytes) {
@@ -134,7 +133,7 @@ void compress_lines(State& state, const unsigned char* blocks, std::size_t count
         Line<Size> right;
         std::copy_n(state.begin(), Size, left.begin());
         std::copy_n(state.begin() + rightStart, Size, right.begin());
-        run_lines(left, right, x, hook);
+        run_lines<SwapWords>(left, right, x, std::make_index_sequence<Size * wordsInBlock>());
         const State old = state;
         for (std::size_t i = 0; i < Size; ++i) {
             if constexpr (HasTwoHalves) {
@@ -153,15 +152,15 @@ void compress_lines(State& state, const unsigned char* blocks, std::size_t count
 template <std::size_t Bits>
 void hash_ripemd_128_256_base<Bits>::transform_blocks(const unsigned char* blocks,
                                                       std::size_t count) {
-    compress_lines<4, hash_ripemd_base<Bits>::has_two_halves>(this->state, blocks, count,
-                                                              &hash_ripemd_base<Bits>::swap_words);
+    using variant = hash_ripemd_base<Bits>;
+    compress_lines<4, variant::has_two_halves, &variant::swap_words>(this->state, blocks, count);
 }
 
 template <std::size_t Bits>
 void hash_ripemd_160_320_base<Bits>::transform_blocks(const unsigned char* blocks,
                                                       std::size_t count) {
-    compress_lines<5, hash_ripemd_base<Bits>::has_two_halves>(this->state, blocks, count,
-                                                              &hash_ripemd_base<Bits>::swap_words);
+    using variant = hash_ripemd_base<Bits>;
+    compress_lines<5, variant::has_two_halves, &variant::swap_words>(this->state, blocks, count);
 }
 
 template class hash_ripemd_128_256_base<128>;

@@ -46,11 +46,11 @@ private:
     void set_fifth_word() { this->state[4] = 0xC3D2E1F0; }
 };
 
-class hash_ripemd128 final : public hash_ripemd_128_256_base<128> {};
+class hash_ripemd128 : public hash_ripemd_128_256_base<128> {};
 
-class hash_ripemd160 final : public hash_ripemd_160_320_base<160> {};
+class hash_ripemd160 : public hash_ripemd_160_320_base<160> {};
 
-class hash_ripemd256 final : public hash_ripemd_128_256_base<256> {
+class hash_ripemd256 : public hash_ripemd_128_256_base<256> {
 public:
     hash_ripemd256() { set_second_half(); }
     void reset() override;
@@ -59,7 +59,7 @@ private:
     void set_second_half();
 };
 
-class hash_ripemd320 final : public hash_ripemd_160_320_base<320> {
+class hash_ripemd320 : public hash_ripemd_160_320_base<320> {
 public:
     hash_ripemd320() { set_second_half(); }
     void reset() override;

@@ -37,7 +37,7 @@ public:
     }
 };
 
-class hash_sha1 final : public hash_sha_base<160, 160, unsigned int, 64, 64> {
+class hash_sha1 : public hash_sha_base<160, 160, unsigned int, 64, 64> {
 public:
     hash_sha1() { set_initial_words(); }
     void reset() override;
@@ -63,7 +63,7 @@ protected:
     void transform_blocks(const unsigned char* blocks, std::size_t count) override;
 };
 
-class hash_sha224 final : public hash_sha_224_256_base<224> {
+class hash_sha224 : public hash_sha_224_256_base<224> {
 public:
     hash_sha224() { set_initial_words(); }
     void reset() override;
@@ -72,7 +72,7 @@ private:
     void set_initial_words();
 };
 
-class hash_sha256 final : public hash_sha_224_256_base<256> {
+class hash_sha256 : public hash_sha_224_256_base<256> {
 public:
     hash_sha256() { set_initial_words(); }
     void reset() override;
@@ -81,7 +81,7 @@ private:
     void set_initial_words();
 };
 
-class hash_sha384 final : public hash_sha_384_512_base<384> {
+class hash_sha384 : public hash_sha_384_512_base<384> {
 public:
     hash_sha384() { set_initial_words(); }
     void reset() override;
@@ -90,7 +90,7 @@ private:
     void set_initial_words();
 };
 
-class hash_sha512 final : public hash_sha_384_512_base<512> {
+class hash_sha512 : public hash_sha_384_512_base<512> {
 public:
     hash_sha512() { set_initial_words(); }
     void reset() override;

@@ -7,6 +7,8 @@
 
 #include <utility>
 
+#include "crypto/stream/hash/sha2_round.hpp"
+
 #define TESSARON_SHA [[gnu::target("sha,sse4.1,ssse3")]]
 
 namespace kv::crypto::stream::hash {
@@ -32,26 +34,37 @@ TESSARON_SHA inline void store(void* place, __m128i words) {
     _mm_storeu_si128(static_cast<__m128i*>(place), words);
 }
 
-/// Four rounds of SHA-1 from round 4 * `Group` on, and the message words of later groups as far as
-/// they can be made by then.
+/// The sixteen words of a block, their bytes put in order.
+TESSARON_SHA inline void load_words(__m128i (&w)[4], const unsigned char* block, __m128i order) {
+    for (std::size_t i = 0; i < 4; ++i)
+        w[i] = _mm_shuffle_epi8(load(block + sizeof(__m128i) * i), order);
+}
+
+/// Four rounds of SHA-1 from round 4 * `Group` on, for which `e` has its words already. Meanwhile
+/// the words of these rounds go into those of the next three groups.
 template <int Group>
-TESSARON_SHA inline void sha1_group(__m128i& abcd, __m128i& e, __m128i& last, __m128i (&w)[4]) {
-    constexpr int now = Group % 4;
-    e = Group == 0 ? _mm_add_epi32(e, w[now]) : _mm_sha1nexte_epu32(last, w[now]);
-    last = abcd;
+TESSARON_SHA inline void sha1_group(__m128i& abcd, __m128i& e, __m128i (&w)[4], __m128i old_e) {
+    constexpr int lastGroup = 19;
+    const __m128i words = w[Group % 4];
+    __m128i& first = w[(Group + 1) % 4];
+    __m128i& second = w[(Group + 2) % 4];
+    __m128i& third = w[(Group + 3) % 4];
+    if constexpr (Group >= 3 && Group + 1 <= lastGroup) first = _mm_sha1msg2_epu32(first, words);
+    // The rounds wait for nothing but `abcd`: they shall work in its register and leave the copy to
+    // the rest. Without a hint the compiler has it the other way round, which costs 2 % of the
+    // time.
+    __m128i copy = abcd;
+    asm("" : "+x"(copy));
     abcd = _mm_sha1rnds4_epu32(abcd, e, Group / 5);
-    // w[now] makes way for the words of group + 4.
-    if constexpr (Group + 4 < 20) {
-        __m128i next = _mm_sha1msg1_epu32(w[now], w[(now + 1) % 4]);
-        next = _mm_xor_si128(next, w[(now + 2) % 4]);
-        w[now] = _mm_sha1msg2_epu32(next, w[(now + 3) % 4]);
-    }
+    e = _mm_sha1nexte_epu32(copy, Group == lastGroup ? old_e : first);
+    if constexpr (Group >= 2 && Group + 2 <= lastGroup) second = _mm_xor_si128(second, words);
+    if constexpr (Group >= 1 && Group + 3 <= lastGroup) third = _mm_sha1msg1_epu32(third, words);
 }
 
 template <int... groups>
-TESSARON_SHA inline void sha1_rounds(__m128i& abcd, __m128i& e, __m128i& last, __m128i (&w)[4],
+TESSARON_SHA inline void sha1_rounds(__m128i& abcd, __m128i& e, __m128i (&w)[4], __m128i old_e,
                                      std::integer_sequence<int, groups...> /*numbers*/) {
-    (sha1_group<groups>(abcd, e, last, w), ...);
+    (sha1_group<groups>(abcd, e, w, old_e), ...);
 }
 
 /// Four rounds of SHA-256 from round 4 * `Group` on, and the message words of group + 4.
@@ -59,7 +72,8 @@ template <int Group>
 TESSARON_SHA inline void sha256_group(__m128i& abef, __m128i& cdgh, __m128i (&w)[4]) {
     constexpr int now = Group % 4;
     constexpr int upperHalf = 0x0E;
-    const __m128i words = _mm_add_epi32(w[now], load(&sha256_constants[4 * Group]));
+    const __m128i words =
+        _mm_add_epi32(w[now], load(&Sha2<std::uint32_t>::constants[std::size_t{4} * Group]));
     cdgh = _mm_sha256rnds2_epu32(cdgh, abef, words);
     abef = _mm_sha256rnds2_epu32(abef, cdgh, _mm_shuffle_epi32(words, upperHalf));
     if constexpr (Group + 4 < 16) {
@@ -91,12 +105,11 @@ TESSARON_SHA void sha1_blocks_extensions(sha1_state& state, const unsigned char*
     __m128i e = _mm_set_epi32(static_cast<int>(state[4]), 0, 0, 0);
     for (; count != 0; --count, blocks += blockBytes) {
         __m128i w[4];
-        for (int i = 0; i < 4; ++i) w[i] = _mm_shuffle_epi8(load(blocks + 16 * i), order);
+        load_words(w, blocks, order);
         const __m128i oldAbcd = abcd;
         const __m128i oldE = e;
-        __m128i last = abcd;
-        sha1_rounds(abcd, e, last, w, std::make_integer_sequence<int, 20>());
-        e = _mm_sha1nexte_epu32(last, oldE);
+        e = _mm_add_epi32(e, w[0]);
+        sha1_rounds(abcd, e, w, oldE, std::make_integer_sequence<int, 20>());
         abcd = _mm_add_epi32(abcd, oldAbcd);
     }
     store(state.data(), _mm_shuffle_epi32(abcd, reverseWords));
@@ -114,7 +127,7 @@ TESSARON_SHA void sha256_blocks_extensions(sha256_state& state, const unsigned c
     __m128i cdgh = _mm_blend_epi16(efgh, cdab, 0xF0);
     for (; count != 0; --count, blocks += blockBytes) {
         __m128i w[4];
-        for (int i = 0; i < 4; ++i) w[i] = _mm_shuffle_epi8(load(blocks + 16 * i), order);
+        load_words(w, blocks, order);
         const __m128i oldAbef = abef;
         const __m128i oldCdgh = cdgh;
         sha256_rounds(abef, cdgh, w, std::make_integer_sequence<int, 16>());

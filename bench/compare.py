@@ -1,0 +1,279 @@
+#!/usr/bin/env python3
+"""The measurements behind bench/compare.sh.
+
+  compare.py PROGRAM FOLDER LARGEST
+
+FOLDER holds `measure` and `limit`, LARGEST is the size of the largest image in MiB. The inputs are
+made by objcopy, not by the program that is measured, and the output of every tool is compared
+before a figure counts. The tools run in turn, so that whatever else the machine does hits all.
+"""
+import os
+import pathlib
+import random
+import statistics
+import subprocess
+import sys
+import tempfile
+
+MIB = 1 << 20
+BASE = 0x08000000
+SCRIPTS = {
+    "hex": "WRITE_FILE outFile WITH_BUFFERS {@B}\n",
+    "srec": "WRITE_FILE outFile WITH_BUFFERS {@B} -setFormat=MotorolaS_32\n",
+    "raw": "WRITE_FILE outFile WITH_BUFFERS {@B} -setFormat=RawBinary\n",
+}
+MAIN_JOB = """NEW_BUFFER @B FROM_FILE inFile -useAreas={{0x08000000, 0x20000}}
+FILL_BUFFER @B WITH_FILLER { 0x00, 0xA0, 0xF0, 0xF7 }
+NEW_CRC @C FROM_BUFFER @B -useAreas={{0x08000000, 0x1FFFC}} -setType=Crc32_Vector_AUTOSAR
+FILL_BUFFER @B WITH_CRC @C -useAreas={{0x0801FFFC, 4}}
+WRITE_FILE outFile WITH_BUFFERS {@B}
+"""
+OBJCOPY_NAMES = {"hex": "ihex", "srec": "srec", "raw": "binary"}
+SREC_NAMES = {"hex": "-intel", "srec": "-motorola", "raw": "-binary"}
+
+
+class Bench:
+    def __init__(self, program, tools, work):
+        self.program = str(program)
+        self.measure = str(tools / "measure")
+        self.limit = str(tools / "limit")
+        self.work = work
+
+    def path(self, name):
+        return str(self.work / name)
+
+    def script(self, name, text):
+        (self.work / name).write_text(text)
+        return self.path(name)
+
+    def once(self, command):
+        report = self.path("report")
+        if subprocess.run([self.measure, report] + command, cwd=self.work).returncode != 0:
+            sys.exit("cannot run " + command[0])
+        status, processor, wall, memory = map(int, pathlib.Path(report).read_text().split())
+        if status != 0:
+            sys.exit("failed: " + " ".join(command))
+        return processor / 1e6, wall / 1e6, memory / 1024
+
+    def compare(self, commands, rounds):
+        """Medians of processor seconds, wall seconds and MiB by name, the commands run in turn."""
+        samples = {name: [] for name in commands}
+        for _ in range(rounds):
+            for name, command in commands.items():
+                samples[name].append(self.once(command))
+        return {name: [statistics.median(column) for column in zip(*rows)]
+                for name, rows in samples.items()}
+
+
+def objcopy(source, source_format, target, target_format):
+    command = ["objcopy", "-I", OBJCOPY_NAMES[source_format], "-O", OBJCOPY_NAMES[target_format]]
+    if source_format == "raw":
+        command += ["--change-addresses", hex(BASE)]
+    return command + [source, target]
+
+
+def srec_cat(source, source_format, target, target_format):
+    command = ["srec_cat", source, SREC_NAMES[source_format]]
+    if source_format == "raw":
+        command += ["-offset", hex(BASE)]
+    if target_format == "raw":
+        command += ["-offset", "-" + hex(BASE)]
+    return command + ["-o", target, SREC_NAMES[target_format]]
+
+
+def intelhex(source, source_format, target, target_format):
+    """None where the library knows no such format."""
+    if "srec" in (source_format, target_format):
+        return None
+    form = {"hex": "hex", "raw": "bin"}
+    offset = ", offset=%d" % BASE if source_format == "raw" else ""
+    code = ("import intelhex; i = intelhex.IntelHex(); i.load%s('%s'%s); i.%s('%s')"
+            % (form[source_format], source, offset,
+               {"hex": "write_hex_file", "raw": "tobinfile"}[target_format], target))
+    # The system's interpreter is the one for which Debian packs the library.
+    return ["/usr/bin/python3", "-c", code]
+
+
+def bytes_of(path, form):
+    """What a file of some format holds, as objcopy reads it."""
+    if form == "raw":
+        return pathlib.Path(path).read_bytes()
+    with tempfile.NamedTemporaryFile() as raw:
+        subprocess.run(objcopy(path, form, raw.name, "raw"), check=True)
+        return pathlib.Path(raw.name).read_bytes()
+
+
+def check(outputs, form):
+    contents = {name: bytes_of(path, form) for name, path in outputs.items()}
+    wanted = contents["CmdTessaron"]
+    for name, got in contents.items():
+        if got != wanted:
+            sys.exit("%s and CmdTessaron do not agree" % name)
+
+
+def ratio(ours, peers, column):
+    """How many times the best peer's cost is ours."""
+    return min(figures[column] for figures in peers.values()) / ours[column]
+
+
+def table_head(title, peers):
+    print("\n### %s\n" % title)
+    print("| item | MiB | CmdTessaron | " + " | ".join(peers) + " | times the best: processor, wall |")
+    print("| --- | ---: | " + "| ".join(["---: "] * (len(peers) + 2)) + "|")
+
+
+def cell(figures):
+    if figures is None:
+        return "cannot"
+    return "%.4f / %.4f / %.0f" % tuple(figures) if figures[0] < 0.05 else "%.3f / %.3f / %.0f" % tuple(figures)
+
+
+def row(name, size, result, peers):
+    ours = result["CmdTessaron"]
+    others = {peer: result[peer] for peer in peers if peer in result}
+    factors = ("%.2f, %.2f" % (ratio(ours, others, 0), ratio(ours, others, 1))) if others else "no peer"
+    print("| %s | %s | %s | %s | %s |" % (name, size, cell(ours),
+                                        " | ".join(cell(result.get(peer)) for peer in peers),
+                                        factors), flush=True)
+
+
+def make_inputs(bench, size):
+    raw = bench.path("image-of-%d-MiB.bin" % size)
+    if not os.path.exists(raw):
+        generator = random.Random(size)
+        with open(raw, "wb") as out:
+            for _ in range(size):
+                out.write(generator.randbytes(MIB))
+        for form in ("hex", "srec"):
+            # The name goes into the header record and makes it as long as readers want it.
+            subprocess.run(objcopy(raw, "raw", bench.path("image-of-%d-MiB.%s" % (size, form)), form),
+                           check=True)
+    return {"raw": raw, "hex": bench.path("image-of-%d-MiB.hex" % size),
+            "srec": bench.path("image-of-%d-MiB.srec" % size)}
+
+
+def conversion(bench, inputs, source, target, size):
+    read = "FROM_FILE_BINARY" if source == "raw" else "FROM_FILE"
+    move = " -changeStartAddressTo=0x08000000" if source == "raw" else ""
+    script = bench.script("%s-%s.tsn" % (source, target),
+                          "NEW_BUFFER @B %s inFile%s\n%s" % (read, move, SCRIPTS[target]))
+    outputs = {name: bench.path("out-" + name.replace(" ", "-")) for name in
+               ("CmdTessaron", "srec_cat", "objcopy", "intelhex", "practical limit")}
+    commands = {"CmdTessaron": [bench.program, "inFile=" + inputs[source],
+                                "outFile=" + outputs["CmdTessaron"], script]}
+    for name, maker in (("srec_cat", srec_cat), ("objcopy", objcopy)):
+        commands[name] = maker(inputs[source], source, outputs[name], target)
+    if size == 1:
+        commands["intelhex"] = intelhex(inputs[source], source, outputs["intelhex"], target)
+    commands["practical limit"] = [bench.limit, source, target, inputs[source],
+                                   outputs["practical limit"]]
+    commands = {name: command for name, command in commands.items() if command}
+    result = bench.compare(commands, 9 if size <= 16 else 5 if size <= 64 else 3)
+    check({name: outputs[name] for name in commands}, target)
+    return result
+
+
+def conversions(bench, largest):
+    peers = ["srec_cat", "objcopy", "intelhex"]
+    pairs = [("hex", "hex"), ("hex", "srec"), ("srec", "hex"), ("raw", "hex"), ("hex", "raw")]
+    limits = []
+    table_head("Conversions", peers)
+    for size in (1, 16, 64, 256):
+        if size > largest:
+            break
+        inputs = make_inputs(bench, size)
+        for source, target in pairs:
+            name = "%s to %s" % (source, target)
+            result = conversion(bench, inputs, source, target, size)
+            limit = result.pop("practical limit")
+            limits.append((name, size, result["CmdTessaron"], limit))
+            row(name, size, result, peers)
+    print("\n### The practical limit\n")
+    print("One pass that decodes, tests, encodes and writes each record, with no image in between.\n")
+    print("| item | MiB | CmdTessaron | limit | times the limit: processor | bytes an image byte |")
+    print("| --- | ---: | ---: | ---: | ---: | ---: |")
+    for name, size, ours, limit in limits:
+        print("| %s | %d | %s | %s | %.2f | %.2f |" % (name, size, cell(ours), cell(limit),
+                                                     ours[0] / limit[0], ours[2] / size))
+
+
+def main_job(bench):
+    image = bytearray(random.Random(3).randbytes(0x25000))
+    pieces = [(0, 0x12000), (0x14000, 0x1F000), (0x24000, 0x25000)]
+    parts = []
+    for number, (first, last) in enumerate(pieces):
+        part = bench.path("part%d" % number)
+        pathlib.Path(part).write_bytes(image[first:last])
+        parts += [part, "-binary", "-offset", hex(BASE + first)]
+    source = bench.path("main.hex")
+    subprocess.run(["srec_cat"] + parts + ["-o", source, "-intel"], check=True)
+    end, last = "0x08020000", "0x0801FFFC"
+    commands = {
+        "CmdTessaron": [bench.program, "inFile=" + source, "outFile=" + bench.path("out.hex"),
+                        bench.script("main.tsn", MAIN_JOB)],
+        "srec_cat": ["srec_cat", "(", source, "-intel", "-crop", hex(BASE), last, "-generate",
+                     hex(BASE), last, "-repeat-data", "0x00", "0xA0", "0xF0", "0xF7", "-exclude",
+                     "-within", source, "-intel", ")", "-crc32-l-e", last, "-crop", hex(BASE), end,
+                     "-o", bench.path("out-srec_cat"), "-intel"],
+        "objcopy, a plain copy": objcopy(source, "hex", bench.path("out-objcopy"), "hex"),
+    }
+    result = bench.compare(commands, 41)
+    check({"CmdTessaron": bench.path("out.hex"), "srec_cat": bench.path("out-srec_cat")}, "hex")
+    peers = ["srec_cat", "objcopy, a plain copy"]
+    table_head("The main job: crop, fill, CRC-32, Intel HEX", peers)
+    row("main job", "1/8", result, peers)
+
+
+def checksums(bench):
+    source = make_inputs(bench, 64)["raw"]
+    read = "NEW_BUFFER @B FROM_FILE_BINARY inFile\n"
+    crc = {
+        "CmdTessaron": [bench.program, "inFile=" + source, bench.script(
+            "crc.tsn", read + "NEW_CRC @C FROM_BUFFER @B -setType=Crc32_Vector_AUTOSAR\nPRINT_CRC @C\n")],
+        "srec_cat": ["srec_cat", source, "-binary", "-crc32-l-e", hex(64 * MIB), "-crop",
+                     hex(64 * MIB), hex(64 * MIB + 4), "-o", bench.path("crc"), "-intel"],
+    }
+    digest = {
+        "CmdTessaron": [bench.program, "inFile=" + source, bench.script(
+            "sha.tsn", read + "NEW_HASH @H FROM_BUFFER @B -setType=Hash_Sha2_256\nPRINT_HASH @H\n")],
+        "openssl": ["openssl", "dgst", "-sha256", source],
+        "sha256sum": ["sha256sum", source],
+    }
+    peers = ["srec_cat", "openssl", "sha256sum"]
+    table_head("Checksums of a raw image", peers)
+    row("CRC-32", 64, bench.compare(crc, 5), peers)
+    row("SHA-256", 64, bench.compare(digest, 5), peers)
+
+
+def statements(bench):
+    text = "NEW_BUFFER @B FROM_VALUES {1, 2, 3, 4} -changeStartAddressTo=0x1000\n"
+    for number in range(333):
+        text += "NEW_CRC @C%d FROM_BUFFER @B -useAreas={{0x1000, %d}}\n" % (number, number % 4 + 1)
+        text += "FILL_BUFFER @B WITH_CRC @C%d -useAreas={{0x1000, 4}}\n" % number
+        text += "PRINT_TEXT {number %d is [2 * %d]}\n" % (number, number)
+    command = {"CmdTessaron": [bench.program, bench.script("small.tsn", text)]}
+    table_head("A script of 1,000 small statements", [])
+    row("statements", "0", bench.compare(command, 21), [])
+
+
+def machine():
+    model = [line.split(":")[1].strip() for line in open("/proc/cpuinfo") if "model name" in line]
+    version = lambda command: subprocess.run(command, capture_output=True, text=True).stdout.splitlines()[0]
+    print("%s, %d cores; %s; %s." % (model[0], len(model), version(["srec_cat", "--version"]),
+                                    version(["objcopy", "--version"])))
+    print("\nMedians of: processor time in s (user and system) / wall time in s / peak memory in MiB.")
+
+
+def main():
+    program, tools, largest = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2]), int(sys.argv[3])
+    with tempfile.TemporaryDirectory(prefix="tessaron-compare-", dir="build") as folder:
+        bench = Bench(program.resolve(), tools.resolve(), pathlib.Path(folder).resolve())
+        machine()
+        main_job(bench)
+        conversions(bench, largest)
+        checksums(bench)
+        statements(bench)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,13 @@
+#!/bin/sh
+# Compares whole runs of CmdTessaron with other tools and with the practical limit, and prints
+# Markdown tables. Sets up what it needs, the other tools included.
+#   bench/compare.sh [largest size in MiB, 256 if not given]
+set -eu
+cd "$(dirname "$0")/.."
+scripts/setup.sh bench
+{ cmake --preset release && cmake --build --preset release &&
+    cmake --preset bench && cmake --build --preset bench --target measure limit; } >build/compare.log 2>&1 || {
+    cat build/compare.log
+    exit 1
+}
+exec python3 bench/compare.py build/release/CmdTessaron build/bench/bench "${1:-256}"

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+/// Whole blocks through the permutation Keccak-f[1600], FIPS 202 section 3.
+namespace kv::crypto::stream::hash {
+
+using keccak_lanes = std::array<unsigned long long, 25>;
+
+/// Each of the `count` blocks of `rate` bytes is xored into the first lanes, which are then
+/// permuted.
+void keccak_absorb_portable(keccak_lanes& lanes, std::size_t rate, const unsigned char* blocks,
+                            std::size_t count);
+
+/// The processor has the instruction sets BMI and BMI2, which rotate and and-not into a third
+/// register. If not, the function below, the same in these instructions, must not be called.
+bool has_bit_manipulation();
+
+void keccak_absorb_bmi(keccak_lanes& lanes, std::size_t rate, const unsigned char* blocks,
+                       std::size_t count);
+
+}  // namespace kv::crypto::stream::hash

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <array>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "util/crc/CrcRegister.hpp"
+
+/// Long data for the polynomial CRCs: all but its last bytes is folded into sixteen bytes that
+/// leave the same remainder, 64 bytes at a time, with the carry-less multiplication of the
+/// processor. V. Gopal et al., "Fast CRC Computation for Generic Polynomials Using PCLMULQDQ
+/// Instruction", Intel, 2009.
+namespace Util::Crc {
+
+/// The multipliers of one polynomial. To move sixteen bytes on by n bits over the data, each of
+/// their halves is multiplied by a power of x, modulo the polynomial, that has n in its exponent.
+struct Folding {
+    using Halves = std::array<std::uint64_t, 2>;
+    bool isReflected;
+    Halves by64Bytes;
+    Halves by16Bytes;
+};
+
+/// x to the power of `exponent`, modulo `polynomial`.
+template <std::unsigned_integral Word>
+constexpr std::uint64_t powerOfX(int exponent, Word polynomial) {
+    Word power = 1;
+    for (int i = 0; i < exponent; ++i) power = shiftForward(power, polynomial);
+    return power;
+}
+
+/// For registers that shift left. The second half of sixteen bytes is the lower one.
+template <std::unsigned_integral Word>
+constexpr Folding forwardFolding(Word polynomial) {
+    const auto halves = [&](int bits) {
+        return Folding::Halves{powerOfX(bits, polynomial), powerOfX(bits + 64, polynomial)};
+    };
+    return {false, halves(64 * 8), halves(16 * 8)};
+}
+
+/// For registers that shift right. The first half of sixteen bytes is the lower one, and the
+/// product of reflected numbers comes out one bit too far up.
+template <std::unsigned_integral Word>
+constexpr Folding reflectedFolding(Word reflectedPolynomial) {
+    const Word polynomial = reflect(reflectedPolynomial);
+    const auto halves = [&](int bits) {
+        return Folding::Halves{reflect(powerOfX(bits + 64 - 1, polynomial)),
+                               reflect(powerOfX(bits - 1, polynomial))};
+    };
+    return {true, halves(64 * 8), halves(16 * 8)};
+}
+
+struct Folded {
+    /// Through a register that starts at 0 they leave what the folded data would have left.
+    std::array<std::uint8_t, 16> remainder;
+    /// The data behind it, less than sixteen bytes.
+    std::span<const std::uint8_t> rest;
+};
+
+/// The processor has the carry-less multiplication. If not, `fold` must not be called.
+bool canFold();
+
+/// Data shorter than this is not folded.
+inline constexpr std::size_t shortestFolded = 64;
+
+/// Folds `data`, with `start` added to (xored into) its first four bytes, the lowest byte first.
+Folded fold(std::span<const std::uint8_t> data, std::uint32_t start, const Folding& folding);
+
+}  // namespace Util::Crc
