@@ -44,9 +44,14 @@ int run(std::span<const char* const> arguments) {
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
+    Platform::guardStreams();
     try {
-        return run(
-            std::span<const char* const>(arguments, static_cast<std::size_t>(argumentCount)));
+        const int code =
+            run(std::span<const char* const>(arguments, static_cast<std::size_t>(argumentCount)));
+        // The reports of failed statements may be among what was lost.
+        if (!std::cout)
+            std::cerr << "Warning: Standard output could not be written completely !" << std::endl;
+        return code;
     } catch (const std::exception& error) {
         std::cerr << "Error: " << error.what() << std::endl;
         return exitWithoutRun;

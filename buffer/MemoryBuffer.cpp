@@ -1,6 +1,7 @@
 #include "buffer/MemoryBuffer.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <ios>
 
@@ -32,12 +33,15 @@ void applyPattern(std::span<MemoryElement> destination, std::span<const MemoryEl
 /// cost a loop of their own for every few elements.
 constexpr std::size_t patternStretch = 4096;
 
-std::vector<MemoryElement> stretched(std::span<const MemoryElement> pattern) {
-    std::vector<MemoryElement> longer;
-    longer.reserve(patternStretch);
-    while (longer.size() + pattern.size() <= patternStretch)
-        longer.insert(longer.end(), pattern.begin(), pattern.end());
-    return longer;
+/// Applies a pattern no longer than that. It is repeated on the stack: memory that runs out between
+/// two fills of one statement would leave the work half done.
+void applyShortPattern(std::span<MemoryElement> destination,
+                       std::span<const MemoryElement> pattern) {
+    std::array<MemoryElement, patternStretch> longer;
+    std::size_t length = 0;
+    for (; length + pattern.size() <= patternStretch; length += pattern.size())
+        std::ranges::copy(pattern, longer.data() + length);
+    applyPattern(destination, std::span(longer).first(length));
 }
 
 }  // namespace
@@ -111,7 +115,7 @@ void MemoryBuffer::fillMemory(std::span<const MemoryElement> dataPattern, std::u
     }
     const auto destination = elements.view().subspan(start - startAddress, numberOfElements);
     if (dataPattern.size() < patternStretch && dataPattern.size() < numberOfElements)
-        applyPattern(destination, stretched(dataPattern));
+        applyShortPattern(destination, dataPattern);
     else
         applyPattern(destination, dataPattern);
 }

@@ -8,8 +8,8 @@
 #
 # Adds the target <name> to all: it runs the script when the script, the program, a variable or
 # something in DEPENDS changed, or an output is missing. The build fails, and no output stays, when
-# a statement failed, a file could not be written completely, the run ended with a code other than
-# 0, an output was not written, or a line that was printed matches a FAIL_ON expression.
+# a statement failed, a file could not be written or read to its end, the run ended with a code
+# other than 0, an output was not written, or a line that was printed matches a FAIL_ON expression.
 #
 # SCRIPT is relative to the current source directory. WORKING_DIRECTORY, relative to the current
 # binary directory and that directory itself if not given, is where the script's relative paths

@@ -84,7 +84,9 @@ PageBlock::~PageBlock() {
 std::optional<InputFile> InputFile::open(const std::string& path) {
     const int descriptor = Fuzz::machine->open(path);
     if (descriptor < 0) return std::nullopt;
-    return InputFile(descriptor, Fuzz::machine->contents(descriptor).size());
+    InputFile file(descriptor);
+    file.size_ = Fuzz::machine->contents(descriptor).size();
+    return file;
 }
 
 InputFile::~InputFile() = default;
@@ -95,6 +97,12 @@ std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> out) const {
     const std::size_t size = std::min(rest.size(), out.size());
     std::ranges::copy(rest.substr(0, size), out.begin());
     return size;
+}
+
+Reading InputFile::reading() const {
+    // A file of that name may have been written since, but then it is another size.
+    return Fuzz::machine->contents(descriptor_).size() == size_ ? Reading::Complete
+                                                                : Reading::Changed;
 }
 
 std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode /*mode*/) {
@@ -108,6 +116,12 @@ OutputFile::~OutputFile() = default;
 bool OutputFile::write(std::string_view bytes) {
     return Fuzz::machine->write(descriptor_, bytes);
 }
+
+bool OutputFile::close() {
+    return true;
+}
+
+void guardStreams() {}
 
 void runProgram(const std::string& /*location*/, const std::string& /*arguments*/) {}
 

@@ -18,6 +18,14 @@ Platform::InputFile opened(const std::string& path) {
     return std::move(*file);
 }
 
+/// A file that could not be read to its end counts with what was read. One that changed meanwhile
+/// would count as a mixture of what it was and what it became.
+void judge(Platform::Reading reading, const std::string& path) {
+    if (reading == Platform::Reading::Changed) throw bad_open();
+    if (reading == Platform::Reading::Failed)
+        std::cerr << "Warning: File " << path << " could not be read completely !" << std::endl;
+}
+
 }  // namespace
 
 TextLines::TextLines(const std::string& path) : file_(opened(path)) {}
@@ -110,13 +118,31 @@ TextInFile::TextInFile(const std::string& path) : TextInFile(path, TextLines(pat
 TextInFile::TextInFile(const std::string& path, TextLines lines)
     : File(path), lines_(std::move(lines)) {}
 
-BinaryInFile::BinaryInFile(const std::string& path) : File(path), file_(opened(path)) {}
+void TextInFile::close() {
+    judge(lines_->reading(), fileName);
+    lines_.reset();
+}
+
+BinaryInFile::BinaryInFile(const std::string& path) : BinaryInFile(path, opened(path)) {}
+
+BinaryInFile::BinaryInFile(const std::string& path, Platform::InputFile file)
+    : File(path), file_(std::move(file)) {}
+
+void BinaryInFile::checkReading() const {
+    judge(file_.reading(), fileName);
+}
 
 void OutFile::write(const Source& source) const {
-    auto file = Platform::OutputFile::create(fileName, mode_);
-    if (!file) throw bad_open();
+    std::optional<Platform::OutputFile> file;
     bool isComplete = true;
-    source([&](std::string_view piece) { isComplete = isComplete && file->write(piece); });
+    const auto take = [&](std::string_view piece) {
+        if (!file) file = Platform::OutputFile::create(fileName, mode_);
+        if (!file) throw bad_open();
+        isComplete = isComplete && file->write(piece);
+    };
+    source(take);
+    take({});
+    isComplete = file->close() && isComplete;
     if (!isComplete)
         std::cerr << "Warning: File " << fileName << " could not be written completely !"
                   << std::endl;

@@ -59,6 +59,12 @@ public:
     /// Goes back in front of the first line.
     void restart();
 
+    /// How well the lines stand for the file.
+    Platform::Reading reading() const { return file_.reading(); }
+
+    /// The file itself, for who wants it as it is.
+    Platform::InputFile takeFile() { return std::move(file_); }
+
     /// The first characters of the last line, at most `headLength` of them, or nothing when there
     /// is no line. Known for free once the last line has been at hand.
     const std::optional<std::string>& lastHead();
@@ -103,8 +109,11 @@ protected:
     const std::optional<std::string>& lastHead() { return lines_->lastHead(); }
     std::uint64_t fileSize() const { return lines_->fileSize(); }
 
-    /// Closes the file, once it has been parsed.
-    void close() { lines_.reset(); }
+    /// Closes the file, once it has been parsed. Says on standard error that it could not be read
+    /// to its end.
+    ///
+    /// @throws bad_open  if it has changed since it was opened
+    void close();
 
 private:
     std::optional<TextLines> lines_;
@@ -116,12 +125,17 @@ public:
     /// @throws bad_open
     explicit BinaryInFile(const std::string& path);
 
+    /// The file `path` has been opened already.
+    BinaryInFile(const std::string& path, Platform::InputFile file);
+
 protected:
     std::uint64_t fileSize() const { return file_.size(); }
 
     /// Hands `take` the bytes of the file from `start` up to but not including `end` piece by
     /// piece: the place of a piece in the file and its bytes. Bytes that cannot be read are left
-    /// out.
+    /// out, which is said on standard error.
+    ///
+    /// @throws bad_open  if the file has changed since it was opened
     template <class Take>
     void forBytes(std::uint64_t start, std::uint64_t end, Take take) const {
         constexpr std::uint64_t pieceSize = std::uint64_t{1} << 17U;
@@ -131,11 +145,14 @@ protected:
             const auto wanted = static_cast<std::size_t>(std::min(pieceSize, end - at));
             const std::size_t got = file_.readAt(at, {piece.data(), wanted});
             take(at, std::span(reinterpret_cast<const std::uint8_t*>(piece.data()), got));
-            if (got != wanted) return;
+            if (got != wanted) break;
         }
+        checkReading();
     }
 
 private:
+    void checkReading() const;
+
     Platform::InputFile file_;
 };
 
@@ -152,9 +169,11 @@ protected:
     OutFile(std::string path, Platform::FileMode mode) : File(std::move(path)), mode_(mode) {}
 
     /// Creates the file, or cuts an existing one to length zero, and writes what `source` produces.
-    /// A write that fails leaves a shorter file and one line on standard error.
+    /// A write that fails, up to the last one when the file is closed, leaves a shorter file and
+    /// one line on standard error. The file is not touched before there is a first piece, so that a
+    /// source which fails at once, for want of memory, leaves an existing file as it is.
     ///
-    /// @throws bad_open  before anything is changed
+    /// @throws bad_open  before anything is changed; what `source` throws leaves as well
     void write(const Source& source) const;
 
 private:

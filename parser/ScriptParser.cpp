@@ -40,14 +40,16 @@ ScriptParser::~ScriptParser() = default;
 
 bool ScriptParser::run() {
     const auto start = std::chrono::steady_clock::now();
-    context.variables = initialVariables;
     bool isParsed = false;
     try {
+        context.variables = initialVariables;
         auto contents = Platform::readFile(scriptPath);
         if (!contents) {
             std::cerr << "Could not open input file: " << scriptPath << std::endl;
             return false;
         }
+        // A part of a script may well parse, and then do a part of its work.
+        if (contents->reading != Platform::Reading::Complete) throw std::exception();
         Platform::translateText(*contents);
         isParsed = prepareAndRun(std::string(std::exchange(contents, std::nullopt)->text()));
     } catch (const VariableError& error) {

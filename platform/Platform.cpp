@@ -16,11 +16,16 @@ PageBlock& PageBlock::operator=(PageBlock&& other) noexcept {
 }
 
 InputFile::InputFile(InputFile&& other) noexcept
-    : descriptor_(std::exchange(other.descriptor_, -1)), size_(std::exchange(other.size_, 0)) {}
+    : descriptor_(std::exchange(other.descriptor_, -1)),
+      size_(std::exchange(other.size_, 0)),
+      changeTime_(other.changeTime_),
+      hasFailed_(other.hasFailed_) {}
 
 InputFile& InputFile::operator=(InputFile&& other) noexcept {
     std::swap(descriptor_, other.descriptor_);
     std::swap(size_, other.size_);
+    std::swap(changeTime_, other.changeTime_);
+    std::swap(hasFailed_, other.hasFailed_);
     return *this;
 }
 
@@ -30,6 +35,7 @@ std::optional<FileContents> readFile(const std::string& path) {
     FileContents contents{PageBlock(static_cast<std::size_t>(file->size())), 0};
     contents.size =
         file->readAt(0, {reinterpret_cast<char*>(contents.block.data()), contents.block.size()});
+    contents.reading = file->reading();
     return contents;
 }
 
@@ -66,5 +72,10 @@ void translateText(FileContents& contents) {
 
 OutputFile::OutputFile(OutputFile&& other) noexcept
     : descriptor_(std::exchange(other.descriptor_, -1)) {}
+
+OutputFile& OutputFile::operator=(OutputFile&& other) noexcept {
+    std::swap(descriptor_, other.descriptor_);
+    return *this;
+}
 
 }  // namespace Platform

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -54,6 +55,23 @@ private:
     std::size_t size_ = 0;
 };
 
+/// Prepares the process for what may be wrong with its standard streams and its files; called once,
+/// before anything is opened.
+///
+/// A standard stream that is closed is filled in by a descriptor that refuses reads and writes: its
+/// number would go to the next file that is opened, and messages into that file. And a write to a
+/// pipe that nobody reads any more, or beyond the limit for the size of a file, becomes an error of
+/// that write instead of a signal that ends the program. Programs of `runProgram` get the signals
+/// as this one got them.
+void guardStreams();
+
+/// How well the bytes that were read stand for a file.
+enum class Reading {
+    Complete,
+    Failed,  ///< a read failed, and what the file has from there on is missing
+    Changed  ///< the file was written to, or cut, since it was opened
+};
+
 /// A regular file opened for reading. Closed by its destructor.
 class InputFile {
 public:
@@ -73,17 +91,23 @@ public:
     /// fewer than asked for only at the end of the file or where it cannot be read.
     std::size_t readAt(std::uint64_t offset, std::span<char> out) const;
 
+    /// What has become of all reads so far.
+    Reading reading() const;
+
 private:
-    InputFile(int descriptor, std::uint64_t size) : descriptor_(descriptor), size_(size) {}
+    explicit InputFile(int descriptor) : descriptor_(descriptor) {}
 
     int descriptor_;
-    std::uint64_t size_;
+    std::uint64_t size_ = 0;
+    std::chrono::nanoseconds changeTime_{};  ///< of its contents, when it was opened
+    mutable bool hasFailed_ = false;         ///< noted by each read, whoever asks for it
 };
 
 /// The bytes of a file; the block may be larger than `size`.
 struct FileContents {
     PageBlock block;
     std::size_t size = 0;
+    Reading reading = Reading::Complete;
 
     std::string_view text() const;
 };
@@ -107,12 +131,16 @@ public:
     static std::optional<OutputFile> create(const std::string& path, FileMode mode);
     ~OutputFile();
     OutputFile(OutputFile&& other) noexcept;
-    OutputFile& operator=(OutputFile&& other) = delete;
+    OutputFile& operator=(OutputFile&& other) noexcept;
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
     /// Writes all bytes, or as many as the device takes; false when it did not take all of them.
     bool write(std::string_view bytes);
+
+    /// Closes the file; false when not all that was written has arrived. Some file systems, those
+    /// of a network above all, tell only now that there was no room.
+    bool close();
 
 private:
     explicit OutputFile(int descriptor) : descriptor_(descriptor) {}

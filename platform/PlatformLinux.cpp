@@ -10,9 +10,11 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <csignal>
 #include <cstdlib>
 #include <limits>
 #include <new>
+#include <utility>
 
 #include "VersionData.hpp"
 
@@ -105,14 +107,40 @@ PageBlock::~PageBlock() {
         ::munmap(data_, size_);
 }
 
+void guardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // The lowest number that is free is the one that a new descriptor gets.
+        if (::fcntl(stream, F_GETFD) < 0) static_cast<void>(::open("/", O_PATH));
+    }
+    // A handler, since a program that is started does not inherit it: it would do so with SIG_IGN.
+    struct sigaction handled {};
+    handled.sa_handler = [](int) {};
+    handled.sa_flags = SA_RESTART;
+    for (const int signal : {SIGPIPE, SIGXFSZ}) {
+        struct sigaction found {};
+        if (::sigaction(signal, nullptr, &found) == 0 && found.sa_handler == SIG_DFL)
+            ::sigaction(signal, &handled, nullptr);
+    }
+}
+
+namespace {
+
+std::chrono::nanoseconds changeTime(const struct stat& status) {
+    return std::chrono::seconds(status.st_mtim.tv_sec) +
+           std::chrono::nanoseconds(status.st_mtim.tv_nsec);
+}
+
+}  // namespace
+
 std::optional<InputFile> InputFile::open(const std::string& path) {
     // Without O_NONBLOCK the open of a pipe waits for its other end.
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) return std::nullopt;
-    InputFile file(descriptor, 0);
+    InputFile file(descriptor);
     struct stat status {};
     if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
     file.size_ = static_cast<std::uint64_t>(status.st_size);
+    file.changeTime_ = changeTime(status);
     return file;
 }
 
@@ -126,10 +154,20 @@ std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> out) const {
         const ssize_t count = ::pread(descriptor_, out.data() + size, out.size() - size,
                                       static_cast<off_t>(offset + size));
         if (count < 0 && errno == EINTR) continue;
+        hasFailed_ = hasFailed_ || count < 0;
         if (count <= 0) break;
         size += static_cast<std::size_t>(count);
     }
     return size;
+}
+
+Reading InputFile::reading() const {
+    if (hasFailed_) return Reading::Failed;
+    struct stat status {};
+    const bool isSame = ::fstat(descriptor_, &status) == 0 &&
+                        static_cast<std::uint64_t>(status.st_size) == size_ &&
+                        changeTime(status) == changeTime_;
+    return isSame ? Reading::Complete : Reading::Changed;
 }
 
 std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode /*mode*/) {
@@ -154,6 +192,10 @@ bool OutputFile::write(std::string_view bytes) {
         bytes.remove_prefix(static_cast<std::size_t>(count));
     }
     return true;
+}
+
+bool OutputFile::close() {
+    return ::close(std::exchange(descriptor_, -1)) == 0;
 }
 
 void runProgram(const std::string& location, const std::string& arguments) {

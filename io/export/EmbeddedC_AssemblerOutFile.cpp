@@ -97,12 +97,13 @@ std::string EmbeddedC_AssemblerOutFile::sectionLines() const {
 
 void EmbeddedC_AssemblerOutFile::saveToFile() {
     const std::string time = getTimeString();
+    const std::string head = filledIn(outputStyle.header, time) + sectionLines();
+    const std::string foot = filledIn(outputStyle.footer, time);
     write([&](const Sink& sink) {
         PieceWriter out(sink);
-        out.append(filledIn(outputStyle.header, time));
-        out.append(sectionLines());
+        out.append(head);
         writeDataLines(out);
-        out.append(filledIn(outputStyle.footer, time));
+        out.append(foot);
         out.flush();
     });
 }

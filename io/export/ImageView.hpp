@@ -1,10 +1,10 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <vector>
 
 #include "buffer/MemoryBuffer.hpp"
 
@@ -21,15 +21,16 @@ struct ImageView {
         : startAddress(start), elements(stretch) {}
 };
 
-/// Hands `take` the effective bytes of `elements` in order, in pieces of `pieceSize` bytes, of
-/// which the last one may be shorter. An image is never there as a second copy.
+/// Hands `take` the effective bytes of `elements` in order, in pieces of `pieceSize` bytes, at most
+/// 65,536, of which the last one may be shorter. An image is never there as a second copy.
 template <class Take>
 void forEffectiveBytes(std::span<const Buffer::MemoryElement> elements, std::size_t pieceSize,
                        Take take) {
     // Many pieces are made at once, since the bytes of a short one cost as much as those of many.
-    constexpr std::size_t stretchSize = std::size_t{1} << 15U;
-    const std::size_t stretch = pieceSize * std::max<std::size_t>(1, stretchSize / pieceSize);
-    std::vector<std::uint8_t> bytes(std::min(stretch, elements.size()));
+    // On the stack: memory that runs out now would leave half a file.
+    constexpr std::size_t stretchSize = std::size_t{1} << 16U;
+    const std::size_t stretch = pieceSize * (stretchSize / pieceSize);
+    std::array<std::uint8_t, stretchSize> bytes;
     while (!elements.empty()) {
         std::span<const std::uint8_t> made(bytes.data(), std::min(stretch, elements.size()));
         Buffer::effectiveBytes(elements.first(made.size()), bytes.data());

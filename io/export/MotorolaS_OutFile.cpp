@@ -66,16 +66,15 @@ void MotorolaS_OutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
     addressBytes = std::max(addressBytes, bytesNeeded(std::min(end, highestAddress)));
 }
 
-std::vector<std::uint8_t> MotorolaS_OutFile::addressField(std::uint64_t value) const {
-    std::vector<std::uint8_t> bytes(std::max(addressBytes, bytesNeeded(value)));
-    putAddress(value, bytes);
-    return bytes;
+void MotorolaS_OutFile::setAddress(std::uint64_t value, SRecord& record) const {
+    record.address.resize(std::max(addressBytes, bytesNeeded(value)));
+    putAddress(value, record.address);
 }
 
 void MotorolaS_OutFile::makeRecord(SRecordKind kind, std::uint64_t value, SRecord& record) const {
     constexpr std::array dataTypes{SRecordType::S1, SRecordType::S2, SRecordType::S3};
     constexpr std::array terminatorTypes{SRecordType::S9, SRecordType::S8, SRecordType::S7};
-    record.address = addressField(value);
+    setAddress(value, record);
     const std::size_t width = record.address.size();
     const auto& types = kind == SRecordKind::Data ? dataTypes : terminatorTypes;
     record.recordType = width <= 4 ? types[width - 2] : SRecordType::Unknown;
@@ -99,21 +98,31 @@ SRecord MotorolaS_OutFile::header() const {
 }
 
 void MotorolaS_OutFile::saveToFile() {
+    const SRecord first = header();
+    SRecord terminator;
+    makeRecord(SRecordKind::Terminator, executionAddress, terminator);
+    // Room for every address beforehand: memory that runs out later would leave half a file.
+    Progress progress;
+    progress.data.address.reserve(sizeof(std::uint64_t));
+    progress.count.address.reserve(sizeof(std::uint64_t));
     write([&](const Sink& sink) {
         PieceWriter out(sink);
-        out.append(getStringRepresentation(header()));
-        std::uint32_t recordCount = 0;
-        for (const ImageView& image : memoryBuffers) writeImage(out, image, recordCount);
-        SRecord terminator;
-        makeRecord(SRecordKind::Terminator, executionAddress, terminator);
-        out.append(getStringRepresentation(terminator));
+        writeRecord(out, first);
+        for (const ImageView& image : memoryBuffers) writeImage(out, image, progress);
+        writeRecord(out, terminator);
         out.flush();
     });
 }
 
+void MotorolaS_OutFile::writeRecord(PieceWriter& out, const SRecord& record) {
+    if (record.recordType == SRecordType::Unknown) return;
+    char* const place = out.reserve(sRecordLength(record.address.size() + record.data.size()));
+    out.commit(writeSRecord(place, record.recordType, record.address, record.data));
+}
+
 void MotorolaS_OutFile::writeImage(PieceWriter& out, const ImageView& image,
-                                   std::uint32_t& recordCount) const {
-    SRecord record;
+                                   Progress& progress) const {
+    SRecord& record = progress.data;
     makeRecord(SRecordKind::Data, image.startAddress, record);
     std::uint64_t address = image.startAddress;
     const auto writeData = [&](std::span<const std::uint8_t> data) {
@@ -121,21 +130,22 @@ void MotorolaS_OutFile::writeImage(PieceWriter& out, const ImageView& image,
         out.commit(writeSRecord(out.reserve(sRecordLength(record.address.size() + data.size())),
                                 record.recordType, record.address, data));
         address += data.size();
-        ++recordCount;
+        ++progress.uncounted;
     };
     // An image without elements gives one record without data.
     if (image.elements.empty()) writeData({});
     forEffectiveBytes(image.elements, outputStyle.maximumRecordSize,
                       [&](std::span<const std::uint8_t> data) {
                           // A count is due with the next byte: none stands at the file's end.
-                          if (recordCount >= countedRecords) writeCount(out, recordCount);
+                          if (progress.uncounted >= countedRecords) writeCount(out, progress);
                           writeData(data);
                       });
 }
 
-void MotorolaS_OutFile::writeCount(PieceWriter& out, std::uint32_t& recordCount) const {
-    out.append(getStringRepresentation({SRecordType::S5, addressField(recordCount), {}}));
-    recordCount = 0;
+void MotorolaS_OutFile::writeCount(PieceWriter& out, Progress& progress) const {
+    setAddress(progress.uncounted, progress.count);
+    writeRecord(out, progress.count);
+    progress.uncounted = 0;
 }
 
 }  // namespace Io::Export

@@ -46,9 +46,17 @@ public:
 
 private:
     SRecord header() const;
-    void writeImage(PieceWriter& out, const ImageView& image, std::uint32_t& recordCount) const;
-    void writeCount(PieceWriter& out, std::uint32_t& recordCount) const;
-    std::vector<std::uint8_t> addressField(std::uint64_t value) const;
+    /// The records that are made over and over while a file is written.
+    struct Progress {
+        SRecord data;
+        SRecord count{SRecordType::S5, {}, {}};
+        std::uint32_t uncounted = 0;  ///< data records since the last count record
+    };
+
+    static void writeRecord(PieceWriter& out, const SRecord& record);
+    void writeImage(PieceWriter& out, const ImageView& image, Progress& progress) const;
+    void writeCount(PieceWriter& out, Progress& progress) const;
+    void setAddress(std::uint64_t value, SRecord& record) const;
 
     std::size_t addressBytes = 2;
     std::uint64_t executionAddress = 0;

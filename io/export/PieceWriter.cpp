@@ -5,8 +5,8 @@
 namespace Io::Export {
 
 char* PieceWriter::reserve(std::size_t size) {
-    if (piece_.size() - used_ < size) flush();
     if (piece_.size() < size) piece_.resize(size);
+    if (piece_.size() - used_ < size) flush();
     return piece_.data() + used_;
 }
 

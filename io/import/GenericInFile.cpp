@@ -42,7 +42,7 @@ std::unique_ptr<TessaronImportApi> GenericInFile::createReader(TextLines lines) 
         case InFileType::RawBinary:
             break;
     }
-    return std::make_unique<RawBinaryInFile>(fileName);
+    return std::make_unique<RawBinaryInFile>(fileName, lines.takeFile());
 }
 
 }  // namespace Io::Import

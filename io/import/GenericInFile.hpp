@@ -49,7 +49,8 @@ public:
 private:
     static InFileType detectFileType(TextLines& lines);
 
-    /// @param lines  of the same file, which a reader of text goes on with
+    /// @param lines  of the same file. The reader goes on with it: opened by its name once more, it
+    ///               could be another one by now.
     std::unique_ptr<TessaronImportApi> createReader(TextLines lines) const;
 
     std::string fileName;

@@ -1,6 +1,7 @@
 #include "io/import/RawBinaryInFile.hpp"
 
 #include <algorithm>
+#include <utility>
 
 #include "io/import/ParsedData.hpp"
 #include "util/Report.hpp"
@@ -14,8 +15,17 @@ constexpr std::uint64_t mostBytes = 0xFFFFFFFF;
 
 }  // namespace
 
-RawBinaryInFile::RawBinaryInFile(const std::string& path)
-    : BinaryInFile(path), dataLength(std::min(fileSize(), mostBytes)) {
+RawBinaryInFile::RawBinaryInFile(const std::string& path) : BinaryInFile(path) {
+    limitLength();
+}
+
+RawBinaryInFile::RawBinaryInFile(const std::string& path, Platform::InputFile file)
+    : BinaryInFile(path, std::move(file)) {
+    limitLength();
+}
+
+void RawBinaryInFile::limitLength() {
+    dataLength = std::min(fileSize(), mostBytes);
     if (fileSize() <= mostBytes) return;
     Util::reportLine(
         "RawBinaryInFile(constructor-Operation). The information extracted from output file, "

@@ -15,6 +15,9 @@ public:
     /// @throws Io::bad_open
     explicit RawBinaryInFile(const std::string& path);
 
+    /// The file has been opened already.
+    RawBinaryInFile(const std::string& path, Platform::InputFile file);
+
     std::uint64_t getMinAddress() const override { return minAddress; }
     std::uint64_t getDataLength() const override { return dataLength; }
     Buffer::MemoryBuffer getMemory() const override { return getMemory(minAddress, dataLength); }
@@ -28,8 +31,10 @@ public:
     std::string getInformation() const;
 
 private:
+    void limitLength();
+
     static constexpr std::uint64_t minAddress = 0;
-    std::uint64_t dataLength;
+    std::uint64_t dataLength = 0;
 };
 
 }  // namespace Io::Import

@@ -182,7 +182,7 @@ TEST(MemoryBufferTest, OverlayAndWrittenBytesAreCutToTheImage) {
         if (bytes.find('.') != std::string::npos) continue;
         MemoryBuffer written = image(0x10, "abcd");
         written.overlayBytes({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()},
-                           row.start);
+                             row.start);
         EXPECT_EQ(text(written), row.result) << row.other;
     }
 }

@@ -13,8 +13,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// A path of the running test alone, since several may run at a time.
+fs::path ownPath(const std::string& name) {
+    const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
+    return fs::path(testing::TempDir()) / (test->name() + ("-" + name));
+}
+
 fs::path writtenFile(const std::string& contents) {
-    fs::path path = fs::path(testing::TempDir()) / "platform-test";
+    fs::path path = ownPath("input");
     std::ofstream(path, std::ios::binary) << contents;
     return path;
 }
@@ -40,7 +46,7 @@ TEST(PlatformTest, TextModeDropsOneReturnInFrontOfALineFeedAndEndsAtItsEndCharac
 
 TEST(PlatformTest, OnlyRegularFilesAreInputs) {
     const fs::path folder = fs::path(testing::TempDir());
-    const fs::path pipe = folder / "platform-test-pipe";
+    const fs::path pipe = ownPath("pipe");
     fs::remove(pipe);
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
     for (const std::string& path : {folder.string(), pipe.string(), std::string("/dev/zero"),
@@ -91,10 +97,10 @@ TEST(PlatformTest, UntouchedBlocksCountAsUsed) {
 }
 
 TEST(PlatformTest, AProgramRunsWhateverItsPathHolds) {
-    const fs::path folder = fs::path(testing::TempDir()) / "a b$HOME'\"`c";
+    const fs::path folder = ownPath("a b$HOME'\"`c");
     fs::create_directories(folder);
     const fs::path program = folder / "it's;run.sh";
-    const fs::path output = fs::path(testing::TempDir()) / "platform-test-output";
+    const fs::path output = ownPath("output");
     std::ofstream(program) << "#!/bin/sh\necho \"$#:$1:$2\" > \"$3\"\n";
     fs::permissions(program, fs::perms::owner_all);
     Platform::runProgram(program, "one 'two  words' '" + output.string() + "'");

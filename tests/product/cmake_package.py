@@ -107,7 +107,7 @@ class UsesOfThePackage(unittest.TestCase):
         bad = {"PRINT_CRC @Nothing\n": "a statement failed",
                "NEW_BUFFER @C FROM_FILE absent.hex\n": "a statement failed",
                "WRITE_FILE /dev/full WITH_BUFFERS {@B} -setFormat=RawBinary\n":
-                   "a file could not be written completely",
+                   "a file could not be written or read completely",
                "NO_STATEMENT\n": "the run ended with 254",
                "PRINT_TEXT {that was refused}\n": 'the output matches "refused"',
                # A checksum behind the end of the image; a record whose own checksum is wrong.

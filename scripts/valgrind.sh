@@ -1,0 +1,31 @@
+#!/bin/sh
+# Runs the script cases under valgrind: no error of memory, no definite leak.
+#   scripts/valgrind.sh [case ...]     folders of tests/scripts; all of them without one
+# Left out are cases that limit the address space, since valgrind needs more, and variable-doubling,
+# whose half gigabyte of text takes many minutes.
+set -eu
+cd "$(dirname "$0")/.."
+scripts/setup.sh test
+[ $# -gt 0 ] || set -- $(ls -d tests/scripts/*/ | grep -v variable-doubling)
+log=$(mktemp)
+if ! { cmake --preset valgrind && cmake --build --preset valgrind; } >"$log" 2>&1; then
+    cat "$log"
+    exit 1
+fi
+rm -f "$log"
+watch="valgrind -q --leak-check=full --errors-for-leak-kinds=definite --error-exitcode=99"
+watched="$watch $PWD/build/valgrind/CmdTessaron"
+# A leak on purpose: a run that does not find it would find nothing.
+cat >build/valgrind/leak.cpp <<'LEAK'
+#include <cstddef>
+int main() {
+    static_cast<void>(*new volatile int[3]);
+}
+LEAK
+g++ -o build/valgrind/leak build/valgrind/leak.cpp
+if $watch build/valgrind/leak >/dev/null 2>&1; then
+    echo "valgrind.sh: valgrind finds no leak here" >&2
+    exit 1
+fi
+printf '%s\n' "$@" | xargs -P 2 -n 1 tests/scripts/run_case.py --no-limits --timeout 600 "$watched"
+echo "valgrind: $# cases"

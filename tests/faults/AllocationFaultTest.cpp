@@ -1,0 +1,307 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <memory>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "parser/ScriptParser.hpp"
+#include "parser/commands/CmdCallApp.hpp"
+#include "parser/commands/CmdFillBuffer.hpp"
+#include "parser/commands/CmdNewBuffer.hpp"
+#include "parser/commands/CmdNewCrc.hpp"
+#include "parser/commands/CmdNewHash.hpp"
+#include "parser/commands/CmdPrintBuffer.hpp"
+#include "parser/commands/CmdPrintHash.hpp"
+#include "parser/commands/CmdPrintText.hpp"
+#include "parser/commands/CmdWriteFile.hpp"
+#include "tests/faults/FailingAllocator.hpp"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace Parser;
+using namespace Parser::WrapperLib;
+using Buffer::MemoryBuffer;
+using Statement = std::unique_ptr<CmdApi>;
+
+/// A path in a folder of the test at hand, since several may run at a time.
+fs::path inFolder(const std::string& name) {
+    const char* const test = testing::UnitTest::GetInstance()->current_test_info()->name();
+    const fs::path folder = fs::path(testing::TempDir()) / "allocation-fault-test" / test;
+    fs::create_directories(folder);
+    return folder / name;
+}
+
+void writeFile(const fs::path& path, const std::string& contents) {
+    std::ofstream(path, std::ios::binary) << contents;
+}
+
+/// The contents of a file, the time of its making left out.
+std::string readFile(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    static const std::regex time("Generated: .*");
+    return std::regex_replace(std::string(std::istreambuf_iterator<char>(file), {}), time, "");
+}
+
+/// Makes a statement in the way the grammar does, but without one.
+template <class Command, class Settings>
+std::function<Statement()> making(Settings set) {
+    return [set] {
+        auto command = std::make_unique<Command>();
+        set(*command);
+        return command;
+    };
+}
+
+struct Case {
+    const char* name;
+    std::function<Statement()> make;
+};
+
+std::vector<Case> newBufferCases() {
+    const auto from = [](auto source) {
+        return making<CmdNewBuffer>([source](CmdNewBuffer& command) {
+            command.setBufferName("a name that is longer than a string itself");
+            source(command);
+            command.addArea({0x1000, 300});
+            command.addArea({0x1002, 400});
+        });
+    };
+    return {
+        {"hex", from([](CmdNewBuffer& c) { c.setFile(inFolder("in.hex")); })},
+        {"srec", from([](CmdNewBuffer& c) { c.setFile(inFolder("in.s19")); })},
+        {"raw", from([](CmdNewBuffer& c) { c.setRawFile(inFolder("in.hex")); })},
+        {"values", from([](CmdNewBuffer& c) {
+             c.setValues({1, 2, 3});
+         })},
+        {"empty", from([](CmdNewBuffer&) {})},
+        {"buffers", from([](CmdNewBuffer& c) {
+             c.addSourceBuffer("A");
+             c.addSourceBuffer("A");
+         })},
+    };
+}
+
+std::vector<Case> fillCases() {
+    const auto with = [](auto source) {
+        return making<CmdFillBuffer>([source](CmdFillBuffer& command) {
+            command.setBufferName("A");
+            source(command);
+            command.addArea({0x1000, 3});
+            command.addArea({0x1010, 200});
+        });
+    };
+    return {
+        {"filler", with([](CmdFillBuffer& c) {
+             c.setFillPattern({1, 2, 3, 4, 5});
+         })},
+        {"values", with([](CmdFillBuffer& c) {
+             c.setFillValues({1, 2, 3, 4, 5});
+         })},
+        {"string", with([](CmdFillBuffer& c) { c.setFillString("a text of more than one word"); })},
+        {"crc", with([](CmdFillBuffer& c) { c.setFillCrc("C"); })},
+        {"hash", with([](CmdFillBuffer& c) { c.setFillHash("H"); })},
+    };
+}
+
+std::vector<Case> writeCases() {
+    const auto as = [](ExportFormat format) {
+        return making<CmdWriteFile>([format](CmdWriteFile& command) {
+            command.setFileName(inFolder("out"));
+            // Enough for more than one write, so that the second image comes when the file is open.
+            command.addBuffer("A");
+            for (int i = 0; i < 9; ++i) command.addBuffer("B");
+            command.setFormat(format, 32);
+            command.setExecutionStartAddress(0x1234);
+        });
+    };
+    return {{"IntelHexExtended", as(ExportFormat::IntelHexExtended)},
+            {"IntelHexSegment", as(ExportFormat::IntelHexSegment)},
+            {"MotorolaS", as(ExportFormat::MotorolaS)},
+            {"EmbeddedC", as(ExportFormat::EmbeddedC_Assembler)},
+            {"RawBinary", as(ExportFormat::RawBinary)}};
+}
+
+std::vector<Case> otherCases() {
+    const std::string resolved = "C and H are in a text that is longer than a string itself";
+    return {
+        {"crc", making<CmdNewCrc>([](CmdNewCrc& c) {
+             c.setCrcName("a name that is longer than a string itself");
+             c.addFromBuffer("A");
+             c.addFromBuffer("B");
+         })},
+        {"hash", making<CmdNewHash>([](CmdNewHash& c) {
+             c.setHashName("a name that is longer than a string itself");
+             c.addFromBuffer("A");
+             c.setType(18);
+         })},
+        {"print buffer", making<CmdPrintBuffer>([](CmdPrintBuffer& c) {
+             c.setBufferName("A");
+             c.addArea({0x1000, 40});
+         })},
+        {"print hash", making<CmdPrintHash>([](CmdPrintHash& c) { c.setHashName("H"); })},
+        {"print text",
+         [resolved]() -> Statement {
+             auto command = std::make_unique<CmdPrintText>(&ScriptParser::calculated);
+             command->setText(resolved + " [1 + (2 + 3)]");
+             command->addSymbol("C");
+             command->addSymbol("H");
+             return command;
+         }},
+        {"call app", making<CmdCallApp>([resolved](CmdCallApp& c) {
+             c.setAppLocation("true");
+             c.setArguments(resolved);
+             c.addSymbol("H");
+             c.addSymbol("C");
+         })},
+    };
+}
+
+class AllocationFaultTest : public testing::Test {
+protected:
+    AllocationFaultTest() {
+        std::string hex = ":020000040000FA\n";
+        for (int i = 0; i < 40; ++i) hex += ":0410000001020304E2\n";
+        writeFile(inFolder("in.hex"), hex + ":00000001FF\n");
+        writeFile(inFolder("in.s19"), "S107100001020304DE\nS9030000FC\n");
+    }
+
+    static CmdContext context() {
+        CmdContext context;
+        context.crcs["C"] = {1, 2, 3, 4};
+        context.hashes["H"] = ByteList(64, 5);
+        MemoryBuffer image(0x1000, 300);
+        image.fillMemory(std::vector<Buffer::MemoryElement>{{1, 2, 1}, {3, 4, 0}}, 0x1000, 300);
+        context.buffers.try_emplace("A", std::move(image));
+        context.buffers.try_emplace("B", 0, 100'000);
+        return context;
+    }
+
+    /// The elements of all images and the sizes of the registries.
+    static std::string stateOf(const CmdContext& context) {
+        std::string state;
+        for (const auto& [name, image] : context.buffers) {
+            const auto elements = image.viewElements();
+            state += name + "=" + std::to_string(image.getStartAddress()) + ":";
+            state.append(reinterpret_cast<const char*>(elements.data()), elements.size_bytes());
+        }
+        for (const auto* registry : {&context.crcs, &context.hashes})
+            for (const auto& [name, value] : *registry)
+                state += name + "=" + std::string(value.begin(), value.end());
+        return state;
+    }
+
+    /// What a statement leaves behind.
+    struct Outcome {
+        bool isDone;
+        std::string state;
+        std::string output;
+        std::string printed;
+
+        bool operator==(const Outcome&) const = default;
+    };
+
+    /// Runs the statement; the allocation behind `succeeding` ones fails.
+    static Outcome outcome(const Case& row, std::size_t succeeding, bool isLasting) {
+        const Statement statement = row.make();
+        CmdContext registries = context();
+        writeFile(inFolder("out"), "kept");
+        testing::internal::CaptureStdout();
+        Tests::failBehind(succeeding, isLasting);
+        const bool isDone = statement->execute(registries);
+        hasFailed = Tests::stopFailing();
+        const std::string printed = testing::internal::GetCapturedStdout();
+        // The time may move on between two runs.
+        static const std::regex time("// Generated: [^\n]*");
+        const std::string output =
+            std::regex_replace(readFile(inFolder("out")), time, "// Generated: ");
+        return {isDone, stateOf(registries), output, printed};
+    }
+
+    /// All is done or nothing, and that is said.
+    static void check(const Outcome& found, const Outcome& whole) {
+        if (found == whole) return;
+        EXPECT_FALSE(found.isDone);
+        EXPECT_EQ(found.state, stateOf(context()));
+        EXPECT_EQ(found.output, "kept");
+        static const std::regex report(
+            "Error: \\w+ [^\n]* could not be \\w+ !\n"
+            "Operation aborted\\.( Maybe stack overflow, buffer too big)?\n$");
+        EXPECT_TRUE(std::regex_search(found.printed, report)) << found.printed;
+    }
+
+    static void runAll(const std::vector<Case>& cases) {
+        for (const Case& row : cases) {
+            const Outcome whole = outcome(row, 1'000'000'000, false);
+            EXPECT_TRUE(whole.isDone);
+            for (const bool isLasting : {false, true}) {
+                std::size_t faults = 0;
+                do {
+                    SCOPED_TRACE(row.name + (", allocation " + std::to_string(faults)));
+                    check(outcome(row, faults, isLasting), whole);
+                    ++faults;
+                } while (hasFailed);
+                EXPECT_GT(faults, 1U) << row.name;
+            }
+        }
+    }
+
+    static inline bool hasFailed = false;
+};
+
+TEST_F(AllocationFaultTest, NewBuffer) {
+    runAll(newBufferCases());
+}
+
+TEST_F(AllocationFaultTest, FillBuffer) {
+    runAll(fillCases());
+}
+
+TEST_F(AllocationFaultTest, WriteFile) {
+    runAll(writeCases());
+}
+
+TEST_F(AllocationFaultTest, Others) {
+    // As during a run, whose parser keeps what Spirit shares between grammars.
+    ScriptParser running;
+    running.parseScript("");
+    runAll(otherCases());
+}
+
+TEST_F(AllocationFaultTest, AScriptIsExecutedAsAWholeOrNotAtAll) {
+    const fs::path script = inFolder("script.tsn");
+    writeFile(script,
+              "PRINT_TEXT {begin} // a remark\nSUBSTITUTE NAME WITH out\n"
+              "SUBSTITUTE (a|b)+c WITH $1\nNEW_BUFFER @A FROM_VALUES {1, 4 * (2 + 3)}\n"
+              "WRITE_FILE " +
+                  inFolder("NAME").string() +
+                  " WITH_BUFFERS {@A} -setFormat=RawBinary\nPRINT_TEXT {end}\n");
+    ScriptParser running;
+    running.parseScript("");
+    hasFailed = true;
+    // A step that is prime to what may repeat.
+    for (std::size_t succeeding = 0; hasFailed; succeeding += 7) {
+        ScriptParser parser(script, {{"variable", "value"}});
+        writeFile(inFolder("out"), "kept");
+        testing::internal::CaptureStdout();
+        Tests::failBehind(succeeding, false);
+        const bool isParsed = parser.run();
+        hasFailed = Tests::stopFailing();
+        const std::string printed = testing::internal::GetCapturedStdout();
+        SCOPED_TRACE("allocation " + std::to_string(succeeding) + ": " + printed);
+        EXPECT_EQ(isParsed, printed.find("begin\n") != std::string::npos);
+        EXPECT_EQ(isParsed, printed.find("end\n") != std::string::npos);
+        EXPECT_NE(isParsed, printed.find("Operation aborted. Maybe stack overflow, script too big"
+                                         "\n") != std::string::npos);
+        const bool isReported = printed.find("Error: ") != std::string::npos;
+        EXPECT_EQ(isReported, hasFailed);
+        EXPECT_EQ(readFile(inFolder("out")), isReported ? "kept" : "\1\x14");
+    }
+}
+
+}  // namespace

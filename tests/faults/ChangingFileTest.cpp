@@ -1,0 +1,106 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "io/import/IntelHexInFile.hpp"
+#include "io/import/MotorolaS_InFile.hpp"
+#include "io/import/RawBinaryInFile.hpp"
+
+/// A file that somebody writes to while it is read: the look at its format, which reads all of it,
+/// is over, the parse still to come.
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Format {
+    const char* name;
+    std::string record;
+    std::string end;
+};
+
+/// Longer than what is read at once.
+std::string contentsOf(const Format& format) {
+    std::string contents;
+    while (contents.size() < 600'000) contents += format.record;
+    return contents + format.end;
+}
+
+struct Change {
+    const char* name;
+    void (*make)(const fs::path& path, const std::string& contents);
+};
+
+void rewrite(const fs::path& path, const std::string& contents) {
+    // Without O_TRUNC, as an editor of bytes does it.
+    std::fstream(path, std::ios::in | std::ios::out | std::ios::binary) << contents;
+}
+
+const Change changes[] = {
+    {"cut", [](const fs::path& path, const std::string&) { fs::resize_file(path, 300'000); }},
+    {"grown",
+     [](const fs::path& path, const std::string& contents) {
+         std::ofstream(path, std::ios::app | std::ios::binary) << contents;
+     }},
+    {"emptied", [](const fs::path& path, const std::string&) { fs::resize_file(path, 0); }},
+    {"written over", &rewrite},
+};
+
+const Format formats[] = {
+    {"Intel HEX", ":0100000041BE\n", ":00000001FF\n"},
+    {"S-records", "S104000041BA\n", "S9030000FC\n"},
+    {"raw", "raw\n", ""},
+};
+
+/// A file with an old date, so that a change shows however coarse the clock of the file system is.
+fs::path writtenFile(const std::string& contents) {
+    // Several tests may run at a time.
+    const fs::path path = fs::path(testing::TempDir()) /
+                          testing::UnitTest::GetInstance()->current_test_info()->name();
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << contents;
+    fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::hours(1));
+    return path;
+}
+
+std::uint64_t lengthRead(const Format& format, const fs::path& path, Io::TextLines lines) {
+    using namespace Io::Import;
+    const auto length = [](const TessaronImportApi& reader) {
+        return reader.getMemory().getDataLength();
+    };
+    if (&format == &formats[0]) return length(IntelHexInFile(path, std::move(lines)));
+    if (&format == &formats[1]) return length(MotorolaS_InFile(path, std::move(lines)));
+    return length(RawBinaryInFile(path, lines.takeFile()));
+}
+
+TEST(ChangingFileTest, AnInputThatChangesIsRefused) {
+    for (const Format& format : formats) {
+        const std::string contents = contentsOf(format);
+        for (const Change& change : changes) {
+            const fs::path path = writtenFile(contents);
+            Io::TextLines lines(path);
+            lines.lastHead();
+            change.make(path, contents);
+            EXPECT_THROW(lengthRead(format, path, std::move(lines)), Io::bad_open)
+                << format.name << ", " << change.name;
+        }
+    }
+}
+
+TEST(ChangingFileTest, AnInputThatIsReplacedIsReadAsItWas) {
+    for (const Format& format : formats) {
+        const std::string contents = contentsOf(format);
+        const fs::path path = writtenFile(contents);
+        Io::TextLines lines(path);
+        lines.lastHead();
+        const fs::path other = path.string() + "-new";
+        std::ofstream(other) << "something else";
+        fs::rename(other, path);
+        EXPECT_EQ(lengthRead(format, path, std::move(lines)),
+                  format.end.empty() ? contents.size() : 1U)
+            << format.name;
+    }
+}
+
+}  // namespace
