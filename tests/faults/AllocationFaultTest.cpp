@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -29,12 +30,13 @@ using namespace Parser::WrapperLib;
 using Buffer::MemoryBuffer;
 using Statement = std::unique_ptr<CmdApi>;
 
-/// A path in a folder of the test at hand, since several may run at a time.
+/// A folder of this process alone, since several may run at a time.
+fs::path folder() {
+    return fs::path(testing::TempDir()) / ("allocation-fault-test-" + std::to_string(::getpid()));
+}
+
 fs::path inFolder(const std::string& name) {
-    const char* const test = testing::UnitTest::GetInstance()->current_test_info()->name();
-    const fs::path folder = fs::path(testing::TempDir()) / "allocation-fault-test" / test;
-    fs::create_directories(folder);
-    return folder / name;
+    return folder() / name;
 }
 
 void writeFile(const fs::path& path, const std::string& contents) {
@@ -165,11 +167,13 @@ std::vector<Case> otherCases() {
 class AllocationFaultTest : public testing::Test {
 protected:
     AllocationFaultTest() {
+        fs::create_directories(folder());
         std::string hex = ":020000040000FA\n";
         for (int i = 0; i < 40; ++i) hex += ":0410000001020304E2\n";
         writeFile(inFolder("in.hex"), hex + ":00000001FF\n");
         writeFile(inFolder("in.s19"), "S107100001020304DE\nS9030000FC\n");
     }
+    ~AllocationFaultTest() override { fs::remove_all(folder()); }
 
     static CmdContext context() {
         CmdContext context;

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
@@ -54,15 +55,20 @@ const Format formats[] = {
     {"raw", "raw\n", ""},
 };
 
-/// A file with an old date, so that a change shows however coarse the clock of the file system is.
-fs::path writtenFile(const std::string& contents) {
-    // Several tests may run at a time.
-    const fs::path path = fs::path(testing::TempDir()) /
-                          testing::UnitTest::GetInstance()->current_test_info()->name();
-    std::ofstream(path, std::ios::binary | std::ios::trunc) << contents;
-    fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::hours(1));
-    return path;
-}
+class ChangingFileTest : public testing::Test {
+protected:
+    ~ChangingFileTest() override { fs::remove(path); }
+
+    /// With an old date, so that a change shows however coarse the clock of the file system is.
+    void writeFile(const std::string& contents) const {
+        std::ofstream(path, std::ios::binary | std::ios::trunc) << contents;
+        fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::hours(1));
+    }
+
+    /// Of this process alone, since several may run at a time.
+    const fs::path path =
+        fs::path(testing::TempDir()) / ("changing-file-test-" + std::to_string(::getpid()));
+};
 
 std::uint64_t lengthRead(const Format& format, const fs::path& path, Io::TextLines lines) {
     using namespace Io::Import;
@@ -74,11 +80,11 @@ std::uint64_t lengthRead(const Format& format, const fs::path& path, Io::TextLin
     return length(RawBinaryInFile(path, lines.takeFile()));
 }
 
-TEST(ChangingFileTest, AnInputThatChangesIsRefused) {
+TEST_F(ChangingFileTest, AnInputThatChangesIsRefused) {
     for (const Format& format : formats) {
         const std::string contents = contentsOf(format);
         for (const Change& change : changes) {
-            const fs::path path = writtenFile(contents);
+            writeFile(contents);
             Io::TextLines lines(path);
             lines.lastHead();
             change.make(path, contents);
@@ -88,10 +94,10 @@ TEST(ChangingFileTest, AnInputThatChangesIsRefused) {
     }
 }
 
-TEST(ChangingFileTest, AnInputThatIsReplacedIsReadAsItWas) {
+TEST_F(ChangingFileTest, AnInputThatIsReplacedIsReadAsItWas) {
     for (const Format& format : formats) {
         const std::string contents = contentsOf(format);
-        const fs::path path = writtenFile(contents);
+        writeFile(contents);
         Io::TextLines lines(path);
         lines.lastHead();
         const fs::path other = path.string() + "-new";
