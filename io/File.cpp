@@ -18,6 +18,12 @@ Platform::InputFile opened(const std::string& path) {
     return std::move(*file);
 }
 
+Platform::OutputFile created(const std::string& path, Platform::FileMode mode) {
+    auto file = Platform::OutputFile::create(path, mode);
+    if (!file) throw bad_open();
+    return std::move(*file);
+}
+
 /// A file that could not be read to its end counts with what was read. One that changed meanwhile
 /// would count as a mixture of what it was and what it became.
 void judge(Platform::Reading reading, const std::string& path) {
@@ -136,8 +142,7 @@ void OutFile::write(const Source& source) const {
     std::optional<Platform::OutputFile> file;
     bool isComplete = true;
     const auto take = [&](std::string_view piece) {
-        if (!file) file = Platform::OutputFile::create(fileName, mode_);
-        if (!file) throw bad_open();
+        if (!file) file.emplace(created(fileName, mode_));
         isComplete = isComplete && file->write(piece);
     };
     source(take);

@@ -21,14 +21,6 @@ InputFile::InputFile(InputFile&& other) noexcept
       changeTime_(other.changeTime_),
       hasFailed_(other.hasFailed_) {}
 
-InputFile& InputFile::operator=(InputFile&& other) noexcept {
-    std::swap(descriptor_, other.descriptor_);
-    std::swap(size_, other.size_);
-    std::swap(changeTime_, other.changeTime_);
-    std::swap(hasFailed_, other.hasFailed_);
-    return *this;
-}
-
 std::optional<FileContents> readFile(const std::string& path) {
     const auto file = InputFile::open(path);
     if (!file) return std::nullopt;
@@ -72,10 +64,5 @@ void translateText(FileContents& contents) {
 
 OutputFile::OutputFile(OutputFile&& other) noexcept
     : descriptor_(std::exchange(other.descriptor_, -1)) {}
-
-OutputFile& OutputFile::operator=(OutputFile&& other) noexcept {
-    std::swap(descriptor_, other.descriptor_);
-    return *this;
-}
 
 }  // namespace Platform

@@ -80,7 +80,7 @@ public:
     static std::optional<InputFile> open(const std::string& path);
     ~InputFile();
     InputFile(InputFile&& other) noexcept;
-    InputFile& operator=(InputFile&& other) noexcept;
+    InputFile& operator=(InputFile&& other) = delete;
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
 
@@ -131,7 +131,7 @@ public:
     static std::optional<OutputFile> create(const std::string& path, FileMode mode);
     ~OutputFile();
     OutputFile(OutputFile&& other) noexcept;
-    OutputFile& operator=(OutputFile&& other) noexcept;
+    OutputFile& operator=(OutputFile&& other) = delete;
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 

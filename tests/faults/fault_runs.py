@@ -111,6 +111,15 @@ class Streams(Faults):
             self.check_lost(NOT_PRINTED, stdout=full)
             self.check_lost(None, stdout=full, stderr=full)
 
+    def test_a_print_of_many_pieces(self):
+        self.write("in.bin", bytes(range(256)) * 100)
+        rows = [" " + "".join(" 0x%08X" % (i % 256) for i in range(at, min(at + 13, 25600)))
+                for at in range(0, 25600, 13)]
+        self.check("NEW_BUFFER B FROM_FILE_BINARY in.bin\nPRINT_BUFFER B\n",
+                   "Buffer : B\n  StartAddress: 0x00000000\n  DataLength  : 0x00006400\n"
+                   "    Content Area (0x00000000 , 0x00006400)\n"
+                   + "".join("    %s\n" % row for row in rows))
+
     def test_called_programs_get_the_signals_that_the_run_got(self):
         script = 'CALL_APP sh WITH_ARGUMENTS {-c "kill -s PIPE \\$\\$; echo >alive"}\n'
         self.run_script(script)

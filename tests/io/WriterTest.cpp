@@ -175,6 +175,28 @@ TEST(RawBinaryOutFileTest, ImagesStandOneBehindTheOther) {
               "b\nxxa");
 }
 
+template <class Writer>
+void expectRefusalBeyond32Bits(Writer&& writer, const std::string& name) {
+    // Costs no memory as long as nothing is written into it.
+    const MemoryBuffer sixteenth(0, 0x10000000);
+    EXPECT_EQ(printedBy([&] {
+                  for (int i = 0; i < 15; ++i) writer.insertMemoryBuffer(sixteenth);
+                  writer.insertMemoryBuffer(MemoryBuffer(0, 0xFFFFFFF));
+              }),
+              "");
+    EXPECT_EQ(printedBy([&] { writer.insertMemoryBuffer(MemoryBuffer(0, 1)); }),
+              name +
+                  "(insertMemoryBuffer-Operation). The operation was not successful, because the "
+                  "resulting\nNumber of elements will be bigger than (int) 4294967295\nNothing was "
+                  "inserted.\n");
+}
+
+TEST(OutFileTest, FormatsWithoutAddressesTakeWhat32BitsCount) {
+    expectRefusalBeyond32Bits(RawBinaryOutFile(temporaryPath()), "RawBinaryOutFile");
+    expectRefusalBeyond32Bits(EmbeddedC_AssemblerOutFile(temporaryPath(), {}),
+                              "EmbeddedC_AssemblerOutFile");
+}
+
 std::string embedded(const std::string& section, std::uint32_t perLine,
                      const std::vector<MemoryBuffer>& images) {
     EmbeddedOutputStyle style{
