@@ -28,6 +28,7 @@ std::map<std::string, std::string> variablesOf(std::string_view argumentLines) {
         arguments.emplace_back(line.substr(0, line.find('\0')));
     }
     std::vector<const char*> pointers;
+    pointers.reserve(arguments.size());
     for (const std::string& argument : arguments) pointers.push_back(argument.c_str());
     return App::scanArguments(pointers).initialVariables;
 }

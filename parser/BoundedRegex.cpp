@@ -158,8 +158,8 @@ void appendBounded(std::string& text, const char* first, const char* last, std::
 
 }  // namespace
 
-RegexAllowance::RegexAllowance(std::size_t scriptSize)
-    : steps(Platform::usableSteps() + sharedStepsForEachCharacter * scriptSize) {}
+RegexAllowance::RegexAllowance(std::size_t length)
+    : scriptLength(length), steps(Platform::usableSteps() + sharedStepsForEachCharacter * length) {}
 
 std::string replaceBounded(const std::string& text, const std::string& pattern,
                            const std::string& format, std::size_t longest,
@@ -167,7 +167,9 @@ std::string replaceBounded(const std::string& text, const std::string& pattern,
     const PatternSize size = sizeOf(pattern);
     const std::regex expression(pattern, std::regex::ECMAScript | std::regex::multiline);
     const volatile char here = 0;
-    Budget budget{allowance.steps + stepsForEachCharacter * text.size(), size.price(),
+    // What values have added to the text has to do with what all patterns share.
+    const std::size_t length = std::min(text.size(), allowance.scriptLength);
+    Budget budget{allowance.steps + stepsForEachCharacter * length, size.price(),
                   reinterpret_cast<std::uintptr_t>(&here), Platform::usableStackBytes()};
     const CheckedPosition begin(text.data(), &budget);
     const CheckedPosition end(text.data() + text.size(), &budget);

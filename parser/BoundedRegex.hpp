@@ -7,11 +7,12 @@
 namespace Parser {
 
 /// What the evaluations of all patterns of one script may take together, beyond the little that
-/// each may take for every character of its text.
+/// each may take for every character of the script.
 struct RegexAllowance {
-    /// @param scriptSize  in characters; a long script takes its time
-    explicit RegexAllowance(std::size_t scriptSize);
+    /// @param length  of the script and its variables, in characters
+    explicit RegexAllowance(std::size_t length);
 
+    std::size_t scriptLength;
     std::uint64_t steps;
 };
 

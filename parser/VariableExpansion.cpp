@@ -18,8 +18,26 @@ namespace Parser {
 
 namespace {
 
-/// Values that hold names that hold values can double a text again and again.
-constexpr std::size_t longestText = std::size_t{1} << 29U;
+/// What the expansion of one script may come to. Values that hold names that hold values can double
+/// a text again and again, and walk through all of it for every name.
+struct Limits {
+    /// @param scriptSize  length of the text and of all values
+    explicit Limits(std::size_t scriptSize)
+        : longestText(longestOfAny + longestForEachCharacter * scriptSize),
+          walk(walkOfAny + walkForEachCharacter * scriptSize),
+          allowance(scriptSize) {}
+
+    std::size_t longestText;
+    /// Characters that may be walked through yet, those of a line once for each name in it.
+    std::uint64_t walk;
+    RegexAllowance allowance;
+
+private:
+    static constexpr std::size_t longestOfAny = std::size_t{1} << 26U;
+    static constexpr std::size_t longestForEachCharacter = 4;
+    static constexpr std::uint64_t walkOfAny = std::uint64_t{1} << 27U;
+    static constexpr std::uint64_t walkForEachCharacter = 256;
+};
 
 struct Variable {
     std::string name;
@@ -89,12 +107,12 @@ public:
         }
     }
 
-    std::string apply(std::string_view text) const {
+    std::string apply(std::string_view text, Limits& limits) const {
         std::string result;
         result.reserve(text.size());
         while (!text.empty()) {
             const std::size_t lineEnd = std::min(text.find('\n'), text.size() - 1) + 1;
-            appendLine(result, text.substr(0, lineEnd));
+            appendLine(result, text.substr(0, lineEnd), limits);
             text.remove_prefix(lineEnd);
         }
         return result;
@@ -131,21 +149,23 @@ private:
         return best;
     }
 
-    void appendLine(std::string& result, std::string_view source) const {
+    void appendLine(std::string& result, std::string_view source, Limits& limits) const {
         std::size_t rank = firstRank(source, 0);
         if (rank == none) {
             result += source;
             return;
         }
         std::string line(source);
-        for (; rank != none; rank = firstRank(line, rank + 1)) line = replaced(line, rank);
-        if (line.size() > longestText - std::min(longestText, result.size()))
+        for (; rank != none; rank = firstRank(line, rank + 1)) line = replaced(line, rank, limits);
+        if (line.size() > limits.longestText - std::min(limits.longestText, result.size()))
             reportTooLong(variables_.front().name);
         result += line;
     }
 
-    std::string replaced(std::string_view line, std::size_t rank) const {
+    std::string replaced(std::string_view line, std::size_t rank, Limits& limits) const {
         const Variable& variable = variables_[rank];
+        if (line.size() > limits.walk) reportTooLong(variable.name);
+        limits.walk -= line.size();
         std::string result;
         std::size_t copied = 0;
         for (std::size_t at = line.find(variable.name); at != std::string_view::npos;
@@ -153,7 +173,7 @@ private:
             result += line.substr(copied, at - copied);
             result += variable.value;
             copied = at + variable.name.size();
-            if (result.size() > longestText) reportTooLong(variable.name);
+            if (result.size() > limits.longestText) reportTooLong(variable.name);
         }
         result += line.substr(copied);
         return result;
@@ -166,10 +186,10 @@ private:
     std::bitset<std::size_t{1} << 16U> beginnings_;
 };
 
-std::string patternApplied(const std::string& text, const Variable& variable,
-                           RegexAllowance& allowance) {
+std::string patternApplied(const std::string& text, const Variable& variable, Limits& limits) {
     try {
-        return replaceBounded(text, variable.name, variable.value, longestText, allowance);
+        return replaceBounded(text, variable.name, variable.value, limits.longestText,
+                              limits.allowance);
     } catch (const std::regex_error& error) {
         const bool isExhausted = error.code() == std::regex_constants::error_stack ||
                                  error.code() == std::regex_constants::error_complexity ||
@@ -185,14 +205,16 @@ std::string patternApplied(const std::string& text, const Variable& variable,
 
 void expandVariables(std::string& text, const std::map<std::string, std::string>& variables) {
     const std::vector<Variable> ordered = inOrder(variables);
-    RegexAllowance allowance(text.size());
+    std::size_t scriptSize = text.size();
+    for (const Variable& variable : ordered) scriptSize += variable.value.size();
+    Limits limits(scriptSize);
     for (auto next = ordered.begin(); next != ordered.end();) {
         const auto plainEnd = std::find_if_not(next, ordered.end(), isPlain);
         if (plainEnd != next) {
-            text = PlainExpansion(std::span(next, plainEnd)).apply(text);
+            text = PlainExpansion(std::span(next, plainEnd)).apply(text, limits);
             next = plainEnd;
         } else {
-            text = patternApplied(text, *next, allowance);
+            text = patternApplied(text, *next, limits);
             ++next;
         }
     }

@@ -27,7 +27,8 @@ private:
 /// without a special character take time linear in the text together, not each.
 ///
 /// @throws VariableError  if a name is no valid regular expression, if its evaluation would exhaust
-///                        the machine, or if the text would grow beyond half a gigabyte
+///                        the machine, or if the text would grow beyond 64 MiB and four times the
+///                        length of script and values, or take as long as such a text does
 void expandVariables(std::string& text, const std::map<std::string, std::string>& variables);
 
 }  // namespace Parser
