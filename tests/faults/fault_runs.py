@@ -221,6 +221,22 @@ class Rights(Faults):
         self.assertEqual((done.returncode, done.stdout.count("\n")), (254, 3))
 
 
+class Jail(Faults):
+    """A folder that holds the program and nothing else: no shell, no /proc, no /dev."""
+
+    def test_files_of_the_folder_only_and_no_program(self):
+        if os.geteuid() != 0:
+            self.skipTest("only root can chroot")
+        shutil.copy(self.program, self.work / "CmdTessaron")
+        self.work.chmod(0o777)
+        self.check(THREE + WRITE_A + "NEW_BUFFER B FROM_FILE /etc/passwd\n"
+                   "CALL_APP touch WITH_ARGUMENTS {called}\nPRINT_TEXT {end}\n",
+                   UNOPENED % "/etc/passwd" + "Calling: touch called\nend\n", program="/CmdTessaron",
+                   prefix=("chroot", "--userspec=%s:%s" % (NOBODY, NOBODY), self.work))
+        self.check_three()
+        self.assertFalse((self.work / "called").exists())
+
+
 class SmallDisk(Faults):
     """A file system without room."""
 

@@ -96,6 +96,13 @@ TEST(IntelHexOutFileTest, RefusesWhatItCannotReachAndTouchesNothing) {
               "(0)\n");
 }
 
+TEST(IntelHexOutFileTest, OneRecordAsText) {
+    const MemoryBuffer image = imageOf(0x1000, {1, 2, 3, 4});
+    EXPECT_EQ(intelHex().getStringRepresentationFor(0xABCD1000, Io::IntelRecordType::Data,
+                                                    image.viewElements()),
+              ":0410000001020304E2\n");
+}
+
 const std::string motorolaHeader =
     "S027000020202020202020202020000043726561746564204279205465737361726F6E2032303038AC\n";
 
@@ -115,6 +122,14 @@ TEST(MotorolaS_OutFileTest, TheWorkedExamples) {
     EXPECT_EQ(
         written(motorola(21), {imageOf(0x1000, std::vector<std::uint8_t>(22, 0))}),
         motorolaHeader + "S1181000" + std::string(42, '0') + "D7\nS104101500D6\n" + "S9030000FC\n");
+}
+
+TEST(MotorolaS_OutFileTest, OneRecordAsText) {
+    SRecord record{Io::SRecordType::Unknown, {}, {1, 2, 3, 4}};
+    motorola().makeRecord(SRecordKind::Data, 0x1000, record);
+    EXPECT_EQ(MotorolaS_OutFile::getStringRepresentation(record), "S107100001020304DE\n");
+    record.recordType = Io::SRecordType::Unknown;
+    EXPECT_EQ(MotorolaS_OutFile::getStringRepresentation(record), "");
 }
 
 TEST(MotorolaS_OutFileTest, CountsItsRecordsInThreeWidths) {
