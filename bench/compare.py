@@ -178,7 +178,7 @@ def conversions(bench, largest):
     pairs = [("hex", "hex"), ("hex", "srec"), ("srec", "hex"), ("raw", "hex"), ("hex", "raw")]
     limits = []
     table_head("Conversions", peers)
-    for size in (1, 16, 64, 256):
+    for size in (1, 16, 64, 255):
         if size > largest:
             break
         inputs = make_inputs(bench, size)

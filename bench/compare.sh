@@ -1,7 +1,7 @@
 #!/bin/sh
 # Compares whole runs of CmdTessaron with other tools and with the practical limit, and prints
 # Markdown tables. Sets up what it needs, the other tools included.
-#   bench/compare.sh [largest size in MiB, 256 if not given]
+#   bench/compare.sh [largest size in MiB, 255 if not given: FROM_FILE takes no more]
 set -eu
 cd "$(dirname "$0")/.."
 scripts/setup.sh bench
@@ -10,4 +10,4 @@ scripts/setup.sh bench
     cat build/compare.log
     exit 1
 }
-exec python3 bench/compare.py build/release/CmdTessaron build/bench/bench "${1:-256}"
+exec python3 bench/compare.py build/release/CmdTessaron build/bench/bench "${1:-255}"
