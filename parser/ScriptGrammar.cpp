@@ -115,7 +115,15 @@ ScriptRules::ScriptRules(ScriptParser& parser) {
     defineScript(*this, parser);
 }
 
+ScriptParser::ScriptParser() = default;
+
+ScriptParser::ScriptParser(std::string path, std::map<std::string, std::string> variables)
+    : initialVariables(std::move(variables)), scriptPath(std::move(path)) {}
+
+ScriptParser::~ScriptParser() = default;
+
 ScriptParser::ParseResult ScriptParser::parseScript(std::string_view text) {
+    if (!rules) rules = std::make_unique<const ScriptRules>(*this);
     beginText(text.size());
     const Position first = text.data();
     const auto info = Spirit::parse(first, first + text.size(), *this);

@@ -47,14 +47,10 @@ void definePrints(ScriptRules& rules, ScriptParser& parser);
 void defineCallApp(ScriptRules& rules, ScriptParser& parser);
 
 template <class ScannerT>
-struct ScriptParser::definition {
-    // The grammar base hands the parser out as constant; its actions are there to change it.
-    explicit definition(const ScriptParser& self) : rules(const_cast<ScriptParser&>(self)) {}
-
-    const Rule& start() const { return rules.script; }
-
-    ScriptRules rules;
-};
+typename Spirit::parser_result<ScriptParser, ScannerT>::type ScriptParser::parse(
+    const ScannerT& scan) const {
+    return rules->script.parse(scan);
+}
 
 /// One or more characters up to, and without, the next of the characters `stops`; no match when
 /// there is none.

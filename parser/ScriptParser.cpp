@@ -33,11 +33,6 @@ double secondsSince(std::chrono::steady_clock::time_point start) {
 
 }  // namespace
 
-ScriptParser::ScriptParser(std::string path, std::map<std::string, std::string> variables)
-    : initialVariables(std::move(variables)), scriptPath(std::move(path)) {}
-
-ScriptParser::~ScriptParser() = default;
-
 bool ScriptParser::run() {
     const auto start = std::chrono::steady_clock::now();
     bool isParsed = false;

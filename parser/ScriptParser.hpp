@@ -22,6 +22,8 @@ namespace Parser {
 /// Position in the text of a script while the grammar reads it.
 using Position = const char*;
 
+struct ScriptRules;
+
 /// Runs one script: prepares its text, parses all of it into command objects and executes them.
 ///
 /// The class is its own grammar. A syntax error is reported with its line, and then no statement
@@ -38,7 +40,7 @@ public:
     };
 
     /// A parser for `calculate`, with no variables and no script.
-    ScriptParser() = default;
+    ScriptParser();
 
     /// @param path       the script file
     /// @param variables  text replacements that win over those of the script
@@ -66,11 +68,14 @@ public:
     /// The statements that were parsed, in script order.
     std::size_t statementCount() const { return commands.size(); }
 
-    /// The rules, in ScriptGrammar.hpp.
-    template <class Scanner>
-    struct definition;
+    // What follows belongs to the grammar: its match, the parser actions, and what its rules ask.
 
-    // What follows belongs to the grammar: the parser actions, and what its rules ask.
+    /// Matches the start rule, for Spirit; in ScriptGrammar.hpp. It stands in front of the base's
+    /// own `parse`, which would keep the rules in a record of all grammars: should memory run out
+    /// while that is made, the base frees a piece of it twice.
+    template <class ScannerT>
+    typename boost::spirit::classic::parser_result<ScriptParser, ScannerT>::type parse(
+        const ScannerT& scan) const;
 
     /// [Begin]: a new statement of kind `Command` starts from a clean parser state.
     template <class Command>
@@ -186,6 +191,8 @@ private:
     bool prepareAndRun(std::string text);
     void reportSyntaxError(std::string_view matched) const;
 
+    /// Built at the first parse; bound to this object.
+    std::unique_ptr<const ScriptRules> rules;
     WrapperLib::CmdContext context;
     /// The statement being parsed; moves to `commands` when its statement has matched.
     std::unique_ptr<WrapperLib::CmdApi> currentCmd;

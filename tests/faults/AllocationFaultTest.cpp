@@ -6,6 +6,7 @@
 #include <functional>
 #include <iterator>
 #include <memory>
+#include <new>
 #include <regex>
 #include <string>
 #include <vector>
@@ -271,10 +272,25 @@ TEST_F(AllocationFaultTest, WriteFile) {
 }
 
 TEST_F(AllocationFaultTest, Others) {
-    // As during a run, whose parser keeps what Spirit shares between grammars.
-    ScriptParser running;
-    running.parseScript("");
     runAll(otherCases());
+}
+
+TEST_F(AllocationFaultTest, AParserWhoseRulesCouldNotBeBuiltBuildsThemTheNextTime) {
+    hasFailed = true;
+    for (std::size_t succeeding = 0; hasFailed; ++succeeding) {
+        ScriptParser parser;
+        Tests::failBehind(succeeding, false);
+        bool isRefused = false;
+        try {
+            parser.parseScript("PRINT_HASH @A");
+        } catch (const std::bad_alloc&) {
+            isRefused = true;
+        }
+        hasFailed = Tests::stopFailing();
+        EXPECT_EQ(isRefused, hasFailed) << "allocation " << succeeding;
+        EXPECT_TRUE(parser.parseScript("PRINT_HASH @B").full);
+        EXPECT_GE(parser.statementCount(), 1U);
+    }
 }
 
 TEST_F(AllocationFaultTest, AScriptIsExecutedAsAWholeOrNotAtAll) {
@@ -285,8 +301,6 @@ TEST_F(AllocationFaultTest, AScriptIsExecutedAsAWholeOrNotAtAll) {
               "WRITE_FILE " +
                   inFolder("NAME").string() +
                   " WITH_BUFFERS {@A} -setFormat=RawBinary\nPRINT_TEXT {end}\n");
-    ScriptParser running;
-    running.parseScript("");
     hasFailed = true;
     // A step that is prime to what may repeat.
     for (std::size_t succeeding = 0; hasFailed; succeeding += 7) {
