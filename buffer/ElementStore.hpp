@@ -4,32 +4,17 @@
 #include <cstdint>
 #include <span>
 
+#include "buffer/ElementView.hpp"
 #include "platform/Platform.hpp"
 
 namespace Buffer {
 
-/// What an image knows of one address.
-struct MemoryElement {
-    std::uint8_t value = 0;     ///< the byte written here; meaningful while `hasValue` is not 0
-    std::uint8_t filler = 0;    ///< the byte this address reads as while nothing was written
-    std::uint8_t hasValue = 0;  ///< 1 once a byte was written here
-
-    /// The byte that a reader of the image sees here.
-    std::uint8_t effectiveByte() const { return hasValue != 0 ? value : filler; }
-
-    bool operator==(const MemoryElement&) const = default;
-};
-
-/// Writes the effective byte of each element to `out`, which has room for `elements.size()` bytes.
-void effectiveBytes(std::span<const MemoryElement> elements, std::uint8_t* out);
-
-/// Makes written elements with filler 0 of `bytes`, from the first of `elements` on, of which there
-/// are at least as many.
-void writtenElements(std::span<const std::uint8_t> bytes, std::span<MemoryElement> elements);
-
 /// The elements of an image: an array of fixed size, all zero at first.
 ///
-/// The pages of a large array are not touched before something is written into them.
+/// Two bytes and a bit are reserved for each element. The pages of a large array are not touched
+/// before something is written into them, so that one without fillers costs little more than a byte
+/// an element, and one of gaps next to nothing. Places and counts are of elements and lie inside
+/// the array.
 class ElementStore {
 public:
     ElementStore() = default;
@@ -44,14 +29,36 @@ public:
     ElementStore& operator=(ElementStore&& other) noexcept;
 
     std::size_t size() const { return size_; }
-    std::span<MemoryElement> view() { return {first(), size_}; }
-    std::span<const MemoryElement> view() const { return {first(), size_}; }
+    ElementView view() const {
+        return {values(), hasFillers_ ? fillers() : nullptr, written(), size_};
+    }
+
+    /// Makes written elements with filler 0 of `bytes`, from `at` on.
+    void write(std::size_t at, std::span<const std::uint8_t> bytes);
+
+    /// Replaces the elements from `at` on.
+    void replace(std::size_t at, ElementView elements);
+
+    /// Applies `elements` to those from `at` on: a written one replaces the value and leaves the
+    /// filler, another one replaces the filler and leaves the value.
+    void apply(std::size_t at, ElementView elements);
 
 private:
-    MemoryElement* first() const { return reinterpret_cast<MemoryElement*>(pages_.data()); }
+    std::uint8_t* values() const { return reinterpret_cast<std::uint8_t*>(pages_.data()); }
+    std::uint8_t* fillers() const;
+    WrittenBits::Word* written() const;
+    /// The sources of fillers may be null, for zeros; flags, at most 64, tell which elements count.
+    void setFillers(std::size_t at, const std::uint8_t* source, std::size_t count);
+    void applyValues(std::size_t at, const std::uint8_t* source, WrittenBits::Word flags,
+                     std::size_t count);
+    void applyFillers(std::size_t at, const std::uint8_t* source, WrittenBits::Word flags,
+                      std::size_t count);
 
+    /// The values, the fillers and the flags, each from a multiple of 64 bytes on.
     Platform::PageBlock pages_;
     std::size_t size_ = 0;
+    /// A filler other than 0 may have been set; while not, the fillers are not looked at.
+    bool hasFillers_ = false;
 };
 
 }  // namespace Buffer

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <ios>
 
 #include "util/Report.hpp"
@@ -11,38 +10,55 @@ namespace Buffer {
 
 namespace {
 
-void applyElement(MemoryElement& destination, const MemoryElement& source) {
-    if (source.hasValue != 0) {
-        destination.value = source.value;
-        destination.hasValue = 1;
-    } else {
-        destination.filler = source.filler;
+/// Elements of a pattern in the way an image holds them, repeated as far as there is room, so that
+/// short patterns do not cost a step of their own for every few elements. On the stack: memory that
+/// runs out between two fills of one statement would leave the work half done.
+class PatternPiece {
+public:
+    static constexpr std::size_t capacity = 4096;
+
+    /// As many whole repetitions of `pattern`, for which there is room once, as `wanted` elements
+    /// take and there is room for.
+    PatternPiece(std::span<const MemoryElement> pattern, std::size_t wanted) {
+        do {
+            append(pattern);
+        } while (size_ < wanted && size_ + pattern.size() <= capacity);
     }
-}
 
-/// Applies `pattern` to `destination` again and again, from its first element on.
-void applyPattern(std::span<MemoryElement> destination, std::span<const MemoryElement> pattern) {
-    while (!destination.empty()) {
-        const std::size_t count = std::min(destination.size(), pattern.size());
-        for (std::size_t i = 0; i < count; ++i) applyElement(destination[i], pattern[i]);
-        destination = destination.subspan(count);
+    ElementView view() const {
+        return {values_.data(), hasFillers_ ? fillers_.data() : nullptr, written_.data(), size_};
     }
-}
 
-/// A pattern is repeated up to this many elements before it is applied, so that short ones do not
-/// cost a loop of their own for every few elements.
-constexpr std::size_t patternStretch = 4096;
+private:
+    void append(std::span<const MemoryElement> elements) {
+        while (!elements.empty()) {
+            const auto word = elements.first(WrittenBits::inWord(size_, elements.size()));
+            appendWord(word);
+            elements = elements.subspan(word.size());
+        }
+    }
 
-/// Applies a pattern no longer than that. It is repeated on the stack: memory that runs out between
-/// two fills of one statement would leave the work half done.
-void applyShortPattern(std::span<MemoryElement> destination,
-                       std::span<const MemoryElement> pattern) {
-    std::array<MemoryElement, patternStretch> longer;
-    std::size_t length = 0;
-    for (; length + pattern.size() <= patternStretch; length += pattern.size())
-        std::ranges::copy(pattern, longer.data() + length);
-    applyPattern(destination, std::span(longer).first(length));
-}
+    void appendWord(std::span<const MemoryElement> elements) {
+        WrittenBits::Word flags = 0;
+        unsigned fillers = 0;
+        for (std::size_t i = 0; i < elements.size(); ++i) {
+            const MemoryElement& element = elements[i];
+            values_[size_ + i] = element.value;
+            fillers_[size_ + i] = element.filler;
+            flags |= WrittenBits::Word{element.hasValue != 0} << i;
+            fillers |= element.filler;
+        }
+        hasFillers_ = hasFillers_ || fillers != 0;
+        WrittenBits::write(written_.data(), size_, elements.size(), flags);
+        size_ += elements.size();
+    }
+
+    std::array<std::uint8_t, capacity> values_;
+    std::array<std::uint8_t, capacity> fillers_;
+    std::array<WrittenBits::Word, WrittenBits::wordsFor(capacity)> written_{};
+    std::size_t size_ = 0;
+    bool hasFillers_ = false;
+};
 
 }  // namespace
 
@@ -67,15 +83,16 @@ MemoryBuffer::MemoryBuffer(std::uint64_t start, std::uint64_t dataLength) : star
 }
 
 std::vector<MemoryElement> MemoryBuffer::getElements() const {
-    const auto all = viewElements();
-    return {all.begin(), all.end()};
+    const ElementView all = viewElements();
+    std::vector<MemoryElement> copy(all.size());
+    for (std::size_t i = 0; i < copy.size(); ++i) copy[i] = all[i];
+    return copy;
 }
 
-std::span<const MemoryElement> MemoryBuffer::viewRange(std::uint64_t start,
-                                                       std::uint64_t dataLength) const {
+ElementView MemoryBuffer::viewRange(std::uint64_t start, std::uint64_t dataLength) const {
     if (start < startAddress || start > endAddress() || dataLength > endAddress() - start)
         return {};
-    return viewElements().subspan(start - startAddress, dataLength);
+    return viewElements().part(start - startAddress, dataLength);
 }
 
 void MemoryBuffer::setStartingAddress(std::uint64_t newStartAddress) {
@@ -90,13 +107,14 @@ void MemoryBuffer::setStartingAddress(std::uint64_t newStartAddress) {
     startAddress = newStartAddress;
 }
 
-void MemoryBuffer::fillMemory(std::span<const MemoryElement> dataPattern, std::uint64_t start,
-                              std::uint64_t numberOfElements) {
-    if (dataPattern.empty()) {
+/// Says why not.
+bool MemoryBuffer::isFillable(std::size_t patternSize, std::uint64_t start,
+                              std::uint64_t numberOfElements) const {
+    if (patternSize == 0) {
         Util::reportLine(
             "MemoryBuffer(fillMemory-Operation). dataPattern was empty, so nothing is filled");
         Util::reportLine("  Nothing was filled!");
-        return;
+        return false;
     }
     if (start < startAddress || start > endAddress()) {
         // The start stands in whatever base the stream was left in.
@@ -105,27 +123,52 @@ void MemoryBuffer::fillMemory(std::span<const MemoryElement> dataPattern, std::u
         Util::reportLine("  Possible max range could be from int [ 0x", std::hex, startAddress,
                          " to 0x", std::hex, endAddress(), "].");
         Util::reportLine("  Nothing was filled!");
-        return;
+        return false;
     }
     if (numberOfElements > endAddress() - start) {
         Util::reportLine("MemoryBuffer(fillMemory - Operation). NumberOfElements int ( 0x",
                          std::hex, numberOfElements, ") are too many.");
         Util::reportLine("  Nothing was filled!");
+        return false;
+    }
+    return true;
+}
+
+/// Applies `pattern` to `count` elements from `at` on, from its first element again and again.
+void MemoryBuffer::applyAgain(ElementView pattern, std::size_t at, std::size_t count) {
+    for (const std::size_t end = at + count; at < end; at += pattern.size())
+        elements.apply(at, pattern.part(0, std::min(pattern.size(), end - at)));
+}
+
+void MemoryBuffer::fillMemory(std::span<const MemoryElement> dataPattern, std::uint64_t start,
+                              std::uint64_t numberOfElements) {
+    if (!isFillable(dataPattern.size(), start, numberOfElements)) return;
+    const std::size_t at = start - startAddress;
+    if (dataPattern.size() <= PatternPiece::capacity) {
+        applyAgain(PatternPiece(dataPattern, numberOfElements).view(), at, numberOfElements);
         return;
     }
-    const auto destination = elements.view().subspan(start - startAddress, numberOfElements);
-    if (dataPattern.size() < patternStretch && dataPattern.size() < numberOfElements)
-        applyShortPattern(destination, dataPattern);
-    else
-        applyPattern(destination, dataPattern);
+    for (std::size_t done = 0; done < numberOfElements;) {
+        const auto rest = dataPattern.subspan(done % dataPattern.size());
+        const auto part =
+            rest.first(std::min({rest.size(), PatternPiece::capacity, numberOfElements - done}));
+        elements.apply(at + done, PatternPiece(part, part.size()).view());
+        done += part.size();
+    }
+}
+
+void MemoryBuffer::fillFrom(ElementView pattern, std::uint64_t start,
+                            std::uint64_t numberOfElements) {
+    if (isFillable(pattern.size(), start, numberOfElements))
+        applyAgain(pattern, start - startAddress, numberOfElements);
 }
 
 void MemoryBuffer::overlayBytes(std::span<const std::uint8_t> bytes, std::uint64_t start) {
     const std::uint64_t skipped = start < startAddress ? startAddress - start : 0;
     if (skipped >= bytes.size() || start >= endAddress()) return;
-    bytes = bytes.subspan(skipped);
-    const auto room = elements.view().subspan(start + skipped - startAddress);
-    writtenElements(bytes.first(std::min(bytes.size(), room.size())), room);
+    const std::uint64_t at = start + skipped - startAddress;
+    elements.write(at,
+                   bytes.subspan(skipped, std::min(bytes.size() - skipped, elements.size() - at)));
 }
 
 MemoryBuffer MemoryBuffer::extractMemory(std::uint64_t start, std::uint64_t dataLength) const {
@@ -144,7 +187,7 @@ MemoryBuffer MemoryBuffer::extractMemory(std::uint64_t start, std::uint64_t data
         return {0, 0};
     }
     MemoryBuffer extract(start, dataLength);
-    extract.fillMemory(viewElements().subspan(start - startAddress, dataLength), start, dataLength);
+    extract.fillFrom(viewElements().part(start - startAddress, dataLength), start, dataLength);
     return extract;
 }
 
@@ -152,16 +195,16 @@ void MemoryBuffer::overlay(const MemoryBuffer& other) {
     const std::uint64_t first = std::max(startAddress, other.startAddress);
     const std::uint64_t end = std::min(endAddress(), other.endAddress());
     if (first >= end) return;
-    const auto source = other.viewElements().subspan(first - other.startAddress, end - first);
-    std::ranges::copy(source, elements.view().subspan(first - startAddress).begin());
+    elements.replace(first - startAddress,
+                     other.viewElements().part(first - other.startAddress, end - first));
 }
 
 void MemoryBuffer::appendBytes(std::vector<std::uint8_t>& output, std::uint64_t start,
                                std::uint64_t dataLength) const {
-    const auto range = viewRange(start, dataLength);
+    const ElementView range = viewRange(start, dataLength);
     const std::size_t length = output.size();
     output.resize(length + range.size());
-    effectiveBytes(range, output.data() + length);
+    range.copyBytes(output.data() + length);
 }
 
 }  // namespace Buffer

@@ -36,11 +36,11 @@ public:
     /// A copy of all elements, in address order.
     std::vector<MemoryElement> getElements() const;
 
-    /// The elements themselves, in address order, while the image lives and is not assigned to.
-    std::span<const MemoryElement> viewElements() const { return elements.view(); }
+    /// The elements themselves, in address order, while the image lives and is not written to.
+    ElementView viewElements() const { return elements.view(); }
 
     /// The elements of a range, or none if any part of it lies outside the image; nothing is said.
-    std::span<const MemoryElement> viewRange(std::uint64_t start, std::uint64_t dataLength) const;
+    ElementView viewRange(std::uint64_t start, std::uint64_t dataLength) const;
 
     /// A tag that the image itself never looks at; `BigEndian` in a new one.
     ByteOrder getByteOrder() const { return byteOrder; }
@@ -58,6 +58,9 @@ public:
     /// image; the address behind the last element is still a valid `start` for no elements.
     void fillMemory(std::span<const MemoryElement> dataPattern, std::uint64_t start,
                     std::uint64_t numberOfElements);
+
+    /// `fillMemory` with a pattern that is already there as elements of an image.
+    void fillFrom(ElementView pattern, std::uint64_t start, std::uint64_t numberOfElements);
 
     /// Overlays `bytes`, as written elements with filler 0, from `start` on. What lies outside the
     /// image is left out, without a message.
@@ -79,6 +82,9 @@ public:
 
 private:
     std::uint64_t endAddress() const { return startAddress + elements.size(); }
+    bool isFillable(std::size_t patternSize, std::uint64_t start,
+                    std::uint64_t numberOfElements) const;
+    void applyAgain(ElementView pattern, std::size_t at, std::size_t count);
 
     std::uint64_t startAddress;
     ElementStore elements;

@@ -154,8 +154,8 @@ void checkRanges(const GenericInFile& file, const Contents& contents, AreaList a
         checkRange(file, contents, {before, 0});
     }
     if (whole.length <= longestWindow)
-        check(std::ranges::equal(file.getMemory().viewElements(),
-                                 file.getMemory(whole.start, whole.length).viewElements()),
+        check(file.getMemory().getElements() ==
+                  file.getMemory(whole.start, whole.length).getElements(),
               "the whole image is that of the whole span");
 }
 

@@ -42,13 +42,13 @@ IntelHexOutFile::IntelHexOutFile(std::string path, IntelHexOutputStyle style)
 
 void IntelHexOutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
     const unsigned shift = outputStyle.useSegmentAddressing ? 4 : 16;
-    std::span<const Buffer::MemoryElement> rest = buffer.viewElements();
-    for (std::uint64_t address = buffer.getStartAddress(); !rest.empty();) {
+    const Buffer::ElementView all = buffer.viewElements();
+    for (std::size_t at = 0; at < all.size();) {
+        const std::uint64_t address = buffer.getStartAddress() + at;
         const std::uint64_t room = ((address >> shift) << shift) + blockSize - address;
-        const std::size_t length = std::min<std::uint64_t>(rest.size(), room);
-        memoryBuffers.emplace_back(address, rest.first(length));
-        rest = rest.subspan(length);
-        address += length;
+        const std::size_t length = std::min<std::uint64_t>(all.size() - at, room);
+        memoryBuffers.emplace_back(address, all.part(at, length));
+        at += length;
     }
 }
 
@@ -92,7 +92,7 @@ std::string IntelHexOutFile::getStringRepresentationFor(
         throw std::exception();
     }
     std::vector<std::uint8_t> data(elements.size());
-    Buffer::effectiveBytes(elements, data.data());
+    std::ranges::transform(elements, data.begin(), &Buffer::MemoryElement::effectiveByte);
     std::string text(intelRecordLength(data.size()), '\0');
     writeIntelRecord(text.data(), static_cast<std::uint16_t>(address), typeByteOf(recordType),
                      data);

@@ -130,7 +130,7 @@ void ParsedData::fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const {
         report("fillMemoryBuffer", start, length, "Nothing was filled");
         return;
     }
-    buffer.fillMemory(imageOf(start, length).viewElements(), start, length);
+    buffer.fillFrom(imageOf(start, length).viewElements(), start, length);
 }
 
 void ParsedData::report(std::string_view operation, std::uint64_t startAddress,

@@ -54,7 +54,7 @@ void RawBinaryInFile::fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const {
                     minAddress, dataLength, getInformation());
         return;
     }
-    buffer.fillMemory(getMemory(start, length).viewElements(), start, length);
+    buffer.fillFrom(getMemory(start, length).viewElements(), start, length);
 }
 
 std::string RawBinaryInFile::getInformation() const {

@@ -20,9 +20,10 @@ void printContent(const Buffer::MemoryBuffer& block) {
                      Util::hexWord(block.getDataLength()), ")");
     std::string rows = "     ";
     std::size_t inRow = 0;
-    for (const Buffer::MemoryElement& element : block.viewElements()) {
+    const Buffer::ElementView elements = block.viewElements();
+    for (std::size_t i = 0; i < elements.size(); ++i) {
         rows += " 0x000000";
-        Util::appendHex(rows, std::array{element.effectiveByte()});
+        Util::appendHex(rows, std::array{elements[i].effectiveByte()});
         if (++inRow < elementsPerRow) continue;
         rows += "\n     ";
         inRow = 0;

@@ -73,13 +73,13 @@ bool resolveSymbol(const CmdContext& context, const std::string& name, std::stri
     return true;
 }
 
-GatheredBytes::GatheredBytes(const std::vector<std::span<const Buffer::MemoryElement>>& ranges)
+GatheredBytes::GatheredBytes(const std::vector<Buffer::ElementView>& ranges)
     : block_(std::accumulate(
           ranges.begin(), ranges.end(), std::size_t{0},
           [](std::size_t size, const auto& range) { return size + range.size(); })) {
     auto* out = reinterpret_cast<std::uint8_t*>(block_.data());
     for (const auto& range : ranges) {
-        Buffer::effectiveBytes(range, out);
+        range.copyBytes(out);
         out += range.size();
     }
 }
@@ -90,7 +90,7 @@ std::span<const std::uint8_t> GatheredBytes::view() const {
 
 std::optional<GatheredBytes> gatherBytes(CmdContext& context, const std::vector<std::string>& names,
                                          const AreaList& areas) {
-    std::vector<std::span<const Buffer::MemoryElement>> ranges;
+    std::vector<Buffer::ElementView> ranges;
     for (const std::string& name : names) {
         const Buffer::MemoryBuffer* const buffer = findBuffer(context, name);
         if (buffer == nullptr) return std::nullopt;

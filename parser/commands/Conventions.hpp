@@ -35,7 +35,7 @@ bool resolveSymbol(const CmdContext& context, const std::string& name, std::stri
 class GatheredBytes {
 public:
     /// The effective bytes of `ranges`, in order.
-    explicit GatheredBytes(const std::vector<std::span<const Buffer::MemoryElement>>& ranges);
+    explicit GatheredBytes(const std::vector<Buffer::ElementView>& ranges);
 
     std::span<const std::uint8_t> view() const;
 

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <iostream>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -184,6 +185,103 @@ TEST(MemoryBufferTest, OverlayAndWrittenBytesAreCutToTheImage) {
         written.overlayBytes({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()},
                              row.start);
         EXPECT_EQ(text(written), row.result) << row.other;
+    }
+}
+
+/// An image kept as plainly as can be: one element after the other.
+struct PlainImage {
+    std::uint64_t start;
+    Elements elements;
+
+    void fill(const Elements& pattern, std::size_t at, std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i) {
+            const auto& source = pattern[i % pattern.size()];
+            auto& destination = elements[at + i];
+            if (source.hasValue != 0)
+                destination = {source.value, destination.filler, 1};
+            else
+                destination.filler = source.filler;
+        }
+    }
+
+    void overlay(const PlainImage& other) {
+        for (std::size_t i = 0; i < other.elements.size(); ++i) {
+            const std::uint64_t at = other.start + i - start;
+            if (at < elements.size()) elements[at] = other.elements[i];
+        }
+    }
+
+    std::vector<std::uint8_t> bytes(std::size_t at, std::size_t count) const {
+        std::vector<std::uint8_t> result;
+        for (std::size_t i = at; i < at + count; ++i)
+            result.push_back(elements[i].hasValue != 0 ? elements[i].value : elements[i].filler);
+        return result;
+    }
+};
+
+class RandomImages {
+public:
+    explicit RandomImages(unsigned seed) : random_(seed) {}
+
+    std::size_t below(std::size_t end) { return random_() % end; }
+
+    /// Stretches of written elements, of fillers and of holes, of any length.
+    Elements elements(std::size_t count) {
+        Elements result;
+        while (result.size() < count) {
+            const std::size_t kind = below(4);
+            const std::size_t length = 1 + below(kind == 0 ? 3 : 150);
+            for (std::size_t i = 0; i < length; ++i) {
+                const auto byte = static_cast<std::uint8_t>(below(256));
+                result.push_back(kind == 1   ? Buffer::MemoryElement{0, byte, 0}
+                                 : kind == 2 ? Buffer::MemoryElement{}
+                                             : Buffer::MemoryElement{byte, 0, 1});
+            }
+        }
+        result.resize(count);
+        return result;
+    }
+
+private:
+    std::mt19937 random_;
+};
+
+TEST(MemoryBufferTest, AnyOperationsGiveWhatAPlainArrayGives) {
+    constexpr std::uint64_t start = 1000;
+    for (unsigned seed = 0; seed < 200; ++seed) {
+        RandomImages random(seed);
+        const std::size_t size = 1 + random.below(random.below(20) == 0 ? 20000 : 700);
+        MemoryBuffer image(start, size);
+        PlainImage plain{start, Elements(size)};
+        for (int step = 0; step < 8; ++step) {
+            const std::size_t at = random.below(size + 1);
+            const std::size_t count = random.below(size - at + 1);
+            // Now and then longer than what is repeated at once.
+            const Elements pattern =
+                random.elements(1 + random.below(random.below(9) == 0 ? 9000 : 300));
+            image.fillMemory(pattern, start + at, count);
+            plain.fill(pattern, at, count);
+            const PlainImage other{start - 200 + random.below(size + 400),
+                                   random.elements(1 + random.below(400))};
+            MemoryBuffer otherImage(other.start, other.elements.size());
+            otherImage.fillMemory(other.elements, other.start, other.elements.size());
+            image.overlay(otherImage);
+            plain.overlay(other);
+            const std::vector<std::uint8_t> written(random.below(200), 0x5A);
+            image.overlayBytes(written, start + at);
+            plain.overlay({start + at, Elements(written.size(), {0x5A, 0, 1})});
+            ASSERT_EQ(image.getElements(), plain.elements) << "seed " << seed;
+            std::vector<std::uint8_t> bytes;
+            image.appendBytes(bytes, start + at, count);
+            ASSERT_EQ(bytes, plain.bytes(at, count)) << "seed " << seed;
+            if (count == 0) continue;
+            PlainImage extract{start + at, Elements(count)};
+            extract.fill(
+                {plain.elements.begin() + static_cast<std::ptrdiff_t>(at), plain.elements.end()}, 0,
+                count);
+            ASSERT_EQ(image.extractMemory(start + at, count).getElements(), extract.elements)
+                << "seed " << seed;
+        }
     }
 }
 

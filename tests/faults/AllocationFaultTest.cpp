@@ -191,9 +191,10 @@ protected:
     static std::string stateOf(const CmdContext& context) {
         std::string state;
         for (const auto& [name, image] : context.buffers) {
-            const auto elements = image.viewElements();
+            const auto elements = image.getElements();
             state += name + "=" + std::to_string(image.getStartAddress()) + ":";
-            state.append(reinterpret_cast<const char*>(elements.data()), elements.size_bytes());
+            state.append(reinterpret_cast<const char*>(elements.data()),
+                         elements.size() * sizeof(Buffer::MemoryElement));
         }
         for (const auto* registry : {&context.crcs, &context.hashes})
             for (const auto& [name, value] : *registry)

@@ -99,7 +99,7 @@ TEST(IntelHexOutFileTest, RefusesWhatItCannotReachAndTouchesNothing) {
 TEST(IntelHexOutFileTest, OneRecordAsText) {
     const MemoryBuffer image = imageOf(0x1000, {1, 2, 3, 4});
     EXPECT_EQ(intelHex().getStringRepresentationFor(0xABCD1000, Io::IntelRecordType::Data,
-                                                    image.viewElements()),
+                                                    image.getElements()),
               ":0410000001020304E2\n");
 }
 

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "buffer/MemoryElement.hpp"
+#include "buffer/WrittenBits.hpp"
+
+namespace Buffer {
+
+/// Elements that stay with their owner, to be looked at.
+///
+/// They are not stored one by one: their values, their fillers and their flags are three arrays, of
+/// which the fillers are missing where all of them are 0. An unwritten element has the value 0.
+class ElementView {
+public:
+    ElementView() = default;
+
+    /// `size` elements; `fillers` may be null.
+    ElementView(const std::uint8_t* values, const std::uint8_t* fillers,
+                const WrittenBits::Word* written, std::size_t size)
+        : values_(values), fillers_(fillers), written_(written), size_(size) {}
+
+    std::size_t size() const { return size_; }
+    bool empty() const { return size_ == 0; }
+
+    /// `count` elements from `at` on, of which there are as many.
+    ElementView part(std::size_t at, std::size_t count) const;
+
+    MemoryElement operator[](std::size_t at) const;
+
+    /// The `count` flags, at most 64, from `at` on; the first one is the lowest bit.
+    WrittenBits::Word written(std::size_t at, std::size_t count) const {
+        return WrittenBits::read(written_, begin_ + at, count);
+    }
+
+    const std::uint8_t* values() const { return values_ + begin_; }
+
+    /// Null when all fillers are 0.
+    const std::uint8_t* fillers() const {
+        return fillers_ == nullptr ? nullptr : fillers_ + begin_;
+    }
+
+    /// The effective bytes where they stand, if they stand one behind the other.
+    std::optional<std::span<const std::uint8_t>> bytes() const;
+
+    /// Writes the effective byte of each element to `out`, which has room for `size()` bytes.
+    void copyBytes(std::uint8_t* out) const;
+
+private:
+    const std::uint8_t* values_ = nullptr;
+    const std::uint8_t* fillers_ = nullptr;
+    const WrittenBits::Word* written_ = nullptr;
+    std::size_t begin_ = 0;
+    std::size_t size_ = 0;
+};
+
+}  // namespace Buffer
