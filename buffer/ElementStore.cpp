@@ -10,23 +10,29 @@ using WrittenBits::Word;
 
 namespace {
 
-/// The size of one array of bytes.
-std::size_t paddedSize(std::size_t count) {
-    return WrittenBits::wordsFor(count) * WrittenBits::perWord;
-}
-
-std::size_t bytesFor(std::uint64_t count) {
-    // No more than an array of elements could hold.
+/// The size of an array of bytes. No array of more elements could be handed out.
+std::size_t checked(std::uint64_t count) {
     if (count > PTRDIFF_MAX / sizeof(MemoryElement))
         throw std::length_error("an image longer than the address space");
-    const auto size = static_cast<std::size_t>(count);
-    return 2 * paddedSize(size) + WrittenBits::wordsFor(size) * sizeof(Word);
+    return static_cast<std::size_t>(count);
+}
+
+std::size_t bytesOfFlags(std::size_t count) {
+    return WrittenBits::wordsFor(count) * sizeof(Word);
 }
 
 }  // namespace
 
 ElementStore::ElementStore(std::uint64_t count)
-    : pages_(bytesFor(count)), size_(static_cast<std::size_t>(count)) {}
+    : values_(checked(count)),
+      fillers_(values_.size()),
+      written_(bytesOfFlags(values_.size())),
+      size_(values_.size()) {}
+
+ElementStore::ElementStore(Platform::PageBlock values, std::size_t count)
+    : values_(std::move(values)), fillers_(count), written_(bytesOfFlags(count)), size_(count) {
+    setWritten(0, count);
+}
 
 ElementStore::ElementStore(const ElementStore& other) : ElementStore(other.size_) {
     replace(0, other.view());
@@ -38,32 +44,33 @@ ElementStore& ElementStore::operator=(const ElementStore& other) {
 }
 
 ElementStore::ElementStore(ElementStore&& other) noexcept
-    : pages_(std::move(other.pages_)),
+    : values_(std::move(other.values_)),
+      fillers_(std::move(other.fillers_)),
+      written_(std::move(other.written_)),
       size_(std::exchange(other.size_, 0)),
       hasFillers_(std::exchange(other.hasFillers_, false)) {}
 
 ElementStore& ElementStore::operator=(ElementStore&& other) noexcept {
-    std::swap(pages_, other.pages_);
+    std::swap(values_, other.values_);
+    std::swap(fillers_, other.fillers_);
+    std::swap(written_, other.written_);
     std::swap(size_, other.size_);
     std::swap(hasFillers_, other.hasFillers_);
     return *this;
 }
 
-std::uint8_t* ElementStore::fillers() const {
-    return values() + paddedSize(size_);
-}
-
-Word* ElementStore::written() const {
-    return reinterpret_cast<Word*>(pages_.data() + 2 * paddedSize(size_));
-}
-
 void ElementStore::write(std::size_t at, std::span<const std::uint8_t> bytes) {
     std::ranges::copy(bytes, values() + at);
-    if (hasFillers_) setFillers(at, nullptr, bytes.size());
-    for (std::size_t i = 0; i < bytes.size();) {
-        const std::size_t count = WrittenBits::inWord(at + i, bytes.size() - i);
-        WrittenBits::write(written(), at + i, count, WrittenBits::all(count));
-        i += count;
+    setWritten(at, bytes.size());
+}
+
+/// Their fillers become 0.
+void ElementStore::setWritten(std::size_t at, std::size_t count) {
+    if (hasFillers_) setFillers(at, nullptr, count);
+    for (const std::size_t end = at + count; at < end;) {
+        const std::size_t inWord = WrittenBits::inWord(at, end - at);
+        WrittenBits::write(written(), at, inWord, WrittenBits::all(inWord));
+        at += inWord;
     }
 }
 

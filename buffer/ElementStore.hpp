@@ -22,6 +22,9 @@ public:
     /// @throws std::length_error for a count that no array can hold
     /// @throws std::bad_alloc when the machine cannot hold it
     explicit ElementStore(std::uint64_t count);
+
+    /// `count` written elements with filler 0, whose values are the first bytes of `values`.
+    ElementStore(Platform::PageBlock values, std::size_t count);
     ~ElementStore() = default;
     ElementStore(const ElementStore& other);
     ElementStore& operator=(const ElementStore& other);
@@ -36,6 +39,13 @@ public:
     /// Makes written elements with filler 0 of `bytes`, from `at` on.
     void write(std::size_t at, std::span<const std::uint8_t> bytes);
 
+    /// Makes written elements with filler 0 of what `read` puts into the `count` bytes that it is
+    /// given, from `at` on: as many as it returns. It touches no more of them.
+    template <class Read>
+    void writeWith(std::size_t at, std::size_t count, Read read) {
+        setWritten(at, read(std::span(values() + at, count)));
+    }
+
     /// Replaces the elements from `at` on.
     void replace(std::size_t at, ElementView elements);
 
@@ -44,9 +54,12 @@ public:
     void apply(std::size_t at, ElementView elements);
 
 private:
-    std::uint8_t* values() const { return reinterpret_cast<std::uint8_t*>(pages_.data()); }
-    std::uint8_t* fillers() const;
-    WrittenBits::Word* written() const;
+    std::uint8_t* values() const { return reinterpret_cast<std::uint8_t*>(values_.data()); }
+    std::uint8_t* fillers() const { return reinterpret_cast<std::uint8_t*>(fillers_.data()); }
+    WrittenBits::Word* written() const {
+        return reinterpret_cast<WrittenBits::Word*>(written_.data());
+    }
+    void setWritten(std::size_t at, std::size_t count);
     /// The sources of fillers may be null, for zeros; flags, at most 64, tell which elements count.
     void setFillers(std::size_t at, const std::uint8_t* source, std::size_t count);
     void applyValues(std::size_t at, const std::uint8_t* source, WrittenBits::Word flags,
@@ -54,8 +67,9 @@ private:
     void applyFillers(std::size_t at, const std::uint8_t* source, WrittenBits::Word flags,
                       std::size_t count);
 
-    /// The values, the fillers and the flags, each from a multiple of 64 bytes on.
-    Platform::PageBlock pages_;
+    Platform::PageBlock values_;
+    Platform::PageBlock fillers_;
+    Platform::PageBlock written_;
     std::size_t size_ = 0;
     /// A filler other than 0 may have been set; while not, the fillers are not looked at.
     bool hasFillers_ = false;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "buffer/ElementStore.hpp"
@@ -24,6 +25,11 @@ public:
     /// address space, or one of MAX_ALLOWED_MEMORY_BUFFER_SIZE and more, is reported and leaves an
     /// empty image with that start address. The memory is reserved before either check.
     MemoryBuffer(std::uint64_t startAddress, std::uint64_t dataLength);
+
+    /// An image of `length` written elements with filler 0, whose values are the first bytes of
+    /// `bytes`. The range is one that the other constructor takes.
+    MemoryBuffer(std::uint64_t start, Platform::PageBlock bytes, std::size_t length)
+        : startAddress(start), elements(std::move(bytes), length) {}
     virtual ~MemoryBuffer() = default;
     MemoryBuffer(const MemoryBuffer&) = default;
     MemoryBuffer& operator=(const MemoryBuffer&) = default;
@@ -65,6 +71,14 @@ public:
     /// Overlays `bytes`, as written elements with filler 0, from `start` on. What lies outside the
     /// image is left out, without a message.
     void overlayBytes(std::span<const std::uint8_t> bytes, std::uint64_t start);
+
+    /// Overlays what `read` puts into the `length` bytes that it is given: as many of them as it
+    /// returns, as written elements with filler 0, from `start` on. It touches no more of them. The
+    /// range lies in the image.
+    template <class Read>
+    void overlayRead(std::uint64_t start, std::uint64_t length, Read read) {
+        elements.writeWith(start - startAddress, length, read);
+    }
 
     /// A new image of the range, with the byte order tag of a new image. A written element arrives
     /// with filler 0, an unwritten one with value 0. Refused as a whole, with an empty image at

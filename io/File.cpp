@@ -134,8 +134,10 @@ BinaryInFile::BinaryInFile(const std::string& path) : BinaryInFile(path, opened(
 BinaryInFile::BinaryInFile(const std::string& path, Platform::InputFile file)
     : File(path), file_(std::move(file)) {}
 
-void BinaryInFile::checkReading() const {
+std::size_t BinaryInFile::read(std::uint64_t start, std::span<std::uint8_t> out) const {
+    const std::size_t got = file_.readAt(start, {reinterpret_cast<char*>(out.data()), out.size()});
     judge(file_.reading(), fileName);
+    return got;
 }
 
 void OutFile::write(const Source& source) const {

@@ -131,28 +131,14 @@ public:
 protected:
     std::uint64_t fileSize() const { return file_.size(); }
 
-    /// Hands `take` the bytes of the file from `start` up to but not including `end` piece by
-    /// piece: the place of a piece in the file and its bytes. Bytes that cannot be read are left
-    /// out, which is said on standard error.
+    /// Reads from byte `start` of the file on, to `out`, and returns the number of bytes read:
+    /// fewer than asked for only at the end of the file, or where it cannot be read, which is said
+    /// on standard error.
     ///
     /// @throws bad_open  if the file has changed since it was opened
-    template <class Take>
-    void forBytes(std::uint64_t start, std::uint64_t end, Take take) const {
-        constexpr std::uint64_t pieceSize = std::uint64_t{1} << 17U;
-        if (start >= end) return;
-        std::vector<char> piece(std::min(pieceSize, end - start));
-        for (std::uint64_t at = start; at < end; at += piece.size()) {
-            const auto wanted = static_cast<std::size_t>(std::min(pieceSize, end - at));
-            const std::size_t got = file_.readAt(at, {piece.data(), wanted});
-            take(at, std::span(reinterpret_cast<const std::uint8_t*>(piece.data()), got));
-            if (got != wanted) break;
-        }
-        checkReading();
-    }
+    std::size_t read(std::uint64_t start, std::span<std::uint8_t> out) const;
 
 private:
-    void checkReading() const;
-
     Platform::InputFile file_;
 };
 

@@ -33,6 +33,7 @@ public:
     std::uint64_t getMinAddress() const override { return reader->getMinAddress(); }
     std::uint64_t getDataLength() const override { return reader->getDataLength(); }
     Buffer::MemoryBuffer getMemory() const override { return reader->getMemory(); }
+    Buffer::MemoryBuffer takeMemory() override { return reader->takeMemory(); }
     Buffer::MemoryBuffer getMemory(std::uint64_t startAddress,
                                    std::uint64_t dataLength) const override {
         return reader->getMemory(startAddress, dataLength);

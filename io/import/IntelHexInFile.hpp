@@ -31,6 +31,7 @@ public:
     Buffer::MemoryBuffer getMemory() const override {
         return getMemory(getMinAddress(), getDataLength());
     }
+    Buffer::MemoryBuffer takeMemory() override { return parsedData.takeMemory(); }
     Buffer::MemoryBuffer getMemory(std::uint64_t start, std::uint64_t length) const override {
         return parsedData.getMemory(start, length);
     }

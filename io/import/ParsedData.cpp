@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 #include <map>
+#include <utility>
 
 #include "util/Report.hpp"
 
@@ -121,6 +122,17 @@ Buffer::MemoryBuffer ParsedData::getMemory(std::uint64_t startAddress,
         return {0, 0};
     }
     return imageOf(startAddress, dataLength);
+}
+
+Buffer::MemoryBuffer ParsedData::takeMemory() {
+    const bool isWithoutGaps = runs_.size() == 1 && runs_.front().length == dataLength_;
+    if (!isWithoutGaps || dataLength_ >= Buffer::MAX_ALLOWED_MEMORY_BUFFER_SIZE)
+        return getMemory(minAddress_, dataLength_);
+    Buffer::MemoryBuffer image(minAddress_, std::move(bytes_),
+                               static_cast<std::size_t>(dataLength_));
+    clear();
+    finish();
+    return image;
 }
 
 void ParsedData::fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const {

@@ -41,6 +41,10 @@ public:
     void limitTo(std::uint64_t address) { maxAddress_ = address; }
 
     Buffer::MemoryBuffer getMemory(std::uint64_t startAddress, std::uint64_t dataLength) const;
+
+    /// The image of the whole span, for the last time. Bytes without gaps become the image and are
+    /// forgotten here.
+    Buffer::MemoryBuffer takeMemory();
     Buffer::AreaList getDataAreas() const;
     void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const;
 

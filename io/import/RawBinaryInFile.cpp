@@ -38,11 +38,10 @@ void RawBinaryInFile::limitLength() {
 Buffer::MemoryBuffer RawBinaryInFile::getMemory(std::uint64_t start, std::uint64_t length) const {
     if (length == 0) return {start, 0};
     Buffer::MemoryBuffer image = newImage(start, length);
-    const std::uint64_t end = start + image.getDataLength();
-    forBytes(start, std::min(end, dataLength),
-             [&image](std::uint64_t at, std::span<const std::uint8_t> bytes) {
-                 image.overlayBytes(bytes, at);
-             });
+    const std::uint64_t end = std::min(start + image.getDataLength(), dataLength);
+    if (start < end)
+        image.overlayRead(start, end - start,
+                          [&](std::span<std::uint8_t> out) { return read(start, out); });
     return image;
 }
 

@@ -25,6 +25,9 @@ public:
     /// An image of the whole span.
     virtual Buffer::MemoryBuffer getMemory() const = 0;
 
+    /// The same, and the last question: the reader may give away what it holds.
+    virtual Buffer::MemoryBuffer takeMemory() { return getMemory(); }
+
     /// An image of the given range, with what the file has in it as written elements and default
     /// elements elsewhere. Only a start below the file's data is refused, with a report and an
     /// empty image at address 0; a length of 0 never is.

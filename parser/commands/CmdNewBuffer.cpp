@@ -186,7 +186,7 @@ std::optional<MemoryBuffer> CmdNewBuffer::readFile(Area range) const {
         return std::nullopt;
     }
     MemoryBuffer result(range.start, range.length);
-    if (areas.empty()) overlayOrReplace(result, reader->getMemory());
+    if (areas.empty()) overlayOrReplace(result, reader->takeMemory());
     for (const Area& area : areas)
         overlayOrReplace(result, reader->getMemory(area.start, area.length));
     return result;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <boost/algorithm/string/trim.hpp>
-#include <numeric>
 #include <stdexcept>
 
 #include "util/Hex.hpp"
@@ -73,19 +72,23 @@ bool resolveSymbol(const CmdContext& context, const std::string& name, std::stri
     return true;
 }
 
-GatheredBytes::GatheredBytes(const std::vector<Buffer::ElementView>& ranges)
-    : block_(std::accumulate(
-          ranges.begin(), ranges.end(), std::size_t{0},
-          [](std::size_t size, const auto& range) { return size + range.size(); })) {
-    auto* out = reinterpret_cast<std::uint8_t*>(block_.data());
-    for (const auto& range : ranges) {
+GatheredBytes::GatheredBytes(const std::vector<Buffer::ElementView>& ranges) {
+    if (ranges.size() == 1) {
+        if (const auto bytes = ranges.front().bytes()) {
+            bytes_ = *bytes;
+            return;
+        }
+    }
+    std::size_t size = 0;
+    for (const Buffer::ElementView& range : ranges) size += range.size();
+    block_ = Platform::PageBlock(size);
+    auto* const first = reinterpret_cast<std::uint8_t*>(block_.data());
+    auto* out = first;
+    for (const Buffer::ElementView& range : ranges) {
         range.copyBytes(out);
         out += range.size();
     }
-}
-
-std::span<const std::uint8_t> GatheredBytes::view() const {
-    return {reinterpret_cast<const std::uint8_t*>(block_.data()), block_.size()};
+    bytes_ = {first, size};
 }
 
 std::optional<GatheredBytes> gatherBytes(CmdContext& context, const std::vector<std::string>& names,

@@ -31,17 +31,19 @@ const ByteList* findHash(const CmdContext& context, const std::string& name);
 /// @throws std::length_error  if the text would grow beyond 64 MiB and its own length
 bool resolveSymbol(const CmdContext& context, const std::string& name, std::string& text);
 
-/// Bytes that stand one behind the other in memory.
+/// Bytes that stand one behind the other in memory, while their images are not written to.
 class GatheredBytes {
 public:
-    /// The effective bytes of `ranges`, in order.
+    /// The effective bytes of `ranges`, in order. Those of one range are not copied if they stand
+    /// one behind the other already.
     explicit GatheredBytes(const std::vector<Buffer::ElementView>& ranges);
 
-    std::span<const std::uint8_t> view() const;
+    std::span<const std::uint8_t> view() const { return bytes_; }
 
 private:
     /// Not a vector, which would write to all of it before the bytes come in.
     Platform::PageBlock block_;
+    std::span<const std::uint8_t> bytes_;
 };
 
 /// The effective bytes of the named images, in order; of each image the given areas in order, or
