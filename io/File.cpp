@@ -10,7 +10,7 @@ namespace Io {
 namespace {
 
 /// Small enough to stay in the cache of a core while its lines are parsed.
-constexpr std::size_t pieceSize = std::size_t{1} << 18U;
+constexpr std::size_t pieceSize = std::size_t{1} << 17U;
 
 Platform::InputFile opened(const std::string& path) {
     auto file = Platform::InputFile::open(path);

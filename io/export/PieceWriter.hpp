@@ -25,7 +25,7 @@ public:
     void flush();
 
 private:
-    static constexpr std::size_t pieceSize = std::size_t{1} << 18U;
+    static constexpr std::size_t pieceSize = std::size_t{1} << 17U;
 
     const Sink& sink_;
     std::vector<char> piece_;
