@@ -20,7 +20,7 @@ namespace Fuzz {
 class Machine {
 public:
     /// Largest single block, in bytes: room for an image of more than 64 KiB addresses.
-    static constexpr std::size_t mostPages = std::size_t{256} << 10U;
+    static constexpr std::size_t mostPages = std::size_t{80} << 10U;
     /// Largest single allocation of everything else, in bytes.
     static constexpr std::size_t mostHeap = std::size_t{512} << 10U;
     /// Largest input, in bytes, that everything made of it has room for.

@@ -4,8 +4,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iostream>
 #include <new>
+#include <sstream>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -14,6 +17,8 @@
 #include "io/export/IntelHexOutFile.hpp"
 #include "io/export/MotorolaS_OutFile.hpp"
 #include "io/import/GenericInFile.hpp"
+#include "io/import/IntelHexInFile.hpp"
+#include "io/import/MotorolaS_InFile.hpp"
 
 namespace {
 
@@ -199,7 +204,31 @@ void checkRoundTrips(const GenericInFile& file, const Contents& contents, const 
     checkWritten<MotorolaS_OutFile>(images, contents, style, InFileType::MotorolaS);
 }
 
+/// What `Reader` says of the input and what it prints on the way.
+template <class Reader>
+auto answersOf() {
+    std::ostringstream printed;
+    std::streambuf* const before = std::cout.rdbuf(printed.rdbuf());
+    const Reader reader(inputPath);
+    std::cout.rdbuf(before);
+    return std::tuple(reader.getDataAreas(), reader.getMinAddress(), reader.getDataLength(),
+                      reader.hasStartAddress(), reader.getStartAddress(), printed.str());
+}
+
+/// A file whose format is found out on the way is read as one whose format is known.
+void checkAtOnce(const GenericInFile& file) {
+    const auto direct = file.type() == InFileType::IntelHex
+                            ? answersOf<Io::Import::IntelHexInFile>()
+                            : answersOf<Io::Import::MotorolaS_InFile>();
+    check(answersOf<GenericInFile>() == direct,
+          "the pass that finds the format out reads the same");
+    if (file.getDataLength() > longestWindow) return;
+    check(GenericInFile(inputPath).takeMemory().getElements() == file.getMemory().getElements(),
+          "an image that is taken is the one that is given");
+}
+
 void checkText(const GenericInFile& file, std::uint32_t recordLength) {
+    checkAtOnce(file);
     const AreaList areas = file.getDataAreas();
     checkAreas(areas);
     checkSpan(file, areas);

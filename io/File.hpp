@@ -97,12 +97,16 @@ public:
     TextInFile(const std::string& path, TextLines lines);
 
 protected:
-    /// Hands `take` every line but the last one in order, until it returns false.
-    template <class Take>
-    void forAllButLast(Take take) {
+    /// Shows `look` every line in order and hands every line but the last one to `take`, until one
+    /// of them returns false; false if one did.
+    template <class Look, class Take>
+    bool forLines(Look look, Take take) {
         lines_->restart();
-        while (lines_->next() && !lines_->isLast())
-            if (!take(lines_->line())) return;
+        while (lines_->next()) {
+            if (!look(lines_->line())) return false;
+            if (!lines_->isLast() && !take(lines_->line())) return false;
+        }
+        return true;
     }
 
     /// The first characters of the last line, or nothing when there is no line.
@@ -114,6 +118,9 @@ protected:
     ///
     /// @throws bad_open  if it has changed since it was opened
     void close();
+
+    /// The lines go to another reader.
+    TextLines releaseLines() { return std::move(*lines_); }
 
 private:
     std::optional<TextLines> lines_;

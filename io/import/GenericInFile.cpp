@@ -10,8 +10,15 @@ namespace Io::Import {
 
 GenericInFile::GenericInFile(std::string path) : fileName(std::move(path)) {
     TextLines lines(fileName);
-    fileType = detectFileType(lines);
-    reader = createReader(std::move(lines));
+    FormatScan scan;
+    while (scan.isUndecided() && lines.next()) scan.look(lines.line());
+    fileType = scan.type();
+    if (fileType == InFileType::IntelHex)
+        readAtOnce<IntelHexInFile>(std::move(lines), scan);
+    else if (fileType == InFileType::MotorolaS)
+        readAtOnce<MotorolaS_InFile>(std::move(lines), scan);
+    else
+        reader = createReader(std::move(lines));
 }
 
 GenericInFile::GenericInFile(std::string path, RawBinaryTag /*tag*/)
@@ -19,18 +26,22 @@ GenericInFile::GenericInFile(std::string path, RawBinaryTag /*tag*/)
       fileType(InFileType::RawBinary),
       reader(std::make_unique<RawBinaryInFile>(fileName)) {}
 
-InFileType GenericInFile::detectFileType(TextLines& lines) {
-    InFileType type = InFileType::RawBinary;
-    while (lines.next()) {
-        const char first = lines.line().empty() ? '\0' : lines.line().front();
-        if (first == ':')
-            type = InFileType::IntelHex;
-        else if (first == 'S')
-            type = InFileType::MotorolaS;
-        else if (first != '/' && first != '\0')
-            return InFileType::RawBinary;
+InFileType GenericInFile::detectFileType(TextLines& lines, FormatScan& scan) {
+    while (!scan.isDecided() && lines.next()) scan.look(lines.line());
+    return scan.type();
+}
+
+template <class Reader>
+void GenericInFile::readAtOnce(TextLines lines, FormatScan& scan) {
+    auto first = std::make_unique<Reader>(fileName, std::move(lines), FormatWatch(scan, fileType));
+    if (first->isFinished()) {
+        reader = std::move(first);
+        return;
     }
-    return type;
+    TextLines rest = first->takeLines();
+    first.reset();
+    fileType = detectFileType(rest, scan);
+    reader = createReader(std::move(rest));
 }
 
 std::unique_ptr<TessaronImportApi> GenericInFile::createReader(TextLines lines) const {

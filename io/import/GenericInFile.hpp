@@ -1,15 +1,13 @@
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <string>
 
 #include "io/File.hpp"
+#include "io/import/FormatScan.hpp"
 #include "io/import/TessaronImportApi.hpp"
 
 namespace Io::Import {
-
-enum class InFileType : std::uint32_t { IntelHex = 0, MotorolaS = 1, RawBinary = 2 };
 
 /// Chooses the constructor that takes a file as raw bytes.
 struct RawBinaryTag {};
@@ -18,9 +16,7 @@ inline constexpr RawBinaryTag rawBinary;
 /// A file of any format: finds out which one it is and hands every question to its reader.
 class GenericInFile final : public TessaronImportApi {
 public:
-    /// Tells the format from the first character of each line: ":" makes it Intel HEX, "S"
-    /// S-records, the last of them counts; "/" and empty lines say nothing; any other character
-    /// makes it raw binary, and so does the lack of records.
+    /// Tells the format from the first character of each line, see FormatScan.
     ///
     /// @throws Io::bad_open
     explicit GenericInFile(std::string path);
@@ -48,7 +44,13 @@ public:
     InFileType type() const { return fileType; }
 
 private:
-    static InFileType detectFileType(TextLines& lines);
+    /// Looks at the lines that are left.
+    static InFileType detectFileType(TextLines& lines, FormatScan& scan);
+
+    /// Has `Reader` take the file while its format is still being found out. If all is as it should
+    /// be, this spares a pass.
+    template <class Reader>
+    void readAtOnce(TextLines lines, FormatScan& scan);
 
     /// @param lines  of the same file. The reader goes on with it: opened by its name once more, it
     ///               could be another one by now.

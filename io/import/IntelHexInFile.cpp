@@ -22,30 +22,30 @@ bool isEndOfFile(std::string_view line) {
 
 IntelHexInFile::IntelHexInFile(const std::string& path) : IntelHexInFile(path, TextLines(path)) {}
 
-IntelHexInFile::IntelHexInFile(const std::string& path, TextLines lines)
+IntelHexInFile::IntelHexInFile(const std::string& path, TextLines lines, FormatWatch watch)
     // Two digits make a byte, so there are no more bytes than half the characters.
     : TextInFile(path, std::move(lines)), parsedData(readerName, fileSize() / 2) {
-    parseFile();
+    isComplete = parseFile(watch);
+    if (!isComplete) return;
     parsedData.finish();
     close();
 }
 
-void IntelHexInFile::parseFile() {
-    if (!lastHead()) {
+bool IntelHexInFile::parseFile(FormatWatch watch) {
+    if (watch.isOn()) return parseRecords(watch) && isEndOfFile(lastHead().value_or(""));
+    if (!lastHead())
         Util::reportLine("file: ", fileName,
                          " was empty. Execution aboarded. The file was not parsed.");
-        return;
-    }
-    if (!isEndOfFile(*lastHead())) {
+    else if (!isEndOfFile(*lastHead()))
         Util::reportLine("file: ", fileName,
                          " has no intel format (last line mismatched). Execution aboarded. The "
                          "file was not parsed.");
-        return;
-    }
-    parseRecords();
+    else
+        parseRecords(watch);
+    return true;
 }
 
-void IntelHexInFile::parseRecords() {
+bool IntelHexInFile::parseRecords(FormatWatch watch) {
     using Spirit::ch_p;
     RecordBytes record;
     const auto head = [] { return std::size_t{4}; };
@@ -53,17 +53,18 @@ void IntelHexInFile::parseRecords() {
     const auto checksum = [] { return std::size_t{1}; };
     const auto syntax = ch_p(':') >> HexBytes(head, record) >> HexBytes(counted, record) >>
                         HexBytes(checksum, record);
-    forAllButLast([&](std::string_view line) {
+    const auto take = [&](std::string_view line) {
         if (!matchesLine(line, syntax, record)) return true;
         const std::span<const std::uint8_t> bytes(record.bytes.data(), record.size - 1);
         const Record parsed{bytes, record.bytes[record.size - 1]};
         if (!isConsistent(parsed) || checksumOf(parsed) != parsed.checksum) {
-            reportLogicalError(line);
+            if (!watch.isOn()) reportLogicalError(line);
             return false;
         }
         storeRecord(parsed);
         return true;
-    });
+    };
+    return forLines([&watch](std::string_view line) { return watch.look(line); }, take);
 }
 
 std::uint8_t IntelHexInFile::checksumOf(const Record& record) {

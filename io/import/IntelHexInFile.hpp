@@ -7,6 +7,7 @@
 
 #include "io/File.hpp"
 #include "io/IntelHexRecord.hpp"
+#include "io/import/FormatScan.hpp"
 #include "io/import/ParsedData.hpp"
 #include "io/import/TessaronImportApi.hpp"
 
@@ -24,7 +25,16 @@ public:
     explicit IntelHexInFile(const std::string& path);
 
     /// The file has been opened already.
-    IntelHexInFile(const std::string& path, TextLines lines);
+    ///
+    /// @param watch  looks on while not all of its lines have been seen. Then a file that is not
+    ///               just as it should be is left unfinished, and nothing is said.
+    IntelHexInFile(const std::string& path, TextLines lines, FormatWatch watch = {});
+
+    /// All of the file has been read. If not, the reader answers no question.
+    bool isFinished() const { return isComplete; }
+
+    /// The lines of a file that was left unfinished.
+    TextLines takeLines() { return releaseLines(); }
 
     std::uint64_t getMinAddress() const override { return parsedData.minAddress(); }
     std::uint64_t getDataLength() const override { return parsedData.dataLength(); }
@@ -56,13 +66,14 @@ private:
         std::span<const std::uint8_t> data() const { return bytes.subspan(4); }
     };
 
-    void parseFile();
-    void parseRecords();
+    bool parseFile(FormatWatch watch);
+    bool parseRecords(FormatWatch watch);
     static std::uint8_t checksumOf(const Record& record);
     static bool isConsistent(const Record& record);
     void storeRecord(const Record& record);
     void reportLogicalError(std::string_view line);
 
+    bool isComplete = false;
     bool isStartAddressSet = false;
     std::uint64_t startAddress = 0;
     /// Base address in force, from the last extended address record.

@@ -38,20 +38,27 @@ std::size_t addressSizeOf(SRecordType type) {
 MotorolaS_InFile::MotorolaS_InFile(const std::string& path)
     : MotorolaS_InFile(path, TextLines(path)) {}
 
-MotorolaS_InFile::MotorolaS_InFile(const std::string& path, TextLines lines)
+MotorolaS_InFile::MotorolaS_InFile(const std::string& path, TextLines lines, FormatWatch watch)
     // Two digits make a byte, so there are no more bytes than half the characters.
     : TextInFile(path, std::move(lines)), parsedData(readerName, fileSize() / 2) {
-    if (!lastHead())
-        Util::reportLine("file: ", fileName,
-                         " was empty. Execution aboarded. The file was not parsed.");
-    else
-        parseRecords();
+    isComplete = parseFile(watch);
+    if (!isComplete) return;
     limitData();
     parsedData.finish();
     close();
 }
 
-void MotorolaS_InFile::parseRecords() {
+bool MotorolaS_InFile::parseFile(FormatWatch watch) {
+    if (watch.isOn()) return parseRecords(watch);
+    if (!lastHead())
+        Util::reportLine("file: ", fileName,
+                         " was empty. Execution aboarded. The file was not parsed.");
+    else
+        parseRecords(watch);
+    return true;
+}
+
+bool MotorolaS_InFile::parseRecords(FormatWatch watch) {
     using Spirit::ch_p;
     using Digit = Spirit::uint_parser<std::uint32_t, 16, 1, 1>;
     using boost::placeholders::_1;
@@ -65,26 +72,24 @@ void MotorolaS_InFile::parseRecords() {
             one,
             bytes)[boost::bind(&MotorolaS_InFile::storeParsedSize, this, boost::cref(bytes))] >>
         HexBytes(address, bytes) >> HexBytes(data, bytes) >> HexBytes(one, bytes);
-    forAllButLast([&](std::string_view line) {
-        if (!matchesLine(line, syntax, bytes)) {
-            reportLine(line, " did not match parsing pattern.");
-            return false;
-        }
+    const auto take = [&](std::string_view line) {
+        record = {};
+        const bool isRecord = matchesLine(line, syntax, bytes);
+        if (record.lowCount && watch.isOn()) return false;
+        if (record.lowCount) reportLowCount();
         const std::span<const std::uint8_t> parsed(bytes.bytes.data(), bytes.size);
-        if (!isConsistent(parsed)) {
-            parsedData.clear();
-            reportLine(line,
-                       " contains logical error. Please check line for Crc or Address/Type "
-                       "conflicts.");
-            return false;
+        if (isRecord && isConsistent(parsed)) {
+            storeRecord(parsed);
+            return true;
         }
-        storeRecord(parsed);
-        return true;
-    });
+        if (!watch.isOn()) giveUp(line, isRecord);
+        return false;
+    };
+    return forLines([&watch](std::string_view line) { return watch.look(line); }, take);
 }
 
 void MotorolaS_InFile::storeParsedType(std::uint32_t digit) {
-    record = {typeOfDigit(digit), 0, 0};
+    record.type = typeOfDigit(digit);
     switch (record.type) {
         case SRecordType::S1:
         case SRecordType::S2:
@@ -107,8 +112,12 @@ void MotorolaS_InFile::storeParsedSize(const RecordBytes& bytes) {
         return;
     }
     record.dataSize = unknownSize;
+    record.lowCount = counter;
+}
+
+void MotorolaS_InFile::reportLowCount() const {
     Util::reportLine("MotorolaS_InFile(storeParsedSize-Operation). Logical error");
-    Util::reportLine("The value of counter is : (int)", counter,
+    Util::reportLine("The value of counter is : (int)", *record.lowCount,
                      ". This is to low, because the addressSize is already : (int)",
                      record.addressSize);
     Util::reportLine(
@@ -178,6 +187,17 @@ void MotorolaS_InFile::limitData() {
     Util::reportLine("  The max Address is changed from: (int)", parsedData.maxAddress(),
                      " to: (int)", last);
     parsedData.limitTo(last);
+}
+
+/// @param isRecord  the line is a record, but a contradictory one
+void MotorolaS_InFile::giveUp(std::string_view line, bool isRecord) {
+    if (!isRecord) {
+        reportLine(line, " did not match parsing pattern.");
+        return;
+    }
+    parsedData.clear();
+    reportLine(line,
+               " contains logical error. Please check line for Crc or Address/Type conflicts.");
 }
 
 void MotorolaS_InFile::reportLine(std::string_view line, std::string_view fault) const {

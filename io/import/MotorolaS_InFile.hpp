@@ -1,12 +1,14 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "io/File.hpp"
 #include "io/SRecord.hpp"
+#include "io/import/FormatScan.hpp"
 #include "io/import/ParsedData.hpp"
 #include "io/import/TessaronImportApi.hpp"
 
@@ -26,7 +28,16 @@ public:
     explicit MotorolaS_InFile(const std::string& path);
 
     /// The file has been opened already.
-    MotorolaS_InFile(const std::string& path, TextLines lines);
+    ///
+    /// @param watch  looks on while not all of its lines have been seen. Then a file that is not
+    ///               just as it should be is left unfinished, and nothing is said.
+    MotorolaS_InFile(const std::string& path, TextLines lines, FormatWatch watch = {});
+
+    /// All of the file has been read. If not, the reader answers no question.
+    bool isFinished() const { return isComplete; }
+
+    /// The lines of a file that was left unfinished.
+    TextLines takeLines() { return releaseLines(); }
 
     std::uint64_t getMinAddress() const override { return parsedData.minAddress(); }
     std::uint64_t getDataLength() const override { return parsedData.dataLength(); }
@@ -51,9 +62,12 @@ private:
         SRecordType type = SRecordType::Unknown;
         std::size_t addressSize = 0;
         std::size_t dataSize = 0;
+        /// The count that leaves no room for data, if it does not.
+        std::optional<std::uint32_t> lowCount;
     };
 
-    void parseRecords();
+    bool parseFile(FormatWatch watch);
+    bool parseRecords(FormatWatch watch);
     void storeParsedType(std::uint32_t digit);
     void storeParsedSize(const RecordBytes& bytes);
 
@@ -66,9 +80,12 @@ private:
     std::span<const std::uint8_t> dataOf(std::span<const std::uint8_t> bytes) const {
         return bytes.subspan(1 + record.addressSize, record.dataSize);
     }
+    void reportLowCount() const;
+    void giveUp(std::string_view line, bool isRecord);
     void reportLine(std::string_view line, std::string_view fault) const;
     void limitData();
 
+    bool isComplete = false;
     bool isStartAddressSet = false;
     std::uint64_t startAddress = 0;
     Record record;

@@ -48,16 +48,16 @@ struct Reading {
     std::string report;
 };
 
+/// The same comes out when the format of the file is found out first.
 template <class Reader>
-void expectReadings(const std::vector<Reading>& rows) {
+void expectReadings(InFileType type, const std::vector<Reading>& rows) {
     for (const Reading& row : rows) {
         const std::string path = temporaryFile(row.file);
         const std::string report =
             row.report.empty()
                 ? ""
                 : "file: " + path + row.report + " Execution aboarded. The file was not parsed.\n";
-        std::string printed = printedBy([&] {
-            const Reader reader(path);
+        const auto check = [&](const TessaronImportApi& reader) {
             EXPECT_EQ(reader.getDataAreas(), row.areas) << row.file;
             EXPECT_EQ(reader.hasStartAddress(), row.hasStart) << row.file;
             EXPECT_EQ(reader.getStartAddress(), row.start) << row.file;
@@ -65,7 +65,15 @@ void expectReadings(const std::vector<Reading>& rows) {
             EXPECT_EQ(reader.getMinAddress(), isEmpty ? 0 : row.areas.front().start) << row.file;
             const Area last = isEmpty ? Area{} : row.areas.back();
             EXPECT_EQ(reader.getDataLength(), last.start + last.length - reader.getMinAddress());
+        };
+        EXPECT_EQ(printedBy([&] { check(Reader(path)); }), report) << row.file;
+        auto found = InFileType::RawBinary;
+        const std::string printed = printedBy([&] {
+            const GenericInFile reader(path);
+            found = reader.type();
+            if (found == type) check(reader);
         });
+        if (found != type) continue;
         EXPECT_EQ(printed, report) << row.file;
     }
 }
@@ -75,53 +83,56 @@ const std::string endOfHex = ":00000001FF\n";
 TEST(IntelHexInFileTest, WhatCountsAndWhatIsPassedOver) {
     const std::string logical =
         " contains logical error. Please check line for Crc or Address/Type conflicts.";
-    expectReadings<IntelHexInFile>({
-        {"", {}, false, 0, " was empty."},
-        {endOfHex, {}, false, 0, ""},
-        {":xyyzz0 1 anything", {}, false, 0, " has no intel format (last line mismatched)."},
-        {":xxyyzz01 anything", {}, false, 0, ""},
-        {":10000000", {}, false, 0, " has no intel format (last line mismatched)."},
-        {":0000000", {}, false, 0, " has no intel format (last line mismatched)."},
-        {endOfHex + "\n", {}, false, 0, " has no intel format (last line mismatched)."},
-        {":0100000041be\n// remark\n\n:0100010042BC \n:0200020043bb\n" + endOfHex,
-         {{0, 1}},
-         false,
-         0,
-         ""},
-        {":0100000041BE\n" + std::string(":0100010042BC\0rest", 18) + "\n" + endOfHex,
-         {{0, 2}},
-         false,
-         0,
-         ""},
-        {endOfHex + endOfHex, {}, false, 0, " line: :00000001FF" + logical},
-        {":0100000041BE\n:0100010042BD\n" + endOfHex,
-         {},
-         false,
-         0,
-         " line: :0100010042BD" + logical},
-        {":00000006FA\n" + endOfHex, {}, false, 0, " line: :00000006FA" + logical},
-        {":020001040001F8\n" + endOfHex, {}, false, 0, " line: :020001040001F8" + logical},
-        {":0400000500000100F6\n:01000004010AF0\n:03000002100000EB\n" + endOfHex,
-         {},
-         true,
-         0x100,
-         " line: :03000002100000EB" + logical},
-        // The base of an extended record replaces the one before it; no wrap within a record.
-        {":020000021000EC\n:0100000041BE\n:020000040001F9\n:0100010041BD\n:02000002FFFFFE\n"
-         ":04FFFE000102030BEE\n" +
-             endOfHex,
-         {{0x10000, 2}, {0x10FFEE + 0x1000 - 0xFFE - 2, 4}},
-         false,
-         0,
-         ""},
-        {":040000031234000FA4\n" + endOfHex, {}, true, 0x1234F, ""},
-        // Not ascending, and one address twice.
-        {":0100020043BA\n:020000004142\x37\x42\n:0100010099\x36\x35\n" + endOfHex,
-         {{0, 2}, {1, 2}},
-         false,
-         0,
-         ""},
-    });
+    expectReadings<IntelHexInFile>(
+        InFileType::IntelHex,
+        {
+            {"", {}, false, 0, " was empty."},
+            {endOfHex, {}, false, 0, ""},
+            {":xyyzz0 1 anything", {}, false, 0, " has no intel format (last line mismatched)."},
+            {":xxyyzz01 anything", {}, false, 0, ""},
+            {":10000000", {}, false, 0, " has no intel format (last line mismatched)."},
+            {":0000000", {}, false, 0, " has no intel format (last line mismatched)."},
+            {endOfHex + "\n", {}, false, 0, " has no intel format (last line mismatched)."},
+            {":0100000041be\n// remark\n\n:0100010042BC \n:0200020043bb\n" + endOfHex,
+             {{0, 1}},
+             false,
+             0,
+             ""},
+            {":0100000041BE\n" + std::string(":0100010042BC\0rest", 18) + "\n" + endOfHex,
+             {{0, 2}},
+             false,
+             0,
+             ""},
+            {endOfHex + endOfHex, {}, false, 0, " line: :00000001FF" + logical},
+            {":0100000041BE\n:0100010042BD\n" + endOfHex,
+             {},
+             false,
+             0,
+             " line: :0100010042BD" + logical},
+            {":0100000041BE\nS9030000FC\n:0100010042BC\n" + endOfHex, {{0, 2}}, false, 0, ""},
+            {":00000006FA\n" + endOfHex, {}, false, 0, " line: :00000006FA" + logical},
+            {":020001040001F8\n" + endOfHex, {}, false, 0, " line: :020001040001F8" + logical},
+            {":0400000500000100F6\n:01000004010AF0\n:03000002100000EB\n" + endOfHex,
+             {},
+             true,
+             0x100,
+             " line: :03000002100000EB" + logical},
+            // The base of an extended record replaces the one before it; no wrap within a record.
+            {":020000021000EC\n:0100000041BE\n:020000040001F9\n:0100010041BD\n:02000002FFFFFE\n"
+             ":04FFFE000102030BEE\n" +
+                 endOfHex,
+             {{0x10000, 2}, {0x10FFEE + 0x1000 - 0xFFE - 2, 4}},
+             false,
+             0,
+             ""},
+            {":040000031234000FA4\n" + endOfHex, {}, true, 0x1234F, ""},
+            // Not ascending, and one address twice.
+            {":0100020043BA\n:020000004142\x37\x42\n:0100010099\x36\x35\n" + endOfHex,
+             {{0, 2}, {1, 2}},
+             false,
+             0,
+             ""},
+        });
 }
 
 TEST(IntelHexInFileTest, TheLaterByteWinsAndRangesAreCheckedAtTheirStartAlone) {
@@ -194,57 +205,63 @@ TEST(MotorolaS_InFileTest, WhatCountsAndWhatEndsTheParse) {
     const std::string logical =
         " contains logical error. Please check line for Crc or Address/Type conflicts.";
     const AreaList three{{0x1000, 1}, {0x10000, 1}, {0x80000000, 1}};
-    expectReadings<MotorolaS_InFile>({
-        {"", {}, false, 0, " was empty."},
-        {"S1041000AA41\n", {}, false, 0, ""},
-        {data + "S9030000FC\n", three, false, 0, ""},
-        {data + "S9031234B6\n\n", three, true, 0x1234, ""},
-        {data + "S804012345\x39\x32\nS705800000007A\nlast", three, true, 0x80000000, ""},
-        {"S1041000AA41\nS1041001BB2F\n", {{0x1000, 1}}, false, 0, ""},
-        {"S1041000AA41\n\nlast", {{0x1000, 1}}, false, 0, " line: " + pattern},
-        {"S1041000AA41\ns1041001BB2F\nlast",
-         {{0x1000, 1}},
-         false,
-         0,
-         " line: s1041001BB2F" + pattern},
-        {"S1041000AA41\nS1041001BBCC2F\nlast",
-         {{0x1000, 1}},
-         false,
-         0,
-         " line: S1041001BBCC2F" + pattern},
-        {"S1041000AA41\nS1041001BB2E\nlast", {}, false, 0, " line: S1041001BB2E" + logical},
-        {"S1041000AA41\nS70680000000AACF\nlast", {}, false, 0, " line: S70680000000AACF" + logical},
-        {"S1041000AA41\nS0060000484452\x31\x42\nlast",
-         {},
-         false,
-         0,
-         " line: S00600004844521B" + logical},
-        {s0.substr(0, s0.size() - 3) + "00\nlast",
-         {},
-         false,
-         0,
-         " line: " + s0.substr(0, s0.size() - 3) + "00" + logical},
-        // The count of an S5: two bytes of address, then the data field is what counts.
-        {"S503000\x30"
-         "FC\nlast",
-         {},
-         false,
-         0,
-         ""},
-        {"S1041000AA41\nS5030001FB\nlast", {}, false, 0, " line: S5030001FB" + logical},
-        {"S1041000AA41\nS505000000\x30\x31"
-         "F9\nlast",
-         {{0x1000, 1}},
-         false,
-         0,
-         ""},
-        {"S1031000EC\nS5050000000\x31"
-         "F9\nlast",
-         {},
-         false,
-         0,
-         ""},
-    });
+    expectReadings<MotorolaS_InFile>(
+        InFileType::MotorolaS,
+        {
+            {"", {}, false, 0, " was empty."},
+            {"S1041000AA41\n", {}, false, 0, ""},
+            {data + "S9030000FC\n", three, false, 0, ""},
+            {data + "S9031234B6\n\n", three, true, 0x1234, ""},
+            {data + "S804012345\x39\x32\nS705800000007A\nlast", three, true, 0x80000000, ""},
+            {"S1041000AA41\nS1041001BB2F\n", {{0x1000, 1}}, false, 0, ""},
+            {"S1041000AA41\n\nlast", {{0x1000, 1}}, false, 0, " line: " + pattern},
+            {"S1041000AA41\ns1041001BB2F\nlast",
+             {{0x1000, 1}},
+             false,
+             0,
+             " line: s1041001BB2F" + pattern},
+            {"S1041000AA41\nS1041001BBCC2F\nlast",
+             {{0x1000, 1}},
+             false,
+             0,
+             " line: S1041001BBCC2F" + pattern},
+            {"S1041000AA41\nS1041001BB2E\nlast", {}, false, 0, " line: S1041001BB2E" + logical},
+            {"S1041000AA41\nS70680000000AACF\nlast",
+             {},
+             false,
+             0,
+             " line: S70680000000AACF" + logical},
+            {"S1041000AA41\nS0060000484452\x31\x42\nlast",
+             {},
+             false,
+             0,
+             " line: S00600004844521B" + logical},
+            {s0.substr(0, s0.size() - 3) + "00\nlast",
+             {},
+             false,
+             0,
+             " line: " + s0.substr(0, s0.size() - 3) + "00" + logical},
+            // The count of an S5: two bytes of address, then the data field is what counts.
+            {"S503000\x30"
+             "FC\nlast",
+             {},
+             false,
+             0,
+             ""},
+            {"S1041000AA41\nS5030001FB\nlast", {}, false, 0, " line: S5030001FB" + logical},
+            {"S1041000AA41\nS505000000\x30\x31"
+             "F9\nlast",
+             {{0x1000, 1}},
+             false,
+             0,
+             ""},
+            {"S1031000EC\nS5050000000\x31"
+             "F9\nlast",
+             {},
+             false,
+             0,
+             ""},
+        });
 }
 
 TEST(MotorolaS_InFileTest, ReportsACounterThatIsTooLowAndASpanThatIsTooLong) {
