@@ -275,6 +275,7 @@ TEST(MotorolaS_InFileTest, ReportsACounterThatIsTooLowAndASpanThatIsTooLong) {
     const auto read = [](const std::string& file) {
         const std::string path = temporaryFile(file);
         std::string printed = printedBy([&] { const MotorolaS_InFile reader(path); });
+        EXPECT_EQ(printedBy([&] { const GenericInFile reader(path); }), printed);
         return printed.erase(std::min(printed.find("file: "), printed.size()));
     };
     EXPECT_EQ(read("S1021000ED\nlast"), counterReport("2", "2"));
