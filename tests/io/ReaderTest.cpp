@@ -278,9 +278,9 @@ TEST(MotorolaS_InFileTest, ReportsACounterThatIsTooLowAndASpanThatIsTooLong) {
         EXPECT_EQ(printedBy([&] { const GenericInFile reader(path); }), printed);
         return printed.erase(std::min(printed.find("file: "), printed.size()));
     };
-    EXPECT_EQ(read("S1021000ED\nlast"), counterReport("2", "2"));
-    EXPECT_EQ(read("S4021000ED\nlast"), counterReport("2", "255"));
-    EXPECT_EQ(read("S6FF1000ED\nlast"), counterReport("255", "255"));
+    EXPECT_EQ(read("S1021000ED\nS"), counterReport("2", "2"));
+    EXPECT_EQ(read("S4021000ED\nS"), counterReport("2", "255"));
+    EXPECT_EQ(read("S6FF1000ED\nS"), counterReport("255", "255"));
     const std::string path = temporaryFile("S10400000000FB\nS306FFFFFFFF01FC\nlast");
     EXPECT_EQ(
         printedBy([] {
