@@ -45,7 +45,8 @@ private:
             const MemoryElement& element = elements[i];
             values_[size_ + i] = element.value;
             fillers_[size_ + i] = element.filler;
-            flags |= WrittenBits::Word{element.hasValue != 0} << i;
+            const WrittenBits::Word isWritten = element.hasValue != 0 ? 1 : 0;
+            flags |= isWritten << i;
             fillers |= element.filler;
         }
         hasFillers_ = hasFillers_ || fillers != 0;

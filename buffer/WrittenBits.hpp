@@ -37,8 +37,8 @@ constexpr std::size_t inWord(std::size_t at, std::size_t rest) {
 /// Replaces `count` flags from `at` on, all in one word.
 constexpr void write(Word* words, std::size_t at, std::size_t count, Word flags) {
     const std::size_t shift = at % perWord;
-    Word& word = words[at / perWord];
-    word = (word & ~(all(count) << shift)) | flags << shift;
+    const Word others = words[at / perWord] & ~(all(count) << shift);
+    words[at / perWord] = others | flags << shift;
 }
 
 /// Calls `take` with the place of every set flag.

@@ -113,7 +113,7 @@ std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode /
 
 OutputFile::~OutputFile() = default;
 
-bool OutputFile::write(std::string_view bytes) {
+bool OutputFile::write(std::string_view bytes) const {
     return Fuzz::machine->write(descriptor_, bytes);
 }
 

@@ -136,7 +136,7 @@ public:
     OutputFile& operator=(const OutputFile&) = delete;
 
     /// Writes all bytes, or as many as the device takes; false when it did not take all of them.
-    bool write(std::string_view bytes);
+    bool write(std::string_view bytes) const;
 
     /// Closes the file; false when not all that was written has arrived. Some file systems, those
     /// of a network above all, tell only now that there was no room.

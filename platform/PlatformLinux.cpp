@@ -184,7 +184,7 @@ OutputFile::~OutputFile() {
     if (descriptor_ >= 0) ::close(descriptor_);
 }
 
-bool OutputFile::write(std::string_view bytes) {
+bool OutputFile::write(std::string_view bytes) const {
     while (!bytes.empty()) {
         const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
         if (count < 0 && errno == EINTR) continue;

@@ -83,7 +83,7 @@ OffsetInformation IntelHexOutFile::setOffsetInformation(std::uint64_t startAddre
 
 std::string IntelHexOutFile::getStringRepresentationFor(
     std::uint64_t address, IntelRecordType recordType,
-    std::span<const Buffer::MemoryElement> elements) const {
+    std::span<const Buffer::MemoryElement> elements) {
     if (recordType == IntelRecordType::Unknown ||
         recordType > IntelRecordType::StartLinearAddress) {
         Util::reportLine(

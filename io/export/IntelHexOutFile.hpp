@@ -45,8 +45,8 @@ public:
     /// @param address   the low 16 bits count
     /// @param elements  at most 255, the reach of the count field
     /// @throws std::exception  for a kind of record that the format does not have, after a report
-    std::string getStringRepresentationFor(std::uint64_t address, IntelRecordType recordType,
-                                           std::span<const Buffer::MemoryElement> elements) const;
+    static std::string getStringRepresentationFor(std::uint64_t address, IntelRecordType recordType,
+                                                  std::span<const Buffer::MemoryElement> elements);
 
 private:
     void writeBlock(PieceWriter& out, const ImageView& block) const;

@@ -15,10 +15,10 @@ public:
     /// Takes the next line into account, in the order of the file.
     void look(std::string_view line) {
         const char first = line.empty() ? '\0' : line.front();
-        if (isDecided_ || first == '/' || first == '\0') return;
-        isDecided_ = first != ':' && first != 'S';
-        isUndecided_ = false;
-        type_ = isDecided_     ? InFileType::RawBinary
+        if (isFinal_ || first == '/' || first == '\0') return;
+        isFinal_ = first != ':' && first != 'S';
+        isUnknown_ = false;
+        type_ = isFinal_       ? InFileType::RawBinary
                 : first == ':' ? InFileType::IntelHex
                                : InFileType::MotorolaS;
     }
@@ -27,15 +27,15 @@ public:
     InFileType type() const { return type_; }
 
     /// No line has said anything yet.
-    bool isUndecided() const { return isUndecided_; }
+    bool isUnknown() const { return isUnknown_; }
 
     /// No further line can change the type.
-    bool isDecided() const { return isDecided_; }
+    bool isFinal() const { return isFinal_; }
 
 private:
     InFileType type_ = InFileType::RawBinary;
-    bool isUndecided_ = true;
-    bool isDecided_ = false;
+    bool isUnknown_ = true;
+    bool isFinal_ = false;
 };
 
 /// Looks on while a reader takes the lines of a file of which not all have been seen.

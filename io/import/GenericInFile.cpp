@@ -1,5 +1,6 @@
 #include "io/import/GenericInFile.hpp"
 
+#include <cstdint>
 #include <utility>
 
 #include "io/import/IntelHexInFile.hpp"
@@ -8,14 +9,23 @@
 
 namespace Io::Import {
 
+namespace {
+
+/// A reader reserves memory for half its file. One that is longer than any text of use and turns
+/// out to be raw must not fail for want of that.
+constexpr std::uint64_t longestAtOnce = std::uint64_t{1} << 30U;
+
+}  // namespace
+
 GenericInFile::GenericInFile(std::string path) : fileName(std::move(path)) {
     TextLines lines(fileName);
     FormatScan scan;
-    while (scan.isUndecided() && lines.next()) scan.look(lines.line());
-    fileType = scan.type();
-    if (fileType == InFileType::IntelHex)
+    while (scan.isUnknown() && lines.next()) scan.look(lines.line());
+    const bool isLong = lines.fileSize() > longestAtOnce;
+    fileType = isLong ? detectFileType(lines, scan) : scan.type();
+    if (!isLong && fileType == InFileType::IntelHex)
         readAtOnce<IntelHexInFile>(std::move(lines), scan);
-    else if (fileType == InFileType::MotorolaS)
+    else if (!isLong && fileType == InFileType::MotorolaS)
         readAtOnce<MotorolaS_InFile>(std::move(lines), scan);
     else
         reader = createReader(std::move(lines));
@@ -27,7 +37,7 @@ GenericInFile::GenericInFile(std::string path, RawBinaryTag /*tag*/)
       reader(std::make_unique<RawBinaryInFile>(fileName)) {}
 
 InFileType GenericInFile::detectFileType(TextLines& lines, FormatScan& scan) {
-    while (!scan.isDecided() && lines.next()) scan.look(lines.line());
+    while (!scan.isFinal() && lines.next()) scan.look(lines.line());
     return scan.type();
 }
 
