@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstdint>
 #include <iterator>
+#include <limits>
 #include <regex>
 #include <stdexcept>
 #include <string_view>
@@ -127,21 +128,33 @@ private:
     static constexpr std::uint64_t mostCombined = 48;
 };
 
-/// @throws std::regex_error  if the automaton would be too large to walk by recursion
+/// The number at the start of `digits`; the largest there is for one that is larger.
+std::uint64_t numberAt(std::string_view digits) {
+    std::uint64_t number = 0;
+    const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    return parsed.ec == std::errc::result_out_of_range ? std::numeric_limits<std::uint64_t>::max()
+                                                       : number;
+}
+
+/// @throws std::regex_error  if the automaton would be too large to walk by recursion, or for a
+///         reference to a group that no pattern can have: the engine would compute its number
+///         beyond the range of its type
 PatternSize sizeOf(const std::string& pattern) {
     std::uint64_t copies = 1;
+    bool isEscaped = false;
     PatternSize size{};
     for (std::size_t at = 0; at < pattern.size() && copies <= mostStates; ++at) {
         const std::string_view rest = std::string_view(pattern).substr(at);
         if (rest.front() == '|') ++size.alternatives;
-        if (rest.front() == '\\' && rest.size() > 1 && rest[1] >= '1' && rest[1] <= '9')
+        if (rest.front() == '\\' && rest.size() > 1 && rest[1] >= '1' && rest[1] <= '9') {
             size.hasReference = true;
+            if (!isEscaped && numberAt(rest.substr(1)) > longestPattern)
+                throw std::regex_error(std::regex_constants::error_backref);
+        }
+        isEscaped = rest.front() == '\\' && !isEscaped;
         if (rest.starts_with("(?=") || rest.starts_with("(?!")) size.hasLookahead = true;
         if (rest.front() != '{' && rest.front() != ',') continue;
-        std::uint64_t count = 0;
-        const auto parsed = std::from_chars(rest.data() + 1, rest.data() + rest.size(), count);
-        if (parsed.ec == std::errc::result_out_of_range || count > mostStates) count = mostStates;
-        copies *= std::max<std::uint64_t>(count, 1);
+        copies *= std::clamp<std::uint64_t>(numberAt(rest.substr(1)), 1, mostStates);
     }
     size.states = copies * pattern.size();
     size.alternatives *= copies;
