@@ -32,7 +32,7 @@ namespace {
 /// Below this size a block comes from the ordinary heap and no figures are asked for.
 constexpr std::size_t largeBlock = std::size_t{1} << 20U;
 /// From this size on the machine is asked whether it can hold the block.
-constexpr std::size_t hugeBlock = std::size_t{64} << 20U;
+constexpr std::size_t hugeBlock = std::size_t{32} << 20U;
 constexpr std::uint64_t unknown = std::numeric_limits<std::uint64_t>::max();
 
 /// The start of a small file of the kernel, as text.
