@@ -23,8 +23,7 @@ bool isEndOfFile(std::string_view line) {
 IntelHexInFile::IntelHexInFile(const std::string& path) : IntelHexInFile(path, TextLines(path)) {}
 
 IntelHexInFile::IntelHexInFile(const std::string& path, TextLines lines, FormatWatch watch)
-    // Two digits make a byte, so there are no more bytes than half the characters.
-    : TextInFile(path, std::move(lines)), parsedData(readerName, fileSize() / 2) {
+    : RecordInFile(path, std::move(lines), readerName) {
     isComplete = parseFile(watch);
     if (!isComplete) return;
     parsedData.finish();

@@ -5,11 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "io/File.hpp"
 #include "io/IntelHexRecord.hpp"
 #include "io/import/FormatScan.hpp"
-#include "io/import/ParsedData.hpp"
-#include "io/import/TessaronImportApi.hpp"
+#include "io/import/RecordInFile.hpp"
 
 namespace Io::Import {
 
@@ -19,7 +17,7 @@ namespace Io::Import {
 /// The last line must be the end-of-file record, by its type digits alone. A line that is no
 /// well-formed record is passed over in silence; a record that contradicts the format, or its own
 /// checksum, ends the parse with a report and discards all that was read.
-class IntelHexInFile final : public TextInFile, public TessaronImportApi {
+class IntelHexInFile final : public RecordInFile {
 public:
     /// @throws Io::bad_open
     explicit IntelHexInFile(const std::string& path);
@@ -29,29 +27,6 @@ public:
     /// @param watch  looks on while not all of its lines have been seen. Then a file that is not
     ///               just as it should be is left unfinished, and nothing is said.
     IntelHexInFile(const std::string& path, TextLines lines, FormatWatch watch = {});
-
-    /// All of the file has been read. If not, the reader answers no question.
-    bool isFinished() const { return isComplete; }
-
-    /// The lines of a file that was left unfinished.
-    TextLines takeLines() { return releaseLines(); }
-
-    std::uint64_t getMinAddress() const override { return parsedData.minAddress(); }
-    std::uint64_t getDataLength() const override { return parsedData.dataLength(); }
-    Buffer::MemoryBuffer getMemory() const override {
-        return getMemory(getMinAddress(), getDataLength());
-    }
-    Buffer::MemoryBuffer takeMemory() override { return parsedData.takeMemory(); }
-    Buffer::MemoryBuffer getMemory(std::uint64_t start, std::uint64_t length) const override {
-        return parsedData.getMemory(start, length);
-    }
-    bool hasStartAddress() const override { return isStartAddressSet; }
-    std::uint64_t getStartAddress() const override { return startAddress; }
-    Buffer::AreaList getDataAreas() const override { return parsedData.getDataAreas(); }
-    void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const override {
-        parsedData.fillMemoryBuffer(buffer);
-    }
-    std::string getInformation() const { return parsedData.getInformation(); }
 
 private:
     /// One record, its checksum byte left out of `bytes`.
@@ -73,12 +48,8 @@ private:
     void storeRecord(const Record& record);
     void reportLogicalError(std::string_view line);
 
-    bool isComplete = false;
-    bool isStartAddressSet = false;
-    std::uint64_t startAddress = 0;
     /// Base address in force, from the last extended address record.
     std::uint64_t segmentBase = 0;
-    ParsedData parsedData;
 };
 
 }  // namespace Io::Import

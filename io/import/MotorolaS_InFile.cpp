@@ -39,8 +39,7 @@ MotorolaS_InFile::MotorolaS_InFile(const std::string& path)
     : MotorolaS_InFile(path, TextLines(path)) {}
 
 MotorolaS_InFile::MotorolaS_InFile(const std::string& path, TextLines lines, FormatWatch watch)
-    // Two digits make a byte, so there are no more bytes than half the characters.
-    : TextInFile(path, std::move(lines)), parsedData(readerName, fileSize() / 2) {
+    : RecordInFile(path, std::move(lines), readerName) {
     isComplete = parseFile(watch);
     if (!isComplete) return;
     limitData();

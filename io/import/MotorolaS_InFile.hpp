@@ -6,11 +6,9 @@
 #include <string>
 #include <string_view>
 
-#include "io/File.hpp"
 #include "io/SRecord.hpp"
 #include "io/import/FormatScan.hpp"
-#include "io/import/ParsedData.hpp"
-#include "io/import/TessaronImportApi.hpp"
+#include "io/import/RecordInFile.hpp"
 
 namespace Io::Import {
 
@@ -22,7 +20,7 @@ struct RecordBytes;
 /// record ends the parse with a report and leaves what came before it; a record that contradicts
 /// the format, or its own checksum, discards everything. An S0 record holds ten characters of
 /// module name, version, revision and a description.
-class MotorolaS_InFile final : public TextInFile, public TessaronImportApi {
+class MotorolaS_InFile final : public RecordInFile {
 public:
     /// @throws Io::bad_open
     explicit MotorolaS_InFile(const std::string& path);
@@ -32,29 +30,6 @@ public:
     /// @param watch  looks on while not all of its lines have been seen. Then a file that is not
     ///               just as it should be is left unfinished, and nothing is said.
     MotorolaS_InFile(const std::string& path, TextLines lines, FormatWatch watch = {});
-
-    /// All of the file has been read. If not, the reader answers no question.
-    bool isFinished() const { return isComplete; }
-
-    /// The lines of a file that was left unfinished.
-    TextLines takeLines() { return releaseLines(); }
-
-    std::uint64_t getMinAddress() const override { return parsedData.minAddress(); }
-    std::uint64_t getDataLength() const override { return parsedData.dataLength(); }
-    Buffer::MemoryBuffer getMemory() const override {
-        return getMemory(getMinAddress(), getDataLength());
-    }
-    Buffer::MemoryBuffer takeMemory() override { return parsedData.takeMemory(); }
-    Buffer::MemoryBuffer getMemory(std::uint64_t start, std::uint64_t length) const override {
-        return parsedData.getMemory(start, length);
-    }
-    bool hasStartAddress() const override { return isStartAddressSet; }
-    std::uint64_t getStartAddress() const override { return startAddress; }
-    Buffer::AreaList getDataAreas() const override { return parsedData.getDataAreas(); }
-    void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const override {
-        parsedData.fillMemoryBuffer(buffer);
-    }
-    std::string getInformation() const { return parsedData.getInformation(); }
 
 private:
     /// What is known of the record that is being matched, beside its bytes.
@@ -85,9 +60,6 @@ private:
     void reportLine(std::string_view line, std::string_view fault) const;
     void limitData();
 
-    bool isComplete = false;
-    bool isStartAddressSet = false;
-    std::uint64_t startAddress = 0;
     Record record;
     std::string moduleName;
     std::string description = "Created By Tessaron 2008";
@@ -96,7 +68,6 @@ private:
     /// S1, S2 and S3 records since the last S5, and their number when that one was met.
     std::uint32_t dataRecordCount = 0;
     std::uint32_t lastRecordCount = 0;
-    ParsedData parsedData;
 };
 
 }  // namespace Io::Import
