@@ -72,7 +72,13 @@ void ParsedData::finish() {
 /// From the last run to the first, each shows what none behind it in the file covers. So a range of
 /// addresses can be looked up, however the file is ordered.
 std::vector<ParsedData::Run> ParsedData::withoutHidden() const {
-    std::vector<Run> visible;
+    std::vector<Run> visible = runs_;
+    std::ranges::sort(visible, {}, &Run::address);
+    const auto overlaps = [](const Run& run, const Run& next) {
+        return run.address + run.length > next.address;
+    };
+    if (std::ranges::adjacent_find(visible, overlaps) == visible.end()) return visible;
+    visible.clear();
     std::map<std::uint64_t, std::uint64_t> covered;  // start and end of ranges that do not touch
     for (auto run = runs_.rbegin(); run != runs_.rend(); ++run) {
         const std::uint64_t runEnd = run->address + run->length;
