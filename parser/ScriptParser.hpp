@@ -70,9 +70,9 @@ public:
 
     // What follows belongs to the grammar: its match, the parser actions, and what its rules ask.
 
-    /// Matches the start rule, for Spirit; in ScriptGrammar.hpp. It stands in front of the base's
-    /// own `parse`, which would keep the rules in a record of all grammars: should memory run out
-    /// while that is made, the base frees a piece of it twice.
+    /// Matches the start rule, once `parseScript` has built it, for Spirit; in ScriptGrammar.hpp.
+    /// It stands in front of the base's own `parse`, which would keep the rules in a record of all
+    /// grammars: should memory run out while that is made, the base frees a piece of it twice.
     template <class ScannerT>
     typename boost::spirit::classic::parser_result<ScriptParser, ScannerT>::type parse(
         const ScannerT& scan) const;

@@ -12,7 +12,7 @@ if ! cmake --build --preset coverage >"$log" 2>&1; then
     cat "$log"
     exit 1
 fi
-# Half a gigabyte of text takes minutes without optimisation and reaches no line of its own.
+# A text of such length takes minutes without optimisation and reaches no line of its own.
 if ! ctest --preset coverage --parallel 2 --exclude-regex script.variable-doubling >"$log" 2>&1; then
     cat "$log"
     exit 1

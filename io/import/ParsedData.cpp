@@ -69,8 +69,8 @@ void ParsedData::finish() {
     if (!isAscending_) visibleRuns_ = withoutHidden();
 }
 
-/// From the last run to the first, each shows what none behind it in the file covers. So a range of
-/// addresses can be looked up, however the file is ordered.
+/// A range of addresses can be looked up in it, however the file is ordered. Where runs overlap,
+/// from the last one to the first each shows what none behind it in the file covers.
 std::vector<ParsedData::Run> ParsedData::withoutHidden() const {
     std::vector<Run> visible = runs_;
     std::ranges::sort(visible, {}, &Run::address);
@@ -131,8 +131,8 @@ Buffer::MemoryBuffer ParsedData::getMemory(std::uint64_t startAddress,
 }
 
 Buffer::MemoryBuffer ParsedData::takeMemory() {
-    const bool isWithoutGaps = runs_.size() == 1 && runs_.front().length == dataLength_;
-    if (!isWithoutGaps || dataLength_ >= Buffer::MAX_ALLOWED_MEMORY_BUFFER_SIZE)
+    const bool isOneRun = runs_.size() == 1 && runs_.front().length == dataLength_;
+    if (!isOneRun || dataLength_ >= Buffer::MAX_ALLOWED_MEMORY_BUFFER_SIZE)
         return getMemory(minAddress_, dataLength_);
     Buffer::MemoryBuffer image(minAddress_, std::move(bytes_),
                                static_cast<std::size_t>(dataLength_));

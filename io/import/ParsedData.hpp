@@ -42,7 +42,7 @@ public:
 
     Buffer::MemoryBuffer getMemory(std::uint64_t startAddress, std::uint64_t dataLength) const;
 
-    /// The image of the whole span, for the last time. Bytes without gaps become the image and are
+    /// The image of the whole span, for the last time: data of one run becomes the image and is
     /// forgotten here.
     Buffer::MemoryBuffer takeMemory();
     Buffer::AreaList getDataAreas() const;
