@@ -4,8 +4,6 @@
 #include <array>
 #include <string_view>
 
-#include "util/Report.hpp"
-
 namespace App {
 
 namespace {
@@ -36,21 +34,13 @@ CommandLine scanArguments(std::span<const char* const> arguments) {
             commandLine.initialVariables.try_emplace(std::string(argument.substr(0, equals)),
                                                      argument.substr(equals + 1));
         } else if (asksForUsage(argument)) {
-            printUsage();
+            commandLine.asksForUsage = true;
             break;
         } else {
             commandLine.scriptPath = argument;
         }
     }
     return commandLine;
-}
-
-void printUsage() {
-    constexpr std::string_view usage =
-        "Program Usage: CmdTessaron [variableName=variableValue]* scriptFile";
-    Util::reportLine(usage);
-    Util::reportLine(std::string(usage.size(), ' '));
-    Util::reportLine("\t\t\tFor detailed information see CmdTessaronManual.txt");
 }
 
 }  // namespace App

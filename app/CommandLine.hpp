@@ -10,14 +10,12 @@ namespace App {
 struct CommandLine {
     std::map<std::string, std::string> initialVariables;
     std::string scriptPath;  ///< the last argument that is no variable; may stay empty
+    bool asksForUsage = false;
 };
 
-/// Reads the arguments behind the program's own name. `name=value` sets a variable, the first
-/// setting of a name counts; an argument that ends in "?", "help" or "-h" prints the usage text and
-/// ends the scan; every other one is the script. Nothing is refused.
+/// Reads the arguments that follow the program's own name. `name=value` sets a variable, and the
+/// first setting of a name counts; an argument that ends in "?", "help" or "-h" asks for the usage
+/// text and ends the scan; every other one is the script. Nothing is refused.
 CommandLine scanArguments(std::span<const char* const> arguments);
-
-/// Prints the three lines of the usage text.
-void printUsage();
 
 }  // namespace App

@@ -4,10 +4,11 @@
 #include <string_view>
 
 #include "app/CommandLine.hpp"
+#include "classic/ClassicWords.hpp"
+#include "facts/Listener.hpp"
 #include "parser/ScriptParser.hpp"
 #include "platform/Platform.hpp"
 #include "selftest/SelfTest.hpp"
-#include "util/Report.hpp"
 
 namespace {
 
@@ -15,27 +16,27 @@ constexpr int exitWithoutArguments = -1;
 constexpr int exitGood = 0;
 constexpr int exitWithoutRun = -2;
 
-void printBanner(const char* programPath) {
+void printBanner(Classic::ClassicWords& words, const char* programPath) {
     const auto version = Platform::versionInfo(programPath);
     if (!version) return;
-    Util::reportLine(version->fileName, " version ", version->major, ".", version->minor, " from ",
-                     version->buildDate);
-    Util::reportLine(version->copyright);
+    words.printBanner(version->fileName, version->major, version->minor, version->buildDate,
+                      version->copyright);
 }
 
-int run(std::span<const char* const> arguments) {
-    printBanner(arguments.empty() ? "" : arguments.front());
-    Util::reportLine();
+int run(Classic::ClassicWords& words, std::span<const char* const> arguments) {
+    printBanner(words, arguments.empty() ? "" : arguments.front());
+    words.printEmptyLine();
     if (arguments.size() < 2) {
-        App::printUsage();
+        words.printUsage();
         return exitWithoutArguments;
     }
     arguments = arguments.subspan(1);
     if (arguments.front() == std::string_view("test")) {
-        SelfTest::runAll();
+        SelfTest::runAll(words);
         return exitGood;
     }
     App::CommandLine commandLine = App::scanArguments(arguments);
+    if (commandLine.asksForUsage) words.printUsage();
     Parser::ScriptParser parser(std::move(commandLine.scriptPath),
                                 std::move(commandLine.initialVariables));
     return parser.run() ? exitGood : exitWithoutRun;
@@ -45,15 +46,16 @@ int run(std::span<const char* const> arguments) {
 
 int main(int argumentCount, char** arguments) {
     Platform::guardStreams();
+    Classic::ClassicWords words(std::cout, std::cerr);
+    const Facts::ListenerScope scope(words);
     try {
-        const int code =
-            run(std::span<const char* const>(arguments, static_cast<std::size_t>(argumentCount)));
+        const int code = run(words, std::span<const char* const>(
+                                        arguments, static_cast<std::size_t>(argumentCount)));
         // The reports of failed statements may be among what was lost.
-        if (!std::cout)
-            std::cerr << "Warning: Standard output could not be written completely !" << std::endl;
+        words.reportLostOutput();
         return code;
     } catch (const std::exception& error) {
-        std::cerr << "Error: " << error.what() << std::endl;
+        words.printUnexpected(error.what());
         return exitWithoutRun;
     }
 }

@@ -21,6 +21,21 @@ std::size_t bytesOfFlags(std::size_t count) {
     return WrittenBits::wordsFor(count) * sizeof(Word);
 }
 
+/// Writes `pattern` again and again over the `count` bytes from `out` on.
+void repeat(std::uint8_t* out, std::span<const std::uint8_t> pattern, std::size_t count) {
+    // What is copied on stays in the cache.
+    constexpr std::size_t longestStretch = std::size_t{1} << 14U;
+    std::size_t done = std::min(pattern.size(), count);
+    std::copy_n(pattern.data(), done, out);
+    std::size_t stretch = done;
+    while (done < count) {
+        const std::size_t length = std::min(stretch, count - done);
+        std::copy_n(out, length, out + done);
+        done += length;
+        if (stretch < longestStretch) stretch = done;
+    }
+}
+
 }  // namespace
 
 ElementStore::ElementStore(std::uint64_t count)
@@ -64,9 +79,26 @@ void ElementStore::write(std::size_t at, std::span<const std::uint8_t> bytes) {
     setWritten(at, bytes.size());
 }
 
-/// Their fillers become 0.
+void ElementStore::writePattern(std::size_t at, std::span<const std::uint8_t> bytes,
+                                std::size_t count) {
+    repeat(values() + at, bytes, count);
+    setFlags(at, count);
+}
+
+void ElementStore::fillPattern(std::size_t at, std::span<const std::uint8_t> bytes,
+                               std::size_t count) {
+    hasFillers_ = hasFillers_ || std::ranges::any_of(bytes, [](std::uint8_t b) { return b != 0; });
+    if (hasFillers_) repeat(fillers() + at, bytes, count);
+}
+
+/// Marks the elements as written and resets their fillers to 0.
 void ElementStore::setWritten(std::size_t at, std::size_t count) {
     if (hasFillers_) setFillers(at, nullptr, count);
+    setFlags(at, count);
+}
+
+/// Marks the elements as written.
+void ElementStore::setFlags(std::size_t at, std::size_t count) {
     for (const std::size_t end = at + count; at < end;) {
         const std::size_t inWord = WrittenBits::inWord(at, end - at);
         WrittenBits::write(written(), at, inWord, WrittenBits::all(inWord));
@@ -110,6 +142,13 @@ void ElementStore::apply(std::size_t at, ElementView elements) {
                          ~flags & WrittenBits::all(count), count);
         i += count;
     }
+}
+
+void ElementStore::apply(std::size_t at, const MemoryElement& element) {
+    if (element.hasValue != 0)
+        writePattern(at, {&element.value, 1}, 1);
+    else
+        fillPattern(at, {&element.filler, 1}, 1);
 }
 
 void ElementStore::applyValues(std::size_t at, const std::uint8_t* source, Word flags,

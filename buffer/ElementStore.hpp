@@ -39,6 +39,14 @@ public:
     /// Makes written elements with filler 0 of `bytes`, from `at` on.
     void write(std::size_t at, std::span<const std::uint8_t> bytes);
 
+    /// Writes `bytes`, which are not empty, again and again over the `count` elements from `at` on.
+    /// Their fillers stay.
+    void writePattern(std::size_t at, std::span<const std::uint8_t> bytes, std::size_t count);
+
+    /// Sets the fillers of the `count` elements from `at` on to `bytes`, which are not empty, again
+    /// and again. Values and flags stay.
+    void fillPattern(std::size_t at, std::span<const std::uint8_t> bytes, std::size_t count);
+
     /// Makes written elements with filler 0 of what `read` puts into the `count` bytes that it is
     /// given, from `at` on: as many as it returns. It touches no more of them.
     template <class Read>
@@ -52,6 +60,7 @@ public:
     /// Applies `elements` to those from `at` on: a written one replaces the value and leaves the
     /// filler, another one replaces the filler and leaves the value.
     void apply(std::size_t at, ElementView elements);
+    void apply(std::size_t at, const MemoryElement& element);
 
 private:
     std::uint8_t* values() const { return reinterpret_cast<std::uint8_t*>(values_.data()); }
@@ -60,7 +69,8 @@ private:
         return reinterpret_cast<WrittenBits::Word*>(written_.data());
     }
     void setWritten(std::size_t at, std::size_t count);
-    /// The sources of fillers may be null, for zeros; flags, at most 64, tell which elements count.
+    void setFlags(std::size_t at, std::size_t count);
+    /// A source of fillers may be null, for zeros; flags, at most 64, select elements.
     void setFillers(std::size_t at, const std::uint8_t* source, std::size_t count);
     void applyValues(std::size_t at, const std::uint8_t* source, WrittenBits::Word flags,
                      std::size_t count);

@@ -1,83 +1,19 @@
 #include "buffer/MemoryBuffer.hpp"
 
 #include <algorithm>
-#include <array>
-#include <ios>
 
-#include "util/Report.hpp"
+#include "facts/Listener.hpp"
 
 namespace Buffer {
-
-namespace {
-
-/// Elements of a pattern in the way an image holds them, repeated as far as there is room, so that
-/// short patterns do not cost a step of their own for every few elements. On the stack: memory that
-/// runs out between two fills of one statement would leave the work half done.
-class PatternPiece {
-public:
-    static constexpr std::size_t capacity = 4096;
-
-    /// As many whole repetitions of `pattern`, for which there is room once, as `wanted` elements
-    /// take and there is room for.
-    PatternPiece(std::span<const MemoryElement> pattern, std::size_t wanted) {
-        do {
-            append(pattern);
-        } while (size_ < wanted && size_ + pattern.size() <= capacity);
-    }
-
-    ElementView view() const {
-        return {values_.data(), hasFillers_ ? fillers_.data() : nullptr, written_.data(), size_};
-    }
-
-private:
-    void append(std::span<const MemoryElement> elements) {
-        while (!elements.empty()) {
-            const auto word = elements.first(WrittenBits::inWord(size_, elements.size()));
-            appendWord(word);
-            elements = elements.subspan(word.size());
-        }
-    }
-
-    void appendWord(std::span<const MemoryElement> elements) {
-        WrittenBits::Word flags = 0;
-        unsigned fillers = 0;
-        for (std::size_t i = 0; i < elements.size(); ++i) {
-            const MemoryElement& element = elements[i];
-            values_[size_ + i] = element.value;
-            fillers_[size_ + i] = element.filler;
-            const WrittenBits::Word isWritten = element.hasValue != 0 ? 1 : 0;
-            flags |= isWritten << i;
-            fillers |= element.filler;
-        }
-        hasFillers_ = hasFillers_ || fillers != 0;
-        WrittenBits::write(written_.data(), size_, elements.size(), flags);
-        size_ += elements.size();
-    }
-
-    std::array<std::uint8_t, capacity> values_;
-    std::array<std::uint8_t, capacity> fillers_;
-    std::array<WrittenBits::Word, WrittenBits::wordsFor(capacity)> written_{};
-    std::size_t size_ = 0;
-    bool hasFillers_ = false;
-};
-
-}  // namespace
 
 MemoryBuffer::MemoryBuffer(std::uint64_t start, std::uint64_t dataLength) : startAddress(start) {
     ElementStore reserved(dataLength);
     if (dataLength > ~start) {
-        Util::reportLine(
-            "MemoryBuffer(Constructor-Operation). The sum of startAddress + dataLength are not "
-            "addressable.");
-        Util::reportLine("  Nothing was filled!");
+        Facts::report(Facts::ImageNotAddressable{start, dataLength});
         return;
     }
     if (dataLength >= MAX_ALLOWED_MEMORY_BUFFER_SIZE) {
-        Util::reportLine(
-            "MemoryBuffer(Constructor-Operation). The dataLength was bigger than "
-            "MAX_ALLOWED_MEMORY_BUFFER_SIZE int(0x",
-            std::hex, MAX_ALLOWED_MEMORY_BUFFER_SIZE, ").");
-        Util::reportLine("  An empty Memorybuffer was created!");
+        Facts::report(Facts::ImageTooLong{dataLength, MAX_ALLOWED_MEMORY_BUFFER_SIZE});
         return;
     }
     elements = std::move(reserved);
@@ -91,113 +27,91 @@ std::vector<MemoryElement> MemoryBuffer::getElements() const {
 }
 
 ElementView MemoryBuffer::viewRange(std::uint64_t start, std::uint64_t dataLength) const {
-    if (start < startAddress || start > endAddress() || dataLength > endAddress() - start)
-        return {};
+    if (!getArea().contains({start, dataLength})) return {};
     return viewElements().part(start - startAddress, dataLength);
 }
 
 void MemoryBuffer::setStartingAddress(std::uint64_t newStartAddress) {
-    if (newStartAddress > ~getDataLength()) {
-        Util::reportLine("MemoryBuffer(setStartingAddress-Operation). StartAddress (0x", std::hex,
-                         newStartAddress, ") is to big.");
-        Util::reportLine("  Possible max startAddress for this object is (0x", std::hex,
-                         ~getDataLength(), ").");
-        Util::reportLine("  StartAddress has not been changed!");
-        return;
-    }
-    startAddress = newStartAddress;
+    const std::uint64_t highest = ~getDataLength();
+    if (newStartAddress > highest)
+        Facts::report(Facts::MoveTooFar{newStartAddress, highest});
+    else
+        startAddress = newStartAddress;
 }
 
-/// Says why not.
+/// Reports it if not.
 bool MemoryBuffer::isFillable(std::size_t patternSize, std::uint64_t start,
                               std::uint64_t numberOfElements) const {
-    if (patternSize == 0) {
-        Util::reportLine(
-            "MemoryBuffer(fillMemory-Operation). dataPattern was empty, so nothing is filled");
-        Util::reportLine("  Nothing was filled!");
-        return false;
-    }
-    if (start < startAddress || start > endAddress()) {
-        // The start stands in whatever base the stream was left in.
-        Util::reportLine("MemoryBuffer(fillMemory-Operation). StartAddress int (", start,
-                         ") was not in range of memoryBuffer.");
-        Util::reportLine("  Possible max range could be from int [ 0x", std::hex, startAddress,
-                         " to 0x", std::hex, endAddress(), "].");
-        Util::reportLine("  Nothing was filled!");
-        return false;
-    }
-    if (numberOfElements > endAddress() - start) {
-        Util::reportLine("MemoryBuffer(fillMemory - Operation). NumberOfElements int ( 0x",
-                         std::hex, numberOfElements, ") are too many.");
-        Util::reportLine("  Nothing was filled!");
-        return false;
-    }
-    return true;
-}
-
-/// Applies `pattern` to `count` elements from `at` on, from its first element again and again.
-void MemoryBuffer::applyAgain(ElementView pattern, std::size_t at, std::size_t count) {
-    for (const std::size_t end = at + count; at < end; at += pattern.size())
-        elements.apply(at, pattern.part(0, std::min(pattern.size(), end - at)));
+    const std::uint64_t end = getArea().end();
+    if (patternSize == 0)
+        Facts::report(Facts::FillPatternEmpty{});
+    else if (start < startAddress || start > end)
+        Facts::report(Facts::FillStartOutside{start, startAddress, end});
+    else if (numberOfElements > end - start)
+        Facts::report(Facts::FillTooLong{start, numberOfElements, end});
+    else
+        return true;
+    return false;
 }
 
 void MemoryBuffer::fillMemory(std::span<const MemoryElement> dataPattern, std::uint64_t start,
                               std::uint64_t numberOfElements) {
     if (!isFillable(dataPattern.size(), start, numberOfElements)) return;
     const std::size_t at = start - startAddress;
-    if (dataPattern.size() <= PatternPiece::capacity) {
-        applyAgain(PatternPiece(dataPattern, numberOfElements).view(), at, numberOfElements);
-        return;
-    }
-    for (std::size_t done = 0; done < numberOfElements;) {
-        const auto rest = dataPattern.subspan(done % dataPattern.size());
-        const auto part =
-            rest.first(std::min({rest.size(), PatternPiece::capacity, numberOfElements - done}));
-        elements.apply(at + done, PatternPiece(part, part.size()).view());
-        done += part.size();
-    }
+    for (std::size_t i = 0; i < numberOfElements; ++i)
+        elements.apply(at + i, dataPattern[i % dataPattern.size()]);
 }
 
-void MemoryBuffer::fillFrom(ElementView pattern, std::uint64_t start,
-                            std::uint64_t numberOfElements) {
-    if (isFillable(pattern.size(), start, numberOfElements))
-        applyAgain(pattern, start - startAddress, numberOfElements);
+void MemoryBuffer::writePattern(std::span<const std::uint8_t> bytes, std::uint64_t start,
+                                std::uint64_t numberOfBytes) {
+    if (isFillable(bytes.size(), start, numberOfBytes))
+        elements.writePattern(start - startAddress, bytes, numberOfBytes);
+}
+
+void MemoryBuffer::fillPattern(std::span<const std::uint8_t> bytes, std::uint64_t start,
+                               std::uint64_t numberOfBytes) {
+    if (isFillable(bytes.size(), start, numberOfBytes))
+        elements.fillPattern(start - startAddress, bytes, numberOfBytes);
+}
+
+void MemoryBuffer::fillFrom(ElementView pattern, std::uint64_t start) {
+    if (isFillable(pattern.size(), start, pattern.size()))
+        elements.apply(start - startAddress, pattern);
 }
 
 void MemoryBuffer::overlayBytes(std::span<const std::uint8_t> bytes, std::uint64_t start) {
-    const std::uint64_t skipped = start < startAddress ? startAddress - start : 0;
-    if (skipped >= bytes.size() || start >= endAddress()) return;
-    const std::uint64_t at = start + skipped - startAddress;
-    elements.write(at,
-                   bytes.subspan(skipped, std::min(bytes.size() - skipped, elements.size() - at)));
+    const std::optional<Area> part = overlap({start, bytes.size()});
+    if (part)
+        elements.write(part->start - startAddress,
+                       bytes.subspan(part->start - start, part->length));
 }
 
 MemoryBuffer MemoryBuffer::extractMemory(std::uint64_t start, std::uint64_t dataLength) const {
-    if (start < startAddress || start > endAddress()) {
-        Util::reportLine("MemoryBuffer(extractMemory-Operation). StartAddress (0x", std::hex, start,
-                         ") is not in range.");
-        Util::reportLine("  Possible max range could be from [0x", std::hex, startAddress, " to 0x",
-                         std::hex, endAddress(), "].");
-        Util::reportLine("  Nothing has been extracted!");
+    const std::uint64_t end = getArea().end();
+    if (start < startAddress || start > end) {
+        Facts::report(Facts::ExtractStartOutside{start, startAddress, end});
         return {0, 0};
     }
-    if (dataLength > endAddress() - start) {
-        Util::reportLine("MemoryBuffer(extractMemory-Operation). Requested dataLength (0x",
-                         std::hex, dataLength, ") are too large.");
-        Util::reportLine("  Nothing has been extracted!");
+    if (dataLength > end - start) {
+        Facts::report(Facts::ExtractTooLong{start, dataLength, end});
         return {0, 0};
     }
     MemoryBuffer extract(start, dataLength);
-    extract.fillFrom(viewElements().part(start - startAddress, dataLength), start, dataLength);
+    extract.fillFrom(viewElements().part(start - startAddress, dataLength), start);
     return extract;
 }
 
+/// The part of `area` that lies in the image, if it has any address.
+std::optional<Area> MemoryBuffer::overlap(const Area& area) const {
+    if (area.length == 0 || elements.size() == 0) return std::nullopt;
+    return area.clippedTo(getArea());
+}
+
 void MemoryBuffer::overlay(const MemoryBuffer& other) {
-    const std::uint64_t first = std::max(startAddress, other.startAddress);
-    const std::uint64_t end = std::min(endAddress(), other.endAddress());
-    if (first >= end) return;
-    elements.replace(first - startAddress,
-                     other.viewElements().part(first - other.startAddress, end - first));
+    const std::optional<Area> part = overlap(other.getArea());
+    if (part)
+        elements.replace(part->start - startAddress,
+                         other.viewElements().part(part->start - other.startAddress, part->length));
 }
 
 void MemoryBuffer::appendBytes(std::vector<std::uint8_t>& output, std::uint64_t start,

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <utility>
 #include <vector>
 
+#include "buffer/Area.hpp"
 #include "buffer/ElementStore.hpp"
 
 namespace Buffer {
@@ -16,9 +18,22 @@ inline constexpr std::uint64_t MAX_ALLOWED_MEMORY_BUFFER_SIZE = 0xFFFFFFFF;
 
 /// One contiguous address range of a flash image, one element per address.
 ///
-/// Addresses and lengths are in bytes. No operation throws for bad arguments: a refused one prints
-/// why on standard output, changes nothing and returns an empty image. Only std::bad_alloc and
-/// std::length_error leave. Moving an image costs nothing, copying it copies every element.
+/// An element has a value, which is the byte that was written to the address, a filler, which the
+/// address reads as while nothing was written, and a flag that selects one of them. Values, fillers
+/// and flags are kept as three arrays (ElementStore). The operations that place bytes differ in
+/// what they do to an element and in what they do with a range that leaves the image:
+///
+/// | operation | value and flag | filler | range outside the image |
+/// | --- | --- | --- | --- |
+/// | `writePattern` | written | stays | refused as a whole |
+/// | `fillPattern` | stay | set | refused as a whole |
+/// | `fillMemory`, `fillFrom` | as `writePattern` or `fillPattern`, by each source element | |
+/// refused as a whole | | `overlay` | replaced by the source's | replaced | left out | |
+/// `overlayBytes` | written | 0 | left out | | `overlayRead` | written | 0 | not allowed |
+///
+/// Addresses and lengths are in bytes. No operation throws for bad arguments: a refused one reports
+/// a fact (facts/Facts.hpp), changes nothing and returns an empty image. Only std::bad_alloc and
+/// std::length_error are thrown. Moving an image costs nothing, copying it copies every element.
 class MemoryBuffer {
 public:
     /// `dataLength` default elements at `startAddress`. A range that passes the end of the 64-bit
@@ -38,6 +53,7 @@ public:
 
     std::uint64_t getStartAddress() const { return startAddress; }
     std::uint64_t getDataLength() const { return elements.size(); }
+    Area getArea() const { return {startAddress, elements.size()}; }
 
     /// A copy of all elements, in address order.
     std::vector<MemoryElement> getElements() const;
@@ -61,12 +77,20 @@ public:
     ///
     /// A written element replaces the byte and leaves the filler; another one replaces the filler
     /// and leaves the byte. Refused as a whole if the pattern is empty or the range leaves the
-    /// image; the address behind the last element is still a valid `start` for no elements.
+    /// image; the address one past the last element is still a valid `start` for no elements.
     void fillMemory(std::span<const MemoryElement> dataPattern, std::uint64_t start,
                     std::uint64_t numberOfElements);
 
-    /// `fillMemory` with a pattern that is already there as elements of an image.
-    void fillFrom(ElementView pattern, std::uint64_t start, std::uint64_t numberOfElements);
+    /// `fillMemory` with a pattern of written elements.
+    void writePattern(std::span<const std::uint8_t> bytes, std::uint64_t start,
+                      std::uint64_t numberOfBytes);
+
+    /// `fillMemory` with a pattern of fillers.
+    void fillPattern(std::span<const std::uint8_t> bytes, std::uint64_t start,
+                     std::uint64_t numberOfBytes);
+
+    /// `fillMemory` with elements of another image, once.
+    void fillFrom(ElementView pattern, std::uint64_t start);
 
     /// Overlays `bytes`, as written elements with filler 0, from `start` on. What lies outside the
     /// image is left out, without a message.
@@ -95,10 +119,9 @@ public:
                      std::uint64_t dataLength) const;
 
 private:
-    std::uint64_t endAddress() const { return startAddress + elements.size(); }
     bool isFillable(std::size_t patternSize, std::uint64_t start,
                     std::uint64_t numberOfElements) const;
-    void applyAgain(ElementView pattern, std::size_t at, std::size_t count);
+    std::optional<Area> overlap(const Area& area) const;
 
     std::uint64_t startAddress;
     ElementStore elements;

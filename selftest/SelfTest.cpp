@@ -11,13 +11,15 @@
 #include "parser/ScriptParser.hpp"
 #include "platform/Platform.hpp"
 #include "selftest/LineTables.hpp"
-#include "util/Report.hpp"
 
 namespace SelfTest {
 
 namespace {
 
 using Lines = std::deque<std::string>;
+
+/// CUnit calls its tests without an argument.
+Classic::ClassicWords* words = nullptr;
 
 std::string samplePath(const char* fileName) {
     const std::string separator(1, Platform::pathSeparator);
@@ -49,12 +51,11 @@ Lines readLines(const std::string& path) {
 void reportDifferences(const Lines& got, const Lines& wanted) {
     const std::size_t count = std::min(got.size(), wanted.size());
     for (std::size_t i = 0; i < count; ++i)
-        if (got[i] != wanted[i])
-            Util::reportLine("Difference at line number: ", std::to_string(i + 1));
+        if (got[i] != wanted[i]) words->printDifference(i + 1);
 }
 
 void testTessaronAll() {
-    Util::reportLine();
+    words->printEmptyLine();
     const std::string inFile = samplePath("__input_ref_app.hex");
     const std::string outFile = samplePath("__output_ref_app_all.hex");
     const std::string script = samplePath("__input_tessaron_script.tsn");
@@ -84,13 +85,10 @@ void runSuite() {
 
 }  // namespace
 
-void runAll() {
+void runAll(Classic::ClassicWords& classicWords) {
+    words = &classicWords;
     runSuite();
-    const CU_ErrorCode code = CU_get_error();
-    if (code == CUE_SUCCESS)
-        Util::reportLine("No problem running CUnit: CU_get_error() == CUE_SUCCESS.");
-    else
-        Util::reportLine("Problem running CUnit: CU_get_error() == ", std::to_string(code));
+    words->printTestFrame(CU_get_error());
     CU_cleanup_registry();
 }
 

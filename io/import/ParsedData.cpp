@@ -1,11 +1,11 @@
 #include "io/import/ParsedData.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <map>
 #include <utility>
 
+#include "facts/Listener.hpp"
 #include "util/Report.hpp"
 
 namespace Io::Import {
@@ -21,7 +21,7 @@ std::string informationAbout(std::string_view readerName, std::uint64_t dataLeng
 Buffer::MemoryBuffer newImage(std::uint64_t startAddress, std::uint64_t dataLength) {
     Buffer::MemoryBuffer image(startAddress, dataLength);
     if (image.getDataLength() != dataLength)
-        image.fillMemory(std::array<Buffer::MemoryElement, 1>{}, startAddress, dataLength);
+        Facts::report(Facts::FillTooLong{startAddress, dataLength, startAddress});
     return image;
 }
 
@@ -148,7 +148,7 @@ void ParsedData::fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const {
         report("fillMemoryBuffer", start, length, "Nothing was filled");
         return;
     }
-    buffer.fillFrom(imageOf(start, length).viewElements(), start, length);
+    buffer.fillFrom(imageOf(start, length).viewElements(), start);
 }
 
 void ParsedData::report(std::string_view operation, std::uint64_t startAddress,

@@ -53,7 +53,7 @@ void RawBinaryInFile::fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const {
                     minAddress, dataLength, getInformation());
         return;
     }
-    buffer.fillFrom(getMemory(start, length).viewElements(), start, length);
+    buffer.fillFrom(getMemory(start, length).viewElements(), start);
 }
 
 std::string RawBinaryInFile::getInformation() const {

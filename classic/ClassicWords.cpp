@@ -1,0 +1,406 @@
+#include "classic/ClassicWords.hpp"
+
+#include <array>
+#include <ios>
+#include <string>
+
+#include "util/Hex.hpp"
+
+namespace Classic {
+
+namespace {
+
+using namespace Facts;
+
+const char* nameOf(InputFormat reader) {
+    switch (reader) {
+        case InputFormat::IntelHex:
+            return "IntelHexInFile";
+        case InputFormat::MotorolaS:
+            return "MotorolaS_InFile";
+        case InputFormat::RawBinary:
+            break;
+    }
+    return "RawBinaryInFile";
+}
+
+const char* nameOf(OutputFormat writer) {
+    switch (writer) {
+        case OutputFormat::IntelHex:
+            return "IntelHexOutFile";
+        case OutputFormat::MotorolaS:
+            return "MotorolaS_OutFile";
+        case OutputFormat::EmbeddedC_Assembler:
+            return "EmbeddedC_AssemblerOutFile";
+        case OutputFormat::RawBinary:
+            break;
+    }
+    return "RawBinaryOutFile";
+}
+
+const char* wordFor(NameKind kind) {
+    constexpr std::array words{"Buffer", "Crc", "Hash", "Symbol Ref"};
+    return words.at(static_cast<std::size_t>(kind));
+}
+
+const char* wordFor(Subject subject) {
+    constexpr std::array words{"Buffer", "Crc", "Hash", "Text", "File", "Application"};
+    return words.at(static_cast<std::size_t>(subject));
+}
+
+const char* wordFor(Work work) {
+    constexpr std::array words{"created", "filled", "printed", "written", "called"};
+    return words.at(static_cast<std::size_t>(work));
+}
+
+const char* wordsFor(VariableFault fault) {
+    constexpr std::array words{"is no valid regular expression",
+                               "is too complex a regular expression", "makes the script too long"};
+    return words.at(static_cast<std::size_t>(fault));
+}
+
+/// Prints one fact. Each operator is one message.
+class Sentences {
+public:
+    Sentences(std::ostream& output, std::ostream& errors) : output_(output), errors_(errors) {}
+
+    void operator()(const ImageNotAddressable& /*fact*/) const {
+        line(
+            "MemoryBuffer(Constructor-Operation). The sum of startAddress + dataLength are not "
+            "addressable.");
+        line("  Nothing was filled!");
+    }
+
+    void operator()(const ImageTooLong& fact) const {
+        line(
+            "MemoryBuffer(Constructor-Operation). The dataLength was bigger than "
+            "MAX_ALLOWED_MEMORY_BUFFER_SIZE int(0x",
+            std::hex, fact.limit, ").");
+        line("  An empty Memorybuffer was created!");
+    }
+
+    void operator()(const MoveTooFar& fact) const {
+        line("MemoryBuffer(setStartingAddress-Operation). StartAddress (0x", std::hex, fact.start,
+             ") is to big.");
+        line("  Possible max startAddress for this object is (0x", std::hex, fact.highestStart,
+             ").");
+        line("  StartAddress has not been changed!");
+    }
+
+    void operator()(const FillPatternEmpty& /*fact*/) const {
+        line("MemoryBuffer(fillMemory-Operation). dataPattern was empty, so nothing is filled");
+        line("  Nothing was filled!");
+    }
+
+    void operator()(const FillStartOutside& fact) const {
+        line("MemoryBuffer(fillMemory-Operation). StartAddress int (", fact.start,
+             ") was not in range of memoryBuffer.");
+        line("  Possible max range could be from int [ 0x", std::hex, fact.imageStart, " to 0x",
+             std::hex, fact.imageEnd, "].");
+        line("  Nothing was filled!");
+    }
+
+    void operator()(const FillTooLong& fact) const {
+        line("MemoryBuffer(fillMemory - Operation). NumberOfElements int ( 0x", std::hex,
+             fact.length, ") are too many.");
+        line("  Nothing was filled!");
+    }
+
+    void operator()(const ExtractStartOutside& fact) const {
+        line("MemoryBuffer(extractMemory-Operation). StartAddress (0x", std::hex, fact.start,
+             ") is not in range.");
+        line("  Possible max range could be from [0x", std::hex, fact.imageStart, " to 0x",
+             std::hex, fact.imageEnd, "].");
+        line("  Nothing has been extracted!");
+    }
+
+    void operator()(const ExtractTooLong& fact) const {
+        line("MemoryBuffer(extractMemory-Operation). Requested dataLength (0x", std::hex,
+             fact.length, ") are too large.");
+        line("  Nothing has been extracted!");
+    }
+
+    void operator()(const ReadRangeOutside& fact) const {
+        const bool isFill = fact.operation == ReadOperation::FillMemoryBuffer;
+        line(nameOf(fact.reader), isFill ? "(fillMemoryBuffer" : "(getMemory",
+             "-Operation). The requested extraction range from int address [", fact.start, " to ",
+             fact.end, "] was out of range. ",
+             isFill ? "Nothing was filled" : "Empty buffer was returned.");
+        line("  Possible max range could be from int [", fact.dataStart, " to ", fact.dataEnd,
+             "].");
+        output_ << fact.information << std::flush;
+    }
+
+    void operator()(const TextFileEmpty& fact) const {
+        line("file: ", fact.file, " was empty. Execution aboarded. The file was not parsed.");
+    }
+
+    void operator()(const LastLineMismatched& fact) const {
+        line("file: ", fact.file,
+             " has no intel format (last line mismatched). Execution aboarded. The file was not "
+             "parsed.");
+    }
+
+    void operator()(const RecordContradictory& fact) const {
+        line("file: ", fact.file, " line: ", fact.line,
+             " contains logical error. Please check line for Crc or Address/Type conflicts. "
+             "Execution aboarded. The file was not parsed.");
+    }
+
+    void operator()(const LineNotARecord& fact) const {
+        line("file: ", fact.file, " line: ", fact.line,
+             " did not match parsing pattern. Execution aboarded. The file was not parsed.");
+    }
+
+    void operator()(const RecordCountTooLow& fact) const {
+        line("MotorolaS_InFile(storeParsedSize-Operation). Logical error");
+        line("The value of counter is : (int)", fact.count,
+             ". This is to low, because the addressSize is already : (int)", fact.addressSize);
+        line(
+            "This error could be also generated, if the SRecord Type was unknown or the counter "
+            "was to less.");
+    }
+
+    void operator()(const DataSpanTooLong& fact) const {
+        line(
+            "MotorolaS_InFile(constructor-Operation). The information extracted from output file, "
+            "contains too much DataElements.");
+        line("  The max possible amount of Elements is : (int)", fact.mostBytes);
+        line("  The max Address is changed from: (int)", fact.lastAddress, " to: (int)",
+             fact.newLastAddress);
+    }
+
+    void operator()(const RawFileTooLong& fact) const {
+        line(
+            "RawBinaryInFile(constructor-Operation). The information extracted from output file, "
+            "contains too much DataElements.");
+        line("  The max possible amount of Elements is : (int)", fact.mostBytes);
+        line("  The dataLength is changed from: (int)", fact.fileSize, " to: (int)",
+             fact.mostBytes);
+    }
+
+    void operator()(const FileReadIncomplete& fact) const {
+        errors_ << "Warning: File " << fact.file << " could not be read completely !" << std::endl;
+    }
+
+    void operator()(const RecordLengthCorrected& fact) const {
+        const bool isHex = fact.writer == OutputFormat::IntelHex;
+        const char* const label = isHex ? "" : "(int)";
+        line(nameOf(fact.writer), "(Constructor-Operation). outputStyle.",
+             isHex ? "dataRecordLength" : "maximumRecordSize", " was :", fact.length);
+        line("The allowed ", fact.bound == Bound::Minimum ? "minimum" : "maximum", " have to be ",
+             label, fact.allowed, ", so the value was reset to ", label, isHex ? "" : " ",
+             fact.allowed);
+    }
+
+    void operator()(const AddressNotExpressible& fact) const {
+        line("IntelHexOutFile(setOffsetInformation-Operation). StartAddress int (", fact.address,
+             ") is not addressable with");
+        line("LinearAddressing. Nothing was written in file (", fact.file, ")!");
+    }
+
+    void operator()(const RecordTypeUnknown& fact) const {
+        line("IntelHexOutFile(getStringRepresentationFor-Operation). Wrong addressing type int (",
+             fact.type, ")");
+    }
+
+    void operator()(const ImageBeyondSRecords& fact) const {
+        line(
+            "MotorolaS_OutFile(insertMemoryBuffer-Operation). The inserted MemoryBuffer has a to "
+            "big Offset for Motorola Format.");
+        line("The MemoryBuffer will not be inserted.");
+        line("The allowed maximum Offset have to be (int)", fact.highestAddress);
+    }
+
+    void operator()(const TooManyBytes& fact) const {
+        line(nameOf(fact.writer),
+             "(insertMemoryBuffer-Operation). The operation was not successful, because the "
+             "resulting");
+        line("Number of elements will be bigger than (int) ", fact.mostBytes);
+        line("Nothing was inserted.");
+    }
+
+    void operator()(const FileWriteIncomplete& fact) const {
+        errors_ << "Warning: File " << fact.file << " could not be written completely !"
+                << std::endl;
+    }
+
+    void operator()(const NameNotFound& fact) const {
+        line("Error: ", wordFor(fact.kind), " Variable ", fact.name, " not found !");
+        line("Operation aborted.");
+    }
+
+    void operator()(const StatementExhausted& fact) const {
+        line("Error: ", wordFor(fact.subject), " ", fact.name, " could not be ", wordFor(fact.work),
+             " !");
+        line("Operation aborted. Maybe stack overflow, buffer too big");
+    }
+
+    void operator()(const FileNotOpened& fact) const {
+        line("Error: File ", fact.file, " could not be opened !");
+        line("Operation aborted. Maybe stack overflow, buffer too big");
+    }
+
+    void operator()(const FileNotWritten& fact) const {
+        line("Error: File ", fact.file, " could not be written !");
+        line("Operation aborted.");
+    }
+
+    void operator()(const FileSpanTooLong& fact) const {
+        line("Error: Buffer Length 0x", std::hex, fact.length,
+             " is too big 0xFFF FFFF is the maximum!");
+        line("Use Param -useBufferRange= to create a fixed length Buffer of the size.");
+    }
+
+    void operator()(const BufferPrinted& fact) const {
+        line("Buffer : ", fact.name);
+        line("  StartAddress: 0x", Util::hexWord(fact.start));
+        line("  DataLength  : 0x", Util::hexWord(fact.length));
+    }
+
+    void operator()(const ContentPrinted& fact) const {
+        constexpr std::size_t bytesPerRow = 13;
+        // Rows are handed to the stream in pieces of about this many characters.
+        constexpr std::size_t pieceLength = std::size_t{1} << 16U;
+        line("    Content Area (0x", Util::hexWord(fact.start), " , 0x",
+             Util::hexWord(fact.bytes.size()), ")");
+        std::string rows = "     ";
+        std::size_t inRow = 0;
+        for (const std::uint8_t byte : fact.bytes) {
+            rows += " 0x000000";
+            Util::appendHex(rows, std::array{byte});
+            if (++inRow < bytesPerRow) continue;
+            rows += "\n     ";
+            inRow = 0;
+            if (rows.size() < pieceLength) continue;
+            output_ << rows;
+            rows.clear();
+        }
+        line(rows);
+    }
+
+    void operator()(const CrcPrinted& fact) const {
+        const std::string digits = digitsOf(fact.value);
+        line("Crc : ", fact.name);
+        line("  CrcValue: 0x", digits);
+    }
+
+    void operator()(const HashPrinted& fact) const {
+        const std::string digits = digitsOf(fact.value);
+        line("Hash : ", fact.name);
+        line("  HashValue: ", digits);
+    }
+
+    void operator()(const TextPrinted& fact) const { line(fact.text); }
+
+    void operator()(const ProgramCalled& fact) const {
+        const char* const quote = fact.location.find(' ') != std::string_view::npos ? "\"" : "";
+        line("Calling: ", quote, fact.location, quote, " ", fact.arguments);
+    }
+
+    void operator()(const ScriptNotOpened& fact) const {
+        errors_ << "Could not open input file: " << fact.path << std::endl;
+    }
+
+    void operator()(const VariableRejected& fact) const {
+        line("Error: Variable name ", fact.name, " ", wordsFor(fact.fault), " !");
+        line("Operation aborted.");
+    }
+
+    void operator()(const ScriptNotPrepared& fact) const {
+        line("Error: Script ", fact.path, " could not be prepared !");
+        line("Operation aborted. Maybe stack overflow, script too big");
+    }
+
+    void operator()(const SyntaxError& fact) const {
+        constexpr std::string_view title =
+            "SCRIPT PARSING ERROR DETECTED!  DETAILLED DESCRIPTION FOLLOWS";
+        const std::string rule(title.size(), '-');
+        line();
+        line(rule);
+        line(rule);
+        line(title);
+        line(rule);
+        line(rule);
+        line(rule);
+        line("SCRIPT PARSING ERROR -> STACK LAST COMMAND: ");
+        line(rule);
+        line(fact.lastCommand);
+        line(rule);
+        line("SCRIPT PARSING ERROR -> STACK LAST COMMAND TOKENS: ");
+        line(rule);
+        line(fact.lastTokens);
+        line("LINE: ", std::to_string(fact.line));
+    }
+
+    void operator()(const RunEnded& fact) const {
+        line("\nKvTessaron Total Time: ", fact.seconds, " seconds");
+    }
+
+private:
+    static std::string digitsOf(std::span<const std::uint8_t> bytes) {
+        std::string digits;
+        Util::appendHex(digits, bytes);
+        return digits;
+    }
+
+    /// Manipulators pass through: std::hex stays in force.
+    template <class... Parts>
+    void line(const Parts&... parts) const {
+        (output_ << ... << parts) << std::endl;
+    }
+
+    std::ostream& output_;
+    std::ostream& errors_;
+};
+
+}  // namespace
+
+ClassicWords::ClassicWords(std::ostream& output, std::ostream& errors)
+    : output_(output.rdbuf()), errors_(errors.rdbuf()) {}
+
+void ClassicWords::hear(const Fact& fact) {
+    std::visit(Sentences(output_, errors_), fact);
+}
+
+void ClassicWords::printBanner(std::string_view fileName, unsigned majorVersion,
+                               unsigned minorVersion, std::string_view buildDate,
+                               std::string_view copyright) {
+    output_ << fileName << " version " << majorVersion << "." << minorVersion << " from "
+            << buildDate << std::endl;
+    output_ << copyright << std::endl;
+}
+
+void ClassicWords::printEmptyLine() {
+    output_ << std::endl;
+}
+
+void ClassicWords::printUsage() {
+    constexpr std::string_view usage =
+        "Program Usage: CmdTessaron [variableName=variableValue]* scriptFile";
+    output_ << usage << std::endl;
+    output_ << std::string(usage.size(), ' ') << std::endl;
+    output_ << "\t\t\tFor detailed information see CmdTessaronManual.txt" << std::endl;
+}
+
+void ClassicWords::printDifference(std::size_t number) {
+    output_ << "Difference at line number: " << std::to_string(number) << std::endl;
+}
+
+void ClassicWords::printTestFrame(unsigned code) {
+    if (code == 0)
+        output_ << "No problem running CUnit: CU_get_error() == CUE_SUCCESS." << std::endl;
+    else
+        output_ << "Problem running CUnit: CU_get_error() == " << std::to_string(code) << std::endl;
+}
+
+void ClassicWords::printUnexpected(std::string_view text) {
+    errors_ << "Error: " << text << std::endl;
+}
+
+void ClassicWords::reportLostOutput() {
+    if (!output_)
+        errors_ << "Warning: Standard output could not be written completely !" << std::endl;
+}
+
+}  // namespace Classic

@@ -1,0 +1,323 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <variant>
+
+/// What a run has to report, as values without words.
+///
+/// The code that meets a problem describes it by one of these structs and hands it to `report`
+/// (Listener.hpp). A front end chooses the words. Addresses and lengths are in bytes; an `end` is
+/// the address one past the last one. Texts and bytes are views that are valid during the report.
+namespace Facts {
+
+// Images
+
+/// The range of a new image passes the end of the address space; the image is empty.
+struct ImageNotAddressable {
+    std::uint64_t start;
+    std::uint64_t length;
+    bool operator==(const ImageNotAddressable&) const = default;
+};
+
+/// A new image reaches `limit`, an exclusive bound; the image is empty.
+struct ImageTooLong {
+    std::uint64_t length;
+    std::uint64_t limit;
+    bool operator==(const ImageTooLong&) const = default;
+};
+
+/// An image was not moved: its range would pass the end of the address space.
+struct MoveTooFar {
+    std::uint64_t start;
+    std::uint64_t highestStart;
+    bool operator==(const MoveTooFar&) const = default;
+};
+
+/// A fill had no pattern; nothing was filled.
+struct FillPatternEmpty {
+    bool operator==(const FillPatternEmpty&) const = default;
+};
+
+/// A fill begins outside the image; nothing was filled.
+struct FillStartOutside {
+    std::uint64_t start;
+    std::uint64_t imageStart;
+    std::uint64_t imageEnd;
+    bool operator==(const FillStartOutside&) const = default;
+};
+
+/// A fill begins in the image and leaves it; nothing was filled.
+struct FillTooLong {
+    std::uint64_t start;
+    std::uint64_t length;
+    std::uint64_t imageEnd;
+    bool operator==(const FillTooLong&) const = default;
+};
+
+/// An extract begins outside the image; it is empty.
+struct ExtractStartOutside {
+    std::uint64_t start;
+    std::uint64_t imageStart;
+    std::uint64_t imageEnd;
+    bool operator==(const ExtractStartOutside&) const = default;
+};
+
+/// An extract begins in the image and leaves it; it is empty.
+struct ExtractTooLong {
+    std::uint64_t start;
+    std::uint64_t length;
+    std::uint64_t imageEnd;
+    bool operator==(const ExtractTooLong&) const = default;
+};
+
+// Input files
+
+enum class InputFormat : std::uint8_t { IntelHex, MotorolaS, RawBinary };
+enum class ReadOperation : std::uint8_t { GetMemory, FillMemoryBuffer };
+
+/// A reader was asked for a range that its file does not have; nothing was read.
+struct ReadRangeOutside {
+    InputFormat reader;
+    ReadOperation operation;
+    std::uint64_t start;
+    std::uint64_t end;
+    std::uint64_t dataStart;
+    std::uint64_t dataEnd;
+    std::string_view information;  ///< what the reader says of itself, whole lines
+    bool operator==(const ReadRangeOutside&) const = default;
+};
+
+/// A text file has no line.
+struct TextFileEmpty {
+    std::string_view file;
+    bool operator==(const TextFileEmpty&) const = default;
+};
+
+/// The last line of an Intel HEX file is no end-of-file record; nothing of the file was used.
+struct LastLineMismatched {
+    std::string_view file;
+    bool operator==(const LastLineMismatched&) const = default;
+};
+
+/// A record contradicts its checksum or the format; nothing of the file was used.
+struct RecordContradictory {
+    std::string_view file;
+    std::string_view line;
+    bool operator==(const RecordContradictory&) const = default;
+};
+
+/// A line of an S-record file is no record; the lines before it were used.
+struct LineNotARecord {
+    std::string_view file;
+    std::string_view line;
+    bool operator==(const LineNotARecord&) const = default;
+};
+
+/// The count of an S-record leaves no room for data after its address.
+struct RecordCountTooLow {
+    std::uint32_t count;
+    std::size_t addressSize;
+    bool operator==(const RecordCountTooLow&) const = default;
+};
+
+/// The data of an S-record file spans more than `mostBytes`; it ends at `newLastAddress`.
+struct DataSpanTooLong {
+    std::uint64_t mostBytes;
+    std::uint64_t lastAddress;
+    std::uint64_t newLastAddress;
+    bool operator==(const DataSpanTooLong&) const = default;
+};
+
+/// A file has more than `mostBytes` raw bytes, of which only so many are used.
+struct RawFileTooLong {
+    std::uint64_t mostBytes;
+    std::uint64_t fileSize;
+    bool operator==(const RawFileTooLong&) const = default;
+};
+
+/// A read failed before the end of the file; what was read is used.
+struct FileReadIncomplete {
+    std::string_view file;
+    bool operator==(const FileReadIncomplete&) const = default;
+};
+
+// Output files
+
+enum class OutputFormat : std::uint8_t { IntelHex, MotorolaS, RawBinary, EmbeddedC_Assembler };
+enum class Bound : std::uint8_t { Minimum, Maximum };
+
+/// A writer replaced a record length outside its bounds by the bound.
+struct RecordLengthCorrected {
+    OutputFormat writer;
+    std::uint32_t length;
+    Bound bound;
+    std::uint32_t allowed;
+    bool operator==(const RecordLengthCorrected&) const = default;
+};
+
+/// Intel HEX cannot express the address of a block; the file was not written.
+struct AddressNotExpressible {
+    std::uint64_t address;
+    std::string_view file;
+    bool operator==(const AddressNotExpressible&) const = default;
+};
+
+/// Intel HEX has no record of this kind.
+struct RecordTypeUnknown {
+    std::uint32_t type;
+    bool operator==(const RecordTypeUnknown&) const = default;
+};
+
+/// S-records cannot express the addresses of an image; the image is left out.
+struct ImageBeyondSRecords {
+    std::uint64_t highestAddress;
+    bool operator==(const ImageBeyondSRecords&) const = default;
+};
+
+/// An image would make more than `mostBytes` bytes of output; the image is left out.
+struct TooManyBytes {
+    OutputFormat writer;
+    std::uint64_t mostBytes;
+    bool operator==(const TooManyBytes&) const = default;
+};
+
+/// A write failed; the file holds what was written before.
+struct FileWriteIncomplete {
+    std::string_view file;
+    bool operator==(const FileWriteIncomplete&) const = default;
+};
+
+// Statements
+
+/// What a name of a statement refers to. A symbol is a CRC or a hash.
+enum class NameKind : std::uint8_t { Buffer, Crc, Hash, Symbol };
+
+/// No statement before has made the name; the statement failed.
+struct NameNotFound {
+    NameKind kind;
+    std::string_view name;
+    bool operator==(const NameNotFound&) const = default;
+};
+
+enum class Subject : std::uint8_t { Buffer, Crc, Hash, Text, File, Application };
+enum class Work : std::uint8_t { Created, Filled, Printed, Written, Called };
+
+/// A statement ran out of memory and failed.
+struct StatementExhausted {
+    Subject subject;
+    std::string_view name;
+    Work work;
+    bool operator==(const StatementExhausted&) const = default;
+};
+
+/// An input file could not be opened or held; the statement failed.
+struct FileNotOpened {
+    std::string_view file;
+    bool operator==(const FileNotOpened&) const = default;
+};
+
+/// An output file could not be opened; the statement failed.
+struct FileNotWritten {
+    std::string_view file;
+    bool operator==(const FileNotWritten&) const = default;
+};
+
+/// The data of a file spans more than FROM_FILE takes; the statement failed.
+struct FileSpanTooLong {
+    std::uint64_t length;
+    bool operator==(const FileSpanTooLong&) const = default;
+};
+
+// What statements print
+
+/// PRINT_BUFFER begins.
+struct BufferPrinted {
+    std::string_view name;
+    std::uint64_t start;
+    std::uint64_t length;
+    bool operator==(const BufferPrinted&) const = default;
+};
+
+/// A block of PRINT_BUFFER: the effective bytes from `start` on.
+struct ContentPrinted {
+    std::uint64_t start;
+    std::span<const std::uint8_t> bytes;
+};
+
+/// PRINT_CRC; the value least significant byte first.
+struct CrcPrinted {
+    std::string_view name;
+    std::span<const std::uint8_t> value;
+};
+
+/// PRINT_HASH.
+struct HashPrinted {
+    std::string_view name;
+    std::span<const std::uint8_t> value;
+};
+
+/// PRINT_TEXT.
+struct TextPrinted {
+    std::string_view text;
+    bool operator==(const TextPrinted&) const = default;
+};
+
+/// CALL_APP is about to start a program.
+struct ProgramCalled {
+    std::string_view location;
+    std::string_view arguments;
+    bool operator==(const ProgramCalled&) const = default;
+};
+
+// The run
+
+/// The script could not be opened.
+struct ScriptNotOpened {
+    std::string_view path;
+    bool operator==(const ScriptNotOpened&) const = default;
+};
+
+enum class VariableFault : std::uint8_t { NotARegularExpression, TooComplex, ScriptTooLong };
+
+/// A variable cannot be applied to the script; nothing is executed.
+struct VariableRejected {
+    std::string_view name;
+    VariableFault fault;
+    bool operator==(const VariableRejected&) const = default;
+};
+
+/// Memory ran out while the script was prepared, or the script was not read as a whole.
+struct ScriptNotPrepared {
+    std::string_view path;
+    bool operator==(const ScriptNotPrepared&) const = default;
+};
+
+/// The text of the script does not parse; nothing is executed.
+struct SyntaxError {
+    std::string_view lastCommand;  ///< the last statement that parsed, if no keyword followed
+    std::string_view lastTokens;   ///< the steps of the parser's actions
+    std::size_t line;              ///< where the statement that failed begins, counted from 1
+    bool operator==(const SyntaxError&) const = default;
+};
+
+/// The run is over.
+struct RunEnded {
+    double seconds;
+    bool operator==(const RunEnded&) const = default;
+};
+
+using Fact =
+    std::variant<ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside,
+                 FillTooLong, ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty,
+                 LastLineMismatched, RecordContradictory, LineNotARecord, RecordCountTooLow,
+                 DataSpanTooLong, RawFileTooLong, FileReadIncomplete, RecordLengthCorrected,
+                 AddressNotExpressible, RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes,
+                 FileWriteIncomplete, NameNotFound, StatementExhausted, FileNotOpened,
+                 FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted, CrcPrinted,
+                 HashPrinted, TextPrinted, ProgramCalled, ScriptNotOpened, VariableRejected,
+                 ScriptNotPrepared, SyntaxError, RunEnded>;
+
+}  // namespace Facts
