@@ -2,8 +2,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iostream>
 #include <utility>
 
+#include "classic/ClassicWords.hpp"
+#include "facts/Listener.hpp"
 #include "fuzz/PlatformInMemory.hpp"
 #include "fuzz/ScriptInput.hpp"
 #include "parser/ScriptParser.hpp"
@@ -11,6 +14,8 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size > Fuzz::Machine::mostInput) return 0;
     Fuzz::Machine machine;
+    Classic::ClassicWords words(std::cout, std::cerr);
+    const Facts::ListenerScope scope(words);
     Fuzz::ScriptInput input(data, size, machine);
     Parser::ScriptParser(Fuzz::ScriptInput::scriptPath, std::move(input.variables)).run();
     return 0;
