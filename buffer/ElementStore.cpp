@@ -10,7 +10,7 @@ using WrittenBits::Word;
 
 namespace {
 
-/// The size of an array of bytes. No array of more elements could be handed out.
+/// `count` as the size of an array, which `getElements` must be able to return.
 std::size_t checked(std::uint64_t count) {
     if (count > PTRDIFF_MAX / sizeof(MemoryElement))
         throw std::length_error("an image longer than the address space");
@@ -121,7 +121,7 @@ void ElementStore::replace(std::size_t at, ElementView elements) {
         const std::size_t count = WrittenBits::inWord(at + i, elements.size() - i);
         const Word flags = elements.written(i, count);
         const Word before = WrittenBits::read(written(), at + i, count);
-        // Unwritten here and there: both values are 0, and the page need not be touched.
+        // Where both are unwritten, both values are 0 and the page need not be touched.
         if ((flags | before) != 0) {
             std::copy_n(elements.values() + i, count, values() + at + i);
             WrittenBits::write(written(), at + i, count, flags);

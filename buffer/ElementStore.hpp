@@ -12,9 +12,9 @@ namespace Buffer {
 /// The elements of an image: an array of fixed size, all zero at first.
 ///
 /// Two bytes and a bit are reserved for each element. The pages of a large array are not touched
-/// before something is written into them, so that one without fillers costs little more than a byte
-/// an element, and one of gaps next to nothing. Places and counts are of elements and lie inside
-/// the array.
+/// before something is written to them, so an array without fillers costs little more than a byte
+/// an element, and one of gaps next to nothing. Positions and counts are of elements and must lie
+/// in the array.
 class ElementStore {
 public:
     ElementStore() = default;
@@ -47,8 +47,8 @@ public:
     /// and again. Values and flags stay.
     void fillPattern(std::size_t at, std::span<const std::uint8_t> bytes, std::size_t count);
 
-    /// Makes written elements with filler 0 of what `read` puts into the `count` bytes that it is
-    /// given, from `at` on: as many as it returns. It touches no more of them.
+    /// Lets `read` put bytes into the `count` values from `at` on and makes as many written
+    /// elements with filler 0 as it returns. `read` must not touch more than those.
     template <class Read>
     void writeWith(std::size_t at, std::size_t count, Read read) {
         setWritten(at, read(std::span(values() + at, count)));
@@ -81,7 +81,7 @@ private:
     Platform::PageBlock fillers_;
     Platform::PageBlock written_;
     std::size_t size_ = 0;
-    /// A filler other than 0 may have been set; while not, the fillers are not looked at.
+    /// A filler other than 0 may have been set. Until then no filler is read.
     bool hasFillers_ = false;
 };
 

@@ -10,10 +10,10 @@
 
 namespace Buffer {
 
-/// Elements that stay with their owner, to be looked at.
+/// A read-only view of elements that an image owns.
 ///
-/// They are not stored one by one: their values, their fillers and their flags are three arrays, of
-/// which the fillers are missing where all of them are 0. An unwritten element has the value 0.
+/// Values, fillers and flags are three arrays; the array of fillers is null if all of them are 0.
+/// An unwritten element has the value 0.
 class ElementView {
 public:
     ElementView() = default;
@@ -26,7 +26,7 @@ public:
     std::size_t size() const { return size_; }
     bool empty() const { return size_ == 0; }
 
-    /// `count` elements from `at` on, of which there are as many.
+    /// The elements [`at`, `at + count`), which must exist.
     ElementView part(std::size_t at, std::size_t count) const;
 
     MemoryElement operator[](std::size_t at) const;
@@ -43,7 +43,7 @@ public:
         return fillers_ == nullptr ? nullptr : fillers_ + begin_;
     }
 
-    /// The effective bytes where they stand, if they stand one behind the other.
+    /// The effective bytes in place, if they are contiguous.
     std::optional<std::span<const std::uint8_t>> bytes() const;
 
     /// Writes the effective byte of each element to `out`, which has room for `size()` bytes.

@@ -131,7 +131,7 @@ struct DataSpanTooLong {
     bool operator==(const DataSpanTooLong&) const = default;
 };
 
-/// A file has more than `mostBytes` raw bytes, of which only so many are used.
+/// A file has more than `mostBytes` raw bytes, and the rest is not used.
 struct RawFileTooLong {
     std::uint64_t mostBytes;
     std::uint64_t fileSize;
