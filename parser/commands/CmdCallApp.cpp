@@ -5,7 +5,6 @@
 
 #include "parser/commands/Conventions.hpp"
 #include "platform/Platform.hpp"
-#include "util/Report.hpp"
 
 namespace Parser::WrapperLib {
 
@@ -22,14 +21,13 @@ void CmdCallApp::addSymbol(std::string name) {
 }
 
 bool CmdCallApp::execute(CmdContext& context) {
-    return guarded("Application", appLocation, "called", [&] {
+    return guarded(Facts::Subject::Application, appLocation, Facts::Work::Called, [&] {
         // A name that is part of a longer one must not break it.
         std::ranges::stable_sort(symbols, std::ranges::greater{}, &std::string::size);
         std::string text = arguments;
         for (const std::string& symbol : symbols)
             if (!resolveSymbol(context, symbol, text)) return false;
-        const char* const quote = appLocation.find(' ') != std::string::npos ? "\"" : "";
-        Util::reportLine("Calling: ", quote, appLocation, quote, " ", text);
+        Facts::report(Facts::ProgramCalled{appLocation, text});
         Platform::runProgram(appLocation, text);
         return true;
     });

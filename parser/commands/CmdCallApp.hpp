@@ -7,14 +7,14 @@
 
 namespace Parser::WrapperLib {
 
-/// CALL_APP: runs another program with a text in which names stand for CRCs and hashes, and waits
-/// for its end. What becomes of the program is not looked at.
+/// CALL_APP: runs another program, with the values of CRCs and hashes in place of their names in
+/// its arguments, and waits for its end. Its outcome is ignored.
 class CmdCallApp final : public CmdApi {
 public:
-    /// @param argument  the path as it stands in the script, delimiters included
+    /// @param argument  the path as written in the script, delimiters included
     void setAppLocation(std::string argument);
 
-    /// @param argument  the argument text as it stands in the script, delimiters included
+    /// @param argument  the argument text as written in the script, delimiters included
     void setArguments(std::string argument);
 
     /// A name to resolve in the argument text; longer names are resolved first, names of one

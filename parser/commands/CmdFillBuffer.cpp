@@ -8,28 +8,6 @@
 
 namespace Parser::WrapperLib {
 
-namespace {
-
-using Buffer::MemoryElement;
-
-/// Only the low eight bits of a value count.
-template <class Bytes>
-std::vector<MemoryElement> writtenElements(const Bytes& bytes) {
-    std::vector<MemoryElement> pattern;
-    pattern.reserve(bytes.size());
-    for (const auto byte : bytes) pattern.push_back({static_cast<std::uint8_t>(byte), 0, 1});
-    return pattern;
-}
-
-std::vector<MemoryElement> fillerElements(const std::vector<std::uint32_t>& bytes) {
-    std::vector<MemoryElement> pattern;
-    pattern.reserve(bytes.size());
-    for (const auto byte : bytes) pattern.push_back({0, static_cast<std::uint8_t>(byte), 0});
-    return pattern;
-}
-
-}  // namespace
-
 void CmdFillBuffer::setBufferName(std::string name) {
     bufferName = std::move(name);
 }
@@ -61,7 +39,8 @@ void CmdFillBuffer::setFillHash(std::string name) {
 }
 
 bool CmdFillBuffer::execute(CmdContext& context) {
-    return guarded("Buffer", bufferName, "filled", [&] { return fill(context); });
+    return guarded(Facts::Subject::Buffer, bufferName, Facts::Work::Filled,
+                   [&] { return fill(context); });
 }
 
 bool CmdFillBuffer::fill(CmdContext& context) {
@@ -69,24 +48,24 @@ bool CmdFillBuffer::fill(CmdContext& context) {
     if (buffer == nullptr) return false;
     switch (fillKind) {
         case FillKind::FillFiller:
-            clippedFill(*buffer, fillerElements(values));
+            fillClipped(*buffer, &Buffer::MemoryBuffer::fillPattern);
             return true;
         case FillKind::FillValues:
-            clippedFill(*buffer, writtenElements(values));
+            fillClipped(*buffer, &Buffer::MemoryBuffer::writePattern);
             return true;
         case FillKind::FillString:
-            oneShotFill(*buffer, writtenElements(values));
+            writeOnce(*buffer);
             return true;
         case FillKind::FillCrc: {
             const ByteList* const crc = findCrc(context, crcName);
             if (crc == nullptr) return false;
-            plainFill(*buffer, writtenElements(inOrderOf(*buffer, *crc)));
+            writeUnclipped(*buffer, inOrderOf(*buffer, *crc));
             return true;
         }
         case FillKind::FillHash: {
             const ByteList* const hash = findHash(context, hashName);
             if (hash == nullptr) return false;
-            plainFill(*buffer, writtenElements(*hash));
+            writeUnclipped(*buffer, *hash);
             return true;
         }
         case FillKind::FillNone:
@@ -95,25 +74,27 @@ bool CmdFillBuffer::fill(CmdContext& context) {
     return true;
 }
 
-void CmdFillBuffer::clippedFill(Buffer::MemoryBuffer& buffer, const Pattern& pattern) const {
-    const std::uint64_t start = buffer.getStartAddress();
-    const std::uint64_t end = start + buffer.getDataLength();
-    if (areas.empty()) buffer.fillMemory(pattern, start, buffer.getDataLength());
-    for (const Area& area : areas) {
-        const std::uint64_t areaEnd = area.start + area.length;
-        if (areaEnd - 1 < start || area.start > end - 1) continue;
-        const std::uint64_t first = std::max(start, area.start);
-        buffer.fillMemory(pattern, first, std::min(end, areaEnd) - first);
-    }
+/// Fills the areas as far as they lie in the image.
+void CmdFillBuffer::fillClipped(Buffer::MemoryBuffer& buffer, Fill operation) const {
+    const ByteList pattern = lowBytes(values);
+    const Area image = buffer.getArea();
+    if (areas.empty()) (buffer.*operation)(pattern, image.start, image.length);
+    for (const Area& area : areas)
+        if (const auto part = area.clippedTo(image))
+            (buffer.*operation)(pattern, part->start, part->length);
 }
 
-void CmdFillBuffer::oneShotFill(Buffer::MemoryBuffer& buffer, const Pattern& pattern) const {
-    for (const Area& area : areas) buffer.fillMemory(pattern, area.start, pattern.size());
+/// Writes the pattern once at the start of each area, whatever the area's length.
+void CmdFillBuffer::writeOnce(Buffer::MemoryBuffer& buffer) const {
+    const ByteList pattern = lowBytes(values);
+    for (const Area& area : areas) buffer.writePattern(pattern, area.start, pattern.size());
 }
 
-void CmdFillBuffer::plainFill(Buffer::MemoryBuffer& buffer, const Pattern& pattern) const {
-    if (areas.empty()) buffer.fillMemory(pattern, buffer.getStartAddress(), buffer.getDataLength());
-    for (const Area& area : areas) buffer.fillMemory(pattern, area.start, area.length);
+/// Writes the pattern over the areas, which the image refuses if they leave it.
+void CmdFillBuffer::writeUnclipped(Buffer::MemoryBuffer& buffer, const ByteList& pattern) const {
+    const Area image = buffer.getArea();
+    if (areas.empty()) buffer.writePattern(pattern, image.start, image.length);
+    for (const Area& area : areas) buffer.writePattern(pattern, area.start, area.length);
 }
 
 ByteList CmdFillBuffer::inOrderOf(const Buffer::MemoryBuffer& buffer, ByteList crc) const {

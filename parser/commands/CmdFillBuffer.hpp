@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -35,12 +36,13 @@ public:
     std::uint32_t getCmdType() const override { return number(CmdType::FillBuffer); }
 
 private:
-    using Pattern = std::vector<Buffer::MemoryElement>;
+    using Fill = void (Buffer::MemoryBuffer::*)(std::span<const std::uint8_t> bytes,
+                                                std::uint64_t start, std::uint64_t numberOfBytes);
 
     bool fill(CmdContext& context);
-    void clippedFill(Buffer::MemoryBuffer& buffer, const Pattern& pattern) const;
-    void oneShotFill(Buffer::MemoryBuffer& buffer, const Pattern& pattern) const;
-    void plainFill(Buffer::MemoryBuffer& buffer, const Pattern& pattern) const;
+    void fillClipped(Buffer::MemoryBuffer& buffer, Fill operation) const;
+    void writeOnce(Buffer::MemoryBuffer& buffer) const;
+    void writeUnclipped(Buffer::MemoryBuffer& buffer, const ByteList& pattern) const;
     ByteList inOrderOf(const Buffer::MemoryBuffer& buffer, ByteList crc) const;
 
     std::string bufferName;

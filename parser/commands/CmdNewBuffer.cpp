@@ -3,13 +3,11 @@
 #include <algorithm>
 #include <deque>
 #include <exception>
-#include <ios>
 #include <memory>
 #include <utility>
 
 #include "io/import/GenericInFile.hpp"
 #include "parser/commands/Conventions.hpp"
-#include "util/Report.hpp"
 
 namespace Parser::WrapperLib {
 
@@ -27,56 +25,43 @@ bool isGiven(const Area& range) {
     return range.start != 0 || range.length != 0;
 }
 
-Area rangeOf(const MemoryBuffer& buffer) {
-    return {buffer.getStartAddress(), buffer.getDataLength()};
-}
-
-/// From the lowest start to the highest end of what it was shown.
-class Span {
+/// The range from the lowest start to the highest end of the included areas.
+class Extent {
 public:
     void include(const Area& area) {
-        lowestStart = std::min(lowestStart, area.start);
-        highestEnd = std::max(highestEnd, area.start + area.length);
+        lowestStart_ = std::min(lowestStart_, area.start);
+        highestEnd_ = std::max(highestEnd_, area.end());
     }
 
     Area range() const {
         // A start that never came below the value that the search began with counts as 0.
-        const std::uint64_t start = lowestStart < searchStart ? lowestStart : 0;
-        return {start, highestEnd - start};
+        const std::uint64_t start = lowestStart_ < searchStart ? lowestStart_ : 0;
+        return {start, highestEnd_ - start};
     }
 
 private:
     static constexpr std::uint64_t searchStart = 0xFFFFFFFF;
-    std::uint64_t lowestStart = searchStart;
-    std::uint64_t highestEnd = 0;
+    std::uint64_t lowestStart_ = searchStart;
+    std::uint64_t highestEnd_ = 0;
 };
-
-/// The part of `source` that lies in `area`, put into `extract`. An area outside the source is
-/// passed over; the arithmetic wraps, as it does for an area of length 0 at address 0.
-void overlayArea(MemoryBuffer& extract, const MemoryBuffer& source, const Area& area) {
-    const std::uint64_t sourceStart = source.getStartAddress();
-    const std::uint64_t sourceEnd = sourceStart + source.getDataLength();
-    const std::uint64_t areaEnd = area.start + area.length;
-    if (sourceStart > areaEnd - 1 || area.start > sourceEnd - 1) return;
-    const std::uint64_t first = std::max(sourceStart, area.start);
-    extract.overlay(source.extractMemory(first, std::min(sourceEnd, areaEnd) - first));
-}
 
 /// A new image of `range`, or of the source's own range if none is given, that holds the parts of
 /// `source` which lie in the areas, or all of it when there are none.
 MemoryBuffer extractAreas(const MemoryBuffer& source, const AreaList& areas, Area range) {
-    if (!isGiven(range)) range = rangeOf(source);
+    if (!isGiven(range)) range = source.getArea();
     MemoryBuffer extract(range.start, range.length);
     if (areas.empty()) extract.overlay(source);
-    for (const Area& area : areas) overlayArea(extract, source, area);
+    for (const Area& area : areas)
+        if (const auto part = area.clippedTo(source.getArea()))
+            extract.overlay(source.extractMemory(part->start, part->length));
     extract.setByteOrder(source.getByteOrder());
     return extract;
 }
 
-/// Overlays `part`, or takes its place if it has the very same range: then every element is
-/// replaced and no second image need be filled.
+/// Overlays `part`, or moves it in if it has the very same range: then every element is replaced
+/// anyway, and no second image need be filled.
 void overlayOrReplace(MemoryBuffer& result, MemoryBuffer part) {
-    if (rangeOf(part) == rangeOf(result))
+    if (part.getArea() == result.getArea())
         result = std::move(part);
     else
         result.overlay(part);
@@ -114,7 +99,7 @@ void CmdNewBuffer::setNewStartAddress(std::uint32_t address) {
 }
 
 bool CmdNewBuffer::execute(CmdContext& context) {
-    return guarded("Buffer", bufferName, "created", [&] {
+    return guarded(Facts::Subject::Buffer, bufferName, Facts::Work::Created, [&] {
         std::optional<MemoryBuffer> result = build(context);
         if (!result) return false;
         result->setByteOrder(byteOrder);
@@ -127,9 +112,9 @@ bool CmdNewBuffer::execute(CmdContext& context) {
 std::optional<MemoryBuffer> CmdNewBuffer::build(CmdContext& context) const {
     Area range = bufferRange;
     if (!isGiven(range) && !areas.empty()) {
-        Span span;
-        for (const Area& area : areas) span.include(area);
-        range = span.range();
+        Extent extent;
+        for (const Area& area : areas) extent.include(area);
+        range = extent.range();
     }
     switch (sourceKind) {
         case BufferSourceKind::SourceBuffers:
@@ -155,9 +140,9 @@ std::optional<MemoryBuffer> CmdNewBuffer::fromBuffers(CmdContext& context, Area 
             areas.empty() ? source : &extracts.emplace_back(extractAreas(*source, areas, Area{})));
     }
     if (!isGiven(range)) {
-        Span span;
-        for (const MemoryBuffer* part : parts) span.include(rangeOf(*part));
-        range = span.range();
+        Extent extent;
+        for (const MemoryBuffer* part : parts) extent.include(part->getArea());
+        range = extent.range();
     }
     MemoryBuffer result(range.start, range.length);
     for (const MemoryBuffer* part : parts) result.overlay(*part);
@@ -168,8 +153,7 @@ std::optional<MemoryBuffer> CmdNewBuffer::fromFile(Area range) const {
     try {
         return readFile(range);
     } catch (const std::exception&) {
-        Util::reportLine("Error: File ", fileName, " could not be opened !");
-        Util::reportLine("Operation aborted. Maybe stack overflow, buffer too big");
+        Facts::report(Facts::FileNotOpened{fileName});
         return std::nullopt;
     }
 }
@@ -180,9 +164,7 @@ std::optional<MemoryBuffer> CmdNewBuffer::readFile(Area range) const {
                   : std::make_unique<GenericInFile>(fileName.c_str());
     if (!isGiven(range)) range = {reader->getMinAddress(), reader->getDataLength()};
     if (!isRawFile && range.length > longestFile) {
-        Util::reportLine("Error: Buffer Length 0x", std::hex, range.length,
-                         " is too big 0xFFF FFFF is the maximum!");
-        Util::reportLine("Use Param -useBufferRange= to create a fixed length Buffer of the size.");
+        Facts::report(Facts::FileSpanTooLong{range.length});
         return std::nullopt;
     }
     MemoryBuffer result(range.start, range.length);
@@ -193,13 +175,9 @@ std::optional<MemoryBuffer> CmdNewBuffer::readFile(Area range) const {
 }
 
 MemoryBuffer CmdNewBuffer::fromValues(Area range) const {
-    std::vector<Buffer::MemoryElement> elements;
-    elements.reserve(values.size());
-    // Only the low eight bits of a value count.
-    for (const std::uint32_t value : values)
-        elements.push_back({static_cast<std::uint8_t>(value), 0, 1});
-    MemoryBuffer source(0, elements.size());
-    source.fillMemory(elements, 0, elements.size());
+    const ByteList bytes = lowBytes(values);
+    MemoryBuffer source(0, bytes.size());
+    source.writePattern(bytes, 0, bytes.size());
     return extractAreas(source, areas, range);
 }
 

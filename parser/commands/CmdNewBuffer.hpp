@@ -23,9 +23,9 @@ class CmdNewBuffer final : public CmdApi {
 public:
     void setBufferName(std::string name);
 
-    /// A file of any format, told apart by its contents.
+    /// A file of any format, recognised by its contents.
     ///
-    /// @param argument  the path as it stands in the script, delimiters included
+    /// @param argument  the path as written in the script, delimiters included
     void setFile(std::string argument);
 
     /// A file taken byte for byte.

@@ -1,37 +1,16 @@
 #include "parser/commands/CmdPrintBuffer.hpp"
 
-#include <array>
 #include <utility>
 
 #include "parser/commands/Conventions.hpp"
-#include "util/Hex.hpp"
-#include "util/Report.hpp"
 
 namespace Parser::WrapperLib {
 
 namespace {
 
-constexpr std::size_t elementsPerRow = 13;
-/// Rows are handed to the stream in pieces of about this many characters.
-constexpr std::size_t pieceLength = std::size_t{1} << 16U;
-
 void printContent(const Buffer::MemoryBuffer& block) {
-    Util::reportLine("    Content Area (0x", Util::hexWord(block.getStartAddress()), " , 0x",
-                     Util::hexWord(block.getDataLength()), ")");
-    std::string rows = "     ";
-    std::size_t inRow = 0;
-    const Buffer::ElementView elements = block.viewElements();
-    for (std::size_t i = 0; i < elements.size(); ++i) {
-        rows += " 0x000000";
-        Util::appendHex(rows, std::array{elements[i].effectiveByte()});
-        if (++inRow < elementsPerRow) continue;
-        rows += "\n     ";
-        inRow = 0;
-        if (rows.size() < pieceLength) continue;
-        std::cout << rows;
-        rows.clear();
-    }
-    Util::reportLine(rows);
+    const GatheredBytes bytes({block.viewElements()});
+    Facts::report(Facts::ContentPrinted{block.getStartAddress(), bytes.view()});
 }
 
 }  // namespace
@@ -41,12 +20,11 @@ void CmdPrintBuffer::setBufferName(std::string name) {
 }
 
 bool CmdPrintBuffer::execute(CmdContext& context) {
-    return guarded("Buffer", bufferName, "printed", [&] {
+    return guarded(Facts::Subject::Buffer, bufferName, Facts::Work::Printed, [&] {
         const Buffer::MemoryBuffer* const buffer = findBuffer(context, bufferName);
         if (buffer == nullptr) return false;
-        Util::reportLine("Buffer : ", bufferName);
-        Util::reportLine("  StartAddress: 0x", Util::hexWord(buffer->getStartAddress()));
-        Util::reportLine("  DataLength  : 0x", Util::hexWord(buffer->getDataLength()));
+        Facts::report(
+            Facts::BufferPrinted{bufferName, buffer->getStartAddress(), buffer->getDataLength()});
         if (areas.empty()) printContent(*buffer);
         for (const Area& area : areas) printContent(buffer->extractMemory(area.start, area.length));
         return true;

@@ -3,8 +3,6 @@
 #include <utility>
 
 #include "parser/commands/Conventions.hpp"
-#include "util/Hex.hpp"
-#include "util/Report.hpp"
 
 namespace Parser::WrapperLib {
 
@@ -13,13 +11,10 @@ void CmdPrintCrc::setCrcName(std::string name) {
 }
 
 bool CmdPrintCrc::execute(CmdContext& context) {
-    return guarded("Crc", crcName, "printed", [&] {
+    return guarded(Facts::Subject::Crc, crcName, Facts::Work::Printed, [&] {
         const ByteList* const value = findCrc(context, crcName);
         if (value == nullptr) return false;
-        std::string digits;
-        Util::appendHex(digits, *value);
-        Util::reportLine("Crc : ", crcName);
-        Util::reportLine("  CrcValue: 0x", digits);
+        Facts::report(Facts::CrcPrinted{crcName, *value});
         return true;
     });
 }

@@ -3,8 +3,6 @@
 #include <utility>
 
 #include "parser/commands/Conventions.hpp"
-#include "util/Hex.hpp"
-#include "util/Report.hpp"
 
 namespace Parser::WrapperLib {
 
@@ -13,13 +11,10 @@ void CmdPrintHash::setHashName(std::string name) {
 }
 
 bool CmdPrintHash::execute(CmdContext& context) {
-    return guarded("Hash", text, "printed", [&] {
+    return guarded(Facts::Subject::Hash, text, Facts::Work::Printed, [&] {
         const ByteList* const value = findHash(context, text);
         if (value == nullptr) return false;
-        std::string digits;
-        Util::appendHex(digits, *value);
-        Util::reportLine("Hash : ", text);
-        Util::reportLine("  HashValue: ", digits);
+        Facts::report(Facts::HashPrinted{text, *value});
         return true;
     });
 }

@@ -4,7 +4,7 @@
 
 namespace Parser::WrapperLib {
 
-/// PRINT_HASH: prints the name of a hash and its value. The name stands in `text`.
+/// PRINT_HASH: prints the name of a hash and its value. The name is in `text`.
 class CmdPrintHash final : public CmdPrintText {
 public:
     CmdPrintHash() : CmdPrintText(nullptr) {}

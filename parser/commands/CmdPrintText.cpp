@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "parser/commands/Conventions.hpp"
-#include "util/Report.hpp"
 
 namespace Parser::WrapperLib {
 
@@ -16,11 +15,11 @@ void CmdPrintText::addSymbol(std::string name) {
 }
 
 bool CmdPrintText::execute(CmdContext& context) {
-    return guarded("Text", text, "printed", [&] {
+    return guarded(Facts::Subject::Text, text, Facts::Work::Printed, [&] {
         std::string resolved = text;
         for (auto symbol = symbols.rbegin(); symbol != symbols.rend(); ++symbol)
             if (!resolveSymbol(context, *symbol, resolved)) return false;
-        Util::reportLine(calculate(resolved));
+        Facts::report(Facts::TextPrinted{calculate(resolved)});
         return true;
     });
 }

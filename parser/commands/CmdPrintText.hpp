@@ -7,17 +7,17 @@
 
 namespace Parser::WrapperLib {
 
-/// Evaluates the bracket expression that a text may hold. It needs the script grammar, which
-/// stands above the statements, and so comes in from there.
+/// Evaluates the bracket expression that a text may hold. That needs the script grammar, which is
+/// above the statements and hands the function in.
 using TextCalculator = std::string (*)(const std::string& text);
 
-/// PRINT_TEXT: prints a text in which names stand for CRCs and hashes and one expression in
-/// brackets for its value.
+/// PRINT_TEXT: prints a text with the values of CRCs and hashes in place of their names and the
+/// value of one expression in place of its brackets.
 class CmdPrintText : public CmdApi {
 public:
     explicit CmdPrintText(TextCalculator calculator) : calculate(calculator) {}
 
-    /// @param argument  the argument as it stands in the script, delimiters included
+    /// @param argument  the argument as written in the script, delimiters included
     void setText(std::string argument);
 
     /// A name to resolve; the name given last is resolved first.

@@ -1,5 +1,6 @@
 #include "parser/commands/CmdWriteFile.hpp"
 
+#include <array>
 #include <exception>
 #include <utility>
 
@@ -8,12 +9,62 @@
 #include "io/export/MotorolaS_OutFile.hpp"
 #include "io/export/RawBinaryOutFile.hpp"
 #include "parser/commands/Conventions.hpp"
-#include "util/Report.hpp"
 
 namespace Parser::WrapperLib {
 
+namespace {
+
+using Io::Export::TessaronExportApi;
+using WriterPointer = std::unique_ptr<TessaronExportApi>;
+
+WriterPointer makeIntelHex(const std::string& path, const OutputStyles& styles) {
+    return std::make_unique<Io::Export::IntelHexOutFile>(path.c_str(), styles.intelHexStyle);
+}
+
+WriterPointer makeRawBinary(const std::string& path, const OutputStyles& /*styles*/) {
+    return std::make_unique<Io::Export::RawBinaryOutFile>(path.c_str());
+}
+
+WriterPointer makeEmbedded(const std::string& path, const OutputStyles& styles) {
+    return std::make_unique<Io::Export::EmbeddedC_AssemblerOutFile>(path.c_str(),
+                                                                    styles.embeddedStyle);
+}
+
+WriterPointer makeMotorola(const std::string& path, const OutputStyles& styles) {
+    return std::make_unique<Io::Export::MotorolaS_OutFile>(path.c_str(), styles.motorolaStyle);
+}
+
+void setRecordLength(OutputStyles& styles, std::uint32_t number) {
+    styles.intelHexStyle.dataRecordLength = number;
+}
+
+void setElementsPerLine(OutputStyles& styles, std::uint32_t number) {
+    styles.embeddedStyle.elementsPerLine = number;
+}
+
+void setRecordSize(OutputStyles& styles, std::uint32_t number) {
+    styles.motorolaStyle.maximumRecordSize = number;
+}
+
+constexpr std::array<ExportFormat, 5> exportFormats{{
+    {"RawBinary", "SetExportFormatOptionRawBinary -> ", nullptr, &makeRawBinary},
+    {"IntelHexExtended", "SetExportFormatOptionIntelHexExtended -> ", &setRecordLength,
+     &makeIntelHex},
+    {"IntelHexSegment", "SetExportFormatOptionIntelHexSegment -> ", &setRecordLength, &makeIntelHex,
+     true},
+    {"EmbeddedC_Assembler", "SetExportFormatOptionEmbeddedC_Assembler -> ", &setElementsPerLine,
+     &makeEmbedded},
+    {"MotorolaS", "SetExportFormatOptionMotorolaS -> ", &setRecordSize, &makeMotorola},
+}};
+
+}  // namespace
+
+std::span<const ExportFormat> CmdWriteFile::formats() {
+    return exportFormats;
+}
+
 CmdWriteFile::CmdWriteFile() {
-    embeddedStyle.header =
+    styles.embeddedStyle.header =
         "// !!! Generated code, do not edit !!!\n"
         "// \n"
         "// Converted Hex to C data array.\n"
@@ -23,9 +74,9 @@ CmdWriteFile::CmdWriteFile() {
         "\n"
         "/// \\cond assembler\n"
         "\n";
-    embeddedStyle.linePrefix = "\t.byte ";
-    embeddedStyle.elementSeparator = ", ";
-    embeddedStyle.footer =
+    styles.embeddedStyle.linePrefix = "\t.byte ";
+    styles.embeddedStyle.elementSeparator = ", ";
+    styles.embeddedStyle.footer =
         "\n"
         "#pragma endasm\n"
         "\n"
@@ -44,17 +95,11 @@ void CmdWriteFile::addBuffer(std::string name) {
     bufferNames.push_back(std::move(name));
 }
 
-void CmdWriteFile::setFormat(ExportFormat newFormat, std::optional<std::uint32_t> recordLength) {
-    format = newFormat;
-    // Nothing ever clears this again, so that a later IntelHexExtended keeps the segments.
-    if (format == ExportFormat::IntelHexSegment) intelHexStyle.useSegmentAddressing = true;
-    if (!recordLength) return;
-    if (format == ExportFormat::MotorolaS)
-        motorolaStyle.maximumRecordSize = *recordLength;
-    else if (format == ExportFormat::EmbeddedC_Assembler)
-        embeddedStyle.elementsPerLine = *recordLength;
-    else
-        intelHexStyle.dataRecordLength = *recordLength;
+void CmdWriteFile::setFormat(const ExportFormat& newFormat, std::optional<std::uint32_t> number) {
+    format = &newFormat;
+    // Nothing clears this again: an IntelHexExtended after an IntelHexSegment keeps the segments.
+    if (format->useSegmentAddressing) styles.intelHexStyle.useSegmentAddressing = true;
+    if (number) format->setNumber(styles, *number);
 }
 
 void CmdWriteFile::setExecutionStartAddress(std::uint32_t address) {
@@ -63,11 +108,12 @@ void CmdWriteFile::setExecutionStartAddress(std::uint32_t address) {
 }
 
 void CmdWriteFile::setSection(std::string name) {
-    embeddedStyle.section = std::move(name);
+    styles.embeddedStyle.section = std::move(name);
 }
 
 bool CmdWriteFile::execute(CmdContext& context) {
-    return guarded("File", fileName, "written", [&] { return write(context); });
+    return guarded(Facts::Subject::File, fileName, Facts::Work::Written,
+                   [&] { return write(context); });
 }
 
 bool CmdWriteFile::write(CmdContext& context) const {
@@ -81,30 +127,15 @@ bool CmdWriteFile::write(CmdContext& context) const {
     try {
         writer->saveToFile();
     } catch (const std::exception&) {
-        Util::reportLine("Error: File ", fileName, " could not be written !");
-        Util::reportLine("Operation aborted.");
+        Facts::report(Facts::FileNotWritten{fileName});
         return false;
     }
     return true;
 }
 
 std::unique_ptr<Io::Export::TessaronExportApi> CmdWriteFile::makeWriter() const {
-    using namespace Io::Export;
-    const char* const path = fileName.c_str();
-    switch (format) {
-        case ExportFormat::RawBinary:
-            return std::make_unique<RawBinaryOutFile>(path);
-        case ExportFormat::IntelHexExtended:
-        case ExportFormat::IntelHexSegment:
-            return std::make_unique<IntelHexOutFile>(path, intelHexStyle);
-        case ExportFormat::EmbeddedC_Assembler:
-            return std::make_unique<EmbeddedC_AssemblerOutFile>(path, embeddedStyle);
-        case ExportFormat::MotorolaS:
-            return std::make_unique<MotorolaS_OutFile>(path, motorolaStyle);
-        case ExportFormat::NotSet:
-            break;
-    }
-    return std::make_unique<IntelHexOutFile>(path, IntelHexOutputStyle{});
+    // Without a format no setting counts.
+    return format == nullptr ? makeIntelHex(fileName, {}) : format->makeWriter(fileName, styles);
 }
 
 }  // namespace Parser::WrapperLib

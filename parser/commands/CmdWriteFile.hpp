@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -12,13 +13,23 @@
 
 namespace Parser::WrapperLib {
 
-enum class ExportFormat : std::uint32_t {
-    NotSet = 0,
-    RawBinary = 1,
-    IntelHexExtended = 2,
-    IntelHexSegment = 3,
-    EmbeddedC_Assembler = 4,
-    MotorolaS = 5
+/// The settings of all writers. A statement gives those of one writer or of several; only those of
+/// the last format count.
+struct OutputStyles {
+    Io::Export::MotorolaSOutputStyle motorolaStyle;
+    Io::Export::IntelHexOutputStyle intelHexStyle;
+    Io::Export::EmbeddedOutputStyle embeddedStyle;
+};
+
+/// A `-setFormat` keyword, the trace text of its parser action and the writer that it chooses.
+struct ExportFormat {
+    const char* keyword;
+    const char* trace;
+    /// Takes the number of the underscore form; null if the format has no such form.
+    void (*setNumber)(OutputStyles& styles, std::uint32_t number);
+    std::unique_ptr<Io::Export::TessaronExportApi> (*makeWriter)(const std::string& path,
+                                                                 const OutputStyles& styles);
+    bool useSegmentAddressing = false;  ///< of Intel HEX, for this and all later formats
 };
 
 /// WRITE_FILE: writes images into one file. Without a format that is Intel HEX with linear
@@ -27,19 +38,23 @@ class CmdWriteFile final : public CmdApi {
 public:
     CmdWriteFile();
 
-    /// @param argument  the path as it stands in the script, delimiters included
+    /// The formats that a script can name, in the order in which the grammar tries them.
+    static std::span<const ExportFormat> formats();
+
+    /// @param argument  the path as written in the script, delimiters included
     void setFileName(std::string argument);
     void addBuffer(std::string name);
 
-    /// @param recordLength  the number of an underscore form; the record length, or the elements
-    ///                      of a line, keeps its value without one
-    void setFormat(ExportFormat newFormat, std::optional<std::uint32_t> recordLength);
+    /// @param newFormat  a row of `formats`
+    /// @param number     the number of an underscore form; without one the record length, or the
+    ///                   elements of a line, keep their value
+    void setFormat(const ExportFormat& newFormat, std::optional<std::uint32_t> number);
 
     /// The number form of the execution address.
     void setExecutionStartAddress(std::uint32_t address);
 
-    /// The keyword form of the execution address. It never reaches the number: what follows the
-    /// equals sign of `option` becomes the section of the embedded format.
+    /// The keyword form of the execution address. It does not set the number: its name becomes the
+    /// section of the embedded format.
     void setSection(std::string name);
 
     bool execute(CmdContext& context) override;
@@ -53,10 +68,8 @@ private:
     std::vector<std::string> bufferNames;
     std::uint64_t executionStartAddress = 0;
     bool hasExecutionStartAddress = false;
-    ExportFormat format = ExportFormat::NotSet;
-    Io::Export::MotorolaSOutputStyle motorolaStyle;
-    Io::Export::IntelHexOutputStyle intelHexStyle;
-    Io::Export::EmbeddedOutputStyle embeddedStyle;
+    const ExportFormat* format = nullptr;  ///< null without `-setFormat`
+    OutputStyles styles;
 };
 
 }  // namespace Parser::WrapperLib

@@ -5,19 +5,17 @@
 #include <stdexcept>
 
 #include "util/Hex.hpp"
-#include "util/Report.hpp"
 
 namespace Parser::WrapperLib {
 
 namespace {
 
-/// Shared end of the lookups: the entry's value, or nullptr after the report.
+/// The value of an entry, or nullptr after a report.
 template <class Map>
-auto* findOrReport(Map& map, const std::string& name, std::string_view kind) {
+auto* findOrReport(Map& map, const std::string& name, Facts::NameKind kind) {
     const auto entry = map.find(name);
     if (entry != map.end()) return &entry->second;
-    Util::reportLine("Error: ", kind, " Variable ", name, " not found !");
-    Util::reportLine("Operation aborted.");
+    Facts::report(Facts::NameNotFound{kind, name});
     return static_cast<decltype(&entry->second)>(nullptr);
 }
 
@@ -49,22 +47,22 @@ std::string trimmedWithout(std::string text, std::string_view unwanted) {
 }  // namespace
 
 Buffer::MemoryBuffer* findBuffer(CmdContext& context, const std::string& name) {
-    return findOrReport(context.buffers, name, "Buffer");
+    return findOrReport(context.buffers, name, Facts::NameKind::Buffer);
 }
 
 const ByteList* findCrc(const CmdContext& context, const std::string& name) {
-    return findOrReport(context.crcs, name, "Crc");
+    return findOrReport(context.crcs, name, Facts::NameKind::Crc);
 }
 
 const ByteList* findHash(const CmdContext& context, const std::string& name) {
-    return findOrReport(context.hashes, name, "Hash");
+    return findOrReport(context.hashes, name, Facts::NameKind::Hash);
 }
 
 bool resolveSymbol(const CmdContext& context, const std::string& name, std::string& text) {
     const auto crc = context.crcs.find(name);
     const bool isCrc = crc != context.crcs.end();
     const ByteList* const value =
-        isCrc ? &crc->second : findOrReport(context.hashes, name, "Symbol Ref");
+        isCrc ? &crc->second : findOrReport(context.hashes, name, Facts::NameKind::Symbol);
     if (value == nullptr) return false;
     std::string digits = isCrc ? "0x" : "";
     Util::appendHex(digits, *value);
@@ -103,17 +101,19 @@ std::optional<GatheredBytes> gatherBytes(CmdContext& context, const std::vector<
     return GatheredBytes(ranges);
 }
 
+ByteList lowBytes(const std::vector<std::uint32_t>& values) {
+    ByteList bytes(values.size());
+    std::ranges::transform(values, bytes.begin(),
+                           [](std::uint32_t value) { return static_cast<std::uint8_t>(value); });
+    return bytes;
+}
+
 std::string cleanedPath(std::string text) {
     return trimmedWithout(std::move(text), "{}\"'");
 }
 
 std::string cleanedText(std::string text) {
     return trimmedWithout(std::move(text), "{}");
-}
-
-void reportExhausted(std::string_view what, std::string_view name, std::string_view done) {
-    Util::reportLine("Error: ", what, " ", name, " could not be ", done, " !");
-    Util::reportLine("Operation aborted. Maybe stack overflow, buffer too big");
 }
 
 }  // namespace Parser::WrapperLib

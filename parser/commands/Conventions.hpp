@@ -8,69 +8,69 @@
 #include <string_view>
 #include <vector>
 
+#include "facts/Listener.hpp"
 #include "parser/commands/CmdContext.hpp"
 #include "platform/Platform.hpp"
 
-/// What all statements do alike: looking up names, reporting, gathering bytes.
+/// What all statements do alike: looking up names, reporting failures, gathering bytes.
 namespace Parser::WrapperLib {
 
-/// The named image, or nullptr after the two lines of the convention.
+/// The named image, or nullptr after a report.
 Buffer::MemoryBuffer* findBuffer(CmdContext& context, const std::string& name);
 
-/// The named CRC, or nullptr after the two lines of the convention.
+/// The named CRC, or nullptr after a report.
 const ByteList* findCrc(const CmdContext& context, const std::string& name);
 
-/// The named hash, or nullptr after the two lines of the convention.
+/// The named hash, or nullptr after a report.
 const ByteList* findHash(const CmdContext& context, const std::string& name);
 
 /// Puts the value of the CRC or hash `name` in place of every occurrence of the name in `text`:
-/// each byte in stored order as two upper-case hexadecimal digits, behind "0x" for a CRC. A CRC
-/// wins over a hash of the same name. False, after the two lines of the convention, if there is
-/// neither; the text need not hold the name.
+/// each byte in stored order as two upper-case hexadecimal digits, with "0x" before those of a CRC.
+/// A CRC wins over a hash of the same name. False, after a report, if there is neither; the text
+/// need not hold the name.
 ///
 /// @throws std::length_error  if the text would grow beyond 64 MiB and its own length
 bool resolveSymbol(const CmdContext& context, const std::string& name, std::string& text);
 
-/// Bytes that stand one behind the other in memory, while their images are not written to.
+/// Contiguous bytes of images. They are valid while the images are not written to.
 class GatheredBytes {
 public:
-    /// The effective bytes of `ranges`, in order. Those of one range are not copied if they stand
-    /// one behind the other already.
+    /// The effective bytes of `ranges`, in order. Those of a single range are not copied if they
+    /// are contiguous already.
     explicit GatheredBytes(const std::vector<Buffer::ElementView>& ranges);
 
     std::span<const std::uint8_t> view() const { return bytes_; }
 
 private:
-    /// Not a vector, which would write to all of it before the bytes come in.
+    /// A vector would clear its memory before the bytes come in.
     Platform::PageBlock block_;
     std::span<const std::uint8_t> bytes_;
 };
 
 /// The effective bytes of the named images, in order; of each image the given areas in order, or
 /// the whole of it when there are none. An area that reaches outside an image adds nothing from it.
-/// Nothing, after the two lines of the convention, when an image is missing.
+/// Nothing, after a report, if an image is missing.
 std::optional<GatheredBytes> gatherBytes(CmdContext& context, const std::vector<std::string>& names,
                                          const AreaList& areas);
 
-/// The text of a path argument: braces and quotes of both kinds removed wherever they stand, white
-/// space trimmed from both ends.
+/// The low eight bits of each value of a byte list.
+ByteList lowBytes(const std::vector<std::uint32_t>& values);
+
+/// The text of a path argument: all braces and all quotes of both kinds removed, white space
+/// trimmed from both ends.
 std::string cleanedPath(std::string text);
 
-/// The text of a text argument: braces removed wherever they stand, white space trimmed.
+/// The text of a text argument: all braces removed, white space trimmed from both ends.
 std::string cleanedText(std::string text);
 
-/// "Error: " + `what` + " " + `name` + " could not be " + `done` + " !" and the line behind it:
-/// how a statement ends that ran out of memory.
-void reportExhausted(std::string_view what, std::string_view name, std::string_view done);
-
-/// Runs `work`. An exception that it does not handle itself becomes the report of
-/// `reportExhausted` and the result false, so that the run goes on.
-template <class Work>
-bool guarded(std::string_view what, std::string_view name, std::string_view done, Work work) {
+/// Runs the work of a statement. An exception that it does not handle itself is memory that ran
+/// out: it is reported and the result is false, so that the run goes on.
+template <class Execution>
+bool guarded(Facts::Subject subject, std::string_view name, Facts::Work work, Execution execute) {
     try {
-        return work();
+        return execute();
     } catch (const std::exception&) {
-        reportExhausted(what, name, done);
+        Facts::report(Facts::StatementExhausted{subject, name, work});
         return false;
     }
 }

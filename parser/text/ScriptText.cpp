@@ -1,4 +1,4 @@
-#include "parser/ScriptText.hpp"
+#include "parser/text/ScriptText.hpp"
 
 #include <boost/algorithm/string/trim.hpp>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "parser/VariableExpansion.hpp"
+#include "parser/text/VariableExpansion.hpp"
 
 #include <algorithm>
 #include <bitset>
@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "parser/BoundedRegex.hpp"
+#include "parser/text/BoundedRegex.hpp"
 
 namespace Parser {
 
@@ -45,7 +45,7 @@ struct Variable {
 };
 
 [[noreturn]] void reportTooLong(const std::string& name) {
-    throw VariableError(name, "makes the script too long");
+    throw VariableError(name, Facts::VariableFault::ScriptTooLong);
 }
 
 /// The variables in the order in which they are applied.
@@ -194,8 +194,9 @@ std::string patternApplied(const std::string& text, const Variable& variable, Li
         const bool isExhausted = error.code() == std::regex_constants::error_stack ||
                                  error.code() == std::regex_constants::error_complexity ||
                                  error.code() == std::regex_constants::error_space;
-        throw VariableError(variable.name, isExhausted ? "is too complex a regular expression"
-                                                       : "is no valid regular expression");
+        throw VariableError(variable.name, isExhausted
+                                               ? Facts::VariableFault::TooComplex
+                                               : Facts::VariableFault::NotARegularExpression);
     } catch (const std::length_error&) {
         reportTooLong(variable.name);
     }

@@ -1,22 +1,26 @@
 #pragma once
 
+#include <exception>
 #include <map>
-#include <stdexcept>
 #include <string>
+#include <utility>
+
+#include "facts/Facts.hpp"
 
 namespace Parser {
 
 /// A variable that cannot be applied to a script.
-class VariableError : public std::runtime_error {
+class VariableError : public std::exception {
 public:
-    VariableError(std::string name, const std::string& reason)
-        : std::runtime_error(reason), name_(std::move(name)) {}
+    VariableError(std::string name, Facts::VariableFault fault)
+        : name_(std::move(name)), fault_(fault) {}
 
     const std::string& name() const { return name_; }
-    const char* reason() const { return what(); }
+    Facts::VariableFault fault() const { return fault_; }
 
 private:
     std::string name_;
+    Facts::VariableFault fault_;
 };
 
 /// Replaces every variable in `text` by its value, the longest name first, among names of one

@@ -1,4 +1,4 @@
-#include "parser/BoundedRegex.hpp"
+#include "parser/text/BoundedRegex.hpp"
 
 #include <algorithm>
 #include <charconv>

@@ -1,0 +1,49 @@
+#include "parser/commands/CmdFillBuffer.hpp"
+#include "parser/grammar/Statements.hpp"
+
+namespace Parser {
+
+using Spirit::anychar_p;
+using WrapperLib::CmdFillBuffer;
+
+namespace {
+
+/// FILL_BUFFER name source [option ...]
+struct FillBufferRules final : StatementRules {
+    FillBufferRules(CommonRules& rules, ParserState& state) {
+        const StatementActions<CmdFillBuffer> on(state);
+        command = (rules.keyword("FILL_BUFFER")[on.begin("CmdFillBuffer: Begin -> ")] >> rules.ws >>
+                   rules.name[on.text("SetName -> ", &CmdFillBuffer::setBufferName)] >>
+                   fillSource >> fillOptions)[on.end()] >>
+                  rules.ws;
+        fillSource =
+            rules.ws >>
+            ((rules.keyword("WITH_FILLER") >> rules.ws >>
+              rules.valueList[on.values("SetFillPattern -> ", &CmdFillBuffer::setFillPattern)]) |
+             (rules.keyword("WITH_CRC") >> rules.ws >>
+              rules.name[on.text("SetFillCrc -> ", &CmdFillBuffer::setFillCrc)]) |
+             (rules.keyword("WITH_HASH") >> rules.ws >>
+              rules.name[on.text("SetFillHash -> ", &CmdFillBuffer::setFillHash)]) |
+             (rules.keyword("WITH_VALUES") >> rules.ws >>
+              rules.valueList[on.values("SetFillValues -> ", &CmdFillBuffer::setFillValues)]) |
+             (rules.keyword("WITH_STRING") >> rules.ws >> rules.quote >>
+              // The action runs on the characters even if the closing quote is missing.
+              (+(anychar_p -
+                 rules.quote))[on.text("SetFillString -> ", &CmdFillBuffer::setFillString)] >>
+              rules.quote)) >>
+            rules.ws;
+        fillOptions = *(fillByteOrderOption | fillAreasOption);
+        fillByteOrderOption = byteOrderOption(rules, on);
+        fillAreasOption = areasOption(rules, on);
+    }
+
+    Rule fillSource, fillOptions, fillByteOrderOption, fillAreasOption;
+};
+
+}  // namespace
+
+std::unique_ptr<const StatementRules> fillBufferCmd(CommonRules& rules, ParserState& state) {
+    return std::make_unique<FillBufferRules>(rules, state);
+}
+
+}  // namespace Parser

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "parser/grammar/Expression.hpp"
+#include "parser/grammar/StatementBuilder.hpp"
+
+namespace Parser {
+
+/// A position in the text of a script.
+using Position = const char*;
+
+/// Searches of the grammar for a closing delimiter that found none. A later one need not look
+/// again, or a text of many unclosed delimiters would take quadratic time.
+struct FruitlessSearches {
+    Position brace = nullptr;
+    Position quote = nullptr;
+    Position bracket = nullptr;
+};
+
+/// What the actions of the grammar work on.
+struct ParserState {
+    explicit ParserState(WrapperLib::TextCalculator calculator) : statement(calculator) {}
+
+    /// A text of `size` characters is about to be parsed.
+    void beginText(std::size_t size) {
+        fruitlessSearches = {};
+        expression.beginText(size);
+        statement.beginText();
+    }
+
+    /// Forgets everything but the finished statements.
+    void reset() {
+        expression.reset();
+        statement.reset();
+    }
+
+    Expression expression;
+    StatementBuilder statement;
+    FruitlessSearches fruitlessSearches;
+};
+
+}  // namespace Parser

@@ -1,0 +1,117 @@
+#include "parser/grammar/ScriptGrammar.hpp"
+
+#include "parser/grammar/Statements.hpp"
+
+namespace Parser {
+
+namespace {
+
+using Spirit::alnum_p;
+using Spirit::anychar_p;
+using Spirit::blank_p;
+using Spirit::ch_p;
+using Spirit::eps_p;
+using Spirit::space_p;
+
+/// One level of nested or chained expressions.
+class NestedExpression : public Spirit::parser<NestedExpression> {
+public:
+    NestedExpression(const Rule& rule, Expression& expression)
+        : rule_(&rule), expression_(&expression) {}
+
+    template <class ScannerT>
+    typename Spirit::parser_result<NestedExpression, ScannerT>::type parse(
+        const ScannerT& scan) const {
+        if (!expression_->enter()) return scan.no_match();
+        const auto hit = rule_->parse(scan);
+        expression_->leave();
+        return hit;
+    }
+
+private:
+    const Rule* rule_;
+    Expression* expression_;
+};
+
+void defineLexis(CommonRules& rules, FruitlessSearches& searches) {
+    rules.ws = *space_p;
+    rules.openBrace = rules.ws >> ch_p('{') >> rules.ws;
+    rules.closeBrace = rules.ws >> ch_p('}') >> rules.ws;
+    rules.equals = rules.ws >> ch_p('=') >> rules.ws;
+    rules.separator = rules.ws >> *(ch_p(',') | ch_p(';')) >> rules.ws;
+    rules.quote = ch_p('"') | ch_p('\'');
+    rules.name = +(alnum_p | ch_p('#') | ch_p('@') | ch_p('_') | ch_p('-') | ch_p('!') | ch_p('<') |
+                   ch_p('>') | ch_p('&'));
+    rules.textArg = (rules.openBrace >> TextBefore("}", searches.brace) >> rules.closeBrace) |
+                    (rules.quote >> TextBefore("\"'", searches.quote) >> rules.quote >>
+                     *(anychar_p - space_p)) |
+                    +(anychar_p - space_p);
+}
+
+/// An operator takes everything to its right, and its action runs after that has been parsed.
+void defineExpressions(CommonRules& rules, Expression& expression) {
+    using Number16 = Spirit::uint_parser<std::uint32_t, 16, 1, -1>;
+    using Number10 = Spirit::uint_parser<std::uint32_t, 10, 1, -1>;
+    const auto push = boost::bind(&Expression::pushValue, &expression, boost::placeholders::_1);
+    rules.hexPrefix = *ch_p('0') >> (ch_p('x') | ch_p('X'));
+    rules.number = (rules.hexPrefix >> Number16()[push]) | Number10()[push];
+
+    const NestedExpression nested(rules.expression, expression);
+    const auto operation = [&](char sign, void (Expression::*action)()) {
+        return (ch_p(sign) >> *blank_p >> nested >>
+                eps_p(boost::bind(&Expression::hasOperands,
+                                  &expression)))[boost::bind(action, &expression)];
+    };
+    rules.expression = +(
+        (*blank_p >> operation('+', &Expression::addValues)) |
+        operation('-', &Expression::subtractValues) | operation('*', &Expression::multiplyValues) |
+        operation('/', &Expression::divideValues) | operation('%', &Expression::moduloValues) |
+        (ch_p('(') >> *blank_p >> nested >> ch_p(')')) | (rules.number >> *blank_p));
+    rules.value =
+        (eps_p(boost::bind(&Expression::begin, &expression)) >> rules.expression >>
+         eps_p(boost::bind(&Expression::isGood,
+                           &expression)))[boost::bind(&Expression::takeValue, &expression)];
+}
+
+/// Hands the last value to an operation of the statement.
+auto takingValue(ParserState& state, void (StatementBuilder::*take)(std::uint32_t)) {
+    return [&state, take](Position, Position) {
+        (state.statement.*take)(state.expression.currentValue());
+    };
+}
+
+void defineLists(CommonRules& rules, ParserState& state) {
+    rules.valueList =
+        rules.openBrace >>
+        *(rules.value[takingValue(state, &StatementBuilder::collectValue)] >> rules.separator) >>
+        rules.closeBrace;
+    rules.area =
+        rules.openBrace >> rules.value[takingValue(state, &StatementBuilder::setAreaStart)] >>
+        rules.separator >> rules.value[takingValue(state, &StatementBuilder::setAreaLength)] >>
+        rules.closeBrace;
+}
+
+}  // namespace
+
+CommonRules::CommonRules(ParserState& state) {
+    defineLexis(*this, state.fruitlessSearches);
+    defineExpressions(*this, state.expression);
+    defineLists(*this, state);
+}
+
+/// CALCULATE makes no statement: `ScriptParser::calculate` has its expression evaluated by it.
+ScriptRules::ScriptRules(ParserState& state) : CommonRules(state) {
+    std::vector<const Rule*> alternatives;
+    for (const StatementDefinition define : statementDefinitions) {
+        statements.push_back(define(*this, state));
+        alternatives.push_back(&statements.back()->command);
+    }
+    alternatives.push_back(&calculateCmd);
+    script = ws >> *FirstOf(alternatives) >> eps_p;
+    calculateCmd = keyword("CALCULATE") >> !TextBefore("[", state.fruitlessSearches.bracket) >>
+                   ws >> ch_p('[') >> ws >>
+                   *value[takingValue(state, &StatementBuilder::collectValue)] >> ws >> ch_p(']') >>
+                   ws >> *(anychar_p - ch_p(']'));
+}
+
+}  // namespace Parser

@@ -1,0 +1,277 @@
+#pragma once
+
+#include <algorithm>
+#include <boost/bind/bind.hpp>
+#include <boost/spirit/include/classic_core.hpp>
+#include <cstring>
+#include <deque>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "parser/grammar/ParserState.hpp"
+
+/// The grammar's rules, for the sources that define them and the one that parses.
+namespace Parser {
+
+namespace Spirit = boost::spirit::classic;
+
+/// White space is skipped only where a rule says so.
+using Scanner = Spirit::scanner<Position>;
+using Rule = Spirit::rule<Scanner>;
+
+/// A fixed word of the language.
+class Keyword : public Spirit::parser<Keyword> {
+public:
+    explicit Keyword(std::string_view word) : word_(word) {}
+
+    template <class ScannerT>
+    typename Spirit::parser_result<Keyword, ScannerT>::type parse(const ScannerT& scan) const {
+        const Position first = scan.first;
+        if (!std::string_view(first, static_cast<std::size_t>(scan.last - first))
+                 .starts_with(word_))
+            return scan.no_match();
+        scan.first = first + word_.size();
+        return scan.create_match(word_.size(), Spirit::nil_t(), first, scan.first);
+    }
+
+private:
+    std::string_view word_;
+};
+
+/// The rules that all statements share, and the words of the language.
+struct CommonRules {
+    explicit CommonRules(ParserState& state);
+
+    /// The parser of a word, which must outlive the rules. Each word is noted in `keywords`.
+    Keyword keyword(const char* word) {
+        keywords.emplace_back(word);
+        return Keyword(keywords.back());
+    }
+
+    Rule ws, openBrace, closeBrace, equals, separator, quote, name, textArg;
+    Rule hexPrefix, number, expression, value, valueList, area;
+
+    /// The words that the rules compare a script with, in the order of their definition.
+    std::vector<std::string_view> keywords;
+};
+
+/// The rules of one statement.
+struct StatementRules {
+    StatementRules() = default;
+    virtual ~StatementRules() = default;
+    StatementRules(const StatementRules&) = delete;
+    StatementRules& operator=(const StatementRules&) = delete;
+
+    Rule command;  ///< the whole statement and the white space after it
+};
+
+/// All rules of the language.
+struct ScriptRules : CommonRules {
+    explicit ScriptRules(ParserState& state);
+
+    std::vector<std::unique_ptr<const StatementRules>> statements;
+    Rule script, calculateCmd;
+};
+
+/// The first of several rules that matches.
+class FirstOf : public Spirit::parser<FirstOf> {
+public:
+    explicit FirstOf(std::vector<const Rule*> rules) : rules_(std::move(rules)) {}
+
+    template <class ScannerT>
+    typename Spirit::parser_result<FirstOf, ScannerT>::type parse(const ScannerT& scan) const {
+        const Position first = scan.first;
+        for (const Rule* rule : rules_) {
+            const auto hit = rule->parse(scan);
+            if (hit) return hit;
+            scan.first = first;
+        }
+        return scan.no_match();
+    }
+
+private:
+    std::vector<const Rule*> rules_;
+};
+
+/// One or more characters up to, and without, the next of the characters `stops`; no match if there
+/// is none.
+class TextBefore : public Spirit::parser<TextBefore> {
+public:
+    TextBefore(const char* stops, Position& fruitlessFrom)
+        : stops_(stops), fruitlessFrom_(&fruitlessFrom) {}
+
+    template <class ScannerT>
+    typename Spirit::parser_result<TextBefore, ScannerT>::type parse(const ScannerT& scan) const {
+        const Position first = scan.first;
+        if (*fruitlessFrom_ != nullptr && first >= *fruitlessFrom_) return scan.no_match();
+        const Position stop = std::find_if(first, scan.last, [this](char c) {
+            return c != 0 && std::strchr(stops_, c) != nullptr;
+        });
+        if (stop == scan.last) *fruitlessFrom_ = first;
+        if (stop == scan.last || stop == first) return scan.no_match();
+        scan.first = stop;
+        return scan.create_match(static_cast<std::size_t>(stop - first), Spirit::nil_t(), first,
+                                 stop);
+    }
+
+private:
+    const char* stops_;
+    Position* fruitlessFrom_;
+};
+
+/// The keyword of one row of a table, tried in the table's order; the row is its attribute.
+template <class Row>
+class KeywordOf : public Spirit::parser<KeywordOf<Row>> {
+public:
+    template <class ScannerT>
+    struct result {
+        using type = typename Spirit::match_result<ScannerT, const Row*>::type;
+    };
+
+    KeywordOf(std::span<const Row> rows, CommonRules& rules) : rows_(rows) {
+        for (const Row& row : rows) rules.keyword(row.keyword);
+    }
+
+    template <class ScannerT>
+    typename Spirit::parser_result<KeywordOf, ScannerT>::type parse(const ScannerT& scan) const {
+        const Position first = scan.first;
+        const std::string_view rest(first, static_cast<std::size_t>(scan.last - first));
+        for (const Row& row : rows_) {
+            const std::string_view keyword = row.keyword;
+            if (!rest.starts_with(keyword)) continue;
+            const Row* const attribute = &row;
+            scan.first = first + keyword.size();
+            return scan.create_match(keyword.size(), attribute, first, scan.first);
+        }
+        return scan.no_match();
+    }
+
+private:
+    std::span<const Row> rows_;
+};
+
+/// The actions of a statement of kind `Command`. Each appends its trace text and then does its
+/// work.
+template <class Command>
+class StatementActions {
+public:
+    explicit StatementActions(ParserState& state) : state_(&state) {}
+
+    /// The keyword was read.
+    auto begin(const char* traceText) const {
+        return [state = state_, traceText](Position, Position) {
+            state->reset();
+            state->statement.begin<Command>(traceText);
+        };
+    }
+
+    /// The statement was read to its end.
+    auto end() const {
+        return [state = state_](Position first, Position last) {
+            state->statement.end({first, static_cast<std::size_t>(last - first)});
+        };
+    }
+
+    /// Hands the matched text to a setter.
+    auto text(const char* traceText, void (Command::*setter)(std::string)) const {
+        return with(traceText, [setter](Command& command, std::string_view matched) {
+            (command.*setter)(std::string(matched));
+        });
+    }
+
+    /// Hands a fixed value to a setter.
+    template <class Value>
+    auto constant(const char* traceText, void (Command::*setter)(Value), Value value) const {
+        return with(traceText, [setter, value](Command& command, std::string_view) {
+            (command.*setter)(value);
+        });
+    }
+
+    /// Hands the last number to a setter.
+    auto number(const char* traceText, void (Command::*setter)(std::uint32_t)) const {
+        return with(traceText, [state = state_, setter](Command& command, std::string_view) {
+            (command.*setter)(state->expression.currentValue());
+        });
+    }
+
+    /// Hands the last value list to a setter.
+    auto values(const char* traceText, void (Command::*setter)(std::vector<std::uint32_t>)) const {
+        return with(traceText, [state = state_, setter](Command& command, std::string_view) {
+            (command.*setter)(state->statement.takeCollectedValues());
+        });
+    }
+
+    /// Hands the last area to a setter.
+    auto area(const char* traceText, void (Command::*setter)(const Buffer::Area&)) const {
+        return with(traceText, [state = state_, setter](Command& command, std::string_view) {
+            (command.*setter)(state->statement.area());
+        });
+    }
+
+    /// Hands the row of a keyword, which has a trace text, to a setter.
+    template <class Row>
+    auto row(void (Command::*setter)(const Row&)) const {
+        return [state = state_, setter](const Row* matched) {
+            state->statement.trace(matched->trace);
+            (state->statement.current<Command>().*setter)(*matched);
+        };
+    }
+
+    /// Lets `work` do something with the command and the matched text.
+    template <class Work>
+    auto with(const char* traceText, Work work) const {
+        return [state = state_, traceText, work](Position first, Position last) {
+            state->statement.trace(traceText);
+            work(state->statement.current<Command>(),
+                 std::string_view(first, static_cast<std::size_t>(last - first)));
+        };
+    }
+
+private:
+    ParserState* state_;
+};
+
+/// -useAreas = { { start, length } ... }
+template <class Command>
+auto areasOption(CommonRules& rules, const StatementActions<Command>& on) {
+    return rules.keyword("-useAreas") >> rules.equals >> rules.openBrace >>
+           *(rules.area[on.area("AddArea -> ", &Command::addArea)] >> rules.separator) >>
+           rules.closeBrace >> rules.ws;
+}
+
+/// -setByteOrder = LittleEndian | BigEndian
+template <class Command>
+auto byteOrderOption(CommonRules& rules, const StatementActions<Command>& on) {
+    using Buffer::ByteOrder;
+    return rules.keyword("-setByteOrder") >> rules.equals >>
+           (rules.keyword("LittleEndian")[on.constant(
+                "SetByteOrder_LittleEndian -> ", &Command::setByteOrder, ByteOrder::LittleEndian)] |
+            rules.keyword("BigEndian")[on.constant(
+                "SetByteOrder_BigEndian -> ", &Command::setByteOrder, ByteOrder::BigEndian)]) >>
+           rules.ws;
+}
+
+/// [-resolveSymbolsAsHexValue = { name ... }] ...
+template <class Command>
+auto symbolsOption(CommonRules& rules, const StatementActions<Command>& on) {
+    return rules.ws >> *(rules.keyword("-resolveSymbolsAsHexValue") >> rules.equals >> rules.ws >>
+                         rules.openBrace >>
+                         *(rules.name[on.text("AddResolveSymbolName -> ", &Command::addSymbol)] >>
+                           rules.separator) >>
+                         rules.closeBrace) >>
+           rules.ws;
+}
+
+/// FROM_BUFFERS { name ... } | FROM_BUFFER name. The longer keyword comes first.
+template <class Command>
+auto buffersSource(CommonRules& rules, const StatementActions<Command>& on, const char* traceText,
+                   void (Command::*setter)(std::string)) {
+    return (rules.keyword("FROM_BUFFERS") >> rules.ws >> rules.openBrace >>
+            *(rules.name[on.text(traceText, setter)] >> rules.separator) >> rules.closeBrace) |
+           (rules.keyword("FROM_BUFFER") >> rules.ws >> rules.name[on.text(traceText, setter)]);
+}
+
+}  // namespace Parser

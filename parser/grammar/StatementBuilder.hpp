@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "parser/commands/CmdApi.hpp"
+#include "parser/commands/CmdPrintText.hpp"
+
+namespace Parser {
+
+/// The statement that is being parsed and those that are finished, with the trace of the parser's
+/// actions. A statement that fails to parse leaves its trace and never reaches `commands`.
+class StatementBuilder {
+public:
+    /// @param calculator  evaluates the bracket expression of a PRINT_TEXT
+    explicit StatementBuilder(WrapperLib::TextCalculator calculator) : calculator_(calculator) {}
+
+    /// A text is about to be parsed.
+    void beginText() { lastTokens_.clear(); }
+
+    /// Forgets everything but the finished statements.
+    void reset();
+
+    /// Starts a statement of kind `Command` with its default values.
+    template <class Command>
+    void begin(const char* traceText) {
+        reset();
+        trace(traceText);
+        if constexpr (std::is_constructible_v<Command, WrapperLib::TextCalculator>)
+            currentCmd_ = std::make_unique<Command>(calculator_);
+        else
+            currentCmd_ = std::make_unique<Command>();
+    }
+
+    /// Finishes the statement, whose text is `statement`, and queues it.
+    void end(std::string_view statement);
+
+    void trace(const char* text) { lastTokens_ += text; }
+
+    /// The statement being parsed, which is of kind `Command`.
+    template <class Command>
+    Command& current() {
+        return static_cast<Command&>(*currentCmd_);
+    }
+
+    void setText(std::string_view text) { currentText_ = text; }
+    const std::string& text() const { return currentText_; }
+
+    void collectValue(std::uint32_t value) { valueCollection_.push_back(value); }
+    const std::vector<std::uint32_t>& collectedValues() const { return valueCollection_; }
+    std::vector<std::uint32_t> takeCollectedValues() { return std::exchange(valueCollection_, {}); }
+
+    void setAreaStart(std::uint32_t value) { area_.start = value; }
+    void setAreaLength(std::uint32_t value) { area_.length = value; }
+    const Buffer::Area& area() const { return area_; }
+
+    /// The finished statements in script order.
+    const std::deque<std::unique_ptr<WrapperLib::CmdApi>>& commands() const { return commands_; }
+
+    /// Deletes all statements.
+    void clear();
+
+    /// The text of the last finished statement; empty once another keyword was met.
+    const std::string& lastCommand() const { return lastCommand_; }
+
+    /// The trace of the last statement.
+    const std::string& lastTokens() const { return lastTokens_; }
+
+private:
+    WrapperLib::TextCalculator calculator_;
+    std::unique_ptr<WrapperLib::CmdApi> currentCmd_;
+    std::deque<std::unique_ptr<WrapperLib::CmdApi>> commands_;
+    std::string currentText_;
+    std::vector<std::uint32_t> valueCollection_;
+    Buffer::Area area_;
+    std::string lastTokens_;
+    std::string lastCommand_;
+};
+
+}  // namespace Parser
