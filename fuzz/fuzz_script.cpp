@@ -17,8 +17,8 @@
 #include "fuzz/PlatformInMemory.hpp"
 #include "fuzz/ScriptInput.hpp"
 #include "parser/ScriptParser.hpp"
-#include "parser/ScriptText.hpp"
-#include "parser/VariableExpansion.hpp"
+#include "parser/text/ScriptText.hpp"
+#include "parser/text/VariableExpansion.hpp"
 #include "platform/Platform.hpp"
 
 namespace {

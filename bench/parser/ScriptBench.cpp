@@ -4,8 +4,8 @@
 #include <string>
 
 #include "parser/ScriptParser.hpp"
-#include "parser/ScriptText.hpp"
-#include "parser/VariableExpansion.hpp"
+#include "parser/text/ScriptText.hpp"
+#include "parser/text/VariableExpansion.hpp"
 
 namespace {
 

@@ -4,13 +4,16 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iostream>
 #include <iterator>
 #include <memory>
 #include <new>
+#include <optional>
 #include <regex>
 #include <string>
 #include <vector>
 
+#include "classic/ClassicWords.hpp"
 #include "parser/ScriptParser.hpp"
 #include "parser/commands/CmdCallApp.hpp"
 #include "parser/commands/CmdFillBuffer.hpp"
@@ -113,35 +116,35 @@ std::vector<Case> fillCases() {
 }
 
 std::vector<Case> writeCases() {
-    const auto as = [](ExportFormat format) {
-        return making<CmdWriteFile>([format](CmdWriteFile& command) {
-            command.setFileName(inFolder("out"));
-            // Enough for more than one write, so that the second image comes when the file is open.
-            command.addBuffer("A");
-            for (int i = 0; i < 9; ++i) command.addBuffer("B");
-            command.setFormat(format, 32);
-            command.setExecutionStartAddress(0x1234);
-        });
-    };
-    return {{"IntelHexExtended", as(ExportFormat::IntelHexExtended)},
-            {"IntelHexSegment", as(ExportFormat::IntelHexSegment)},
-            {"MotorolaS", as(ExportFormat::MotorolaS)},
-            {"EmbeddedC", as(ExportFormat::EmbeddedC_Assembler)},
-            {"RawBinary", as(ExportFormat::RawBinary)}};
+    std::vector<Case> cases;
+    for (const ExportFormat& format : CmdWriteFile::formats()) {
+        cases.push_back({format.keyword, making<CmdWriteFile>([&format](CmdWriteFile& command) {
+                             command.setFileName(inFolder("out"));
+                             // Enough for more than one write, so that the second image comes when
+                             // the file is open.
+                             command.addBuffer("A");
+                             for (int i = 0; i < 9; ++i) command.addBuffer("B");
+                             const bool hasNumber = format.setNumber != nullptr;
+                             command.setFormat(format,
+                                               hasNumber ? std::optional(32U) : std::nullopt);
+                             command.setExecutionStartAddress(0x1234);
+                         })});
+    }
+    return cases;
 }
 
 std::vector<Case> otherCases() {
     const std::string resolved = "C and H are in a text that is longer than a string itself";
     return {
         {"crc", making<CmdNewCrc>([](CmdNewCrc& c) {
-             c.setCrcName("a name that is longer than a string itself");
+             c.setName("a name that is longer than a string itself");
              c.addFromBuffer("A");
              c.addFromBuffer("B");
          })},
         {"hash", making<CmdNewHash>([](CmdNewHash& c) {
-             c.setHashName("a name that is longer than a string itself");
+             c.setName("a name that is longer than a string itself");
              c.addFromBuffer("A");
-             c.setType(18);
+             c.setType(CmdNewHash::types()[17]);
          })},
         {"print buffer", making<CmdPrintBuffer>([](CmdPrintBuffer& c) {
              c.setBufferName("A");
@@ -218,6 +221,8 @@ protected:
         CmdContext registries = context();
         writeFile(inFolder("out"), "kept");
         testing::internal::CaptureStdout();
+        Classic::ClassicWords words(std::cout, std::cerr);
+        const Facts::ListenerScope scope(words);
         Tests::failBehind(succeeding, isLasting);
         const bool isDone = statement->execute(registries);
         hasFailed = Tests::stopFailing();
@@ -262,6 +267,8 @@ protected:
         ScriptParser parser(script, {{"variable", "value"}});
         writeFile(inFolder("out"), "kept");
         testing::internal::CaptureStdout();
+        Classic::ClassicWords words(std::cout, std::cerr);
+        const Facts::ListenerScope scope(words);
         Tests::failBehind(succeeding, isLasting);
         const bool isParsed = parser.run();
         hasFailed = Tests::stopFailing();

@@ -1,0 +1,89 @@
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+
+#include "parser/ScriptParser.hpp"
+#include "parser/text/ScriptText.hpp"
+#include "parser/text/VariableExpansion.hpp"
+
+namespace {
+
+using Variables = std::map<std::string, std::string>;
+
+struct Preparation {
+    const char* text;
+    Variables given;
+    const char* prepared;
+    Variables variables;  ///< those given and those of the text
+};
+
+TEST(TextTest, CommentsGoFirstAndTheFirstValueOfANameStays) {
+    for (const Preparation& row : {
+             Preparation{"a // b\nc", {}, "a \nc", {}},
+             {"PRINT_TEXT {a//b}\n}", {}, "PRINT_TEXT {a\n}", {}},
+             {"a // b\r\nc", {}, "a // b\r\nc", {}},
+             {"SUBSTITUTE A WITH B // note\nx", {}, "\nx", {{"A", "B"}}},
+             {"x SUBSTITUTE A WITH B WITH  C ", {}, "x ", {{"A WITH B", "C"}}},
+             {"SUBSTITUTE A WITH", {}, "SUBSTITUTE A WITH", {}},
+             {"SUBSTITUTE A WITH ", {}, "", {{"A", ""}}},
+             {"substitute A WITH B", {}, "substitute A WITH B", {}},
+             {"SUBSTITUTE A WITH 1\nSUBSTITUTE A WITH 2", {}, "\n", {{"A", "1"}}},
+             {"SUBSTITUTE A WITH 1", {{"A", "0"}}, "", {{"A", "0"}}},
+         }) {
+        std::string text = row.text;
+        Variables variables = row.given;
+        Parser::removeComments(text);
+        Parser::takeSubstitutions(text, variables);
+        EXPECT_EQ(text, row.prepared) << row.text;
+        EXPECT_EQ(variables, row.variables) << row.text;
+    }
+}
+
+struct Expansion {
+    const char* text;
+    Variables variables;
+    const char* expanded;
+};
+
+TEST(TextTest, LongNamesComeFirstAndValuesAreOpenToShorterOnes) {
+    for (const Expansion& row : {
+             Expansion{"outFileSrec", {{"outFile", "a"}}, "aSrec"},
+             {"AB A", {{"A", "1"}, {"AB", "2"}}, "2 1"},
+             {"AB", {{"AB", "A"}, {"A", "1"}}, "1"},
+             {"A", {{"A", "AB"}, {"AB", "2"}}, "AB"},
+             // Of one length the name that sorts last comes first.
+             {"xy", {{"x", "y"}, {"y", "x"}}, "yy"},
+             {"a1 b2", {{"([a-z])([0-9])", "$2$1"}}, "1a 2b"},
+             {"price", {{"price", "$$5"}}, "$5"},
+             {"ab", {{"b", "[$&]"}}, "a[b]"},
+             {"one\ntwo", {{"^two$", "2"}}, "one\n2"},
+         }) {
+        std::string text = row.text;
+        Parser::expandVariables(text, row.variables);
+        EXPECT_EQ(text, row.expanded) << row.text;
+    }
+}
+
+struct Calculation {
+    const char* text;
+    const char* calculated;
+};
+
+TEST(TextTest, OneBracketIsCalculatedWithTheCharacterBeforeIt) {
+    for (const Calculation& row : {
+             Calculation{"Size: [4*4] bytes", "Size: 0x00000010 bytes"},
+             {"no bracket", "no bracket"},
+             {"a [] b", "a [] b"},
+             {"x [1,2]", "x 0x00000001"},
+             {"x [2 3] y", "x 0x00000003 y"},
+             {"[1]", " 0x00000001"},
+             {"a [1", "a [1"},
+             {"a ] b [1]", "a ] b 0x00000001"},
+             {"[1] [2]", "[1] [2]"},
+             {"x [-1]", "x [-1]"},
+         })
+        EXPECT_EQ(Parser::ScriptParser::calculated(row.text), row.calculated) << row.text;
+}
+
+}  // namespace
