@@ -7,7 +7,8 @@
 #include "classic/ClassicWords.hpp"
 #include "facts/Listener.hpp"
 #include "parser/ScriptParser.hpp"
-#include "platform/Platform.hpp"
+#include "platform/Streams.hpp"
+#include "platform/Version.hpp"
 #include "selftest/SelfTest.hpp"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <span>
 
 #include "buffer/ElementView.hpp"
-#include "platform/Platform.hpp"
+#include "platform/Memory.hpp"
 
 namespace Buffer {
 

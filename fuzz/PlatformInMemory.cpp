@@ -5,7 +5,12 @@
 #include <iostream>
 #include <new>
 
-#include "platform/Platform.hpp"
+#include "platform/Files.hpp"
+#include "platform/Limits.hpp"
+#include "platform/Memory.hpp"
+#include "platform/Process.hpp"
+#include "platform/Streams.hpp"
+#include "platform/Version.hpp"
 
 namespace Fuzz {
 

@@ -19,7 +19,7 @@
 #include "parser/ScriptParser.hpp"
 #include "parser/text/ScriptText.hpp"
 #include "parser/text/VariableExpansion.hpp"
-#include "platform/Platform.hpp"
+#include "platform/Files.hpp"
 
 namespace {
 

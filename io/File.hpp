@@ -10,7 +10,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/Platform.hpp"
+#include "platform/Files.hpp"
+#include "platform/Memory.hpp"
 
 /// Files on their way between disk and memory. Nothing here knows a file format.
 namespace Io {

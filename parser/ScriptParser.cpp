@@ -10,7 +10,7 @@
 #include "parser/grammar/ScriptGrammar.hpp"
 #include "parser/text/ScriptText.hpp"
 #include "parser/text/VariableExpansion.hpp"
-#include "platform/Platform.hpp"
+#include "platform/Files.hpp"
 #include "util/Hex.hpp"
 
 namespace Parser {

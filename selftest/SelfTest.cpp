@@ -9,7 +9,7 @@
 
 #include "io/File.hpp"
 #include "parser/ScriptParser.hpp"
-#include "platform/Platform.hpp"
+#include "platform/Files.hpp"
 #include "selftest/LineTables.hpp"
 
 namespace SelfTest {

@@ -9,7 +9,7 @@
 
 #include "buffer/Area.hpp"
 #include "buffer/MemoryBuffer.hpp"
-#include "platform/Platform.hpp"
+#include "platform/Memory.hpp"
 
 namespace Io::Import {
 

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "parser/commands/Conventions.hpp"
-#include "platform/Platform.hpp"
+#include "platform/Process.hpp"
 
 namespace Parser::WrapperLib {
 

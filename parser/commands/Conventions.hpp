@@ -10,7 +10,7 @@
 
 #include "facts/Listener.hpp"
 #include "parser/commands/CmdContext.hpp"
-#include "platform/Platform.hpp"
+#include "platform/Memory.hpp"
 
 /// What all statements do alike: looking up names, reporting failures, gathering bytes.
 namespace Parser::WrapperLib {

@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "platform/Platform.hpp"
+#include "platform/Limits.hpp"
 
 namespace Parser {
 

@@ -1,13 +1,19 @@
-#include "platform/Platform.hpp"
+#include "platform/Files.hpp"
+#include "platform/Memory.hpp"
+#include "platform/Process.hpp"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
-#include <cstdio>
+#include <array>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <new>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -44,16 +50,45 @@ TEST(PlatformTest, TextModeDropsOneReturnInFrontOfALineFeedAndEndsAtItsEndCharac
     }
 }
 
-TEST(PlatformTest, OnlyRegularFilesAreInputs) {
+TEST(PlatformTest, WhatNeverEndsIsNoInput) {
     const fs::path folder = fs::path(testing::TempDir());
     const fs::path pipe = ownPath("pipe");
     fs::remove(pipe);
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-    for (const std::string& path : {folder.string(), pipe.string(), std::string("/dev/zero"),
-                                    (folder / "missing").string(), std::string()})
+    for (const std::string& path :
+         {folder.string(), pipe.string(), std::string("/dev/zero"), std::string("/dev/ptmx"),
+          (folder / "missing").string(), std::string()})
         EXPECT_FALSE(Platform::readFile(path)) << path;
     EXPECT_FALSE(Platform::OutputFile::create(pipe, Platform::FileMode::Binary));
     EXPECT_FALSE(Platform::OutputFile::create(folder, Platform::FileMode::Text));
+    fs::remove(pipe);
+}
+
+TEST(PlatformTest, PipesAndDevicesAreReadToTheirEnd) {
+    EXPECT_EQ(Platform::readFile("/dev/null")->text(), "");
+    // More than a pipe holds, so that the reader waits for the writer again and again.
+    const std::string contents(300'000, 'x');
+    for (const std::string& text : {std::string(), std::string("short"), contents}) {
+        std::array<int, 2> ends{};
+        ASSERT_EQ(::pipe(ends.data()), 0);
+        std::jthread writer([&text, end = ends[1]] {
+            EXPECT_EQ(::write(end, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+            ::close(end);
+        });
+        EXPECT_EQ(Platform::readFile("/dev/fd/" + std::to_string(ends[0]))->text(), text);
+        ::close(ends[0]);
+    }
+    const fs::path pipe = ownPath("pipe");
+    fs::remove(pipe);
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    // A descriptor for both directions opens at once and keeps the pipe open.
+    const int end = ::open(pipe.c_str(), O_RDWR | O_CLOEXEC);
+    std::jthread writer([&contents, end] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        EXPECT_EQ(::write(end, contents.data(), 1000), 1000);
+        ::close(end);
+    });
+    EXPECT_EQ(Platform::readFile(pipe)->text(), contents.substr(0, 1000));
     fs::remove(pipe);
 }
 

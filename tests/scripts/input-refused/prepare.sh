@@ -5,7 +5,7 @@ ln -s loop.hex loop.hex
 ln -s in.hex link.hex
 : > script.tsn
 for path in missing.hex folder pipe loop.hex in.hex/a.hex "$(printf '%0300d' 0)" "" \
-            /dev/zero /dev/full /dev/tty /dev/stdin
+            /dev/zero /dev/full /dev/tty
 do
     for source in FROM_FILE FROM_FILE_BINARY
     do
@@ -14,3 +14,6 @@ do
 done
 echo 'NEW_BUFFER A FROM_FILE link.hex' >> script.tsn
 echo 'PRINT_BUFFER A' >> script.tsn
+# No regular file, but it can be read to its end.
+echo 'NEW_BUFFER N FROM_FILE_BINARY /dev/null' >> script.tsn
+echo 'PRINT_BUFFER N' >> script.tsn

@@ -1,24 +1,16 @@
-#include "platform/Platform.hpp"
+#include "platform/Files.hpp"
 
 #include <cstring>
 #include <utility>
 
-/// What is the same whatever the operating system.
 namespace Platform {
-
-PageBlock::PageBlock(PageBlock&& other) noexcept
-    : data_(std::exchange(other.data_, nullptr)), size_(std::exchange(other.size_, 0)) {}
-
-PageBlock& PageBlock::operator=(PageBlock&& other) noexcept {
-    std::swap(data_, other.data_);
-    std::swap(size_, other.size_);
-    return *this;
-}
 
 InputFile::InputFile(InputFile&& other) noexcept
     : descriptor_(std::exchange(other.descriptor_, -1)),
       size_(std::exchange(other.size_, 0)),
       changeTime_(other.changeTime_),
+      stream_(std::move(other.stream_)),
+      isStream_(other.isStream_),
       hasFailed_(other.hasFailed_) {}
 
 std::optional<FileContents> readFile(const std::string& path) {

@@ -1,0 +1,113 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "platform/Memory.hpp"
+
+/// Files of the operating system.
+namespace Platform {
+
+/// Separator between the folders of a path.
+extern const char pathSeparator;
+
+/// How completely the bytes that were read represent a file.
+enum class Reading {
+    Complete,
+    Failed,  ///< a read failed, and what follows in the file is missing
+    Changed  ///< the file was written to, or cut, since it was opened
+};
+
+/// A file opened for reading. Closed by its destructor.
+///
+/// What is no regular file (a pipe, a device) has no size and no positions, so it is read into
+/// memory as a whole when it is opened.
+class InputFile {
+public:
+    /// Nothing if the file cannot be opened or no end of it can be expected: a directory, a
+    /// terminal, a named pipe without a writer, a device that makes its reader wait, or more than a
+    /// gibibyte (64 MiB from a character device) of anything but a regular file.
+    ///
+    /// @throws std::bad_alloc  if the machine cannot hold what is no regular file
+    static std::optional<InputFile> open(const std::string& path);
+    ~InputFile();
+    InputFile(InputFile&& other) noexcept;
+    InputFile& operator=(InputFile&& other) = delete;
+    InputFile(const InputFile&) = delete;
+    InputFile& operator=(const InputFile&) = delete;
+
+    /// Bytes of the file when it was opened.
+    std::uint64_t size() const { return size_; }
+
+    /// Reads from byte `offset` of the file on, to `out`, and returns the number of bytes read:
+    /// fewer than asked for only at the end of the file or where it cannot be read.
+    std::size_t readAt(std::uint64_t offset, std::span<char> out) const;
+
+    /// The outcome of all reads so far.
+    Reading reading() const;
+
+private:
+    explicit InputFile(int descriptor) : descriptor_(descriptor) {}
+
+    /// Reads at most `most` bytes to memory, up to the end of the file. False if there are more, or
+    /// none from a named pipe. Waits for the writer of a pipe and for nothing else.
+    bool readStream(std::size_t most, bool isPipe, bool isNamed);
+
+    int descriptor_;
+    std::uint64_t size_ = 0;
+    std::chrono::nanoseconds changeTime_{};  ///< of its contents, when it was opened
+    PageBlock stream_;                       ///< the contents of what is no regular file
+    bool isStream_ = false;
+    mutable bool hasFailed_ = false;  ///< set by the first read that fails
+};
+
+/// The bytes of a file; the block may be larger than `size`.
+struct FileContents {
+    PageBlock block;
+    std::size_t size = 0;
+    Reading reading = Reading::Complete;
+
+    std::string_view text() const;
+};
+
+/// Reads a whole file, nothing translated.
+///
+/// Nothing if the file cannot be opened (InputFile::open). A read that fails midway leaves what was
+/// read.
+std::optional<FileContents> readFile(const std::string& path);
+
+/// Translates what was read as bytes as text mode does: drops one carriage return before each line
+/// feed and ends the text at a byte 0x1A.
+void translateText(FileContents& contents);
+
+enum class FileMode { Text, Binary };
+
+/// A file opened for writing; an existing one is cut to length zero. Closed by its destructor.
+class OutputFile {
+public:
+    /// Nothing if the file cannot be opened; it is untouched then.
+    static std::optional<OutputFile> create(const std::string& path, FileMode mode);
+    ~OutputFile();
+    OutputFile(OutputFile&& other) noexcept;
+    OutputFile& operator=(OutputFile&& other) = delete;
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    /// Writes all bytes, or as many as the device takes; false if it did not take all of them.
+    bool write(std::string_view bytes) const;
+
+    /// Closes the file; false if not all that was written has arrived. Some file systems, above all
+    /// those of a network, report only now that there was no room.
+    bool close();
+
+private:
+    explicit OutputFile(int descriptor) : descriptor_(descriptor) {}
+    int descriptor_;
+};
+
+}  // namespace Platform

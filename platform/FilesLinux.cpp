@@ -1,0 +1,143 @@
+#include "platform/Files.hpp"
+
+#include <fcntl.h>
+#include <linux/magic.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <sys/vfs.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+namespace Platform {
+
+const char pathSeparator = '/';
+
+namespace {
+
+std::chrono::nanoseconds changeTime(const struct stat& status) {
+    return std::chrono::seconds(status.st_mtim.tv_sec) +
+           std::chrono::nanoseconds(status.st_mtim.tv_nsec);
+}
+
+/// A pipe without a name, such as a shell makes: one that has no writer has ended.
+bool isAnonymousPipe(int descriptor) {
+    struct statfs system {};
+    return ::fstatfs(descriptor, &system) == 0 && system.f_type == PIPEFS_MAGIC;
+}
+
+}  // namespace
+
+std::optional<InputFile> InputFile::open(const std::string& path) {
+    constexpr std::size_t longestStream = std::size_t{1} << 30U;
+    constexpr std::size_t longestOfDevice = std::size_t{1} << 26U;
+    // Without O_NONBLOCK, opening a pipe waits for its other end.
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0) return std::nullopt;
+    InputFile file(descriptor);
+    struct stat status {};
+    if (::fstat(descriptor, &status) != 0) return std::nullopt;
+    if (S_ISREG(status.st_mode)) {
+        file.size_ = static_cast<std::uint64_t>(status.st_size);
+        file.changeTime_ = changeTime(status);
+        return file;
+    }
+    if (S_ISDIR(status.st_mode) || ::isatty(descriptor) != 0) return std::nullopt;
+    const std::size_t most = S_ISCHR(status.st_mode) ? longestOfDevice : longestStream;
+    const bool isPipe = S_ISFIFO(status.st_mode);
+    if (!file.readStream(most, isPipe, isPipe && !isAnonymousPipe(descriptor))) return std::nullopt;
+    return file;
+}
+
+bool InputFile::readStream(std::size_t most, bool isPipe, bool isNamed) {
+    constexpr std::size_t pieceSize = std::size_t{1} << 16U;
+    isStream_ = true;
+    for (;;) {
+        if (stream_.size() - size_ < pieceSize) {
+            // Twice the size each time, so that the copies cost linear time.
+            PageBlock larger(std::max(2 * stream_.size(), pieceSize));
+            if (size_ != 0) std::memcpy(larger.data(), stream_.data(), size_);
+            stream_ = std::move(larger);
+        }
+        const ssize_t count = ::read(descriptor_, stream_.data() + size_, stream_.size() - size_);
+        if (count > 0) {
+            size_ += static_cast<std::size_t>(count);
+            if (size_ > most) return false;
+        } else if (count == 0) {
+            // The first read of a named pipe without a writer does not wait for one.
+            return !isNamed || size_ != 0;
+        } else if (errno == EAGAIN) {
+            if (!isPipe) return false;
+            pollfd waiting{descriptor_, POLLIN, 0};
+            static_cast<void>(::poll(&waiting, 1, -1));
+        } else if (errno != EINTR) {
+            hasFailed_ = true;
+            return true;
+        }
+    }
+}
+
+InputFile::~InputFile() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+}
+
+std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> out) const {
+    std::size_t size = 0;
+    if (isStream_) {
+        if (offset < size_) size = std::min<std::uint64_t>(out.size(), size_ - offset);
+        if (size != 0) std::memcpy(out.data(), stream_.data() + offset, size);
+        return size;
+    }
+    while (size < out.size()) {
+        const ssize_t count = ::pread(descriptor_, out.data() + size, out.size() - size,
+                                      static_cast<off_t>(offset + size));
+        if (count < 0 && errno == EINTR) continue;
+        hasFailed_ = hasFailed_ || count < 0;
+        if (count <= 0) break;
+        size += static_cast<std::size_t>(count);
+    }
+    return size;
+}
+
+Reading InputFile::reading() const {
+    if (hasFailed_) return Reading::Failed;
+    if (isStream_) return Reading::Complete;
+    struct stat status {};
+    const bool isSame = ::fstat(descriptor_, &status) == 0 &&
+                        static_cast<std::uint64_t>(status.st_size) == size_ &&
+                        changeTime(status) == changeTime_;
+    return isSame ? Reading::Complete : Reading::Changed;
+}
+
+std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode /*mode*/) {
+    // Without O_NONBLOCK, opening a pipe that nobody reads never returns.
+    const int descriptor =
+        ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
+    if (descriptor < 0) return std::nullopt;
+    OutputFile file(descriptor);
+    if (::fcntl(descriptor, F_SETFL, 0) != 0) return std::nullopt;
+    return file;
+}
+
+OutputFile::~OutputFile() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+}
+
+bool OutputFile::write(std::string_view bytes) const {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return false;
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+bool OutputFile::close() {
+    return ::close(std::exchange(descriptor_, -1)) == 0;
+}
+
+}  // namespace Platform
