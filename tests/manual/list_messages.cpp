@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "classic/ClassicWords.hpp"
-#include "io/import/ParsedData.hpp"
+#include "io/import/ReaderReports.hpp"
 
 namespace {
 
@@ -25,11 +25,11 @@ constexpr std::uint32_t number = 987654321;
 constexpr std::array<std::uint8_t, 4> bytes{0x3A, 0xDE, 0x68, 0xB1};
 
 const std::string hexInformation =
-    Io::Import::informationAbout("IntelHexInFile", number, number, number);
+    Io::Import::informationAbout(InputFormat::IntelHex, number, number, number);
 const std::string sInformation =
-    Io::Import::informationAbout("MotorolaS_InFile", number, number, number);
+    Io::Import::informationAbout(InputFormat::MotorolaS, number, number, number);
 const std::string rawInformation =
-    Io::Import::informationAbout("RawBinaryInFile", number, number, number);
+    Io::Import::informationAbout(InputFormat::RawBinary, number, number, number);
 
 /// Selects the overload for a type.
 template <class Example>
