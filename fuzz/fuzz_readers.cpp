@@ -4,14 +4,14 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <iostream>
-#include <new>
-#include <sstream>
+#include <string>
 #include <string_view>
 #include <tuple>
 #include <utility>
+#include <variant>
 #include <vector>
 
+#include "facts/Listener.hpp"
 #include "fuzz/Check.hpp"
 #include "fuzz/PlatformInMemory.hpp"
 #include "io/export/IntelHexOutFile.hpp"
@@ -204,24 +204,38 @@ void checkRoundTrips(const GenericInFile& file, const Contents& contents, const 
     checkWritten<MotorolaS_OutFile>(images, contents, style, InFileType::MotorolaS);
 }
 
-/// What `Reader` says of the input and what it prints on the way.
+/// The facts that readers report, one after the other: which they are and the lines they show.
+class Heard : public Facts::Listener {
+public:
+    void hear(const Facts::Fact& fact) override {
+        facts_.push_back(static_cast<char>(fact.index()));
+        if (const auto* const record = std::get_if<Facts::RecordContradictory>(&fact))
+            facts_ += record->line;
+        if (const auto* const line = std::get_if<Facts::LineNotARecord>(&fact))
+            facts_ += line->line;
+    }
+    const std::string& facts() const { return facts_; }
+
+private:
+    std::string facts_;
+};
+
+/// What `Reader` answers about the input and what it reports on the way.
 template <class Reader>
 auto answersOf() {
-    std::ostringstream printed;
-    std::streambuf* const before = std::cout.rdbuf(printed.rdbuf());
+    Heard heard;
+    const Facts::ListenerScope scope(heard);
     const Reader reader(inputPath);
-    std::cout.rdbuf(before);
     return std::tuple(reader.getDataAreas(), reader.getMinAddress(), reader.getDataLength(),
-                      reader.hasStartAddress(), reader.getStartAddress(), printed.str());
+                      reader.hasStartAddress(), reader.getStartAddress(), heard.facts());
 }
 
-/// A file whose format is found out on the way is read as one whose format is known.
+/// A file whose format is detected on the way is read as one whose format is known.
 void checkAtOnce(const GenericInFile& file) {
     const auto direct = file.type() == InFileType::IntelHex
                             ? answersOf<Io::Import::IntelHexInFile>()
                             : answersOf<Io::Import::MotorolaS_InFile>();
-    check(answersOf<GenericInFile>() == direct,
-          "the pass that finds the format out reads the same");
+    check(answersOf<GenericInFile>() == direct, "the pass that detects the format reads the same");
     if (file.getDataLength() > longestWindow) return;
     check(GenericInFile(inputPath).takeMemory().getElements() == file.getMemory().getElements(),
           "an image that is taken is the one that is given");

@@ -20,7 +20,7 @@ char* writeIntelRecord(char* out, std::uint16_t address, std::uint8_t typeByte,
         out = Util::writeHex(out, byte);
     }
     out = Util::writeHex(out, data);
-    // The seed carries the sum on. Head and data in one array would be read before they are there.
+    // The seed carries the sum on. Reading back bytes just stored would stall on store forwarding.
     out = Util::writeHex(out, crc8TwosComplementSum(data, checksum));
     *out++ = '\n';
     return out;

@@ -18,7 +18,7 @@ enum class IntelRecordType : std::uint32_t {
     StartLinearAddress = 6
 };
 
-/// The kind behind a type byte, `Unknown` for one that the format does not have.
+/// The kind that a type byte means, `Unknown` for one that the format does not have.
 constexpr IntelRecordType intelRecordType(std::uint8_t typeByte) {
     return typeByte <= 5 ? static_cast<IntelRecordType>(typeByte + 1) : IntelRecordType::Unknown;
 }
@@ -34,10 +34,10 @@ constexpr std::size_t intelRecordLength(std::size_t dataSize) {
 }
 
 /// Writes one Intel HEX record, ":LLAAAATT<data>CC" and a line feed, to `out`, which has room for
-/// it, and returns the position behind it.
+/// it, and returns the position after it.
 ///
 /// @param address   16-bit address field, written high byte first
-/// @param typeByte  00 to 05, as it stands in the file
+/// @param typeByte  00 to 05, as in the file
 /// @param data      at most 255 bytes, the reach of the count field, whose low eight bits it takes
 char* writeIntelRecord(char* out, std::uint16_t address, std::uint8_t typeByte,
                        std::span<const std::uint8_t> data);

@@ -21,7 +21,7 @@ char* writeSRecord(char* out, SRecordType type, std::span<const std::uint8_t> ad
         out = Util::writeHex(out, byte);
     }
     out = Util::writeHex(out, data);
-    // The seed carries the sum on. All in one array would be read before it is there.
+    // The seed carries the sum on. Reading back bytes just stored would stall on store forwarding.
     out = Util::writeHex(out, crc8OnesComplementSum(data, checksum));
     *out++ = '\n';
     return out;

@@ -26,7 +26,7 @@ constexpr std::size_t sRecordLength(std::size_t addressAndDataSize) {
 }
 
 /// Writes one S-record, "Sn", count, address, data and checksum, and a line feed, to `out`, which
-/// has room for it, and returns the position behind it.
+/// has room for it, and returns the position after it.
 ///
 /// @param type     not `Unknown`
 /// @param address  the address field, most significant byte first

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "io/File.hpp"
+#include "io/TextLines.hpp"
 #include "parser/ScriptParser.hpp"
 #include "platform/Platform.hpp"
 #include "selftest/LineTables.hpp"

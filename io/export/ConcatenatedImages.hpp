@@ -2,25 +2,26 @@
 
 #include <cstdint>
 #include <deque>
-#include <string_view>
 
+#include "facts/Facts.hpp"
 #include "io/export/ImageView.hpp"
 
 namespace Io::Export {
 
-/// Images one behind the other, for the formats without addresses.
+/// Images one after the other, for the formats without addresses.
 class ConcatenatedImages {
 public:
+    /// @param writer  the format, for reports
+    explicit ConcatenatedImages(Facts::OutputFormat writer) : writer_(writer) {}
+
     /// Appends `buffer`. Refused with a report, as a whole, if there would be more than 0xFFFFFFFF
     /// bytes then.
-    ///
-    /// @param writerName  opens the report
-    void append(const Buffer::MemoryBuffer& buffer, std::string_view writerName);
+    void append(const Buffer::MemoryBuffer& buffer);
 
     /// The number of bytes of all images.
     std::uint64_t size() const { return size_; }
 
-    /// Hands `take` the effective bytes of all images in order, piece by piece.
+    /// Hands `take` the effective bytes of all images in order, in pieces of up to 64 KiB.
     template <class Take>
     void forBytes(Take take) const {
         constexpr std::size_t pieceSize = std::size_t{1} << 16U;
@@ -28,6 +29,7 @@ public:
     }
 
 private:
+    Facts::OutputFormat writer_;
     std::deque<ImageView> images_;
     std::uint64_t size_ = 0;
 };

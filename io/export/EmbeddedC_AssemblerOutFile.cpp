@@ -30,9 +30,11 @@ bool isDottedName(std::string_view section) {
            section.find_first_not_of(letters, 1) == std::string_view::npos;
 }
 
-/// A row of elements as it stands in a line. Its text is copied as a whole and only the digits are
-/// put in, since so many short copies would take most of the time.
-class ElementRow {
+}  // namespace
+
+/// The text of a row of elements. It is copied as a whole and only the digits are put in: short
+/// copies element by element would take most of the time.
+class EmbeddedC_AssemblerOutFile::ElementRow {
 public:
     static constexpr std::size_t longest = 64;
 
@@ -43,9 +45,12 @@ public:
             text_ += style.elementSeparator + style.elementPrefix + "00";
     }
 
+    /// Characters of the longest row.
+    std::size_t size() const { return text_.size(); }
+
     /// Writes at most `longest` bytes.
     ///
-    /// @param isContinued  elements stand in front of them on the line
+    /// @param isContinued  the line has elements before these
     void write(PieceWriter& out, std::span<const std::uint8_t> bytes, bool isContinued) const {
         const std::size_t skipped = isContinued ? 0 : separatorSize_;
         const std::size_t elementSize = text_.size() / longest;
@@ -63,13 +68,11 @@ private:
     std::string text_;
 };
 
-}  // namespace
-
 EmbeddedC_AssemblerOutFile::EmbeddedC_AssemblerOutFile(std::string path, EmbeddedOutputStyle style)
     : TextOutFile(std::move(path)), outputStyle(std::move(style)) {}
 
 void EmbeddedC_AssemblerOutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
-    outputBytes.append(buffer, "EmbeddedC_AssemblerOutFile");
+    outputBytes.append(buffer);
 }
 
 std::string EmbeddedC_AssemblerOutFile::getTimeString() {
@@ -99,18 +102,16 @@ void EmbeddedC_AssemblerOutFile::saveToFile() {
     const std::string time = getTimeString();
     const std::string head = filledIn(outputStyle.header, time) + sectionLines();
     const std::string foot = filledIn(outputStyle.footer, time);
-    write([&](const Sink& sink) {
-        PieceWriter out(sink);
-        out.append(head);
-        writeDataLines(out);
-        out.append(foot);
-        out.flush();
-    });
+    const ElementRow row(outputStyle);
+    PieceWriter out = startOutput(row.size());
+    out.append(head);
+    writeDataLines(out, row);
+    out.append(foot);
+    out.finish();
 }
 
-void EmbeddedC_AssemblerOutFile::writeDataLines(PieceWriter& out) const {
+void EmbeddedC_AssemblerOutFile::writeDataLines(PieceWriter& out, const ElementRow& row) const {
     const std::size_t perLine = outputStyle.elementsPerLine;
-    const ElementRow row(outputStyle);
     std::size_t inLine = 0;
     outputBytes.forBytes([&](std::span<const std::uint8_t> bytes) {
         while (!bytes.empty()) {

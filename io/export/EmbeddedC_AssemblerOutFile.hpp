@@ -3,19 +3,19 @@
 #include <cstdint>
 #include <string>
 
-#include "io/File.hpp"
+#include "io/OutFile.hpp"
 #include "io/export/ConcatenatedImages.hpp"
 #include "io/export/OutputStyles.hpp"
-#include "io/export/PieceWriter.hpp"
 #include "io/export/TessaronExportApi.hpp"
 
 namespace Io::Export {
 
-/// Writes the bytes of the images, one behind the other, as byte directives for the inline
+/// Writes the bytes of the images, one after the other, as byte directives for the inline
 /// assembler of a C compiler, between a header and a footer.
 ///
-/// In both, "@size" stands for the number of bytes in hexadecimal, "@time" for the local time and
-/// "@elementsPerLine" for that setting.
+/// In both, "@size" is replaced by the number of bytes in hexadecimal, "@time" by the local time
+/// and
+/// "@elementsPerLine" by that setting.
 class EmbeddedC_AssemblerOutFile final : public TextOutFile, public TessaronExportApi {
 public:
     EmbeddedC_AssemblerOutFile(std::string path, EmbeddedOutputStyle style);
@@ -28,12 +28,14 @@ public:
     static std::string getTimeString();
 
 private:
+    class ElementRow;
+
     std::string filledIn(std::string text, const std::string& time) const;
     std::string sectionLines() const;
-    void writeDataLines(PieceWriter& out) const;
+    void writeDataLines(PieceWriter& out, const ElementRow& row) const;
 
     EmbeddedOutputStyle outputStyle;
-    ConcatenatedImages outputBytes;
+    ConcatenatedImages outputBytes{Facts::OutputFormat::EmbeddedC_Assembler};
 };
 
 }  // namespace Io::Export

@@ -5,7 +5,7 @@
 #include <exception>
 #include <utility>
 
-#include "util/Report.hpp"
+#include "facts/Listener.hpp"
 
 namespace Io::Export {
 
@@ -23,11 +23,9 @@ void writeRecord(PieceWriter& out, std::uint64_t address, IntelRecordType type,
         writeIntelRecord(place, static_cast<std::uint16_t>(address), typeByteOf(type), data));
 }
 
-void reportLength(std::uint32_t length, const char* bound, std::uint32_t allowed) {
-    Util::reportLine("IntelHexOutFile(Constructor-Operation). outputStyle.dataRecordLength was :",
-                     length);
-    Util::reportLine("The allowed ", bound, " have to be ", allowed, ", so the value was reset to ",
-                     allowed);
+void reportLength(std::uint32_t length, Facts::Bound bound, std::uint32_t allowed) {
+    Facts::report(
+        Facts::RecordLengthCorrected{Facts::OutputFormat::IntelHex, length, bound, allowed});
 }
 
 }  // namespace
@@ -35,8 +33,8 @@ void reportLength(std::uint32_t length, const char* bound, std::uint32_t allowed
 IntelHexOutFile::IntelHexOutFile(std::string path, IntelHexOutputStyle style)
     : TextOutFile(std::move(path)), outputStyle(style) {
     std::uint32_t& length = outputStyle.dataRecordLength;
-    if (length < shortestRecord) reportLength(length, "minimum", shortestRecord);
-    if (length > longestRecord) reportLength(length, "maximum", longestRecord);
+    if (length < shortestRecord) reportLength(length, Facts::Bound::Minimum, shortestRecord);
+    if (length > longestRecord) reportLength(length, Facts::Bound::Maximum, longestRecord);
     length = std::clamp(length, shortestRecord, longestRecord);
 }
 
@@ -73,11 +71,7 @@ OffsetInformation IntelHexOutFile::setOffsetInformation(std::uint64_t startAddre
         information.base = startAddress >> 16U;
         information.offset = startAddress & 0xFFFFU;
     }
-    if (!information.isValid) {
-        Util::reportLine("IntelHexOutFile(setOffsetInformation-Operation). StartAddress int (",
-                         startAddress, ") is not addressable with");
-        Util::reportLine("LinearAddressing. Nothing was written in file (", fileName, ")!");
-    }
+    if (!information.isValid) Facts::report(Facts::AddressNotExpressible{startAddress, fileName});
     return information;
 }
 
@@ -86,9 +80,7 @@ std::string IntelHexOutFile::getStringRepresentationFor(
     std::span<const Buffer::MemoryElement> elements) {
     if (recordType == IntelRecordType::Unknown ||
         recordType > IntelRecordType::StartLinearAddress) {
-        Util::reportLine(
-            "IntelHexOutFile(getStringRepresentationFor-Operation). Wrong addressing type int (",
-            static_cast<std::uint32_t>(recordType), ")");
+        Facts::report(Facts::RecordTypeUnknown{static_cast<std::uint32_t>(recordType)});
         throw std::exception();
     }
     std::vector<std::uint8_t> data(elements.size());
@@ -103,13 +95,11 @@ void IntelHexOutFile::saveToFile() {
     // Before the file is touched: one block out of reach cancels all of it.
     for (const ImageView& block : memoryBuffers)
         if (!setOffsetInformation(block.startAddress).isValid) return;
-    write([&](const Sink& sink) {
-        PieceWriter out(sink);
-        for (const ImageView& block : memoryBuffers) writeBlock(out, block);
-        if (hasExecutionAddress) writeStartRecord(out);
-        writeRecord(out, 0, IntelRecordType::EndOfFile, {});
-        out.flush();
-    });
+    PieceWriter out = startOutput();
+    for (const ImageView& block : memoryBuffers) writeBlock(out, block);
+    if (hasExecutionAddress) writeStartRecord(out);
+    writeRecord(out, 0, IntelRecordType::EndOfFile, {});
+    out.finish();
 }
 
 void IntelHexOutFile::writeBlock(PieceWriter& out, const ImageView& block) const {

@@ -5,11 +5,10 @@
 #include <span>
 #include <string>
 
-#include "io/File.hpp"
 #include "io/IntelHexRecord.hpp"
+#include "io/OutFile.hpp"
 #include "io/export/ImageView.hpp"
 #include "io/export/OutputStyles.hpp"
-#include "io/export/PieceWriter.hpp"
 #include "io/export/TessaronExportApi.hpp"
 
 namespace Io::Export {

@@ -5,7 +5,7 @@
 #include <bit>
 #include <utility>
 
-#include "util/Report.hpp"
+#include "facts/Listener.hpp"
 
 namespace Io::Export {
 
@@ -16,14 +16,12 @@ constexpr std::uint32_t largestRecord = 32;
 constexpr std::size_t moduleNameLength = 10;
 constexpr std::size_t descriptionLength = 18;
 constexpr std::uint64_t highestAddress = 0xFFFFFFFF;
-/// Data records that one count record stands for.
+/// Data records that one count record counts.
 constexpr std::uint32_t countedRecords = 65535;
 
-void reportSize(std::uint32_t size, const char* bound, std::uint32_t allowed) {
-    Util::reportLine(
-        "MotorolaS_OutFile(Constructor-Operation). outputStyle.maximumRecordSize was :", size);
-    Util::reportLine("The allowed ", bound, " have to be (int)", allowed,
-                     ", so the value was reset to (int) ", allowed);
+void reportSize(std::uint32_t size, Facts::Bound bound, std::uint32_t allowed) {
+    Facts::report(
+        Facts::RecordLengthCorrected{Facts::OutputFormat::MotorolaS, size, bound, allowed});
 }
 
 /// Writes `value` to `field`, most significant byte first.
@@ -42,8 +40,8 @@ std::size_t bytesNeeded(std::uint64_t value) {
 MotorolaS_OutFile::MotorolaS_OutFile(std::string path, const MotorolaSOutputStyle& style)
     : TextOutFile(std::move(path)), outputStyle(style) {
     std::uint32_t& size = outputStyle.maximumRecordSize;
-    if (size < smallestRecord) reportSize(size, "minimum", smallestRecord);
-    if (size > largestRecord) reportSize(size, "maximum", largestRecord);
+    if (size < smallestRecord) reportSize(size, Facts::Bound::Minimum, smallestRecord);
+    if (size > largestRecord) reportSize(size, Facts::Bound::Maximum, largestRecord);
     size = std::clamp(size, smallestRecord, largestRecord);
     std::string& name = outputStyle.moduleName;
     name.insert(0, moduleNameLength - std::min(moduleNameLength, name.size()), ' ');
@@ -52,13 +50,9 @@ MotorolaS_OutFile::MotorolaS_OutFile(std::string path, const MotorolaSOutputStyl
 }
 
 void MotorolaS_OutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
-    const std::uint64_t end = buffer.getStartAddress() + buffer.getDataLength();
+    const std::uint64_t end = buffer.getArea().end();
     if (end > highestAddress + 1) {
-        Util::reportLine(
-            "MotorolaS_OutFile(insertMemoryBuffer-Operation). The inserted MemoryBuffer has a to "
-            "big Offset for Motorola Format.");
-        Util::reportLine("The MemoryBuffer will not be inserted.");
-        Util::reportLine("The allowed maximum Offset have to be (int)", highestAddress);
+        Facts::report(Facts::ImageBeyondSRecords{highestAddress});
         return;
     }
     memoryBuffers.emplace_back(buffer);
@@ -105,13 +99,11 @@ void MotorolaS_OutFile::saveToFile() {
     Progress progress;
     progress.data.address.reserve(sizeof(std::uint64_t));
     progress.count.address.reserve(sizeof(std::uint64_t));
-    write([&](const Sink& sink) {
-        PieceWriter out(sink);
-        writeRecord(out, first);
-        for (const ImageView& image : memoryBuffers) writeImage(out, image, progress);
-        writeRecord(out, terminator);
-        out.flush();
-    });
+    PieceWriter out = startOutput();
+    writeRecord(out, first);
+    for (const ImageView& image : memoryBuffers) writeImage(out, image, progress);
+    writeRecord(out, terminator);
+    out.finish();
 }
 
 void MotorolaS_OutFile::writeRecord(PieceWriter& out, const SRecord& record) {
@@ -136,7 +128,7 @@ void MotorolaS_OutFile::writeImage(PieceWriter& out, const ImageView& image,
     if (image.elements.empty()) writeData({});
     forEffectiveBytes(image.elements, outputStyle.maximumRecordSize,
                       [&](std::span<const std::uint8_t> data) {
-                          // A count is due with the next byte: none stands at the file's end.
+                          // Due only before a further byte: no file ends with a count.
                           if (progress.uncounted >= countedRecords) writeCount(out, progress);
                           writeData(data);
                       });

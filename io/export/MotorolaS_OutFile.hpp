@@ -6,11 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "io/File.hpp"
+#include "io/OutFile.hpp"
 #include "io/SRecord.hpp"
 #include "io/export/ImageView.hpp"
 #include "io/export/OutputStyles.hpp"
-#include "io/export/PieceWriter.hpp"
 #include "io/export/TessaronExportApi.hpp"
 
 namespace Io::Export {
@@ -25,11 +24,11 @@ struct SRecord {
 enum class SRecordKind { Data, Terminator };
 
 /// Writes S-records: a header, the data with one address width for the whole file, a count record
-/// behind every 65535 data records, and a terminator with the execution address.
+/// after every 65535 data records, and a terminator with the execution address.
 class MotorolaS_OutFile final : public TextOutFile, public TessaronExportApi {
 public:
-    /// A `maximumRecordSize` outside 21 to 32 is reported and corrected. The module name is filled
-    /// up with blanks in front to ten characters, the description behind to eighteen.
+    /// A `maximumRecordSize` outside 21 to 32 is reported and corrected. The module name is padded
+    /// on the left to ten characters, the description on the right to eighteen.
     MotorolaS_OutFile(std::string path, const MotorolaSOutputStyle& style);
 
     /// An image that reaches beyond 0xFFFFFFFF is reported and left out.

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-/// Settings of the writers, as they stand on their own; WRITE_FILE brings its own templates.
+/// Settings of the writers and their defaults; WRITE_FILE has templates of its own.
 namespace Io::Export {
 
 struct IntelHexOutputStyle {
@@ -16,7 +16,7 @@ struct MotorolaSOutputStyle {
     std::string description = "Created By Tessaron 2008";  ///< last field of the S0 record
     std::uint8_t version = 0;
     std::uint8_t revision = 0;
-    std::uint32_t maximumRecordSize = 36;  ///< data bytes a record, 21 to 32; reported as it stands
+    std::uint32_t maximumRecordSize = 36;  ///< data bytes a record, 21 to 32; 36 is reported
 };
 
 struct EmbeddedOutputStyle {
@@ -25,7 +25,7 @@ struct EmbeddedOutputStyle {
     std::string linePrefix;              ///< text at the start of a data line
     std::string elementPrefix = "0x";    ///< text in front of a byte
     std::string elementSeparator = " ";  ///< text between two bytes of a line
-    std::string footer;                  ///< text behind the data
+    std::string footer;                  ///< text after the data
     std::uint32_t elementsPerLine = 16;  ///< bytes a data line; 0 for all of them on one line
 };
 

@@ -3,15 +3,13 @@
 namespace Io::Export {
 
 void RawBinaryOutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
-    outputBytes.append(buffer, "RawBinaryOutFile");
+    outputBytes.append(buffer);
 }
 
 void RawBinaryOutFile::saveToFile() {
-    write([this](const Sink& sink) {
-        outputBytes.forBytes([&](std::span<const std::uint8_t> bytes) {
-            sink({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-        });
-    });
+    PieceWriter out = startOutput();
+    outputBytes.forBytes([&out](std::span<const std::uint8_t> bytes) { out.append(bytes); });
+    out.finish();
 }
 
 }  // namespace Io::Export

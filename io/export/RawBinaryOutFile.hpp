@@ -4,13 +4,13 @@
 #include <string>
 #include <utility>
 
-#include "io/File.hpp"
+#include "io/OutFile.hpp"
 #include "io/export/ConcatenatedImages.hpp"
 #include "io/export/TessaronExportApi.hpp"
 
 namespace Io::Export {
 
-/// Writes the images byte for byte, one behind the other; their addresses are dropped.
+/// Writes the images byte for byte, one after the other; their addresses are dropped.
 class RawBinaryOutFile final : public BinaryOutFile, public TessaronExportApi {
 public:
     explicit RawBinaryOutFile(std::string path) : BinaryOutFile(std::move(path)) {}
@@ -20,7 +20,7 @@ public:
     void setExecutionAddress(std::uint64_t /*address*/) override {}
 
 private:
-    ConcatenatedImages outputBytes;
+    ConcatenatedImages outputBytes{Facts::OutputFormat::RawBinary};
 };
 
 }  // namespace Io::Export

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
-#include "io/File.hpp"
 #include "io/import/FormatScan.hpp"
 #include "io/import/TessaronImportApi.hpp"
 
@@ -13,10 +13,11 @@ namespace Io::Import {
 struct RawBinaryTag {};
 inline constexpr RawBinaryTag rawBinary;
 
-/// A file of any format: finds out which one it is and hands every question to its reader.
+/// A file of any format: detects which one it is and forwards every operation to its reader.
 class GenericInFile final : public TessaronImportApi {
 public:
-    /// Tells the format from the first character of each line, see FormatScan.
+    /// Detects the format by the first character of each line, see FormatScan, and reads the file
+    /// in the same pass.
     ///
     /// @throws Io::bad_open
     explicit GenericInFile(std::string path);
@@ -44,18 +45,6 @@ public:
     InFileType type() const { return fileType; }
 
 private:
-    /// Looks at the lines that are left.
-    static InFileType detectFileType(TextLines& lines, FormatScan& scan);
-
-    /// Has `Reader` take the file while its format is still being found out. If all is as it should
-    /// be, this spares a pass.
-    template <class Reader>
-    void readAtOnce(TextLines lines, FormatScan& scan);
-
-    /// @param lines  of the same file. The reader goes on with it: opened by its name once more, it
-    ///               could be another one by now.
-    std::unique_ptr<TessaronImportApi> createReader(TextLines lines) const;
-
     std::string fileName;
     InFileType fileType;
     std::unique_ptr<TessaronImportApi> reader;

@@ -8,7 +8,7 @@
 
 #include "util/Hex.hpp"
 
-/// Parsers for the records of the text formats, for the sources of the two readers and no other.
+/// The syntax of a record, for the sources of the two parsers only: Spirit is heavy.
 namespace Io::Import {
 
 namespace Spirit = boost::spirit::classic;
@@ -18,8 +18,6 @@ struct RecordBytes {
     /// More than any record has: an S-record of unknown type is matched against 511 bytes.
     std::array<std::uint8_t, 512> bytes;
     std::size_t size = 0;
-
-    void clear() { size = 0; }
 };
 
 /// Exactly `count` bytes of two hexadecimal digits each, appended to the record. The count is read
@@ -48,21 +46,12 @@ private:
     RecordBytes* record_;
 };
 
-/// Matches the whole of `line`, or of what stands in front of a zero byte in it, which is no part
-/// of any record.
+/// Matches the whole of `line`, or all of it before a zero byte, which is no part of any record.
 template <class Syntax>
 bool matchesLine(std::string_view line, const Syntax& syntax, RecordBytes& record) {
-    record.clear();
+    record.size = 0;
     const auto info = Spirit::parse(line.data(), line.data() + line.size(), syntax);
     return info.hit && (info.full || *info.stop == '\0');
-}
-
-/// The big-endian number that `bytes` form.
-template <class Bytes>
-std::uint64_t bigEndian(const Bytes& bytes) {
-    std::uint64_t number = 0;
-    for (const std::uint8_t byte : bytes) number = number << 8U | byte;
-    return number;
 }
 
 }  // namespace Io::Import

@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <utility>
 
-#include "io/import/ParsedData.hpp"
-#include "util/Report.hpp"
+#include "facts/Listener.hpp"
+#include "io/import/ReaderReports.hpp"
 
 namespace Io::Import {
 
 namespace {
 
-constexpr std::string_view readerName = "RawBinaryInFile";
 constexpr std::uint64_t mostBytes = 0xFFFFFFFF;
 
 }  // namespace
@@ -27,12 +26,7 @@ RawBinaryInFile::RawBinaryInFile(const std::string& path, Platform::InputFile fi
 void RawBinaryInFile::limitLength() {
     dataLength = std::min(fileSize(), mostBytes);
     if (fileSize() <= mostBytes) return;
-    Util::reportLine(
-        "RawBinaryInFile(constructor-Operation). The information extracted from output file, "
-        "contains too much DataElements.");
-    Util::reportLine("  The max possible amount of Elements is : (int)", mostBytes);
-    Util::reportLine("  The dataLength is changed from: (int)", fileSize(), " to: (int)",
-                     mostBytes);
+    Facts::report(Facts::RawFileTooLong{mostBytes, fileSize()});
 }
 
 Buffer::MemoryBuffer RawBinaryInFile::getMemory(std::uint64_t start, std::uint64_t length) const {
@@ -46,18 +40,19 @@ Buffer::MemoryBuffer RawBinaryInFile::getMemory(std::uint64_t start, std::uint64
 }
 
 void RawBinaryInFile::fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const {
-    const std::uint64_t start = buffer.getStartAddress();
-    const std::uint64_t length = buffer.getDataLength();
-    if (start + length > dataLength) {
-        reportRange(readerName, "fillMemoryBuffer", {start, length}, "Nothing was filled",
-                    minAddress, dataLength, getInformation());
+    const Buffer::Area range = buffer.getArea();
+    const Buffer::Area data{minAddress, dataLength};
+    if (!data.contains(range)) {
+        reportRange(Facts::InputFormat::RawBinary, Facts::ReadOperation::FillMemoryBuffer, range,
+                    data, getInformation());
         return;
     }
-    buffer.fillFrom(getMemory(start, length).viewElements(), start);
+    buffer.fillFrom(getMemory(range.start, range.length).viewElements(), range.start);
 }
 
 std::string RawBinaryInFile::getInformation() const {
-    return informationAbout(readerName, dataLength, minAddress, minAddress + dataLength);
+    return informationAbout(Facts::InputFormat::RawBinary, dataLength, minAddress,
+                            minAddress + dataLength);
 }
 
 }  // namespace Io::Import

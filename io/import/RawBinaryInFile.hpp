@@ -3,13 +3,13 @@
 #include <cstdint>
 #include <string>
 
-#include "io/File.hpp"
+#include "io/InFile.hpp"
 #include "io/import/TessaronImportApi.hpp"
 
 namespace Io::Import {
 
-/// Any file as it is: byte n of the file has the address n. Of a file of more than 0xFFFFFFFF bytes
-/// only so many count, with a report.
+/// Any file as raw bytes: byte n of the file has the address n. A file of more than 0xFFFFFFFF
+/// bytes is cut to that length, with a report.
 class RawBinaryInFile final : public BinaryInFile, public TessaronImportApi {
 public:
     /// @throws Io::bad_open
@@ -27,7 +27,7 @@ public:
     Buffer::AreaList getDataAreas() const override { return {{minAddress, dataLength}}; }
     void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const override;
 
-    /// Four lines; the last one shows the address behind the last byte.
+    /// Four lines; the last one shows the address one past the last byte.
     std::string getInformation() const;
 
 private:

@@ -1,27 +1,20 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
-#include <string_view>
-#include <utility>
 
-#include "io/File.hpp"
-#include "io/import/FormatScan.hpp"
-#include "io/import/ParsedData.hpp"
+#include "io/InFile.hpp"
+#include "io/TextLines.hpp"
+#include "io/import/RecordParser.hpp"
 #include "io/import/TessaronImportApi.hpp"
 
 namespace Io::Import {
 
-/// What the readers of the two text formats have in common: data that a parse of the lines leaves
-/// behind, and the answers to all questions about it.
+/// What the readers of the two text formats have in common: the report on what the parse of the
+/// file has left, and the answers to all questions about its data.
 class RecordInFile : public TextInFile, public TessaronImportApi {
 public:
-    /// All of the file has been read. If not, the reader answers no question.
-    bool isFinished() const { return isComplete; }
-
-    /// The lines of a file that was left unfinished.
-    TextLines takeLines() { return releaseLines(); }
-
     std::uint64_t getMinAddress() const override { return parsedData.minAddress(); }
     std::uint64_t getDataLength() const override { return parsedData.dataLength(); }
     Buffer::MemoryBuffer getMemory() const override {
@@ -31,8 +24,8 @@ public:
     Buffer::MemoryBuffer getMemory(std::uint64_t start, std::uint64_t length) const override {
         return parsedData.getMemory(start, length);
     }
-    bool hasStartAddress() const override { return isStartAddressSet; }
-    std::uint64_t getStartAddress() const override { return startAddress; }
+    bool hasStartAddress() const override { return startAddress.has_value(); }
+    std::uint64_t getStartAddress() const override { return startAddress.value_or(0); }
     Buffer::AreaList getDataAreas() const override { return parsedData.getDataAreas(); }
     void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const override {
         parsedData.fillMemoryBuffer(buffer);
@@ -40,15 +33,21 @@ public:
     std::string getInformation() const { return parsedData.getInformation(); }
 
 protected:
-    /// @param readerName  for the reports
-    RecordInFile(const std::string& path, TextLines lines, std::string_view readerName)
-        // Two digits make a byte, so there are no more bytes than half the characters.
-        : TextInFile(path, std::move(lines)), parsedData(readerName, fileSize() / 2) {}
+    /// @param lines   of the file `path`, all of them taken by the parser
+    /// @param parsed  what the parser made of them
+    /// @param mostBytes  addresses that the span of the data may have; what lies beyond them is
+    ///                   cut off, with a report
+    /// @throws std::bad_alloc  if the parser ran out of memory
+    /// @throws Io::bad_open  if the file has changed since it was opened
+    RecordInFile(const std::string& path, TextLines& lines, ParsedFile parsed,
+                 std::uint64_t mostBytes);
 
-    bool isComplete = false;
-    bool isStartAddressSet = false;
-    std::uint64_t startAddress = 0;
+private:
+    void limitSpan(std::uint64_t mostBytes);
+    void reportFault(TextLines& lines, const ParsedFile& parsed) const;
+
     ParsedData parsedData;
+    std::optional<std::uint64_t> startAddress;
 };
 
 }  // namespace Io::Import

@@ -5,25 +5,14 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
-#include <functional>
-#include <iostream>
 #include <iterator>
 #include <string>
 #include <vector>
 
 #include "buffer/MemoryBuffer.hpp"
+#include "tests/ExpectedFacts.hpp"
 
 namespace Tests {
-
-/// What `work` prints on standard output, from a stream in decimal state on.
-inline std::string printedBy(const std::function<void()>& work) {
-    std::cout << std::dec;
-    testing::internal::CaptureStdout();
-    work();
-    std::string text = testing::internal::GetCapturedStdout();
-    std::cout << std::dec;
-    return text;
-}
 
 /// A path for a file of the running test.
 inline std::string temporaryPath(const std::string& name = "file") {

@@ -11,8 +11,8 @@ namespace {
 using namespace Io::Export;
 using Buffer::MemoryBuffer;
 using Tests::contentsOf;
+using Tests::ExpectedFacts;
 using Tests::imageOf;
-using Tests::printedBy;
 using Tests::temporaryPath;
 
 /// What a writer leaves on the disk.
@@ -61,39 +61,32 @@ TEST(IntelHexOutFileTest, RecordsAreCutAtTheirLengthAndAtBlocks) {
 }
 
 TEST(IntelHexOutFileTest, RefusesWhatItCannotReachAndTouchesNothing) {
-    std::ofstream(temporaryPath()) << "kept";
-    const std::string report =
-        ") is not addressable with\nLinearAddressing. Nothing was written in file (" +
-        temporaryPath() + ")!\n";
-    const std::string operation =
-        "IntelHexOutFile(setOffsetInformation-Operation). StartAddress int (";
-    EXPECT_EQ(
-        printedBy([] {
-            EXPECT_EQ(written(intelHex(), {imageOf(0, {1}), imageOf(0x100000000, {2})}), "kept");
-            EXPECT_EQ(written(intelHex(true), {imageOf(0x100000, {2})}), "kept");
-        }),
-        operation + "4294967296" + report + operation + "1048576" + report);
-    EXPECT_EQ(printedBy([] {
-                  EXPECT_NE(written(intelHex(true), {imageOf(0xFFFF0, Tests::someBytes(0x20))}),
-                            "kept");
-              }),
-              "");
-    EXPECT_EQ(printedBy([] {
-                  EXPECT_EQ(written(intelHex(false, 0), {imageOf(0, {1, 2})}),
-                            written(intelHex(false, 1), {imageOf(0, {1, 2})}));
-                  intelHex(false, 256);
-              }),
-              "IntelHexOutFile(Constructor-Operation). outputStyle.dataRecordLength was :0\n"
-              "The allowed minimum have to be 1, so the value was reset to 1\n"
-              "IntelHexOutFile(Constructor-Operation). outputStyle.dataRecordLength was :256\n"
-              "The allowed maximum have to be 255, so the value was reset to 255\n");
-    EXPECT_EQ(printedBy([] {
-                  EXPECT_THROW(
-                      intelHex().getStringRepresentationFor(0, Io::IntelRecordType::Unknown, {}),
-                      std::exception);
-              }),
-              "IntelHexOutFile(getStringRepresentationFor-Operation). Wrong addressing type int "
-              "(0)\n");
+    const std::string path = temporaryPath();
+    std::ofstream(path) << "kept";
+    const ExpectedFacts expected({Facts::AddressNotExpressible{0x100000000, path},
+                                  Facts::AddressNotExpressible{0x100000, path}});
+    EXPECT_EQ(written(intelHex(), {imageOf(0, {1}), imageOf(0x100000000, {2})}), "kept");
+    EXPECT_EQ(written(intelHex(true), {imageOf(0x100000, {2})}), "kept");
+    EXPECT_NE(written(intelHex(true), {imageOf(0xFFFF0, Tests::someBytes(0x20))}), "kept");
+}
+
+TEST(IntelHexOutFileTest, CorrectsItsRecordLength) {
+    using enum Facts::OutputFormat;
+    const ExpectedFacts expected(
+        {Facts::RecordLengthCorrected{IntelHex, 0, Facts::Bound::Minimum, 1},
+         Facts::RecordLengthCorrected{IntelHex, 256, Facts::Bound::Maximum, 255}});
+    EXPECT_EQ(written(intelHex(false, 0), {imageOf(0, {1, 2})}),
+              written(intelHex(false, 1), {imageOf(0, {1, 2})}));
+    intelHex(false, 255);
+    intelHex(false, 256);
+}
+
+TEST(IntelHexOutFileTest, RefusesRecordTypesThatTheFormatDoesNotHave) {
+    const ExpectedFacts expected({Facts::RecordTypeUnknown{0}, Facts::RecordTypeUnknown{7}});
+    for (const std::uint32_t type : {0U, 7U})
+        EXPECT_THROW(
+            intelHex().getStringRepresentationFor(0, static_cast<Io::IntelRecordType>(type), {}),
+            std::exception);
 }
 
 TEST(IntelHexOutFileTest, OneRecordAsText) {
@@ -143,7 +136,7 @@ TEST(MotorolaS_OutFileTest, CountsItsRecordsInThreeWidths) {
         writer.insertMemoryBuffer(last);
         writer.saveToFile();
         const std::string text = contentsOf(temporaryPath());
-        // Due behind record 65535, which is the first of the last image.
+        // Due after record 65535, which is the first of the last image.
         const std::size_t at = text.find(count);
         ASSERT_NE(at, std::string::npos);
         EXPECT_EQ(std::count(text.begin() + static_cast<std::ptrdiff_t>(at), text.end(), '\n'), 4);
@@ -152,27 +145,13 @@ TEST(MotorolaS_OutFileTest, CountsItsRecordsInThreeWidths) {
 }
 
 TEST(MotorolaS_OutFileTest, ReportsAndCorrects) {
-    const std::string was =
-        "MotorolaS_OutFile(Constructor-Operation). outputStyle.maximumRecordSize was :";
-    EXPECT_EQ(printedBy([] {
-                  motorola(20);
-                  motorola(21);
-                  motorola(32);
-                  motorola(36);
-              }),
-              was +
-                  "20\nThe allowed minimum have to be (int)21, so the value was reset to (int) "
-                  "21\n" +
-                  was +
-                  "36\nThe allowed maximum have to be (int)32, so the value was reset to (int) "
-                  "32\n");
-    EXPECT_EQ(printedBy([] {
-                  EXPECT_EQ(written(motorola(), {imageOf(0xFFFFFFFF, {1, 2})}),
-                            motorolaHeader + "S9030000FC\n");
-              }),
-              "MotorolaS_OutFile(insertMemoryBuffer-Operation). The inserted MemoryBuffer has a to "
-              "big Offset for Motorola Format.\nThe MemoryBuffer will not be inserted.\n"
-              "The allowed maximum Offset have to be (int)4294967295\n");
+    using enum Facts::OutputFormat;
+    const ExpectedFacts expected(
+        {Facts::RecordLengthCorrected{MotorolaS, 20, Facts::Bound::Minimum, 21},
+         Facts::RecordLengthCorrected{MotorolaS, 36, Facts::Bound::Maximum, 32},
+         Facts::ImageBeyondSRecords{0xFFFFFFFF}});
+    for (const std::uint32_t size : {20U, 21U, 32U, 36U}) motorola(size);
+    EXPECT_EQ(written(motorola(), {imageOf(0xFFFFFFFF, {1, 2})}), motorolaHeader + "S9030000FC\n");
     MotorolaSOutputStyle style{"abc", "short", 1, 2, 32};
     MotorolaS_OutFile named(temporaryPath(), style);
     named.saveToFile();
@@ -181,7 +160,7 @@ TEST(MotorolaS_OutFileTest, ReportsAndCorrects) {
               "05\nS");
 }
 
-TEST(RawBinaryOutFileTest, ImagesStandOneBehindTheOther) {
+TEST(RawBinaryOutFileTest, WritesImagesOneAfterTheOther) {
     EXPECT_EQ(written(RawBinaryOutFile(temporaryPath()), {}), "");
     MemoryBuffer filled(0x10, 2);
     filled.fillMemory(std::vector<Buffer::MemoryElement>{{0, 'x', 0}}, 0x10, 2);
@@ -190,26 +169,19 @@ TEST(RawBinaryOutFileTest, ImagesStandOneBehindTheOther) {
               "b\nxxa");
 }
 
-template <class Writer>
-void expectRefusalBeyond32Bits(Writer&& writer, const std::string& name) {
+void expectRefusalBeyond32Bits(TessaronExportApi&& writer, Facts::OutputFormat format) {
+    const ExpectedFacts expected({Facts::TooManyBytes{format, 0xFFFFFFFF}});
     // Costs no memory as long as nothing is written into it.
     const MemoryBuffer sixteenth(0, 0x10000000);
-    EXPECT_EQ(printedBy([&] {
-                  for (int i = 0; i < 15; ++i) writer.insertMemoryBuffer(sixteenth);
-                  writer.insertMemoryBuffer(MemoryBuffer(0, 0xFFFFFFF));
-              }),
-              "");
-    EXPECT_EQ(printedBy([&] { writer.insertMemoryBuffer(MemoryBuffer(0, 1)); }),
-              name +
-                  "(insertMemoryBuffer-Operation). The operation was not successful, because the "
-                  "resulting\nNumber of elements will be bigger than (int) 4294967295\nNothing was "
-                  "inserted.\n");
+    for (int i = 0; i < 15; ++i) writer.insertMemoryBuffer(sixteenth);
+    writer.insertMemoryBuffer(MemoryBuffer(0, 0xFFFFFFF));
+    writer.insertMemoryBuffer(MemoryBuffer(0, 1));
 }
 
 TEST(OutFileTest, FormatsWithoutAddressesTakeWhat32BitsCount) {
-    expectRefusalBeyond32Bits(RawBinaryOutFile(temporaryPath()), "RawBinaryOutFile");
+    expectRefusalBeyond32Bits(RawBinaryOutFile(temporaryPath()), Facts::OutputFormat::RawBinary);
     expectRefusalBeyond32Bits(EmbeddedC_AssemblerOutFile(temporaryPath(), {}),
-                              "EmbeddedC_AssemblerOutFile");
+                              Facts::OutputFormat::EmbeddedC_Assembler);
 }
 
 std::string embedded(const std::string& section, std::uint32_t perLine,
@@ -251,17 +223,13 @@ TEST(EmbeddedC_AssemblerOutFileTest, TheThreeShapesAndTheLines) {
     EXPECT_EQ(time[13], ':');
 }
 
-TEST(OutFileTest, SaysWhatCouldNotBeWritten) {
+TEST(OutFileTest, ReportsWhatCouldNotBeWritten) {
     EXPECT_THROW(written(RawBinaryOutFile("/no/such/folder/file"), {}), Io::bad_open);
     EXPECT_THROW(written(RawBinaryOutFile("/tmp"), {}), Io::bad_open);
-    testing::internal::CaptureStderr();
+    const ExpectedFacts expected(
+        {Facts::FileWriteIncomplete{"/dev/full"}, Facts::FileWriteIncomplete{"/dev/full"}});
     written(RawBinaryOutFile("/dev/full"), {imageOf(0, {1})});
-    IntelHexOutFile hex("/dev/full", {});
-    const MemoryBuffer image = imageOf(0, Tests::someBytes(1 << 20));
-    hex.insertMemoryBuffer(image);
-    hex.saveToFile();
-    const std::string warning = "Warning: File /dev/full could not be written completely !\n";
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), warning + warning);
+    written(IntelHexOutFile("/dev/full", {}), {imageOf(0, Tests::someBytes(1 << 20))});
 }
 
 }  // namespace

@@ -1,0 +1,35 @@
+#include "io/InFile.hpp"
+
+#include "facts/Listener.hpp"
+#include "io/TextLines.hpp"
+
+namespace Io {
+
+namespace {
+
+/// A file that could not be read to its end counts with what was read. One that changed meanwhile
+/// would count as a mixture of what it was and what it became.
+void judge(Platform::Reading reading, const std::string& path) {
+    if (reading == Platform::Reading::Changed) throw bad_open();
+    if (reading == Platform::Reading::Failed) Facts::report(Facts::FileReadIncomplete{path});
+}
+
+}  // namespace
+
+Platform::InputFile openInput(const std::string& path) {
+    auto file = Platform::InputFile::open(path);
+    if (!file) throw bad_open();
+    return std::move(*file);
+}
+
+void TextInFile::close(const TextLines& lines) const {
+    judge(lines.reading(), fileName);
+}
+
+std::size_t BinaryInFile::read(std::uint64_t start, std::span<std::uint8_t> out) const {
+    const std::size_t got = file_.readAt(start, {reinterpret_cast<char*>(out.data()), out.size()});
+    judge(file_.reading(), fileName);
+    return got;
+}
+
+}  // namespace Io

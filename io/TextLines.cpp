@@ -1,0 +1,91 @@
+#include "io/TextLines.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "io/InFile.hpp"
+
+namespace Io {
+
+namespace {
+
+/// Small enough to stay in the cache of a core while its lines are parsed.
+constexpr std::size_t pieceSize = std::size_t{1} << 17U;
+
+}  // namespace
+
+TextLines::TextLines(const std::string& path) : file_(openInput(path)) {}
+
+bool TextLines::next() {
+    lineBegin_ = next_;
+    line_ = {};
+    const bool hasFeed = findLineEnd();
+    if (next_ == lineBegin_) return false;
+    std::size_t length = next_ - lineBegin_;
+    const char* const first = reinterpret_cast<const char*>(piece_.data()) + lineBegin_;
+    if (hasFeed) {
+        --length;
+        if (length != 0 && first[length - 1] == '\r') --length;
+    }
+    line_ = {first, length};
+    return true;
+}
+
+/// Sets `next_` one past the line that begins at `lineBegin_`. False if it has no line feed. Reads
+/// on until it is known whether anything follows.
+bool TextLines::findLineEnd() {
+    std::size_t searched = 0;
+    for (;;) {
+        const std::size_t from = lineBegin_ + searched;
+        const auto* const text = reinterpret_cast<const char*>(piece_.data());
+        const void* const feed =
+            from == end_ ? nullptr : std::memchr(text + from, '\n', end_ - from);
+        next_ = feed == nullptr
+                    ? end_
+                    : static_cast<std::size_t>(static_cast<const char*>(feed) - text) + 1;
+        if (isTextRead_ || next_ != end_) return feed != nullptr;
+        searched = next_ - lineBegin_ - (feed == nullptr ? 0 : 1);
+        readOn();
+    }
+}
+
+/// Moves what there is of the current line to the start of the piece and reads on after it.
+void TextLines::readOn() {
+    constexpr char endOfText = 0x1A;
+    const std::size_t kept = end_ - lineBegin_;
+    const std::uint64_t fileRest = fileSize() - pieceStart_ - end_;
+    if (piece_.size() - kept < std::min<std::uint64_t>(pieceSize / 2, fileRest)) {
+        // A line that outgrows the piece at least doubles it, so that its length costs linear time.
+        const std::uint64_t room = std::min<std::uint64_t>(std::max(kept, pieceSize), fileRest);
+        Platform::PageBlock larger(kept + static_cast<std::size_t>(room));
+        if (kept != 0) std::memcpy(larger.data(), piece_.data() + lineBegin_, kept);
+        piece_ = std::move(larger);
+    } else if (kept != 0) {
+        std::memmove(piece_.data(), piece_.data() + lineBegin_, kept);
+    }
+    pieceStart_ += lineBegin_;
+    lineBegin_ = 0;
+    end_ = kept;
+    char* const out = reinterpret_cast<char*>(piece_.data()) + kept;
+    const auto wanted =
+        static_cast<std::size_t>(std::min<std::uint64_t>(piece_.size() - kept, fileRest));
+    const std::size_t got = file_.readAt(pieceStart_ + kept, {out, wanted});
+    const void* const stop = got == 0 ? nullptr : std::memchr(out, endOfText, got);
+    end_ += stop == nullptr ? got : static_cast<std::size_t>(static_cast<const char*>(stop) - out);
+    isTextRead_ = stop != nullptr || got == fileRest || got < wanted;
+}
+
+void TextLines::moveTo(std::uint64_t position) {
+    line_ = {};
+    if (position >= pieceStart_ && position - pieceStart_ <= end_) {
+        next_ = static_cast<std::size_t>(position - pieceStart_);
+        return;
+    }
+    pieceStart_ = position;
+    next_ = 0;
+    end_ = 0;
+    isTextRead_ = false;
+}
+
+}  // namespace Io

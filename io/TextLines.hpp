@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "platform/Platform.hpp"
+
+namespace Io {
+
+/// The lines of a text file, one after the other, as text mode gives them: no carriage return in
+/// front of a line feed, nothing from a byte 0x1A on, no last line of no characters.
+///
+/// Memory holds no more of the file than a piece of it or its longest line.
+class TextLines {
+public:
+    /// @throws bad_open
+    explicit TextLines(const std::string& path);
+
+    /// Bytes that the file had when it was opened; no text is longer.
+    std::uint64_t fileSize() const { return file_.size(); }
+
+    /// Moves on to the next line, the first one at first; false when there is none.
+    bool next();
+
+    /// The current line, without its end, until `next` or `moveTo`.
+    std::string_view line() const { return line_; }
+
+    /// Byte of the file at which the current line begins.
+    std::uint64_t position() const { return pieceStart_ + lineBegin_; }
+
+    /// The current line is the last one.
+    bool isLast() const { return isTextRead_ && next_ == end_; }
+
+    /// Makes the line that begins at byte `position` of the file the next one.
+    void moveTo(std::uint64_t position);
+
+    /// Whether what was read so far is the file as it was when it was opened.
+    Platform::Reading reading() const { return file_.reading(); }
+
+    /// The open file, for a caller that wants its bytes.
+    Platform::InputFile takeFile() { return std::move(file_); }
+
+private:
+    bool findLineEnd();
+    void readOn();
+
+    Platform::InputFile file_;
+    Platform::PageBlock piece_;
+    std::uint64_t pieceStart_ = 0;  ///< position of the piece in the file
+    std::size_t lineBegin_ = 0;     ///< of the current line, in the piece
+    std::size_t next_ = 0;          ///< one past the current line and its end
+    std::size_t end_ = 0;           ///< one past what has been read
+    bool isTextRead_ = false;       ///< the file has no more text than the piece
+    std::string_view line_;
+};
+
+}  // namespace Io

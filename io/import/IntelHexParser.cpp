@@ -1,0 +1,118 @@
+#include "io/import/IntelHexParser.hpp"
+
+#include <algorithm>
+#include <optional>
+
+#include "io/import/HexRecordSyntax.hpp"
+#include "util/crc/GenericCrc.hpp"
+
+namespace Io::Import {
+
+namespace {
+
+/// The type digits of an end-of-file record are in their place, whatever else the line holds.
+bool isEndOfFile(std::string_view line) {
+    constexpr std::size_t typePosition = 7;
+    return line.starts_with(':') && line.substr(std::min(typePosition, line.size()), 2) == "01";
+}
+
+auto recordSyntax(RecordBytes& bytes) {
+    const auto head = [] { return std::size_t{4}; };
+    const auto dataAndChecksum = [&bytes] { return std::size_t{bytes.bytes[0]} + 1; };
+    return Spirit::ch_p(':') >> HexBytes(head, bytes) >> HexBytes(dataAndChecksum, bytes);
+}
+
+}  // namespace
+
+/// The syntax of a record and the bytes that it has matched. To build it takes as long as to match
+/// a line, so it is built once.
+class IntelHexParser::Syntax {
+public:
+    /// The record that `line` is, or nothing.
+    std::optional<Record> match(std::string_view line) {
+        if (!matchesLine(line, syntax_, bytes_)) return std::nullopt;
+        const std::span<const std::uint8_t> all(bytes_.bytes.data(), bytes_.size);
+        return Record{all.first(all.size() - 1), all.back()};
+    }
+
+private:
+    RecordBytes bytes_;
+    decltype(recordSyntax(bytes_)) syntax_ = recordSyntax(bytes_);
+};
+
+IntelHexParser::IntelHexParser(std::uint64_t fileSize)
+    : RecordParser(Facts::InputFormat::IntelHex, fileSize), syntax_(std::make_unique<Syntax>()) {}
+
+IntelHexParser::~IntelHexParser() = default;
+IntelHexParser::IntelHexParser(IntelHexParser&& other) noexcept = default;
+
+void IntelHexParser::takeLast(std::string_view line) {
+    if (isEndOfFile(line)) return;
+    parsed_.data.clear();
+    parsed_.startAddress.reset();
+    parsed_.fault = LineFault::LastLineMismatched;
+}
+
+void IntelHexParser::takeRecord(const TextLines& lines) {
+    takeLine(lines, [this](std::string_view line) { return parseRecord(line); });
+}
+
+LineFault IntelHexParser::parseRecord(std::string_view line) {
+    const std::optional<Record> record = syntax_->match(line);
+    if (!record) return LineFault::None;
+    if (!isConsistent(*record) || checksumOf(*record) != record->checksum)
+        return LineFault::Contradictory;
+    storeRecord(*record);
+    return LineFault::None;
+}
+
+std::uint8_t IntelHexParser::checksumOf(const Record& record) {
+    using Util::Crc::GenericCrc::crc8TwosComplementSum;
+    // Field by field: a sum across fields would stall on store forwarding.
+    return crc8TwosComplementSum(record.data(), crc8TwosComplementSum(record.head(), 0));
+}
+
+bool IntelHexParser::isConsistent(const Record& record) {
+    switch (record.type()) {
+        case IntelRecordType::Data:
+            return true;
+        case IntelRecordType::ExtendedSegmentAddress:
+        case IntelRecordType::ExtendedLinearAddress:
+            return record.address() == 0 && record.length() == 2;
+        case IntelRecordType::StartSegmentAddress:
+        case IntelRecordType::StartLinearAddress:
+            return record.address() == 0 && record.length() == 4;
+        case IntelRecordType::EndOfFile:
+        case IntelRecordType::Unknown:
+            break;
+    }
+    return false;
+}
+
+void IntelHexParser::storeRecord(const Record& record) {
+    constexpr std::uint64_t paragraph = 16;
+    constexpr std::uint64_t page = 65536;
+    const auto data = record.data();
+    switch (record.type()) {
+        case IntelRecordType::Data:
+            parsed_.data.append(segmentBase + record.address(), data);
+            break;
+        case IntelRecordType::ExtendedSegmentAddress:
+            segmentBase = bigEndian(data) * paragraph;
+            break;
+        case IntelRecordType::ExtendedLinearAddress:
+            segmentBase = bigEndian(data) * page;
+            break;
+        case IntelRecordType::StartSegmentAddress:
+            parsed_.startAddress = bigEndian(data.first(2)) * paragraph + bigEndian(data.last(2));
+            break;
+        case IntelRecordType::StartLinearAddress:
+            parsed_.startAddress = bigEndian(data);
+            break;
+        case IntelRecordType::EndOfFile:
+        case IntelRecordType::Unknown:
+            break;
+    }
+}
+
+}  // namespace Io::Import

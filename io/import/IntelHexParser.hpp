@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string_view>
+
+#include "io/IntelHexRecord.hpp"
+#include "io/import/RecordParser.hpp"
+
+namespace Io::Import {
+
+/// Parses Intel HEX, all six record types (Intel, "Hexadecimal Object File Format Specification",
+/// revision A).
+///
+/// The last line must be the end-of-file record, by its type digits alone. A line that is no
+/// well-formed record is passed over in silence; a record that contradicts the format, or its own
+/// checksum, ends the parse and discards all data.
+class IntelHexParser : public RecordParser {
+public:
+    explicit IntelHexParser(std::uint64_t fileSize);
+    ~IntelHexParser();
+    IntelHexParser(IntelHexParser&& other) noexcept;
+    IntelHexParser& operator=(IntelHexParser&& other) = delete;
+    IntelHexParser(const IntelHexParser&) = delete;
+    IntelHexParser& operator=(const IntelHexParser&) = delete;
+
+    /// Takes the current line.
+    void take(const TextLines& lines) {
+        parsed_.hasLines = true;
+        if (lines.isLast())
+            takeLast(lines.line());
+        else if (!isOver())
+            takeRecord(lines);
+    }
+
+private:
+    class Syntax;
+    /// One record, its checksum byte left out of `bytes`.
+    struct Record {
+        std::span<const std::uint8_t> bytes;
+        std::uint8_t checksum;
+
+        std::uint32_t length() const { return bytes[0]; }
+        std::uint32_t address() const { return bytes[1] * 256U + bytes[2]; }
+        IntelRecordType type() const { return intelRecordType(bytes[3]); }
+        std::span<const std::uint8_t> head() const { return bytes.first(4); }
+        std::span<const std::uint8_t> data() const { return bytes.subspan(4); }
+    };
+
+    void takeLast(std::string_view line);
+    void takeRecord(const TextLines& lines);
+    LineFault parseRecord(std::string_view line);
+    static std::uint8_t checksumOf(const Record& record);
+    static bool isConsistent(const Record& record);
+    void storeRecord(const Record& record);
+
+    std::unique_ptr<Syntax> syntax_;
+    /// Base address in force, from the last extended address record.
+    std::uint64_t segmentBase = 0;
+};
+
+}  // namespace Io::Import

@@ -1,0 +1,169 @@
+#include "io/import/MotorolaS_Parser.hpp"
+
+#include <array>
+#include <span>
+
+#include "io/SRecord.hpp"
+#include "io/import/HexRecordSyntax.hpp"
+#include "util/crc/GenericCrc.hpp"
+
+namespace Io::Import {
+
+namespace {
+
+/// The size of a field that cannot be known.
+constexpr std::size_t unknownSize = 255;
+/// What an S0 record must hold: ten characters of module name, version and revision.
+constexpr std::size_t headerSize = 12;
+
+using enum SRecordType;
+/// The kind of record for each type digit.
+constexpr std::array<SRecordType, 16> typesOfDigits{
+    S0, S1, S2,      S3,      Unknown, S5,      Unknown, S7,
+    S8, S9, Unknown, Unknown, Unknown, Unknown, Unknown, Unknown};
+
+std::size_t addressSizeOf(SRecordType type) {
+    constexpr std::array<std::size_t, 9> sizes{2, 2, 3, 4, 2, 4, 3, 2, unknownSize};
+    return sizes[static_cast<std::size_t>(type)];
+}
+
+/// The big-endian number that `bytes` form, however many they are, is `number`.
+bool isNumber(std::span<const std::uint8_t> bytes, std::uint64_t number) {
+    for (auto byte = bytes.rbegin(); byte != bytes.rend(); ++byte, number >>= 8U)
+        if (*byte != (number & 0xFFU)) return false;
+    return number == 0;
+}
+
+}  // namespace
+
+/// A record, and the sizes of its fields while it is being matched.
+struct MotorolaS_Parser::Record {
+    SRecordType type = SRecordType::Unknown;
+    std::size_t addressSize = 0;
+    std::size_t dataSize = 0;
+    RecordBytes all;  ///< count, address, data and checksum
+
+    std::uint8_t count() const { return all.bytes.front(); }
+    std::span<const std::uint8_t> countField() const { return bytes(0, 1); }
+    std::span<const std::uint8_t> address() const { return bytes(1, addressSize); }
+    std::span<const std::uint8_t> data() const { return bytes(1 + addressSize, dataSize); }
+    std::uint8_t checksum() const { return all.bytes[all.size - 1]; }
+
+    std::span<const std::uint8_t> bytes(std::size_t at, std::size_t size) const {
+        return {all.bytes.data() + at, size};
+    }
+
+    /// The count leaves no room for data.
+    bool isCountLow() const { return count() <= addressSize; }
+
+    void setSizes() {
+        addressSize = addressSizeOf(type);
+        // With a low count the line may match all the same, so that this alone is no fault.
+        dataSize = isCountLow() ? unknownSize : count() - addressSize - 1;
+    }
+};
+
+namespace {
+
+template <class Record>
+auto recordSyntax(Record& record) {
+    using Digit = Spirit::uint_parser<std::uint32_t, 16, 1, 1>;
+    const auto count = [] { return std::size_t{1}; };
+    const auto address = [&record] { return record.addressSize; };
+    const auto dataAndChecksum = [&record] { return record.dataSize + 1; };
+    const auto setType = [&record](std::uint32_t digit) { record.type = typesOfDigits[digit]; };
+    const auto setSizes = [&record](const char* /*first*/, const char* /*last*/) {
+        record.setSizes();
+    };
+    return Spirit::ch_p('S') >> Digit()[setType] >> HexBytes(count, record.all)[setSizes] >>
+           HexBytes(address, record.all) >> HexBytes(dataAndChecksum, record.all);
+}
+
+}  // namespace
+
+/// The syntax of a record and the record that it has matched. To build it takes as long as to match
+/// a line, so it is built once.
+class MotorolaS_Parser::Syntax {
+public:
+    /// False if `line` is no record; the fields that were matched up to there are set.
+    bool matches(std::string_view line) {
+        record_.addressSize = 0;
+        return matchesLine(line, syntax_, record_.all);
+    }
+
+    const Record& record() const { return record_; }
+
+private:
+    Record record_;
+    decltype(recordSyntax(record_)) syntax_ = recordSyntax(record_);
+};
+
+MotorolaS_Parser::MotorolaS_Parser(std::uint64_t fileSize)
+    : RecordParser(Facts::InputFormat::MotorolaS, fileSize), syntax_(std::make_unique<Syntax>()) {}
+
+MotorolaS_Parser::~MotorolaS_Parser() = default;
+MotorolaS_Parser::MotorolaS_Parser(MotorolaS_Parser&& other) noexcept = default;
+
+void MotorolaS_Parser::takeRecord(const TextLines& lines) {
+    takeLine(lines, [this](std::string_view line) { return parseRecord(line); });
+}
+
+LineFault MotorolaS_Parser::parseRecord(std::string_view line) {
+    const bool isRecord = syntax_->matches(line);
+    const Record& record = syntax_->record();
+    if (record.addressSize != 0 && record.isCountLow())
+        parsed_.lowCounts.push_back({record.count(), record.addressSize});
+    if (!isRecord) return LineFault::NotARecord;
+    if (!isConsistent(record)) return LineFault::Contradictory;
+    storeRecord(record);
+    return LineFault::None;
+}
+
+bool MotorolaS_Parser::isConsistent(const Record& record) const {
+    using Util::Crc::GenericCrc::crc8OnesComplementSum;
+    // Field by field: a sum across fields would stall on store forwarding.
+    std::uint8_t checksum = crc8OnesComplementSum(record.countField(), 0xFF);
+    checksum = crc8OnesComplementSum(record.address(), checksum);
+    if (crc8OnesComplementSum(record.data(), checksum) != record.checksum()) return false;
+    switch (record.type) {
+        case SRecordType::S0:
+            return record.dataSize >= headerSize;
+        case SRecordType::S1:
+        case SRecordType::S2:
+        case SRecordType::S3:
+            return true;
+        case SRecordType::S5:
+            return isNumber(record.data(), dataRecordCount);
+        case SRecordType::S7:
+        case SRecordType::S8:
+        case SRecordType::S9:
+            return record.dataSize == 0;
+        case SRecordType::Unknown:
+            break;
+    }
+    return false;
+}
+
+void MotorolaS_Parser::storeRecord(const Record& record) {
+    switch (record.type) {
+        case SRecordType::S1:
+        case SRecordType::S2:
+        case SRecordType::S3:
+            ++dataRecordCount;
+            parsed_.data.append(bigEndian(record.address()), record.data());
+            break;
+        case SRecordType::S7:
+        case SRecordType::S8:
+        case SRecordType::S9:
+            parsed_.startAddress = bigEndian(record.address());
+            break;
+        case SRecordType::S5:
+            dataRecordCount = 0;
+            break;
+        case SRecordType::S0:
+        case SRecordType::Unknown:
+            break;
+    }
+}
+
+}  // namespace Io::Import
