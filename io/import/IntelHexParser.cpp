@@ -18,6 +18,7 @@ bool isEndOfFile(std::string_view line) {
 
 auto recordSyntax(RecordBytes& bytes) {
     const auto head = [] { return std::size_t{4}; };
+    // Together, since a call for a single byte costs as much as one for sixteen.
     const auto dataAndChecksum = [&bytes] { return std::size_t{bytes.bytes[0]} + 1; };
     return Spirit::ch_p(':') >> HexBytes(head, bytes) >> HexBytes(dataAndChecksum, bytes);
 }

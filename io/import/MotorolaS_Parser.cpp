@@ -70,6 +70,7 @@ auto recordSyntax(Record& record) {
     using Digit = Spirit::uint_parser<std::uint32_t, 16, 1, 1>;
     const auto count = [] { return std::size_t{1}; };
     const auto address = [&record] { return record.addressSize; };
+    // Together, since a call for a single byte costs as much as one for sixteen.
     const auto dataAndChecksum = [&record] { return record.dataSize + 1; };
     const auto setType = [&record](std::uint32_t digit) { record.type = typesOfDigits[digit]; };
     const auto setSizes = [&record](const char* /*first*/, const char* /*last*/) {

@@ -14,7 +14,7 @@
 
 namespace Io::Import {
 
-/// What a line can do to the parse of its file.
+/// What is wrong with a line, and what that means for its file.
 enum class LineFault : std::uint8_t {
     None,
     NotARecord,         ///< ends the parse and leaves the data of the lines before
@@ -22,7 +22,7 @@ enum class LineFault : std::uint8_t {
     LastLineMismatched  ///< nothing of the file counts
 };
 
-/// What the parse of a text file leaves behind. Its faults are not reported yet.
+/// The result of the parse of a text file. Its faults have not been reported.
 struct ParsedFile {
     explicit ParsedFile(ParsedData empty) : data(std::move(empty)) {}
 
@@ -37,11 +37,11 @@ struct ParsedFile {
 
 /// Takes the lines of a text file one by one and reports nothing.
 ///
-/// A file whose format is not certain yet is given to the parsers of all formats, so a parser notes
-/// its first fault, want of memory included, and passes over the lines after it.
+/// While the format of a file is uncertain its lines go to the parsers of all formats. So a parser
+/// notes its first fault, or that it ran out of memory, and ignores the lines after it.
 class RecordParser {
 public:
-    /// What has come of the lines so far, for the reader that takes over from the parser.
+    /// Hands the result over, once all lines are taken.
     ParsedFile takeResult() { return std::move(parsed_); }
 
 protected:
@@ -69,7 +69,7 @@ protected:
     ParsedFile parsed_;
 };
 
-/// Has a new parser take the lines of a file that are left.
+/// Parses the lines that are left.
 template <class Parser>
 Parser parseLines(TextLines& lines) {
     Parser parser(lines.fileSize());

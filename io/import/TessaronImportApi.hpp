@@ -8,8 +8,8 @@
 namespace Io::Import {
 
 /// A file as a set of addressed bytes, whatever its format. A reader parses the whole file in its
-/// constructor and only answers questions afterwards. What was wrong with the file it has told on
-/// standard output, and it then holds less data, or none: length 0 at address 0.
+/// constructor, which reports what is wrong with it; all other operations are queries. A reader of
+/// a faulty file holds less data, or none: length 0 at address 0.
 class TessaronImportApi {
 public:
     TessaronImportApi() = default;
@@ -25,7 +25,7 @@ public:
     /// An image of the whole span.
     virtual Buffer::MemoryBuffer getMemory() const = 0;
 
-    /// The same, and the last question: the reader may give away what it holds.
+    /// The same as the last query: the reader may give away what it holds.
     virtual Buffer::MemoryBuffer takeMemory() { return getMemory(); }
 
     /// An image of the given range, with what the file has in it as written elements and default

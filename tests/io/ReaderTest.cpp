@@ -1,7 +1,9 @@
 #include <deque>
+#include <filesystem>
 #include <optional>
 #include <random>
 #include <string_view>
+#include <system_error>
 #include <variant>
 
 #include "io/IntelHexRecord.hpp"
@@ -50,7 +52,7 @@ struct Reading {
     std::vector<Facts::Fact> facts;
 };
 
-/// Views of this name of a file, in a fact, mean the path of the row's file.
+/// In the facts of a row, the path of the row's file.
 constexpr std::string_view thisFile = "this file";
 
 std::vector<Facts::Fact> factsOf(const Reading& row, const std::string& path) {
@@ -218,6 +220,17 @@ TEST(IntelHexInFileTest, RecordsInAnyOrderHideEachOtherByteByByte) {
     }
 }
 
+TEST(GenericInFileTest, ARawFileNeedsNoMemoryOfATextReader) {
+    constexpr std::uint64_t size = std::uint64_t{1} << 43U;
+    const std::string path = temporaryFile(":0100000041BE\nS1041000AA41\nS1041000AA41\nraw\n");
+    std::error_code refused;
+    std::filesystem::resize_file(path, size, refused);
+    if (refused) GTEST_SKIP() << "no file of 8 TiB: " << refused.message();
+    const ExpectedFacts expected({Facts::RawFileTooLong{0xFFFFFFFF, size}});
+    EXPECT_EQ(GenericInFile(path).type(), InFileType::RawBinary);
+    std::filesystem::remove(path);
+}
+
 TEST(MotorolaS_InFileTest, WhatCountsAndWhatEndsTheParse) {
     const std::string s0 = "S00F000068656C6C6F202020202000003C\n";  // "hello     ", 0, 0
     const std::string s0Wrong = "S00F000068656C6C6F202020202000003D";
@@ -258,7 +271,7 @@ TEST(MotorolaS_InFileTest, WhatCountsAndWhatEndsTheParse) {
 }
 
 TEST(MotorolaS_InFileTest, ReportsACountThatIsTooLow) {
-    // The line of 258 bytes is a record in spite of its count, the other ones are none.
+    // The long line is a record in spite of its count.
     const std::string longRecord = "S1021000" + std::string(510, '0') + "ED";
     const Facts::Fact low = Facts::RecordCountTooLow{2, 2};
     std::vector<Reading> rows{{"S1021000ED\nS", {}, {}, {low, noRecord("S1021000ED")}}};

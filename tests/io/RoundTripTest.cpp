@@ -99,7 +99,7 @@ TEST(ForeignFiles, HoldTheSameBytes) {
     EXPECT_EQ(bytesOf(GenericInFile(folder + "objcopy.bin", Io::Import::rawBinary).getMemory()),
               bytesOf(GenericInFile(folder + "srec_cat.hex").getMemory()));
     EXPECT_EQ(GenericInFile(folder + "srec_cat.hex").getStartAddress(), 0x10000U);
-    // srec_cat puts the low half of a linear address where the instruction pointer stands.
+    // srec_cat puts the low half of a linear address in the field of the instruction pointer.
     EXPECT_EQ(GenericInFile(folder + "srec_cat-segment.hex").getStartAddress(), 0x0001U * 16);
 }
 
