@@ -15,17 +15,27 @@ namespace Parser {
 
 namespace {
 
-/// A pattern is compiled by recursion too; longer ones than this are no names.
-constexpr std::size_t longestPattern = 500;
-/// Product of all repetition counts of a pattern times its length: the states of its automaton.
-constexpr std::uint64_t mostStates = 2000;
-/// A pattern that looks at each character a few times takes no more; the others share the rest.
-constexpr std::uint64_t stepsForEachCharacter = 100;
-constexpr std::uint64_t sharedStepsForEachCharacter = 800;
-/// Entries of a table of all states that are cleared in the time of one step.
-constexpr std::uint64_t clearedInAStep = 8;
+#if !defined(__GLIBCXX__) || _GLIBCXX_RELEASE != 12
+#error "The budgets below were measured on the <regex> of libstdc++ 12; measure them again"
+#endif
 
-/// What one evaluation may still use up.
+/// Facts of one engine, the <regex> of libstdc++ 12. It compiles and matches by recursion, one
+/// level for each state or character.
+struct Engine {
+    /// Longest pattern in characters. It limits the recursion of the compiler; longer ones are no
+    /// names.
+    static constexpr std::size_t longestPattern = 500;
+    /// Product of all repetition counts of a pattern times its length: the states of its automaton.
+    static constexpr std::uint64_t mostStates = 2000;
+    /// A pattern that looks at each character a few times takes no more steps than these; the
+    /// others share the rest.
+    static constexpr std::uint64_t stepsForEachCharacter = 100;
+    static constexpr std::uint64_t sharedStepsForEachCharacter = 800;
+    /// Entries of a table of all states that are cleared in the time of one step.
+    static constexpr std::uint64_t clearedInAStep = 8;
+};
+
+/// What one evaluation may still consume.
 struct Budget {
     std::uint64_t steps;
     std::uint64_t price;  ///< of one step
@@ -106,21 +116,20 @@ private:
     Budget* budget_ = nullptr;
 };
 
-/// What a pattern costs, as far as that can be told from its characters.
+/// The cost of a pattern, as far as its characters show it.
 struct PatternSize {
     std::uint64_t states;
     std::uint64_t alternatives;
     bool hasReference = false;  ///< to a group, as in "\1"
     bool hasLookahead = false;
 
-    /// What the engine may do between two steps that are counted, in steps. It fails without a
-    /// look at the text where a reference means a group that took no part in the match, and walks
-    /// every combination of empty alternatives up to there. For a lookahead it clears a table of
-    /// all states.
+    /// The steps that the engine may take between two counted ones. A reference to a group that
+    /// took no part in the match fails without a look at the text, after every combination of empty
+    /// alternatives before it. For a lookahead the engine clears a table of all states.
     std::uint64_t price() const {
         const std::uint64_t combinations =
             hasReference ? std::uint64_t{1} << std::min(alternatives, mostCombined) : 1;
-        return combinations * (hasLookahead ? 1 + states / clearedInAStep : 1);
+        return combinations * (hasLookahead ? 1 + states / Engine::clearedInAStep : 1);
     }
 
 private:
@@ -143,22 +152,22 @@ PatternSize sizeOf(const std::string& pattern) {
     std::uint64_t copies = 1;
     bool isEscaped = false;
     PatternSize size{};
-    for (std::size_t at = 0; at < pattern.size() && copies <= mostStates; ++at) {
+    for (std::size_t at = 0; at < pattern.size() && copies <= Engine::mostStates; ++at) {
         const std::string_view rest = std::string_view(pattern).substr(at);
         if (rest.front() == '|') ++size.alternatives;
         if (rest.front() == '\\' && rest.size() > 1 && rest[1] >= '1' && rest[1] <= '9') {
             size.hasReference = true;
-            if (!isEscaped && numberAt(rest.substr(1)) > longestPattern)
+            if (!isEscaped && numberAt(rest.substr(1)) > Engine::longestPattern)
                 throw std::regex_error(std::regex_constants::error_backref);
         }
         isEscaped = rest.front() == '\\' && !isEscaped;
         if (rest.starts_with("(?=") || rest.starts_with("(?!")) size.hasLookahead = true;
         if (rest.front() != '{' && rest.front() != ',') continue;
-        copies *= std::clamp<std::uint64_t>(numberAt(rest.substr(1)), 1, mostStates);
+        copies *= std::clamp<std::uint64_t>(numberAt(rest.substr(1)), 1, Engine::mostStates);
     }
     size.states = copies * pattern.size();
     size.alternatives *= copies;
-    if (pattern.size() > longestPattern || size.states > mostStates)
+    if (pattern.size() > Engine::longestPattern || size.states > Engine::mostStates)
         throw std::regex_error(std::regex_constants::error_complexity);
     return size;
 }
@@ -172,7 +181,8 @@ void appendBounded(std::string& text, const char* first, const char* last, std::
 }  // namespace
 
 RegexAllowance::RegexAllowance(std::size_t length)
-    : scriptLength(length), steps(Platform::usableSteps() + sharedStepsForEachCharacter * length) {}
+    : scriptLength(length),
+      steps(Platform::usableSteps() + Engine::sharedStepsForEachCharacter * length) {}
 
 std::string replaceBounded(const std::string& text, const std::string& pattern,
                            const std::string& format, std::size_t longest,
@@ -180,9 +190,9 @@ std::string replaceBounded(const std::string& text, const std::string& pattern,
     const PatternSize size = sizeOf(pattern);
     const std::regex expression(pattern, std::regex::ECMAScript | std::regex::multiline);
     const volatile char here = 0;
-    // What values have added to the text has to do with what all patterns share.
+    // Text that values have added gets no steps of its own.
     const std::size_t length = std::min(text.size(), allowance.scriptLength);
-    Budget budget{allowance.steps + stepsForEachCharacter * length, size.price(),
+    Budget budget{allowance.steps + Engine::stepsForEachCharacter * length, size.price(),
                   reinterpret_cast<std::uintptr_t>(&here), Platform::usableStackBytes()};
     const CheckedPosition begin(text.data(), &budget);
     const CheckedPosition end(text.data() + text.size(), &budget);
@@ -191,8 +201,8 @@ std::string replaceBounded(const std::string& text, const std::string& pattern,
     const char* copied = text.data();
     using Matches = std::regex_iterator<CheckedPosition>;
     for (Matches match(begin, end, expression); match != Matches(); ++match) {
-        // Each search clears a table of all states, and behind an empty match there are two.
-        budget.spend(1 + 2 * size.states / clearedInAStep);
+        // Each search clears a table of all states, and an empty match is followed by two.
+        budget.spend(1 + 2 * size.states / Engine::clearedInAStep);
         appendBounded(result, copied, (*match)[0].first.base(), longest);
         std::string value;
         match->format(std::back_inserter(value), format);

@@ -7,10 +7,11 @@ namespace Parser {
 
 namespace {
 
-/// Finds in `text`, line by line, where `opening` begins a stretch that reaches the end of its
-/// line, and removes those that `take` accepts. Three rules of the regular expressions that this
-/// stands for: a dot matches no carriage return, the end of a line is the text's end or a line
-/// feed, and a repeated dot takes all it can.
+/// Finds in `text`, line by line, each stretch from `opening` to the end of its line and removes
+/// those that `take` accepts.
+///
+/// It replaces a regular expression and keeps three of its rules: a dot matches no carriage return,
+/// a line ends at a line feed or the end of the text, and a repeated dot takes all it can.
 template <class Take>
 void removeStretches(std::string& text, std::string_view opening, Take take) {
     const std::string_view source = text;

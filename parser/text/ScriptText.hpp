@@ -3,8 +3,8 @@
 #include <map>
 #include <string>
 
-/// What happens to the text of a script before it is parsed. Both operations take time linear in
-/// the text, whatever the length of its lines.
+/// Preparation of a script's text before it is parsed. Both operations take time linear in the
+/// text, whatever the length of its lines.
 namespace Parser {
 
 /// Removes from each line what the regular expression "//.*$" matches: a comment up to the end of

@@ -423,7 +423,7 @@ class Memory(Faults):
             "NEW_BUFFER N EMPTY -useBufferRange={0, 70000}\n": "Buffer N could not be created",
             "FILL_BUFFER F WITH_FILLER %s\n" % long_list: "Buffer F could not be filled",
             "NEW_CRC c FROM_BUFFERS {F F}\n": "Crc c could not be created",
-            "NEW_HASH h FROM_BUFFER F -setType=Hash_Md5\n": "Hash h could not be created",
+            "NEW_HASH h FROM_BUFFERS {F F} -setType=Hash_Md5\n": "Hash h could not be created",
             "PRINT_BUFFER F -useAreas={{0, 0x20000}}\n": "Buffer F could not be printed",
             "PRINT_TEXT {v [1+1]}\n": "Text v [1+1] could not be printed",
             "CALL_APP echo WITH_ARGUMENTS {%s}\n" % ("x" * 200000):
