@@ -14,6 +14,14 @@ cmp release.hex expected.hex
 sh check.sh release.hex
 grep -q 'CRC-32 in stored order 0xA3487E35' release.out
 
+# The first two blocks of the README are a script and what a run of it prints.
+block() { awk -v n="$1" '/^```/ { ++fences; next } fences == 2 * n - 1' "$root/README.md"; }
+block 1 >crc.tsn
+{ "$program" crc.tsn && tail -n 2 release.hex; } >crc.out
+stable() { sed -E 's/from .*|\(C\) [0-9]+|Time: [0-9.e+-]+//'; }
+block 2 | sed 1d | stable >wanted.out
+stable <crc.out | cmp - wanted.out
+
 cd "$work/all-formats"
 "$program" inFile=../firmware/firmware.hex all-formats.tsn >run.out
 ! grep 'Operation aborted' run.out
