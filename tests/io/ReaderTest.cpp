@@ -155,13 +155,19 @@ TEST(IntelHexInFileTest, WhatCountsAndWhatIsPassedOver) {
 }
 
 TEST(TextReaderTest, AFaultIsShownThoughItsLineHasLeftMemory) {
-    const std::string filler = "//" + std::string(1000, 'x') + "\n";
-    std::string file = ":0100010042BD\n";
-    for (int i = 0; i < 1000; ++i) file += filler;
-    expectReadings<IntelHexInFile>(InFileType::IntelHex,
-                                   {{file + endOfHex, {}, {}, {contradictory(":0100010042BD")}}});
-    expectReadings<MotorolaS_InFile>(InFileType::MotorolaS,
-                                     {{"Sfirst\n" + file + "S", {}, {}, {noRecord("Sfirst")}}});
+    const auto among = [](const std::string& line, const std::string& others) {
+        std::string file;
+        for (int i = 0; i < 1000; ++i) file += others;
+        return file + line + "\n" + file;
+    };
+    const std::string remark = "//" + std::string(1000, 'x') + "\n";
+    expectReadings<IntelHexInFile>(
+        InFileType::IntelHex,
+        {{among(":0100010042BD", remark) + endOfHex, {}, {}, {contradictory(":0100010042BD")}}});
+    const std::string header = "S0FF0000" + std::string(504, '0') + "00\n";
+    expectReadings<MotorolaS_InFile>(
+        InFileType::MotorolaS,
+        {{among("Sfirst", header) + "Ssecond\nS", {}, {}, {noRecord("Sfirst")}}});
 }
 
 TEST(IntelHexInFileTest, TheLaterByteWinsAndRangesAreCheckedAtTheirStartAlone) {

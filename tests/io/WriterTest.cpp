@@ -167,6 +167,11 @@ TEST(RawBinaryOutFileTest, WritesImagesOneAfterTheOther) {
     EXPECT_EQ(written(RawBinaryOutFile(temporaryPath()),
                       {imageOf(0x2000, {'b', '\n'}), filled, imageOf(0x2000, {'a'})}, 5),
               "b\nxxa");
+    // Long pieces are not copied, but keep their place.
+    const std::vector<std::uint8_t> longBytes = Tests::someBytes(70000);
+    EXPECT_EQ(written(RawBinaryOutFile(temporaryPath()),
+                      {imageOf(0, {'a'}), imageOf(0, longBytes), imageOf(0, {'b'})}),
+              "a" + std::string(longBytes.begin(), longBytes.end()) + "b");
 }
 
 void expectRefusalBeyond32Bits(TessaronExportApi&& writer, Facts::OutputFormat format) {
