@@ -100,7 +100,7 @@ class Tree:
 
 def configured(path, included):
     """Whether what is included is made of a file beside the one that includes it."""
-    return (ROOT / path).with_name(included + ".in").exists()
+    return ((ROOT / path).parent / (included + ".in")).exists()
 
 
 def faults_of_includes(tree, target):
