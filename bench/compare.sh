@@ -5,9 +5,11 @@
 set -eu
 cd "$(dirname "$0")/.."
 scripts/setup.sh bench
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
 { cmake --preset release && cmake --build --preset release &&
-    cmake --preset bench && cmake --build --preset bench --target measure limit; } >build/compare.log 2>&1 || {
-    cat build/compare.log
+    cmake --preset bench && cmake --build --preset bench --target measure limit; } >"$log" 2>&1 || {
+    cat "$log"
     exit 1
 }
-exec python3 bench/compare.py build/release/CmdTessaron build/bench/bench "${1:-255}"
+python3 bench/compare.py build/release/CmdTessaron build/bench/bench "${1:-255}"

@@ -23,8 +23,34 @@ function(tessaron_settings target)
   endif()
 endfunction()
 
+# tessaron_declare(target SOURCES file... [DEPENDS target...] [HIDES target...])
+# Records what a folder declares, for tessaron_write_structure.
+function(tessaron_declare target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;DEPENDS;HIDES")
+  list(TRANSFORM arg_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/ REGEX "^[^/]")
+  cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY ${PROJECT_SOURCE_DIR}
+             OUTPUT_VARIABLE folder)
+  set(entry "{\"target\": \"${target}\", \"folder\": \"${folder}\"")
+  foreach(key IN ITEMS SOURCES DEPENDS HIDES)
+    list(TRANSFORM arg_${key} REPLACE "(.+)" "\"\\1\"")
+    list(JOIN arg_${key} ", " values)
+    string(TOLOWER ${key} key)
+    string(APPEND entry ", \"${key}\": [${values}]")
+  endforeach()
+  set_property(GLOBAL APPEND PROPERTY TESSARON_STRUCTURE "${entry}}")
+endfunction()
+
+# Writes structure.json into the build folder: target, folder, sources and dependencies of every
+# target, in the order of the declarations. tests/structure compares it with the includes.
+function(tessaron_write_structure)
+  get_property(entries GLOBAL PROPERTY TESSARON_STRUCTURE)
+  list(JOIN entries ",\n " entries)
+  file(WRITE ${PROJECT_BINARY_DIR}/structure.json "[${entries}]\n")
+endfunction()
+
 # tessaron_library(name SOURCES file... [DEPENDS target...] [HIDES target...])
-# Makes tessaron::name. What stands behind HIDES is linked, but no header of this folder shows it.
+# Makes tessaron::name. The headers of the folder include what DEPENDS names, only its sources what
+# HIDES names.
 function(tessaron_library name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;DEPENDS;HIDES")
   add_library(tessaron_${name} STATIC ${arg_SOURCES})
@@ -32,6 +58,7 @@ function(tessaron_library name)
   tessaron_settings(tessaron_${name})
   target_include_directories(tessaron_${name} PUBLIC ${PROJECT_SOURCE_DIR})
   target_link_libraries(tessaron_${name} PUBLIC ${arg_DEPENDS} PRIVATE ${arg_HIDES})
+  tessaron_declare(tessaron::${name} ${ARGN})
 endfunction()
 
 # tessaron_executable(name SOURCES file... DEPENDS target...)
@@ -41,4 +68,5 @@ function(tessaron_executable name)
   tessaron_settings(${name})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(${name} PRIVATE ${arg_DEPENDS})
+  tessaron_declare(${name} ${ARGN})
 endfunction()

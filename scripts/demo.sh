@@ -5,12 +5,13 @@ set -eu
 cd "$(dirname "$0")/.."
 scripts/setup.sh demo
 log=$(mktemp)
-if ! { cmake --preset release && cmake --build --preset release; } >"$log" 2>&1; then
-    cat "$log"
-    exit 1
-fi
-rm -f "$log"
-cp -r examples/firmware/. build/demo-firmware 2>/dev/null || { mkdir -p build && cp -r examples/firmware build/demo-firmware; }
+trap 'rm -f "$log"' EXIT
+cmake --preset release >"$log" 2>&1 || { cat "$log"; exit 1; }
+# One line that counts the steps on a terminal, a line a step elsewhere.
+echo "== building CmdTessaron in build/release"
+NINJA_STATUS="[%f of %t] " cmake --build --preset release
+mkdir -p build/demo-firmware
+cp -r examples/firmware/. build/demo-firmware
 cd build/demo-firmware
 echo "== the script, examples/firmware/release.tsn"
 cat release.tsn

@@ -39,13 +39,20 @@ done
 [ -n "$missing" ] || exit 0
 
 root=""
-[ "$(id -u)" = 0 ] || root=sudo
+if [ "$(id -u)" != 0 ]; then
+    root=sudo
+    if ! command -v sudo >/dev/null; then
+        echo "setup.sh: you are not root and there is no sudo; ask an administrator to run:" \
+            "apt-get install --no-install-recommends$missing" >&2
+        exit 1
+    fi
+fi
 echo "installing:$missing"
 log=$(mktemp)
+trap 'rm -f "$log"' EXIT
 export DEBIAN_FRONTEND=noninteractive
 if ! { $root apt-get update && $root apt-get install -y --no-install-recommends $missing; } \
     >"$log" 2>&1; then
     cat "$log"
     exit 1
 fi
-rm -f "$log"

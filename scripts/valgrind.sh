@@ -8,11 +8,11 @@ cd "$(dirname "$0")/.."
 scripts/setup.sh test
 [ $# -gt 0 ] || set -- $(ls -dr tests/scripts/*/ | grep -vE 'variable-(doubling|relabelling)')
 log=$(mktemp)
+trap 'rm -f "$log"' EXIT
 if ! { cmake --preset valgrind && cmake --build --preset valgrind; } >"$log" 2>&1; then
     cat "$log"
     exit 1
 fi
-rm -f "$log"
 watch="valgrind -q --leak-check=full --errors-for-leak-kinds=definite --error-exitcode=99"
 watched="$watch $PWD/build/valgrind/CmdTessaron"
 # A leak on purpose: a run that does not find it would find nothing.
@@ -27,5 +27,6 @@ if $watch build/valgrind/leak >/dev/null 2>&1; then
     echo "valgrind.sh: valgrind finds no leak here" >&2
     exit 1
 fi
-printf '%s\n' "$@" | xargs -P 2 -n 1 tests/scripts/run_case.py --no-limits --timeout 600 "$watched"
+printf '%s\n' "$@" | xargs -P "$(nproc)" -n 1 \
+    tests/scripts/run_case.py --no-limits --timeout 600 "$watched"
 echo "valgrind: $# cases"
