@@ -6,7 +6,7 @@
 
 namespace Buffer {
 
-MemoryBuffer::MemoryBuffer(std::uint64_t start, std::uint64_t dataLength) : startAddress(start) {
+MemoryBuffer::MemoryBuffer(std::uint64_t start, std::uint64_t dataLength) : startAddress_(start) {
     ElementStore reserved(dataLength);
     if (dataLength > ~start) {
         Facts::report(Facts::ImageNotAddressable{start, dataLength});
@@ -16,7 +16,7 @@ MemoryBuffer::MemoryBuffer(std::uint64_t start, std::uint64_t dataLength) : star
         Facts::report(Facts::ImageTooLong{dataLength, MAX_ALLOWED_MEMORY_BUFFER_SIZE});
         return;
     }
-    elements = std::move(reserved);
+    elements_ = std::move(reserved);
 }
 
 std::vector<MemoryElement> MemoryBuffer::getElements() const {
@@ -28,7 +28,7 @@ std::vector<MemoryElement> MemoryBuffer::getElements() const {
 
 ElementView MemoryBuffer::viewRange(std::uint64_t start, std::uint64_t dataLength) const {
     if (!getArea().contains({start, dataLength})) return {};
-    return viewElements().part(start - startAddress, dataLength);
+    return viewElements().part(start - startAddress_, dataLength);
 }
 
 void MemoryBuffer::setStartingAddress(std::uint64_t newStartAddress) {
@@ -36,7 +36,7 @@ void MemoryBuffer::setStartingAddress(std::uint64_t newStartAddress) {
     if (newStartAddress > highest)
         Facts::report(Facts::MoveTooFar{newStartAddress, highest});
     else
-        startAddress = newStartAddress;
+        startAddress_ = newStartAddress;
 }
 
 /// Reports it if not.
@@ -45,8 +45,8 @@ bool MemoryBuffer::isFillable(std::size_t patternSize, std::uint64_t start,
     const std::uint64_t end = getArea().end();
     if (patternSize == 0)
         Facts::report(Facts::FillPatternEmpty{});
-    else if (start < startAddress || start > end)
-        Facts::report(Facts::FillStartOutside{start, startAddress, end});
+    else if (start < startAddress_ || start > end)
+        Facts::report(Facts::FillStartOutside{start, startAddress_, end});
     else if (numberOfElements > end - start)
         Facts::report(Facts::FillTooLong{start, numberOfElements, end});
     else
@@ -57,39 +57,39 @@ bool MemoryBuffer::isFillable(std::size_t patternSize, std::uint64_t start,
 void MemoryBuffer::fillMemory(std::span<const MemoryElement> dataPattern, std::uint64_t start,
                               std::uint64_t numberOfElements) {
     if (!isFillable(dataPattern.size(), start, numberOfElements)) return;
-    const std::size_t at = start - startAddress;
+    const std::size_t at = start - startAddress_;
     for (std::size_t i = 0; i < numberOfElements; ++i)
-        elements.apply(at + i, dataPattern[i % dataPattern.size()]);
+        elements_.apply(at + i, dataPattern[i % dataPattern.size()]);
 }
 
 void MemoryBuffer::writePattern(std::span<const std::uint8_t> bytes, std::uint64_t start,
                                 std::uint64_t numberOfBytes) {
     if (isFillable(bytes.size(), start, numberOfBytes))
-        elements.writePattern(start - startAddress, bytes, numberOfBytes);
+        elements_.writePattern(start - startAddress_, bytes, numberOfBytes);
 }
 
 void MemoryBuffer::fillPattern(std::span<const std::uint8_t> bytes, std::uint64_t start,
                                std::uint64_t numberOfBytes) {
     if (isFillable(bytes.size(), start, numberOfBytes))
-        elements.fillPattern(start - startAddress, bytes, numberOfBytes);
+        elements_.fillPattern(start - startAddress_, bytes, numberOfBytes);
 }
 
 void MemoryBuffer::fillFrom(ElementView pattern, std::uint64_t start) {
     if (isFillable(pattern.size(), start, pattern.size()))
-        elements.apply(start - startAddress, pattern);
+        elements_.apply(start - startAddress_, pattern);
 }
 
 void MemoryBuffer::overlayBytes(std::span<const std::uint8_t> bytes, std::uint64_t start) {
     const std::optional<Area> part = overlap({start, bytes.size()});
     if (part)
-        elements.write(part->start - startAddress,
-                       bytes.subspan(part->start - start, part->length));
+        elements_.write(part->start - startAddress_,
+                        bytes.subspan(part->start - start, part->length));
 }
 
 MemoryBuffer MemoryBuffer::extractMemory(std::uint64_t start, std::uint64_t dataLength) const {
     const std::uint64_t end = getArea().end();
-    if (start < startAddress || start > end) {
-        Facts::report(Facts::ExtractStartOutside{start, startAddress, end});
+    if (start < startAddress_ || start > end) {
+        Facts::report(Facts::ExtractStartOutside{start, startAddress_, end});
         return {0, 0};
     }
     if (dataLength > end - start) {
@@ -97,21 +97,22 @@ MemoryBuffer MemoryBuffer::extractMemory(std::uint64_t start, std::uint64_t data
         return {0, 0};
     }
     MemoryBuffer extract(start, dataLength);
-    extract.fillFrom(viewElements().part(start - startAddress, dataLength), start);
+    extract.fillFrom(viewElements().part(start - startAddress_, dataLength), start);
     return extract;
 }
 
 /// The part of `area` that lies in the image, if it has any address.
 std::optional<Area> MemoryBuffer::overlap(const Area& area) const {
-    if (area.length == 0 || elements.size() == 0) return std::nullopt;
+    if (area.length == 0 || elements_.size() == 0) return std::nullopt;
     return area.clippedTo(getArea());
 }
 
 void MemoryBuffer::overlay(const MemoryBuffer& other) {
     const std::optional<Area> part = overlap(other.getArea());
     if (part)
-        elements.replace(part->start - startAddress,
-                         other.viewElements().part(part->start - other.startAddress, part->length));
+        elements_.replace(
+            part->start - startAddress_,
+            other.viewElements().part(part->start - other.startAddress_, part->length));
 }
 
 void MemoryBuffer::appendBytes(std::vector<std::uint8_t>& output, std::uint64_t start,

@@ -44,29 +44,29 @@ public:
     /// An image of `length` written elements with filler 0, whose values are the first bytes of
     /// `bytes`. The range is one that the other constructor takes.
     MemoryBuffer(std::uint64_t start, Platform::PageBlock bytes, std::size_t length)
-        : startAddress(start), elements(std::move(bytes), length) {}
+        : startAddress_(start), elements_(std::move(bytes), length) {}
     virtual ~MemoryBuffer() = default;
     MemoryBuffer(const MemoryBuffer&) = default;
     MemoryBuffer& operator=(const MemoryBuffer&) = default;
     MemoryBuffer(MemoryBuffer&&) noexcept = default;
     MemoryBuffer& operator=(MemoryBuffer&&) noexcept = default;
 
-    std::uint64_t getStartAddress() const { return startAddress; }
-    std::uint64_t getDataLength() const { return elements.size(); }
-    Area getArea() const { return {startAddress, elements.size()}; }
+    std::uint64_t getStartAddress() const { return startAddress_; }
+    std::uint64_t getDataLength() const { return elements_.size(); }
+    Area getArea() const { return {startAddress_, elements_.size()}; }
 
     /// A copy of all elements, in address order.
     std::vector<MemoryElement> getElements() const;
 
     /// The elements themselves, in address order, while the image lives and is not written to.
-    ElementView viewElements() const { return elements.view(); }
+    ElementView viewElements() const { return elements_.view(); }
 
     /// The elements of a range, or none if any part of it lies outside the image; nothing is said.
     ElementView viewRange(std::uint64_t start, std::uint64_t dataLength) const;
 
     /// A tag that the image itself never looks at; `BigEndian` in a new one.
-    ByteOrder getByteOrder() const { return byteOrder; }
-    void setByteOrder(ByteOrder order) { byteOrder = order; }
+    ByteOrder getByteOrder() const { return byteOrder_; }
+    void setByteOrder(ByteOrder order) { byteOrder_ = order; }
 
     /// Moves the image: the elements stay, the address of the first one changes. Refused if the
     /// range would pass the end of the address space.
@@ -101,7 +101,7 @@ public:
     /// range lies in the image.
     template <class Read>
     void overlayRead(std::uint64_t start, std::uint64_t length, Read read) {
-        elements.writeWith(start - startAddress, length, read);
+        elements_.writeWith(start - startAddress_, length, read);
     }
 
     /// A new image of the range, with the byte order tag of a new image. A written element arrives
@@ -123,9 +123,9 @@ private:
                     std::uint64_t numberOfElements) const;
     std::optional<Area> overlap(const Area& area) const;
 
-    std::uint64_t startAddress;
-    ElementStore elements;
-    ByteOrder byteOrder = ByteOrder::BigEndian;
+    std::uint64_t startAddress_;
+    ElementStore elements_;
+    ByteOrder byteOrder_ = ByteOrder::BigEndian;
 };
 
 }  // namespace Buffer

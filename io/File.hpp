@@ -18,13 +18,13 @@ struct bad_open : exception {
 /// A path, kept as it was given. Touches no file.
 class File {
 public:
-    explicit File(std::string path) : fileName(std::move(path)) {}
+    explicit File(std::string path) : fileName_(std::move(path)) {}
     virtual ~File() = default;
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
 protected:
-    std::string fileName;
+    std::string fileName_;
 };
 
 }  // namespace Io

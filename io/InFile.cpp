@@ -23,12 +23,12 @@ Platform::InputFile openInput(const std::string& path) {
 }
 
 void TextInFile::close(const TextLines& lines) const {
-    judge(lines.reading(), fileName);
+    judge(lines.reading(), fileName_);
 }
 
 std::size_t BinaryInFile::read(std::uint64_t start, std::span<std::uint8_t> out) const {
     const std::size_t got = file_.readAt(start, {reinterpret_cast<char*>(out.data()), out.size()});
-    judge(file_.reading(), fileName);
+    judge(file_.reading(), fileName_);
     return got;
 }
 

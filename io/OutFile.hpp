@@ -15,7 +15,7 @@ protected:
 
     /// Starts the output. See PieceWriter for when the file is touched.
     PieceWriter startOutput(std::size_t longestReserve = 0) const {
-        return {fileName, Platform::FileMode::Text, longestReserve};
+        return {fileName_, Platform::FileMode::Text, longestReserve};
     }
 };
 
@@ -25,7 +25,7 @@ protected:
     using File::File;
 
     /// Starts the output. See PieceWriter for when the file is touched.
-    PieceWriter startOutput() const { return {fileName, Platform::FileMode::Binary}; }
+    PieceWriter startOutput() const { return {fileName_, Platform::FileMode::Binary}; }
 };
 
 }  // namespace Io

@@ -30,15 +30,15 @@ double secondsSince(std::chrono::steady_clock::time_point start) {
 template <class ScannerT>
 typename Spirit::parser_result<ScriptParser, ScannerT>::type ScriptParser::parse(
     const ScannerT& scan) const {
-    return rules->script.parse(scan);
+    return rules_->script.parse(scan);
 }
 
 ScriptParser::ScriptParser() : ScriptParser({}, {}) {}
 
 ScriptParser::ScriptParser(std::string path, std::map<std::string, std::string> variables)
-    : state(&ScriptParser::calculated),
-      initialVariables(std::move(variables)),
-      scriptPath(std::move(path)) {}
+    : state_(&ScriptParser::calculated),
+      initialVariables_(std::move(variables)),
+      scriptPath_(std::move(path)) {}
 
 ScriptParser::~ScriptParser() = default;
 
@@ -46,10 +46,10 @@ bool ScriptParser::run() {
     const auto start = std::chrono::steady_clock::now();
     bool isParsed = false;
     try {
-        context.variables = initialVariables;
-        auto contents = Platform::readFile(scriptPath);
+        context_.variables = initialVariables_;
+        auto contents = Platform::readFile(scriptPath_);
         if (!contents) {
-            Facts::report(Facts::ScriptNotOpened{scriptPath});
+            Facts::report(Facts::ScriptNotOpened{scriptPath_});
             return false;
         }
         // A part of a script may well parse, and then do a part of its work.
@@ -59,33 +59,33 @@ bool ScriptParser::run() {
     } catch (const VariableError& error) {
         Facts::report(Facts::VariableRejected{error.name(), error.fault()});
     } catch (const std::exception&) {
-        Facts::report(Facts::ScriptNotPrepared{scriptPath});
+        Facts::report(Facts::ScriptNotPrepared{scriptPath_});
     }
-    state.statement.clear();
+    state_.statement.clear();
     Facts::report(Facts::RunEnded{secondsSince(start)});
     return isParsed;
 }
 
 bool ScriptParser::prepareAndRun(std::string text) {
     removeComments(text);
-    takeSubstitutions(text, context.variables);
-    expandVariables(text, context.variables);
-    context.variables.clear();
+    takeSubstitutions(text, context_.variables);
+    expandVariables(text, context_.variables);
+    context_.variables.clear();
     const ParseResult parsed = parseScript(text);
     if (!parsed.full) {
         const std::string_view matched = std::string_view(text).substr(0, parsed.length);
         const auto line = static_cast<std::size_t>(std::ranges::count(matched, '\n')) + 1;
-        Facts::report(
-            Facts::SyntaxError{state.statement.lastCommand(), state.statement.lastTokens(), line});
+        Facts::report(Facts::SyntaxError{state_.statement.lastCommand(),
+                                         state_.statement.lastTokens(), line});
         return false;
     }
-    for (const auto& command : state.statement.commands()) command->execute(context);
+    for (const auto& command : state_.statement.commands()) command->execute(context_);
     return true;
 }
 
 ScriptParser::ParseResult ScriptParser::parseScript(std::string_view text) {
-    if (!rules) rules = std::make_unique<const ScriptRules>(state);
-    state.beginText(text.size());
+    if (!rules_) rules_ = std::make_unique<const ScriptRules>(state_);
+    state_.beginText(text.size());
     const Position first = text.data();
     const auto info = Spirit::parse(first, first + text.size(), *this);
     return {info.stop, info.hit, info.full, static_cast<std::size_t>(info.length)};
@@ -99,10 +99,10 @@ std::string ScriptParser::calculated(const std::string& text) {
 }
 
 std::string ScriptParser::calculate(const std::string& text) {
-    state.reset();
+    state_.reset();
     // What counts is what the actions left behind, not whether the parse went through.
     parseScript("CALCULATE " + text);
-    const auto& values = state.statement.collectedValues();
+    const auto& values = state_.statement.collectedValues();
     const auto brackets = static_cast<std::size_t>(std::ranges::count(text, '['));
     if (values.empty() || brackets != values.size()) return text;
     const std::string number = " 0x" + Util::hexWord(values.front());

@@ -56,7 +56,7 @@ public:
     ParseResult parseScript(std::string_view text);
 
     /// The statements that were parsed.
-    std::size_t statementCount() const { return state.statement.commands().size(); }
+    std::size_t statementCount() const { return state_.statement.commands().size(); }
 
     /// Matches the start rule for Spirit, once `parseScript` has built it.
     ///
@@ -70,11 +70,11 @@ private:
     bool prepareAndRun(std::string text);
 
     /// Built at the first parse; bound to `state`.
-    std::unique_ptr<const ScriptRules> rules;
-    WrapperLib::CmdContext context;
-    ParserState state;
-    std::map<std::string, std::string> initialVariables;
-    std::string scriptPath;
+    std::unique_ptr<const ScriptRules> rules_;
+    WrapperLib::CmdContext context_;
+    ParserState state_;
+    std::map<std::string, std::string> initialVariables_;
+    std::string scriptPath_;
 };
 
 }  // namespace Parser

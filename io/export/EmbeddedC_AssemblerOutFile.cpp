@@ -69,10 +69,10 @@ private:
 };
 
 EmbeddedC_AssemblerOutFile::EmbeddedC_AssemblerOutFile(std::string path, EmbeddedOutputStyle style)
-    : TextOutFile(std::move(path)), outputStyle(std::move(style)) {}
+    : TextOutFile(std::move(path)), outputStyle_(std::move(style)) {}
 
 void EmbeddedC_AssemblerOutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
-    outputBytes.append(buffer);
+    outputBytes_.append(buffer);
 }
 
 std::string EmbeddedC_AssemblerOutFile::getTimeString() {
@@ -85,14 +85,14 @@ std::string EmbeddedC_AssemblerOutFile::getTimeString() {
 
 std::string EmbeddedC_AssemblerOutFile::filledIn(std::string text, const std::string& time) const {
     using boost::algorithm::replace_all;
-    replace_all(text, "@size", lowerHex(outputBytes.size()));
+    replace_all(text, "@size", lowerHex(outputBytes_.size()));
     replace_all(text, "@time", time);
-    replace_all(text, "@elementsPerLine", std::to_string(outputStyle.elementsPerLine));
+    replace_all(text, "@elementsPerLine", std::to_string(outputStyle_.elementsPerLine));
     return text;
 }
 
 std::string EmbeddedC_AssemblerOutFile::sectionLines() const {
-    const std::string& section = outputStyle.section;
+    const std::string& section = outputStyle_.section;
     if (section.empty()) return {};
     if (isDottedName(section)) return "\n\n#pragma asm\n\n.section \"" + section + "\"\n";
     return "\n\n#pragma section CODE=" + section + "\n\n#pragma asm\n\n";
@@ -100,9 +100,9 @@ std::string EmbeddedC_AssemblerOutFile::sectionLines() const {
 
 void EmbeddedC_AssemblerOutFile::saveToFile() {
     const std::string time = getTimeString();
-    const std::string head = filledIn(outputStyle.header, time) + sectionLines();
-    const std::string foot = filledIn(outputStyle.footer, time);
-    const ElementRow row(outputStyle);
+    const std::string head = filledIn(outputStyle_.header, time) + sectionLines();
+    const std::string foot = filledIn(outputStyle_.footer, time);
+    const ElementRow row(outputStyle_);
     PieceWriter out = startOutput(row.size());
     out.append(head);
     writeDataLines(out, row);
@@ -111,11 +111,11 @@ void EmbeddedC_AssemblerOutFile::saveToFile() {
 }
 
 void EmbeddedC_AssemblerOutFile::writeDataLines(PieceWriter& out, const ElementRow& row) const {
-    const std::size_t perLine = outputStyle.elementsPerLine;
+    const std::size_t perLine = outputStyle_.elementsPerLine;
     std::size_t inLine = 0;
-    outputBytes.forBytes([&](std::span<const std::uint8_t> bytes) {
+    outputBytes_.forBytes([&](std::span<const std::uint8_t> bytes) {
         while (!bytes.empty()) {
-            if (inLine == 0) out.append(outputStyle.linePrefix);
+            if (inLine == 0) out.append(outputStyle_.linePrefix);
             std::size_t count = std::min(bytes.size(), ElementRow::longest);
             if (perLine != 0) count = std::min(count, perLine - inLine);
             row.write(out, bytes.first(count), inLine != 0);

@@ -34,8 +34,8 @@ private:
     std::string sectionLines() const;
     void writeDataLines(PieceWriter& out, const ElementRow& row) const;
 
-    EmbeddedOutputStyle outputStyle;
-    ConcatenatedImages outputBytes{Facts::OutputFormat::EmbeddedC_Assembler};
+    EmbeddedOutputStyle outputStyle_;
+    ConcatenatedImages outputBytes_{Facts::OutputFormat::EmbeddedC_Assembler};
 };
 
 }  // namespace Io::Export

@@ -31,28 +31,28 @@ void reportLength(std::uint32_t length, Facts::Bound bound, std::uint32_t allowe
 }  // namespace
 
 IntelHexOutFile::IntelHexOutFile(std::string path, IntelHexOutputStyle style)
-    : TextOutFile(std::move(path)), outputStyle(style) {
-    std::uint32_t& length = outputStyle.dataRecordLength;
+    : TextOutFile(std::move(path)), outputStyle_(style) {
+    std::uint32_t& length = outputStyle_.dataRecordLength;
     if (length < shortestRecord) reportLength(length, Facts::Bound::Minimum, shortestRecord);
     if (length > longestRecord) reportLength(length, Facts::Bound::Maximum, longestRecord);
     length = std::clamp(length, shortestRecord, longestRecord);
 }
 
 void IntelHexOutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
-    const unsigned shift = outputStyle.useSegmentAddressing ? 4 : 16;
+    const unsigned shift = outputStyle_.useSegmentAddressing ? 4 : 16;
     const Buffer::ElementView all = buffer.viewElements();
     for (std::size_t at = 0; at < all.size();) {
         const std::uint64_t address = buffer.getStartAddress() + at;
         const std::uint64_t room = ((address >> shift) << shift) + blockSize - address;
         const std::size_t length = std::min<std::uint64_t>(all.size() - at, room);
-        memoryBuffers.emplace_back(address, all.part(at, length));
+        memoryBuffers_.emplace_back(address, all.part(at, length));
         at += length;
     }
 }
 
 void IntelHexOutFile::setExecutionAddress(std::uint64_t address) {
-    hasExecutionAddress = true;
-    executionAddress = address;
+    hasExecutionAddress_ = true;
+    executionAddress_ = address;
 }
 
 OffsetInformation IntelHexOutFile::setOffsetInformation(std::uint64_t startAddress) const {
@@ -60,7 +60,7 @@ OffsetInformation IntelHexOutFile::setOffsetInformation(std::uint64_t startAddre
     constexpr std::uint64_t segmentEnd = 0x100000;
     OffsetInformation information{};
     information.startAddress = startAddress;
-    if (outputStyle.useSegmentAddressing) {
+    if (outputStyle_.useSegmentAddressing) {
         information.isValid = startAddress < segmentEnd;
         information.recordType = IntelRecordType::ExtendedSegmentAddress;
         information.base = startAddress >> 4U;
@@ -71,7 +71,7 @@ OffsetInformation IntelHexOutFile::setOffsetInformation(std::uint64_t startAddre
         information.base = startAddress >> 16U;
         information.offset = startAddress & 0xFFFFU;
     }
-    if (!information.isValid) Facts::report(Facts::AddressNotExpressible{startAddress, fileName});
+    if (!information.isValid) Facts::report(Facts::AddressNotExpressible{startAddress, fileName_});
     return information;
 }
 
@@ -93,11 +93,11 @@ std::string IntelHexOutFile::getStringRepresentationFor(
 
 void IntelHexOutFile::saveToFile() {
     // Before the file is touched: one block out of reach cancels all of it.
-    for (const ImageView& block : memoryBuffers)
+    for (const ImageView& block : memoryBuffers_)
         if (!setOffsetInformation(block.startAddress).isValid) return;
     PieceWriter out = startOutput();
-    for (const ImageView& block : memoryBuffers) writeBlock(out, block);
-    if (hasExecutionAddress) writeStartRecord(out);
+    for (const ImageView& block : memoryBuffers_) writeBlock(out, block);
+    if (hasExecutionAddress_) writeStartRecord(out);
     writeRecord(out, 0, IntelRecordType::EndOfFile, {});
     out.finish();
 }
@@ -107,7 +107,7 @@ void IntelHexOutFile::writeBlock(PieceWriter& out, const ImageView& block) const
     writeRecord(out, 0, information.recordType,
                 std::array{static_cast<std::uint8_t>(information.base >> 8U),
                            static_cast<std::uint8_t>(information.base)});
-    const std::size_t length = outputStyle.dataRecordLength;
+    const std::size_t length = outputStyle_.dataRecordLength;
     std::uint64_t offset = information.offset;
     forEffectiveBytes(block.elements, length, [&](std::span<const std::uint8_t> data) {
         writeRecord(out, offset, IntelRecordType::Data, data);
@@ -116,9 +116,9 @@ void IntelHexOutFile::writeBlock(PieceWriter& out, const ImageView& block) const
 }
 
 void IntelHexOutFile::writeStartRecord(PieceWriter& out) const {
-    const std::uint64_t a = executionAddress;
+    const std::uint64_t a = executionAddress_;
     const auto byte = [](std::uint64_t value) { return static_cast<std::uint8_t>(value); };
-    if (outputStyle.useSegmentAddressing)
+    if (outputStyle_.useSegmentAddressing)
         // The code segment and, with the paragraph's offset, the instruction pointer.
         writeRecord(out, 0, IntelRecordType::StartSegmentAddress,
                     std::array{byte(a >> 12U), byte(a >> 4U), byte(0), byte(a & 0xFU)});

@@ -51,11 +51,11 @@ private:
     void writeBlock(PieceWriter& out, const ImageView& block) const;
     void writeStartRecord(PieceWriter& out) const;
 
-    bool hasExecutionAddress = false;
-    std::uint64_t executionAddress = 0;
-    IntelHexOutputStyle outputStyle;
+    bool hasExecutionAddress_ = false;
+    std::uint64_t executionAddress_ = 0;
+    IntelHexOutputStyle outputStyle_;
     /// The images, cut into pieces that one extended address record reaches.
-    std::deque<ImageView> memoryBuffers;
+    std::deque<ImageView> memoryBuffers_;
 };
 
 }  // namespace Io::Export

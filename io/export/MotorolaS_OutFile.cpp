@@ -38,14 +38,14 @@ std::size_t bytesNeeded(std::uint64_t value) {
 }  // namespace
 
 MotorolaS_OutFile::MotorolaS_OutFile(std::string path, const MotorolaSOutputStyle& style)
-    : TextOutFile(std::move(path)), outputStyle(style) {
-    std::uint32_t& size = outputStyle.maximumRecordSize;
+    : TextOutFile(std::move(path)), outputStyle_(style) {
+    std::uint32_t& size = outputStyle_.maximumRecordSize;
     if (size < smallestRecord) reportSize(size, Facts::Bound::Minimum, smallestRecord);
     if (size > largestRecord) reportSize(size, Facts::Bound::Maximum, largestRecord);
     size = std::clamp(size, smallestRecord, largestRecord);
-    std::string& name = outputStyle.moduleName;
+    std::string& name = outputStyle_.moduleName;
     name.insert(0, moduleNameLength - std::min(moduleNameLength, name.size()), ' ');
-    std::string& description = outputStyle.description;
+    std::string& description = outputStyle_.description;
     description.resize(std::max(descriptionLength, description.size()), ' ');
 }
 
@@ -55,13 +55,13 @@ void MotorolaS_OutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
         Facts::report(Facts::ImageBeyondSRecords{highestAddress});
         return;
     }
-    memoryBuffers.emplace_back(buffer);
+    memoryBuffers_.emplace_back(buffer);
     // Four bytes reach every address of an image that ends with the address space.
-    addressBytes = std::max(addressBytes, bytesNeeded(std::min(end, highestAddress)));
+    addressBytes_ = std::max(addressBytes_, bytesNeeded(std::min(end, highestAddress)));
 }
 
 void MotorolaS_OutFile::setAddress(std::uint64_t value, SRecord& record) const {
-    record.address.resize(std::max(addressBytes, bytesNeeded(value)));
+    record.address.resize(std::max(addressBytes_, bytesNeeded(value)));
     putAddress(value, record.address);
 }
 
@@ -83,25 +83,25 @@ std::string MotorolaS_OutFile::getStringRepresentation(const SRecord& record) {
 
 SRecord MotorolaS_OutFile::header() const {
     SRecord record{SRecordType::S0, {0, 0}, {}};
-    record.data.assign(outputStyle.moduleName.begin(), outputStyle.moduleName.end());
-    record.data.push_back(outputStyle.version);
-    record.data.push_back(outputStyle.revision);
-    record.data.insert(record.data.end(), outputStyle.description.begin(),
-                       outputStyle.description.end());
+    record.data.assign(outputStyle_.moduleName.begin(), outputStyle_.moduleName.end());
+    record.data.push_back(outputStyle_.version);
+    record.data.push_back(outputStyle_.revision);
+    record.data.insert(record.data.end(), outputStyle_.description.begin(),
+                       outputStyle_.description.end());
     return record;
 }
 
 void MotorolaS_OutFile::saveToFile() {
     const SRecord first = header();
     SRecord terminator;
-    makeRecord(SRecordKind::Terminator, executionAddress, terminator);
+    makeRecord(SRecordKind::Terminator, executionAddress_, terminator);
     // Room for every address beforehand: memory that runs out later would leave half a file.
     Progress progress;
     progress.data.address.reserve(sizeof(std::uint64_t));
     progress.count.address.reserve(sizeof(std::uint64_t));
     PieceWriter out = startOutput();
     writeRecord(out, first);
-    for (const ImageView& image : memoryBuffers) writeImage(out, image, progress);
+    for (const ImageView& image : memoryBuffers_) writeImage(out, image, progress);
     writeRecord(out, terminator);
     out.finish();
 }
@@ -126,7 +126,7 @@ void MotorolaS_OutFile::writeImage(PieceWriter& out, const ImageView& image,
     };
     // An image without elements gives one record without data.
     if (image.elements.empty()) writeData({});
-    forEffectiveBytes(image.elements, outputStyle.maximumRecordSize,
+    forEffectiveBytes(image.elements, outputStyle_.maximumRecordSize,
                       [&](std::span<const std::uint8_t> data) {
                           // Due only before a further byte: no file ends with a count.
                           if (progress.uncounted >= countedRecords) writeCount(out, progress);

@@ -34,7 +34,7 @@ public:
     /// An image that reaches beyond 0xFFFFFFFF is reported and left out.
     void insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) override;
     void saveToFile() override;
-    void setExecutionAddress(std::uint64_t address) override { executionAddress = address; }
+    void setExecutionAddress(std::uint64_t address) override { executionAddress_ = address; }
 
     /// Sets address and type of `record` for `value`, in the width of the file or the one that the
     /// value needs.
@@ -57,10 +57,10 @@ private:
     void writeCount(PieceWriter& out, Progress& progress) const;
     void setAddress(std::uint64_t value, SRecord& record) const;
 
-    std::size_t addressBytes = 2;
-    std::uint64_t executionAddress = 0;
-    MotorolaSOutputStyle outputStyle;
-    std::deque<ImageView> memoryBuffers;
+    std::size_t addressBytes_ = 2;
+    std::uint64_t executionAddress_ = 0;
+    MotorolaSOutputStyle outputStyle_;
+    std::deque<ImageView> memoryBuffers_;
 };
 
 }  // namespace Io::Export

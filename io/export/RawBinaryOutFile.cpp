@@ -3,12 +3,12 @@
 namespace Io::Export {
 
 void RawBinaryOutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
-    outputBytes.append(buffer);
+    outputBytes_.append(buffer);
 }
 
 void RawBinaryOutFile::saveToFile() {
     PieceWriter out = startOutput();
-    outputBytes.forBytes([&out](std::span<const std::uint8_t> bytes) { out.append(bytes); });
+    outputBytes_.forBytes([&out](std::span<const std::uint8_t> bytes) { out.append(bytes); });
     out.finish();
 }
 

@@ -20,7 +20,7 @@ public:
     void setExecutionAddress(std::uint64_t /*address*/) override {}
 
 private:
-    ConcatenatedImages outputBytes{Facts::OutputFormat::RawBinary};
+    ConcatenatedImages outputBytes_{Facts::OutputFormat::RawBinary};
 };
 
 }  // namespace Io::Export

@@ -9,8 +9,8 @@
 
 namespace Io::Import {
 
-GenericInFile::GenericInFile(std::string path) : fileName(std::move(path)) {
-    TextLines lines(fileName);
+GenericInFile::GenericInFile(std::string path) : fileName_(std::move(path)) {
+    TextLines lines(fileName_);
     FormatScan scan;
     IntelHexParser intelHex(lines.fileSize());
     MotorolaS_Parser motorolaS(lines.fileSize());
@@ -19,26 +19,26 @@ GenericInFile::GenericInFile(std::string path) : fileName(std::move(path)) {
         intelHex.take(lines);
         motorolaS.take(lines);
     }
-    fileType = scan.type();
+    fileType_ = scan.type();
     // The reader goes on with the open file: opened by its name once more, it could be another one.
-    switch (fileType) {
+    switch (fileType_) {
         case InFileType::IntelHex:
-            reader =
-                std::make_unique<IntelHexInFile>(fileName, std::move(lines), std::move(intelHex));
+            reader_ =
+                std::make_unique<IntelHexInFile>(fileName_, std::move(lines), std::move(intelHex));
             break;
         case InFileType::MotorolaS:
-            reader = std::make_unique<MotorolaS_InFile>(fileName, std::move(lines),
-                                                        std::move(motorolaS));
+            reader_ = std::make_unique<MotorolaS_InFile>(fileName_, std::move(lines),
+                                                         std::move(motorolaS));
             break;
         case InFileType::RawBinary:
-            reader = std::make_unique<RawBinaryInFile>(fileName, lines.takeFile());
+            reader_ = std::make_unique<RawBinaryInFile>(fileName_, lines.takeFile());
             break;
     }
 }
 
 GenericInFile::GenericInFile(std::string path, RawBinaryTag /*tag*/)
-    : fileName(std::move(path)),
-      fileType(InFileType::RawBinary),
-      reader(std::make_unique<RawBinaryInFile>(fileName)) {}
+    : fileName_(std::move(path)),
+      fileType_(InFileType::RawBinary),
+      reader_(std::make_unique<RawBinaryInFile>(fileName_)) {}
 
 }  // namespace Io::Import

@@ -27,27 +27,27 @@ public:
     /// @throws Io::bad_open
     GenericInFile(std::string path, RawBinaryTag tag);
 
-    std::uint64_t getMinAddress() const override { return reader->getMinAddress(); }
-    std::uint64_t getDataLength() const override { return reader->getDataLength(); }
-    Buffer::MemoryBuffer getMemory() const override { return reader->getMemory(); }
-    Buffer::MemoryBuffer takeMemory() override { return reader->takeMemory(); }
+    std::uint64_t getMinAddress() const override { return reader_->getMinAddress(); }
+    std::uint64_t getDataLength() const override { return reader_->getDataLength(); }
+    Buffer::MemoryBuffer getMemory() const override { return reader_->getMemory(); }
+    Buffer::MemoryBuffer takeMemory() override { return reader_->takeMemory(); }
     Buffer::MemoryBuffer getMemory(std::uint64_t startAddress,
                                    std::uint64_t dataLength) const override {
-        return reader->getMemory(startAddress, dataLength);
+        return reader_->getMemory(startAddress, dataLength);
     }
-    bool hasStartAddress() const override { return reader->hasStartAddress(); }
-    std::uint64_t getStartAddress() const override { return reader->getStartAddress(); }
-    Buffer::AreaList getDataAreas() const override { return reader->getDataAreas(); }
+    bool hasStartAddress() const override { return reader_->hasStartAddress(); }
+    std::uint64_t getStartAddress() const override { return reader_->getStartAddress(); }
+    Buffer::AreaList getDataAreas() const override { return reader_->getDataAreas(); }
     void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const override {
-        reader->fillMemoryBuffer(buffer);
+        reader_->fillMemoryBuffer(buffer);
     }
 
-    InFileType type() const { return fileType; }
+    InFileType type() const { return fileType_; }
 
 private:
-    std::string fileName;
-    InFileType fileType;
-    std::unique_ptr<TessaronImportApi> reader;
+    std::string fileName_;
+    InFileType fileType_;
+    std::unique_ptr<TessaronImportApi> reader_;
 };
 
 }  // namespace Io::Import

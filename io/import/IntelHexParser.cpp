@@ -96,13 +96,13 @@ void IntelHexParser::storeRecord(const Record& record) {
     const auto data = record.data();
     switch (record.type()) {
         case IntelRecordType::Data:
-            parsed_.data.append(segmentBase + record.address(), data);
+            parsed_.data.append(segmentBase_ + record.address(), data);
             break;
         case IntelRecordType::ExtendedSegmentAddress:
-            segmentBase = bigEndian(data) * paragraph;
+            segmentBase_ = bigEndian(data) * paragraph;
             break;
         case IntelRecordType::ExtendedLinearAddress:
-            segmentBase = bigEndian(data) * page;
+            segmentBase_ = bigEndian(data) * page;
             break;
         case IntelRecordType::StartSegmentAddress:
             parsed_.startAddress = bigEndian(data.first(2)) * paragraph + bigEndian(data.last(2));

@@ -57,7 +57,7 @@ private:
 
     std::unique_ptr<Syntax> syntax_;
     /// Base address in force, from the last extended address record.
-    std::uint64_t segmentBase = 0;
+    std::uint64_t segmentBase_ = 0;
 };
 
 }  // namespace Io::Import

@@ -134,7 +134,7 @@ bool MotorolaS_Parser::isConsistent(const Record& record) const {
         case SRecordType::S3:
             return true;
         case SRecordType::S5:
-            return isNumber(record.data(), dataRecordCount);
+            return isNumber(record.data(), dataRecordCount_);
         case SRecordType::S7:
         case SRecordType::S8:
         case SRecordType::S9:
@@ -150,7 +150,7 @@ void MotorolaS_Parser::storeRecord(const Record& record) {
         case SRecordType::S1:
         case SRecordType::S2:
         case SRecordType::S3:
-            ++dataRecordCount;
+            ++dataRecordCount_;
             parsed_.data.append(bigEndian(record.address()), record.data());
             break;
         case SRecordType::S7:
@@ -159,7 +159,7 @@ void MotorolaS_Parser::storeRecord(const Record& record) {
             parsed_.startAddress = bigEndian(record.address());
             break;
         case SRecordType::S5:
-            dataRecordCount = 0;
+            dataRecordCount_ = 0;
             break;
         case SRecordType::S0:
         case SRecordType::Unknown:

@@ -40,7 +40,7 @@ private:
 
     std::unique_ptr<Syntax> syntax_;
     /// S1, S2 and S3 records since the last S5.
-    std::uint32_t dataRecordCount = 0;
+    std::uint32_t dataRecordCount_ = 0;
 };
 
 }  // namespace Io::Import

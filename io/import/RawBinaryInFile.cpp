@@ -24,7 +24,7 @@ RawBinaryInFile::RawBinaryInFile(const std::string& path, Platform::InputFile fi
 }
 
 void RawBinaryInFile::limitLength() {
-    dataLength = std::min(fileSize(), mostBytes);
+    dataLength_ = std::min(fileSize(), mostBytes);
     if (fileSize() <= mostBytes) return;
     Facts::report(Facts::RawFileTooLong{mostBytes, fileSize()});
 }
@@ -32,7 +32,7 @@ void RawBinaryInFile::limitLength() {
 Buffer::MemoryBuffer RawBinaryInFile::getMemory(std::uint64_t start, std::uint64_t length) const {
     if (length == 0) return {start, 0};
     Buffer::MemoryBuffer image = newImage(start, length);
-    const std::uint64_t end = std::min(start + image.getDataLength(), dataLength);
+    const std::uint64_t end = std::min(start + image.getDataLength(), dataLength_);
     if (start < end)
         image.overlayRead(start, end - start,
                           [&](std::span<std::uint8_t> out) { return read(start, out); });
@@ -41,7 +41,7 @@ Buffer::MemoryBuffer RawBinaryInFile::getMemory(std::uint64_t start, std::uint64
 
 void RawBinaryInFile::fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const {
     const Buffer::Area range = buffer.getArea();
-    const Buffer::Area data{minAddress, dataLength};
+    const Buffer::Area data{minAddress, dataLength_};
     if (!data.contains(range)) {
         reportRange(Facts::InputFormat::RawBinary, Facts::ReadOperation::FillMemoryBuffer, range,
                     data, getInformation());
@@ -51,8 +51,8 @@ void RawBinaryInFile::fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const {
 }
 
 std::string RawBinaryInFile::getInformation() const {
-    return informationAbout(Facts::InputFormat::RawBinary, dataLength, minAddress,
-                            minAddress + dataLength);
+    return informationAbout(Facts::InputFormat::RawBinary, dataLength_, minAddress,
+                            minAddress + dataLength_);
 }
 
 }  // namespace Io::Import

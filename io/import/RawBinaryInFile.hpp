@@ -19,12 +19,12 @@ public:
     RawBinaryInFile(const std::string& path, Platform::InputFile file);
 
     std::uint64_t getMinAddress() const override { return minAddress; }
-    std::uint64_t getDataLength() const override { return dataLength; }
-    Buffer::MemoryBuffer getMemory() const override { return getMemory(minAddress, dataLength); }
+    std::uint64_t getDataLength() const override { return dataLength_; }
+    Buffer::MemoryBuffer getMemory() const override { return getMemory(minAddress, dataLength_); }
     Buffer::MemoryBuffer getMemory(std::uint64_t start, std::uint64_t length) const override;
     bool hasStartAddress() const override { return false; }
     std::uint64_t getStartAddress() const override { return 0; }
-    Buffer::AreaList getDataAreas() const override { return {{minAddress, dataLength}}; }
+    Buffer::AreaList getDataAreas() const override { return {{minAddress, dataLength_}}; }
     void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const override;
 
     /// Four lines; the last one shows the address one past the last byte.
@@ -34,7 +34,7 @@ private:
     void limitLength();
 
     static constexpr std::uint64_t minAddress = 0;
-    std::uint64_t dataLength = 0;
+    std::uint64_t dataLength_ = 0;
 };
 
 }  // namespace Io::Import

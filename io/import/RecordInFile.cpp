@@ -9,36 +9,36 @@ namespace Io::Import {
 
 RecordInFile::RecordInFile(const std::string& path, TextLines& lines, ParsedFile parsed,
                            std::uint64_t mostBytes)
-    : TextInFile(path), parsedData(std::move(parsed.data)), startAddress(parsed.startAddress) {
+    : TextInFile(path), parsedData_(std::move(parsed.data)), startAddress_(parsed.startAddress) {
     if (parsed.isExhausted) throw std::bad_alloc();
     reportFault(lines, parsed);
     limitSpan(mostBytes);
-    parsedData.finish();
+    parsedData_.finish();
     close(lines);
 }
 
 void RecordInFile::reportFault(TextLines& lines, const ParsedFile& parsed) const {
     for (const Facts::RecordCountTooLow& lowCount : parsed.lowCounts) Facts::report(lowCount);
-    if (!parsed.hasLines) Facts::report(Facts::TextFileEmpty{fileName});
+    if (!parsed.hasLines) Facts::report(Facts::TextFileEmpty{fileName_});
     if (parsed.fault == LineFault::LastLineMismatched)
-        Facts::report(Facts::LastLineMismatched{fileName});
+        Facts::report(Facts::LastLineMismatched{fileName_});
     if (parsed.fault != LineFault::NotARecord && parsed.fault != LineFault::Contradictory) return;
     // The parser has kept no copy of the line, which may be as long as the file.
     lines.moveTo(parsed.faultPosition);
     lines.next();
     if (parsed.fault == LineFault::NotARecord)
-        Facts::report(Facts::LineNotARecord{fileName, lines.line()});
+        Facts::report(Facts::LineNotARecord{fileName_, lines.line()});
     else
-        Facts::report(Facts::RecordContradictory{fileName, lines.line()});
+        Facts::report(Facts::RecordContradictory{fileName_, lines.line()});
 }
 
 void RecordInFile::limitSpan(std::uint64_t mostBytes) {
-    const std::uint64_t first = parsedData.minAddress();
-    const std::uint64_t last = parsedData.maxAddress();
-    if (parsedData.empty() || last - first < mostBytes) return;
+    const std::uint64_t first = parsedData_.minAddress();
+    const std::uint64_t last = parsedData_.maxAddress();
+    if (parsedData_.empty() || last - first < mostBytes) return;
     const std::uint64_t newLast = first + mostBytes - 1;
     Facts::report(Facts::DataSpanTooLong{mostBytes, last, newLast});
-    parsedData.limitTo(newLast);
+    parsedData_.limitTo(newLast);
 }
 
 }  // namespace Io::Import

@@ -15,22 +15,22 @@ namespace Io::Import {
 /// file has left, and the answers to all questions about its data.
 class RecordInFile : public TextInFile, public TessaronImportApi {
 public:
-    std::uint64_t getMinAddress() const override { return parsedData.minAddress(); }
-    std::uint64_t getDataLength() const override { return parsedData.dataLength(); }
+    std::uint64_t getMinAddress() const override { return parsedData_.minAddress(); }
+    std::uint64_t getDataLength() const override { return parsedData_.dataLength(); }
     Buffer::MemoryBuffer getMemory() const override {
         return getMemory(getMinAddress(), getDataLength());
     }
-    Buffer::MemoryBuffer takeMemory() override { return parsedData.takeMemory(); }
+    Buffer::MemoryBuffer takeMemory() override { return parsedData_.takeMemory(); }
     Buffer::MemoryBuffer getMemory(std::uint64_t start, std::uint64_t length) const override {
-        return parsedData.getMemory(start, length);
+        return parsedData_.getMemory(start, length);
     }
-    bool hasStartAddress() const override { return startAddress.has_value(); }
-    std::uint64_t getStartAddress() const override { return startAddress.value_or(0); }
-    Buffer::AreaList getDataAreas() const override { return parsedData.getDataAreas(); }
+    bool hasStartAddress() const override { return startAddress_.has_value(); }
+    std::uint64_t getStartAddress() const override { return startAddress_.value_or(0); }
+    Buffer::AreaList getDataAreas() const override { return parsedData_.getDataAreas(); }
     void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const override {
-        parsedData.fillMemoryBuffer(buffer);
+        parsedData_.fillMemoryBuffer(buffer);
     }
-    std::string getInformation() const { return parsedData.getInformation(); }
+    std::string getInformation() const { return parsedData_.getInformation(); }
 
 protected:
     /// @param lines   of the file `path`, all of them taken by the parser
@@ -46,8 +46,8 @@ private:
     void limitSpan(std::uint64_t mostBytes);
     void reportFault(TextLines& lines, const ParsedFile& parsed) const;
 
-    ParsedData parsedData;
-    std::optional<std::uint64_t> startAddress;
+    ParsedData parsedData_;
+    std::optional<std::uint64_t> startAddress_;
 };
 
 }  // namespace Io::Import

@@ -9,26 +9,26 @@
 namespace Parser::WrapperLib {
 
 void CmdCallApp::setAppLocation(std::string argument) {
-    appLocation = cleanedPath(std::move(argument));
+    appLocation_ = cleanedPath(std::move(argument));
 }
 
 void CmdCallApp::setArguments(std::string argument) {
-    arguments = cleanedText(std::move(argument));
+    arguments_ = cleanedText(std::move(argument));
 }
 
 void CmdCallApp::addSymbol(std::string name) {
-    symbols.push_back(std::move(name));
+    symbols_.push_back(std::move(name));
 }
 
 bool CmdCallApp::execute(CmdContext& context) {
-    return guarded(Facts::Subject::Application, appLocation, Facts::Work::Called, [&] {
+    return guarded(Facts::Subject::Application, appLocation_, Facts::Work::Called, [&] {
         // A name that is part of a longer one must not break it.
-        std::ranges::stable_sort(symbols, std::ranges::greater{}, &std::string::size);
-        std::string text = arguments;
-        for (const std::string& symbol : symbols)
+        std::ranges::stable_sort(symbols_, std::ranges::greater{}, &std::string::size);
+        std::string text = arguments_;
+        for (const std::string& symbol : symbols_)
             if (!resolveSymbol(context, symbol, text)) return false;
-        Facts::report(Facts::ProgramCalled{appLocation, text});
-        Platform::runProgram(appLocation, text);
+        Facts::report(Facts::ProgramCalled{appLocation_, text});
+        Platform::runProgram(appLocation_, text);
         return true;
     });
 }

@@ -25,9 +25,9 @@ public:
     std::uint32_t getCmdType() const override { return number(CmdType::CallApp); }
 
 private:
-    std::string arguments;
-    std::string appLocation;
-    std::vector<std::string> symbols;
+    std::string arguments_;
+    std::string appLocation_;
+    std::vector<std::string> symbols_;
 };
 
 }  // namespace Parser::WrapperLib

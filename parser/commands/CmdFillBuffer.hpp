@@ -29,8 +29,8 @@ public:
     void setFillString(std::string text);
     void setFillCrc(std::string name);
     void setFillHash(std::string name);
-    void setByteOrder(Buffer::ByteOrder order) { byteOrder = order; }
-    void addArea(const Area& area) { areas.push_back(area); }
+    void setByteOrder(Buffer::ByteOrder order) { byteOrder_ = order; }
+    void addArea(const Area& area) { areas_.push_back(area); }
 
     bool execute(CmdContext& context) override;
     std::uint32_t getCmdType() const override { return number(CmdType::FillBuffer); }
@@ -45,13 +45,13 @@ private:
     void writeUnclipped(Buffer::MemoryBuffer& buffer, const ByteList& pattern) const;
     ByteList inOrderOf(const Buffer::MemoryBuffer& buffer, ByteList crc) const;
 
-    std::string bufferName;
-    FillKind fillKind = FillKind::FillNone;
-    std::string crcName;
-    std::string hashName;
-    AreaList areas;
-    std::vector<std::uint32_t> values;
-    Buffer::ByteOrder byteOrder = Buffer::ByteOrder::NotSet;
+    std::string bufferName_;
+    FillKind fillKind_ = FillKind::FillNone;
+    std::string crcName_;
+    std::string hashName_;
+    AreaList areas_;
+    std::vector<std::uint32_t> values_;
+    Buffer::ByteOrder byteOrder_ = Buffer::ByteOrder::NotSet;
 };
 
 }  // namespace Parser::WrapperLib

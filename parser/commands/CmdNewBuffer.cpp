@@ -70,53 +70,53 @@ void overlayOrReplace(MemoryBuffer& result, MemoryBuffer part) {
 }  // namespace
 
 void CmdNewBuffer::setBufferName(std::string name) {
-    bufferName = std::move(name);
+    bufferName_ = std::move(name);
 }
 
 void CmdNewBuffer::setFile(std::string argument) {
-    fileName = cleanedPath(std::move(argument));
-    sourceKind = BufferSourceKind::SourceFile;
+    fileName_ = cleanedPath(std::move(argument));
+    sourceKind_ = BufferSourceKind::SourceFile;
 }
 
 void CmdNewBuffer::setRawFile(std::string argument) {
     setFile(std::move(argument));
-    isRawFile = true;
+    isRawFile_ = true;
 }
 
 void CmdNewBuffer::setValues(std::vector<std::uint32_t> list) {
-    values = std::move(list);
-    sourceKind = BufferSourceKind::SourceValues;
+    values_ = std::move(list);
+    sourceKind_ = BufferSourceKind::SourceValues;
 }
 
 void CmdNewBuffer::addSourceBuffer(std::string name) {
-    sourceBuffers.push_back(std::move(name));
-    sourceKind = BufferSourceKind::SourceBuffers;
+    sourceBuffers_.push_back(std::move(name));
+    sourceKind_ = BufferSourceKind::SourceBuffers;
 }
 
 void CmdNewBuffer::setNewStartAddress(std::uint32_t address) {
-    newStartAddress = address;
-    hasNewStartAddress = true;
+    newStartAddress_ = address;
+    hasNewStartAddress_ = true;
 }
 
 bool CmdNewBuffer::execute(CmdContext& context) {
-    return guarded(Facts::Subject::Buffer, bufferName, Facts::Work::Created, [&] {
+    return guarded(Facts::Subject::Buffer, bufferName_, Facts::Work::Created, [&] {
         std::optional<MemoryBuffer> result = build(context);
         if (!result) return false;
-        result->setByteOrder(byteOrder);
-        if (hasNewStartAddress) result->setStartingAddress(newStartAddress);
-        context.buffers.try_emplace(bufferName, std::move(*result));
+        result->setByteOrder(byteOrder_);
+        if (hasNewStartAddress_) result->setStartingAddress(newStartAddress_);
+        context.buffers.try_emplace(bufferName_, std::move(*result));
         return true;
     });
 }
 
 std::optional<MemoryBuffer> CmdNewBuffer::build(CmdContext& context) const {
-    Area range = bufferRange;
-    if (!isGiven(range) && !areas.empty()) {
+    Area range = bufferRange_;
+    if (!isGiven(range) && !areas_.empty()) {
         Extent extent;
-        for (const Area& area : areas) extent.include(area);
+        for (const Area& area : areas_) extent.include(area);
         range = extent.range();
     }
-    switch (sourceKind) {
+    switch (sourceKind_) {
         case BufferSourceKind::SourceBuffers:
             return fromBuffers(context, range);
         case BufferSourceKind::SourceFile:
@@ -132,12 +132,13 @@ std::optional<MemoryBuffer> CmdNewBuffer::build(CmdContext& context) const {
 std::optional<MemoryBuffer> CmdNewBuffer::fromBuffers(CmdContext& context, Area range) const {
     std::deque<MemoryBuffer> extracts;
     std::deque<const MemoryBuffer*> parts;
-    for (const std::string& name : sourceBuffers) {
+    for (const std::string& name : sourceBuffers_) {
         const MemoryBuffer* const source = findBuffer(context, name);
         if (source == nullptr) return std::nullopt;
         // Without areas an extract would equal its source.
-        parts.push_back(
-            areas.empty() ? source : &extracts.emplace_back(extractAreas(*source, areas, Area{})));
+        parts.push_back(areas_.empty()
+                            ? source
+                            : &extracts.emplace_back(extractAreas(*source, areas_, Area{})));
     }
     if (!isGiven(range)) {
         Extent extent;
@@ -153,32 +154,32 @@ std::optional<MemoryBuffer> CmdNewBuffer::fromFile(Area range) const {
     try {
         return readFile(range);
     } catch (const std::exception&) {
-        Facts::report(Facts::FileNotOpened{fileName});
+        Facts::report(Facts::FileNotOpened{fileName_});
         return std::nullopt;
     }
 }
 
 std::optional<MemoryBuffer> CmdNewBuffer::readFile(Area range) const {
     const std::unique_ptr<TessaronImportApi> reader =
-        isRawFile ? std::make_unique<GenericInFile>(fileName.c_str(), Io::Import::rawBinary)
-                  : std::make_unique<GenericInFile>(fileName.c_str());
+        isRawFile_ ? std::make_unique<GenericInFile>(fileName_.c_str(), Io::Import::rawBinary)
+                   : std::make_unique<GenericInFile>(fileName_.c_str());
     if (!isGiven(range)) range = {reader->getMinAddress(), reader->getDataLength()};
-    if (!isRawFile && range.length > longestFile) {
+    if (!isRawFile_ && range.length > longestFile) {
         Facts::report(Facts::FileSpanTooLong{range.length});
         return std::nullopt;
     }
     MemoryBuffer result(range.start, range.length);
-    if (areas.empty()) overlayOrReplace(result, reader->takeMemory());
-    for (const Area& area : areas)
+    if (areas_.empty()) overlayOrReplace(result, reader->takeMemory());
+    for (const Area& area : areas_)
         overlayOrReplace(result, reader->getMemory(area.start, area.length));
     return result;
 }
 
 MemoryBuffer CmdNewBuffer::fromValues(Area range) const {
-    const ByteList bytes = lowBytes(values);
+    const ByteList bytes = lowBytes(values_);
     MemoryBuffer source(0, bytes.size());
     source.writePattern(bytes, 0, bytes.size());
-    return extractAreas(source, areas, range);
+    return extractAreas(source, areas_, range);
 }
 
 }  // namespace Parser::WrapperLib

@@ -34,9 +34,9 @@ public:
     void setValues(std::vector<std::uint32_t> list);
     void addSourceBuffer(std::string name);
     void setNewStartAddress(std::uint32_t address);
-    void setByteOrder(Buffer::ByteOrder order) { byteOrder = order; }
-    void setBufferRange(const Area& range) { bufferRange = range; }
-    void addArea(const Area& area) { areas.push_back(area); }
+    void setByteOrder(Buffer::ByteOrder order) { byteOrder_ = order; }
+    void setBufferRange(const Area& range) { bufferRange_ = range; }
+    void addArea(const Area& area) { areas_.push_back(area); }
 
     bool execute(CmdContext& context) override;
     std::uint32_t getCmdType() const override { return number(CmdType::NewBuffer); }
@@ -49,17 +49,17 @@ private:
     std::optional<Buffer::MemoryBuffer> readFile(Area range) const;
     Buffer::MemoryBuffer fromValues(Area range) const;
 
-    std::string bufferName;
-    std::uint64_t newStartAddress = 0;
-    bool hasNewStartAddress = false;
-    std::string fileName;
-    bool isRawFile = false;
-    BufferSourceKind sourceKind = BufferSourceKind::SourceEmpty;
-    Buffer::ByteOrder byteOrder = Buffer::ByteOrder::NotSet;
-    Area bufferRange;
-    AreaList areas;
-    std::vector<std::uint32_t> values;
-    std::vector<std::string> sourceBuffers;
+    std::string bufferName_;
+    std::uint64_t newStartAddress_ = 0;
+    bool hasNewStartAddress_ = false;
+    std::string fileName_;
+    bool isRawFile_ = false;
+    BufferSourceKind sourceKind_ = BufferSourceKind::SourceEmpty;
+    Buffer::ByteOrder byteOrder_ = Buffer::ByteOrder::NotSet;
+    Area bufferRange_;
+    AreaList areas_;
+    std::vector<std::uint32_t> values_;
+    std::vector<std::string> sourceBuffers_;
 };
 
 }  // namespace Parser::WrapperLib

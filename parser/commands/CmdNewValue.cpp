@@ -11,12 +11,12 @@ void CmdNewValue::setName(std::string name) {
 }
 
 void CmdNewValue::addFromBuffer(std::string name) {
-    fromBuffers.push_back(std::move(name));
+    fromBuffers_.push_back(std::move(name));
 }
 
 bool CmdNewValue::execute(CmdContext& context) {
     return guarded(subject_, name_, Facts::Work::Created, [&] {
-        const auto bytes = gatherBytes(context, fromBuffers, areas);
+        const auto bytes = gatherBytes(context, fromBuffers_, areas_);
         if (!bytes) return false;
         const bool computes = type_->compute != nullptr;
         (context.*registry_)

@@ -25,7 +25,7 @@ class CmdNewValue : public CmdApi {
 public:
     void setName(std::string name);
     void addFromBuffer(std::string name);
-    void addArea(const Area& area) { areas.push_back(area); }
+    void addArea(const Area& area) { areas_.push_back(area); }
 
     /// @param type  a row of a table that outlives the statement
     void setType(const ValueType& type) { type_ = &type; }
@@ -46,8 +46,8 @@ private:
     Registry CmdContext::*registry_;
     const ValueType* type_;
     std::string name_;
-    std::vector<std::string> fromBuffers;
-    AreaList areas;
+    std::vector<std::string> fromBuffers_;
+    AreaList areas_;
 };
 
 }  // namespace Parser::WrapperLib

@@ -16,17 +16,18 @@ void printContent(const Buffer::MemoryBuffer& block) {
 }  // namespace
 
 void CmdPrintBuffer::setBufferName(std::string name) {
-    bufferName = std::move(name);
+    bufferName_ = std::move(name);
 }
 
 bool CmdPrintBuffer::execute(CmdContext& context) {
-    return guarded(Facts::Subject::Buffer, bufferName, Facts::Work::Printed, [&] {
-        const Buffer::MemoryBuffer* const buffer = findBuffer(context, bufferName);
+    return guarded(Facts::Subject::Buffer, bufferName_, Facts::Work::Printed, [&] {
+        const Buffer::MemoryBuffer* const buffer = findBuffer(context, bufferName_);
         if (buffer == nullptr) return false;
         Facts::report(
-            Facts::BufferPrinted{bufferName, buffer->getStartAddress(), buffer->getDataLength()});
-        if (areas.empty()) printContent(*buffer);
-        for (const Area& area : areas) printContent(buffer->extractMemory(area.start, area.length));
+            Facts::BufferPrinted{bufferName_, buffer->getStartAddress(), buffer->getDataLength()});
+        if (areas_.empty()) printContent(*buffer);
+        for (const Area& area : areas_)
+            printContent(buffer->extractMemory(area.start, area.length));
         return true;
     });
 }

@@ -11,14 +11,14 @@ namespace Parser::WrapperLib {
 class CmdPrintBuffer final : public CmdApi {
 public:
     void setBufferName(std::string name);
-    void addArea(const Area& area) { areas.push_back(area); }
+    void addArea(const Area& area) { areas_.push_back(area); }
 
     bool execute(CmdContext& context) override;
     std::uint32_t getCmdType() const override { return number(CmdType::PrintBuffer); }
 
 private:
-    std::string bufferName;
-    AreaList areas;
+    std::string bufferName_;
+    AreaList areas_;
 };
 
 }  // namespace Parser::WrapperLib

@@ -7,14 +7,14 @@
 namespace Parser::WrapperLib {
 
 void CmdPrintCrc::setCrcName(std::string name) {
-    crcName = std::move(name);
+    crcName_ = std::move(name);
 }
 
 bool CmdPrintCrc::execute(CmdContext& context) {
-    return guarded(Facts::Subject::Crc, crcName, Facts::Work::Printed, [&] {
-        const ByteList* const value = findCrc(context, crcName);
+    return guarded(Facts::Subject::Crc, crcName_, Facts::Work::Printed, [&] {
+        const ByteList* const value = findCrc(context, crcName_);
         if (value == nullptr) return false;
-        Facts::report(Facts::CrcPrinted{crcName, *value});
+        Facts::report(Facts::CrcPrinted{crcName_, *value});
         return true;
     });
 }

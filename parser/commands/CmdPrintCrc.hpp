@@ -15,7 +15,7 @@ public:
     std::uint32_t getCmdType() const override { return number(CmdType::PrintCrc); }
 
 private:
-    std::string crcName;
+    std::string crcName_;
 };
 
 }  // namespace Parser::WrapperLib

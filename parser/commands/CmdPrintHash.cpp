@@ -7,14 +7,14 @@
 namespace Parser::WrapperLib {
 
 void CmdPrintHash::setHashName(std::string name) {
-    text = std::move(name);
+    text_ = std::move(name);
 }
 
 bool CmdPrintHash::execute(CmdContext& context) {
-    return guarded(Facts::Subject::Hash, text, Facts::Work::Printed, [&] {
-        const ByteList* const value = findHash(context, text);
+    return guarded(Facts::Subject::Hash, text_, Facts::Work::Printed, [&] {
+        const ByteList* const value = findHash(context, text_);
         if (value == nullptr) return false;
-        Facts::report(Facts::HashPrinted{text, *value});
+        Facts::report(Facts::HashPrinted{text_, *value});
         return true;
     });
 }

@@ -7,19 +7,19 @@
 namespace Parser::WrapperLib {
 
 void CmdPrintText::setText(std::string argument) {
-    text = cleanedText(std::move(argument));
+    text_ = cleanedText(std::move(argument));
 }
 
 void CmdPrintText::addSymbol(std::string name) {
-    symbols.push_back(std::move(name));
+    symbols_.push_back(std::move(name));
 }
 
 bool CmdPrintText::execute(CmdContext& context) {
-    return guarded(Facts::Subject::Text, text, Facts::Work::Printed, [&] {
-        std::string resolved = text;
-        for (auto symbol = symbols.rbegin(); symbol != symbols.rend(); ++symbol)
+    return guarded(Facts::Subject::Text, text_, Facts::Work::Printed, [&] {
+        std::string resolved = text_;
+        for (auto symbol = symbols_.rbegin(); symbol != symbols_.rend(); ++symbol)
             if (!resolveSymbol(context, *symbol, resolved)) return false;
-        Facts::report(Facts::TextPrinted{calculate(resolved)});
+        Facts::report(Facts::TextPrinted{calculate_(resolved)});
         return true;
     });
 }

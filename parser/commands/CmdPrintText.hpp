@@ -15,7 +15,7 @@ using TextCalculator = std::string (*)(const std::string& text);
 /// value of one expression in place of its brackets.
 class CmdPrintText : public CmdApi {
 public:
-    explicit CmdPrintText(TextCalculator calculator) : calculate(calculator) {}
+    explicit CmdPrintText(TextCalculator calculator) : calculate_(calculator) {}
 
     /// @param argument  the argument as written in the script, delimiters included
     void setText(std::string argument);
@@ -27,11 +27,11 @@ public:
     std::uint32_t getCmdType() const override { return number(CmdType::PrintText); }
 
 protected:
-    std::string text;
-    std::vector<std::string> symbols;
+    std::string text_;
+    std::vector<std::string> symbols_;
 
 private:
-    TextCalculator calculate;
+    TextCalculator calculate_;
 };
 
 }  // namespace Parser::WrapperLib

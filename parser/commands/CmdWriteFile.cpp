@@ -64,7 +64,7 @@ std::span<const ExportFormat> CmdWriteFile::formats() {
 }
 
 CmdWriteFile::CmdWriteFile() {
-    styles.embeddedStyle.header =
+    styles_.embeddedStyle.header =
         "// !!! Generated code, do not edit !!!\n"
         "// \n"
         "// Converted Hex to C data array.\n"
@@ -74,9 +74,9 @@ CmdWriteFile::CmdWriteFile() {
         "\n"
         "/// \\cond assembler\n"
         "\n";
-    styles.embeddedStyle.linePrefix = "\t.byte ";
-    styles.embeddedStyle.elementSeparator = ", ";
-    styles.embeddedStyle.footer =
+    styles_.embeddedStyle.linePrefix = "\t.byte ";
+    styles_.embeddedStyle.elementSeparator = ", ";
+    styles_.embeddedStyle.footer =
         "\n"
         "#pragma endasm\n"
         "\n"
@@ -88,46 +88,46 @@ CmdWriteFile::CmdWriteFile() {
 }
 
 void CmdWriteFile::setFileName(std::string argument) {
-    fileName = cleanedPath(std::move(argument));
+    fileName_ = cleanedPath(std::move(argument));
 }
 
 void CmdWriteFile::addBuffer(std::string name) {
-    bufferNames.push_back(std::move(name));
+    bufferNames_.push_back(std::move(name));
 }
 
 void CmdWriteFile::setFormat(const ExportFormat& newFormat, std::optional<std::uint32_t> number) {
-    format = &newFormat;
+    format_ = &newFormat;
     // Nothing clears this again: an IntelHexExtended after an IntelHexSegment keeps the segments.
-    if (format->useSegmentAddressing) styles.intelHexStyle.useSegmentAddressing = true;
-    if (number) format->setNumber(styles, *number);
+    if (format_->useSegmentAddressing) styles_.intelHexStyle.useSegmentAddressing = true;
+    if (number) format_->setNumber(styles_, *number);
 }
 
 void CmdWriteFile::setExecutionStartAddress(std::uint32_t address) {
-    executionStartAddress = address;
-    hasExecutionStartAddress = true;
+    executionStartAddress_ = address;
+    hasExecutionStartAddress_ = true;
 }
 
 void CmdWriteFile::setSection(std::string name) {
-    styles.embeddedStyle.section = std::move(name);
+    styles_.embeddedStyle.section = std::move(name);
 }
 
 bool CmdWriteFile::execute(CmdContext& context) {
-    return guarded(Facts::Subject::File, fileName, Facts::Work::Written,
+    return guarded(Facts::Subject::File, fileName_, Facts::Work::Written,
                    [&] { return write(context); });
 }
 
 bool CmdWriteFile::write(CmdContext& context) const {
     const auto writer = makeWriter();
-    for (const std::string& name : bufferNames) {
+    for (const std::string& name : bufferNames_) {
         const Buffer::MemoryBuffer* const buffer = findBuffer(context, name);
         if (buffer == nullptr) return false;
         writer->insertMemoryBuffer(*buffer);
     }
-    if (hasExecutionStartAddress) writer->setExecutionAddress(executionStartAddress);
+    if (hasExecutionStartAddress_) writer->setExecutionAddress(executionStartAddress_);
     try {
         writer->saveToFile();
     } catch (const std::exception&) {
-        Facts::report(Facts::FileNotWritten{fileName});
+        Facts::report(Facts::FileNotWritten{fileName_});
         return false;
     }
     return true;
@@ -135,7 +135,8 @@ bool CmdWriteFile::write(CmdContext& context) const {
 
 std::unique_ptr<Io::Export::TessaronExportApi> CmdWriteFile::makeWriter() const {
     // Without a format no setting counts.
-    return format == nullptr ? makeIntelHex(fileName, {}) : format->makeWriter(fileName, styles);
+    return format_ == nullptr ? makeIntelHex(fileName_, {})
+                              : format_->makeWriter(fileName_, styles_);
 }
 
 }  // namespace Parser::WrapperLib

@@ -64,12 +64,12 @@ private:
     bool write(CmdContext& context) const;
     std::unique_ptr<Io::Export::TessaronExportApi> makeWriter() const;
 
-    std::string fileName;
-    std::vector<std::string> bufferNames;
-    std::uint64_t executionStartAddress = 0;
-    bool hasExecutionStartAddress = false;
-    const ExportFormat* format = nullptr;  ///< null without `-setFormat`
-    OutputStyles styles;
+    std::string fileName_;
+    std::vector<std::string> bufferNames_;
+    std::uint64_t executionStartAddress_ = 0;
+    bool hasExecutionStartAddress_ = false;
+    const ExportFormat* format_ = nullptr;  ///< null without `-setFormat`
+    OutputStyles styles_;
 };
 
 }  // namespace Parser::WrapperLib

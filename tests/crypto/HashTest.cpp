@@ -48,7 +48,7 @@ std::string inPieces(Bytes message, std::size_t piece) {
 template <class Hash, auto Compress>
 class Portable : public Hash {
     void transform_blocks(const unsigned char* blocks, std::size_t count) override {
-        Compress(this->state, blocks, count);
+        Compress(this->state_, blocks, count);
     }
 };
 
@@ -125,12 +125,13 @@ template <class Hash>
 class Opened : public Hash {
 public:
     void expectCleanBlock() const {
-        EXPECT_LT(this->block_fill, Hash::block_bytes);
-        EXPECT_TRUE(std::all_of(this->block.begin() + static_cast<std::ptrdiff_t>(this->block_fill),
-                                this->block.end(), [](unsigned char byte) { return byte == 0; }));
+        EXPECT_LT(this->block_fill_, Hash::block_bytes);
+        EXPECT_TRUE(
+            std::all_of(this->block_.begin() + static_cast<std::ptrdiff_t>(this->block_fill_),
+                        this->block_.end(), [](unsigned char byte) { return byte == 0; }));
     }
-    std::size_t fill() const { return this->block_fill; }
-    std::uint64_t length() const { return this->message_length; }
+    std::size_t fill() const { return this->block_fill_; }
+    std::uint64_t length() const { return this->message_length_; }
 };
 
 template <class Hash>

@@ -82,14 +82,14 @@ public:
     virtual void computeCrc(const void* data, std::size_t length) = 0;
 
     /// The value, least significant byte first, `Bits / 8` bytes.
-    ByteList toBytes() const { return toByteList(crcValue); }
+    ByteList toBytes() const { return toByteList(crcValue_); }
 
 protected:
     static Bytes asBytes(const void* data, std::size_t length) {
         return {static_cast<const std::uint8_t*>(data), length};
     }
 
-    CrcWord<Bits> crcValue = 0;
+    CrcWord<Bits> crcValue_ = 0;
 };
 
 /// A class of the catalogue is a calculation and the seed that it starts from.
@@ -97,7 +97,7 @@ template <int Bits, auto Calculation, CrcWord<Bits> Seed>
 class SeededCrc : public genericCrcBase<Bits> {
 public:
     void computeCrc(const void* data, std::size_t length) final {
-        this->crcValue = Calculation(this->asBytes(data, length), Seed);
+        this->crcValue_ = Calculation(this->asBytes(data, length), Seed);
     }
 };
 

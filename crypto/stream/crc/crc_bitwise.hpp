@@ -19,24 +19,24 @@ class crc_bitwise : public crc_base<unsigned short> {
     static_assert(Width == 16, "the register has sixteen bits");
 
 public:
-    void reset() override { crc_register = Initial; }
+    void reset() override { crc_register_ = Initial; }
 
     void update(const void* data, std::size_t length) override {
         const std::span bytes(static_cast<const std::uint8_t*>(data), length);
-        crc_register = Util::Crc::updateBitwise<ReflectIn != 0>(crc_register, bytes, Polynomial);
+        crc_register_ = Util::Crc::updateBitwise<ReflectIn != 0>(crc_register_, bytes, Polynomial);
     }
 
     unsigned short finish() override {
-        if constexpr (ReflectOut != 0) crc_register = Util::Crc::reflect(crc_register);
-        crc_register = static_cast<unsigned short>(crc_register ^ FinalXor);
-        return crc_register;
+        if constexpr (ReflectOut != 0) crc_register_ = Util::Crc::reflect(crc_register_);
+        crc_register_ = static_cast<unsigned short>(crc_register_ ^ FinalXor);
+        return crc_register_;
     }
 
     /// The present register; before `finish` the unreflected one.
-    unsigned short result() const override { return crc_register; }
+    unsigned short result() const override { return crc_register_; }
 
 private:
-    unsigned short crc_register;
+    unsigned short crc_register_;
 };
 
 }  // namespace kv::crypto::stream::crc

@@ -30,47 +30,47 @@ public:
     static constexpr std::size_t block_bytes = BlockBytes;
 
     void reset() override {
-        block_fill = 0;
-        message_length = 0;
-        block.fill(0);
-        state.fill(0);
+        block_fill_ = 0;
+        message_length_ = 0;
+        block_.fill(0);
+        state_.fill(0);
     }
 
     void update(const void* data, std::size_t length) override {
         // The data may be null when there is none.
         if (length == 0) return;
         const auto* bytes = static_cast<const unsigned char*>(data);
-        message_length += length;
-        if (block_fill != 0) {
-            const std::size_t chunk = std::min(BlockBytes - block_fill, length);
-            std::memcpy(block.data() + block_fill, bytes, chunk);
-            block_fill += chunk;
+        message_length_ += length;
+        if (block_fill_ != 0) {
+            const std::size_t chunk = std::min(BlockBytes - block_fill_, length);
+            std::memcpy(block_.data() + block_fill_, bytes, chunk);
+            block_fill_ += chunk;
             bytes += chunk;
             length -= chunk;
-            if (block_fill == BlockBytes) transform();
+            if (block_fill_ == BlockBytes) transform();
         }
         const std::size_t blocks = length / BlockBytes;
         if (blocks != 0) transform_blocks(bytes, blocks);
         const std::size_t rest = length % BlockBytes;
-        std::memcpy(block.data() + block_fill, bytes + blocks * BlockBytes, rest);
-        block_fill += rest;
+        std::memcpy(block_.data() + block_fill_, bytes + blocks * BlockBytes, rest);
+        block_fill_ += rest;
     }
 
     /// Compresses `block` into `state`, zeroes all of `block` and sets `block_fill` to 0.
     virtual void transform() {
-        transform_blocks(block.data(), 1);
-        block.fill(0);
-        block_fill = 0;
+        transform_blocks(block_.data(), 1);
+        block_.fill(0);
+        block_fill_ = 0;
     }
 
 protected:
     /// The compression function, over `count` blocks that lie one behind the other.
     virtual void transform_blocks(const unsigned char* blocks, std::size_t count) = 0;
 
-    std::size_t block_fill = 0;
-    std::uint64_t message_length = 0;
-    std::array<unsigned char, BlockBytes> block{};
-    std::array<Word, StateBits / (8 * sizeof(Word))> state{};
+    std::size_t block_fill_ = 0;
+    std::uint64_t message_length_ = 0;
+    std::array<unsigned char, BlockBytes> block_{};
+    std::array<Word, StateBits / (8 * sizeof(Word))> state_{};
 };
 
 /// The end of a message that MD and SHA families share: a marker bit, zeros, and the length in bits

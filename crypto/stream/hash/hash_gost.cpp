@@ -127,20 +127,20 @@ Words mixed(const Words& words) {
 
 void hash_gost::reset() {
     hash_base::reset();
-    control_sum.fill(0);
+    control_sum_.fill(0);
 }
 
 void hash_gost::compress(const Words& m) {
     std::array<Quarter, 4> quarters;
     for (std::size_t i = 0; i < quarters.size(); ++i)
-        quarters[i] = {state[2 * i], state[2 * i + 1]};
-    encipher(quarters, generated_keys(state, m));
+        quarters[i] = {state_[2 * i], state_[2 * i + 1]};
+    encipher(quarters, generated_keys(state_, m));
     Words s;
     for (std::size_t i = 0; i < quarters.size(); ++i) {
         s[2 * i] = quarters[i].low;
         s[2 * i + 1] = quarters[i].high;
     }
-    state = mixed<61>(exclusive_or(state, mixed<1>(exclusive_or(m, mixed<12>(s)))));
+    state_ = mixed<61>(exclusive_or(state_, mixed<1>(exclusive_or(m, mixed<12>(s)))));
 }
 
 void hash_gost::transform_blocks(const unsigned char* blocks, std::size_t count) {
@@ -149,8 +149,8 @@ void hash_gost::transform_blocks(const unsigned char* blocks, std::size_t count)
         std::uint64_t carry = 0;
         for (std::size_t i = 0; i < m.size(); ++i) {
             m[i] = load_little<std::uint32_t>(blocks + sizeof(std::uint32_t) * i);
-            carry += std::uint64_t{control_sum[i]} + m[i];
-            control_sum[i] = static_cast<std::uint32_t>(carry);
+            carry += std::uint64_t{control_sum_[i]} + m[i];
+            control_sum_[i] = static_cast<std::uint32_t>(carry);
             carry >>= 32U;
         }
         compress(m);
@@ -159,20 +159,20 @@ void hash_gost::transform_blocks(const unsigned char* blocks, std::size_t count)
 
 hash_gost::digest_type hash_gost::finish() {
     // The block is zero behind its last byte.
-    if (block_fill != 0) transform();
+    if (block_fill_ != 0) transform();
     Words length{};
-    length[0] = static_cast<std::uint32_t>(message_length << 3U);
-    length[1] = static_cast<std::uint32_t>(message_length >> 29U);
-    length[2] = static_cast<std::uint32_t>(message_length >> 61U);
+    length[0] = static_cast<std::uint32_t>(message_length_ << 3U);
+    length[1] = static_cast<std::uint32_t>(message_length_ >> 29U);
+    length[2] = static_cast<std::uint32_t>(message_length_ >> 61U);
     compress(length);
-    compress(control_sum);
+    compress(control_sum_);
     return result();
 }
 
 hash_gost::digest_type hash_gost::result() const {
     digest_type digest;
-    for (std::size_t i = 0; i < state.size(); ++i)
-        store_little(digest.data() + sizeof(std::uint32_t) * i, state[i]);
+    for (std::size_t i = 0; i < state_.size(); ++i)
+        store_little(digest.data() + sizeof(std::uint32_t) * i, state_[i]);
     return digest;
 }
 

@@ -24,7 +24,7 @@ private:
     /// The step function of the standard: replaces `state` by that of `state` and `m`.
     void compress(const Words& m);
 
-    Words control_sum{};
+    Words control_sum_{};
 };
 
 }  // namespace kv::crypto::stream::hash

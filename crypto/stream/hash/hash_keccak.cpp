@@ -8,7 +8,7 @@ template <std::size_t DigestBits, unsigned char Suffix>
 void hash_keccak_f_1600_base<DigestBits, Suffix>::transform_blocks(const unsigned char* blocks,
                                                                    std::size_t count) {
     const auto absorb = has_bit_manipulation() ? &keccak_absorb_bmi : &keccak_absorb_portable;
-    absorb(this->state, hash_keccak_f_1600_base::block_bytes, blocks, count);
+    absorb(this->state_, hash_keccak_f_1600_base::block_bytes, blocks, count);
 }
 
 template class hash_keccak_f_1600_base<224, 6>;

@@ -22,7 +22,7 @@ public:
     digest_type result() const override {
         digest_type digest;
         for (std::size_t i = 0; i < digest.size(); ++i)
-            digest[i] = static_cast<unsigned char>(this->state[i / 8] >> (8 * (i % 8)));
+            digest[i] = static_cast<unsigned char>(this->state_[i / 8] >> (8 * (i % 8)));
         return digest;
     }
 
@@ -36,8 +36,8 @@ class hash_keccak_f_1600_base : public hash_keccak_base<DigestBits, 1600> {
 public:
     void pad() override {
         constexpr unsigned char lastBit = 0x80;
-        this->block[this->block_fill] ^= Suffix;
-        this->block.back() ^= lastBit;
+        this->block_[this->block_fill_] ^= Suffix;
+        this->block_.back() ^= lastBit;
     }
 
 protected:

@@ -117,9 +117,9 @@ void hash_md4::transform_blocks(const unsigned char* blocks, std::size_t count) 
     constexpr std::size_t steps = 48;
     for (; count != 0; --count, blocks += block_bytes) {
         const Words x = little_endian_words(blocks);
-        Registers registers{state};
+        Registers registers{state_};
         run_steps<steps>([&](auto step) { md4_step<step>(registers, x); });
-        for (std::size_t i = 0; i < state.size(); ++i) state[i] += registers.r[i];
+        for (std::size_t i = 0; i < state_.size(); ++i) state_[i] += registers.r[i];
     }
 }
 
@@ -127,9 +127,9 @@ void hash_md5::transform_blocks(const unsigned char* blocks, std::size_t count) 
     constexpr std::size_t steps = 64;
     for (; count != 0; --count, blocks += block_bytes) {
         const Words x = little_endian_words(blocks);
-        Registers registers{state};
+        Registers registers{state_};
         run_steps<steps>([&](auto step) { md5_step<step>(registers, x); });
-        for (std::size_t i = 0; i < state.size(); ++i) state[i] += registers.r[i];
+        for (std::size_t i = 0; i < state_.size(); ++i) state_[i] += registers.r[i];
     }
 }
 
@@ -164,21 +164,21 @@ static_assert(is_permutation_of_bytes(PI_SUBST));
 
 void hash_md2::reset() {
     hash_base::reset();
-    checksum.fill(0);
+    checksum_.fill(0);
 }
 
 void hash_md2::transform_blocks(const unsigned char* blocks, std::size_t count) {
     constexpr unsigned passes = 18;
     for (; count != 0; --count, blocks += block_bytes) {
-        unsigned last = checksum.back();
+        unsigned last = checksum_.back();
         for (std::size_t i = 0; i < block_bytes; ++i) {
-            state[block_bytes + i] = blocks[i];
-            state[2 * block_bytes + i] = static_cast<unsigned char>(blocks[i] ^ state[i]);
-            last = checksum[i] ^= PI_SUBST[blocks[i] ^ last];
+            state_[block_bytes + i] = blocks[i];
+            state_[2 * block_bytes + i] = static_cast<unsigned char>(blocks[i] ^ state_[i]);
+            last = checksum_[i] ^= PI_SUBST[blocks[i] ^ last];
         }
         unsigned carried = 0;
         for (unsigned pass = 0; pass < passes; ++pass) {
-            for (unsigned char& x : state) {
+            for (unsigned char& x : state_) {
                 carried = PI_SUBST[carried] ^ x;
                 x = static_cast<unsigned char>(carried);
             }
@@ -188,18 +188,18 @@ void hash_md2::transform_blocks(const unsigned char* blocks, std::size_t count) 
 }
 
 hash_md2::digest_type hash_md2::finish() {
-    const std::size_t missing = block_bytes - block_fill;
-    std::fill_n(block.begin() + static_cast<std::ptrdiff_t>(block_fill), missing,
+    const std::size_t missing = block_bytes - block_fill_;
+    std::fill_n(block_.begin() + static_cast<std::ptrdiff_t>(block_fill_), missing,
                 static_cast<unsigned char>(missing));
     transform();
-    block = checksum;
+    block_ = checksum_;
     transform();
     return result();
 }
 
 hash_md2::digest_type hash_md2::result() const {
     digest_type digest;
-    std::copy_n(state.begin(), digest.size(), digest.begin());
+    std::copy_n(state_.begin(), digest.size(), digest.begin());
     return digest;
 }
 

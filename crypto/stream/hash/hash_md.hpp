@@ -29,11 +29,12 @@ public:
 
     digest_type finish() override {
         constexpr std::size_t length_position = BlockBytes - LengthBits / 8;
-        this->block[this->block_fill++] = 0x80;
-        if (this->block_fill > length_position) this->transform();
-        put_bit_length<LengthBits>(this->message_length, [this](std::size_t i, unsigned char byte) {
-            this->block[length_position + i] = byte;
-        });
+        this->block_[this->block_fill_++] = 0x80;
+        if (this->block_fill_ > length_position) this->transform();
+        put_bit_length<LengthBits>(this->message_length_,
+                                   [this](std::size_t i, unsigned char byte) {
+                                       this->block_[length_position + i] = byte;
+                                   });
         this->transform();
         return result();
     }
@@ -43,12 +44,12 @@ public:
     digest_type result() const override {
         digest_type digest;
         for (std::size_t i = 0; i < digest.size() / sizeof(Word); ++i)
-            store_little(digest.data() + sizeof(Word) * i, this->state[i]);
+            store_little(digest.data() + sizeof(Word) * i, this->state_[i]);
         return digest;
     }
 
 private:
-    void set_initial_words() { std::ranges::copy(md_initial_words, this->state.begin()); }
+    void set_initial_words() { std::ranges::copy(md_initial_words, this->state_.begin()); }
 };
 
 using hash_md_128_base = hash_md_base<128, 128, unsigned int, 64, 64>;
@@ -77,7 +78,7 @@ protected:
     void transform_blocks(const unsigned char* blocks, std::size_t count) override;
 
 private:
-    std::array<unsigned char, 16> checksum{};
+    std::array<unsigned char, 16> checksum_{};
 };
 
 }  // namespace kv::crypto::stream::hash

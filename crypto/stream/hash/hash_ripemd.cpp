@@ -153,14 +153,14 @@ template <std::size_t Bits>
 void hash_ripemd_128_256_base<Bits>::transform_blocks(const unsigned char* blocks,
                                                       std::size_t count) {
     using variant = hash_ripemd_base<Bits>;
-    compress_lines<4, variant::has_two_halves, &variant::swap_words>(this->state, blocks, count);
+    compress_lines<4, variant::has_two_halves, &variant::swap_words>(this->state_, blocks, count);
 }
 
 template <std::size_t Bits>
 void hash_ripemd_160_320_base<Bits>::transform_blocks(const unsigned char* blocks,
                                                       std::size_t count) {
     using variant = hash_ripemd_base<Bits>;
-    compress_lines<5, variant::has_two_halves, &variant::swap_words>(this->state, blocks, count);
+    compress_lines<5, variant::has_two_halves, &variant::swap_words>(this->state_, blocks, count);
 }
 
 template class hash_ripemd_128_256_base<128>;
@@ -175,7 +175,7 @@ void hash_ripemd256::reset() {
 
 void hash_ripemd256::set_second_half() {
     constexpr std::array<std::uint32_t, 4> words{0x76543210, 0xFEDCBA98, 0x89ABCDEF, 0x01234567};
-    std::ranges::copy(words, state.begin() + 4);
+    std::ranges::copy(words, state_.begin() + 4);
 }
 
 void hash_ripemd320::reset() {
@@ -186,7 +186,7 @@ void hash_ripemd320::reset() {
 void hash_ripemd320::set_second_half() {
     constexpr std::array<std::uint32_t, 5> words{0x76543210, 0xFEDCBA98, 0x89ABCDEF, 0x01234567,
                                                  0x3C2D1E0F};
-    std::ranges::copy(words, state.begin() + 5);
+    std::ranges::copy(words, state_.begin() + 5);
 }
 
 }  // namespace kv::crypto::stream::hash

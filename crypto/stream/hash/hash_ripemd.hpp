@@ -43,7 +43,7 @@ protected:
     void transform_blocks(const unsigned char* blocks, std::size_t count) override;
 
 private:
-    void set_fifth_word() { this->state[4] = 0xC3D2E1F0; }
+    void set_fifth_word() { this->state_[4] = 0xC3D2E1F0; }
 };
 
 class hash_ripemd128 : public hash_ripemd_128_256_base<128> {};

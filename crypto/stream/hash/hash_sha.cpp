@@ -16,7 +16,7 @@ static_assert(firstFractions[0] == 0x6A09E667F3BCC908 && secondFractions[0] == 0
 
 void hash_sha1::transform_blocks(const unsigned char* blocks, std::size_t count) {
     const auto compress = has_sha_extensions() ? &sha1_blocks_extensions : &sha1_blocks_portable;
-    compress(state, blocks, count);
+    compress(state_, blocks, count);
 }
 
 template <std::size_t DigestBits>
@@ -24,14 +24,14 @@ void hash_sha_224_256_base<DigestBits>::transform_blocks(const unsigned char* bl
                                                          std::size_t count) {
     const auto compress =
         has_sha_extensions() ? &sha256_blocks_extensions : &sha256_blocks_portable;
-    compress(this->state, blocks, count);
+    compress(this->state_, blocks, count);
 }
 
 template <std::size_t DigestBits>
 void hash_sha_384_512_base<DigestBits>::transform_blocks(const unsigned char* blocks,
                                                          std::size_t count) {
     const auto compress = has_avx2() ? &sha512_blocks_avx2 : &sha512_blocks_portable;
-    compress(this->state, blocks, count);
+    compress(this->state_, blocks, count);
 }
 
 template class hash_sha_224_256_base<224>;
@@ -45,8 +45,8 @@ void hash_sha1::reset() {
 }
 
 void hash_sha1::set_initial_words() {
-    std::ranges::copy(md_initial_words, state.begin());
-    state[4] = 0xC3D2E1F0;
+    std::ranges::copy(md_initial_words, state_.begin());
+    state_[4] = 0xC3D2E1F0;
 }
 
 void hash_sha224::reset() {
@@ -56,7 +56,7 @@ void hash_sha224::reset() {
 
 void hash_sha224::set_initial_words() {
     // The second 32 bits of the fractions of SHA-384.
-    std::ranges::transform(secondFractions, state.begin(), [](std::uint64_t fraction) {
+    std::ranges::transform(secondFractions, state_.begin(), [](std::uint64_t fraction) {
         return static_cast<std::uint32_t>(fraction);
     });
 }
@@ -67,7 +67,7 @@ void hash_sha256::reset() {
 }
 
 void hash_sha256::set_initial_words() {
-    std::ranges::transform(firstFractions, state.begin(), [](std::uint64_t fraction) {
+    std::ranges::transform(firstFractions, state_.begin(), [](std::uint64_t fraction) {
         return static_cast<std::uint32_t>(fraction >> 32U);
     });
 }
@@ -78,7 +78,7 @@ void hash_sha384::reset() {
 }
 
 void hash_sha384::set_initial_words() {
-    std::ranges::copy(secondFractions, state.begin());
+    std::ranges::copy(secondFractions, state_.begin());
 }
 
 void hash_sha512::reset() {
@@ -87,7 +87,7 @@ void hash_sha512::reset() {
 }
 
 void hash_sha512::set_initial_words() {
-    std::ranges::copy(firstFractions, state.begin());
+    std::ranges::copy(firstFractions, state_.begin());
 }
 
 }  // namespace kv::crypto::stream::hash

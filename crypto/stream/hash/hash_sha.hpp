@@ -18,11 +18,11 @@ public:
     using typename base::digest_type;
 
     digest_type finish() override {
-        this->block[this->block_fill++] = 0x80;
-        if (this->block_fill > BlockBytes - LengthBits / 8) this->transform();
-        put_bit_length<LengthBits>(this->message_length, [this](std::size_t i, unsigned char byte) {
-            this->block[BlockBytes - 1 - i] = byte;
-        });
+        this->block_[this->block_fill_++] = 0x80;
+        if (this->block_fill_ > BlockBytes - LengthBits / 8) this->transform();
+        put_bit_length<LengthBits>(
+            this->message_length_,
+            [this](std::size_t i, unsigned char byte) { this->block_[BlockBytes - 1 - i] = byte; });
         this->transform();
         return result();
     }
@@ -32,7 +32,7 @@ public:
     digest_type result() const override {
         digest_type digest;
         for (std::size_t i = 0; i < digest.size() / sizeof(Word); ++i)
-            store_big(digest.data() + sizeof(Word) * i, this->state[i]);
+            store_big(digest.data() + sizeof(Word) * i, this->state_[i]);
         return digest;
     }
 };
