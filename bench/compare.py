@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The measurements behind bench/compare.sh.
+"""The measurements of bench/compare.sh.
 
   compare.py PROGRAM FOLDER LARGEST
 

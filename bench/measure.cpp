@@ -1,4 +1,4 @@
-// Runs a program and tells what it cost, with a parent small enough not to count in it.
+// Runs a program and reports its cost. The parent is small enough not to count in it.
 //
 //   measure REPORT PROGRAM ARGUMENT...
 //

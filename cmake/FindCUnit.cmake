@@ -1,4 +1,4 @@
-# Makes CUnit::CUnit, the test library behind `CmdTessaron test`. Its archive comes before its
+# Makes CUnit::CUnit, the test library that `CmdTessaron test` uses. Its archive comes before its
 # shared form, so that the program needs no CUnit where it runs.
 find_path(CUnit_INCLUDE_DIR CUnit/Basic.h)
 find_library(CUnit_LIBRARY NAMES libcunit.a cunit)

@@ -1,5 +1,5 @@
 # Run with cmake -P, for tessaron_run_script: runs the script that the file SETTINGS describes and
-# fails when the program reports that something went wrong, which its exit code does not tell.
+# fails if the program reports a failure, which its exit code does not show.
 cmake_minimum_required(VERSION 3.20)
 include(${SETTINGS})
 
@@ -22,7 +22,7 @@ if(NOT result STREQUAL "0")
   list(APPEND faults "the run ended with ${result}")
 endif()
 if("\n${printed}" MATCHES "\nOperation aborted\\.")
-  list(APPEND faults "a statement failed, \"Operation aborted.\" tells which")
+  list(APPEND faults "a statement failed, see \"Operation aborted.\"")
 endif()
 if(errors MATCHES "Warning: [^\n]* could not be (written|read) completely !")
   list(APPEND faults "a file could not be written or read completely")

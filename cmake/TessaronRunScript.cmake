@@ -46,8 +46,8 @@ function(tessaron_run_script name)
     list(APPEND outputs ${output})
   endforeach()
 
-  # What the run is told stands in a file that changes only with its contents: a variable becomes
-  # an input like any other, for every generator.
+  # The settings of the run are in a file that changes only with its contents. So a variable is an
+  # input like any other, for every generator.
   set(base ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/tessaron/${name}$<$<BOOL:$<CONFIG>>:-$<CONFIG>>)
   file(GENERATE OUTPUT ${base}.cmake CONTENT "\
 set(program [====[$<TARGET_FILE:Tessaron::CmdTessaron>]====])

@@ -16,7 +16,7 @@ namespace Fuzz {
 
 namespace {
 
-/// The platform is a set of functions, so the machine behind them has to be found from nowhere.
+/// The platform is a set of functions without an argument for the machine.
 Machine* machine = nullptr;
 
 }  // namespace

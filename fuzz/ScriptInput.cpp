@@ -11,8 +11,8 @@ namespace {
 
 constexpr std::string_view fileMark = "\n=== ";
 
-/// Cuts off and returns what stands in front of `end`, and drops the end itself. Without one,
-/// that is all.
+/// Cuts off and returns the text before `end` and drops `end` itself. Without an `end` that is the
+/// whole text.
 std::string_view takeUpTo(std::string_view& text, std::string_view end) {
     const std::size_t length = text.find(end);
     const std::string_view taken = text.substr(0, length);

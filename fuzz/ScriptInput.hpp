@@ -17,9 +17,9 @@ namespace Fuzz {
 ///     === firmware.hex
 ///     :00000001FF
 ///
-/// In front of the first line that begins with "=== " stand the arguments, one a line. Each such
-/// line names a file, which reaches up to the line feed in front of the next one. An input without
-/// such a line is a script and nothing else.
+/// The lines before the first one that begins with "=== " are the arguments. Each such line names a
+/// file, whose contents end at the line feed before the next one. An input without such a line is a
+/// script alone.
 struct ScriptInput {
     static constexpr const char* scriptPath = "script.tsn";
 

@@ -44,7 +44,7 @@ std::uint64_t endOf(const Area& area) {
     return area.start + area.length;
 }
 
-/// A run begins behind the one before it, or at its last address if the file has that one twice.
+/// A run begins after the previous one, or at its last address if the file has that one twice.
 void checkAreas(const AreaList& areas) {
     for (std::size_t i = 0; i < areas.size(); ++i) {
         check(areas[i].length > 0, "a run has addresses");

@@ -1,5 +1,5 @@
 // The script front end without its statements: arguments, comments, substitutions, variables,
-// grammar, bracket expressions. What can be told in another way is compared with it.
+// grammar, bracket expressions. Where another implementation exists, the results are compared.
 
 #include <algorithm>
 #include <cstddef>

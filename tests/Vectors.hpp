@@ -10,7 +10,7 @@
 
 #include "util/Hex.hpp"
 
-/// The checksum vectors of tests/data/checksums.tsv; the README there tells where they come from.
+/// The checksum vectors of tests/data/checksums.tsv; the README there gives their source.
 namespace Tests {
 
 struct Vector {

@@ -6,10 +6,10 @@ namespace Util {
 
 namespace {
 
-/// What stands for a character that is no digit: more than any digit's value.
+/// The value of a character that is no digit: more than that of any digit.
 constexpr std::uint8_t noDigit = 0x80;
 
-/// By arithmetic too.
+/// Arithmetic, as in `hexDigit`, so that compilers vectorise it.
 constexpr std::uint8_t valueOf(char digit) {
     constexpr unsigned caseBit = 'a' ^ 'A';
     const auto decimal = static_cast<std::uint8_t>(digit - '0');

@@ -7,14 +7,14 @@
 
 namespace Util {
 
-/// The upper-case hexadecimal digit of a number below 16. By arithmetic and not by a table, since
-/// compilers then do many at a time.
+/// The upper-case hexadecimal digit of a number below 16. Computed rather than looked up, so that
+/// compilers vectorise loops over it.
 constexpr char hexDigit(unsigned nibble) {
-    constexpr unsigned behindNine = 'A' - '0' - 10;
-    return static_cast<char>('0' + nibble + (nibble > 9 ? behindNine : 0));
+    constexpr unsigned pastNine = 'A' - '0' - 10;
+    return static_cast<char>('0' + nibble + (nibble > 9 ? pastNine : 0));
 }
 
-/// Writes `byte` as two upper-case hexadecimal digits to `out` and returns the position behind
+/// Writes `byte` as two upper-case hexadecimal digits to `out` and returns the position after
 /// them.
 inline char* writeHex(char* out, std::uint8_t byte) {
     *out++ = hexDigit(byte >> 4U);
@@ -23,11 +23,11 @@ inline char* writeHex(char* out, std::uint8_t byte) {
 }
 
 /// Writes each byte as two upper-case hexadecimal digits to `out`, which has room for twice
-/// `bytes.size()` characters, and returns the position behind the last digit.
+/// `bytes.size()` characters, and returns the position after the last digit.
 char* writeHex(char* out, std::span<const std::uint8_t> bytes);
 
 /// Reads `count` bytes of two hexadecimal digits each, in either case, from `digits` to `out`.
-/// False if any character is no such digit; what `out` then holds means nothing.
+/// False if any character is no such digit; the contents of `out` are unspecified then.
 bool readHex(std::uint8_t* out, const char* digits, std::size_t count);
 
 /// Appends each byte as two upper-case hexadecimal digits, in order and without separators.

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// A script of so many statements of several kinds.
+/// A script of `statements` statements of several kinds.
 std::string scriptOf(std::int64_t statements) {
     std::string script;
     for (std::int64_t number = 0; number < statements; number += 4) {

@@ -102,7 +102,7 @@ def record(kind, address, data):
 def main():
     data = image()
     print(record(4, 0, struct.pack(">H", BASE >> 16)))
-    # The last eight bytes stand in two short records, as a linker's last sections often do.
+    # The last eight bytes are in two short records, as a linker's last sections often do.
     borders = [*range(0, LENGTH - 8, 16), LENGTH - 8, LENGTH - 4, LENGTH]
     for at, end in zip(borders, borders[1:]):
         print(record(0, at, data[at:end]))

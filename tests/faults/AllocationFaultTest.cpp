@@ -205,7 +205,7 @@ protected:
         return state;
     }
 
-    /// What a statement leaves behind.
+    /// The result of a statement.
     struct Outcome {
         bool isDone;
         std::string state;
@@ -215,7 +215,7 @@ protected:
         bool operator==(const Outcome&) const = default;
     };
 
-    /// Runs the statement; the allocation behind `succeeding` ones fails.
+    /// Runs the statement; the allocation after `succeeding` ones fails.
     static Outcome outcome(const Case& row, std::size_t succeeding, bool isLasting) {
         const Statement statement = row.make();
         CmdContext registries = context();
@@ -223,7 +223,7 @@ protected:
         testing::internal::CaptureStdout();
         Classic::ClassicWords words(std::cout, std::cerr);
         const Facts::ListenerScope scope(words);
-        Tests::failBehind(succeeding, isLasting);
+        Tests::failAfter(succeeding, isLasting);
         const bool isDone = statement->execute(registries);
         hasFailed = Tests::stopFailing();
         const std::string printed = testing::internal::GetCapturedStdout();
@@ -269,7 +269,7 @@ protected:
         testing::internal::CaptureStdout();
         Classic::ClassicWords words(std::cout, std::cerr);
         const Facts::ListenerScope scope(words);
-        Tests::failBehind(succeeding, isLasting);
+        Tests::failAfter(succeeding, isLasting);
         const bool isParsed = parser.run();
         hasFailed = Tests::stopFailing();
         const std::string printed = testing::internal::GetCapturedStdout();
@@ -307,7 +307,7 @@ TEST_F(AllocationFaultTest, AParserWhoseRulesCouldNotBeBuiltBuildsThemTheNextTim
     hasFailed = true;
     for (std::size_t succeeding = 0; hasFailed; ++succeeding) {
         ScriptParser parser;
-        Tests::failBehind(succeeding, false);
+        Tests::failAfter(succeeding, false);
         bool isRefused = false;
         try {
             parser.parseScript("PRINT_HASH @A");

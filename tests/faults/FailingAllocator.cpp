@@ -27,7 +27,7 @@ bool isDue() {
 
 namespace Tests {
 
-void failBehind(std::size_t succeeding, bool isLasting) {
+void failAfter(std::size_t succeeding, bool isLasting) {
     isLastingFault = isLasting;
     hasFailed = false;
     left = succeeding;

@@ -139,7 +139,7 @@ class Files(Faults):
         self.check_three()
 
     def piped(self, most):
-        """What a reader of the output `pipe` gets that leaves behind `most` bytes."""
+        """What a reader of the output `pipe` gets that stops after `most` bytes."""
         path = self.work / "pipe"
         os.mkfifo(path)
         reader = os.open(path, os.O_RDONLY | os.O_NONBLOCK)
@@ -299,7 +299,7 @@ class Injected(Faults):
             done = self.run_script(MEGA + THREE + WRITE_M + "PRINT_TEXT {text}\n" + WRITE_A,
                                    prefix + shell(":", closed))
             self.assertEqual(done.returncode, 0)
-            # Neither the warning nor the text stands in the file.
+            # The file holds neither the warning nor the text.
             self.check_beginning("m.hex", self.whole)
             self.check_three()
 
@@ -352,7 +352,7 @@ class Memory(Faults):
                        for output in self.OUTPUTS.items())
 
     def contents(self):
-        # The time stamp stands in the header of the assembler text.
+        # The time stamp is in the header of the assembler text.
         return {name: re.sub(rb"Generated: .*", b"", self.read(name)) for name in self.OUTPUTS}
 
     def run_limited(self, script, limit):

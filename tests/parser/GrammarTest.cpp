@@ -9,7 +9,7 @@ namespace {
 
 using namespace Parser;
 
-/// What a parse leaves behind.
+/// The result of a parse.
 struct Parsed {
     std::size_t length;
     std::size_t statements;

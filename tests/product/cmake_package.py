@@ -109,7 +109,7 @@ class UsesOfThePackage(unittest.TestCase):
                    "a file could not be written or read completely",
                "NO_STATEMENT\n": "the run ended with 254",
                "PRINT_TEXT {that was refused}\n": 'the output matches "refused"',
-               # A checksum behind the end of the image; a record whose own checksum is wrong.
+               # A checksum beyond the end of the image; a record whose own checksum is wrong.
                "NEW_CRC @C FROM_BUFFER @B\nFILL_BUFFER @B WITH_CRC @C -useAreas={{2, 4}}\n":
                    "the output matches",
                "NEW_BUFFER @C FROM_FILE damaged.hex\n": "the output matches"}

@@ -12,7 +12,7 @@ import unittest
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
 DATA = pathlib.Path(__file__).resolve().parents[2] / "selftest" / "data"
 REFERENCE = (DATA / "reference_output.hex").read_text()
-# The last sixteen bytes but four are the digest, the last four the CRC as it stands in the image.
+# The last sixteen bytes but four are the digest, the last four the CRC as stored in the image.
 LAST_RECORDS = REFERENCE.splitlines()[-3:-1]
 DIGEST = LAST_RECORDS[0][33:41] + LAST_RECORDS[1][9:33]
 CRC_IN_STORED_ORDER = bytes.fromhex(LAST_RECORDS[1][33:41])[::-1].hex().upper()
@@ -78,7 +78,7 @@ class SelfTestRuns(unittest.TestCase):
     def test_names_the_line_of_a_changed_byte(self):
         program = PROGRAM.read_bytes()
         lines = REFERENCE.splitlines()
-        # Lines that stand in no other table: the seam, the digest, the digest's rest and the CRC.
+        # Lines that no other table has: the seam, the digest, the digest's rest and the CRC.
         for number in (3508, 8193, 8194):
             line = lines[number - 1].encode()
             self.assertIn(line, program)

@@ -9,9 +9,8 @@
 #include "util/crc/CrcRegister.hpp"
 
 /// Long data for the polynomial CRCs: all but its last bytes is folded into sixteen bytes that
-/// leave the same remainder, 64 bytes at a time, with the carry-less multiplication of the
-/// processor. V. Gopal et al., "Fast CRC Computation for Generic Polynomials Using PCLMULQDQ
-/// Instruction", Intel, 2009.
+/// leave the same remainder, 64 bytes at a time, by carry-less multiplication. V. Gopal et al.,
+/// "Fast CRC Computation for Generic Polynomials Using PCLMULQDQ Instruction", Intel, 2009.
 namespace Util::Crc {
 
 /// The multipliers of one polynomial. To move sixteen bytes on by n bits over the data, each of
@@ -53,13 +52,13 @@ constexpr Folding reflectedFolding(Word reflectedPolynomial) {
 }
 
 struct Folded {
-    /// Through a register that starts at 0 they leave what the folded data would have left.
+    /// Bytes that leave in a register that starts at 0 what the folded data would have left.
     std::array<std::uint8_t, 16> remainder;
-    /// The data behind it, less than sixteen bytes.
+    /// The data after the folded part, less than sixteen bytes.
     std::span<const std::uint8_t> rest;
 };
 
-/// The processor has the carry-less multiplication. If not, `fold` must not be called.
+/// True if the CPU has carry-less multiplication. `fold` must not be called otherwise.
 bool canFold();
 
 /// Data shorter than this is not folded.

@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <span>
 
-/// The registers of the polynomial CRCs, each as its rule says it, and the tables that follow from
-/// the rules. R. Williams, "A painless guide to CRC error detection algorithms", tells them all.
+/// The shift registers of the polynomial CRCs, bit by bit, and the tables that follow from them.
+/// R. Williams, "A painless guide to CRC error detection algorithms", explains them all.
 namespace Util::Crc {
 
 template <std::unsigned_integral Word>

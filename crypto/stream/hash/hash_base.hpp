@@ -22,7 +22,7 @@ namespace kv::crypto::stream::hash {
 ///
 /// Between two calls `block_fill` is below `BlockBytes`, and every byte of `block` from
 /// `block_fill` on is 0; the ends of messages rely on it. Construction leaves the state of `reset`.
-/// After `finish` only `result` and `reset` make sense; nothing refuses the others.
+/// After `finish` only `result` and `reset` may be called; this is not checked.
 template <std::size_t DigestBits, std::size_t StateBits, class Word, std::size_t BlockBytes>
 class hash_base : public stream<std::array<unsigned char, DigestBits / 8>, void> {
 public:
@@ -64,7 +64,7 @@ public:
     }
 
 protected:
-    /// The compression function, over `count` blocks that lie one behind the other.
+    /// The compression function, over `count` contiguous blocks.
     virtual void transform_blocks(const unsigned char* blocks, std::size_t count) = 0;
 
     std::size_t block_fill_ = 0;

@@ -23,7 +23,7 @@ constexpr std::array<std::array<std::uint32_t, 16>, 8> rows{{
     {1, 3, 10, 9, 5, 11, 4, 15, 8, 6, 7, 14, 13, 0, 2, 12},
 }};
 
-/// The substitution of one input byte and the turn by eleven bits behind it, in one look-up.
+/// The substitution of one input byte and the rotation by eleven bits that follows, in one look-up.
 constexpr std::array<std::array<std::uint32_t, 256>, 4> roundTables = [] {
     constexpr int turn = 11;
     std::array<std::array<std::uint32_t, 256>, 4> tables{};
@@ -48,8 +48,8 @@ struct Quarter {
     std::uint32_t high;
 };
 
-/// GOST 28147-89 on all four quarters, each with its own key. They run side by side, for in one of
-/// them alone every round waits for the one before.
+/// GOST 28147-89 on all four quarters, each with its own key. They are interleaved, since the
+/// rounds of a single one depend on each other.
 void encipher(std::array<Quarter, 4>& quarters, const std::array<Words, 4>& keys) {
     constexpr std::size_t roundCount = 32;
     constexpr std::size_t lastForward = 24;
@@ -108,7 +108,7 @@ std::array<Words, 4> generated_keys(const Words& h, const Words& m) {
 }
 
 /// The mixing transformation psi, `Times` times: each step shifts the sixteen half words down by
-/// one and puts the xor of the words 1, 2, 3, 4, 13 and 16 on top. The half words stand in one long
+/// one and puts the xor of the words 1, 2, 3, 4, 13 and 16 on top. The half words form one long
 /// row, of which the state is the last sixteen.
 template <std::size_t Times>
 Words mixed(const Words& words) {
@@ -158,7 +158,7 @@ void hash_gost::transform_blocks(const unsigned char* blocks, std::size_t count)
 }
 
 hash_gost::digest_type hash_gost::finish() {
-    // The block is zero behind its last byte.
+    // The block is zero after its last byte.
     if (block_fill_ != 0) transform();
     Words length{};
     length[0] = static_cast<std::uint32_t>(message_length_ << 3U);

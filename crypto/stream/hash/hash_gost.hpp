@@ -6,8 +6,8 @@ namespace kv::crypto::stream::hash {
 
 /// GOST R 34.11-94 (RFC 5831) with the S-boxes of id-GostR3411-94-CryptoProParamSet (RFC 4357).
 ///
-/// Beside the chaining value it keeps a sum of all blocks. No padding marks the end of a message:
-/// its length and the sum are compressed behind it.
+/// Besides the chaining value it keeps a sum of all blocks. A message has no padding; its length
+/// and the sum are compressed after it.
 class hash_gost : public hash_base<256, 256, unsigned int, 32> {
 public:
     void reset() override;

@@ -26,7 +26,7 @@ public:
         return digest;
     }
 
-    /// Puts the padding behind what `block` holds.
+    /// Appends the padding to the contents of `block`.
     virtual void pad() = 0;
 };
 

@@ -67,7 +67,8 @@ template <std::size_t Function>
     else if constexpr (Function == 2)
         return (x | ~y) ^ z;
     else if constexpr (Function == 3)
-        // Two parts without a common bit: the second need not wait for the newest register, x.
+        // The two parts have no bit in common, and the second need not wait for the newest
+        // register, x.
         return (x & z) + (y & ~z);
     else
         return x ^ (y | ~z);
@@ -105,7 +106,7 @@ template <std::size_t Step, bool IsLeft, std::size_t Size>
     }
 }
 
-/// A step of both lines. Behind round r the hook gets the r-th registers of both.
+/// A step of both lines. After round r the hook gets the r-th registers of both.
 template <auto SwapWords, std::size_t Step, std::size_t Size>
 [[gnu::always_inline]] inline void step_both(Line<Size>& left, Line<Size>& right, const Words& x) {
     step_line<Step, true>(left, x);

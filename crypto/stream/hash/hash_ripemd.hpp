@@ -10,7 +10,7 @@ namespace kv::crypto::stream::hash {
 
 /// What the four variants share: two lines of rounds over the same block, and the hook between the
 /// rounds. The 256-bit and 320-bit variants are the 128-bit and 160-bit ones with a second chaining
-/// half, whose lines exchange a register behind every round.
+/// half, whose lines exchange a register after every round.
 template <std::size_t Bits>
 class hash_ripemd_base : public hash_md_base<Bits, Bits, unsigned int, 64, 64> {
 protected:

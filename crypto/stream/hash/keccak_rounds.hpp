@@ -13,8 +13,8 @@ using keccak_lanes = std::array<unsigned long long, 25>;
 void keccak_absorb_portable(keccak_lanes& lanes, std::size_t rate, const unsigned char* blocks,
                             std::size_t count);
 
-/// The processor has the instruction sets BMI and BMI2, which rotate and and-not into a third
-/// register. If not, the function below, the same in these instructions, must not be called.
+/// True if the CPU has BMI and BMI2, which rotate and and-not into a third register. The function
+/// below, the same in these instructions, must not be called otherwise.
 bool has_bit_manipulation();
 
 void keccak_absorb_bmi(keccak_lanes& lanes, std::size_t rate, const unsigned char* blocks,

@@ -20,7 +20,7 @@ constexpr std::size_t pairs = Sha2<Word>::rounds / 2;
 constexpr std::size_t pairsInBlock = 8;
 
 /// The message words of two blocks, each plus the constant of its round. A pair of words of the
-/// first block stands beside the same pair of the second one.
+/// first block is followed by the same pair of the second one.
 using Schedule = std::array<std::array<Word, 4>, pairs>;
 
 template <int Count>
@@ -48,7 +48,7 @@ TESSARON_AVX2 [[gnu::always_inline]] inline void put_pair(Schedule& schedule, st
         _mm_loadu_si128(reinterpret_cast<const __m128i*>(&Sha2<Word>::constants[2 * pair]));
     const __m256i sums = _mm256_add_epi64(words, _mm256_broadcastsi128_si256(constants));
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(schedule[pair].data()), sums);
-    // The rounds shall add the sums from memory, not take them out of the vector piece by piece.
+    // The rounds add the sums from memory, which is faster than extracting them from the vector.
     asm("" : "+m"(schedule[pair]));
 }
 

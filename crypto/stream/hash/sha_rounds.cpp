@@ -12,7 +12,7 @@ namespace {
 
 // SHA-1, FIPS 180-4 sections 4.1.1, 4.2.1 and 6.1.2.
 
-/// Message word of round `Round`; the last sixteen words stand in a ring.
+/// Message word of round `Round`; the last sixteen words are kept in a ring.
 template <std::size_t Round>
 [[gnu::always_inline]] inline std::uint32_t sha1_word(std::array<std::uint32_t, 16>& w,
                                                       const unsigned char* block) {
@@ -54,7 +54,7 @@ template <std::size_t... rounds>
     (sha1_round<rounds>(r, w, block), ...);
 }
 
-/// Message word of round `Round` of SHA-2; the last sixteen words stand in a ring.
+/// Message word of round `Round` of SHA-2; the last sixteen words are kept in a ring.
 template <std::size_t Round, class Word>
 [[gnu::always_inline]] inline Word sha2_word(std::array<Word, 16>& w, const unsigned char* block) {
     Word& word = w[Round % 16];

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 /// The compression functions of SHA-1, SHA-256 and SHA-512 over whole blocks, in portable code and
-/// with what some processors have for them. FIPS 180-4, sections 6.1.2, 6.2.2 and 6.4.2.
+/// with dedicated CPU instructions. FIPS 180-4, sections 6.1.2, 6.2.2 and 6.4.2.
 namespace kv::crypto::stream::hash {
 
 using sha1_state = std::array<std::uint32_t, 5>;
@@ -16,14 +16,13 @@ void sha1_blocks_portable(sha1_state& state, const unsigned char* blocks, std::s
 void sha256_blocks_portable(sha256_state& state, const unsigned char* blocks, std::size_t count);
 void sha512_blocks_portable(sha512_state& state, const unsigned char* blocks, std::size_t count);
 
-/// The processor has the SHA extensions. If not, the two functions below must not be called.
+/// True if the CPU has the SHA extensions. The two functions below must not be called otherwise.
 bool has_sha_extensions();
 
 void sha1_blocks_extensions(sha1_state& state, const unsigned char* blocks, std::size_t count);
 void sha256_blocks_extensions(sha256_state& state, const unsigned char* blocks, std::size_t count);
 
-/// The processor has the instruction sets AVX2, BMI and BMI2. If not, the function below must not
-/// be called.
+/// True if the CPU has AVX2, BMI and BMI2. The function below must not be called otherwise.
 bool has_avx2();
 
 void sha512_blocks_avx2(sha512_state& state, const unsigned char* blocks, std::size_t count);

@@ -16,14 +16,14 @@ syntax iskeyword 48-57,65-90,97-122,35,@-@,95,45,33,60,62,38
 
 " Where two items match at one place, Vim takes the one that is defined last.
 
-" What may stand anywhere. A word that is nothing else makes sense only if a variable replaces it.
+" Tokens that are legal anywhere. A word that is nothing else must be a variable.
 syntax match tessaronVariable /[A-Za-z_#@!<>&][A-Za-z0-9_#@!<>&]*/
 syntax match tessaronDelimiter /[{}();,]/
 syntax match tessaronOperator "[-+*/%=]"
 syntax match tessaronNumber /[0-9]\+/
 syntax match tessaronNumber /0*[xX][0-9A-Fa-f]\+[A-Za-z0-9_]\@!/
 
-" Names, behind a keyword or in a list of their own.
+" Names, after a keyword or in a list.
 syntax match tessaronName /\k\+/ contained
 syntax match tessaronSymbol /@\k\+/ contained
 syntax match tessaronNameComment "//.*" contained
