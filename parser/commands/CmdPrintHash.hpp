@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <string>
+
 #include "parser/commands/CmdPrintText.hpp"
 
 namespace Parser::WrapperLib {

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <boost/algorithm/string/trim.hpp>
+#include <cstddef>
 #include <stdexcept>
+#include <utility>
 
 #include "util/Hex.hpp"
 

@@ -1,3 +1,5 @@
+#include <memory>
+
 #include "parser/commands/CmdCallApp.hpp"
 #include "parser/grammar/Statements.hpp"
 

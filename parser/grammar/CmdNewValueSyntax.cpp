@@ -1,3 +1,5 @@
+#include <memory>
+
 #include "parser/commands/CmdNewCrc.hpp"
 #include "parser/commands/CmdNewHash.hpp"
 #include "parser/grammar/Statements.hpp"

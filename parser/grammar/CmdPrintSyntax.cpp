@@ -1,3 +1,6 @@
+#include <memory>
+#include <string>
+
 #include "parser/commands/CmdPrintBuffer.hpp"
 #include "parser/commands/CmdPrintCrc.hpp"
 #include "parser/commands/CmdPrintHash.hpp"

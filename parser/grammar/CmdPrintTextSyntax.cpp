@@ -1,3 +1,7 @@
+#include <cstddef>
+#include <memory>
+#include <string_view>
+
 #include "parser/commands/CmdPrintText.hpp"
 #include "parser/grammar/Statements.hpp"
 

@@ -1,4 +1,9 @@
+#include <cstdint>
+#include <deque>
+#include <memory>
 #include <optional>
+#include <string_view>
+#include <vector>
 
 #include "parser/commands/CmdWriteFile.hpp"
 #include "parser/grammar/Statements.hpp"

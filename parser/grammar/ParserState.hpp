@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 #include "parser/grammar/Expression.hpp"
 #include "parser/grammar/StatementBuilder.hpp"
 

@@ -1,5 +1,10 @@
 #include "parser/grammar/ScriptGrammar.hpp"
 
+#include <boost/bind/bind.hpp>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
 #include "parser/grammar/Statements.hpp"
 
 namespace Parser {

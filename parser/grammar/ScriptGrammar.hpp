@@ -1,14 +1,15 @@
 #pragma once
 
 #include <algorithm>
-#include <boost/bind/bind.hpp>
 #include <boost/spirit/include/classic_core.hpp>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
-#include <deque>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "parser/grammar/ParserState.hpp"

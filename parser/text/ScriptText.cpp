@@ -1,7 +1,10 @@
 #include "parser/text/ScriptText.hpp"
 
+#include <algorithm>
 #include <boost/algorithm/string/trim.hpp>
+#include <cstddef>
 #include <string_view>
+#include <utility>
 
 namespace Parser {
 

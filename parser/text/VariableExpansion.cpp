@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <bitset>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <regex>
 #include <set>
 #include <span>
+#include <stdexcept>
 #include <string_view>
 #include <unordered_map>
 #include <utility>

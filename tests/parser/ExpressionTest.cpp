@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "parser/grammar/ScriptGrammar.hpp"
@@ -186,7 +188,7 @@ private:
 };
 
 TEST(ExpressionTest, AllShortSequencesOfTokensGiveWhatAPlainModelGives) {
-    const std::vector<std::string> tokens{"1", " 0x2", "+", "-", "*", "(", ")", " ", "\n"};
+    const std::vector<std::string> tokens{"1", "0x2", "+", "-", "*", "(", ")", " ", "\n"};
     constexpr std::size_t longest = 6;
     ValueParser parser;
     std::vector<std::string> texts{""};

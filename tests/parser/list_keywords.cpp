@@ -2,6 +2,7 @@
 // fuzz targets' dictionary.
 
 #include <iostream>
+#include <string>
 
 #include "parser/grammar/Keywords.hpp"
 
