@@ -55,6 +55,7 @@ std::optional<InputFile> InputFile::open(const std::string& path) {
 bool InputFile::readStream(std::size_t most, bool isPipe, bool isNamed) {
     constexpr std::size_t pieceSize = std::size_t{1} << 16U;
     isStream_ = true;
+    bool hasWriter = !isNamed;
     for (;;) {
         if (stream_.size() - size_ < pieceSize) {
             // Twice the size each time, so that the copies cost linear time.
@@ -67,10 +68,11 @@ bool InputFile::readStream(std::size_t most, bool isPipe, bool isNamed) {
             size_ += static_cast<std::size_t>(count);
             if (size_ > most) return false;
         } else if (count == 0) {
-            // The first read of a named pipe without a writer does not wait for one.
-            return !isNamed || size_ != 0;
+            // A named pipe that never had a writer looks as if it had ended.
+            return hasWriter || size_ != 0;
         } else if (errno == EAGAIN) {
             if (!isPipe) return false;
+            hasWriter = true;
             pollfd waiting{descriptor_, POLLIN, 0};
             static_cast<void>(::poll(&waiting, 1, -1));
         } else if (errno != EINTR) {

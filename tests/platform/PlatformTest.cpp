@@ -4,11 +4,11 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <new>
@@ -71,7 +71,7 @@ TEST(PlatformTest, PipesAndDevicesAreReadToTheirEnd) {
     for (const std::string& text : {std::string(), std::string("short"), contents}) {
         std::array<int, 2> ends{};
         ASSERT_EQ(::pipe(ends.data()), 0);
-        std::jthread writer([&text, end = ends[1]] {
+        const std::jthread writer([&text, end = ends[1]] {
             EXPECT_EQ(::write(end, text.data(), text.size()), static_cast<ssize_t>(text.size()));
             ::close(end);
         });
@@ -81,10 +81,16 @@ TEST(PlatformTest, PipesAndDevicesAreReadToTheirEnd) {
     const fs::path pipe = ownPath("pipe");
     fs::remove(pipe);
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-    // A descriptor for both directions opens at once and keeps the pipe open.
-    const int end = ::open(pipe.c_str(), O_RDWR | O_CLOEXEC);
-    std::jthread writer([&contents, end] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    // The first descriptor, for both directions, opens at once; the second one then finds a reader.
+    const int both = ::open(pipe.c_str(), O_RDWR | O_CLOEXEC);
+    const int end = ::open(pipe.c_str(), O_WRONLY | O_CLOEXEC);
+    ::close(both);
+    const std::jthread writer([&contents, end] {
+        // A pipe without a reader is in error.
+        pollfd state{end, POLLOUT, 0};
+        do {
+            ::poll(&state, 1, -1);
+        } while ((state.revents & POLLERR) != 0);
         EXPECT_EQ(::write(end, contents.data(), 1000), 1000);
         ::close(end);
     });
