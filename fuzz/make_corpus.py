@@ -4,7 +4,7 @@
     make_corpus.py FOLDER
 
 makes FOLDER/script, FOLDER/run and FOLDER/readers. The first two hold one call of the program per
-file, in the form that fuzz/ScriptInput.hpp tells, the last one input files.
+file, in the form that fuzz/ScriptInput.hpp describes, the last one holds input files.
 """
 import pathlib
 import shutil
