@@ -3,9 +3,9 @@
 
   compare.py PROGRAM FOLDER LARGEST
 
-FOLDER holds `measure` and `limit`, LARGEST is the size of the largest image in MiB. The inputs are
-made by objcopy, not by the program that is measured, and the output of every tool is compared
-before a figure counts. The tools run in turn, so that whatever else the machine does hits all.
+FOLDER holds `measure` and `limit`, LARGEST is the size of the largest image in MiB. objcopy, not
+the measured program, makes the inputs. The files that the tools write are compared before a figure
+is printed. The tools run in turn, so that other load on the machine affects all of them.
 """
 import os
 import pathlib
@@ -56,7 +56,7 @@ class Bench:
         return processor / 1e6, wall / 1e6, memory / 1024
 
     def compare(self, commands, rounds):
-        """Medians of processor seconds, wall seconds and MiB by name, the commands run in turn."""
+        """Runs the commands in turn; medians of processor seconds, wall seconds and MiB by name."""
         samples = {name: [] for name in commands}
         for _ in range(rounds):
             for name, command in commands.items():
@@ -82,7 +82,7 @@ def srec_cat(source, source_format, target, target_format):
 
 
 def intelhex(source, source_format, target, target_format):
-    """None where the library knows no such format."""
+    """The command, or None if the library does not support a format."""
     if "srec" in (source_format, target_format):
         return None
     form = {"hex": "hex", "raw": "bin"}
@@ -90,12 +90,12 @@ def intelhex(source, source_format, target, target_format):
     code = ("import intelhex; i = intelhex.IntelHex(); i.load%s('%s'%s); i.%s('%s')"
             % (form[source_format], source, offset,
                {"hex": "write_hex_file", "raw": "tobinfile"}[target_format], target))
-    # The system's interpreter is the one for which Debian packs the library.
+    # Debian packages the library for the system's interpreter.
     return ["/usr/bin/python3", "-c", code]
 
 
 def bytes_of(path, form):
-    """What a file of some format holds, as objcopy reads it."""
+    """The bytes that objcopy reads from a file."""
     if form == "raw":
         return pathlib.Path(path).read_bytes()
     with tempfile.NamedTemporaryFile() as raw:
@@ -112,7 +112,7 @@ def check(outputs, form):
 
 
 def ratio(ours, peers, column):
-    """How many times the best peer's cost is ours."""
+    """The cost of the best peer divided by ours."""
     return min(figures[column] for figures in peers.values()) / ours[column]
 
 
@@ -145,7 +145,7 @@ def make_inputs(bench, size):
             for _ in range(size):
                 out.write(generator.randbytes(MIB))
         for form in ("hex", "srec"):
-            # The name goes into the header record and makes it as long as readers want it.
+            # objcopy writes this name into the header record; some readers depend on its length.
             subprocess.run(objcopy(raw, "raw", bench.path("image-of-%d-MiB.%s" % (size, form)), form),
                            check=True)
     return {"raw": raw, "hex": bench.path("image-of-%d-MiB.hex" % size),

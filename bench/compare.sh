@@ -1,7 +1,7 @@
 #!/bin/sh
 # Compares whole runs of CmdTessaron with other tools and with the practical limit, and prints
-# Markdown tables. Sets up what it needs, the other tools included.
-#   bench/compare.sh [largest size in MiB, 255 if not given: FROM_FILE takes no more]
+# Markdown tables. Installs the packages that it needs, including the other tools.
+#   bench/compare.sh [largest size in MiB; the default, 255, is the limit of FROM_FILE]
 set -eu
 cd "$(dirname "$0")/.."
 scripts/setup.sh bench

@@ -1,6 +1,7 @@
-// The practical limit of a conversion: one pass over the input, each record decoded, its checksum
-// tested, encoded again and written, with no image in between. It takes well-formed files of the
-// shape that objcopy makes and checks nothing else; it is here to be compared with, not to be used.
+// The practical limit of a conversion: one pass over the input that decodes each record, verifies
+// its checksum, encodes it again and writes it, with no image in between. It only accepts
+// well-formed files as objcopy writes them and checks nothing else. It serves as a yardstick, not
+// as a tool.
 //
 //   limit hex|srec|raw hex|srec|raw INPUT OUTPUT
 
@@ -54,7 +55,7 @@ constexpr auto digitPairs = [] {
     return pairs;
 }();
 
-/// Output that goes out in large pieces.
+/// A file that is written in large pieces.
 class Output {
 public:
     explicit Output(const char* path) : file_(open(path, "wb")) {}

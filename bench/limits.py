@@ -3,9 +3,9 @@
 
   bench/limits.py PROGRAM [name ...]
 
-Each case is run at its full size and at a quarter of it, three times, of which the best counts: of
-a cost that is linear in the size the last column shows about 4, of a quadratic one 16. A case whose
-output is not what it should be ends the script.
+Each case runs three times at its full size and three times at a quarter of it; the best time of
+each counts. The last column is about 4 if the cost is linear in the size, and about 16 if it is
+quadratic. The script stops at a case with wrong output.
 """
 import multiprocessing
 import os
@@ -25,7 +25,7 @@ def record(address, type_byte, data):
 
 
 def hex_records(count, order):
-    """`count` records of 16 bytes, every other paragraph free, in the given order."""
+    """`count` records of 16 bytes in the given order, with gaps of 16 bytes between them."""
     lines = []
     for number in order(count):
         address = 32 * number
@@ -140,7 +140,7 @@ def make(name, scale, folder):
 
 def run(program, name, scale):
     with tempfile.TemporaryDirectory() as folder:
-        # In a process of its own, since a child's peak memory begins with that of its parent.
+        # In a separate process, since a child's peak memory begins with that of its parent.
         maker = multiprocessing.get_context("fork").Process(target=make, args=(name, scale, folder))
         maker.start()
         maker.join()
@@ -152,12 +152,12 @@ def run(program, name, scale):
             seconds = time.monotonic() - begin
         found = subprocess.run(["grep", "-qF", (work / "wanted").read_text(), "out"], cwd=work)
         if status != 0 or found.returncode != 0:
-            sys.exit("the output is not what it should be; exit status %d" % status)
+            sys.exit("wrong output; exit status %d" % status)
     return seconds, usage.ru_maxrss / 1024
 
 
 def best(program, name, scale):
-    """Of three runs: memory that a virtual machine's host has to find first takes far longer."""
+    """The best of three runs, since a virtual machine is slow until its host provides memory."""
     return min(run(program, name, scale) for _ in range(3))
 
 

@@ -1,4 +1,5 @@
-// Runs a program and reports its cost. The parent is small enough not to count in it.
+// Runs a program and reports its cost. This program is so small that its own memory does not raise
+// the peak of its child.
 //
 //   measure REPORT PROGRAM ARGUMENT...
 //

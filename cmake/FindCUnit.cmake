@@ -1,5 +1,5 @@
-# Makes CUnit::CUnit, the test library that `CmdTessaron test` uses. Its archive comes before its
-# shared form, so that the program needs no CUnit where it runs.
+# Makes CUnit::CUnit, the test library that `CmdTessaron test` uses. The static library is preferred,
+# so that the program runs where CUnit is not installed.
 find_path(CUnit_INCLUDE_DIR CUnit/Basic.h)
 find_library(CUnit_LIBRARY NAMES libcunit.a cunit)
 mark_as_advanced(CUnit_INCLUDE_DIR CUnit_LIBRARY)

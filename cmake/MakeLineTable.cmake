@@ -1,6 +1,6 @@
-# Run with cmake -P: writes the C++ file SOURCE, whose SelfTest::FUNCTION gives the lines of DATA.
-# Rows of equal length need no pointers, so nothing happens when the program starts, and every
-# compiler takes string literals of this size.
+# Run with cmake -P: writes the C++ file SOURCE, whose SelfTest::FUNCTION returns the lines of DATA.
+# Rows of equal length need no pointers and so no initialisation at program start. One literal per
+# line stays below the length limit of every compiler.
 file(READ ${DATA} text)
 file(STRINGS ${DATA} lines NO_HEX_CONVERSION)
 set(longest 0)

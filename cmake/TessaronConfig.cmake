@@ -1,4 +1,4 @@
-# find_package(Tessaron) gives the program, as the target Tessaron::CmdTessaron, and the function
+# find_package(Tessaron) defines the program, as the target Tessaron::CmdTessaron, and the function
 # tessaron_run_script.
 if(CMAKE_VERSION VERSION_LESS 3.20)
   set(Tessaron_FOUND FALSE)

@@ -3,8 +3,8 @@
 cmake_minimum_required(VERSION 3.20)
 include(${SETTINGS})
 
-# Neither an older run's output nor a failed run's may pass for what was asked for. The stamp comes
-# last, so a run that is broken off counts as none.
+# The outputs of an earlier or a failed run must not be taken for those of this run. The stamp is
+# written last, so that an interrupted run is repeated.
 file(REMOVE ${stamp} ${outputs})
 file(MAKE_DIRECTORY ${workingDirectory})
 foreach(output IN LISTS outputs)

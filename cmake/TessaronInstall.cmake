@@ -1,4 +1,4 @@
-# What `cmake --install` puts where, and the packages that CPack makes of it.
+# The files that `cmake --install` installs, and the packages that CPack builds from them.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -14,8 +14,8 @@ install(DIRECTORY examples DESTINATION ${documents} PATTERN build EXCLUDE)
 install(DIRECTORY editors DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/${package}
         PATTERN node_modules EXCLUDE)
 
-# find_package(Tessaron). The program runs where the build runs, whatever that builds for, so a
-# project for a processor of another width may use it as well.
+# The files for find_package(Tessaron). The program runs on the host, so a project that is compiled
+# for a target with another pointer size may use it as well: ARCH_INDEPENDENT.
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/TessaronConfigVersion.cmake
                                  COMPATIBILITY SameMajorVersion ARCH_INDEPENDENT)
 install(FILES cmake/TessaronConfig.cmake cmake/TessaronRunScript.cmake
@@ -31,7 +31,7 @@ set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 string(TOLOWER ${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR} CPACK_SYSTEM_NAME)
 set(CPACK_GENERATOR DEB TGZ)
 set(CPACK_STRIP_FILES ON)
-# Whatever the umask of who makes the package, everybody can use what it installs.
+# Every user can read the installed files, whatever the umask of the user who builds the package.
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -39,7 +39,7 @@ set(CPACK_DEBIAN_PACKAGE_SECTION devel)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
     "Loads Intel HEX, S-record and raw files into memory images, lays fillers,
 writes values, CRCs and hashes into chosen areas, and writes the images out again.")
-# The static program needs nothing; the other one what its shared libraries say.
+# The static program has no dependencies. Those of the shared one follow from its libraries.
 if(NOT TESSARON_STATIC)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 endif()

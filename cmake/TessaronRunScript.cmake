@@ -6,16 +6,16 @@
 #     [WORKING_DIRECTORY <directory>]
 #     [FAIL_ON <regular expression>...])
 #
-# Adds the target <name> to all: it runs the script when the script, the program, a variable or
-# something in DEPENDS changed, or an output is missing. The build fails, and no output stays, when
-# a statement failed, a file could not be written or read to its end, the run ended with a code
-# other than 0, an output was not written, or a line that was printed matches a FAIL_ON expression.
+# Adds the target <name> to the target all. It runs the script if the script, the program, a
+# variable or an entry of DEPENDS has changed, or if an output is missing. The build fails, and the
+# outputs are removed, if a statement fails, a file cannot be read or written completely, the exit
+# code is not 0, an output is not written, or the printed text matches a FAIL_ON expression.
 #
-# SCRIPT is relative to the current source directory. WORKING_DIRECTORY, relative to the current
-# binary directory and that directory itself if not given, is where the script's relative paths
-# start, and those of OUTPUTS. DEPENDS names every file that the script reads, as in
-# add_custom_command. VARIABLES and OUTPUTS may hold generator expressions.
-# Statements also refuse what they are given without failing: a damaged file yields an empty image,
+# SCRIPT is relative to the current source directory. WORKING_DIRECTORY is relative to the current
+# binary directory, which is also its default. The relative paths in the script and in OUTPUTS are
+# relative to WORKING_DIRECTORY. DEPENDS names every file that the script reads, as in
+# add_custom_command. VARIABLES and OUTPUTS may contain generator expressions.
+# A statement may also refuse an argument without failing: a damaged file yields an empty image, and
 # a checksum that does not fit into an image is not written. With FAIL_ON ${Tessaron_REFUSALS} such
 # a run fails as well.
 set(Tessaron_REFUSALS

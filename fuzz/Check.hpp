@@ -5,10 +5,10 @@
 
 namespace Fuzz {
 
-/// Ends the process when `claim` does not hold, which is what a fuzzer calls a finding.
+/// Aborts if `claim` is false, which the fuzzer records as a finding.
 inline void check(bool claim, const char* text) {
     if (claim) return;
-    std::fprintf(stderr, "This does not hold: %s\n", text);
+    std::fprintf(stderr, "Violated: %s\n", text);
     std::abort();
 }
 

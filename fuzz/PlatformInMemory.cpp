@@ -16,14 +16,14 @@ namespace Fuzz {
 
 namespace {
 
-/// The platform is a set of functions without an argument for the machine.
+/// Global, since the functions of the platform have no argument for the machine.
 Machine* machine = nullptr;
 
 }  // namespace
 
 Machine::Machine()
     : standardOutput_(std::cout.rdbuf(&nowhere_)), standardError_(std::cerr.rdbuf(&nowhere_)) {
-    // The number base outlives a run on purpose, but no run may depend on the one before it.
+    // The number base intentionally outlives a run, but no run may depend on the previous one.
     std::cout << std::dec;
     machine = this;
 }
@@ -105,7 +105,7 @@ std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> out) const {
 }
 
 Reading InputFile::reading() const {
-    // A file of that name may have been written since, but then it is another size.
+    // The file may have been overwritten since; its size shows that.
     return Fuzz::machine->contents(descriptor_).size() == size_ ? Reading::Complete
                                                                 : Reading::Changed;
 }
@@ -135,14 +135,14 @@ std::size_t usableStackBytes() {
 }
 
 std::uint64_t usableSteps() {
-    // Each takes long under the sanitizers and with every comparison traced.
+    // Steps are slow under the sanitizers and with comparisons traced.
     return 200'000;
 }
 
 }  // namespace Platform
 
-// The machine's memory is short for everything that a container may ask for. All forms are
-// replaced, or a block that came from one allocator would go back to another.
+// The machine limits every allocation of a container. All forms are replaced, since a block must be
+// freed by the allocator that it came from.
 
 namespace {
 

@@ -10,22 +10,21 @@
 
 namespace Fuzz {
 
-/// The machine that a program linked with PlatformInMemory.cpp runs on, for as long as the object
-/// lives: files that exist nowhere else, little memory, no other programs, nobody who reads the
-/// standard streams. There is one machine at a time.
+/// The simulated machine of a program that is linked with PlatformInMemory.cpp, for the lifetime of
+/// the object: files in memory, little memory, no other programs, and standard streams that discard
+/// their output. Only one machine exists at a time.
 ///
-/// Memory is short so that no input costs more than moments: what a large machine would hold comes
-/// to the same end here as what no machine holds, std::bad_alloc out of `Platform::PageBlock` and
-/// out of `operator new`.
+/// Memory is limited so that every input is handled quickly: a larger request fails as on a machine
+/// without memory, with std::bad_alloc from `Platform::PageBlock` and `operator new`.
 class Machine {
 public:
-    /// Largest single block, in bytes: room for an image of more than 64 KiB addresses.
+    /// Largest page block, in bytes: enough for an image of more than 64 Ki addresses.
     static constexpr std::size_t mostPages = std::size_t{80} << 10U;
-    /// Largest single allocation of everything else, in bytes.
+    /// Largest other allocation, in bytes.
     static constexpr std::size_t mostHeap = std::size_t{512} << 10U;
-    /// Largest input, in bytes, that everything made of it has room for.
+    /// Largest input, in bytes, whose derived data fits within the limits above.
     static constexpr std::size_t mostInput = std::size_t{64} << 10U;
-    /// Room for output files, in bytes; then the device is full.
+    /// Total size of all output files, in bytes, at which the device is full.
     static constexpr std::size_t mostOutput = std::size_t{4} << 20U;
 
     Machine();
@@ -38,17 +37,17 @@ public:
     /// Opens a file for reading and returns its descriptor, or -1.
     int open(const std::string& path);
 
-    /// What an open file holds.
+    /// The contents of an open file.
     std::string_view contents(int descriptor) const;
 
     /// Opens an empty file for writing and returns its descriptor, or -1.
     int create(const std::string& path);
 
-    /// Appends to an open file, as much as the device takes; false when that is not all.
+    /// Appends to an open file. Returns false if the device is full before all bytes are written.
     bool write(int descriptor, std::string_view bytes);
 
 private:
-    /// Takes everything and keeps nothing.
+    /// Discards all output.
     class Nowhere : public std::streambuf {
         int_type overflow(int_type character) override { return traits_type::not_eof(character); }
         std::streamsize xsputn(const char* /*text*/, std::streamsize length) override {

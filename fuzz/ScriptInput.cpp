@@ -23,7 +23,7 @@ std::string_view takeUpTo(std::string_view& text, std::string_view end) {
 std::map<std::string, std::string> variablesOf(std::string_view argumentLines) {
     std::vector<std::string> arguments;
     while (!argumentLines.empty()) {
-        // A zero byte ends an argument on every system.
+        // An argument ends at a zero byte, as on every operating system.
         const std::string_view line = takeUpTo(argumentLines, "\n");
         arguments.emplace_back(line.substr(0, line.find('\0')));
     }

@@ -9,7 +9,7 @@
 
 namespace Fuzz {
 
-/// One call of the program as a text that can be read and mutated as such:
+/// One call of the program as text that a person can read and a fuzzer can mutate:
 ///
 ///     name=value
 ///     === script.tsn
@@ -23,10 +23,10 @@ namespace Fuzz {
 struct ScriptInput {
     static constexpr const char* scriptPath = "script.tsn";
 
-    /// Puts the files onto `machine`; a script there always is.
+    /// Adds the files to `machine`. A script is always among them.
     ScriptInput(const std::uint8_t* data, std::size_t size, Machine& machine);
 
-    std::map<std::string, std::string> variables;  ///< those of the arguments
+    std::map<std::string, std::string> variables;  ///< from the arguments
 };
 
 }  // namespace Fuzz

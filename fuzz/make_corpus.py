@@ -3,17 +3,17 @@
 
     make_corpus.py FOLDER
 
-makes FOLDER/script, FOLDER/run and FOLDER/readers. The first two hold one call of the program a
-file, in the form that fuzz/ScriptInput.hpp tells, the last one input files.
+makes FOLDER/script, FOLDER/run and FOLDER/readers. The first two hold one call of the program per
+file, in the form that fuzz/ScriptInput.hpp describes, the last one holds input files.
 """
 import pathlib
 import shutil
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-# Longer seeds slow every run down and show nothing that shorter ones do not.
+# Longer seeds slow down every run and cover nothing more.
 LONGEST_SEED = 1 << 14
-# What a case expects is no input of its script, but the files it leaves are good inputs of readers.
+# The expected output of a case is not an input of its script.
 NO_INPUT = {"script.tsn", "arguments", "absent", "memory-limit", "prepare.sh", "check.sh",
             "expected.out", "expected.err", "expected.exit"}
 
@@ -26,7 +26,7 @@ def call(arguments, script, inputs):
 
 
 def script_cases():
-    """Name and seed of every case that is kept as a script, and of every example."""
+    """Name and seed of every script case and of every example."""
     scripts = sorted(ROOT.glob("tests/scripts/*/script.tsn"))
     for script in scripts + sorted(ROOT.glob("examples/*/*.tsn")):
         folder = script.parent
@@ -38,7 +38,7 @@ def script_cases():
 
 
 def input_files():
-    """Name and contents of everything that a reader may be given."""
+    """Name and contents of every file that a reader accepts."""
     for folder in "tests/data", "tests/scripts", "examples":
         for path in sorted((ROOT / folder).glob("**/*")):
             if path.is_file() and path.suffix in (".hex", ".srec", ".s19", ".bin", ".mot"):

@@ -1,8 +1,8 @@
 #!/bin/sh
-# Builds the fuzz targets, replays what they know and lets each of them search for a while.
+# Builds the fuzz targets, replays their corpora and lets each of them search for a while.
 #   fuzz/run.sh SECONDS [target ...]     script, readers, run (all); 0 seconds only replay
-# What a search comes upon stays in build/fuzz/found/ and is where the next one begins. A finding
-# ends the run with an error; the input that shows it stays in build/fuzz/findings/.
+# New inputs of a search stay in build/fuzz/found/, where the next search begins. A finding ends the
+# run with an error, and the input that causes it stays in build/fuzz/findings/.
 set -eu
 cd "$(dirname "$0")/.."
 seconds=${1:?how many seconds?}
@@ -20,19 +20,20 @@ if ! { cmake --preset fuzz && cmake --build --preset fuzz --target $programs; } 
 fi
 python3 fuzz/make_corpus.py $build/corpus
 
-# target, what it does, and options of libFuzzer; prints the last of its figures.
+# run TARGET WORK OPTION...: runs a target with options of libFuzzer and prints its final figures.
+# WORK is the verb of the messages, in the past tense.
 run() {
     target=$1
     work=$2
     shift 2
     log=$build/log-$target
-    # Short stacks of allocations: they cost a tenth of the time and are seldom looked at.
+    # Full stack traces of allocations cost a tenth of the time and are seldom needed.
     if ! ASAN_OPTIONS=malloc_context_size=6 UBSAN_OPTIONS=print_stacktrace=1 \
         $build/fuzz/fuzz_$target -timeout=10 -rss_limit_mb=2048 -max_len=4096 \
         -artifact_prefix=$build/findings/$target- "$@" \
         $build/found/$target fuzz/corpus/$target $build/corpus/$target >$log 2>&1; then
-        grep -aE -A 25 -m 1 'This does not hold|runtime error:|ERROR: ' $log | cut -c -200
-        echo "fuzz_$target: a finding while it $work; the whole output is in $log"
+        grep -aE -A 25 -m 1 'Violated: |runtime error:|ERROR: ' $log | cut -c -200
+        echo "fuzz_$target: a finding while it $work; the full output is in $log"
         sed -n "s|.*Test unit written to \(.*\)|repeat with: $build/fuzz/fuzz_$target \1|p" $log
         return 1
     fi

@@ -3,17 +3,17 @@
 #include <deque>
 #include <string>
 
-/// The files of selftest/data/, compiled into the program: one string a line, without line end.
-/// Each is expanded at its first use and kept to the end of the process.
+/// The files of selftest/data/, compiled into the program: one string per line, without line end.
+/// Each deque is built at its first use and lives until the process ends.
 namespace SelfTest {
 
-/// Intel HEX of one firmware image.
+/// A firmware image in Intel HEX.
 const std::deque<std::string>& sampleInput();
 
 /// A script that fills, hashes, checks and writes that image.
 const std::deque<std::string>& sampleScript();
 
-/// Intel HEX that the script must write, line by line.
+/// The Intel HEX file that the script must write.
 const std::deque<std::string>& referenceOutput();
 
 }  // namespace SelfTest

@@ -19,7 +19,7 @@ namespace {
 
 using Lines = std::deque<std::string>;
 
-/// CUnit calls its tests without an argument.
+/// Global, since CUnit calls its tests without an argument.
 Classic::ClassicWords* words = nullptr;
 
 std::string samplePath(const char* fileName) {
@@ -27,7 +27,7 @@ std::string samplePath(const char* fileName) {
     return ".." + separator + "KvTessaron" + separator + "__sample_files" + separator + fileName;
 }
 
-/// A file that cannot be written shows when the script does not run or its output differs.
+/// Ignores a file that cannot be written: the script then fails, or its output differs.
 void writeLines(const std::string& path, const Lines& lines) {
     auto file = Platform::OutputFile::create(path, Platform::FileMode::Text);
     if (!file) return;
@@ -43,12 +43,12 @@ Lines readLines(const std::string& path) {
         Io::TextLines text(path);
         while (text.next()) lines.emplace_back(text.line());
     } catch (const Io::bad_open&) {
-        // The comparison with the reference says it.
+        // The comparison with the reference fails then.
     }
     return lines;
 }
 
-/// Names the lines that differ, as far as both texts reach.
+/// Prints the numbers of the lines that differ, up to the end of the shorter text.
 void reportDifferences(const Lines& got, const Lines& wanted) {
     const std::size_t count = std::min(got.size(), wanted.size());
     for (std::size_t i = 0; i < count; ++i)
@@ -67,8 +67,8 @@ void testTessaronAll() {
     const Lines output = readLines(outFile);
     const bool isEqual = output == referenceOutput();
     if (!isEqual) reportDifferences(output, referenceOutput());
-    // Not CU_ASSERT: users look for these words and this place in the report, whatever the source
-    // is called today.
+    // CU_ASSERT would print this source's name and line. Users search the report for the text and
+    // the place below, so these stay the same.
     constexpr unsigned int line = 104;
     CU_assertImplementation(isRun && isEqual ? CU_TRUE : CU_FALSE, line,
                             "(result_is_ok == true) ? 1 : 0", "testkvtessaron", "", CU_FALSE);

@@ -6,12 +6,12 @@ namespace SelfTest {
 
 /// Runs the built-in end-to-end test of the whole tool, under CUnit's basic interface.
 ///
-/// Writes a sample image and a script into ../KvTessaron/__sample_files/, seen from the working
+/// Writes a sample image and a script into ../KvTessaron/__sample_files/, relative to the working
 /// directory, runs the script and compares its Intel HEX output with a reference, line by line. The
-/// folder is not made; without it the test fails. Standard output shows the outcome; the four files
+/// test fails if the folder does not exist. The outcome goes to standard output, and the four files
 /// are not removed.
 ///
-/// @param words  prints what differs; the run reports to the listener in force
+/// @param words  prints the differences; the run reports to the current listener
 void runAll(Classic::ClassicWords& words);
 
 }  // namespace SelfTest

@@ -21,7 +21,7 @@ struct Vector {
     int line;
 };
 
-/// "seq:N", "ascii:TEXT" or "rep:HH*N" as bytes.
+/// The bytes that an input "seq:N", "ascii:TEXT" or "rep:HH*N" denotes.
 inline std::vector<std::uint8_t> inputBytes(const std::string& name) {
     const std::string argument = name.substr(name.find(':') + 1);
     if (name.starts_with("ascii:")) return {argument.begin(), argument.end()};

@@ -6,7 +6,7 @@ namespace Util {
 
 namespace {
 
-/// The value of a character that is no digit: more than that of any digit.
+/// The value of a character that is not a digit: a bit that no digit's value has.
 constexpr std::uint8_t noDigit = 0x80;
 
 /// Arithmetic, as in `hexDigit`, so that compilers vectorise it.
@@ -19,7 +19,7 @@ constexpr std::uint8_t valueOf(char digit) {
     return decimal < 10 ? decimal : letterValue;
 }
 
-/// Reads as `readHex` does; the result has the bit of `noDigit` if any character is no digit.
+/// Reads as `readHex` does. The result has the bit `noDigit` if any character is not a digit.
 inline std::uint8_t readDigits(std::uint8_t* out, const char* digits, std::size_t count) {
     std::uint8_t all = 0;
     for (std::size_t i = 0; i < count; ++i) {
@@ -42,7 +42,7 @@ char* writeHex(char* out, std::span<const std::uint8_t> bytes) {
 }
 
 bool readHex(std::uint8_t* out, const char* digits, std::size_t count) {
-    // A step of fixed length is one that compilers turn into a few vector operations.
+    // Compilers turn a loop of fixed length into a few vector operations.
     constexpr std::size_t step = 16;
     std::uint8_t all = 0;
     for (; count >= step; count -= step, out += step, digits += 2 * step)

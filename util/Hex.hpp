@@ -26,14 +26,14 @@ inline char* writeHex(char* out, std::uint8_t byte) {
 /// `bytes.size()` characters, and returns the position after the last digit.
 char* writeHex(char* out, std::span<const std::uint8_t> bytes);
 
-/// Reads `count` bytes of two hexadecimal digits each, in either case, from `digits` to `out`.
-/// False if any character is no such digit; the contents of `out` are unspecified then.
+/// Reads `count` bytes of two hexadecimal digits each, upper or lower case, from `digits` to `out`.
+/// Returns false if any character is not such a digit; `out` is unspecified then.
 bool readHex(std::uint8_t* out, const char* digits, std::size_t count);
 
 /// Appends each byte as two upper-case hexadecimal digits, in order and without separators.
 void appendHex(std::string& text, std::span<const std::uint8_t> bytes);
 
-/// `number` as eight upper-case hexadecimal digits; of a larger number the low 32 bits.
+/// The low 32 bits of `number` as eight upper-case hexadecimal digits.
 std::string hexWord(std::uint64_t number);
 
 }  // namespace Util

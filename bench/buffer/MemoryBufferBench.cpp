@@ -16,7 +16,7 @@ void countBytes(benchmark::State& state) {
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * imageSize));
 }
 
-/// `state.range(0)`: elements of the pattern.
+/// The pattern has `state.range(0)` elements.
 void fillWithFiller(benchmark::State& state) {
     MemoryBuffer image(0, imageSize);
     const std::vector<MemoryElement> pattern(static_cast<std::size_t>(state.range(0)),

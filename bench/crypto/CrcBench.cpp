@@ -22,7 +22,7 @@ Value zlibCrc32(Bytes message) {
         static_cast<std::uint32_t>(crc32(0, message.data(), static_cast<uInt>(message.size()))));
 }
 
-/// It keeps its CRC most significant byte first.
+/// Reverses the CRC, which libgcrypt returns most significant byte first.
 Value gcryptCrc32(Bytes message) {
     Value value(4);
     gcry_md_hash_buffer(GCRY_MD_CRC32, value.data(), message.data(), message.size());

@@ -1,4 +1,4 @@
-// MD2, MD4 and MD5 are where that library keeps what should no longer guard secrets.
+// Crypto++ has MD2, MD4 and MD5 in its namespace Weak, which must be enabled.
 #define CRYPTOPP_ENABLE_NAMESPACE_WEAK 1
 
 #include <crypto++/md2.h>
@@ -63,7 +63,7 @@ Entrant openssl(const char* name) {
 
 void enterHashes() {
     gcry_check_version(nullptr);
-    // MD4 has moved out of the default provider.
+    // OpenSSL 3 has MD4 only in the provider "legacy".
     OSSL_PROVIDER_load(nullptr, "default");
     OSSL_PROVIDER_load(nullptr, "legacy");
 

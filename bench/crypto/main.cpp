@@ -6,7 +6,8 @@ namespace Contest {
 
 namespace {
 
-/// 16 MiB: long beside every start-up and every first-level cache, as flash images are.
+/// 16 MiB, as large flash images are. Start-up costs do not count, and no first-level cache holds
+/// it.
 Bytes message() {
     static const Value bytes = [] {
         Value made(std::size_t{16} << 20U);

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Prints a Markdown table from results of checksum_bench in JSON: ratios.py file ...
 
-The clock of a shared machine wanders from second to second, so speeds are compared within a pass
-only, where they are measured next to each other. All figures are medians over the passes.
+The clock rate of a shared machine varies from second to second, so speeds are only compared within
+a pass, where they are measured one after the other. All figures are medians over the passes.
 """
 import json
 import statistics

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Times the checksums beside the same ones of other libraries and prints the ratios as a table.
+# Compares the speed of the checksums with that of other libraries and prints a table of ratios.
 #   bench/crypto/run.sh [name ...]      all algorithms, or those whose names contain one of these
 set -eu
 cd "$(dirname "$0")/../.."
@@ -9,7 +9,7 @@ results=build/bench/checksums
 rm -rf "$results"
 mkdir "$results"
 log=$results/log
-# Whatever fails says why; the table alone goes to standard output.
+# Only the table goes to standard output; the log is printed after a failure.
 trap '[ $? = 0 ] || cat "$log" >&2' EXIT
 cmake --build --preset bench --target checksum_bench >"$log"
 filter=$(echo "${*:-.}" | tr ' ' '|')

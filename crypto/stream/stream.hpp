@@ -5,8 +5,8 @@
 
 namespace kv::crypto::stream {
 
-/// Takes bytes in pieces and delivers one result at the end: the root of the hashes and of the
-/// bit-wise CRC. `Context` is void in all instances.
+/// The base of the hashes and of the bit-wise CRC: takes bytes in pieces and delivers one result at
+/// the end. `Context` is void in all instances.
 template <class Result, class Context>
 class stream {
     static_assert(std::is_void_v<Context>);
@@ -15,13 +15,14 @@ public:
     stream() = default;
     virtual ~stream() = default;
 
-    /// Back to the start, from anywhere.
+    /// Starts a new message; allowed in any state.
     virtual void reset() = 0;
 
-    /// Takes the next `length` bytes; any number of calls, any lengths, 0 too. Keeps no pointer.
+    /// Takes the next `length` bytes. Any number of calls and any length, also 0, is allowed. The
+    /// pointer is not kept.
     virtual void update(const void* data, std::size_t length) = 0;
 
-    /// Ends the message and returns its result; called once.
+    /// Ends the message and returns its result. Must be called once per message.
     virtual Result finish() = 0;
 
     /// Ends the message and puts the result into `out`.
@@ -30,7 +31,7 @@ public:
         out = result();
     }
 
-    /// The result of a finished message; changes nothing. Here a zero one.
+    /// The result of a finished message. The default returns zero.
     virtual Result result() const { return Result{}; }
 
 protected:

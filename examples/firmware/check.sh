@@ -1,5 +1,5 @@
 #!/bin/sh
-# Has Debian's srecord do the same job from the same input and compares the two files byte by byte:
+# Prepares the same image with srecord, as Debian packages it, and compares the two files:
 #   sh check.sh release.hex
 set -eu
 firmware="$(dirname "$0")/firmware.hex"

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Makes firmware.hex: a plausible image of a Cortex-M firmware of some 50 KiB, always the same.
+"""Prints firmware.hex, a plausible Cortex-M firmware of about 50 KiB. The output never changes.
 
 0x08000000  vector table: initial stack, reset, 96 handlers
 0x08000188  code-like words
 0x08009000  a CRC table, a sine table, texts
-0x0800B800  nothing
+0x0800B800  a gap
 0x0800C000  configuration block
-with a start record for 0x08000189.
+The start record holds 0x08000189.
 """
 import math
 import struct
@@ -39,7 +39,7 @@ def vectors():
 
 
 def code(length):
-    # Thumb instructions as compilers emit them, operands from a fixed generator.
+    # Thumb instructions as compilers emit them, with operands from a generator with a fixed seed.
     opcodes = [0x4600, 0x6800, 0x2000, 0xF000, 0xB500, 0xBD00, 0x1C00, 0xD000, 0xE000, 0x4770]
     operands = random_words(7)
     data = bytearray()

@@ -47,7 +47,7 @@ const std::map<std::string, Calculation>& calculations() {
     return all;
 }
 
-/// The rules alone, without what is faster on some processors.
+/// The table rules alone, without the faster code for some CPUs.
 const std::map<std::string, Calculation>& rules() {
     using namespace Util::Crc;
     static const std::map<std::string, Calculation> all{
@@ -103,22 +103,22 @@ std::vector<Vector> vectorsOfBothKinds() {
 INSTANTIATE_TEST_SUITE_P(File, CrcVectors, testing::ValuesIn(vectorsOfBothKinds()),
                          Tests::keywordAndLine);
 
-TEST(GenericCrcTest, SixteenSumsOfBigEndianWordsWantAnEvenLength) {
+TEST(GenericCrcTest, SumsOfBigEndianWordsIgnoreInputOfOddLength) {
     EXPECT_EQ(crc16OnesComplementSumBE(inputBytes("ascii:12345678"), 0xFFFF), 0x2F2B);
     EXPECT_EQ(crc16TwosComplementSumBE(inputBytes("ascii:12345678"), 0x0000), 0x2F2C);
     EXPECT_EQ(crc16OnesComplementSumBE(inputBytes("ascii:123456789"), 0xFFFF), 0xFFFF);
     EXPECT_EQ(crc16TwosComplementSumBE(inputBytes("ascii:123456789"), 0x0000), 0x0000);
 }
 
-TEST(GenericCrcTest, MoreThanFourBytesFoldOntoEachOther) {
+TEST(GenericCrcTest, InterpretedWordsOfLongInputAreAdded) {
     const std::vector<std::uint8_t> five{0x11, 0x22, 0x33, 0x44, 0x55};
     EXPECT_EQ(hexOf(interpretBytes(five, 1)), "66223344");
     EXPECT_EQ(hexOf(interpretBytes(five, 2)), "66443322");
 }
 
-/// However a register is moved on, it must end where the table rules say, for all lengths around
-/// the strides of fast code, for any alignment and any seed.
-TEST(GenericCrcTest, EveryLengthAndAlignmentFollowsTheTableRules) {
+/// The fast code must agree with the table rules for all lengths around its strides, for any
+/// alignment and any seed.
+TEST(GenericCrcTest, FastCodeAgreesWithTheTableRules) {
     using namespace Util::Crc;
     const auto message = inputBytes("seq:5000");
     const auto check = [&](std::size_t offset, std::size_t length) {

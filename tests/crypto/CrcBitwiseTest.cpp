@@ -10,7 +10,7 @@ namespace {
 
 using Sdlc = kv::crypto::stream::crc::crc_bitwise<16, 0x1021, 0xFFFF, 0xFFFF, 1, 1>;
 
-TEST(CrcBitwiseTest, CheckValueOfTheCatalogueHoweverCut) {
+TEST(CrcBitwiseTest, HasTheCheckValueOfTheCatalogue) {
     Sdlc crc;
     crc.reset();
     crc.update("1234", 4);
@@ -29,7 +29,7 @@ TEST(CrcBitwiseTest, CheckValueOfTheCatalogueHoweverCut) {
     EXPECT_EQ(crc.finish(), 0x0000);
 }
 
-TEST(CrcBitwiseTest, AgreesWithTheVectorsWhereverTheyAreCut) {
+TEST(CrcBitwiseTest, AgreesWithTheVectorsInOneOrTwoPieces) {
     for (const Tests::Vector& vector : Tests::loadVectors("Crc16_ibm_sdlc")) {
         const std::size_t size = vector.input.size();
         for (const std::size_t cut : {std::size_t{0}, std::min<std::size_t>(size, 1), size / 2}) {
@@ -46,23 +46,23 @@ TEST(CrcBitwiseTest, AgreesWithTheVectorsWhereverTheyAreCut) {
     }
 }
 
-/// What of `stream` is left to its branches.
-class Silent : public kv::crypto::stream::crc::crc_base<unsigned short> {
+/// Overrides only the pure virtual functions of `stream`.
+class WithoutResult : public kv::crypto::stream::crc::crc_base<unsigned short> {
 public:
     void reset() override {}
     void update(const void* /*data*/, std::size_t /*length*/) override {}
     unsigned short finish() override { return 0xFFFF; }
 };
 
-TEST(CrcBitwiseTest, AStreamWithoutAResultDeliversZero) {
+TEST(CrcBitwiseTest, TheDefaultResultIsZero) {
     unsigned short value = 1;
-    Silent().finish_into(value);
+    WithoutResult().finish_into(value);
     EXPECT_EQ(value, 0);
 }
 
-// The check values of CRC-16/IBM-3740 and CRC-16/GENIBUS in the public catalogue: nothing
-// reflected, with and without final xor.
-TEST(CrcBitwiseTest, OtherParametersCount) {
+// CRC-16/IBM-3740 and CRC-16/GENIBUS are not reflected and differ in the final xor. The values are
+// the check values of the public catalogue.
+TEST(CrcBitwiseTest, HonoursReflectionAndFinalXor) {
     kv::crypto::stream::crc::crc_bitwise<16, 0x1021, 0xFFFF, 0x0000, 0, 0> ibm3740;
     ibm3740.reset();
     ibm3740.update("123456789", 9);

@@ -23,7 +23,7 @@ using Tests::hexOf;
 using Tests::inputBytes;
 using Tests::Vector;
 
-/// The message in pieces of `piece` bytes, from a hash that has already seen another one.
+/// The digest of a message in pieces of `piece` bytes, by a hash that was reset after another one.
 template <class Hash>
 std::string inPieces(Bytes message, std::size_t piece) {
     Hash hash;
@@ -44,7 +44,7 @@ std::string inPieces(Bytes message, std::size_t piece) {
     return hexOf(digest);
 }
 
-/// `Hash` as on a processor that lacks what it chooses at run time.
+/// `Hash` as it works on a CPU without the features that it detects at run time.
 template <class Hash, auto Compress>
 class Portable : public Hash {
     void transform_blocks(const unsigned char* blocks, std::size_t count) override {
@@ -97,9 +97,9 @@ const std::map<std::string, std::vector<Algorithm>>& algorithms() {
 
 class HashVectors : public testing::TestWithParam<Vector> {};
 
-TEST_P(HashVectors, AgreeHoweverTheMessageIsCut) {
+TEST_P(HashVectors, AgreeForPiecesOfAnyLength) {
     const Vector& vector = GetParam();
-    // Single bytes of the longest messages would only cost time.
+    // Feeding the longest messages in single bytes takes long and tests nothing more.
     const std::size_t shortest = vector.input.size() > 100'000 ? 4096 : 1;
     for (const Algorithm& algorithm : algorithms().at(vector.keyword)) {
         EXPECT_EQ(algorithm.whole(vector.input), vector.value);
@@ -120,7 +120,7 @@ TEST(HashTest, EveryAlgorithmHasVectors) {
     EXPECT_EQ(counts.size(), algorithms().size());
 }
 
-/// Looks into a hash: what is promised of the block between two calls.
+/// Gives access to the block of a hash, to check its invariants between two calls.
 template <class Hash>
 class Opened : public Hash {
 public:
@@ -142,7 +142,7 @@ using AllHashes =
                    hash_sha512, hash_sha3<224>, hash_sha3<256>, hash_sha3<384>, hash_sha3<512>>;
 TYPED_TEST_SUITE(Framework, AllHashes);
 
-TYPED_TEST(Framework, TheBlockIsZeroBehindItsFill) {
+TYPED_TEST(Framework, TheUnusedPartOfTheBlockIsZero) {
     constexpr std::size_t size = TypeParam::block_bytes;
     Opened<TypeParam> hash;
     const auto message = inputBytes("seq:1000");

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Runs the program where something is wrong with the machine, and looks at what is left.
+"""Runs the program while the operating system fails in various ways, and checks the outcome.
 
     fault_runs.py PROGRAM GROUP     GROUP is a class of this file
 
-Whatever happens, a run must end by itself, go on with the next statement, print nothing but the
-messages of the manual, and leave every file either as it was or complete, or say that it is not.
-Exits with 77 when the machine lets nothing of the group be tried.
+After any fault, a run must continue with the next statement, end by itself, print only messages of
+the manual, and leave every file either unchanged or complete, or report that it is incomplete.
+Exits with 77 if no test of the group can run on this machine.
 """
 import os
 import pathlib
@@ -36,7 +36,7 @@ WRITE_A = "WRITE_FILE a.hex WITH_BUFFERS {A}\n"
 
 
 def shell(before, redirections=""):
-    """A prefix that has the shell do something first."""
+    """A command prefix that executes `before` in a shell and then the program."""
     return ("sh", "-c", '%s; exec "$@" %s' % (before, redirections), "sh")
 
 
@@ -65,7 +65,7 @@ class Faults(unittest.TestCase):
                               timeout=60, **options)
 
     def printed(self, done):
-        """What the statements printed, without banner and time."""
+        """The output of the statements, without banner and time."""
         found = re.fullmatch(r".*\n.*\n\n(.*)\nKvTessaron Total Time: \S+ seconds\n", done.stdout,
                              re.S)
         self.assertTrue(found, done.stdout + done.stderr)
@@ -79,7 +79,7 @@ class Faults(unittest.TestCase):
         self.assertEqual(self.read("a.hex").decode(), THREE_AS_HEX)
 
     def mega(self):
-        """The image M as it must be written."""
+        """The expected file of image M."""
         self.check(MEGA + WRITE_M)
         return self.read("m.hex")
 
@@ -90,7 +90,7 @@ class Faults(unittest.TestCase):
 
 
 class Streams(Faults):
-    """A standard output that is full, or that nobody reads."""
+    """Standard output on a full device, and on a pipe that nobody reads."""
     SCRIPT = THREE + "PRINT_TEXT {one}\nWRITE_FILE b.hex WITH_BUFFERS {A}\nPRINT_TEXT {two}\n" \
         + WRITE_A
 
@@ -111,7 +111,7 @@ class Streams(Faults):
             self.check_lost(NOT_PRINTED, stdout=full)
             self.check_lost(None, stdout=full, stderr=full)
 
-    def test_a_print_of_many_pieces(self):
+    def test_a_print_of_many_writes(self):
         self.write("in.bin", bytes(range(256)) * 100)
         rows = [" " + "".join(" 0x%08X" % (i % 256) for i in range(at, min(at + 13, 25600)))
                 for at in range(0, 25600, 13)]
@@ -120,7 +120,7 @@ class Streams(Faults):
                    "    Content Area (0x00000000 , 0x00006400)\n"
                    + "".join("    %s\n" % row for row in rows))
 
-    def test_called_programs_get_the_signals_that_the_run_got(self):
+    def test_called_programs_inherit_the_signal_dispositions(self):
         script = 'CALL_APP sh WITH_ARGUMENTS {-c "kill -s PIPE \\$\\$; echo >alive"}\n'
         self.run_script(script)
         self.assertFalse((self.work / "alive").exists())
@@ -129,7 +129,7 @@ class Streams(Faults):
 
 
 class Files(Faults):
-    """Outputs that do not take everything."""
+    """Output files that accept only a part of the data."""
 
     def test_a_limit_on_the_size_of_files(self):
         whole = self.mega()
@@ -166,14 +166,14 @@ class Files(Faults):
 
 
 class Rights(Faults):
-    """A user who may not do everything: nobody, if it is root who runs this."""
+    """A user without permissions: nobody, if root runs this test."""
 
     def setUp(self):
         super().setUp()
         self.prefix = ()
         if os.geteuid() == 0:
             self.prefix = ("setpriv", "--reuid", NOBODY, "--regid", NOBODY, "--clear-groups")
-        # The folder of the build may be closed to that user.
+        # That user may have no access to the build folder.
         self.program = shutil.copy(self.program, self.work / "program")
         for name in ("closed", "dark", "open"):
             (self.work / name).mkdir()
@@ -236,7 +236,7 @@ class Jail(Faults):
 
 
 class SmallDisk(Faults):
-    """A file system without room."""
+    """A full file system."""
 
     def setUp(self):
         super().setUp()
@@ -247,7 +247,7 @@ class SmallDisk(Faults):
             self.skipTest("no file system can be mounted")
         self.addCleanup(subprocess.run, ["umount", str(disk)], check=True)
 
-    def test_room_runs_out_and_comes_back(self):
+    def test_space_runs_out_and_is_freed(self):
         whole = self.mega()
         write = "WRITE_FILE disk/%s WITH_BUFFERS {%s}\n"
         self.check(THREE + MEGA + write % ("before.hex", "A") + write % ("m.hex", "M")
@@ -262,7 +262,7 @@ class SmallDisk(Faults):
 
 
 class Injected(Faults):
-    """Calls of the system that fail, which strace brings about for one path."""
+    """System calls that strace makes fail for one path."""
 
     def setUp(self):
         super().setUp()
@@ -273,7 +273,7 @@ class Injected(Faults):
     def inject(self, name, what):
         if not (self.work / name).exists():
             self.write(name, "kept")
-        # What is opened has the name of the script, what is open the whole path.
+        # openat gets the name as in the script; calls on a descriptor are matched by the full path.
         return ("strace", "--quiet=path-resolution", "-o", "/dev/null", "-P", name, "-P",
                 str(self.work / name), "-e", "inject=" + what)
 
@@ -293,7 +293,7 @@ class Injected(Faults):
             self.check_output("openat:error=" + error, printed=REFUSED % "m.hex")
             self.assertEqual(self.read("m.hex"), b"kept")
 
-    def test_closed_streams_lend_their_numbers_to_no_file(self):
+    def test_no_file_gets_the_descriptor_of_a_closed_stream(self):
         prefix = self.inject("m.hex", "write:error=ENOSPC:when=3")
         for closed in ("<&-", ">&-", "2>&-", "<&- >&-", "<&- 2>&-", ">&- 2>&-", "<&- >&- 2>&-"):
             done = self.run_script(MEGA + THREE + WRITE_M + "PRINT_TEXT {text}\n" + WRITE_A,
@@ -317,11 +317,11 @@ class Injected(Faults):
             whole = bytes(1000000) if source == "FROM_FILE" else self.whole
             self.check_input(source, READ + ":error=EINTR:when=1+2", whole)
         self.check_input("FROM_FILE", READ + ":error=EIO:when=3", b"", NOT_READ % "in.hex", no_end)
-        # What was not read is there as what nobody wrote.
+        # The bytes that were not read stay unwritten, and RawBinary writes these as 0.
         self.check_input("FROM_FILE_BINARY", READ + ":error=EIO", bytes(len(self.whole)),
                          NOT_READ % "in.hex")
 
-    def test_a_script_is_run_as_a_whole_or_not_at_all(self):
+    def test_a_script_runs_completely_or_not_at_all(self):
         self.write("script.tsn", "")
         done = self.run_script(THREE + WRITE_A, self.inject("script.tsn", READ + ":error=EIO"))
         self.assertEqual((self.printed(done), done.stderr, done.returncode),
@@ -330,8 +330,8 @@ class Injected(Faults):
 
 
 class Memory(Faults):
-    """Limits on the address space. What a failed statement leaves in the registries is tested in
-    the process, by AllocationFaultTest.cpp."""
+    """Limits on the address space. AllocationFaultTest.cpp tests, within the process, what a failed
+    statement leaves in the registries."""
     OUTPUTS = {"f.hex": "", "f.seg": " -setFormat=IntelHexSegment", "f.s19":
                " -setFormat=MotorolaS_32", "f.bin": " -setFormat=RawBinary", "f.asm":
                " -setFormat=EmbeddedC_Assembler"}
@@ -390,9 +390,9 @@ class Memory(Faults):
             limit += 96 << 10
             done = self.run_limited(script, limit)
             if not done.stdout:
-                continue  # not even enough to load the program
+                continue  # not enough memory to load the program
             if done.returncode == 254:
-                # Without memory for the script nothing is done.
+                # Without memory for the script, no statement runs.
                 self.assertRegex(done.stdout + done.stderr, "could not be prepared|\\AError: ")
                 self.assertEqual(set(self.contents().values()), {b"kept"})
                 continue
@@ -406,11 +406,11 @@ class Memory(Faults):
         self.assertEqual({"File in.hex", "File in.s19", "File in.bin", "Buffer E", "Buffer C",
                           "Crc c", "Hash h"} - seen, set())
 
-    def test_nothing_left_at_all(self):
+    def test_exhausted_address_space(self):
         sizes = [1 << 22 >> shift for shift in range(23)]
         images = ["NEW_BUFFER I%d_%d EMPTY -useBufferRange={0, %d}\n" % (size, number, size)
                   for size in sizes for number in range(60)]
-        # What these ask for is too much for any hole that is left.
+        # Each of these needs a larger block than any that is left.
         long_list = "{%s}" % ", ".join(map(str, range(70000)))
         commands = {
             "NEW_BUFFER N FROM_FILE in.hex\n": "File in.hex could not be opened",

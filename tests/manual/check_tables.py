@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Holds the tables of checksums and hashes in the manual against the program and, where there is
-one, against a second opinion: the parameters of a CRC against the catalogue's model, the digests
-against Python's hashlib.
+"""Compares the tables of checksums and hashes in the manual with the program and, where possible,
+with an independent source: the parameters of a CRC with the catalogue's model, the digests with
+Python's hashlib.
 """
 import hashlib
 import pathlib
@@ -18,7 +18,7 @@ HASHLIB = {"Md5": "md5", "Sha1": "sha1", "Sha2": "sha", "Sha3": "sha3_"}
 
 
 def rows_of(pattern, manual):
-    """The matching rows of the manual by their first column."""
+    """The rows of the manual that match, by their first column."""
     matches = filter(None, map(pattern.match, manual))
     return {match.group(1): match.groups()[1:] for match in matches}
 
@@ -49,7 +49,7 @@ def run(program, statements):
 
 
 def values(program, kind, text, names):
-    """What the program computes over `text` for each type of NEW_CRC or NEW_HASH."""
+    """The value of `text` for each type of NEW_CRC or NEW_HASH, by the program."""
     script = ["NEW_BUFFER @Text FROM_VALUES { %s }" % ",".join(str(ord(c)) for c in text)]
     source = "FROM_BUFFER @Text" if text else "FROM_BUFFERS { }"
     for name in names:

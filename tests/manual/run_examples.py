@@ -1,17 +1,17 @@
 #!/usr/bin/env python3
-"""Runs the examples of the manual and compares what comes out with what the manual shows.
+"""Runs the examples of the manual and compares their output with what the manual shows.
 
-An example is a sheet, indented by four blanks, of parts that each begin with a title between equals
-signs and reach to the next title or to the rule that ends the sheet:
+An example is a sheet, indented by four spaces. Each of its parts begins with a title between equals
+signs and ends at the next title or at the rule that ends the sheet:
 
     == app.hex ===================================   a file to make
-    == $ COMMAND =================================   a command, and what it prints
+    == $ COMMAND =================================   a command and its output
     == $ COMMAND (exit code 254) =================
-    == app.hex afterwards ========================   a file that must be there then
+    == app.hex afterwards ========================   a file that must exist then
     ==============================================
 
-All sheets of one section run in one folder, made for it. Blanks at the ends of lines are not
-compared; banner, time and time stamps are masked, and left out where the manual leaves them out.
+All sheets of a section run in the same new folder. Spaces at the ends of lines are ignored. Banner,
+time and time stamps are masked, and removed where the manual omits them.
 The layout is checked too: plain text, no line longer than 96 characters.
 """
 import argparse
@@ -43,11 +43,11 @@ class Part:
 
 
 def sections(manual):
-    """The parts of all sheets, a list for each section that has some."""
+    """The parts of all sheets, as one list for each section with sheets, and the faults."""
     parts, part, faults = [[]], None, []
     for number, line in enumerate(manual.read_text().splitlines(), 1):
         if len(line) > 96 or "\t" in line or not line.isascii():
-            faults.append("%d: no plain text of 96 columns" % number)
+            faults.append("%d: not plain text of at most 96 columns" % number)
         if UNDERLINE.match(line):
             parts.append([])
         title = TITLE.match(line)
@@ -56,13 +56,13 @@ def sections(manual):
             parts[-1].append(part)
         elif RULE.match(line):
             if part is None:
-                faults.append("%d: the end of no sheet" % number)
+                faults.append("%d: a rule outside a sheet" % number)
             part = None
         elif line.startswith("    == "):
             faults.append("%d: not a title" % number)
         elif part is not None:
             if line and not line.startswith("    "):
-                faults.append("%d: a sheet is not ended" % number)
+                faults.append("%d: a sheet has no end" % number)
                 part = None
             else:
                 part.lines.append(line[4:])
@@ -77,7 +77,7 @@ def comparable(text):
     return text
 
 
-def shorn(text):
+def without_banner_and_time(text):
     return TIME.sub("", BANNER.sub("", text))
 
 
@@ -91,7 +91,7 @@ def run_command(part, command, folder, environment):
                           stderr=subprocess.STDOUT)
     got, wanted = comparable(done.stdout.decode("latin-1")), comparable(part.text())
     if not BANNER.match(wanted):
-        got = shorn(got)
+        got = without_banner_and_time(got)
     faults = []
     if got != wanted:
         faults.append("%d: $ %s printed\n%sinstead of\n%s" % (part.number, command, got, wanted))
@@ -134,7 +134,7 @@ def main():
                 commands += part.title.startswith("$ ")
                 faults += run_part(part, folder, environment)
     if not commands:
-        faults.append("there is no example")
+        faults.append("no example found")
     print("\n".join(faults) or "%d commands in %d sections" % (commands, len(found)))
     return 1 if faults else 0
 

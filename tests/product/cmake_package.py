@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Installs the build tree BUILD into a prefix of its own and uses it from firmware projects through
+"""Installs the build tree BUILD into an empty prefix and uses it from firmware projects with
 find_package and tessaron_run_script:  cmake_package.py CMAKE BUILD"""
 import pathlib
 import shutil
@@ -20,7 +20,7 @@ def run(*command, **options):
 
 
 class Project:
-    """A source and a build directory; both have a blank in their names."""
+    """A source and a build directory; the names of both contain a space."""
 
     def __init__(self, root, generator):
         self.source = root / ("source of " + generator)
@@ -51,11 +51,11 @@ class UsesOfThePackage(unittest.TestCase):
         self.assertEqual(done.stdout.count(marker), times, done.stdout)
 
     def assert_refused(self, project, reason, absent):
-        # Twice: a failure that leaves something behind would pass the second time.
+        # Twice, since a failed build that leaves an output would succeed the second time.
         for _ in range(2):
             done = project.build()
             self.assertNotEqual(done.returncode, 0, done.stdout)
-            # CMake breaks long lines of its messages.
+            # CMake wraps long lines of its messages.
             self.assertIn(reason, " ".join(done.stdout.split()))
             self.assertFalse(absent.exists())
 
@@ -90,7 +90,7 @@ class UsesOfThePackage(unittest.TestCase):
             self.assert_built(project, marker, times=0)
 
     def confirm_release(self, project, size):
-        """Has srecord make the same release of the same firmware."""
+        """Compares the release with the one that srecord makes of the same firmware."""
         end = 0x08000000 + size
         firmware = (project.binary / "firmware.hex", "-intel")
         done = run("srec_cat", "(", *firmware, "-fill", "0xFF", "0x08000000", end - 4, ")",
@@ -136,7 +136,7 @@ class UsesOfThePackage(unittest.TestCase):
                 self.assert_refused(project, reason, absent=out)
                 script.write_text(good)
                 self.assert_built(project, "one two;three")
-            # An output of the run before does not count as written by this one.
+            # The output of the previous run must not count as written by this one.
             script.write_text(good.replace("out.bin", "other.bin"))
             self.assert_refused(project, "out.bin was not written", absent=out)
 

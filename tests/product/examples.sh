@@ -1,5 +1,5 @@
 #!/bin/sh
-# Runs the examples with the program $1 in a copy of their folder and has other tools check them.
+# Runs the examples with the program $1 in a copy of their folder and checks them with other tools.
 set -eu
 program=$1
 root=$(cd "$(dirname "$0")/../.." && pwd)
@@ -28,7 +28,7 @@ cd "$work/all-formats"
 srec_cat ../firmware/firmware.hex -intel -fill 0xFF -over ../firmware/firmware.hex -intel \
          -o expected.hex -intel -disable=exec-start-address
 srec_cmp expected.hex -intel flash.hex -intel
-# Each format brings an execution address of its own, or none, so it is the bytes that count.
+# The formats differ in the execution address that they store, so only the bytes are compared.
 srec_cat flash.s37 -motorola -offset -0x08000000 -o s37.bin -binary
 cmp s37.bin flash.bin
 srec_cat expected.hex -intel -offset -0x08000000 -o expected.bin -binary
@@ -39,7 +39,7 @@ objcopy -I ihex -O binary flash.hex objcopy.bin
 cmp objcopy.bin flash.bin
 objcopy -I srec -O binary flash.s37 objcopy.bin
 cmp objcopy.bin flash.bin
-# The byte directives hold the same bytes.
+# The byte directives of the assembler format hold the same bytes.
 sed -n 's/^\t\.byte //p' flash.inc | tr -d ' \n' | sed 's/0x/,/g;s/,,*/ /g' | tr ' ' '\n' |
     grep . | xxd -r -p | cmp - flash.bin
 crc=$(python3 -c "import zlib;print(zlib.crc32(open('flash.bin','rb').read()).to_bytes(4,'little').hex().upper())")
@@ -51,7 +51,7 @@ digest=$(head -c 65504 flash.bin | sha256sum | cut -d ' ' -f 1)
 test "$(tail -c 32 flash.bin | xxd -p -c 32)" = "$digest"
 test "$(head -c 65504 flash.bin | openssl dgst -sha256 -r | cut -d ' ' -f 1)" = "$digest"
 grep -qi "  HashValue: $digest" run.out
-# The bytes under the digest are those of the firmware, gaps filled.
+# The bytes below the digest are those of the firmware with its gaps filled.
 srec_cat ../firmware/firmware.hex -intel -crop 0x08000000 0x0800FFE0 \
          -fill 0xFF 0x08000000 0x0800FFE0 -offset -0x08000000 -o expected.bin -binary
 head -c 65504 flash.bin | cmp - expected.bin

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Makes the packages of the build tree $2 with the cpack $1, installs the Debian package into a root
-# of its own and uses what is there.
+# Builds the packages of the build tree $2 with the cpack $1, installs the Debian package into an
+# empty root and uses the installed files.
 set -eu
 cpack=$1 build=$2
 root=$(cd "$(dirname "$0")/../.." && pwd)
@@ -12,9 +12,9 @@ fail() { echo "$*" >&2; exit 1; }
     { cat "$work/log"; exit 1; }
 deb=$(echo "$work"/*.deb)
 dpkg-deb -I "$deb"
-! dpkg-deb -f "$deb" Depends Pre-Depends Recommends | grep . || fail "the package asks for others"
+! dpkg-deb -f "$deb" Depends Pre-Depends Recommends | grep . || fail "the package has dependencies"
 
-# A root with an empty package database, so dpkg would refuse any dependency.
+# The package database of the root is empty, so dpkg refuses a package with dependencies.
 installed=$work/root
 mkdir -p "$installed/var/lib/dpkg/updates" "$installed/var/lib/dpkg/info"
 : >"$installed/var/lib/dpkg/status"
@@ -24,7 +24,7 @@ else
     dpkg-deb -x "$deb" "$installed"
 fi
 
-# Everything of the tree that users are to have, in the form that it has here.
+# The package must contain the user's files of the source tree, unchanged.
 same() { cmp "$root/$1" "$installed/usr/$2"; }
 cd "$root"
 same docs/cmake.md share/doc/cmdtessaron/cmake.md
@@ -34,10 +34,10 @@ same CHANGELOG.md share/doc/cmdtessaron/CHANGELOG.md
 [ ! -e docs/CmdTessaron.1 ] || same docs/CmdTessaron.1 share/man/man1/CmdTessaron.1
 for file in $(git ls-files examples); do same "$file" "share/doc/cmdtessaron/$file"; done
 for file in $(git ls-files editors); do same "$file" "share/cmdtessaron/$file"; done
-strangers=$(find "$installed/usr" ! -user root -o -perm /022 ! -type l)
-[ -z "$strangers" ] || [ "$(id -u)" != 0 ] || fail "others may write: $strangers"
+unsafe=$(find "$installed/usr" ! -user root -o -perm /022 ! -type l)
+[ -z "$unsafe" ] || [ "$(id -u)" != 0 ] || fail "other users may write: $unsafe"
 
-# The self-test, where nothing else is if the system lets us: the program brings all it needs.
+# The self-test shows that the program needs no other file. It runs in a chroot if that is possible.
 program=$installed/usr/bin/CmdTessaron
 if [ "$(id -u)" = 0 ] && chroot / true 2>/dev/null; then
     mkdir -p "$installed/KvTessaron/__sample_files"
@@ -49,7 +49,7 @@ fi
 grep -q '^ *asserts  *1  *1  *1  *0 ' "$work/out" ||
     { cat "$work/out"; fail "the self-test failed"; }
 
-# A firmware project finds it there.
+# A firmware project finds the installed package.
 cmake -S "$installed/usr/share/doc/cmdtessaron/examples/cmake-firmware" -B "$work/firmware" \
       -DCMAKE_PREFIX_PATH="$installed/usr" >"$work/log"
 cmake --build "$work/firmware" | grep 'CRC-32 in stored order' || fail "the example was not built"

@@ -1,18 +1,18 @@
 #!/usr/bin/env python3
-"""Runs script-level cases: a folder each, with
+"""Runs script-level cases. A case is a folder with
 
-  script.tsn     the script, unless `arguments` names other arguments, one a line
-  expected.out   standard output; the banner and the time are masked, nothing else
+  script.tsn     the script, unless `arguments` holds other arguments, one per line
+  expected.out   standard output; only the banner and the time are masked
   expected.err   standard error, if not empty
   expected.exit  exit code, if not 0
   expected/      files that the run must leave, byte for byte
-  absent         names of files, one a line, that it must not leave
-  prepare.sh     makes inputs that cannot be kept as files (rights, pipes, large files)
-  memory-limit   KiB of address space that the program may use; such a case is left out with
-                 --no-limits, since sanitizers need more
-  check.sh       looks at what the run left; its output must be empty
+  absent         names of files, one per line, that the run must not leave
+  prepare.sh     makes inputs that cannot be kept as files (permissions, pipes, large files)
+  memory-limit   KiB of address space that the program may use; --no-limits skips such a case,
+                 since sanitizers need more
+  check.sh       checks the files that the run left; its output must be empty
 
-The program runs in a copy of the folder. --accept writes what came out as the new expectation.
+The program runs in a copy of the folder. --accept stores the actual output as the new expectation.
 """
 import argparse
 import pathlib
@@ -39,7 +39,7 @@ def lines_of(path, default=()):
 
 
 def run(case, command, work, accept, timeout):
-    """Runs one case and returns what is wrong, a line each."""
+    """Runs one case and returns a list of faults."""
     faults = []
     shutil.copytree(case, work, dirs_exist_ok=True)
     shutil.rmtree(work / "expected", ignore_errors=True)
@@ -75,8 +75,8 @@ def run(case, command, work, accept, timeout):
         if accept and (work / name).exists():
             path.write_bytes((work / name).read_bytes())
         if path.is_file() and text_of(work / name, None) != path.read_bytes():
-            faults.append("file %s differs, or is missing" % name)
-    faults += ["file %s is there" % name for name in lines_of(case / "absent")
+            faults.append("file %s differs or is missing" % name)
+    faults += ["file %s exists" % name for name in lines_of(case / "absent")
                if (work / name).exists()]
     if (case / "check.sh").exists():
         checked = subprocess.run(["sh", "check.sh"], cwd=work, capture_output=True)
@@ -87,7 +87,7 @@ def run(case, command, work, accept, timeout):
 
 def main():
     parser = argparse.ArgumentParser()
-    parser.add_argument("program", help="the command that is tested; may hold options")
+    parser.add_argument("program", help="the command to test; may contain options")
     parser.add_argument("cases", nargs="+", type=pathlib.Path)
     parser.add_argument("--accept", action="store_true")
     parser.add_argument("--no-limits", action="store_true")

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Makes the tables of the self-test anew, with the Python interpreter $1 and the tools of others,
-# and compares them with the files that are compiled into the program.
+# Regenerates the tables of the self-test with the Python interpreter $1 and independent tools, and
+# compares them with the files that are compiled into the program.
 set -eu
 data=$(cd "$(dirname "$0")/../../selftest/data" && pwd)
 made=$(mktemp -d)
@@ -9,6 +9,6 @@ trap 'rm -rf "$made"' EXIT
 cmp "$made/sample_input.hex" "$data/sample_input.hex"
 sh "$data/make_reference.sh" "$data/sample_input.hex" >"$made/reference_output.hex"
 cmp "$made/reference_output.hex" "$data/reference_output.hex"
-# The records also hold for a reader of another school.
+# objcopy, which shares no code with srecord, also accepts the records.
 objcopy -I ihex -O binary "$data/reference_output.hex" "$made/image"
 [ "$(stat -c %s "$made/image")" = 131072 ]

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs `PROGRAM test` from outside: passing, with a damaged reference, without its folder."""
+"""Runs `PROGRAM test` as a user does: unchanged, with a damaged reference, without its folder."""
 import os
 import pathlib
 import re
@@ -12,7 +12,7 @@ import unittest
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
 DATA = pathlib.Path(__file__).resolve().parents[2] / "selftest" / "data"
 REFERENCE = (DATA / "reference_output.hex").read_text()
-# The last sixteen bytes but four are the digest, the last four the CRC as stored in the image.
+# The image ends with the digest (16 bytes) and the CRC (4 bytes).
 LAST_RECORDS = REFERENCE.splitlines()[-3:-1]
 DIGEST = LAST_RECORDS[0][33:41] + LAST_RECORDS[1][9:33]
 CRC_IN_STORED_ORDER = bytes.fromhex(LAST_RECORDS[1][33:41])[::-1].hex().upper()
@@ -38,7 +38,7 @@ class SelfTestRuns(unittest.TestCase):
         return done
 
     def summary(self, text):
-        """The counts of CUnit's summary, a row each."""
+        """The counts in CUnit's summary, by row."""
         self.assertIn("Suite: kv_tessaron_test\n  Test: test_tessaron_all ...\n", text)
         rows = re.findall(r"^ +(suites|tests|asserts) +(.*)$", text, re.MULTILINE)
         return {name: counts.split() for name, counts in rows}
@@ -78,7 +78,7 @@ class SelfTestRuns(unittest.TestCase):
     def test_names_the_line_of_a_changed_byte(self):
         program = PROGRAM.read_bytes()
         lines = REFERENCE.splitlines()
-        # Lines that no other table has: the seam, the digest, the digest's rest and the CRC.
+        # Lines in no other table: the end of the firmware, the digest, and its end with the CRC.
         for number in (3508, 8193, 8194):
             line = lines[number - 1].encode()
             self.assertIn(line, program)

@@ -5,8 +5,8 @@
 
 namespace Util::Crc {
 
-/// The value of one checksum: a CRC least significant byte first, its length the CRC's width in
-/// bytes; a digest as its algorithm emits it.
+/// The value of one checksum: a CRC with its least significant byte first, as many bytes as its
+/// width has, or a digest in the order in which its algorithm emits it.
 using ByteList = std::vector<std::uint8_t>;
 
 }  // namespace Util::Crc

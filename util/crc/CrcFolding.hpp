@@ -8,13 +8,14 @@
 
 #include "util/crc/CrcRegister.hpp"
 
-/// Long data for the polynomial CRCs: all but its last bytes is folded into sixteen bytes that
-/// leave the same remainder, 64 bytes at a time, by carry-less multiplication. V. Gopal et al.,
+/// Polynomial CRCs of long data: all but the last bytes are folded into sixteen bytes that leave
+/// the same remainder, 64 bytes at a time, by carry-less multiplication. V. Gopal et al.,
 /// "Fast CRC Computation for Generic Polynomials Using PCLMULQDQ Instruction", Intel, 2009.
 namespace Util::Crc {
 
-/// The multipliers of one polynomial. To move sixteen bytes on by n bits over the data, each of
-/// their halves is multiplied by a power of x, modulo the polynomial, that has n in its exponent.
+/// The multipliers of one polynomial. Sixteen bytes move forward by n bits if each of their halves
+/// is multiplied by a power of x modulo the polynomial: x^n for the lower half, x^(n + 64) for the
+/// upper one.
 struct Folding {
     using Halves = std::array<std::uint64_t, 2>;
     bool isReflected;
@@ -30,7 +31,7 @@ constexpr std::uint64_t powerOfX(int exponent, Word polynomial) {
     return power;
 }
 
-/// For registers that shift left. The second half of sixteen bytes is the lower one.
+/// For registers that shift left. `Halves` begins with the multiplier of the lower half.
 template <std::unsigned_integral Word>
 constexpr Folding forwardFolding(Word polynomial) {
     const auto halves = [&](int bits) {
@@ -39,8 +40,8 @@ constexpr Folding forwardFolding(Word polynomial) {
     return {false, halves(64 * 8), halves(16 * 8)};
 }
 
-/// For registers that shift right. The first half of sixteen bytes is the lower one, and the
-/// product of reflected numbers comes out one bit too far up.
+/// For registers that shift right. `Halves` begins with the multiplier of the upper half, and each
+/// exponent is one less, since the product of reflected numbers has one factor x too many.
 template <std::unsigned_integral Word>
 constexpr Folding reflectedFolding(Word reflectedPolynomial) {
     const Word polynomial = reflect(reflectedPolynomial);
@@ -64,7 +65,7 @@ bool canFold();
 /// Data shorter than this is not folded.
 inline constexpr std::size_t shortestFolded = 64;
 
-/// Folds `data`, with `start` added to (xored into) its first four bytes, the lowest byte first.
+/// Folds `data` after xoring `start` into its first four bytes, lowest byte first.
 Folded fold(std::span<const std::uint8_t> data, std::uint32_t start, const Folding& folding);
 
 }  // namespace Util::Crc

@@ -25,7 +25,7 @@ constexpr Word reflect(Word word) {
     return reflected;
 }
 
-/// One bit through a register that shifts left.
+/// Shifts a register left by one bit.
 template <std::unsigned_integral Word>
 constexpr Word shiftForward(Word value, Word polynomial) {
     const bool carry = (value >> (widthOf<Word> - 1)) != 0;
@@ -33,7 +33,7 @@ constexpr Word shiftForward(Word value, Word polynomial) {
     return static_cast<Word>(carry ? shifted ^ polynomial : shifted);
 }
 
-/// One bit through a register that shifts right, the polynomial reflected.
+/// Shifts a register right by one bit; the polynomial is reflected.
 template <std::unsigned_integral Word>
 constexpr Word shiftReflected(Word value, Word reflectedPolynomial) {
     const bool carry = (value & 1) != 0;
@@ -41,8 +41,8 @@ constexpr Word shiftReflected(Word value, Word reflectedPolynomial) {
     return static_cast<Word>(carry ? shifted ^ reflectedPolynomial : shifted);
 }
 
-/// Table of a register that shifts left: entry i is i in the top `Bits` bits, shifted out through
-/// the polynomial.
+/// Table for a register that shifts left: entry i is the register after `Bits` shifts, beginning
+/// with i in its top `Bits` bits.
 template <int Bits, std::unsigned_integral Word>
 constexpr std::array<Word, std::size_t{1} << Bits> forwardTable(Word polynomial) {
     std::array<Word, std::size_t{1} << Bits> table{};
@@ -54,8 +54,8 @@ constexpr std::array<Word, std::size_t{1} << Bits> forwardTable(Word polynomial)
     return table;
 }
 
-/// Table of a register that shifts right: entry i is i, shifted out through the reflected
-/// polynomial.
+/// Table for a register that shifts right: entry i is the register after `Bits` shifts, beginning
+/// with i.
 template <int Bits, std::unsigned_integral Word>
 constexpr std::array<Word, std::size_t{1} << Bits> reflectedTable(Word reflectedPolynomial) {
     std::array<Word, std::size_t{1} << Bits> table{};
@@ -67,7 +67,7 @@ constexpr std::array<Word, std::size_t{1} << Bits> reflectedTable(Word reflected
     return table;
 }
 
-/// Two table steps a byte, high nibble first, over a register that shifts left.
+/// Updates a register that shifts left, with two table look-ups per byte, high nibble first.
 template <std::unsigned_integral Word>
 constexpr Word updateForward(Word crc, std::span<const std::uint8_t> data,
                              const std::array<Word, 16>& table) {
@@ -79,7 +79,7 @@ constexpr Word updateForward(Word crc, std::span<const std::uint8_t> data,
     return crc;
 }
 
-/// Two table steps a byte, low nibble first, over a register that shifts right.
+/// Updates a register that shifts right, with two table look-ups per byte, low nibble first.
 template <std::unsigned_integral Word>
 constexpr Word updateReflected(Word crc, std::span<const std::uint8_t> data,
                                const std::array<Word, 16>& table) {
@@ -90,7 +90,7 @@ constexpr Word updateReflected(Word crc, std::span<const std::uint8_t> data,
     return crc;
 }
 
-/// One table step a byte over a register that shifts right.
+/// Updates a register that shifts right, with one table look-up per byte.
 template <std::unsigned_integral Word>
 constexpr Word updateReflected(Word crc, std::span<const std::uint8_t> data,
                                const std::array<Word, 256>& table) {
@@ -99,8 +99,8 @@ constexpr Word updateReflected(Word crc, std::span<const std::uint8_t> data,
     return crc;
 }
 
-/// No table: each byte, its bits reversed if the input is reflected, goes bit by bit through a
-/// register that shifts left.
+/// Updates a register that shifts left, bit by bit, without a table. The bits of each byte are
+/// reversed first if the input is reflected.
 template <bool IsInputReflected, std::unsigned_integral Word>
 constexpr Word updateBitwise(Word crc, std::span<const std::uint8_t> data, Word polynomial) {
     for (const std::uint8_t byte : data) {

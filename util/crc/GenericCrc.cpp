@@ -26,7 +26,7 @@ Word twosComplement(Word value) {
     return static_cast<Word>(Word{0} - value);
 }
 
-/// Sum of big-endian 16-bit words from `start` on; nothing is added for an odd length.
+/// The sum of `start` and the big-endian 16-bit words of `data`. For an odd length it is `start`.
 std::uint16_t wordSum(Bytes data, std::uint16_t start) {
     if (data.size() % 2 != 0) return start;
     std::uint16_t sum = start;
@@ -35,9 +35,9 @@ std::uint16_t wordSum(Bytes data, std::uint16_t start) {
     return sum;
 }
 
-/// Moves the register `crc` on over `data` by `rule`, long data folded first.
+/// Updates the register `crc` with `data` by `rule`. Long data is folded first.
 ///
-/// @param start  what `crc` adds to the first four bytes, the lowest byte first
+/// @param start  the value of `crc` to xor into the first four bytes, lowest byte first
 template <class Word, class Rule>
 Word update(Word crc, Bytes data, const Folding& folding, std::uint32_t start, Rule rule) {
     if (data.size() < shortestFolded || !canFold()) return rule(crc, data);
@@ -47,7 +47,7 @@ Word update(Word crc, Bytes data, const Folding& folding, std::uint32_t start, R
 
 template <const auto& table, class Word>
 Word updateByReflectedTable(Word crc, Bytes data) {
-    // The entry of the highest bit alone is the polynomial.
+    // The entry whose index has only the highest bit set is the polynomial.
     static constexpr Folding folding = reflectedFolding(table[table.size() / 2]);
     return update(crc, data, folding, crc,
                   [](Word value, Bytes bytes) { return updateReflected(value, bytes, table); });
@@ -55,7 +55,7 @@ Word updateByReflectedTable(Word crc, Bytes data) {
 
 template <const auto& table, class Word>
 Word updateByForwardTable(Word crc, Bytes data) {
-    // The entry of the lowest bit alone is the polynomial.
+    // The entry whose index has only the lowest bit set is the polynomial.
     static constexpr Folding folding = forwardFolding(table[1]);
     std::uint32_t start = 0;
     for (int shift = 0; shift < widthOf<Word>; shift += CHAR_BIT)
@@ -109,7 +109,7 @@ std::uint16_t crc16Ccitt(Bytes data, std::uint16_t seed) {
 std::uint16_t crc16IbmSdlc(Bytes data, std::uint16_t seed) {
     static constexpr std::uint16_t polynomial = 0x1021;
     static constexpr Folding folding = reflectedFolding(reflect(polynomial));
-    // The register shifts left and takes reflected bytes: folding sees its mirror.
+    // The register shifts left over reflected bytes, so folding works on its mirror image.
     const std::uint16_t crc =
         update(seed, data, folding, reflect(seed), [](std::uint16_t value, Bytes bytes) {
             return updateBitwise<true>(value, bytes, polynomial);

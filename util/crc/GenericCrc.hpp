@@ -8,28 +8,29 @@
 
 #include "util/crc/ByteList.hpp"
 
-/// The fixed catalogue of checksums: seven polynomial CRCs, seven sums and two readings of bytes as
-/// a number. Nothing here can fail; every input, the empty one too, has a defined value. Bytes pass
-/// in order, first byte first. CRC names in the comments are those of the public CRC catalogue.
+/// The fixed catalogue of checksums: seven polynomial CRCs, seven sums and two interpretations of
+/// bytes as a number. No function fails: every input, even an empty one, has a defined value. Bytes
+/// are processed from first to last. CRC names in the comments are those of the public CRC
+/// catalogue.
 namespace Util::Crc::GenericCrc {
 
 using Bytes = std::span<const std::uint8_t>;
 
-/// Sum of the bytes from `seed` on, wrapping at the width of the result.
+/// The sum of `seed` and the bytes, wrapping at the width of the result.
 std::uint8_t crc8Sum(Bytes data, std::uint8_t seed);
 std::uint16_t crc16Sum(Bytes data, std::uint16_t seed);
 std::uint32_t crc32Sum(Bytes data, std::uint32_t seed);
 
 /// One's complement of the byte sum that starts at the one's complement of `seed`. With seed 0xFF
-/// the record checksum of S-records.
+/// it is the checksum of an S-record.
 std::uint8_t crc8OnesComplementSum(Bytes data, std::uint8_t seed);
 
-/// Two's complement of the byte sum that starts at the two's complement of `seed`. With seed 0 the
-/// record checksum of Intel HEX.
+/// Two's complement of the byte sum that starts at the two's complement of `seed`. With seed 0 it
+/// is the checksum of an Intel HEX record.
 std::uint8_t crc8TwosComplementSum(Bytes data, std::uint8_t seed);
 
-/// The same over big-endian 16-bit words, without end-around carry. An input of odd length adds
-/// nothing at all and yields the seed.
+/// The same sums over big-endian 16-bit words, without end-around carry. An input of odd length
+/// yields the seed.
 std::uint16_t crc16OnesComplementSumBE(Bytes data, std::uint16_t seed);
 std::uint16_t crc16TwosComplementSumBE(Bytes data, std::uint16_t seed);
 
@@ -51,11 +52,11 @@ std::uint32_t crc32Forward(Bytes data, std::uint32_t seed);
 /// Polynomial 0x04C11DB7, reflected, final xor 0xFFFFFFFF; with seed 0xFFFFFFFF CRC-32/ISO-HDLC.
 std::uint32_t crc32Reflected(Bytes data, std::uint32_t seed);
 
-/// The bytes read as a number of four bytes, least significant byte first in the result.
+/// The bytes interpreted as a 32-bit number, least significant byte first in the result.
 ///
 /// @param order  1: the first byte of `data` is the least significant; 2: the last one is
 ///
-/// Bytes beyond four are added on as further four-byte words, modulo 2^32.
+/// More than four bytes are interpreted as several 32-bit numbers, which are added modulo 2^32.
 ByteList interpretBytes(Bytes data, int order);
 
 /// Unsigned word of `Bits` bits: 8, 16 or 32.
@@ -63,7 +64,7 @@ template <int Bits>
 using CrcWord = std::conditional_t<Bits == 8, std::uint8_t,
                                    std::conditional_t<Bits == 16, std::uint16_t, std::uint32_t>>;
 
-/// `value` least significant byte first.
+/// The bytes of `value`, least significant byte first.
 template <class Word>
 ByteList toByteList(Word value) {
     ByteList bytes(sizeof(Word));
@@ -72,16 +73,16 @@ ByteList toByteList(Word value) {
     return bytes;
 }
 
-/// A checksum of `Bits` bits with its parameters built in: construct, `computeCrc`, `toBytes`.
+/// A checksum of `Bits` bits with fixed parameters. `computeCrc` computes it, `toBytes` returns it.
 template <int Bits>
 class genericCrcBase {
 public:
     virtual ~genericCrcBase() = default;
 
-    /// Puts the checksum of `length` bytes at `data` in place of any earlier one.
+    /// Computes the checksum of `length` bytes at `data`. It replaces any earlier one.
     virtual void computeCrc(const void* data, std::size_t length) = 0;
 
-    /// The value, least significant byte first, `Bits / 8` bytes.
+    /// The value in `Bits / 8` bytes, least significant byte first.
     ByteList toBytes() const { return toByteList(crcValue_); }
 
 protected:
@@ -92,7 +93,7 @@ protected:
     CrcWord<Bits> crcValue_ = 0;
 };
 
-/// A class of the catalogue is a calculation and the seed that it starts from.
+/// An entry of the catalogue: a calculation and its seed.
 template <int Bits, auto Calculation, CrcWord<Bits> Seed>
 class SeededCrc : public genericCrcBase<Bits> {
 public:

@@ -4,7 +4,7 @@
 
 namespace kv::crypto::stream::crc {
 
-/// Marks the CRC branch of the library.
+/// The base of all CRCs.
 template <class Result>
 class crc_base : public stream<Result, void> {};
 

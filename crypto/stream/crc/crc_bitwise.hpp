@@ -9,10 +9,10 @@
 
 namespace kv::crypto::stream::crc {
 
-/// A CRC computed bit by bit, its parameters in the terms of the public CRC catalogue.
+/// A CRC computed bit by bit. The parameters are those of the public CRC catalogue.
 ///
-/// The constructor sets no value: `reset` comes first. `finish` turns the register into the final
-/// value in place, so that a second one undoes the first.
+/// The constructor sets no value, so `reset` must be called first. `finish` converts the register
+/// to the final value in place, so a second call undoes the first.
 template <unsigned Width, unsigned short Polynomial, unsigned short Initial,
           unsigned short FinalXor, int ReflectIn, int ReflectOut>
 class crc_bitwise : public crc_base<unsigned short> {
@@ -32,7 +32,7 @@ public:
         return crc_register_;
     }
 
-    /// The present register; before `finish` the unreflected one.
+    /// The register; before `finish` it is not yet reflected.
     unsigned short result() const override { return crc_register_; }
 
 private:

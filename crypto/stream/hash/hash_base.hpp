@@ -12,16 +12,17 @@
 
 namespace kv::crypto::stream::hash {
 
-/// What every block hash shares: the block being collected, the count of message bytes, the feeding
-/// loop. An algorithm adds its initial values, its compression function and the end of its message.
+/// The base of all block hashes. It collects blocks, counts the message bytes and feeds whole
+/// blocks to the compression function. An algorithm adds its initial values, its compression
+/// function and its padding.
 ///
 /// @tparam DigestBits  size of the digest in bits
 /// @tparam StateBits   size of the chaining state in bits
 /// @tparam Word        unsigned word of that state
 /// @tparam BlockBytes  size of a block in bytes
 ///
-/// Between two calls `block_fill` is below `BlockBytes`, and every byte of `block` from
-/// `block_fill` on is 0; the ends of messages rely on it. Construction leaves the state of `reset`.
+/// Between two calls `block_fill_` is below `BlockBytes`, and every byte of `block_` from
+/// `block_fill_` on is 0; the padding relies on it. A new object is in the state that `reset` sets.
 /// After `finish` only `result` and `reset` may be called; this is not checked.
 template <std::size_t DigestBits, std::size_t StateBits, class Word, std::size_t BlockBytes>
 class hash_base : public stream<std::array<unsigned char, DigestBits / 8>, void> {
@@ -37,7 +38,7 @@ public:
     }
 
     void update(const void* data, std::size_t length) override {
-        // The data may be null when there is none.
+        // `data` may be null if `length` is 0.
         if (length == 0) return;
         const auto* bytes = static_cast<const unsigned char*>(data);
         message_length_ += length;
@@ -56,7 +57,7 @@ public:
         block_fill_ += rest;
     }
 
-    /// Compresses `block` into `state`, zeroes all of `block` and sets `block_fill` to 0.
+    /// Compresses `block_` into `state_`, zeroes all of `block_` and sets `block_fill_` to 0.
     virtual void transform() {
         transform_blocks(block_.data(), 1);
         block_.fill(0);
@@ -73,13 +74,13 @@ protected:
     std::array<Word, StateBits / (8 * sizeof(Word))> state_{};
 };
 
-/// The end of a message that MD and SHA families share: a marker bit, zeros, and the length in bits
-/// at the end of the last block.
+/// Passes the length in bits of a message of `message_length` bytes to `put` and sets
+/// `message_length` to 0. The last block of the MD and SHA families ends with this length.
 ///
-/// @param put  stores byte `i` of the length, least significant byte first, into its block
+/// @param put  stores byte `i` of the length in the block; byte 0 is the least significant
 template <std::size_t LengthBits, class Put>
 void put_bit_length(std::uint64_t& message_length, Put put) {
-    // Byte by byte, since the count in bits may have 67 of them.
+    // Byte by byte, since the number of bits may need 67 bits.
     unsigned carry = 0;
     for (std::size_t i = 0; i < LengthBits / 8; ++i) {
         const unsigned bits = static_cast<unsigned>(message_length & 0xFFU) << 3U;

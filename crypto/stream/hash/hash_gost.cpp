@@ -11,7 +11,8 @@ namespace {
 using Words = std::array<std::uint32_t, 8>;
 using Bytes = std::array<unsigned char, 32>;
 
-/// The rows of the parameter set (RFC 4357, section 11.2), that of the lowest nibble first.
+/// The S-boxes of the parameter set (RFC 4357, section 11.2). The first one substitutes the lowest
+/// nibble.
 constexpr std::array<std::array<std::uint32_t, 16>, 8> rows{{
     {10, 4, 5, 6, 8, 1, 3, 7, 13, 12, 14, 0, 9, 2, 11, 15},
     {5, 15, 4, 0, 2, 13, 11, 9, 1, 7, 6, 3, 12, 14, 10, 8},
@@ -66,12 +67,12 @@ void encipher(std::array<Quarter, 4>& quarters, const std::array<Words, 4>& keys
     for (std::size_t i = 0; i < q.size(); ++i) quarters[i] = {q[i].high, q[i].low};
 }
 
-/// The transformation A: y1 + y2 + y3 + y4 becomes (y1 xor y2) in front of y4, y3, y2.
+/// The transformation A: y4 || y3 || y2 || y1 becomes (y1 xor y2) || y4 || y3 || y2.
 Words transformation_a(const Words& y) {
     return {y[2], y[3], y[4], y[5], y[6], y[7], y[0] ^ y[2], y[1] ^ y[3]};
 }
 
-/// The transformation P: byte 8 i + k of the argument becomes byte i + 4 k, i from 0 to 3.
+/// The transformation P: byte 8 i + k of the argument becomes byte i + 4 k for i from 0 to 3.
 Words transformation_p(const Words& w) {
     Words key{};
     for (std::size_t k = 0; k < 8; ++k)

@@ -21,7 +21,7 @@ private:
     /// Eight words, the first one least significant.
     using Words = std::array<std::uint32_t, 8>;
 
-    /// The step function of the standard: replaces `state` by that of `state` and `m`.
+    /// The step function of the standard: replaces `state_` by chi(`m`, `state_`).
     void compress(const Words& m);
 
     Words control_sum_{};

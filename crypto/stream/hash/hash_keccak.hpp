@@ -6,7 +6,7 @@
 namespace kv::crypto::stream::hash {
 
 /// The sponge: whole blocks are xored into the state, and one padded block ends the message. The
-/// digest is never longer than a block, so nothing has to be squeezed out of further permutations.
+/// digest is never longer than a block, so one squeeze without a further permutation yields it.
 template <std::size_t DigestBits, std::size_t StateBits>
 class hash_keccak_base : public hash_base<DigestBits, StateBits, unsigned long long,
                                           StateBits / 8 - 2 * DigestBits / 8> {
@@ -26,11 +26,11 @@ public:
         return digest;
     }
 
-    /// Appends the padding to the contents of `block`.
+    /// Appends the padding to the contents of `block_`.
     virtual void pad() = 0;
 };
 
-/// Keccak-f[1600] and the padding that begins with the byte `Suffix`.
+/// Keccak with the permutation Keccak-f[1600]. The padding begins with the byte `Suffix`.
 template <std::size_t DigestBits, unsigned char Suffix>
 class hash_keccak_f_1600_base : public hash_keccak_base<DigestBits, 1600> {
 public:

@@ -19,8 +19,8 @@ Words little_endian_words(const unsigned char* block) {
     return words;
 }
 
-/// The registers of MD4 and MD5. A step writes a and then turns the names by one: a becomes d, d
-/// becomes c. With the step known at compile time the names cost nothing.
+/// The registers of MD4 and MD5. A step writes a, and then the names rotate by one: a becomes d, d
+/// becomes c. The step is a compile-time constant, so the renaming costs no instruction.
 struct Registers {
     std::array<std::uint32_t, 4> r;
 
@@ -30,7 +30,7 @@ struct Registers {
     }
 };
 
-/// Runs `step` for the steps 0 to `Count` - 1, each with its number as a constant.
+/// Calls `step` for the steps 0 to `Count` - 1, with the number as a compile-time constant.
 template <std::size_t Count, class Step>
 [[gnu::always_inline]] inline void run_steps(Step step) {
     [&]<std::size_t... steps>(std::index_sequence<steps...>) {
@@ -61,15 +61,15 @@ template <std::size_t Step>
     if constexpr (round == 0)
         a += d ^ (b & (c ^ d));
     else if constexpr (round == 1)
-        // The two parts of the majority have no bit in common, so that they may be added, and only
-        // one of them waits for the newest register.
+        // The two terms of the majority have no bit in common, so they may be added. Only one of
+        // them then depends on the newest register, b.
         a += (c & d) + (b & (c ^ d));
     else
         a += b ^ (c ^ d);
     a = std::rotl(a, md4Shifts[round][Step % 4]);
 }
 
-// RFC 1321, section 3.4. The constants are the published table: 4294967296 times |sin(i)|.
+// RFC 1321, section 3.4. The constants are its table: the integer part of 4294967296 |sin(i)|.
 
 constexpr std::array<std::uint32_t, 64> md5Sines{
     0xD76AA478, 0xE8C7B756, 0x242070DB, 0xC1BDCEEE, 0xF57C0FAF, 0x4787C62A, 0xA8304613, 0xFD469501,
@@ -100,7 +100,7 @@ template <std::size_t Step>
     if constexpr (round == 0) {
         a += d ^ (b & (c ^ d));
     } else if constexpr (round == 1) {
-        // Two parts without a common bit: the first need not wait for the newest register.
+        // The terms have no bit in common, and the first does not depend on the newest register, b.
         a += c & ~d;
         a += b & d;
     } else if constexpr (round == 2) {
@@ -135,7 +135,7 @@ void hash_md5::transform_blocks(const unsigned char* blocks, std::size_t count) 
 
 namespace {
 
-/// RFC 1319, section 3.2: a permutation of 0 to 255 made from the digits of pi.
+/// RFC 1319, section 3.2: a permutation of 0 to 255 derived from the digits of pi.
 constexpr std::array<unsigned char, 256> PI_SUBST{
     41,  46,  67,  201, 162, 216, 124, 1,   61,  54,  84,  161, 236, 240, 6,   19,  98,  167, 5,
     243, 192, 199, 115, 140, 152, 147, 43,  217, 188, 76,  130, 202, 30,  155, 87,  60,  253, 212,

@@ -10,8 +10,8 @@ namespace kv::crypto::stream::hash {
 inline constexpr std::array<std::uint32_t, 4> md_initial_words{0x67452301, 0xEFCDAB89, 0x98BADCFE,
                                                                0x10325476};
 
-/// The end of the message in the MD family: a length field of `LengthBits` bits, least significant
-/// byte first, and the digest from the words of the state in the same order.
+/// The base of the MD family. The padding ends with a length field of `LengthBits` bits, least
+/// significant byte first. The digest consists of the words of the state in the same byte order.
 template <std::size_t DigestBits, std::size_t StateBits, class Word, std::size_t BlockBytes,
           std::size_t LengthBits>
 class hash_md_base : public hash_base<DigestBits, StateBits, Word, BlockBytes> {
@@ -66,8 +66,8 @@ protected:
     void transform_blocks(const unsigned char* blocks, std::size_t count) override;
 };
 
-/// MD2, RFC 1319. It has no length field: the message is filled up to whole blocks, and the running
-/// checksum is its last block.
+/// MD2, RFC 1319. It has no length field: the message is padded to whole blocks, and a running
+/// checksum is appended as the last block.
 class hash_md2 : public hash_base<128, 384, unsigned char, 16> {
 public:
     void reset() override;

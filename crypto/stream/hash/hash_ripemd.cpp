@@ -13,10 +13,10 @@ constexpr std::size_t rounds = 5;
 using Words = std::array<std::uint32_t, wordsInBlock>;
 using Order = std::array<std::size_t, wordsInBlock>;
 
-/// The permutation rho of the message words; its powers are the orders of the rounds.
+/// The permutation rho of the message words. The orders of the rounds are its powers.
 constexpr Order rho{7, 4, 13, 1, 10, 6, 15, 3, 12, 0, 9, 5, 2, 14, 11, 8};
 
-/// The orders of a line: the first one, then rho applied again and again.
+/// The orders of the rounds of a line: `order` first, and rho applied once more for each round.
 constexpr std::array<Order, rounds> orders_from(Order order) {
     std::array<Order, rounds> orders{};
     for (Order& next : orders) {
@@ -41,7 +41,7 @@ constexpr std::array<Order, rounds> rightOrders = [] {
 
 static_assert(leftOrders[4][0] == 4 && rightOrders[4][0] == 12);
 
-/// Rotation of a message word in each round, in both lines.
+/// The rotation for each message word in each round. Both lines use the same ones.
 constexpr std::array<std::array<int, wordsInBlock>, rounds> rotations{
     {{11, 14, 15, 12, 5, 8, 7, 9, 11, 13, 14, 15, 6, 7, 9, 8},
      {12, 13, 11, 15, 6, 9, 9, 7, 12, 15, 11, 13, 7, 8, 7, 7},
@@ -49,7 +49,8 @@ constexpr std::array<std::array<int, wordsInBlock>, rounds> rotations{
      {14, 11, 12, 14, 8, 6, 5, 5, 15, 12, 15, 14, 9, 9, 8, 6},
      {15, 12, 13, 13, 9, 5, 8, 6, 14, 11, 12, 11, 8, 6, 5, 5}}};
 
-/// 2^30 times the square roots and the cube roots of the first primes; none where a line is 0.
+/// 2^30 times the square roots (left) and the cube roots (right) of the first primes. A round with
+/// the constant 0 has none.
 constexpr std::array<std::uint32_t, rounds> leftConstants{
     0, root_times_2_to_30(2, 2), root_times_2_to_30(3, 2), root_times_2_to_30(5, 2),
     root_times_2_to_30(7, 2)};
@@ -74,7 +75,8 @@ template <std::size_t Function>
         return x ^ (y | ~z);
 }
 
-/// The registers of a line, in fixed places: each step writes the one before the last written.
+/// The registers of a line. They stay in place and their names rotate: each step writes the
+/// register before the one that the previous step wrote.
 template <std::size_t Size>
 using Line = std::array<std::uint32_t, Size>;
 
@@ -87,7 +89,7 @@ template <std::size_t Step, bool IsLeft, std::size_t Size>
 [[gnu::always_inline]] inline void step_line(Line<Size>& line, const Words& x) {
     constexpr std::size_t round = Step / wordsInBlock;
     constexpr std::size_t lineRounds = Size;
-    // The right line takes the functions from the last to the first.
+    // The right line uses the functions in reverse order.
     constexpr std::size_t function = IsLeft ? round : lineRounds - 1 - round;
     constexpr std::size_t word = (IsLeft ? leftOrders : rightOrders)[round][Step % wordsInBlock];
     // The last round of the right line has no constant, whatever the number of rounds.
@@ -121,7 +123,7 @@ template <auto SwapWords, std::size_t Size, std::size_t... steps>
     (step_both<SwapWords, steps>(left, right, x), ...);
 }
 
-/// The compression function of one layer over `count` blocks. `Size` registers make a line.
+/// The compression function over `count` blocks, with `Size` registers in each line.
 template <std::size_t Size, bool HasTwoHalves, auto SwapWords, class State>
 void compress_lines(State& state, const unsigned char* blocks, std::size_t count) {
     constexpr std::size_t rightStart = HasTwoHalves ? Size : 0;
@@ -141,7 +143,7 @@ void compress_lines(State& state, const unsigned char* blocks, std::size_t count
                 state[i] = old[i] + left[i];
                 state[Size + i] = old[Size + i] + right[i];
             } else {
-                // Each word from the next one, the left line from one place on, the right from two.
+                // The old state and the two lines are added at offsets of 1, 2 and 3 words.
                 state[i] = old[(i + 1) % Size] + left[(i + 2) % Size] + right[(i + 3) % Size];
             }
         }

@@ -8,7 +8,7 @@
 /// 1996, with its variants of 128, 256 and 320 bits.
 namespace kv::crypto::stream::hash {
 
-/// What the four variants share: two lines of rounds over the same block, and the hook between the
+/// The base of the four variants: two lines of rounds over the same block, and a hook between the
 /// rounds. The 256-bit and 320-bit variants are the 128-bit and 160-bit ones with a second chaining
 /// half, whose lines exchange a register after every round.
 template <std::size_t Bits>

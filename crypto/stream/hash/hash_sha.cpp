@@ -7,7 +7,7 @@ namespace kv::crypto::stream::hash {
 
 namespace {
 
-/// Fractions of the square roots of the first eight primes and of the next eight.
+/// Fractional parts of the square roots of the first eight primes and of the next eight.
 constexpr auto firstFractions = prime_root_fractions<2, 0>(std::make_index_sequence<8>());
 constexpr auto secondFractions = prime_root_fractions<2, 8>(std::make_index_sequence<8>());
 static_assert(firstFractions[0] == 0x6A09E667F3BCC908 && secondFractions[0] == 0xCBBB9D5DC1059ED8);
@@ -55,7 +55,7 @@ void hash_sha224::reset() {
 }
 
 void hash_sha224::set_initial_words() {
-    // The second 32 bits of the fractions of SHA-384.
+    // The initial words of SHA-224 are the low halves of those of SHA-384.
     std::ranges::transform(secondFractions, state_.begin(), [](std::uint64_t fraction) {
         return static_cast<std::uint32_t>(fraction);
     });

@@ -7,8 +7,9 @@
 /// SHA-1 and SHA-2, FIPS 180-4.
 namespace kv::crypto::stream::hash {
 
-/// The end of the message in the SHA family: a length field of `LengthBits` bits, most significant
-/// byte first, and the digest from the first words of the state in the same order.
+/// The base of the SHA family. The padding ends with a length field of `LengthBits` bits, most
+/// significant byte first. The digest consists of the first words of the state in the same byte
+/// order.
 template <std::size_t DigestBits, std::size_t StateBits, class Word, std::size_t BlockBytes,
           std::size_t LengthBits>
 class hash_sha_base : public hash_base<DigestBits, StateBits, Word, BlockBytes> {

@@ -12,8 +12,8 @@ using Lane = unsigned long long;
 using Row = std::array<Lane, 5>;
 constexpr int rounds = 24;
 
-/// Round constants of iota: bit 2^j - 1 of constant r is the output 7 r + j of the feedback shift
-/// register x^8 + x^6 + x^5 + x^4 + 1. FIPS 202, section 3.2.5.
+/// Round constants of iota: bit 2^j - 1 of constant r is output 7 r + j of the linear feedback
+/// shift register with the polynomial x^8 + x^6 + x^5 + x^4 + 1. FIPS 202, section 3.2.5.
 constexpr std::array<Lane, rounds> roundConstants = [] {
     std::array<Lane, rounds> constants{};
     unsigned shiftRegister = 1;
@@ -27,8 +27,8 @@ constexpr std::array<Lane, rounds> roundConstants = [] {
 }();
 static_assert(roundConstants[0] == 1 && roundConstants[23] == 0x8000000080008008);
 
-/// Where rho and pi take each lane, and by how much it turns on the way: step t of the walk that
-/// begins at lane (1, 0) turns by (t + 1)(t + 2) / 2. FIPS 202, sections 3.2.2 and 3.2.3.
+/// The source lane and the rotation that rho and pi give a lane: step t of the walk that begins at
+/// lane (1, 0) rotates by (t + 1)(t + 2) / 2. FIPS 202, sections 3.2.2 and 3.2.3.
 struct Move {
     std::size_t from = 0;
     int rotation = 0;
@@ -47,8 +47,8 @@ constexpr std::array<Move, 25> moves = [] {
     return table;
 }();
 
-/// One round from `a` into `out`. `parity` holds the parities of the columns of `a` and then those
-/// of `out`, gathered while its lanes are still in registers.
+/// One round from `a` to `out`. `parity` holds the column parities of `a` on entry and those of
+/// `out` on return; they are computed while the lanes are still in CPU registers.
 [[gnu::always_inline]] inline void permute_round(const keccak_lanes& a, keccak_lanes& out,
                                                  Row& parity, Lane constant) {
     Row theta;

@@ -3,13 +3,13 @@
 #include <array>
 #include <cstddef>
 
-/// Whole blocks through the permutation Keccak-f[1600], FIPS 202 section 3.
+/// Absorbing whole blocks with the permutation Keccak-f[1600], FIPS 202 section 3.
 namespace kv::crypto::stream::hash {
 
 using keccak_lanes = std::array<unsigned long long, 25>;
 
-/// Each of the `count` blocks of `rate` bytes is xored into the first lanes, which are then
-/// permuted.
+/// Xors each of the `count` blocks of `rate` bytes into the first lanes, and permutes the lanes
+/// after each block.
 void keccak_absorb_portable(keccak_lanes& lanes, std::size_t rate, const unsigned char* blocks,
                             std::size_t count);
 

@@ -6,11 +6,11 @@
 #include <utility>
 
 /// Square and cube roots as fixed-point numbers, from which several standards take their constants.
-/// Computed in whole numbers, bit by bit, so that every digit is exact.
+/// They are computed with integers, bit by bit, so every digit is exact.
 namespace kv::crypto::stream::hash {
 
-/// A non-negative whole number, least significant limb first; wide enough for the cube of a root
-/// with 64 fractional bits.
+/// A non-negative integer, least significant limb first, wide enough for the cube of a root with 64
+/// fractional bits.
 using Limbs = std::array<std::uint32_t, 7>;
 
 constexpr Limbs product(const Limbs& left, const Limbs& right) {
@@ -34,8 +34,8 @@ constexpr bool is_at_most(const Limbs& left, const Limbs& right) {
     return true;
 }
 
-/// The fraction of the root of degree 2 or 3 of `number`, 64 bits of it, rounded down; the root
-/// itself is below 8.
+/// The first 64 bits of the fractional part of the root of degree 2 or 3 of `number`, rounded down.
+/// The root must be below 8.
 constexpr std::uint64_t fixed_root(std::uint32_t number, int degree) {
     constexpr std::size_t fractionLimbs = 2;
     constexpr unsigned highestBit = 67;
@@ -52,10 +52,10 @@ constexpr std::uint64_t fixed_root(std::uint32_t number, int degree) {
     return std::uint64_t{root[1]} << 32U | root[0];
 }
 
-/// The first 32 bits of the fraction of a square root times 2^30: the round constants of MD4,
-/// SHA-1 and the left line of RIPEMD, and with degree 3 of its right line.
+/// 2^30 times the root of degree 2 or 3 of `number`, rounded down. Square roots are the round
+/// constants of MD4, SHA-1 and the left line of RIPEMD, cube roots those of its right line.
 constexpr std::uint32_t root_times_2_to_30(std::uint32_t number, int degree) {
-    // 2^30 r = sqrt(2^60 n) = sqrt(n) with 30 fractional bits; whole part and fraction together.
+    // The largest r with r^degree <= number * 2^(30 * degree).
     constexpr unsigned fractionBits = 30;
     std::uint64_t root = 0;
     for (unsigned bit = 32; bit-- > 0;) {
@@ -89,13 +89,13 @@ constexpr std::array<std::uint32_t, Count> first_primes() {
     return primes;
 }
 
-/// `fixed_root` of prime number `Index`, counted from 0. A constant of its own for each, since
-/// compilers bound the work that may go into one.
+/// `fixed_root` of prime number `Index`, counted from 0. Each is a separate constant, since
+/// compilers limit the work of one constant expression.
 template <std::size_t Index, int Degree>
 inline constexpr std::uint64_t prime_root_fraction = fixed_root(first_primes<Index + 1>()[Index],
                                                                 Degree);
 
-/// `fixed_root` of `sizeof...(indices)` primes from number `First` on.
+/// `fixed_root` of `sizeof...(indices)` primes, beginning with prime number `First`.
 template <int Degree, std::size_t First, std::size_t... indices>
 constexpr auto prime_root_fractions(std::index_sequence<indices...> /*numbers*/) {
     return std::array{prime_root_fraction<First + indices, Degree>...};

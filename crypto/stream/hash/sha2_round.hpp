@@ -8,8 +8,8 @@
 
 #include "crypto/stream/hash/roots.hpp"
 
-/// A round of SHA-2. SHA-256 and SHA-512 differ in the word, the rotations, the constants and the
-/// number of rounds. FIPS 180-4, sections 4.1.2, 4.1.3, 4.2.2, 4.2.3, 6.2.2 and 6.4.2.
+/// A round of SHA-2. SHA-256 and SHA-512 differ in the word type, the rotations, the constants and
+/// the number of rounds. FIPS 180-4, sections 4.1.2, 4.1.3, 4.2.2, 4.2.3, 6.2.2 and 6.4.2.
 namespace kv::crypto::stream::hash {
 
 template <class Word>
@@ -18,7 +18,7 @@ struct Sha2;
 template <>
 struct Sha2<std::uint32_t> {
     static constexpr std::size_t rounds = 64;
-    /// The first 32 bits of the fractions of the cube roots of the first primes.
+    /// The first 32 bits of the fractional parts of the cube roots of the first primes.
     static constexpr std::array<std::uint32_t, rounds> constants = [] {
         std::array<std::uint32_t, rounds> words{};
         const auto fractions = prime_root_fractions<3, 0>(std::make_index_sequence<rounds>());
@@ -45,7 +45,7 @@ static_assert(Sha2<std::uint32_t>::constants[0] == 0x428A2F98 &&
 template <>
 struct Sha2<unsigned long long> {
     static constexpr std::size_t rounds = 80;
-    /// The first 64 bits of the fractions of the cube roots of the first primes.
+    /// The first 64 bits of the fractional parts of the cube roots of the first primes.
     static constexpr std::array<std::uint64_t, rounds> constants =
         prime_root_fractions<3, 0>(std::make_index_sequence<rounds>());
     static unsigned long long sum_a(unsigned long long x) {
@@ -64,10 +64,10 @@ struct Sha2<unsigned long long> {
 static_assert(Sha2<unsigned long long>::constants[0] == 0x428A2F98D728AE22 &&
               Sha2<unsigned long long>::constants[79] == 0x6C44198C4A475817);
 
-/// Round `Round` with the sum of its message word and its constant.
+/// Round `Round`. `word_and_constant` is the sum of its message word and its constant.
 template <std::size_t Round, class Word>
 [[gnu::always_inline]] inline void sha2_round(std::array<Word, 8>& r, Word word_and_constant) {
-    // The names of the registers turn by one with every round.
+    // The names of the registers rotate by one with every round.
     constexpr std::size_t size = 8;
     const auto at = [&r](std::size_t name) -> Word& {
         return r[(size + name - Round % size) % size];
@@ -79,9 +79,9 @@ template <std::size_t Round, class Word>
     const Word f = at(5);
     const Word g = at(6);
     Word& h = at(7);
-    // The two parts of the choice, and those of the majority, have no bit in common, so that they
-    // may be added, and as little as possible waits for the newest registers, a and e. The order is
-    // the one of which g++ 12 makes most.
+    // The two terms of the choice have no bit in common, nor have those of the majority. So they
+    // may be added, and few operations depend on the newest registers, a and e. g++ 12 generates
+    // the fastest code for this order.
     h += word_and_constant;
     h += e & f;
     h += ~e & g;

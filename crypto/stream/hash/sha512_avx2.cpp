@@ -52,7 +52,7 @@ TESSARON_AVX2 [[gnu::always_inline]] inline void put_pair(Schedule& schedule, st
     asm("" : "+m"(schedule[pair]));
 }
 
-/// The words of both blocks into `w`, as pairs, and into the schedule.
+/// Loads the words of both blocks into `w`, as pairs, and into the schedule.
 TESSARON_AVX2 [[gnu::always_inline]] inline void load_blocks(__m256i (&w)[pairsInBlock],
                                                              Schedule& schedule,
                                                              const unsigned char* first,
@@ -68,7 +68,7 @@ TESSARON_AVX2 [[gnu::always_inline]] inline void load_blocks(__m256i (&w)[pairsI
     }
 }
 
-/// Two rounds of the first block, and the words of both blocks sixteen rounds on.
+/// Computes two rounds of the first block, and the words of both blocks for sixteen rounds later.
 template <std::size_t Pair>
 TESSARON_AVX2 [[gnu::always_inline]] inline void first_block_pair(sha512_state& r,
                                                                   __m256i (&w)[pairsInBlock],

@@ -34,14 +34,14 @@ TESSARON_SHA inline void store(void* place, __m128i words) {
     _mm_storeu_si128(static_cast<__m128i*>(place), words);
 }
 
-/// The sixteen words of a block, their bytes put in order.
+/// Loads the sixteen words of a block. `order` is the shuffle that puts their bytes in order.
 TESSARON_SHA inline void load_words(__m128i (&w)[4], const unsigned char* block, __m128i order) {
     for (std::size_t i = 0; i < 4; ++i)
         w[i] = _mm_shuffle_epi8(load(block + sizeof(__m128i) * i), order);
 }
 
-/// Four rounds of SHA-1 from round 4 * `Group` on, for which `e` has its words already. Meanwhile
-/// the words of these rounds go into those of the next three groups.
+/// Computes four rounds of SHA-1, beginning with round 4 * `Group`. On entry `e` includes their
+/// message words. The function also mixes these words into those of the next three groups.
 template <int Group>
 TESSARON_SHA inline void sha1_group(__m128i& abcd, __m128i& e, __m128i (&w)[4], __m128i old_e) {
     constexpr int lastGroup = 19;
@@ -50,9 +50,9 @@ TESSARON_SHA inline void sha1_group(__m128i& abcd, __m128i& e, __m128i (&w)[4], 
     __m128i& second = w[(Group + 2) % 4];
     __m128i& third = w[(Group + 3) % 4];
     if constexpr (Group >= 3 && Group + 1 <= lastGroup) first = _mm_sha1msg2_epu32(first, words);
-    // The rounds wait for nothing but `abcd`: they shall work in its register and leave the copy to
-    // the rest. Without a hint the compiler has it the other way round, which costs 2 % of the
-    // time.
+    // `abcd` is on the critical path, so the rounds should work in its register, and the other
+    // instructions on the copy. Without this hint the compiler does the reverse, which costs 2 % of
+    // the time.
     __m128i copy = abcd;
     asm("" : "+x"(copy));
     abcd = _mm_sha1rnds4_epu32(abcd, e, Group / 5);
@@ -67,7 +67,8 @@ TESSARON_SHA inline void sha1_rounds(__m128i& abcd, __m128i& e, __m128i (&w)[4],
     (sha1_group<groups>(abcd, e, w, old_e), ...);
 }
 
-/// Four rounds of SHA-256 from round 4 * `Group` on, and the message words of group + 4.
+/// Computes four rounds of SHA-256, beginning with round 4 * `Group`, and the message words of
+/// group `Group` + 4.
 template <int Group>
 TESSARON_SHA inline void sha256_group(__m128i& abef, __m128i& cdgh, __m128i (&w)[4]) {
     constexpr int now = Group % 4;
@@ -120,7 +121,7 @@ TESSARON_SHA void sha256_blocks_extensions(sha256_state& state, const unsigned c
                                            std::size_t count) {
     constexpr std::size_t blockBytes = 64;
     const __m128i order = _mm_set_epi64x(0x0C0D0E0F08090A0B, 0x0405060700010203);
-    // The instructions keep the registers as a b e f and c d g h, highest word first.
+    // The instructions expect the registers as a b e f and c d g h, highest word first.
     const __m128i cdab = _mm_shuffle_epi32(load(state.data()), 0xB1);
     const __m128i efgh = _mm_shuffle_epi32(load(state.data() + 4), 0x1B);
     __m128i abef = _mm_alignr_epi8(cdab, efgh, 8);

@@ -30,7 +30,7 @@ template <std::size_t Round>
                                               const unsigned char* block) {
     constexpr std::array<std::uint32_t, 4> primes{2, 3, 5, 10};
     constexpr std::uint32_t constant = root_times_2_to_30(primes[Round / 20], 2);
-    // The names of the registers turn by one with every round.
+    // The names of the registers rotate by one with every round.
     constexpr std::size_t size = 5;
     const std::uint32_t a = r[(size - Round % size) % size];
     std::uint32_t& b = r[(size + 1 - Round % size) % size];

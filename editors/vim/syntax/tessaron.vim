@@ -11,7 +11,7 @@ set cpo&vim
 
 syntax case match
 syntax sync fromstart
-" The characters of a name, so that \< in front of a keyword is where no name goes on.
+" The characters of a name, so that \< before a keyword does not match inside a name.
 syntax iskeyword 48-57,65-90,97-122,35,@-@,95,45,33,60,62,38
 
 " Where two items match at one place, Vim takes the one that is defined last.
