@@ -1,0 +1,72 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "parser/commands/CmdCallApp.hpp"
+#include "parser/commands/CmdFillBuffer.hpp"
+#include "parser/commands/CmdNewBuffer.hpp"
+#include "parser/commands/CmdNewCrc.hpp"
+#include "parser/commands/CmdPrintBuffer.hpp"
+#include "parser/commands/CmdPrintCrc.hpp"
+#include "parser/commands/CmdPrintHash.hpp"
+#include "parser/commands/CmdPrintText.hpp"
+#include "parser/commands/CmdWriteFile.hpp"
+#include "tests/ExpectedFacts.hpp"
+
+namespace {
+
+using namespace Parser::WrapperLib;
+using Facts::NameKind;
+
+template <class Command, class... Arguments>
+std::unique_ptr<CmdApi> make(const std::function<void(Command&)>& set, Arguments... arguments) {
+    auto command = std::make_unique<Command>(arguments...);
+    set(*command);
+    return command;
+}
+
+struct Row {
+    NameKind kind;
+    std::unique_ptr<CmdApi> statement;
+};
+
+TEST(StatementTest, AMissingNameFailsTheStatementAndChangesNothing) {
+    const Row rows[] = {
+        {NameKind::Buffer, make<CmdNewBuffer>([](auto& c) {
+             c.addSourceBuffer("B");
+             c.addSourceBuffer("X");
+         })},
+        {NameKind::Buffer, make<CmdFillBuffer>([](auto& c) { c.setBufferName("X"); })},
+        {NameKind::Crc, make<CmdFillBuffer>([](auto& c) {
+             c.setBufferName("B");
+             c.setFillCrc("X");
+         })},
+        {NameKind::Hash, make<CmdFillBuffer>([](auto& c) {
+             c.setBufferName("B");
+             c.setFillHash("X");
+         })},
+        {NameKind::Buffer, make<CmdNewCrc>([](auto& c) {
+             c.addFromBuffer("B");
+             c.addFromBuffer("X");
+         })},
+        {NameKind::Buffer, make<CmdWriteFile>([](auto& c) { c.addBuffer("X"); })},
+        {NameKind::Buffer, make<CmdPrintBuffer>([](auto& c) { c.setBufferName("X"); })},
+        {NameKind::Crc, make<CmdPrintCrc>([](auto& c) { c.setCrcName("X"); })},
+        {NameKind::Hash, make<CmdPrintHash>([](auto& c) { c.setHashName("X"); })},
+        {NameKind::Symbol,
+         make<CmdPrintText>([](auto& c) { c.addSymbol("X"); }, TextCalculator{nullptr})},
+        {NameKind::Symbol, make<CmdCallApp>([](auto& c) { c.addSymbol("X"); })},
+    };
+    for (const Row& row : rows) {
+        CmdContext context;
+        context.buffers.try_emplace("B", 0, 4);
+        const Tests::ExpectedFacts expected({Facts::NameNotFound{row.kind, "X"}});
+        EXPECT_FALSE(row.statement->execute(context)) << row.statement->getCmdType();
+        EXPECT_EQ(context.buffers.size() + context.crcs.size() + context.hashes.size(), 1U);
+        EXPECT_EQ(context.buffers.at("B").viewElements().written(0, 4), 0U);
+    }
+}
+
+}  // namespace
