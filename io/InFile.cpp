@@ -1,5 +1,7 @@
 #include "io/InFile.hpp"
 
+#include <utility>
+
 #include "facts/Listener.hpp"
 #include "io/TextLines.hpp"
 
@@ -24,6 +26,12 @@ Platform::InputFile openInput(const std::string& path) {
 
 void TextInFile::close(const TextLines& lines) const {
     judge(lines.reading(), fileName_);
+}
+
+BinaryInFile::BinaryInFile(const std::string& path, Platform::InputFile file)
+    : File(path), file_(std::move(file)) {
+    // Of an empty file nothing is read later.
+    if (file_.size() == 0) judge(file_.reading(), fileName_);
 }
 
 std::size_t BinaryInFile::read(std::uint64_t start, std::span<std::uint8_t> out) const {

@@ -36,8 +36,7 @@ public:
     explicit BinaryInFile(const std::string& path) : BinaryInFile(path, openInput(path)) {}
 
     /// The file `path` has been opened already.
-    BinaryInFile(const std::string& path, Platform::InputFile file)
-        : File(path), file_(std::move(file)) {}
+    BinaryInFile(const std::string& path, Platform::InputFile file);
 
 protected:
     std::uint64_t fileSize() const { return file_.size(); }

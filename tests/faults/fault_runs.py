@@ -303,6 +303,13 @@ class Injected(Faults):
             self.check_beginning("m.hex", self.whole)
             self.check_three()
 
+    def test_a_device_that_fails(self):
+        prefix = ("strace", "--quiet=path-resolution", "-o", "/dev/null", "-P", "/dev/null", "-e",
+                  "inject=read:error=EIO")
+        self.check("NEW_BUFFER B FROM_FILE_BINARY /dev/null\n" + THREE + WRITE_A, "",
+                   NOT_READ % "/dev/null", prefix=prefix)
+        self.check_three()
+
     def check_input(self, source, what, image, errors="", printed=""):
         self.check("NEW_BUFFER B %s in.hex\nWRITE_FILE b.bin WITH_BUFFERS {B} -setFormat=RawBinary\n"
                    % source + THREE + WRITE_A, printed, errors, prefix=self.inject("in.hex", what))
