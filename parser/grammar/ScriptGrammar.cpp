@@ -3,8 +3,10 @@
 #include <boost/bind/bind.hpp>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
+#include "parser/grammar/Keywords.hpp"
 #include "parser/grammar/Statements.hpp"
 
 namespace Parser {
@@ -117,6 +119,12 @@ ScriptRules::ScriptRules(ParserState& state) : CommonRules(state) {
                    ws >> ch_p('[') >> ws >>
                    *value[takingValue(state, &StatementBuilder::collectValue)] >> ws >> ch_p(']') >>
                    ws >> *(anychar_p - ch_p(']'));
+}
+
+std::vector<std::string> keywords() {
+    ParserState state(nullptr);
+    const ScriptRules rules(state);
+    return {rules.keywords.begin(), rules.keywords.end()};
 }
 
 }  // namespace Parser
