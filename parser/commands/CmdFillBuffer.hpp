@@ -32,6 +32,10 @@ public:
     void setByteOrder(Buffer::ByteOrder order) { byteOrder_ = order; }
     void addArea(const Area& area) { areas_.push_back(area); }
 
+    const std::string& bufferName() const { return bufferName_; }
+    FillKind fillKind() const { return fillKind_; }
+    const AreaList& areas() const { return areas_; }
+
     bool execute(CmdContext& context) override;
     std::uint32_t getCmdType() const override { return number(CmdType::FillBuffer); }
 

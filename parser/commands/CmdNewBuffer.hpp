@@ -38,6 +38,9 @@ public:
     void setBufferRange(const Area& range) { bufferRange_ = range; }
     void addArea(const Area& area) { areas_.push_back(area); }
 
+    const std::string& bufferName() const { return bufferName_; }
+    BufferSourceKind sourceKind() const { return sourceKind_; }
+
     bool execute(CmdContext& context) override;
     std::uint32_t getCmdType() const override { return number(CmdType::NewBuffer); }
 

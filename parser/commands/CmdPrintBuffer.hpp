@@ -14,6 +14,9 @@ public:
     void setBufferName(std::string name);
     void addArea(const Area& area) { areas_.push_back(area); }
 
+    const std::string& bufferName() const { return bufferName_; }
+    const AreaList& areas() const { return areas_; }
+
     bool execute(CmdContext& context) override;
     std::uint32_t getCmdType() const override { return number(CmdType::PrintBuffer); }
 

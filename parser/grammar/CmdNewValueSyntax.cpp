@@ -9,6 +9,7 @@ namespace Parser {
 using WrapperLib::CmdNewCrc;
 using WrapperLib::CmdNewHash;
 using WrapperLib::CmdNewValue;
+using WrapperLib::ValueType;
 
 namespace {
 
@@ -34,11 +35,14 @@ struct NewValueRules final : StatementRules {
                  rules.ws;
         options = *(ownAreasOption | typeOption);
         ownAreasOption = areasOption(rules, on);
-        typeOption = rules.keyword("-setType") >> rules.equals >>
-                     KeywordOf(Command::types(), rules)[on.row(&CmdNewValue::setType)] >> rules.ws;
+        typeOption =
+            rules.keyword("-setType") >> rules.equals >>
+            KeywordOf(Command::types(), type, rules)[on.row(type, &CmdNewValue::setType)] >>
+            rules.ws;
     }
 
     Rule source, options, ownAreasOption, typeOption;
+    const ValueType* type = nullptr;  ///< the row of the keyword that was read last
 };
 
 }  // namespace

@@ -16,7 +16,7 @@ struct PrintTextRules final : StatementRules {
     PrintTextRules(CommonRules& rules, ParserState& state) {
         const StatementActions<CmdPrintText> on(state);
         const auto noteText = [&state](Position first, Position last) {
-            state.statement.setText({first, static_cast<std::size_t>(last - first)});
+            state.statement.setText(first, last);
         };
         // The statement takes its text at its end, with the trace text that users know.
         const auto takeText = [&state](CmdPrintText& print, std::string_view) {

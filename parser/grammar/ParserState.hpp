@@ -2,13 +2,12 @@
 
 #include <cstddef>
 
+#include "parser/grammar/Expectations.hpp"
 #include "parser/grammar/Expression.hpp"
+#include "parser/grammar/ParseObserver.hpp"
 #include "parser/grammar/StatementBuilder.hpp"
 
 namespace Parser {
-
-/// A position in the text of a script.
-using Position = const char*;
 
 /// Searches of the grammar for a closing delimiter that found none. A later one need not look
 /// again, or a text of many unclosed delimiters would take quadratic time.
@@ -38,6 +37,8 @@ struct ParserState {
     Expression expression;
     StatementBuilder statement;
     FruitlessSearches fruitlessSearches;
+    /// Takes what a failing parse missed; null if nobody wants to know.
+    Expectations* expectations = nullptr;
 };
 
 }  // namespace Parser

@@ -42,17 +42,18 @@ private:
 
 void defineLexis(CommonRules& rules, FruitlessSearches& searches) {
     rules.ws = *space_p;
-    rules.openBrace = rules.ws >> ch_p('{') >> rules.ws;
-    rules.closeBrace = rules.ws >> ch_p('}') >> rules.ws;
-    rules.equals = rules.ws >> ch_p('=') >> rules.ws;
+    rules.openBrace = rules.ws >> rules.expected("{", ch_p('{')) >> rules.ws;
+    rules.closeBrace = rules.ws >> rules.expected("}", ch_p('}')) >> rules.ws;
+    rules.equals = rules.ws >> rules.expected("=", ch_p('=')) >> rules.ws;
     rules.separator = rules.ws >> *(ch_p(',') | ch_p(';')) >> rules.ws;
-    rules.quote = ch_p('"') | ch_p('\'');
-    rules.name = +(alnum_p | ch_p('#') | ch_p('@') | ch_p('_') | ch_p('-') | ch_p('!') | ch_p('<') |
-                   ch_p('>') | ch_p('&'));
+    rules.quote = rules.expected("a quote", ch_p('"') | ch_p('\''));
+    rules.name =
+        rules.expected("a name", +(alnum_p | ch_p('#') | ch_p('@') | ch_p('_') | ch_p('-') |
+                                   ch_p('!') | ch_p('<') | ch_p('>') | ch_p('&')));
     rules.textArg = (rules.openBrace >> TextBefore("}", searches.brace) >> rules.closeBrace) |
                     (rules.quote >> TextBefore("\"'", searches.quote) >> rules.quote >>
                      *(anychar_p - space_p)) |
-                    +(anychar_p - space_p);
+                    rules.expected("a text", +(anychar_p - space_p));
 }
 
 /// An operator takes everything to its right, and its action runs after that has been parsed.
@@ -61,7 +62,8 @@ void defineExpressions(CommonRules& rules, Expression& expression) {
     using Number10 = Spirit::uint_parser<std::uint32_t, 10, 1, -1>;
     const auto push = boost::bind(&Expression::pushValue, &expression, boost::placeholders::_1);
     rules.hexPrefix = *ch_p('0') >> (ch_p('x') | ch_p('X'));
-    rules.number = (rules.hexPrefix >> Number16()[push]) | Number10()[push];
+    rules.number =
+        rules.expected("a number", (rules.hexPrefix >> Number16()[push]) | Number10()[push]);
 
     const NestedExpression nested(rules.expression, expression);
     const auto operation = [&](char sign, void (Expression::*action)()) {
@@ -82,8 +84,10 @@ void defineExpressions(CommonRules& rules, Expression& expression) {
 
 /// Hands the last value to an operation of the statement.
 auto takingValue(ParserState& state, void (StatementBuilder::*take)(std::uint32_t)) {
-    return [&state, take](Position, Position) {
-        (state.statement.*take)(state.expression.currentValue());
+    return [&state, take](Position first, Position last) {
+        const std::uint32_t value = state.expression.currentValue();
+        state.statement.noteValue(value, first, last);
+        (state.statement.*take)(value);
     };
 }
 
@@ -100,7 +104,7 @@ void defineLists(CommonRules& rules, ParserState& state) {
 
 }  // namespace
 
-CommonRules::CommonRules(ParserState& state) {
+CommonRules::CommonRules(ParserState& state) : state_(&state) {
     defineLexis(*this, state.fruitlessSearches);
     defineExpressions(*this, state.expression);
     defineLists(*this, state);
@@ -110,7 +114,9 @@ CommonRules::CommonRules(ParserState& state) {
 ScriptRules::ScriptRules(ParserState& state) : CommonRules(state) {
     std::vector<const Rule*> alternatives;
     for (const StatementDefinition define : statementDefinitions) {
+        const std::size_t words = keywords.size();
         statements.push_back(define(*this, state));
+        statementKeywords.push_back(keywords[words]);
         alternatives.push_back(&statements.back()->command);
     }
     alternatives.push_back(&calculateCmd);

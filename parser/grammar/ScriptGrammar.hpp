@@ -26,20 +26,50 @@ using Rule = Spirit::rule<Scanner>;
 /// A fixed word of the language.
 class Keyword : public Spirit::parser<Keyword> {
 public:
-    explicit Keyword(std::string_view word) : word_(word) {}
+    /// @param expectations  where a failure is noted, if that is not null then
+    Keyword(std::string_view word, Expectations* const& expectations)
+        : word_(word), expectations_(&expectations) {}
 
     template <class ScannerT>
     typename Spirit::parser_result<Keyword, ScannerT>::type parse(const ScannerT& scan) const {
         const Position first = scan.first;
         if (!std::string_view(first, static_cast<std::size_t>(scan.last - first))
-                 .starts_with(word_))
+                 .starts_with(word_)) {
+            if (*expectations_ != nullptr) (*expectations_)->miss(first, word_);
             return scan.no_match();
+        }
         scan.first = first + word_.size();
         return scan.create_match(word_.size(), Spirit::nil_t(), first, scan.first);
     }
 
 private:
     std::string_view word_;
+    Expectations* const* expectations_;
+};
+
+/// A parser with a description, which is noted as missing where the parser fails.
+template <class Subject>
+class Expected : public Spirit::parser<Expected<Subject>> {
+public:
+    Expected(const Subject& subject, std::string_view description,
+             Expectations* const& expectations)
+        : subject_(subject), description_(description), expectations_(&expectations) {}
+
+    template <class ScannerT>
+    typename Spirit::parser_result<Expected, ScannerT>::type parse(const ScannerT& scan) const {
+        const Position first = scan.first;
+        const auto hit = subject_.parse(scan);
+        if (hit)
+            return scan.create_match(static_cast<std::size_t>(hit.length()), Spirit::nil_t(), first,
+                                     scan.first);
+        if (*expectations_ != nullptr) (*expectations_)->miss(first, description_);
+        return scan.no_match();
+    }
+
+private:
+    typename Subject::embed_t subject_;
+    std::string_view description_;
+    Expectations* const* expectations_;
 };
 
 /// The rules that all statements share, and the words of the language.
@@ -49,14 +79,26 @@ struct CommonRules {
     /// The parser of a word, which must outlive the rules. Each word is noted in `keywords`.
     Keyword keyword(const char* word) {
         keywords.emplace_back(word);
-        return Keyword(keywords.back());
+        return {keywords.back(), state_->expectations};
     }
+
+    /// `subject` with a description for messages, which must outlive the rules.
+    template <class Subject>
+    Expected<Subject> expected(const char* description, const Subject& subject) const {
+        return {subject, description, state_->expectations};
+    }
+
+    /// Where a keyword of a table that is missing is noted.
+    Expectations* const& expectations() const { return state_->expectations; }
 
     Rule ws, openBrace, closeBrace, equals, separator, quote, name, textArg;
     Rule hexPrefix, number, expression, value, valueList, area;
 
     /// The words that the rules compare a script with, in the order of their definition.
     std::vector<std::string_view> keywords;
+
+private:
+    ParserState* state_;
 };
 
 /// The rules of one statement.
@@ -74,6 +116,7 @@ struct ScriptRules : CommonRules {
     explicit ScriptRules(ParserState& state);
 
     std::vector<std::unique_ptr<const StatementRules>> statements;
+    std::vector<std::string_view> statementKeywords;  ///< the first word of each
     Rule script, calculateCmd;
 };
 
@@ -123,16 +166,13 @@ private:
     Position* fruitlessFrom_;
 };
 
-/// The keyword of one row of a table, tried in the table's order; the row is its attribute.
+/// The keyword of one row of a table, tried in the table's order.
 template <class Row>
 class KeywordOf : public Spirit::parser<KeywordOf<Row>> {
 public:
-    template <class ScannerT>
-    struct result {
-        using type = typename Spirit::match_result<ScannerT, const Row*>::type;
-    };
-
-    KeywordOf(std::span<const Row> rows, CommonRules& rules) : rows_(rows) {
+    /// @param matched  set to the row of the last match
+    KeywordOf(std::span<const Row> rows, const Row*& matched, CommonRules& rules)
+        : rows_(rows), matched_(&matched), expectations_(&rules.expectations()) {
         for (const Row& row : rows) rules.keyword(row.keyword);
     }
 
@@ -143,15 +183,19 @@ public:
         for (const Row& row : rows_) {
             const std::string_view keyword = row.keyword;
             if (!rest.starts_with(keyword)) continue;
-            const Row* const attribute = &row;
+            *matched_ = &row;
             scan.first = first + keyword.size();
-            return scan.create_match(keyword.size(), attribute, first, scan.first);
+            return scan.create_match(keyword.size(), Spirit::nil_t(), first, scan.first);
         }
+        if (*expectations_ != nullptr)
+            for (const Row& row : rows_) (*expectations_)->miss(first, row.keyword);
         return scan.no_match();
     }
 
 private:
     std::span<const Row> rows_;
+    const Row** matched_;
+    Expectations* const* expectations_;
 };
 
 /// The actions of a statement of kind `Command`. Each appends its trace text and then does its
@@ -163,17 +207,16 @@ public:
 
     /// The keyword was read.
     auto begin(const char* traceText) const {
-        return [state = state_, traceText](Position, Position) {
+        return [state = state_, traceText](Position first, Position last) {
             state->reset();
-            state->statement.begin<Command>(traceText);
+            state->statement.begin<Command>(traceText, first, last);
         };
     }
 
     /// The statement was read to its end.
     auto end() const {
-        return [state = state_](Position first, Position last) {
-            state->statement.end({first, static_cast<std::size_t>(last - first)});
-        };
+        return
+            [state = state_](Position first, Position last) { state->statement.end(first, last); };
     }
 
     /// Hands the matched text to a setter.
@@ -213,10 +256,12 @@ public:
     }
 
     /// Hands the row of a keyword, which has a trace text, to a setter.
+    ///
+    /// @param matched  where KeywordOf leaves the row
     template <class Row>
-    auto row(void (Command::*setter)(const Row&)) const {
-        return [state = state_, setter](const Row* matched) {
-            state->statement.trace(matched->trace);
+    auto row(const Row* const& matched, void (Command::*setter)(const Row&)) const {
+        return [state = state_, &matched, setter](Position first, Position last) {
+            state->statement.step(matched->trace, first, last);
             (state->statement.current<Command>().*setter)(*matched);
         };
     }
@@ -225,7 +270,7 @@ public:
     template <class Work>
     auto with(const char* traceText, Work work) const {
         return [state = state_, traceText, work](Position first, Position last) {
-            state->statement.trace(traceText);
+            state->statement.step(traceText, first, last);
             work(state->statement.current<Command>(),
                  std::string_view(first, static_cast<std::size_t>(last - first)));
         };

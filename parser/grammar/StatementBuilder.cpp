@@ -10,10 +10,11 @@ void StatementBuilder::reset() {
     valueCollection_.clear();
 }
 
-void StatementBuilder::end(std::string_view statement) {
-    trace("End");
-    lastCommand_ += statement;
+void StatementBuilder::end(Position first, Position last) {
+    lastTokens_ += "End";
+    lastCommand_.append(first, last);
     commands_.push_back(std::move(currentCmd_));
+    if (observer_ != nullptr) observer_->onStatement(first, last);
 }
 
 void StatementBuilder::clear() {

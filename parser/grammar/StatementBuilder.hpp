@@ -11,6 +11,7 @@
 
 #include "parser/commands/CmdApi.hpp"
 #include "parser/commands/CmdPrintText.hpp"
+#include "parser/grammar/ParseObserver.hpp"
 
 namespace Parser {
 
@@ -29,19 +30,26 @@ public:
 
     /// Starts a statement of kind `Command` with its default values.
     template <class Command>
-    void begin(const char* traceText) {
+    void begin(const char* traceText, Position first, Position last) {
         reset();
-        trace(traceText);
+        step(traceText, first, last);
         if constexpr (std::is_constructible_v<Command, WrapperLib::TextCalculator>)
             currentCmd_ = std::make_unique<Command>(calculator_);
         else
             currentCmd_ = std::make_unique<Command>();
     }
 
-    /// Finishes the statement, whose text is `statement`, and queues it.
-    void end(std::string_view statement);
+    /// Finishes the statement [`first`, `last`) and queues it.
+    void end(Position first, Position last);
 
-    void trace(const char* text) { lastTokens_ += text; }
+    /// Shows each step to `observer`, or to nobody if it is null.
+    void setObserver(ParseObserver* observer) { observer_ = observer; }
+
+    /// Notes that an action ran on the text [`first`, `last`).
+    void step(const char* traceText, Position first, Position last) {
+        lastTokens_ += traceText;
+        if (observer_ != nullptr) observer_->onStep(traceText, first, last);
+    }
 
     /// The statement being parsed, which is of kind `Command`.
     template <class Command>
@@ -49,8 +57,17 @@ public:
         return static_cast<Command&>(*currentCmd_);
     }
 
-    void setText(std::string_view text) { currentText_ = text; }
+    /// Notes the text argument of a PRINT_TEXT, which has no trace text.
+    void setText(Position first, Position last) {
+        currentText_.assign(first, last);
+        step("", first, last);
+    }
     const std::string& text() const { return currentText_; }
+
+    /// Shows the number that the text [`first`, `last`) means.
+    void noteValue(std::uint32_t value, Position first, Position last) const {
+        if (observer_ != nullptr) observer_->onValue(value, first, last);
+    }
 
     void collectValue(std::uint32_t value) { valueCollection_.push_back(value); }
     const std::vector<std::uint32_t>& collectedValues() const { return valueCollection_; }
@@ -74,6 +91,7 @@ public:
 
 private:
     WrapperLib::TextCalculator calculator_;
+    ParseObserver* observer_ = nullptr;
     std::unique_ptr<WrapperLib::CmdApi> currentCmd_;
     std::deque<std::unique_ptr<WrapperLib::CmdApi>> commands_;
     std::string currentText_;
