@@ -152,6 +152,10 @@ public:
              " did not match parsing pattern. Execution aboarded. The file was not parsed.");
     }
 
+    // The program passes over what is no record in silence.
+    void operator()(const LinePassedOver& /*fact*/) const {}
+    void operator()(const LinesPassedOver& /*fact*/) const {}
+
     void operator()(const RecordCountTooLow& fact) const {
         line("MotorolaS_InFile(storeParsedSize-Operation). Logical error");
         line("The value of counter is : (int)", fact.count,

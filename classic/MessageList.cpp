@@ -65,10 +65,16 @@ std::vector<Fact> examples(Of<LastLineMismatched> /*type*/) {
     return {LastLineMismatched{"PATH"}};
 }
 std::vector<Fact> examples(Of<RecordContradictory> /*type*/) {
-    return {RecordContradictory{"PATH", "LINE"}};
+    return {RecordContradictory{"PATH", number, "LINE"}};
 }
 std::vector<Fact> examples(Of<LineNotARecord> /*type*/) {
-    return {LineNotARecord{"PATH", "LINE"}};
+    return {LineNotARecord{"PATH", number, "LINE"}};
+}
+std::vector<Fact> examples(Of<LinePassedOver> /*type*/) {
+    return {};
+}
+std::vector<Fact> examples(Of<LinesPassedOver> /*type*/) {
+    return {};
 }
 std::vector<Fact> examples(Of<RecordCountTooLow> /*type*/) {
     return {RecordCountTooLow{number, number}};

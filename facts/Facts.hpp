@@ -105,6 +105,7 @@ struct LastLineMismatched {
 /// A record contradicts its checksum or the format; nothing of the file was used.
 struct RecordContradictory {
     std::string_view file;
+    std::uint64_t lineNumber;  ///< counted from 1
     std::string_view line;
     bool operator==(const RecordContradictory&) const = default;
 };
@@ -112,8 +113,24 @@ struct RecordContradictory {
 /// A line of an S-record file is no record; the lines before it were used.
 struct LineNotARecord {
     std::string_view file;
+    std::uint64_t lineNumber;  ///< counted from 1
     std::string_view line;
     bool operator==(const LineNotARecord&) const = default;
+};
+
+/// A line of an Intel HEX file is no record and was passed over.
+struct LinePassedOver {
+    std::string_view file;
+    std::uint64_t lineNumber;  ///< counted from 1
+    std::string_view line;
+    bool operator==(const LinePassedOver&) const = default;
+};
+
+/// More lines were passed over than were reported one by one.
+struct LinesPassedOver {
+    std::string_view file;
+    std::uint64_t count;
+    bool operator==(const LinesPassedOver&) const = default;
 };
 
 /// The count of an S-record leaves no room for data after its address.
@@ -312,12 +329,12 @@ struct RunEnded {
 using Fact =
     std::variant<ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside,
                  FillTooLong, ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty,
-                 LastLineMismatched, RecordContradictory, LineNotARecord, RecordCountTooLow,
-                 DataSpanTooLong, RawFileTooLong, FileReadIncomplete, RecordLengthCorrected,
-                 AddressNotExpressible, RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes,
-                 FileWriteIncomplete, NameNotFound, StatementExhausted, FileNotOpened,
-                 FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted, CrcPrinted,
-                 HashPrinted, TextPrinted, ProgramCalled, ScriptNotOpened, VariableRejected,
-                 ScriptNotPrepared, SyntaxError, RunEnded>;
+                 LastLineMismatched, RecordContradictory, LineNotARecord, LinePassedOver,
+                 LinesPassedOver, RecordCountTooLow, DataSpanTooLong, RawFileTooLong,
+                 FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
+                 RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, FileWriteIncomplete,
+                 NameNotFound, StatementExhausted, FileNotOpened, FileNotWritten, FileSpanTooLong,
+                 BufferPrinted, ContentPrinted, CrcPrinted, HashPrinted, TextPrinted, ProgramCalled,
+                 ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded>;
 
 }  // namespace Facts

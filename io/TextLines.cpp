@@ -22,6 +22,7 @@ bool TextLines::next() {
     line_ = {};
     const bool hasFeed = findLineEnd();
     if (next_ == lineBegin_) return false;
+    ++number_;
     std::size_t length = next_ - lineBegin_;
     const char* const first = reinterpret_cast<const char*>(piece_.data()) + lineBegin_;
     if (hasFeed) {
@@ -76,8 +77,9 @@ void TextLines::readOn() {
     isTextRead_ = stop != nullptr || got == fileRest || got < wanted;
 }
 
-void TextLines::moveTo(std::uint64_t position) {
+void TextLines::moveTo(std::uint64_t position, std::uint64_t number) {
     line_ = {};
+    number_ = number - 1;
     if (position >= pieceStart_ && position - pieceStart_ <= end_) {
         next_ = static_cast<std::size_t>(position - pieceStart_);
         return;

@@ -28,14 +28,17 @@ public:
     /// The current line, without its end, until `next` or `moveTo`.
     std::string_view line() const { return line_; }
 
+    /// The number of the current line, counted from 1.
+    std::uint64_t number() const { return number_; }
+
     /// Byte of the file at which the current line begins.
     std::uint64_t position() const { return pieceStart_ + lineBegin_; }
 
     /// The current line is the last one.
     bool isLast() const { return isTextRead_ && next_ == end_; }
 
-    /// Makes the line that begins at byte `position` of the file the next one.
-    void moveTo(std::uint64_t position);
+    /// Makes line `number`, which begins at byte `position` of the file, the next one.
+    void moveTo(std::uint64_t position, std::uint64_t number);
 
     /// Whether what was read so far is the file as it was when it was opened.
     Platform::Reading reading() const { return file_.reading(); }
@@ -55,6 +58,7 @@ private:
     std::size_t end_ = 0;           ///< one past what has been read
     bool isTextRead_ = false;       ///< the file has no more text than the piece
     std::string_view line_;
+    std::uint64_t number_ = 0;
 };
 
 }  // namespace Io

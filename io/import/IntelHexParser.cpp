@@ -60,7 +60,7 @@ void IntelHexParser::takeRecord(const TextLines& lines) {
 
 LineFault IntelHexParser::parseRecord(std::string_view line) {
     const std::optional<Record> record = syntax_->match(line);
-    if (!record) return LineFault::None;
+    if (!record) return LineFault::PassedOver;
     if (!isConsistent(*record) || checksumOf(*record) != record->checksum)
         return LineFault::Contradictory;
     storeRecord(*record);

@@ -7,6 +7,16 @@
 
 namespace Io::Import {
 
+namespace {
+
+/// Makes a line the current one again.
+void moveTo(TextLines& lines, const LinePosition& line) {
+    lines.moveTo(line.position, line.number);
+    lines.next();
+}
+
+}  // namespace
+
 RecordInFile::RecordInFile(const std::string& path, TextLines& lines, ParsedFile parsed,
                            std::uint64_t mostBytes)
     : TextInFile(path), parsedData_(std::move(parsed.data)), startAddress_(parsed.startAddress) {
@@ -20,16 +30,26 @@ RecordInFile::RecordInFile(const std::string& path, TextLines& lines, ParsedFile
 void RecordInFile::reportFault(TextLines& lines, const ParsedFile& parsed) const {
     for (const Facts::RecordCountTooLow& lowCount : parsed.lowCounts) Facts::report(lowCount);
     if (!parsed.hasLines) Facts::report(Facts::TextFileEmpty{fileName_});
-    if (parsed.fault == LineFault::LastLineMismatched)
+    if (parsed.fault == LineFault::LastLineMismatched) {
         Facts::report(Facts::LastLineMismatched{fileName_});
-    if (parsed.fault != LineFault::NotARecord && parsed.fault != LineFault::Contradictory) return;
-    // The parser has kept no copy of the line, which may be as long as the file.
-    lines.moveTo(parsed.faultPosition);
-    lines.next();
+        return;
+    }
+    reportPassedOver(lines, parsed);
+    if (parsed.fault == LineFault::None) return;
+    moveTo(lines, parsed.faultLine);
     if (parsed.fault == LineFault::NotARecord)
-        Facts::report(Facts::LineNotARecord{fileName_, lines.line()});
+        Facts::report(Facts::LineNotARecord{fileName_, lines.number(), lines.line()});
     else
-        Facts::report(Facts::RecordContradictory{fileName_, lines.line()});
+        Facts::report(Facts::RecordContradictory{fileName_, lines.number(), lines.line()});
+}
+
+void RecordInFile::reportPassedOver(TextLines& lines, const ParsedFile& parsed) const {
+    for (const LinePosition& line : parsed.passedOver) {
+        moveTo(lines, line);
+        Facts::report(Facts::LinePassedOver{fileName_, lines.number(), lines.line()});
+    }
+    const std::uint64_t others = parsed.passedOverCount - parsed.passedOver.size();
+    if (others != 0) Facts::report(Facts::LinesPassedOver{fileName_, others});
 }
 
 void RecordInFile::limitSpan(std::uint64_t mostBytes) {

@@ -17,13 +17,23 @@ namespace Io::Import {
 /// What is wrong with a line, and what that means for its file.
 enum class LineFault : std::uint8_t {
     None,
+    PassedOver,         ///< no record; the parse goes on without it
     NotARecord,         ///< ends the parse and leaves the data of the lines before
     Contradictory,      ///< ends the parse and discards all data
     LastLineMismatched  ///< nothing of the file counts
 };
 
+/// A line of a file, without its text, which may be as long as the file.
+struct LinePosition {
+    std::uint64_t position = 0;  ///< see TextLines::position
+    std::uint64_t number = 0;    ///< counted from 1
+};
+
 /// The result of the parse of a text file. Its faults have not been reported.
 struct ParsedFile {
+    /// Lines that are reported one by one; of the others only the number is.
+    static constexpr std::size_t mostListed = 20;
+
     explicit ParsedFile(ParsedData empty) : data(std::move(empty)) {}
 
     ParsedData data;
@@ -32,7 +42,9 @@ struct ParsedFile {
     bool isExhausted = false;  ///< memory ran out
     std::vector<Facts::RecordCountTooLow> lowCounts;
     LineFault fault = LineFault::None;
-    std::uint64_t faultPosition = 0;  ///< of the line with the fault, see TextLines::position
+    LinePosition faultLine;                ///< the line with the fault
+    std::vector<LinePosition> passedOver;  ///< the first lines that were passed over
+    std::uint64_t passedOverCount = 0;     ///< all lines that were passed over
 };
 
 /// Takes the lines of a text file one by one and reports nothing.
@@ -56,13 +68,17 @@ protected:
     template <class Parse>
     void takeLine(const TextLines& lines, Parse parse) {
         try {
-            parsed_.fault = parse(lines.line());
+            const LineFault fault = parse(lines.line());
+            if (fault != LineFault::PassedOver)
+                parsed_.fault = fault;
+            else if (++parsed_.passedOverCount <= ParsedFile::mostListed)
+                parsed_.passedOver.push_back({lines.position(), lines.number()});
         } catch (const std::bad_alloc&) {
             parsed_.data.clear();
             parsed_.isExhausted = true;
         }
         if (parsed_.fault == LineFault::None) return;
-        parsed_.faultPosition = lines.position();
+        parsed_.faultLine = {lines.position(), lines.number()};
         if (parsed_.fault == LineFault::Contradictory) parsed_.data.clear();
     }
 

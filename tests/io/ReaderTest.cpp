@@ -90,12 +90,16 @@ void expectReadings(InFileType type, const std::vector<Reading>& rows) {
     }
 }
 
-Facts::Fact contradictory(std::string_view line) {
-    return Facts::RecordContradictory{thisFile, line};
+Facts::Fact contradictory(std::uint64_t number, std::string_view line) {
+    return Facts::RecordContradictory{thisFile, number, line};
 }
 
-Facts::Fact noRecord(std::string_view line) {
-    return Facts::LineNotARecord{thisFile, line};
+Facts::Fact noRecord(std::uint64_t number, std::string_view line) {
+    return Facts::LineNotARecord{thisFile, number, line};
+}
+
+Facts::Fact passedOver(std::uint64_t number, std::string_view line) {
+    return Facts::LinePassedOver{thisFile, number, line};
 }
 
 const Facts::Fact emptyFile = Facts::TextFileEmpty{thisFile};
@@ -118,23 +122,27 @@ TEST(IntelHexInFileTest, WhatCountsAndWhatIsPassedOver) {
             {":0100000041be\n// remark\n\n:0100010042BC \n:0200020043bb\n" + endOfHex,
              {{0, 1}},
              {},
-             {}},
+             {passedOver(2, "// remark"), passedOver(3, ""), passedOver(4, ":0100010042BC "),
+              passedOver(5, ":0200020043bb")}},
             {":0100000041BE\n" + std::string(":0100010042BC\0rest", 18) + "\n" + endOfHex,
              {{0, 2}},
              {},
              {}},
-            {endOfHex + endOfHex, {}, {}, {contradictory(":00000001FF")}},
+            {endOfHex + endOfHex, {}, {}, {contradictory(1, ":00000001FF")}},
             {":0100000041BE\n:0100010042BD\n:00000006FA\n" + endOfHex,
              {},
              {},
-             {contradictory(":0100010042BD")}},
-            {":0100000041BE\nS9030000FC\n:0100010042BC\n" + endOfHex, {{0, 2}}, {}, {}},
-            {":00000006FA\n" + endOfHex, {}, {}, {contradictory(":00000006FA")}},
-            {":020001040001F8\n" + endOfHex, {}, {}, {contradictory(":020001040001F8")}},
+             {contradictory(2, ":0100010042BD")}},
+            {":0100000041BE\nS9030000FC\n:0100010042BC\n" + endOfHex,
+             {{0, 2}},
+             {},
+             {passedOver(2, "S9030000FC")}},
+            {":00000006FA\n" + endOfHex, {}, {}, {contradictory(1, ":00000006FA")}},
+            {":020001040001F8\n" + endOfHex, {}, {}, {contradictory(1, ":020001040001F8")}},
             {":0400000500000100F6\n:01000004010AF0\n:03000002100000EB\n" + endOfHex,
              {},
              0x100,
-             {contradictory(":03000002100000EB")}},
+             {passedOver(2, ":01000004010AF0"), contradictory(3, ":03000002100000EB")}},
             // The base of an extended record replaces the one before it; no wrap within a record.
             {":020000021000EC\n:0100000041BE\n:020000040001F9\n:0100010041BD\n:02000002FFFFFE\n"
              ":04FFFE000102030BEE\n" +
@@ -161,13 +169,18 @@ TEST(TextReaderTest, AFaultIsShownThoughItsLineHasLeftMemory) {
         return file + line + "\n" + file;
     };
     const std::string remark = "//" + std::string(1000, 'x') + "\n";
-    expectReadings<IntelHexInFile>(
-        InFileType::IntelHex,
-        {{among(":0100010042BD", remark) + endOfHex, {}, {}, {contradictory(":0100010042BD")}}});
+    // The first twenty lines that are no records are listed, the others counted.
+    std::vector<Facts::Fact> faults;
+    for (std::uint64_t line = 1; line <= 20; ++line)
+        faults.push_back(passedOver(line, std::string_view(remark).substr(0, remark.size() - 1)));
+    faults.emplace_back(Facts::LinesPassedOver{thisFile, 980});
+    faults.push_back(contradictory(1001, ":0100010042BD"));
+    expectReadings<IntelHexInFile>(InFileType::IntelHex,
+                                   {{among(":0100010042BD", remark) + endOfHex, {}, {}, faults}});
     const std::string header = "S0FF0000" + std::string(504, '0') + "00\n";
     expectReadings<MotorolaS_InFile>(
         InFileType::MotorolaS,
-        {{among("Sfirst", header) + "Ssecond\nS", {}, {}, {noRecord("Sfirst")}}});
+        {{among("Sfirst", header) + "Ssecond\nS", {}, {}, {noRecord(1001, "Sfirst")}}});
 }
 
 TEST(IntelHexInFileTest, TheLaterByteWinsAndRangesAreCheckedAtTheirStartAlone) {
@@ -256,23 +269,32 @@ TEST(MotorolaS_InFileTest, WhatCountsAndWhatEndsTheParse) {
              0x80000000,
              {}},
             {"S1041000AA41\nS1041001BB2F\n", one, {}, {}},
-            {"S1041000AA41\n\nlast", one, {}, {noRecord("")}},
-            {"S1041000AA41\ns1041001BB2F\nS1041001BB2E\nlast", one, {}, {noRecord("s1041001BB2F")}},
-            {"S1041000AA41\nS1041001BBCC2F\nlast", one, {}, {noRecord("S1041001BBCC2F")}},
-            {"S1041000AA41\nS1041001BB2E\nlast", {}, {}, {contradictory("S1041001BB2E")}},
-            {"S9031234B6\nS70680000000AACF\nlast", {}, 0x1234, {contradictory("S70680000000AACF")}},
-            {"S1041000AA41\nS00600004844521B\nlast", {}, {}, {contradictory("S00600004844521B")}},
-            {s0Wrong + "\nlast", {}, {}, {contradictory(s0Wrong)}},
+            {"S1041000AA41\n\nlast", one, {}, {noRecord(2, "")}},
+            {"S1041000AA41\ns1041001BB2F\nS1041001BB2E\nlast",
+             one,
+             {},
+             {noRecord(2, "s1041001BB2F")}},
+            {"S1041000AA41\nS1041001BBCC2F\nlast", one, {}, {noRecord(2, "S1041001BBCC2F")}},
+            {"S1041000AA41\nS1041001BB2E\nlast", {}, {}, {contradictory(2, "S1041001BB2E")}},
+            {"S9031234B6\nS70680000000AACF\nlast",
+             {},
+             0x1234,
+             {contradictory(2, "S70680000000AACF")}},
+            {"S1041000AA41\nS00600004844521B\nlast",
+             {},
+             {},
+             {contradictory(2, "S00600004844521B")}},
+            {s0Wrong + "\nlast", {}, {}, {contradictory(1, s0Wrong)}},
             // The count of an S5: two bytes of address, then the data field is what counts.
             {"S5030000FC\nlast", {}, {}, {}},
-            {"S1041000AA41\nS5030001FB\nlast", {}, {}, {contradictory("S5030001FB")}},
+            {"S1041000AA41\nS5030001FB\nlast", {}, {}, {contradictory(2, "S5030001FB")}},
             {"S1041000AA41\nS50500000001F9\nS5030000FC\nlast", one, {}, {}},
             {"S1031000EC\nS50500000001F9\nlast", {}, {}, {}},
             {"S1031000EC\nS50D000000000000000000000001F1\nlast", {}, {}, {}},
             {"S1041000AA41\nS50C0000010000000000000001F1\nlast",
              {},
              {},
-             {contradictory("S50C0000010000000000000001F1")}},
+             {contradictory(2, "S50C0000010000000000000001F1")}},
         });
 }
 
@@ -280,7 +302,7 @@ TEST(MotorolaS_InFileTest, ReportsACountThatIsTooLow) {
     // The long line is a record in spite of its count.
     const std::string longRecord = "S1021000" + std::string(510, '0') + "ED";
     const Facts::Fact low = Facts::RecordCountTooLow{2, 2};
-    std::vector<Reading> rows{{"S1021000ED\nS", {}, {}, {low, noRecord("S1021000ED")}}};
+    std::vector<Reading> rows{{"S1021000ED\nS", {}, {}, {low, noRecord(1, "S1021000ED")}}};
     // Types that the format does not have leave no room for any data.
     std::deque<std::string> lines;
     for (const char type : std::string("46ABCDEFabcdef")) {
@@ -288,7 +310,7 @@ TEST(MotorolaS_InFileTest, ReportsACountThatIsTooLow) {
         rows.push_back({lines.back() + "\nS",
                         {},
                         {},
-                        {Facts::RecordCountTooLow{5, 255}, noRecord(lines.back())}});
+                        {Facts::RecordCountTooLow{5, 255}, noRecord(1, lines.back())}});
     }
     expectReadings<MotorolaS_InFile>(InFileType::MotorolaS, rows);
     const ExpectedFacts expected({low, low});

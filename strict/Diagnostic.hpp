@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Strict {
+
+enum class Severity : unsigned char { Error, Warning, Ignored };
+
+/// A place in a file as its author wrote it.
+struct Place {
+    std::string file;
+    std::size_t line = 0;         ///< counted from 1; 0 for the file as a whole
+    std::size_t column = 0;       ///< in characters, counted from 1; 0 for the whole line
+    std::string excerpt;          ///< the line, or the part of a long one around the column
+    std::size_t caret = 0;        ///< characters of the excerpt before the column
+    std::size_t caretLength = 0;  ///< characters that the place covers, of the excerpt's
+};
+
+/// What a diagnostic adds to its text.
+struct Note {
+    std::string text;
+    std::optional<Place> place;
+};
+
+/// One thing that is wrong, or may be.
+struct Diagnostic {
+    Severity severity = Severity::Error;
+    std::string name;  ///< the kind, as the manual and `--ignore` call it
+    std::string text;
+    std::optional<Place> place;
+    std::string hint;  ///< what to do, shown beside the caret; may be empty
+    std::vector<Note> notes;
+};
+
+/// Takes diagnostics in the order in which they come up.
+class DiagnosticSink {
+public:
+    DiagnosticSink() = default;
+    virtual ~DiagnosticSink() = default;
+    DiagnosticSink(const DiagnosticSink&) = delete;
+    DiagnosticSink& operator=(const DiagnosticSink&) = delete;
+
+    virtual void take(const Diagnostic& diagnostic) = 0;
+};
+
+}  // namespace Strict

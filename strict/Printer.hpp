@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <ostream>
+#include <set>
+
+#include "strict/Diagnostic.hpp"
+#include "strict/Policy.hpp"
+
+namespace Strict {
+
+enum class DiagnosticFormat : unsigned char { Text, Json };
+
+/// Applies the policy of a run to diagnostics and prints them, as text for people or as one JSON
+/// object a line.
+class Printer final : public DiagnosticSink {
+public:
+    /// @param out      borrowed; flushed after each diagnostic
+    /// @param isQuiet  prints errors only
+    Printer(std::ostream& out, const Policy& policy, DiagnosticFormat format, bool hasColor,
+            bool isQuiet)
+        : out_(&out), policy_(&policy), format_(format), hasColor_(hasColor), isQuiet_(isQuiet) {}
+
+    void take(const Diagnostic& diagnostic) override;
+
+    std::size_t errors() const { return errors_; }
+    std::size_t warnings() const { return warnings_; }
+
+private:
+    void printText(const Diagnostic& diagnostic);
+    void printJson(const Diagnostic& diagnostic);
+    void printPlace(const Place& place, const std::string& hint);
+    const char* color(const char* code) const { return hasColor_ ? code : ""; }
+
+    std::ostream* out_;
+    const Policy* policy_;
+    DiagnosticFormat format_;
+    bool hasColor_;
+    bool isQuiet_;
+    std::size_t errors_ = 0;
+    std::size_t warnings_ = 0;
+};
+
+}  // namespace Strict

@@ -1,0 +1,284 @@
+#include "strict/RunListener.hpp"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+#include <variant>
+
+#include "parser/grammar/ScriptSyntax.hpp"
+#include "strict/Arithmetic.hpp"
+
+namespace Strict {
+
+namespace {
+
+using namespace Facts;
+
+/// Finds the arguments of one statement, which is parsed once more: only a statement that has
+/// something to report costs that.
+class Arguments final : public Parser::ParseObserver {
+public:
+    explicit Arguments(std::string_view statement) {
+        Parser::ScriptSyntax syntax(nullptr);
+        syntax.state().statement.setObserver(this);
+        syntax.parse(statement);
+    }
+
+    void onStep(const char* trace, Parser::Position first, Parser::Position last) override {
+        steps_.push_back({trace, {first, static_cast<std::size_t>(last - first)}, values_});
+        values_.clear();
+    }
+    void onValue(std::uint32_t value, Parser::Position /*first*/,
+                 Parser::Position /*last*/) override {
+        values_.push_back(value);
+    }
+    void onStatement(Parser::Position /*first*/, Parser::Position /*last*/) override {}
+
+    /// The text of the last argument with one of the traces, or of the statement's keyword.
+    std::string_view textOf(const std::vector<std::string_view>& traces) const {
+        const auto found = std::find_if(steps_.rbegin(), steps_.rend(), [&](const Step& step) {
+            return std::ranges::find(traces, step.trace) != traces.end();
+        });
+        if (found != steps_.rend()) return found->text;
+        return steps_.empty() ? std::string_view() : steps_.front().text;
+    }
+
+    /// The area of the given numbers, or the keyword.
+    std::string_view area(std::uint64_t start, std::uint64_t length) const {
+        for (const Step& step : steps_) {
+            const bool isArea = step.trace == "AddArea -> " || step.trace == "SetBufferRange -> ";
+            if (isArea && step.values.size() == 2 && step.values[0] == start &&
+                step.values[1] == length)
+                return step.text;
+        }
+        return textOf({"AddArea -> ", "SetBufferRange -> "});
+    }
+
+private:
+    struct Step {
+        std::string_view trace;
+        std::string_view text;
+        std::vector<std::uint32_t> values;  ///< those read since the step before
+    };
+    std::vector<Step> steps_;
+    std::vector<std::uint32_t> values_;
+};
+
+std::string areaText(std::uint64_t start, std::uint64_t length) {
+    return "{" + hexadecimal(start) + ", " + hexadecimal(length) + "}";
+}
+
+std::string rangeText(std::uint64_t start, std::uint64_t end) {
+    return hexadecimal(start) + " up to, without, " + hexadecimal(end);
+}
+
+const std::vector<std::string_view> inputFile{"SetFileAsSource -> ", "SetRawFileAsSource -> "};
+const std::vector<std::string_view> outputFile{"SetFileName -> "};
+const std::vector<std::string_view> anyArea{"AddArea -> ", "SetBufferRange -> ",
+                                            "SetStartAddress -> "};
+
+/// Text without the white space at its end.
+std::string_view trimmed(std::string_view text) {
+    const std::size_t last = text.find_last_not_of(" \t\n\v\f\r");
+    return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
+}
+
+template <class... Functions>
+struct Overloaded : Functions... {
+    using Functions::operator()...;
+};
+template <class... Functions>
+Overloaded(Functions...) -> Overloaded<Functions...>;
+
+}  // namespace
+
+void RunListener::report(const char* kind, std::string text,
+                         const std::vector<std::string_view>& traces, std::string hint) {
+    const std::string_view statement = script_->prepared().substr(first_, last_ - first_);
+    const Arguments arguments(statement);
+    std::string_view part = trimmed(arguments.textOf(traces));
+    if (part.empty()) part = statement.substr(0, 1);
+    sink_->take({Severity::Error, kind, std::move(text), script_->placeOf(part), std::move(hint),
+                 script_->variableNotes(script_->offsetOf(part))});
+}
+
+void RunListener::reportOutside(std::uint64_t start, std::uint64_t length,
+                                const std::string& images) {
+    const std::string_view statement = script_->prepared().substr(first_, last_ - first_);
+    const Arguments arguments(statement);
+    const std::string_view part = trimmed(arguments.area(start, length));
+    sink_->take({Severity::Error, "outside",
+                 "the area " + areaText(start, length) + " does not lie in " + images,
+                 script_->placeOf(part), "", {}});
+}
+
+void RunListener::reportOpen(std::string_view file) {
+    const std::string reason = reason_(file);
+    const bool isLikeVariable = !file.empty() && file.find_first_of("./\\") == std::string::npos;
+    if (reason.empty())
+        report("out-of-memory", "there is not enough memory for " + std::string(file), inputFile);
+    else
+        report("cannot-open", "cannot open " + std::string(file) + ": " + reason, inputFile,
+               isLikeVariable ? "was the variable " + std::string(file) + " given?" : "");
+}
+
+void RunListener::reportLine(const char* kind, std::string_view file, std::uint64_t line,
+                             std::string_view text, std::string message) {
+    constexpr std::size_t longestShown = 160;
+    Place place{std::string(file), static_cast<std::size_t>(line), 0,
+                std::string(text.substr(0, longestShown)), 0, 0};
+    const std::string_view statement = script_->prepared().substr(first_, last_ - first_);
+    const Arguments arguments(statement);
+    Diagnostic diagnostic{Severity::Error, kind, std::move(message), place, "", {}};
+    diagnostic.notes.push_back({"while this file is read",
+                                script_->placeOf(trimmed(arguments.textOf(inputFile)))});
+    sink_->take(diagnostic);
+}
+
+void RunListener::hear(const Fact& fact) {
+    const auto print = [&](const auto& printed) { printed_->hear(printed); };
+    std::visit(
+        Overloaded{
+            [&](const ImageNotAddressable& f) {
+                report("outside", "an image of " + hexadecimal(f.length) + " bytes at " +
+                       hexadecimal(f.start) + " passes the end of the address space", anyArea);
+            },
+            [&](const ImageTooLong& f) {
+                report("outside", "an image has less than " + hexadecimal(f.limit) + " bytes, not " +
+                       hexadecimal(f.length), anyArea, "an area is {start, length}");
+            },
+            [&](const MoveTooFar& f) {
+                report("outside", "the image does not fit at " + hexadecimal(f.start) +
+                       ": its highest start is " + hexadecimal(f.highestStart), anyArea);
+            },
+            [&](const FillPatternEmpty&) {
+                report("no-effect", "there is nothing to fill with, nothing is written",
+                       {"SetHexList -> ", "SetFillPattern -> ", "SetFillValues -> ",
+                        "SetFillString -> ", "SetFillHash -> ", "AddArea -> "});
+            },
+            [&](const FillStartOutside& f) {
+                report("outside", "an area that begins at " + hexadecimal(f.start) +
+                       " does not lie in the image, which has " +
+                       rangeText(f.imageStart, f.imageEnd), anyArea);
+            },
+            [&](const FillTooLong& f) {
+                report("outside", hexadecimal(f.length) + " bytes from " + hexadecimal(f.start) +
+                       " on do not fit into the image, which ends before " +
+                       hexadecimal(f.imageEnd), anyArea);
+            },
+            [&](const ExtractStartOutside& f) {
+                report("outside", "an area that begins at " + hexadecimal(f.start) +
+                       " does not lie in the image, which has " +
+                       rangeText(f.imageStart, f.imageEnd), anyArea);
+            },
+            [&](const ExtractTooLong& f) {
+                report("outside", hexadecimal(f.length) + " bytes from " + hexadecimal(f.start) +
+                       " on leave the image, which ends before " + hexadecimal(f.imageEnd),
+                       anyArea);
+            },
+            [&](const ReadRangeOutside& f) {
+                report("outside", "the area " + areaText(f.start, f.end - f.start) +
+                       " begins below the data of the file, which has " +
+                       rangeText(f.dataStart, f.dataEnd) + "; nothing of it is read", anyArea,
+                       "use -useBufferRange={start, length} to crop a file");
+            },
+            [&](const TextFileEmpty& f) {
+                report("empty-image", std::string(f.file) + " is empty", inputFile);
+            },
+            [&](const LastLineMismatched& f) {
+                report("no-end", "the last line of " + std::string(f.file) +
+                       " is no end-of-file record; the file may have been cut off", inputFile);
+            },
+            [&](const RecordContradictory& f) {
+                reportLine("record-checksum", f.file, f.lineNumber, f.line,
+                           "the record contradicts its checksum or the format");
+            },
+            [&](const LineNotARecord& f) {
+                reportLine("record-line", f.file, f.lineNumber, f.line, "the line is no record");
+            },
+            [&](const LinePassedOver& f) {
+                reportLine("record-line", f.file, f.lineNumber, f.line,
+                           "the line is no record, its data is missing");
+            },
+            [&](const LinesPassedOver& f) {
+                report("record-line", std::to_string(f.count) + " more lines of " +
+                       std::string(f.file) + " are no records", inputFile);
+            },
+            [&](const RecordCountTooLow&) {},
+            [&](const DataSpanTooLong& f) {
+                report("outside", "the data of the file spans more than " +
+                       hexadecimal(f.mostBytes) + " bytes", inputFile);
+            },
+            [&](const RawFileTooLong& f) {
+                report("outside", "the file has more than " + hexadecimal(f.mostBytes) + " bytes",
+                       inputFile);
+            },
+            [&](const FileReadIncomplete& f) {
+                report("short-read", std::string(f.file) + " could not be read completely",
+                       inputFile);
+            },
+            [&](const RecordLengthCorrected& f) {
+                const bool isMinimum = f.bound == Bound::Minimum;
+                report("length-corrected", "a record has at " +
+                       std::string(isMinimum ? "least " : "most ") + std::to_string(f.allowed) +
+                       " data bytes, which is used instead of " + std::to_string(f.length),
+                       {"SetExportFormatOptionIntelHexExtended -> ",
+                        "SetExportFormatOptionIntelHexSegment -> ",
+                        "SetExportFormatOptionMotorolaS -> "});
+            },
+            [&](const AddressNotExpressible& f) {
+                report("outside", "Intel HEX cannot express the address " + hexadecimal(f.address) +
+                       " in this mode", outputFile);
+            },
+            [&](const RecordTypeUnknown&) {
+                report("outside", "Intel HEX has no such record", outputFile);
+            },
+            [&](const ImageBeyondSRecords& f) {
+                report("outside", "S-records cannot express addresses above " +
+                       hexadecimal(f.highestAddress), outputFile);
+            },
+            [&](const TooManyBytes& f) {
+                report("outside", "the images have more than " + hexadecimal(f.mostBytes) +
+                       " bytes together", outputFile);
+            },
+            [&](const FileWriteIncomplete& f) {
+                const std::string reason = reason_(f.file);
+                report("short-write", std::string(f.file) + " could not be written completely" +
+                       (reason.empty() ? "" : ": " + reason), outputFile);
+            },
+            [&](const NameNotFound& f) {
+                report("unknown-name", "nothing is called " + std::string(f.name),
+                       {"SetName -> ", "AddFromBuffer -> ", "AddBufferAsSource -> ",
+                        "AddBufferToExportList -> ", "SetFillCrc -> ", "SetFillHash -> ",
+                        "AddResolveSymbolName -> "});
+            },
+            [&](const StatementExhausted&) {
+                report("out-of-memory", "there is not enough memory for this statement", {});
+            },
+            [&](const FileNotOpened& f) { reportOpen(f.file); },
+            [&](const FileNotWritten& f) {
+                const std::string reason = reason_(f.file);
+                report("cannot-write", "cannot write " + std::string(f.file) +
+                       (reason.empty() ? "" : ": " + reason), outputFile);
+            },
+            [&](const FileSpanTooLong& f) {
+                report("outside", "the data of the file spans " + hexadecimal(f.length) +
+                       " bytes, more than 0xfffffff", inputFile,
+                       "name a part of it with -useBufferRange={start, length}");
+            },
+            [&](const BufferPrinted& f) { print(f); }, [&](const ContentPrinted& f) { print(f); },
+            [&](const CrcPrinted& f) { print(f); }, [&](const HashPrinted& f) { print(f); },
+            [&](const TextPrinted& f) { print(f); }, [&](const ProgramCalled&) {},
+            [&](const ProgramEnded& f) {
+                if (f.status == 0) return;
+                report("call-failed", f.status < 0 ? std::string(f.location) +
+                       " could not be started" : std::string(f.location) + " ended with code " +
+                       std::to_string(f.status), {"SetAppLocation -> "});
+            },
+            // The front end reads and parses the script itself.
+            [&](const ScriptNotOpened&) {}, [&](const VariableRejected&) {},
+            [&](const ScriptNotPrepared&) {}, [&](const SyntaxError&) {}, [&](const RunEnded&) {}},
+        fact);
+}
+
+}  // namespace Strict

@@ -1,0 +1,97 @@
+#include "strict/ScriptText.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "parser/text/ScriptText.hpp"
+#include "parser/text/VariableExpansion.hpp"
+
+namespace Strict {
+
+namespace {
+
+/// Bytes of a line that are shown on either side of a place.
+constexpr std::size_t shownBefore = 60;
+constexpr std::size_t shownAfter = 100;
+
+bool isContinuation(char c) {
+    constexpr unsigned mask = 0xC0;
+    constexpr unsigned continuation = 0x80;
+    return (static_cast<unsigned char>(c) & mask) == continuation;
+}
+
+/// The characters of a text in UTF-8.
+std::size_t characters(std::string_view text) {
+    return text.size() -
+           static_cast<std::size_t>(std::ranges::count_if(text, &isContinuation));
+}
+
+}  // namespace
+
+ScriptText::ScriptText(std::string file, std::string written,
+                       const std::map<std::string, std::string>& variables)
+    : file_(std::move(file)), written_(std::move(written)), prepared_(written_) {
+    std::map<std::string, std::string> all = variables;
+    Parser::removeComments(prepared_, &map_);
+    Parser::takeSubstitutions(prepared_, all, &map_);
+    Parser::expandVariables(prepared_, all, &map_);
+}
+
+std::size_t ScriptText::lineOf(std::size_t offset) const {
+    if (lineStarts_.empty()) {
+        lineStarts_.push_back(0);
+        for (std::size_t feed = written_.find('\n'); feed != std::string::npos;
+             feed = written_.find('\n', feed + 1))
+            lineStarts_.push_back(feed + 1);
+    }
+    const auto after = std::ranges::upper_bound(lineStarts_, offset);
+    return static_cast<std::size_t>(after - lineStarts_.begin());
+}
+
+Place ScriptText::placeInFile(std::size_t offset, std::size_t length) const {
+    const std::string_view text = written_;
+    offset = std::min(offset, text.size());
+    const std::size_t feed = offset == 0 ? std::string_view::npos : text.rfind('\n', offset - 1);
+    const std::size_t begin = feed == std::string_view::npos ? 0 : feed + 1;
+    const std::size_t end = std::min(text.find('\n', offset), text.size());
+    std::size_t from = offset - begin > shownBefore ? offset - shownBefore : begin;
+    std::size_t to = end - offset > shownAfter ? offset + shownAfter : end;
+    while (from < offset && isContinuation(text[from])) ++from;
+    while (to > offset && to < end && isContinuation(text[to])) --to;
+    const std::size_t last = std::min(offset + length, to);
+    Place place;
+    place.file = file_;
+    place.line = lineOf(offset);
+    place.column = characters(text.substr(begin, offset - begin)) + 1;
+    place.excerpt = text.substr(from, to - from);
+    place.caret = characters(text.substr(from, offset - from));
+    place.caretLength = std::max<std::size_t>(characters(text.substr(offset, last - offset)), 1);
+    return place;
+}
+
+Place ScriptText::placeOf(std::size_t first, std::size_t last) const {
+    const Parser::TextOrigin origin = map_.originOf(first);
+    if (origin.variable)
+        return placeInFile(origin.offset, map_.variables()[*origin.variable].name.size());
+    // What comes from the file in one piece is marked as a whole.
+    const Parser::TextOrigin end = map_.originOf(last > first ? last - 1 : first);
+    const bool isWhole = !end.variable && end.offset >= origin.offset;
+    return placeInFile(origin.offset, isWhole ? end.offset + 1 - origin.offset : last - first);
+}
+
+Place ScriptText::placeOf(std::string_view part) const {
+    const std::size_t first = offsetOf(part);
+    return placeOf(first, first + part.size());
+}
+
+std::vector<Note> ScriptText::variableNotes(std::size_t offset) const {
+    const Parser::TextOrigin origin = map_.originOf(offset);
+    if (!origin.variable) return {};
+    constexpr std::size_t longestShown = 200;
+    const auto& variable = map_.variables()[*origin.variable];
+    std::string value = variable.value.substr(0, longestShown);
+    if (value.size() < variable.value.size()) value += "...";
+    return {{"the variable " + variable.name + " is replaced by \"" + value + "\"", std::nullopt}};
+}
+
+}  // namespace Strict

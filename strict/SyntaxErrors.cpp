@@ -1,0 +1,159 @@
+#include "strict/SyntaxErrors.hpp"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string>
+
+#include "strict/Suggestion.hpp"
+
+namespace Strict {
+
+namespace {
+
+constexpr std::string_view spaces = " \t\n\v\f\r";
+
+/// What the words of a group are in the language.
+struct Group {
+    const char* description;
+    std::string_view member;  ///< a word that only this group has
+    std::string_view start;   ///< what its words begin with
+};
+
+constexpr std::array groups{
+    Group{"a source", "FROM_FILE", "FROM_"},
+    Group{"a source", "FROM_BUFFER", "FROM_"},
+    Group{"what to fill with", "WITH_FILLER", "WITH_"},
+    Group{"a CRC type", "Crc32_Standard", ""},
+    Group{"a hash type", "Hash_Sha1", "Hash_"},
+    Group{"a format", "RawBinary", ""},
+    Group{"a byte order", "LittleEndian", ""},
+};
+
+bool has(const std::vector<std::string_view>& words, std::string_view word) {
+    return std::ranges::find(words, word) != words.end();
+}
+
+std::string listed(const std::vector<std::string_view>& words) {
+    std::string text;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        if (i != 0) text += i + 1 == words.size() ? " or " : ", ";
+        text += words[i];
+    }
+    return text;
+}
+
+/// "a source: FROM_FILE, EMPTY or FROM_VALUES", and so on for each group of words.
+std::string expectation(std::vector<std::string_view> words,
+                        const std::vector<std::string_view>& keywords) {
+    const auto isKeyword = [&](std::string_view word) { return has(keywords, word); };
+    const bool takesStatement = std::ranges::any_of(words, isKeyword);
+    std::erase_if(words, [&](std::string_view word) {
+        return isKeyword(word) || word == "CALCULATE";
+    });
+    const bool isEnd = takesStatement;
+    if (words.empty()) return isEnd ? "a statement" : "something else";
+    const auto group = std::ranges::find_if(groups, [&](const Group& one) {
+        return has(words, one.member);
+    });
+    std::string text;
+    if (group != groups.end()) text = std::string(group->description) + ": ";
+    else if (std::ranges::all_of(words, [](auto word) { return word.starts_with('-'); }))
+        text = words.size() == 1 ? "the option " : "an option: ";
+    text += listed(words);
+    return isEnd ? text + ", or the next statement" : text;
+}
+
+/// The word at the beginning of `rest`, for a message: up to white space or a delimiter.
+std::string_view wordAt(std::string_view rest) {
+    constexpr std::string_view ends = " \t\n\v\f\r{}(),;=";
+    const std::size_t length = std::min(rest.find_first_of(ends), rest.size());
+    return rest.substr(0, std::max<std::size_t>(length, rest.empty() ? 0 : 1));
+}
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+/// Advice for common mistakes that no word of the language is near to.
+std::string advice(std::string_view before, std::string_view word,
+                   const std::vector<std::string_view>& words) {
+    const bool takesNumber = has(words, "a number");
+    const bool isRemark = word.starts_with('#') || word.starts_with("/*") || word.starts_with(";") ||
+                          word.starts_with("--");
+    if (isRemark && !takesNumber) return "a remark begins with //";
+    if (word.starts_with("\xEF\xBB\xBF")) return "remove the byte order mark at the beginning";
+    if (takesNumber && word.starts_with('$')) return "a hexadecimal number begins with 0x";
+    if (takesNumber && (word.starts_with('-') || word.starts_with('+')))
+        return "a number has no sign";
+    const std::size_t last = before.find_last_not_of(" \t");
+    const bool isAfterNumber = last != std::string_view::npos && isDigit(before[last]);
+    if (takesNumber && word == "}" ) return "is a comma missing between two numbers?";
+    if (isAfterNumber && (word == "h" || word == "H"))
+        return "a hexadecimal number begins with 0x";
+    if (isAfterNumber && word.starts_with('x')) return "a number has at most 32 bits";
+    if (takesNumber && !word.empty() && isDigit(word.front()))
+        return "a number has at most 32 bits";
+    if (!word.empty() && static_cast<unsigned char>(word.front()) > 0x7F)
+        return "a name consists of letters, digits and # @ _ - ! < > &";
+    if (has(words, "WITH_BUFFERS") || has(words, "WITH_ARGUMENTS"))
+        return "put a text with blanks into braces";
+    if (has(words, "{") && !word.empty()) return "a list is in braces";
+    return {};
+}
+
+/// The last opening brace of a text without its closing one.
+std::optional<std::size_t> openBrace(std::string_view text) {
+    std::vector<std::size_t> open;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '{') open.push_back(i);
+        if (text[i] == '}' && !open.empty()) open.pop_back();
+    }
+    if (open.empty()) return std::nullopt;
+    return open.back();
+}
+
+}  // namespace
+
+Diagnostic syntaxError(const ScriptText& script, std::string_view statement,
+                       const Parser::Expectations& missed,
+                       const std::vector<std::string_view>& keywords) {
+    const char* const furthest = missed.furthest == nullptr ? statement.data() : missed.furthest;
+    const auto at = static_cast<std::size_t>(furthest - statement.data());
+    const std::string_view before = statement.substr(0, at);
+    const std::string_view word = wordAt(statement.substr(at));
+    std::vector<std::string> candidates(missed.words.begin(), missed.words.end());
+    std::erase_if(candidates, [](const std::string& one) { return one.find(' ') != one.npos; });
+    Diagnostic diagnostic{};
+    diagnostic.name = "syntax";
+    diagnostic.text = "expected " + expectation(missed.words, keywords);
+    if (word.empty())
+        diagnostic.text += ", but the script ends here";
+    else if (word.find_first_of(spaces) == std::string_view::npos)
+        diagnostic.text += ", not " + std::string(word.substr(0, 40));
+    const std::size_t offset = script.offsetOf(statement) + at;
+    diagnostic.place = script.placeOf(offset, offset + word.size());
+    const auto close = nearest(word, candidates);
+    diagnostic.hint = close ? "did you mean " + *close + "?" : advice(before, word, missed.words);
+    diagnostic.notes = script.variableNotes(offset);
+    if (const auto brace = openBrace(before)) {
+        const std::size_t open = script.offsetOf(statement) + *brace;
+        diagnostic.notes.push_back({"this brace is not closed", script.placeOf(open, open + 1)});
+    }
+    return diagnostic;
+}
+
+std::size_t nextStatement(std::string_view text, std::size_t from,
+                          const std::vector<std::string_view>& keywords) {
+    for (std::size_t feed = text.find('\n', from); feed != std::string_view::npos;
+         feed = text.find('\n', feed + 1)) {
+        const std::size_t begin = text.find_first_not_of(" \t", feed + 1);
+        if (begin == std::string_view::npos) break;
+        const std::string_view line = text.substr(begin);
+        const auto isAt = [&](std::string_view word) { return line.starts_with(word); };
+        if (std::ranges::any_of(keywords, isAt)) return begin;
+    }
+    return text.size();
+}
+
+}  // namespace Strict
