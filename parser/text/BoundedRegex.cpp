@@ -186,7 +186,7 @@ RegexAllowance::RegexAllowance(std::size_t length)
 
 std::string replaceBounded(const std::string& text, const std::string& pattern,
                            const std::string& format, std::size_t longest,
-                           RegexAllowance& allowance) {
+                           RegexAllowance& allowance, const ReplacementWatch& watch) {
     const PatternSize size = sizeOf(pattern);
     const std::regex expression(pattern, std::regex::ECMAScript | std::regex::multiline);
     const volatile char here = 0;
@@ -199,6 +199,9 @@ std::string replaceBounded(const std::string& text, const std::string& pattern,
 
     std::string result;
     const char* copied = text.data();
+    const auto offset = [&text](const char* position) {
+        return static_cast<std::size_t>(position - text.data());
+    };
     using Matches = std::regex_iterator<CheckedPosition>;
     for (Matches match(begin, end, expression); match != Matches(); ++match) {
         // Each search clears a table of all states, and an empty match is followed by two.
@@ -207,8 +210,12 @@ std::string replaceBounded(const std::string& text, const std::string& pattern,
         std::string value;
         match->format(std::back_inserter(value), format);
         appendBounded(result, value.data(), value.data() + value.size(), longest);
+        if (watch)
+            watch(offset(copied), offset((*match)[0].first.base()),
+                  offset((*match)[0].second.base()), value.size());
         copied = (*match)[0].second.base();
     }
+    if (watch) watch(offset(copied), text.size(), text.size(), 0);
     appendBounded(result, copied, text.data() + text.size(), longest);
     allowance.steps = std::min(allowance.steps, budget.steps);
     return result;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace Parser {
@@ -16,6 +17,11 @@ struct RegexAllowance {
     std::uint64_t steps;
 };
 
+/// Is shown each replacement: the text [`copied`, `first`) stays, [`first`, `last`) becomes
+/// `length` characters. At the end it is shown the text that is left, with nothing replaced.
+using ReplacementWatch = std::function<void(std::size_t copied, std::size_t first, std::size_t last,
+                                            std::size_t length)>;
+
 /// Replaces in `text` what `pattern`, a regular expression of ECMAScript grammar, matches by the
 /// replacement format `format`. `^` and `$` match at the ends of lines.
 ///
@@ -23,11 +29,12 @@ struct RegexAllowance {
 /// without end. Here it ends in an exception before it uses up the stack or more than moments.
 ///
 /// @param allowance  what is left of it; less afterwards
+/// @param watch      may be empty
 /// @throws std::regex_error  for an invalid pattern, with an error code other than the following;
 ///         with `error_stack` or `error_complexity` if the evaluation takes too much
 /// @throws std::length_error  if the result would be longer than `longest` bytes
 std::string replaceBounded(const std::string& text, const std::string& pattern,
                            const std::string& format, std::size_t longest,
-                           RegexAllowance& allowance);
+                           RegexAllowance& allowance, const ReplacementWatch& watch = {});
 
 }  // namespace Parser

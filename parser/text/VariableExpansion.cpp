@@ -100,7 +100,10 @@ std::string formatted(const Variable& variable) {
 /// In a line only those variables cost time that occur in it.
 class PlainExpansion {
 public:
-    explicit PlainExpansion(std::span<const Variable> variables) {
+    /// @param map    takes what became of the text, unless it is null
+    /// @param first  index of the first variable in the map
+    PlainExpansion(std::span<const Variable> variables, TextMap* map, std::size_t first)
+        : map_(map), first_(first) {
         for (const Variable& variable : variables) {
             ranks_.emplace(variable.name, variables_.size());
             lengths_.insert(variable.name.size());
@@ -112,11 +115,13 @@ public:
     std::string apply(std::string_view text, Limits& limits) const {
         std::string result;
         result.reserve(text.size());
-        while (!text.empty()) {
-            const std::size_t lineEnd = std::min(text.find('\n'), text.size() - 1) + 1;
-            appendLine(result, text.substr(0, lineEnd), limits);
-            text.remove_prefix(lineEnd);
+        TextStage stage;
+        for (std::size_t at = 0; at < text.size();) {
+            const std::size_t lineEnd = std::min(text.find('\n', at), text.size() - 1) + 1;
+            appendLine(result, text.substr(at, lineEnd - at), at, stage, limits);
+            at = lineEnd;
         }
+        if (map_ != nullptr) map_->add(stage);
         return result;
     }
 
@@ -151,36 +156,57 @@ private:
         return best;
     }
 
-    void appendLine(std::string& result, std::string_view source, Limits& limits) const {
+    void appendLine(std::string& result, std::string_view source, std::size_t at, TextStage& stage,
+                    Limits& limits) const {
         std::size_t rank = firstRank(source, 0);
         if (rank == none) {
             result += source;
+            if (map_ != nullptr) stage.keep(at, source.size());
             return;
         }
         std::string line(source);
-        for (; rank != none; rank = firstRank(line, rank + 1)) line = replaced(line, rank, limits);
+        TextMap inLine;
+        for (; rank != none; rank = firstRank(line, rank + 1))
+            line = replaced(line, rank, at, inLine, limits);
+        if (map_ != nullptr) stage.append(inLine.stage(), at);
         if (line.size() > limits.longestText - std::min(limits.longestText, result.size()))
             reportTooLong(variables_.front().name);
         result += line;
     }
 
-    std::string replaced(std::string_view line, std::size_t rank, Limits& limits) const {
+    /// @param start   of the line in the text
+    /// @param inLine  what became of the line so far, if there is a map
+    std::string replaced(std::string_view line, std::size_t rank, std::size_t start,
+                         TextMap& inLine, Limits& limits) const {
         const Variable& variable = variables_[rank];
         if (line.size() > limits.walk) reportTooLong(variable.name);
         limits.walk -= line.size();
         std::string result;
+        TextStage stage;
         std::size_t copied = 0;
         for (std::size_t at = line.find(variable.name); at != std::string_view::npos;
              at = line.find(variable.name, copied)) {
             result += line.substr(copied, at - copied);
             result += variable.value;
+            if (map_ != nullptr) {
+                stage.keep(copied, at - copied);
+                stage.insert(at, variable.value.size(), first_ + rank);
+                map_->use(first_ + rank, line, at, at + variable.name.size(),
+                          start + inLine.originOf(at).offset);
+            }
             copied = at + variable.name.size();
             if (result.size() > limits.longestText) reportTooLong(variable.name);
         }
         result += line.substr(copied);
+        if (map_ != nullptr) {
+            stage.keep(copied, line.size() - copied);
+            inLine.add(stage);
+        }
         return result;
     }
 
+    TextMap* map_;
+    std::size_t first_;
     std::vector<Variable> variables_;
     std::unordered_map<std::string_view, std::size_t> ranks_;
     std::set<std::size_t> lengths_;
@@ -188,10 +214,22 @@ private:
     std::bitset<std::size_t{1} << 16U> beginnings_;
 };
 
-std::string patternApplied(const std::string& text, const Variable& variable, Limits& limits) {
+std::string patternApplied(const std::string& text, const Variable& variable, Limits& limits,
+                           TextMap* map, std::size_t index) {
     try {
-        return replaceBounded(text, variable.name, variable.value, limits.longestText,
-                              limits.allowance);
+        TextStage stage;
+        ReplacementWatch watch;
+        if (map != nullptr)
+            watch = [&](std::size_t copied, std::size_t first, std::size_t last,
+                        std::size_t length) {
+                stage.keep(copied, first - copied);
+                stage.insert(first, length, index);
+                if (first != text.size()) map->use(index, text, first, last, first);
+            };
+        std::string result = replaceBounded(text, variable.name, variable.value, limits.longestText,
+                                            limits.allowance, watch);
+        if (map != nullptr) map->add(stage);
+        return result;
     } catch (const std::regex_error& error) {
         const bool isExhausted = error.code() == std::regex_constants::error_stack ||
                                  error.code() == std::regex_constants::error_complexity ||
@@ -206,18 +244,26 @@ std::string patternApplied(const std::string& text, const Variable& variable, Li
 
 }  // namespace
 
-void expandVariables(std::string& text, const std::map<std::string, std::string>& variables) {
+void expandVariables(std::string& text, const std::map<std::string, std::string>& variables,
+                     TextMap* map) {
     const std::vector<Variable> ordered = inOrder(variables);
     std::size_t scriptSize = text.size();
     for (const Variable& variable : ordered) scriptSize += variable.value.size();
     Limits limits(scriptSize);
+    if (map != nullptr) {
+        std::vector<TextMap::Variable> known;
+        for (const auto& [name, value] : ordered) known.push_back({name, value, false, {}});
+        map->setVariables(std::move(known));
+    }
     for (auto next = ordered.begin(); next != ordered.end();) {
         const auto plainEnd = std::find_if_not(next, ordered.end(), isPlain);
         if (plainEnd != next) {
-            text = PlainExpansion(std::span(next, plainEnd)).apply(text, limits);
+            const auto first = static_cast<std::size_t>(next - ordered.begin());
+            text = PlainExpansion(std::span(next, plainEnd), map, first).apply(text, limits);
             next = plainEnd;
         } else {
-            text = patternApplied(text, *next, limits);
+            text = patternApplied(text, *next, limits, map,
+                                  static_cast<std::size_t>(next - ordered.begin()));
             ++next;
         }
     }

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "facts/Facts.hpp"
+#include "parser/text/TextMap.hpp"
 
 namespace Parser {
 
@@ -33,6 +34,9 @@ private:
 /// @throws VariableError  if a name is no valid regular expression, if its evaluation would exhaust
 ///                        the machine, or if the text would grow beyond 64 MiB and four times the
 ///                        length of script and values, or take as long as such a text does
-void expandVariables(std::string& text, const std::map<std::string, std::string>& variables);
+///
+/// @param map  takes what became of the text, unless it is null
+void expandVariables(std::string& text, const std::map<std::string, std::string>& variables,
+                     TextMap* map = nullptr);
 
 }  // namespace Parser
