@@ -302,6 +302,9 @@ public:
         line("Calling: ", quote, fact.location, quote, " ", fact.arguments);
     }
 
+    // What becomes of the program is not looked at.
+    void operator()(const ProgramEnded& /*fact*/) const {}
+
     void operator()(const ScriptNotOpened& fact) const {
         errors_ << "Could not open input file: " << fact.path << std::endl;
     }

@@ -155,6 +155,9 @@ std::vector<Fact> examples(Of<TextPrinted> /*type*/) {
 std::vector<Fact> examples(Of<ProgramCalled> /*type*/) {
     return {ProgramCalled{"PATH", "ARGUMENTS"}};
 }
+std::vector<Fact> examples(Of<ProgramEnded> /*type*/) {
+    return {};
+}
 std::vector<Fact> examples(Of<ScriptNotOpened> /*type*/) {
     return {ScriptNotOpened{"PATH"}};
 }

@@ -289,6 +289,13 @@ struct ProgramCalled {
     bool operator==(const ProgramCalled&) const = default;
 };
 
+/// The program of a CALL_APP has ended.
+struct ProgramEnded {
+    std::string_view location;
+    int status;  ///< its exit code, 128 and the signal that ended it, or -1 if it was not started
+    bool operator==(const ProgramEnded&) const = default;
+};
+
 // The run
 
 /// The script could not be opened.
@@ -335,6 +342,7 @@ using Fact =
                  RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, FileWriteIncomplete,
                  NameNotFound, StatementExhausted, FileNotOpened, FileNotWritten, FileSpanTooLong,
                  BufferPrinted, ContentPrinted, CrcPrinted, HashPrinted, TextPrinted, ProgramCalled,
-                 ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded>;
+                 ProgramEnded, ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError,
+                 RunEnded>;
 
 }  // namespace Facts

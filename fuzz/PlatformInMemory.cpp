@@ -128,7 +128,17 @@ bool OutputFile::close() {
 
 void guardStreams() {}
 
-void runProgram(const std::string& /*location*/, const std::string& /*arguments*/) {}
+bool showsColor() {
+    return false;
+}
+
+std::error_code changeFolder(const std::string& /*path*/) {
+    return {};
+}
+
+int runProgram(const std::string& /*location*/, const std::string& /*arguments*/) {
+    return 0;
+}
 
 std::size_t usableStackBytes() {
     return std::size_t{4} << 20U;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "facts/Listener.hpp"
+#include "io/Host.hpp"
 #include "io/TextLines.hpp"
 
 namespace Io {
@@ -19,7 +20,7 @@ void judge(Platform::Reading reading, const std::string& path) {
 }  // namespace
 
 Platform::InputFile openInput(const std::string& path) {
-    auto file = Platform::InputFile::open(path);
+    auto file = host().openInput(path);
     if (!file) throw bad_open();
     return std::move(*file);
 }

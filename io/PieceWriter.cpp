@@ -40,9 +40,8 @@ void PieceWriter::flush() {
 
 void PieceWriter::write(std::string_view text) {
     if (!file_) {
-        auto created = Platform::OutputFile::create(path_, mode_);
-        if (!created) throw bad_open();
-        file_.emplace(std::move(*created));
+        file_ = host().createOutput(path_, mode_);
+        if (!file_) throw bad_open();
     }
     isComplete_ = isComplete_ && file_->write(text);
 }

@@ -2,12 +2,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "io/Host.hpp"
 #include "platform/Files.hpp"
 
 namespace Io {
@@ -55,7 +56,7 @@ private:
 
     const std::string& path_;
     Platform::FileMode mode_;
-    std::optional<Platform::OutputFile> file_;
+    std::unique_ptr<OutputStream> file_;
     bool isComplete_ = true;
     std::vector<char> piece_;
     std::size_t used_ = 0;

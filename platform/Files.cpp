@@ -13,6 +13,14 @@ InputFile::InputFile(InputFile&& other) noexcept
       isStream_(other.isStream_),
       hasFailed_(other.hasFailed_) {}
 
+InputFile InputFile::ofMemory(PageBlock contents, std::size_t size) {
+    InputFile file(-1);
+    file.stream_ = std::move(contents);
+    file.size_ = size;
+    file.isStream_ = true;
+    return file;
+}
+
 std::optional<FileContents> readFile(const std::string& path) {
     const auto file = InputFile::open(path);
     if (!file) return std::nullopt;

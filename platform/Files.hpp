@@ -41,6 +41,9 @@ public:
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
 
+    /// A file that is only in memory: the first `size` bytes of `contents`.
+    static InputFile ofMemory(PageBlock contents, std::size_t size);
+
     /// Bytes of the file when it was opened.
     std::uint64_t size() const { return size_; }
 
@@ -92,6 +95,9 @@ class OutputFile {
 public:
     /// Nothing if the file cannot be opened; it is untouched then.
     static std::optional<OutputFile> create(const std::string& path, FileMode mode);
+
+    /// The same for a file that is not there yet: nothing if it is.
+    static std::optional<OutputFile> createNew(const std::string& path);
     ~OutputFile();
     OutputFile(OutputFile&& other) noexcept;
     OutputFile& operator=(OutputFile&& other) = delete;

@@ -6,9 +6,12 @@
 namespace Platform {
 
 /// Runs the program at `location` through the command interpreter, with `arguments` as its argument
-/// string, and waits for its end. Its outcome is ignored.
+/// string, and waits for its end.
 ///
 /// The location is quoted, so every character of it is literal; the arguments are not.
-void runProgram(const std::string& location, const std::string& arguments);
+///
+/// @return the exit code as a shell reports it: 127 if there is no such program, 126 if it cannot
+///         be run, 128 and the number of the signal that ended it; -1 without a shell
+int runProgram(const std::string& location, const std::string& arguments);
 
 }  // namespace Platform

@@ -1,10 +1,12 @@
 #include "platform/Process.hpp"
 
+#include <sys/wait.h>
+
 #include <cstdlib>
 
 namespace Platform {
 
-void runProgram(const std::string& location, const std::string& arguments) {
+int runProgram(const std::string& location, const std::string& arguments) {
     // Within single quotes every character but the single quote is literal.
     std::string command = "'";
     for (const char character : location) {
@@ -15,7 +17,10 @@ void runProgram(const std::string& location, const std::string& arguments) {
     }
     command += "' ";
     command += arguments;
-    static_cast<void>(std::system(command.c_str()));
+    const int status = std::system(command.c_str());
+    constexpr int signalBase = 128;
+    if (status < 0) return -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : signalBase + WTERMSIG(status);
 }
 
 }  // namespace Platform

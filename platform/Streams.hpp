@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <system_error>
+
 /// The standard streams of the process.
 namespace Platform {
 
@@ -12,5 +15,11 @@ namespace Platform {
 /// that write instead of a signal that ends the program. Programs started by `runProgram` get the
 /// signals as this one got them.
 void guardStreams();
+
+/// Standard error is a terminal that shows colors, and the user has not asked for none (NO_COLOR).
+bool showsColor();
+
+/// Makes a folder the one that relative paths begin in.
+std::error_code changeFolder(const std::string& path);
 
 }  // namespace Platform

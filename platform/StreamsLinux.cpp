@@ -3,7 +3,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <initializer_list>
 
 namespace Platform {
@@ -22,6 +24,19 @@ void guardStreams() {
         if (::sigaction(signal, nullptr, &found) == 0 && found.sa_handler == SIG_DFL)
             ::sigaction(signal, &handled, nullptr);
     }
+}
+
+bool showsColor() {
+    const char* const without = std::getenv("NO_COLOR");
+    const char* const terminal = std::getenv("TERM");
+    const bool isRefused = without != nullptr && *without != '\0';
+    const bool isDumb = terminal == nullptr || std::string(terminal) == "dumb";
+    return !isRefused && !isDumb && ::isatty(STDERR_FILENO) != 0;
+}
+
+std::error_code changeFolder(const std::string& path) {
+    if (::chdir(path.c_str()) == 0) return {};
+    return {errno, std::generic_category()};
 }
 
 }  // namespace Platform

@@ -13,6 +13,7 @@ struct VersionInfo {
     std::uint16_t major = 0;
     std::uint16_t minor = 0;
     std::string copyright;
+    std::string commit;     ///< of the source; "unknown" if the build does not know it
     std::string buildDate;  ///< day of compilation, as in "Aug 18 2021"
 };
 

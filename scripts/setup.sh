@@ -3,7 +3,7 @@
 #   scripts/setup.sh build|test|demo|bench|package ...
 set -eu
 
-build="g++ cmake ninja-build libboost-dev libcunit1-dev"
+build="g++ cmake ninja-build libboost-dev libcunit1-dev libcli11-dev nlohmann-json3-dev"
 test="$build clang clang-format clang-tidy git libgtest-dev python3 valgrind gcovr srecord binutils
       openssl xxd libclang-rt-14-dev libdigest-crc-perl make nodejs npm groff-base mandoc vim strace"
 demo="$build python3 srecord"

@@ -31,8 +31,8 @@ std::vector<Token> tokensOf(std::string_view text) {
             mark != std::string_view::npos && (text[mark] == 'x' || text[mark] == 'X');
         if (isHex) text.remove_prefix(mark + 1);
         Token token{'0'};
-        const auto end = std::from_chars(text.data(), text.data() + text.size(), token.value,
-                                         isHex ? 16 : 10);
+        const auto end =
+            std::from_chars(text.data(), text.data() + text.size(), token.value, isHex ? 16 : 10);
         const auto length = static_cast<std::size_t>(end.ptr - text.data());
         text.remove_prefix(length == 0 ? 1 : length);
         tokens.push_back(token);

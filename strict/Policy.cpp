@@ -20,6 +20,7 @@ constexpr std::array allKinds{
     Kind{"out-of-memory", Error, true},
     Kind{"record-checksum", Error, true},
     Kind{"record-line", Error, true},
+    Kind{"differs", Error, true},
     Kind{"no-end", Error, false},
     Kind{"unknown-name", Error, false},
     Kind{"duplicate-name", Error, false},

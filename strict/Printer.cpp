@@ -69,8 +69,8 @@ void Printer::printPlace(const Place& place, const std::string& hint) {
     const std::string margin(number.size() < 4 ? 4 - number.size() : 0, ' ');
     *out_ << " " << margin << number << " | " << shown(place.excerpt) << "\n";
     if (place.column == 0) {
-        if (!hint.empty()) *out_ << std::string(margin.size() + number.size() + 4, ' ') << hint
-                                 << "\n";
+        if (!hint.empty())
+            *out_ << std::string(margin.size() + number.size() + 4, ' ') << hint << "\n";
         return;
     }
     *out_ << " " << std::string(margin.size() + number.size(), ' ') << " | "

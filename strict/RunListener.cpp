@@ -65,7 +65,12 @@ private:
 };
 
 std::string areaText(std::uint64_t start, std::uint64_t length) {
-    return "{" + hexadecimal(start) + ", " + hexadecimal(length) + "}";
+    std::string text(1, '{');
+    text += hexadecimal(start);
+    text += ", ";
+    text += hexadecimal(length);
+    text += '}';
+    return text;
 }
 
 std::string rangeText(std::uint64_t start, std::uint64_t end) {
@@ -107,9 +112,12 @@ void RunListener::reportOutside(std::uint64_t start, std::uint64_t length,
     const std::string_view statement = script_->prepared().substr(first_, last_ - first_);
     const Arguments arguments(statement);
     const std::string_view part = trimmed(arguments.area(start, length));
-    sink_->take({Severity::Error, "outside",
+    sink_->take({Severity::Error,
+                 "outside",
                  "the area " + areaText(start, length) + " does not lie in " + images,
-                 script_->placeOf(part), "", {}});
+                 script_->placeOf(part),
+                 "",
+                 {}});
 }
 
 void RunListener::reportOpen(std::string_view file) {
@@ -125,13 +133,17 @@ void RunListener::reportOpen(std::string_view file) {
 void RunListener::reportLine(const char* kind, std::string_view file, std::uint64_t line,
                              std::string_view text, std::string message) {
     constexpr std::size_t longestShown = 160;
-    Place place{std::string(file), static_cast<std::size_t>(line), 0,
-                std::string(text.substr(0, longestShown)), 0, 0};
+    Place place{std::string(file),
+                static_cast<std::size_t>(line),
+                0,
+                std::string(text.substr(0, longestShown)),
+                0,
+                0};
     const std::string_view statement = script_->prepared().substr(first_, last_ - first_);
     const Arguments arguments(statement);
     Diagnostic diagnostic{Severity::Error, kind, std::move(message), place, "", {}};
-    diagnostic.notes.push_back({"while this file is read",
-                                script_->placeOf(trimmed(arguments.textOf(inputFile)))});
+    diagnostic.notes.push_back(
+        {"while this file is read", script_->placeOf(trimmed(arguments.textOf(inputFile)))});
     sink_->take(diagnostic);
 }
 
@@ -140,16 +152,22 @@ void RunListener::hear(const Fact& fact) {
     std::visit(
         Overloaded{
             [&](const ImageNotAddressable& f) {
-                report("outside", "an image of " + hexadecimal(f.length) + " bytes at " +
-                       hexadecimal(f.start) + " passes the end of the address space", anyArea);
+                report("outside",
+                       "an image of " + hexadecimal(f.length) + " bytes at " +
+                           hexadecimal(f.start) + " passes the end of the address space",
+                       anyArea);
             },
             [&](const ImageTooLong& f) {
-                report("outside", "an image has less than " + hexadecimal(f.limit) + " bytes, not " +
-                       hexadecimal(f.length), anyArea, "an area is {start, length}");
+                report("outside",
+                       "an image has less than " + hexadecimal(f.limit) + " bytes, not " +
+                           hexadecimal(f.length),
+                       anyArea, "an area is {start, length}");
             },
             [&](const MoveTooFar& f) {
-                report("outside", "the image does not fit at " + hexadecimal(f.start) +
-                       ": its highest start is " + hexadecimal(f.highestStart), anyArea);
+                report("outside",
+                       "the image does not fit at " + hexadecimal(f.start) +
+                           ": its highest start is " + hexadecimal(f.highestStart),
+                       anyArea);
             },
             [&](const FillPatternEmpty&) {
                 report("no-effect", "there is nothing to fill with, nothing is written",
@@ -157,37 +175,47 @@ void RunListener::hear(const Fact& fact) {
                         "SetFillString -> ", "SetFillHash -> ", "AddArea -> "});
             },
             [&](const FillStartOutside& f) {
-                report("outside", "an area that begins at " + hexadecimal(f.start) +
-                       " does not lie in the image, which has " +
-                       rangeText(f.imageStart, f.imageEnd), anyArea);
+                report("outside",
+                       "an area that begins at " + hexadecimal(f.start) +
+                           " does not lie in the image, which has " +
+                           rangeText(f.imageStart, f.imageEnd),
+                       anyArea);
             },
             [&](const FillTooLong& f) {
-                report("outside", hexadecimal(f.length) + " bytes from " + hexadecimal(f.start) +
-                       " on do not fit into the image, which ends before " +
-                       hexadecimal(f.imageEnd), anyArea);
+                report("outside",
+                       hexadecimal(f.length) + " bytes from " + hexadecimal(f.start) +
+                           " on do not fit into the image, which ends before " +
+                           hexadecimal(f.imageEnd),
+                       anyArea);
             },
             [&](const ExtractStartOutside& f) {
-                report("outside", "an area that begins at " + hexadecimal(f.start) +
-                       " does not lie in the image, which has " +
-                       rangeText(f.imageStart, f.imageEnd), anyArea);
+                report("outside",
+                       "an area that begins at " + hexadecimal(f.start) +
+                           " does not lie in the image, which has " +
+                           rangeText(f.imageStart, f.imageEnd),
+                       anyArea);
             },
             [&](const ExtractTooLong& f) {
-                report("outside", hexadecimal(f.length) + " bytes from " + hexadecimal(f.start) +
-                       " on leave the image, which ends before " + hexadecimal(f.imageEnd),
+                report("outside",
+                       hexadecimal(f.length) + " bytes from " + hexadecimal(f.start) +
+                           " on leave the image, which ends before " + hexadecimal(f.imageEnd),
                        anyArea);
             },
             [&](const ReadRangeOutside& f) {
-                report("outside", "the area " + areaText(f.start, f.end - f.start) +
-                       " begins below the data of the file, which has " +
-                       rangeText(f.dataStart, f.dataEnd) + "; nothing of it is read", anyArea,
-                       "use -useBufferRange={start, length} to crop a file");
+                report("outside",
+                       "the area " + areaText(f.start, f.end - f.start) +
+                           " begins below the data of the file, which has " +
+                           rangeText(f.dataStart, f.dataEnd) + "; nothing of it is read",
+                       anyArea, "use -useBufferRange={start, length} to crop a file");
             },
             [&](const TextFileEmpty& f) {
                 report("empty-image", std::string(f.file) + " is empty", inputFile);
             },
             [&](const LastLineMismatched& f) {
-                report("no-end", "the last line of " + std::string(f.file) +
-                       " is no end-of-file record; the file may have been cut off", inputFile);
+                report("no-end",
+                       "the last line of " + std::string(f.file) +
+                           " is no end-of-file record; the file may have been cut off",
+                       inputFile);
             },
             [&](const RecordContradictory& f) {
                 reportLine("record-checksum", f.file, f.lineNumber, f.line,
@@ -201,13 +229,17 @@ void RunListener::hear(const Fact& fact) {
                            "the line is no record, its data is missing");
             },
             [&](const LinesPassedOver& f) {
-                report("record-line", std::to_string(f.count) + " more lines of " +
-                       std::string(f.file) + " are no records", inputFile);
+                report("record-line",
+                       std::to_string(f.count) + " more lines of " + std::string(f.file) +
+                           " are no records",
+                       inputFile);
             },
             [&](const RecordCountTooLow&) {},
             [&](const DataSpanTooLong& f) {
-                report("outside", "the data of the file spans more than " +
-                       hexadecimal(f.mostBytes) + " bytes", inputFile);
+                report(
+                    "outside",
+                    "the data of the file spans more than " + hexadecimal(f.mostBytes) + " bytes",
+                    inputFile);
             },
             [&](const RawFileTooLong& f) {
                 report("outside", "the file has more than " + hexadecimal(f.mostBytes) + " bytes",
@@ -219,32 +251,39 @@ void RunListener::hear(const Fact& fact) {
             },
             [&](const RecordLengthCorrected& f) {
                 const bool isMinimum = f.bound == Bound::Minimum;
-                report("length-corrected", "a record has at " +
-                       std::string(isMinimum ? "least " : "most ") + std::to_string(f.allowed) +
-                       " data bytes, which is used instead of " + std::to_string(f.length),
+                report("length-corrected",
+                       "a record has at " + std::string(isMinimum ? "least " : "most ") +
+                           std::to_string(f.allowed) + " data bytes, which is used instead of " +
+                           std::to_string(f.length),
                        {"SetExportFormatOptionIntelHexExtended -> ",
                         "SetExportFormatOptionIntelHexSegment -> ",
                         "SetExportFormatOptionMotorolaS -> "});
             },
             [&](const AddressNotExpressible& f) {
-                report("outside", "Intel HEX cannot express the address " + hexadecimal(f.address) +
-                       " in this mode", outputFile);
+                report("outside",
+                       "Intel HEX cannot express the address " + hexadecimal(f.address) +
+                           " in this mode",
+                       outputFile);
             },
             [&](const RecordTypeUnknown&) {
                 report("outside", "Intel HEX has no such record", outputFile);
             },
             [&](const ImageBeyondSRecords& f) {
-                report("outside", "S-records cannot express addresses above " +
-                       hexadecimal(f.highestAddress), outputFile);
+                report("outside",
+                       "S-records cannot express addresses above " + hexadecimal(f.highestAddress),
+                       outputFile);
             },
             [&](const TooManyBytes& f) {
-                report("outside", "the images have more than " + hexadecimal(f.mostBytes) +
-                       " bytes together", outputFile);
+                report("outside",
+                       "the images have more than " + hexadecimal(f.mostBytes) + " bytes together",
+                       outputFile);
             },
             [&](const FileWriteIncomplete& f) {
                 const std::string reason = reason_(f.file);
-                report("short-write", std::string(f.file) + " could not be written completely" +
-                       (reason.empty() ? "" : ": " + reason), outputFile);
+                report("short-write",
+                       std::string(f.file) + " could not be written completely" +
+                           (reason.empty() ? "" : ": " + reason),
+                       outputFile);
             },
             [&](const NameNotFound& f) {
                 report("unknown-name", "nothing is called " + std::string(f.name),
@@ -258,22 +297,27 @@ void RunListener::hear(const Fact& fact) {
             [&](const FileNotOpened& f) { reportOpen(f.file); },
             [&](const FileNotWritten& f) {
                 const std::string reason = reason_(f.file);
-                report("cannot-write", "cannot write " + std::string(f.file) +
-                       (reason.empty() ? "" : ": " + reason), outputFile);
+                report(
+                    "cannot-write",
+                    "cannot write " + std::string(f.file) + (reason.empty() ? "" : ": " + reason),
+                    outputFile);
             },
             [&](const FileSpanTooLong& f) {
-                report("outside", "the data of the file spans " + hexadecimal(f.length) +
-                       " bytes, more than 0xfffffff", inputFile,
-                       "name a part of it with -useBufferRange={start, length}");
+                report("outside",
+                       "the data of the file spans " + hexadecimal(f.length) +
+                           " bytes, more than 0xfffffff",
+                       inputFile, "name a part of it with -useBufferRange={start, length}");
             },
             [&](const BufferPrinted& f) { print(f); }, [&](const ContentPrinted& f) { print(f); },
             [&](const CrcPrinted& f) { print(f); }, [&](const HashPrinted& f) { print(f); },
             [&](const TextPrinted& f) { print(f); }, [&](const ProgramCalled&) {},
             [&](const ProgramEnded& f) {
                 if (f.status == 0) return;
-                report("call-failed", f.status < 0 ? std::string(f.location) +
-                       " could not be started" : std::string(f.location) + " ended with code " +
-                       std::to_string(f.status), {"SetAppLocation -> "});
+                report("call-failed",
+                       f.status < 0 ? std::string(f.location) + " could not be started"
+                                    : std::string(f.location) + " ended with code " +
+                                          std::to_string(f.status),
+                       {"SetAppLocation -> "});
             },
             // The front end reads and parses the script itself.
             [&](const ScriptNotOpened&) {}, [&](const VariableRejected&) {},

@@ -19,10 +19,6 @@ constexpr std::uint32_t number(CmdType type) {
     return static_cast<std::uint32_t>(type);
 }
 
-std::string quoted(std::string_view text) {
-    return "\"" + std::string(text) + "\"";
-}
-
 /// The words that begin a statement.
 constexpr std::array<std::string_view, 10> statementWords{
     "NEW_BUFFER", "FILL_BUFFER", "PRINT_TEXT", "PRINT_BUFFER", "PRINT_CRC",
@@ -43,13 +39,15 @@ void ScriptCheck::onStep(const char* trace, Parser::Position first, Parser::Posi
     }
     const std::string_view text(first, static_cast<std::size_t>(last - first));
     steps_.push_back({name, text});
-    const bool takesBytes = name == "SetHexList -> " || name == "SetFillPattern -> " ||
-                            name == "SetFillValues -> ";
+    const bool takesBytes =
+        name == "SetHexList -> " || name == "SetFillPattern -> " || name == "SetFillValues -> ";
     if (takesBytes)
         for (std::size_t i = bytesFrom_; i < values_.size(); ++i)
             if (values_[i].value > 0xFF)
-                report("truncated-value", "the value does not fit into a byte, only its low eight "
-                       "bits count", values_[i].text);
+                report("truncated-value",
+                       "the value does not fit into a byte, only its low eight "
+                       "bits count",
+                       values_[i].text);
     bytesFrom_ = values_.size();
 }
 
@@ -112,10 +110,13 @@ void ScriptCheck::checkNames(std::uint32_t type) {
 void ScriptCheck::define(Names& names, std::string_view name, const char* what) {
     const auto [entry, isNew] = names.try_emplace(std::string(name), name);
     if (isNew) return;
-    Diagnostic diagnostic{Severity::Error, "duplicate-name",
+    Diagnostic diagnostic{Severity::Error,
+                          "duplicate-name",
                           "there is already a" + std::string(*what == 'i' ? "n " : " ") + what +
                               " called " + std::string(name),
-                          script_->placeOf(name), "this one would be dropped", {}};
+                          script_->placeOf(name),
+                          "this one would be dropped",
+                          {}};
     diagnostic.notes.push_back({"the first one is made here", script_->placeOf(entry->second)});
     sink_->take(diagnostic);
 }
@@ -144,13 +145,14 @@ void ScriptCheck::checkTexts(std::uint32_t type, std::string_view statement) {
         const auto holds = [&](std::string_view word) {
             return step.text.find(word) != std::string_view::npos;
         };
-        const bool isSwallowing = feed != std::string_view::npos &&
-                                  std::ranges::any_of(statementWords, holds);
+        const bool isSwallowing =
+            feed != std::string_view::npos && std::ranges::any_of(statementWords, holds);
         const bool isStatement =
             std::ranges::find(statementWords, step.text) != statementWords.end();
         if (isSwallowing || isStatement)
-            report("swallowed", isStatement ? "the text of this statement is the next keyword"
-                                            : "this text goes on over the next statement",
+            report("swallowed",
+                   isStatement ? "the text of this statement is the next keyword"
+                               : "this text goes on over the next statement",
                    step.text.substr(0, feed), "is a closing brace or the text missing?");
     }
     const Step* const section = stepOf("SetExecutionStartAddress -> ");
@@ -169,8 +171,8 @@ void ScriptCheck::checkTexts(std::uint32_t type, std::string_view statement) {
 void ScriptCheck::checkSymbols(std::string_view statement) {
     const Step* const first = stepOf("AddResolveSymbolName -> ");
     if (first == nullptr) return;
-    const std::string_view before = statement.substr(
-        0, static_cast<std::size_t>(first->text.data() - statement.data()));
+    const std::string_view before =
+        statement.substr(0, static_cast<std::size_t>(first->text.data() - statement.data()));
     for (const Step& step : steps_) {
         if (step.trace != "AddResolveSymbolName -> ") continue;
         if (!crcs_.contains(step.text) && !hashes_.contains(step.text)) {
@@ -203,14 +205,17 @@ void ScriptCheck::checkExpression(const Value& value) {
     }
     if (arithmetic.usual() == arithmetic.language()) return;
     report("expression-order",
-           "this is " + hexadecimal(arithmetic.language()) + ", since an operator takes everything "
-           "to its right; by the usual order it would be " + hexadecimal(arithmetic.usual()),
+           "this is " + hexadecimal(arithmetic.language()) +
+               ", since an operator takes everything "
+               "to its right; by the usual order it would be " +
+               hexadecimal(arithmetic.usual()),
            value.text, "use parentheses");
 }
 
 void ScriptCheck::report(const char* kind, std::string text, std::string_view part,
                          std::string hint) {
-    Diagnostic diagnostic{Severity::Error, kind, std::move(text), script_->placeOf(part),
+    Diagnostic diagnostic{Severity::Error, kind,
+                          std::move(text), script_->placeOf(part),
                           std::move(hint), script_->variableNotes(script_->offsetOf(part))};
     sink_->take(diagnostic);
 }

@@ -22,8 +22,7 @@ bool isContinuation(char c) {
 
 /// The characters of a text in UTF-8.
 std::size_t characters(std::string_view text) {
-    return text.size() -
-           static_cast<std::size_t>(std::ranges::count_if(text, &isContinuation));
+    return text.size() - static_cast<std::size_t>(std::ranges::count_if(text, &isContinuation));
 }
 
 }  // namespace

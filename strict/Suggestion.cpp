@@ -24,8 +24,8 @@ std::size_t distance(std::string_view left, std::string_view right) {
     for (std::size_t i = 1; i <= left.size(); ++i) {
         for (std::size_t j = 1; j <= right.size(); ++j) {
             const bool isSame = lower(left[i - 1]) == lower(right[j - 1]);
-            std::size_t best = std::min({rows[i - 1][j] + 1, rows[i][j - 1] + 1,
-                                         rows[i - 1][j - 1] + (isSame ? 0U : 1U)});
+            std::size_t best = std::min(
+                {rows[i - 1][j] + 1, rows[i][j - 1] + 1, rows[i - 1][j - 1] + (isSame ? 0U : 1U)});
             if (i > 1 && j > 1 && lower(left[i - 1]) == lower(right[j - 2]) &&
                 lower(left[i - 2]) == lower(right[j - 1]))
                 best = std::min(best, rows[i - 2][j - 2] + 1);

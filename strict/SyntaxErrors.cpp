@@ -48,16 +48,15 @@ std::string expectation(std::vector<std::string_view> words,
                         const std::vector<std::string_view>& keywords) {
     const auto isKeyword = [&](std::string_view word) { return has(keywords, word); };
     const bool takesStatement = std::ranges::any_of(words, isKeyword);
-    std::erase_if(words, [&](std::string_view word) {
-        return isKeyword(word) || word == "CALCULATE";
-    });
+    std::erase_if(words,
+                  [&](std::string_view word) { return isKeyword(word) || word == "CALCULATE"; });
     const bool isEnd = takesStatement;
     if (words.empty()) return isEnd ? "a statement" : "something else";
-    const auto group = std::ranges::find_if(groups, [&](const Group& one) {
-        return has(words, one.member);
-    });
+    const auto group =
+        std::ranges::find_if(groups, [&](const Group& one) { return has(words, one.member); });
     std::string text;
-    if (group != groups.end()) text = std::string(group->description) + ": ";
+    if (group != groups.end())
+        text = std::string(group->description) + ": ";
     else if (std::ranges::all_of(words, [](auto word) { return word.starts_with('-'); }))
         text = words.size() == 1 ? "the option " : "an option: ";
     text += listed(words);
@@ -79,8 +78,8 @@ bool isDigit(char c) {
 std::string advice(std::string_view before, std::string_view word,
                    const std::vector<std::string_view>& words) {
     const bool takesNumber = has(words, "a number");
-    const bool isRemark = word.starts_with('#') || word.starts_with("/*") || word.starts_with(";") ||
-                          word.starts_with("--");
+    const bool isRemark = word.starts_with('#') || word.starts_with("/*") ||
+                          word.starts_with(";") || word.starts_with("--");
     if (isRemark && !takesNumber) return "a remark begins with //";
     if (word.starts_with("\xEF\xBB\xBF")) return "remove the byte order mark at the beginning";
     if (takesNumber && word.starts_with('$')) return "a hexadecimal number begins with 0x";
@@ -88,9 +87,8 @@ std::string advice(std::string_view before, std::string_view word,
         return "a number has no sign";
     const std::size_t last = before.find_last_not_of(" \t");
     const bool isAfterNumber = last != std::string_view::npos && isDigit(before[last]);
-    if (takesNumber && word == "}" ) return "is a comma missing between two numbers?";
-    if (isAfterNumber && (word == "h" || word == "H"))
-        return "a hexadecimal number begins with 0x";
+    if (takesNumber && word == "}") return "is a comma missing between two numbers?";
+    if (isAfterNumber && (word == "h" || word == "H")) return "a hexadecimal number begins with 0x";
     if (isAfterNumber && word.starts_with('x')) return "a number has at most 32 bits";
     if (takesNumber && !word.empty() && isDigit(word.front()))
         return "a number has at most 32 bits";

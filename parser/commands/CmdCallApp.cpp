@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "io/Host.hpp"
 #include "parser/commands/Conventions.hpp"
-#include "platform/Process.hpp"
 
 namespace Parser::WrapperLib {
 
@@ -28,7 +28,8 @@ bool CmdCallApp::execute(CmdContext& context) {
         for (const std::string& symbol : symbols_)
             if (!resolveSymbol(context, symbol, text)) return false;
         Facts::report(Facts::ProgramCalled{appLocation_, text});
-        Platform::runProgram(appLocation_, text);
+        const int status = Io::host().runProgram(appLocation_, text);
+        Facts::report(Facts::ProgramEnded{appLocation_, status});
         return true;
     });
 }

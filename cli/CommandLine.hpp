@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "strict/Policy.hpp"
+#include "strict/Printer.hpp"
+#include "strict/Run.hpp"
+
+/// The command line of `tessaron`.
+namespace CommandLine {
+
+enum class Color : unsigned char { Auto, Always, Never };
+
+/// What the arguments ask for.
+struct Request {
+    Strict::RunOptions run;
+    Strict::Policy policy;
+    Strict::DiagnosticFormat format = Strict::DiagnosticFormat::Text;
+    Color color = Color::Auto;
+    bool isQuiet = false;
+    std::string folder;  ///< to work in; empty for the present one
+};
+
+/// Reads the arguments that follow the program's name.
+///
+/// Prints help and version on standard output, errors of usage on standard error.
+///
+/// @param request  filled in if the program is to go on
+/// @return the exit code if it is not, or -1
+int read(int argumentCount, char** arguments, Request& request);
+
+}  // namespace CommandLine

@@ -1,0 +1,39 @@
+#include <exception>
+#include <iostream>
+
+#include "platform/Streams.hpp"
+#include "strict/Printer.hpp"
+#include "strict/Run.hpp"
+#include "cli/CommandLine.hpp"
+
+namespace {
+
+int run(int argumentCount, char** arguments) {
+    CommandLine::Request request;
+    const int code = CommandLine::read(argumentCount, arguments, request);
+    if (code >= 0) return code;
+    if (!request.folder.empty()) {
+        if (const auto error = Platform::changeFolder(request.folder)) {
+            std::cerr << "tessaron: cannot work in " << request.folder << ": " << error.message()
+                      << std::endl;
+            return static_cast<int>(Strict::ExitCode::Unusable);
+        }
+    }
+    const bool isAuto = request.color == CommandLine::Color::Auto;
+    const bool hasColor =
+        isAuto ? Platform::showsColor() : request.color == CommandLine::Color::Always;
+    Strict::Printer printer(std::cerr, request.policy, request.format, hasColor, request.isQuiet);
+    return static_cast<int>(Strict::run(request.run, printer, std::cout));
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+    Platform::guardStreams();
+    try {
+        return run(argumentCount, arguments);
+    } catch (const std::exception& error) {
+        std::cerr << "tessaron: error: " << error.what() << std::endl;
+        return static_cast<int>(Strict::ExitCode::Failed);
+    }
+}

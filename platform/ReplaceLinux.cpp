@@ -1,0 +1,174 @@
+#include "platform/Replace.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace Platform {
+
+namespace {
+
+std::error_code errorOf(int number) {
+    return {number, std::generic_category()};
+}
+
+/// A path of at most so many links; a longer chain is a loop.
+constexpr int mostLinks = 40;
+
+std::string folderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string::npos) return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string linkTarget(const std::string& path) {
+    std::array<char, PATH_MAX> text{};
+    const ssize_t length = ::readlink(path.c_str(), text.data(), text.size());
+    if (length <= 0) return {};
+    const std::string target(text.data(), static_cast<std::size_t>(length));
+    return target.front() == '/' ? target : folderOf(path) + "/" + target;
+}
+
+}  // namespace
+
+OutputTarget outputTarget(const std::string& path) {
+    OutputTarget target{TargetKind::Impossible, path, {}};
+    struct stat status {};
+    for (int links = 0; links < mostLinks; ++links) {
+        if (::lstat(target.path.c_str(), &status) != 0) {
+            const int reason = errno;
+            struct stat folder {};
+            const bool isMissing =
+                reason == ENOENT && !target.path.empty() && target.path.back() != '/' &&
+                ::stat(folderOf(target.path).c_str(), &folder) == 0 && S_ISDIR(folder.st_mode);
+            if (isMissing)
+                target.kind = TargetKind::Missing;
+            else
+                target.error = errorOf(reason);
+            return target;
+        }
+        if (!S_ISLNK(status.st_mode)) break;
+        target.path = linkTarget(target.path);
+    }
+    if (S_ISLNK(status.st_mode))
+        target.error = errorOf(ELOOP);
+    else if (S_ISDIR(status.st_mode))
+        target.error = errorOf(EISDIR);
+    else if (S_ISREG(status.st_mode) && ::access(target.path.c_str(), W_OK) != 0)
+        target.error = errorOf(errno);
+    else
+        target.kind = S_ISREG(status.st_mode) ? TargetKind::Regular : TargetKind::Device;
+    return target;
+}
+
+std::string realPath(const std::string& path) {
+    char* const real = ::realpath(path.c_str(), nullptr);
+    if (real == nullptr) return path;
+    std::string text = real;
+    std::free(real);
+    return text;
+}
+
+std::optional<OutputFile> createTemporary(const OutputTarget& target, unsigned number,
+                                          std::string& path, std::error_code& error) {
+    const std::size_t slash = target.path.rfind('/');
+    const std::size_t name = slash == std::string::npos ? 0 : slash + 1;
+    // A long name leaves room for what is added.
+    constexpr std::size_t longestName = 200;
+    path = target.path.substr(0, name) + "." + target.path.substr(name, longestName) +
+           ".tessaron-" + std::to_string(::getpid()) + "-" + std::to_string(number) + ".tmp";
+    clearLastError();
+    auto file = OutputFile::createNew(path);
+    if (!file) error = lastError();
+    return file;
+}
+
+std::error_code replaceTarget(const std::string& temporary, const OutputTarget& target) {
+    struct stat status {};
+    if (target.kind == TargetKind::Regular && ::stat(target.path.c_str(), &status) == 0) {
+        // Only the superuser may give files away; to everybody else the new file belongs.
+        static_cast<void>(!::chown(temporary.c_str(), status.st_uid, status.st_gid));
+        if (::chmod(temporary.c_str(), status.st_mode & 07777U) != 0) return errorOf(errno);
+    }
+    if (std::rename(temporary.c_str(), target.path.c_str()) != 0) return errorOf(errno);
+    return {};
+}
+
+void removeFile(const std::string& path) {
+    ::unlink(path.c_str());
+}
+
+std::error_code lastError() {
+    return errorOf(errno);
+}
+
+void clearLastError() {
+    errno = 0;
+}
+
+namespace {
+
+/// What a signal handler may read: fixed memory, each name complete before its length is set.
+struct Names {
+    std::array<std::array<char, PATH_MAX>, InterruptGuard::mostFiles> text;
+    std::array<volatile std::sig_atomic_t, InterruptGuard::mostFiles> isUsed;
+};
+Names names;
+
+constexpr std::array interrupts{SIGINT, SIGTERM, SIGHUP};
+
+void removeAll(int signal) {
+    for (std::size_t i = 0; i < InterruptGuard::mostFiles; ++i)
+        if (names.isUsed[i] != 0) ::unlink(names.text[i].data());
+    std::signal(signal, SIG_DFL);
+    ::raise(signal);
+}
+
+}  // namespace
+
+InterruptGuard::InterruptGuard() {
+    for (const int signal : interrupts) {
+        struct sigaction found {};
+        struct sigaction handled {};
+        handled.sa_handler = &removeAll;
+        // A signal that is ignored, as by nohup, stays so.
+        if (::sigaction(signal, nullptr, &found) == 0 && found.sa_handler == SIG_DFL)
+            ::sigaction(signal, &handled, nullptr);
+    }
+}
+
+InterruptGuard::~InterruptGuard() {
+    for (const int signal : interrupts) {
+        struct sigaction found {};
+        if (::sigaction(signal, nullptr, &found) == 0 && found.sa_handler == &removeAll)
+            std::signal(signal, SIG_DFL);
+    }
+}
+
+void InterruptGuard::add(const std::string& path) {
+    // The folder may change its name, but not the working directory of this process.
+    if (path.size() >= PATH_MAX) return;
+    for (std::size_t i = 0; i < mostFiles; ++i) {
+        if (names.isUsed[i] != 0) continue;
+        std::memcpy(names.text[i].data(), path.c_str(), path.size() + 1);
+        std::atomic_signal_fence(std::memory_order_release);
+        names.isUsed[i] = 1;
+        return;
+    }
+}
+
+void InterruptGuard::remove(const std::string& path) {
+    for (std::size_t i = 0; i < mostFiles; ++i)
+        if (names.isUsed[i] != 0 && path == names.text[i].data()) names.isUsed[i] = 0;
+}
+
+}  // namespace Platform

@@ -1,0 +1,58 @@
+#include "strict/DependencyFile.hpp"
+
+#include <algorithm>
+
+namespace Strict {
+
+namespace {
+
+std::string escaped(const std::string& path) {
+    std::string text;
+    std::size_t backslashes = 0;
+    for (const char c : path) {
+        if (c == '$') text += '$';
+        // Backslashes before a blank are doubled, all others are literal.
+        if (c == ' ' || c == '\t') text.append(backslashes + 1, '\\');
+        if (c == '#') text += '\\';
+        backslashes = c == '\\' ? backslashes + 1 : 0;
+        text += c;
+    }
+    return text;
+}
+
+}  // namespace
+
+std::string dependencyRule(const std::vector<std::string>& outputs,
+                           const std::vector<std::string>& inputs) {
+    std::string rule;
+    for (const std::string& output : outputs) {
+        if (!rule.empty()) rule += ' ';
+        rule += escaped(output);
+    }
+    rule += ':';
+    for (const std::string& input : inputs) {
+        rule += " \\\n  ";
+        rule += escaped(input);
+    }
+    rule += '\n';
+    return rule;
+}
+
+void writeDependencyFile(const RunOptions& options, const OutputSet& files, DiagnosticSink& sink) {
+    std::vector<std::string> inputs;
+    if (options.script != "-") inputs.push_back(options.script);
+    inputs.insert(inputs.end(), files.inputs().begin(), files.inputs().end());
+    const std::string rule = dependencyRule(files.outputs(), inputs);
+    const auto file = Io::host().createOutput(options.dependencyFile, Platform::FileMode::Text);
+    const bool isWritten = file != nullptr && file->write(rule);
+    if (isWritten && file->close()) return;
+    sink.take(
+        {Severity::Error,
+         "cannot-write",
+         "cannot write " + options.dependencyFile + ": " + files.reasonFor(options.dependencyFile),
+         std::nullopt,
+         "",
+         {}});
+}
+
+}  // namespace Strict

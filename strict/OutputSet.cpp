@@ -1,0 +1,175 @@
+#include "strict/OutputSet.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace Strict {
+
+namespace {
+
+void addOnce(std::vector<std::string>& list, const std::string& entry) {
+    if (std::ranges::find(list, entry) == list.end()) list.push_back(entry);
+}
+
+/// Where a path leads, for comparing paths that look different.
+std::string realPlace(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    const std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
+    const std::string whole = Platform::realPath(path);
+    // A file that is not there yet still has a folder.
+    return whole != path ? whole : Platform::realPath(folder) + "/" + name;
+}
+
+}  // namespace
+
+/// Writes to the temporary file of an output, or to memory.
+class OutputSet::Stream final : public Io::OutputStream {
+public:
+    Stream(OutputSet& set, Output& output, std::optional<Platform::OutputFile> file)
+        : set_(&set), output_(&output), file_(std::move(file)) {}
+
+    bool write(std::string_view bytes) override {
+        if (!file_) {
+            output_->memory += bytes;
+            return true;
+        }
+        Platform::clearLastError();
+        if (file_->write(bytes)) return true;
+        set_->noteFailure(output_->path, Platform::lastError());
+        return false;
+    }
+
+    bool close() override {
+        if (!file_) return true;
+        Platform::clearLastError();
+        if (file_->close()) return true;
+        set_->noteFailure(output_->path, Platform::lastError());
+        return false;
+    }
+
+private:
+    OutputSet* set_;
+    Output* output_;
+    std::optional<Platform::OutputFile> file_;
+};
+
+OutputSet::~OutputSet() {
+    for (const Output& output : all_) {
+        if (output.temporary.empty() || output.isInPlace) continue;
+        Platform::removeFile(output.temporary);
+        Platform::InterruptGuard::remove(output.temporary);
+    }
+}
+
+void OutputSet::noteFailure(const std::string& path, std::error_code error) {
+    if (error) reasons_.insert_or_assign(path, error.message());
+}
+
+std::string OutputSet::reasonFor(std::string_view path) const {
+    const auto found = reasons_.find(path);
+    return found == reasons_.end() ? "" : found->second;
+}
+
+OutputSet::Output* OutputSet::find(const std::string& realPath) {
+    // The last one counts: it replaces what was written to its path before.
+    const auto found = std::find_if(all_.rbegin(), all_.rend(), [&](const Output& output) {
+        return realPlace(output.target.path) == realPath;
+    });
+    return found == all_.rend() ? nullptr : &*found;
+}
+
+bool OutputSet::keepsInMemory(const Output& output) const {
+    return mode_ == Mode::Memory || output.target.kind == Platform::TargetKind::Device;
+}
+
+std::optional<Platform::InputFile> OutputSet::openInput(const std::string& path) {
+    const Output* const written = all_.empty() ? nullptr : find(realPlace(path));
+    Platform::clearLastError();
+    if (written != nullptr && written->temporary.empty() && !written->isInPlace) {
+        Platform::PageBlock contents(written->memory.size());
+        if (contents.size() != 0)
+            std::memcpy(contents.data(), written->memory.data(), contents.size());
+        return Platform::InputFile::ofMemory(std::move(contents), written->memory.size());
+    }
+    if (written != nullptr && !written->isInPlace)
+        return Platform::InputFile::open(written->temporary);
+    if (written == nullptr) addOnce(inputs_, path);
+    auto file = Platform::InputFile::open(path);
+    if (file) return file;
+    const std::error_code error = Platform::lastError();
+    reasons_.insert_or_assign(path, error ? error.message() : "It has no end to wait for");
+    const Platform::OutputTarget target = Platform::outputTarget(path);
+    if (!error && target.error) noteFailure(path, target.error);
+    return file;
+}
+
+std::unique_ptr<Io::OutputStream> OutputSet::createOutput(const std::string& path,
+                                                          Platform::FileMode /*mode*/) {
+    addOnce(outputs_, path);
+    Output output{path, Platform::outputTarget(path), {}, {}, false};
+    if (output.target.kind == Platform::TargetKind::Impossible) {
+        noteFailure(path, output.target.error);
+        return nullptr;
+    }
+    if (keepsInMemory(output)) {
+        all_.push_back(std::move(output));
+        return std::make_unique<Stream>(*this, all_.back(), std::nullopt);
+    }
+    std::error_code error;
+    auto file = Platform::createTemporary(output.target, number_++, output.temporary, error);
+    if (!file) {
+        noteFailure(path, error);
+        return nullptr;
+    }
+    Platform::InterruptGuard::add(output.temporary);
+    all_.push_back(std::move(output));
+    return std::make_unique<Stream>(*this, all_.back(), std::move(file));
+}
+
+std::error_code OutputSet::place(Output& output) {
+    if (output.temporary.empty()) {
+        auto device = Platform::OutputFile::create(output.target.path, Platform::FileMode::Binary);
+        if (!device) return Platform::lastError();
+        if (!device->write(output.memory) || !device->close()) return Platform::lastError();
+        return {};
+    }
+    // The file may have come or changed its mode since the target was looked at.
+    const Platform::OutputTarget target = Platform::outputTarget(output.path);
+    if (target.kind == Platform::TargetKind::Impossible) return target.error;
+    const std::error_code error = Platform::replaceTarget(output.temporary, target);
+    if (!error) Platform::InterruptGuard::remove(output.temporary);
+    return error;
+}
+
+std::optional<OutputSet::Failure> OutputSet::commit() {
+    if (mode_ == Mode::Memory) return std::nullopt;
+    for (const bool isDevice : {false, true}) {
+        for (Output& output : all_) {
+            if (output.isInPlace || output.temporary.empty() != isDevice) continue;
+            if (const std::error_code error = place(output))
+                return Failure{output.path, error.message()};
+            output.isInPlace = true;
+            addOnce(inPlace_, output.path);
+        }
+    }
+    return std::nullopt;
+}
+
+int OutputSet::runProgram(const std::string& location, const std::string& arguments) {
+    if (mode_ == Mode::Memory) return 0;
+    if (auto failure = commit()) {
+        earlyFailure_ = std::move(failure);
+        return -1;
+    }
+    return Io::Host::runProgram(location, arguments);
+}
+
+std::string OutputSet::contentsOf(const std::string& path) const {
+    const auto found = std::find_if(all_.rbegin(), all_.rend(),
+                                    [&](const Output& output) { return output.path == path; });
+    return found == all_.rend() ? "" : found->memory;
+}
+
+}  // namespace Strict

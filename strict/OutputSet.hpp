@@ -1,0 +1,90 @@
+#pragma once
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "io/Host.hpp"
+#include "platform/Replace.hpp"
+
+namespace Strict {
+
+/// The files of a run: its outputs appear together or not at all.
+///
+/// Each output is written to a temporary file beside its target. `commit` lets them take the places
+/// of their targets; without it the destructor removes them. A target that is no regular file is
+/// kept in memory and written by `commit`, after the others. Before a program is started, what has
+/// been written so far is put in place, since the program may need it. A path that this run has
+/// written is read as it was written.
+class OutputSet final : public Io::Host {
+public:
+    enum class Mode : unsigned char {
+        Disk,
+        Memory  ///< nothing is created, and no program is started
+    };
+
+    /// A file that could not be put in place.
+    struct Failure {
+        std::string path;
+        std::string reason;
+    };
+
+    explicit OutputSet(Mode mode) : mode_(mode) {}
+    ~OutputSet() override;
+
+    std::optional<Platform::InputFile> openInput(const std::string& path) override;
+    std::unique_ptr<Io::OutputStream> createOutput(const std::string& path,
+                                                   Platform::FileMode mode) override;
+    int runProgram(const std::string& location, const std::string& arguments) override;
+
+    /// Puts the outputs in place, in the order of their statements. Stops at the first that fails.
+    std::optional<Failure> commit();
+
+    /// Why `path` could not be opened, created or written; empty if no reason is known.
+    std::string reasonFor(std::string_view path) const;
+
+    /// The failure of putting outputs in place before a program was started.
+    const std::optional<Failure>& earlyFailure() const { return earlyFailure_; }
+
+    /// Outputs that are in place, by the paths of the script.
+    const std::vector<std::string>& inPlace() const { return inPlace_; }
+
+    /// The paths of all files that were opened, those that the run itself wrote left out, and of
+    /// all outputs, each once, as the script names them.
+    const std::vector<std::string>& inputs() const { return inputs_; }
+    const std::vector<std::string>& outputs() const { return outputs_; }
+
+    /// What this run has written to an output, in the order of `outputs`.
+    std::string contentsOf(const std::string& path) const;
+
+private:
+    class Stream;
+    struct Output {
+        std::string path;  ///< as the script names it
+        Platform::OutputTarget target;
+        std::string temporary;  ///< empty for what is kept in memory
+        std::string memory;
+        bool isInPlace = false;
+    };
+
+    Output* find(const std::string& realPath);
+    bool keepsInMemory(const Output& output) const;
+    std::error_code place(Output& output);
+    void noteFailure(const std::string& path, std::error_code error);
+
+    Mode mode_;
+    Platform::InterruptGuard guard_;
+    std::deque<Output> all_;
+    unsigned number_ = 0;
+    std::map<std::string, std::string, std::less<>> reasons_;
+    std::optional<Failure> earlyFailure_;
+    std::vector<std::string> inPlace_;
+    std::vector<std::string> inputs_;
+    std::vector<std::string> outputs_;
+};
+
+}  // namespace Strict

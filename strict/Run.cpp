@@ -1,0 +1,245 @@
+#include "strict/Run.hpp"
+
+#include <algorithm>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "classic/ClassicWords.hpp"
+#include "parser/ScriptParser.hpp"
+#include "parser/grammar/ScriptSyntax.hpp"
+#include "parser/text/VariableExpansion.hpp"
+#include "platform/Files.hpp"
+#include "platform/Replace.hpp"
+#include "strict/Audit.hpp"
+#include "strict/Comparison.hpp"
+#include "strict/DependencyFile.hpp"
+#include "strict/OutputSet.hpp"
+#include "strict/RunListener.hpp"
+#include "strict/ScriptCheck.hpp"
+#include "strict/ScriptText.hpp"
+#include "strict/SyntaxErrors.hpp"
+
+namespace Strict {
+
+namespace {
+
+/// Syntax errors that are reported in one run.
+constexpr std::size_t mostSyntaxErrors = 20;
+
+/// The script's own text, or nothing after a diagnostic.
+std::optional<std::string> read(const RunOptions& options, DiagnosticSink& sink) {
+    const bool isStandardInput = options.script == "-";
+    const std::string path = isStandardInput ? "/dev/stdin" : options.script;
+    Platform::clearLastError();
+    auto contents = Platform::readFile(path);
+    if (!contents) {
+        std::error_code error = Platform::lastError();
+        if (!error) error = Platform::outputTarget(path).error;
+        sink.take({Severity::Error,
+                   "cannot-open",
+                   "cannot open the script " + options.script + ": " +
+                       (error ? error.message() : "it has no end to wait for"),
+                   std::nullopt,
+                   "",
+                   {}});
+        return std::nullopt;
+    }
+    if (contents->reading != Platform::Reading::Complete) {
+        sink.take({Severity::Error,
+                   "short-read",
+                   "the script " + options.script + " could not be read completely",
+                   std::nullopt,
+                   "",
+                   {}});
+        return std::nullopt;
+    }
+    Platform::translateText(*contents);
+    return std::string(contents->text());
+}
+
+std::string wordsFor(Facts::VariableFault fault) {
+    switch (fault) {
+        case Facts::VariableFault::NotARegularExpression:
+            return "is no valid regular expression";
+        case Facts::VariableFault::TooComplex:
+            return "is too complex a regular expression";
+        case Facts::VariableFault::ScriptTooLong:
+            break;
+    }
+    return "makes the script too long";
+}
+
+/// The text made ready, or null after a diagnostic.
+std::unique_ptr<ScriptText> prepare(const RunOptions& options, std::string text,
+                                    DiagnosticSink& sink) {
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    if (text.starts_with(mark)) text.erase(0, mark.size());
+    const std::string name = options.script == "-" ? "<stdin>" : options.script;
+    try {
+        return std::make_unique<ScriptText>(name, std::move(text), options.variables);
+    } catch (const Parser::VariableError& error) {
+        sink.take({Severity::Error,
+                   "syntax",
+                   "the variable name " + error.name() + " " + wordsFor(error.fault()),
+                   std::nullopt,
+                   "",
+                   {}});
+    }
+    return nullptr;
+}
+
+/// Parses as many statements as there are and reports what is none. True if everything parsed.
+bool parse(const ScriptText& script, Parser::ScriptSyntax& syntax, DiagnosticSink& sink) {
+    const std::string_view text = script.prepared();
+    std::size_t errors = 0;
+    for (std::size_t at = 0;;) {
+        at += syntax.parse(text.substr(at));
+        if (at == text.size()) return errors == 0;
+        if (++errors > mostSyntaxErrors) {
+            sink.take({Severity::Error,
+                       "syntax",
+                       "there are more syntax errors than are shown",
+                       std::nullopt,
+                       "",
+                       {}});
+            return false;
+        }
+        // Once more from the statement that failed, now with a note of what is missing.
+        Parser::ScriptSyntax explainer(nullptr);
+        Parser::Expectations missed;
+        explainer.state().expectations = &missed;
+        explainer.parse(text.substr(at));
+        sink.take(syntaxError(script, text.substr(at), missed, syntax.statementKeywords()));
+        at = nextStatement(text, at, syntax.statementKeywords());
+        if (at == text.size()) return false;
+    }
+}
+
+void checkVariables(const RunOptions& options, const ScriptText& script, DiagnosticSink& sink) {
+    for (const auto& variable : script.map().variables()) {
+        if (!variable.isUsed && options.variables.contains(variable.name))
+            sink.take({Severity::Error,
+                       "unused-variable",
+                       "the variable " + variable.name + " does not occur in the script",
+                       std::nullopt,
+                       "",
+                       {}});
+        if (variable.inWord)
+            sink.take({Severity::Error,
+                       "variable-in-word",
+                       "the variable " + variable.name + " is replaced within a longer word",
+                       script.placeInFile(*variable.inWord, variable.name.size()),
+                       "",
+                       {}});
+        if (variable.value.find('$') != std::string::npos)
+            sink.take({Severity::Error,
+                       "variable-dollar",
+                       "the value of the variable " + variable.name +
+                           " holds a $, which has a meaning of its own in a replacement",
+                       std::nullopt,
+                       "write $$ for a dollar sign",
+                       {}});
+    }
+}
+
+/// Runs the statements. False if one of them failed, or was reported as an error.
+class Execution {
+public:
+    Execution(const RunOptions& options, const ScriptText& script, Printer& printer,
+              std::ostream& output, OutputSet& files)
+        : options_(&options),
+          printer_(&printer),
+          files_(&files),
+          printed_(output, output),
+          listener_(script, printer, printed_,
+                    [&files](std::string_view path) { return files.reasonFor(path); }) {}
+
+    bool run(Parser::ScriptSyntax& syntax, const std::vector<ScriptCheck::Range>& ranges) {
+        const Facts::ListenerScope listening(listener_);
+        const Io::HostScope hosting(*files_);
+        Parser::WrapperLib::CmdContext context;
+        const auto& commands = syntax.state().statement.commands();
+        for (std::size_t i = 0; i < commands.size(); ++i) {
+            const std::size_t before = printer_->errors();
+            listener_.enter(ranges[i].first, ranges[i].last);
+            auditBefore(*commands[i], context, listener_);
+            const bool isDone =
+                printer_->errors() == before ? commands[i]->execute(context) : false;
+            if (isDone) auditAfter(*commands[i], context, listener_);
+            const bool isGood = isDone && printer_->errors() == before;
+            if (!isGood && !options_->keepsGoing) return false;
+        }
+        return true;
+    }
+
+private:
+    const RunOptions* options_;
+    Printer* printer_;
+    OutputSet* files_;
+    Classic::ClassicWords printed_;
+    RunListener listener_;
+};
+
+void noteOutputsInPlace(const OutputSet& files, DiagnosticSink& sink) {
+    if (files.inPlace().empty()) return;
+    std::string names;
+    for (const std::string& path : files.inPlace()) names += (names.empty() ? "" : ", ") + path;
+    sink.take({Severity::Error,
+               "call-failed",
+               "the run failed after a program had been called: outputs are in place already",
+               std::nullopt,
+               names,
+               {}});
+}
+
+}  // namespace
+
+ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) {
+    auto written = read(options, printer);
+    if (!written) return ExitCode::Failed;
+    const auto script = prepare(options, std::move(*written), printer);
+    if (!script) return ExitCode::Unusable;
+    Parser::ScriptSyntax syntax(&Parser::ScriptParser::calculated);
+    ScriptCheck check(*script, syntax.state(), printer);
+    syntax.state().statement.setObserver(&check);
+    const bool isParsed = parse(*script, syntax, printer);
+    if (!isParsed) return ExitCode::Unusable;
+    checkVariables(options, *script, printer);
+    if (printer.errors() != 0 && !options.keepsGoing) return ExitCode::Failed;
+
+    OutputSet files(options.isCheck ? OutputSet::Mode::Memory : OutputSet::Mode::Disk);
+    Execution execution(options, *script, printer, output, files);
+    execution.run(syntax, check.statements());
+    output.flush();
+    if (!output)
+        printer.take({Severity::Error,
+                      "short-write",
+                      "standard output could not be written completely",
+                      std::nullopt,
+                      "",
+                      {}});
+    if (printer.errors() != 0) {
+        noteOutputsInPlace(files, printer);
+        return ExitCode::Failed;
+    }
+    if (options.comparesDisk && !compareWithDisk(files, printer)) return ExitCode::Failed;
+    if (!options.dependencyFile.empty() && !options.isCheck) {
+        const Io::HostScope hosting(files);
+        writeDependencyFile(options, files, printer);
+    }
+    if (const auto failure = files.commit())
+        printer.take({Severity::Error,
+                      "cannot-write",
+                      "cannot write " + failure->path + ": " + failure->reason,
+                      std::nullopt,
+                      "",
+                      {}});
+    return printer.errors() == 0 ? ExitCode::Good : ExitCode::Failed;
+}
+
+}  // namespace Strict

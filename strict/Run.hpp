@@ -1,0 +1,33 @@
+#pragma once
+
+#include <iosfwd>
+#include <map>
+#include <string>
+
+#include "strict/Printer.hpp"
+
+namespace Strict {
+
+/// What a run is to do.
+struct RunOptions {
+    std::string script;  ///< a path; "-" is standard input
+    std::map<std::string, std::string> variables;
+    bool isCheck = false;        ///< runs in memory, writes nothing and starts no program
+    bool comparesDisk = false;   ///< with `isCheck`: compares the outputs with the files on disk
+    bool keepsGoing = false;     ///< goes on after a statement that failed
+    std::string dependencyFile;  ///< empty for none
+};
+
+/// Exit codes of the program.
+enum class ExitCode : int {
+    Good = 0,
+    Failed = 1,   ///< a statement, an input or an output failed
+    Unusable = 2  ///< usage or syntax
+};
+
+/// Runs a script: all of it, or nothing but diagnostics.
+///
+/// @param output  what PRINT_* statements print
+ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output);
+
+}  // namespace Strict
