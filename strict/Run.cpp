@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <ostream>
+#include <set>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -22,6 +23,7 @@
 #include "strict/RunListener.hpp"
 #include "strict/ScriptCheck.hpp"
 #include "strict/ScriptText.hpp"
+#include "strict/Suggestion.hpp"
 #include "strict/SyntaxErrors.hpp"
 
 namespace Strict {
@@ -94,9 +96,11 @@ std::unique_ptr<ScriptText> prepare(const RunOptions& options, std::string text,
 }
 
 /// Parses as many statements as there are and reports what is none. True if everything parsed.
-bool parse(const ScriptText& script, Parser::ScriptSyntax& syntax, DiagnosticSink& sink) {
+bool parse(const ScriptText& script, Parser::ScriptSyntax& syntax, ScriptCheck& check,
+           DiagnosticSink& sink) {
     const std::string_view text = script.prepared();
     std::size_t errors = 0;
+    std::size_t resumed = 0;  ///< where the parse went on after the last error
     for (std::size_t at = 0;;) {
         at += syntax.parse(text.substr(at));
         if (at == text.size()) return errors == 0;
@@ -109,15 +113,38 @@ bool parse(const ScriptText& script, Parser::ScriptSyntax& syntax, DiagnosticSin
                        {}});
             return false;
         }
-        // Once more from the statement that failed, now with a note of what is missing.
+        // Once more, now with a note of what is missing. The last statement that is finished may
+        // be the broken one, without the option that broke it.
+        const auto& finished = check.statements();
+        const bool isFirst = finished.empty() || finished.back().last < resumed;
+        const std::size_t from = isFirst ? at : finished.back().first;
         Parser::ScriptSyntax explainer(nullptr);
         Parser::Expectations missed;
         explainer.state().expectations = &missed;
-        explainer.parse(text.substr(at));
-        sink.take(syntaxError(script, text.substr(at), missed, syntax.statementKeywords()));
-        at = nextStatement(text, at, syntax.statementKeywords());
+        explainer.parse(text.substr(from));
+        check.abandon(at);
+        sink.take(syntaxError(script, text.substr(from), missed, syntax.statementKeywords()));
+        at = resumed = nextStatement(text, at, syntax.statementKeywords());
         if (at == text.size()) return false;
     }
+}
+
+/// "did you mean X?" for a word of the script that is like `name`.
+std::string likeWord(const ScriptText& script, const std::string& name) {
+    constexpr std::size_t mostWords = 10'000;
+    constexpr std::string_view letters =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_";
+    const std::string_view text = script.prepared();
+    std::set<std::string> words;
+    for (std::size_t at = text.find_first_of(letters);
+         at != std::string_view::npos && words.size() < mostWords;) {
+        const std::size_t end = std::min(text.find_first_not_of(letters, at), text.size());
+        words.emplace(text.substr(at, end - at));
+        at = text.find_first_of(letters, end);
+    }
+    const std::vector<std::string> list(words.begin(), words.end());
+    const auto word = nearest(name, list);
+    return word ? "did you mean " + *word + "?" : "";
 }
 
 void checkVariables(const RunOptions& options, const ScriptText& script, DiagnosticSink& sink) {
@@ -127,7 +154,7 @@ void checkVariables(const RunOptions& options, const ScriptText& script, Diagnos
                        "unused-variable",
                        "the variable " + variable.name + " does not occur in the script",
                        std::nullopt,
-                       "",
+                       likeWord(script, variable.name),
                        {}});
         if (variable.inWord)
             sink.take({Severity::Error,
@@ -150,14 +177,16 @@ void checkVariables(const RunOptions& options, const ScriptText& script, Diagnos
 /// Runs the statements. False if one of them failed, or was reported as an error.
 class Execution {
 public:
-    Execution(const RunOptions& options, const ScriptText& script, Printer& printer,
-              std::ostream& output, OutputSet& files)
+    Execution(const RunOptions& options, const ScriptText& script, const ScriptCheck& check,
+              Printer& printer, std::ostream& output, OutputSet& files)
         : options_(&options),
           printer_(&printer),
           files_(&files),
           printed_(output, output),
-          listener_(script, printer, printed_,
-                    [&files](std::string_view path) { return files.reasonFor(path); }) {}
+          listener_(
+              script, printer, printed_,
+              [&files](std::string_view path) { return files.reasonFor(path); },
+              [&check](std::string_view name) { return check.isMade(name); }) {}
 
     bool run(Parser::ScriptSyntax& syntax, const std::vector<ScriptCheck::Range>& ranges) {
         const Facts::ListenerScope listening(listener_);
@@ -170,7 +199,8 @@ public:
             auditBefore(*commands[i], context, listener_);
             const bool isDone =
                 printer_->errors() == before ? commands[i]->execute(context) : false;
-            if (isDone) auditAfter(*commands[i], context, listener_);
+            if (isDone && printer_->errors() == before)
+                auditAfter(*commands[i], context, listener_);
             const bool isGood = isDone && printer_->errors() == before;
             if (!isGood && !options_->keepsGoing) return false;
         }
@@ -207,13 +237,14 @@ ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) 
     Parser::ScriptSyntax syntax(&Parser::ScriptParser::calculated);
     ScriptCheck check(*script, syntax.state(), printer);
     syntax.state().statement.setObserver(&check);
-    const bool isParsed = parse(*script, syntax, printer);
+    const bool isParsed = parse(*script, syntax, check, printer);
+    check.finish();
     if (!isParsed) return ExitCode::Unusable;
     checkVariables(options, *script, printer);
     if (printer.errors() != 0 && !options.keepsGoing) return ExitCode::Failed;
 
     OutputSet files(options.isCheck ? OutputSet::Mode::Memory : OutputSet::Mode::Disk);
-    Execution execution(options, *script, printer, output, files);
+    Execution execution(options, *script, check, printer, output, files);
     execution.run(syntax, check.statements());
     output.flush();
     if (!output)

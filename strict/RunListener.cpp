@@ -82,6 +82,16 @@ const std::vector<std::string_view> outputFile{"SetFileName -> "};
 const std::vector<std::string_view> anyArea{"AddArea -> ", "SetBufferRange -> ",
                                             "SetStartAddress -> "};
 
+/// How a program ended that did not end well.
+std::string outcome(int status) {
+    constexpr int notRunnable = 126;
+    constexpr int notFound = 127;
+    if (status < 0) return " could not be started";
+    if (status == notFound) return " was not found";
+    if (status == notRunnable) return " cannot be run";
+    return " ended with code " + std::to_string(status);
+}
+
 /// Text without the white space at its end.
 std::string_view trimmed(std::string_view text) {
     const std::size_t last = text.find_last_not_of(" \t\n\v\f\r");
@@ -286,10 +296,14 @@ void RunListener::hear(const Fact& fact) {
                        outputFile);
             },
             [&](const NameNotFound& f) {
-                report("unknown-name", "nothing is called " + std::string(f.name),
-                       {"SetName -> ", "AddFromBuffer -> ", "AddBufferAsSource -> ",
-                        "AddBufferToExportList -> ", "SetFillCrc -> ", "SetFillHash -> ",
-                        "AddResolveSymbolName -> "});
+                // A name that no statement makes was reported before the run.
+                if (!isMade_(f.name)) return;
+                report(
+                    "unknown-name",
+                    "there is no " + std::string(f.name) + ": the statement that makes it failed",
+                    {"SetName -> ", "AddFromBuffer -> ", "AddBufferAsSource -> ",
+                     "AddBufferToExportList -> ", "SetFillCrc -> ", "SetFillHash -> ",
+                     "AddResolveSymbolName -> "});
             },
             [&](const StatementExhausted&) {
                 report("out-of-memory", "there is not enough memory for this statement", {});
@@ -313,10 +327,7 @@ void RunListener::hear(const Fact& fact) {
             [&](const TextPrinted& f) { print(f); }, [&](const ProgramCalled&) {},
             [&](const ProgramEnded& f) {
                 if (f.status == 0) return;
-                report("call-failed",
-                       f.status < 0 ? std::string(f.location) + " could not be started"
-                                    : std::string(f.location) + " ended with code " +
-                                          std::to_string(f.status),
+                report("call-failed", std::string(f.location) + outcome(f.status),
                        {"SetAppLocation -> "});
             },
             // The front end reads and parses the script itself.

@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "classic/ClassicWords.hpp"
@@ -21,10 +22,17 @@ public:
     /// system gave no reason.
     using Reason = std::function<std::string(std::string_view path)>;
 
+    /// A statement makes something of that name.
+    using IsMade = std::function<bool(std::string_view name)>;
+
     /// @param printed  where the output of PRINT_* statements goes
     RunListener(const ScriptText& script, DiagnosticSink& sink, Classic::ClassicWords& printed,
-                Reason reason)
-        : script_(&script), sink_(&sink), printed_(&printed), reason_(std::move(reason)) {}
+                Reason reason, IsMade isMade)
+        : script_(&script),
+          sink_(&sink),
+          printed_(&printed),
+          reason_(std::move(reason)),
+          isMade_(std::move(isMade)) {}
 
     /// The statement [`first`, `last`) of the prepared text is about to run.
     void enter(std::size_t first, std::size_t last) {
@@ -50,6 +58,7 @@ private:
     DiagnosticSink* sink_;
     Classic::ClassicWords* printed_;
     Reason reason_;
+    IsMade isMade_;
     std::size_t first_ = 0;
     std::size_t last_ = 0;
 };

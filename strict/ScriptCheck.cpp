@@ -33,6 +33,7 @@ bool isNumber(std::string_view text) {
 void ScriptCheck::onStep(const char* trace, Parser::Position first, Parser::Position last) {
     const std::string_view name = trace;
     if (name.ends_with("Begin -> ")) {
+        flush();
         steps_.clear();
         values_.clear();
         bytesFrom_ = 0;
@@ -64,6 +65,31 @@ void ScriptCheck::onStatement(Parser::Position first, Parser::Position last) {
     checkTexts(type, statement);
     checkSymbols(statement);
     checkValues();
+}
+
+void ScriptCheck::flush() {
+    for (const Diagnostic& diagnostic : pending_) sink_->take(diagnostic);
+    pending_.clear();
+}
+
+void ScriptCheck::abandon(std::size_t offset) {
+    if (!statements_.empty()) {
+        const std::string_view text = script_->prepared();
+        const Range& last = statements_.back();
+        const std::size_t end = text.find_last_not_of(" \t\n\v\f\r", last.last - 1) + 1;
+        // What goes on in the same line belongs to the statement.
+        const bool isSameLine =
+            offset <= end || text.substr(end, offset - end).find('\n') == std::string_view::npos;
+        if (isSameLine) pending_.clear();
+    }
+    flush();
+    const Step* const name = stepOf("SetName -> ");
+    if (name != nullptr && stepOf("CmdNewBuffer: Begin -> ") != nullptr)
+        buffers_.try_emplace(std::string(name->text), name->text);
+    if (const Step* const crc = stepOf("SetCrcName -> "))
+        crcs_.try_emplace(std::string(crc->text), crc->text);
+    if (const Step* const hash = stepOf("SetHashName -> "))
+        hashes_.try_emplace(std::string(hash->text), hash->text);
 }
 
 const ScriptCheck::Step* ScriptCheck::stepOf(std::string_view trace) const {
@@ -118,7 +144,7 @@ void ScriptCheck::define(Names& names, std::string_view name, const char* what) 
                           "this one would be dropped",
                           {}};
     diagnostic.notes.push_back({"the first one is made here", script_->placeOf(entry->second)});
-    sink_->take(diagnostic);
+    pending_.push_back(std::move(diagnostic));
 }
 
 void ScriptCheck::use(const Names& names, std::string_view name, const char* what) {
@@ -217,7 +243,7 @@ void ScriptCheck::report(const char* kind, std::string text, std::string_view pa
     Diagnostic diagnostic{Severity::Error, kind,
                           std::move(text), script_->placeOf(part),
                           std::move(hint), script_->variableNotes(script_->offsetOf(part))};
-    sink_->take(diagnostic);
+    pending_.push_back(std::move(diagnostic));
 }
 
 }  // namespace Strict

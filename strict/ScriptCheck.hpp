@@ -33,6 +33,19 @@ public:
     };
     const std::vector<Range>& statements() const { return statements_; }
 
+    /// The text from `offset` on does not parse. What the statement there would have made counts as
+    /// known. If it goes on in the line of the last finished statement, that one is the broken one,
+    /// and what was found in it is dropped.
+    void abandon(std::size_t offset);
+
+    /// Reports what is left. Called once, after the last statement.
+    void finish() { flush(); }
+
+    /// A statement makes something of that name, whether it will succeed or not.
+    bool isMade(std::string_view name) const {
+        return buffers_.contains(name) || crcs_.contains(name) || hashes_.contains(name);
+    }
+
 private:
     struct Step {
         std::string_view trace;
@@ -54,6 +67,7 @@ private:
     void use(const Names& names, std::string_view name, const char* what);
     void report(const char* kind, std::string text, std::string_view part, std::string hint = {});
     const Step* stepOf(std::string_view trace) const;
+    void flush();
 
     const ScriptText* script_;
     const Parser::ParserState* state_;
@@ -62,6 +76,8 @@ private:
     std::vector<Value> values_;
     std::size_t bytesFrom_ = 0;  ///< the values of `values_` that no step has taken yet
     std::vector<Range> statements_;
+    /// What was found in the last statement, which may yet turn out to be broken.
+    std::vector<Diagnostic> pending_;
     Names buffers_, crcs_, hashes_;
 };
 

@@ -35,6 +35,23 @@ std::size_t distance(std::string_view left, std::string_view right) {
     return rows[left.size()][right.size()];
 }
 
+/// The weight of an abbreviation: all letters of `word` in their order, the first of them at the
+/// beginning or after an underscore. It counts as two edits, a shorter one than four letters as
+/// none.
+std::size_t abbreviation(std::string_view word, std::string_view candidate) {
+    constexpr std::size_t shortest = 4;
+    constexpr std::size_t weight = 2;
+    if (word.size() < shortest) return longestWord;
+    for (std::size_t start = 0; start < candidate.size(); ++start) {
+        if (start != 0 && candidate[start - 1] != '_') continue;
+        std::size_t matched = 0;
+        for (std::size_t at = start; at < candidate.size() && matched < word.size(); ++at)
+            if (lower(candidate[at]) == lower(word[matched])) ++matched;
+        if (matched == word.size() && lower(candidate[start]) == lower(word[0])) return weight;
+    }
+    return longestWord;
+}
+
 }  // namespace
 
 std::optional<std::string> nearest(std::string_view word, std::span<const std::string> known) {
@@ -45,7 +62,8 @@ std::optional<std::string> nearest(std::string_view word, std::span<const std::s
     std::optional<std::string> found;
     for (const std::string& candidate : known) {
         if (candidate.size() > longestWord) continue;
-        const std::size_t edits = distance(word, candidate);
+        const std::size_t edits =
+            std::min(distance(word, candidate), abbreviation(word, candidate));
         if (edits >= best || edits >= candidate.size()) continue;
         best = edits;
         found = candidate;

@@ -44,8 +44,11 @@ std::string listed(const std::vector<std::string_view>& words) {
 }
 
 /// "a source: FROM_FILE, EMPTY or FROM_VALUES", and so on for each group of words.
+///
+/// @param isShort  leaves out the words of a long group
 std::string expectation(std::vector<std::string_view> words,
-                        const std::vector<std::string_view>& keywords) {
+                        const std::vector<std::string_view>& keywords, bool isShort) {
+    constexpr std::size_t longList = 8;
     const auto isKeyword = [&](std::string_view word) { return has(keywords, word); };
     const bool takesStatement = std::ranges::any_of(words, isKeyword);
     std::erase_if(words,
@@ -55,6 +58,7 @@ std::string expectation(std::vector<std::string_view> words,
     const auto group =
         std::ranges::find_if(groups, [&](const Group& one) { return has(words, one.member); });
     std::string text;
+    if (group != groups.end() && isShort && words.size() > longList) return group->description;
     if (group != groups.end())
         text = std::string(group->description) + ": ";
     else if (std::ranges::all_of(words, [](auto word) { return word.starts_with('-'); }))
@@ -70,8 +74,30 @@ std::string_view wordAt(std::string_view rest) {
     return rest.substr(0, std::max<std::size_t>(length, rest.empty() ? 0 : 1));
 }
 
+bool isWordCharacter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+}
+
+/// The word that ends where `text` ends, unless it is a number.
+std::string_view wordBefore(std::string_view text) {
+    std::size_t begin = text.size();
+    while (begin > 0 && isWordCharacter(text[begin - 1])) --begin;
+    const std::string_view word = text.substr(begin);
+    const bool isNumber = !word.empty() && word.front() >= '0' && word.front() <= '9';
+    return isNumber ? std::string_view() : word;
+}
+
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
+}
+
+/// A text that ends in a number with a sign.
+bool isSigned(std::string_view text) {
+    const std::size_t sign = text.find_last_not_of("0123456789xXabcdefABCDEF \t");
+    if (sign == std::string_view::npos || (text[sign] != '-' && text[sign] != '+')) return false;
+    const std::size_t before = text.substr(0, sign).find_last_not_of(" \t");
+    return before != std::string_view::npos &&
+           std::string_view("{,;=(").find(text[before]) != std::string_view::npos;
 }
 
 /// Advice for common mistakes that no word of the language is near to.
@@ -86,6 +112,7 @@ std::string advice(std::string_view before, std::string_view word,
     if (takesNumber && (word.starts_with('-') || word.starts_with('+')))
         return "a number has no sign";
     const std::size_t last = before.find_last_not_of(" \t");
+    if (takesNumber && isSigned(before)) return "a number has no sign";
     const bool isAfterNumber = last != std::string_view::npos && isDigit(before[last]);
     if (takesNumber && word == "}") return "is a comma missing between two numbers?";
     if (isAfterNumber && (word == "h" || word == "H")) return "a hexadecimal number begins with 0x";
@@ -124,17 +151,25 @@ Diagnostic syntaxError(const ScriptText& script, std::string_view statement,
     std::erase_if(candidates, [](const std::string& one) { return one.find(' ') != one.npos; });
     Diagnostic diagnostic{};
     diagnostic.name = "syntax";
-    diagnostic.text = "expected " + expectation(missed.words, keywords);
+    const auto close = nearest(word, candidates);
+    diagnostic.text = "expected " + expectation(missed.words, keywords, close.has_value());
     if (word.empty())
         diagnostic.text += ", but the script ends here";
     else if (word.find_first_of(spaces) == std::string_view::npos)
         diagnostic.text += ", not " + std::string(word.substr(0, 40));
     const std::size_t offset = script.offsetOf(statement) + at;
     diagnostic.place = script.placeOf(offset, offset + word.size());
-    const auto close = nearest(word, candidates);
-    diagnostic.hint = close ? "did you mean " + *close + "?" : advice(before, word, missed.words);
+    const std::string_view begun = wordBefore(before);
+    if (close)
+        diagnostic.hint = "did you mean " + *close + "?";
+    else if (!begun.empty() && !word.empty() && isWordCharacter(word.front()))
+        diagnostic.hint = "did you mean " + std::string(begun) + "?";
+    else
+        diagnostic.hint = advice(before, word, missed.words);
     diagnostic.notes = script.variableNotes(offset);
-    if (const auto brace = openBrace(before)) {
+    // A brace that is closed further on the line is not what is missing.
+    const std::string_view line = statement.substr(at, statement.substr(at).find('\n'));
+    if (const auto brace = openBrace(before); brace && line.find('}') == std::string_view::npos) {
         const std::size_t open = script.offsetOf(statement) + *brace;
         diagnostic.notes.push_back({"this brace is not closed", script.placeOf(open, open + 1)});
     }

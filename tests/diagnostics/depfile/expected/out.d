@@ -1,0 +1,3 @@
+out\ put.bin: \
+  script.tsn \
+  in\ put\#$$.bin
