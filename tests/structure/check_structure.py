@@ -26,7 +26,8 @@ PAGE = ROOT / "docs" / "architecture.md"
 MARKS = ("<!-- structure -->\n", "<!-- end of structure -->\n")
 OUTSIDE = ("tests", "bench", "fuzz")
 # Libraries of others whose includes are followed, by the beginning of what is included.
-OTHERS = {"boost/": "Boost::headers", "CUnit/": "CUnit::CUnit"}
+OTHERS = {"boost/": "Boost::headers", "CUnit/": "CUnit::CUnit", "CLI/": "CLI11::CLI11",
+          "nlohmann/": "nlohmann_json::nlohmann_json"}
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)
 
 
