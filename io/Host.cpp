@@ -10,13 +10,17 @@ namespace {
 
 class PlainOutput final : public OutputStream {
 public:
-    explicit PlainOutput(Platform::OutputFile file) : file_(std::move(file)) {}
+    bool create(const std::string& path, Platform::FileMode mode) {
+        auto file = Platform::OutputFile::create(path, mode);
+        if (file) file_.emplace(std::move(*file));
+        return file_.has_value();
+    }
 
-    bool write(std::string_view bytes) override { return file_.write(bytes); }
-    bool close() override { return file_.close(); }
+    bool write(std::string_view bytes) override { return file_->write(bytes); }
+    bool close() override { return file_->close(); }
 
 private:
-    Platform::OutputFile file_;
+    std::optional<Platform::OutputFile> file_;
 };
 
 thread_local Host* current = nullptr;
@@ -28,9 +32,9 @@ std::optional<Platform::InputFile> Host::openInput(const std::string& path) {
 }
 
 std::unique_ptr<OutputStream> Host::createOutput(const std::string& path, Platform::FileMode mode) {
-    auto file = Platform::OutputFile::create(path, mode);
-    if (!file) return nullptr;
-    return std::make_unique<PlainOutput>(std::move(*file));
+    // Memory may run out, so all of it is taken before the file is touched.
+    auto output = std::make_unique<PlainOutput>();
+    return output->create(path, mode) ? std::move(output) : nullptr;
 }
 
 int Host::runProgram(const std::string& location, const std::string& arguments) {
