@@ -1,10 +1,10 @@
 #include <exception>
 #include <iostream>
 
+#include "cli/CommandLine.hpp"
 #include "platform/Streams.hpp"
 #include "strict/Printer.hpp"
 #include "strict/Run.hpp"
-#include "cli/CommandLine.hpp"
 
 namespace {
 
