@@ -96,7 +96,7 @@ std::error_code replaceTarget(const std::string& temporary, const OutputTarget& 
     struct stat status {};
     if (target.kind == TargetKind::Regular && ::stat(target.path.c_str(), &status) == 0) {
         // Only the superuser may give files away; to everybody else the new file belongs.
-        static_cast<void>(!::chown(temporary.c_str(), status.st_uid, status.st_gid));
+        [[maybe_unused]] const int owner = ::chown(temporary.c_str(), status.st_uid, status.st_gid);
         if (::chmod(temporary.c_str(), status.st_mode & 07777U) != 0) return errorOf(errno);
     }
     if (std::rename(temporary.c_str(), target.path.c_str()) != 0) return errorOf(errno);

@@ -73,7 +73,7 @@ private:
 
     Output* find(const std::string& realPath);
     bool keepsInMemory(const Output& output) const;
-    std::error_code place(Output& output);
+    static std::error_code place(Output& output);
     void noteFailure(const std::string& path, std::error_code error);
 
     Mode mode_;

@@ -56,6 +56,7 @@ std::string Policy::set(std::string_view name, Severity severity) {
     const Kind* const kind = find(name);
     if (kind == nullptr) {
         std::vector<std::string> names;
+        names.reserve(std::size(allKinds));
         for (const Kind& known : allKinds) names.emplace_back(known.name);
         return "there is no diagnostic " + std::string(name) + didYouMean(name, names);
     }

@@ -97,24 +97,22 @@ const ScriptCheck::Step* ScriptCheck::stepOf(std::string_view trace) const {
     return found == steps_.end() ? nullptr : &*found;
 }
 
+void ScriptCheck::checkUse(const Step& step, std::uint32_t type) {
+    const bool isName = step.trace == "SetName -> ";
+    const bool isImage =
+        step.trace == "AddBufferAsSource -> " || step.trace == "AddFromBuffer -> " ||
+        step.trace == "AddBufferToExportList -> " ||
+        (isName && (type == number(CmdType::FillBuffer) || type == number(CmdType::PrintBuffer)));
+    if (isImage) use(buffers_, step.text, "image");
+    if (step.trace == "SetFillCrc -> " || (isName && type == number(CmdType::PrintCrc)))
+        use(crcs_, step.text, "CRC");
+    if (step.trace == "SetFillHash -> " || (isName && type == number(CmdType::PrintHash)))
+        use(hashes_, step.text, "hash");
+}
+
 void ScriptCheck::checkNames(std::uint32_t type) {
     // A statement sees the names of those before it, so what it makes comes last.
-    for (const Step& step : steps_) {
-        if (step.trace == "AddBufferAsSource -> " || step.trace == "AddFromBuffer -> " ||
-            step.trace == "AddBufferToExportList -> ")
-            use(buffers_, step.text, "image");
-        else if (step.trace == "SetFillCrc -> ")
-            use(crcs_, step.text, "CRC");
-        else if (step.trace == "SetFillHash -> ")
-            use(hashes_, step.text, "hash");
-        else if (step.trace == "SetName -> " &&
-                 (type == number(CmdType::FillBuffer) || type == number(CmdType::PrintBuffer)))
-            use(buffers_, step.text, "image");
-        else if (step.trace == "SetName -> " && type == number(CmdType::PrintCrc))
-            use(crcs_, step.text, "CRC");
-        else if (step.trace == "SetName -> " && type == number(CmdType::PrintHash))
-            use(hashes_, step.text, "hash");
-    }
+    for (const Step& step : steps_) checkUse(step, type);
     const Step* const name = stepOf("SetName -> ");
     if (name != nullptr && type == number(CmdType::NewBuffer))
         define(buffers_, name->text, "image");

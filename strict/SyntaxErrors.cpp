@@ -55,7 +55,7 @@ std::string expectation(std::vector<std::string_view> words,
                   [&](std::string_view word) { return isKeyword(word) || word == "CALCULATE"; });
     const bool isEnd = takesStatement;
     if (words.empty()) return isEnd ? "a statement" : "something else";
-    const auto group =
+    const auto* const group =
         std::ranges::find_if(groups, [&](const Group& one) { return has(words, one.member); });
     std::string text;
     if (group != groups.end() && isShort && words.size() > longList) return group->description;
@@ -148,7 +148,8 @@ Diagnostic syntaxError(const ScriptText& script, std::string_view statement,
     const std::string_view before = statement.substr(0, at);
     const std::string_view word = wordAt(statement.substr(at));
     std::vector<std::string> candidates(missed.words.begin(), missed.words.end());
-    std::erase_if(candidates, [](const std::string& one) { return one.find(' ') != one.npos; });
+    std::erase_if(candidates,
+                  [](const std::string& one) { return one.find(' ') != std::string::npos; });
     Diagnostic diagnostic{};
     diagnostic.name = "syntax";
     const auto close = nearest(word, candidates);

@@ -252,6 +252,7 @@ void expandVariables(std::string& text, const std::map<std::string, std::string>
     Limits limits(scriptSize);
     if (map != nullptr) {
         std::vector<TextMap::Variable> known;
+        known.reserve(ordered.size());
         for (const auto& [name, value] : ordered) known.push_back({name, value, false, {}});
         map->setVariables(std::move(known));
     }
