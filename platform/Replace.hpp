@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <system_error>
 
@@ -35,9 +35,9 @@ std::string realPath(const std::string& path);
 /// Creates a new file for `target` in the folder of the target, under a name that nothing else
 /// has and that says what it is. With an error nothing is created.
 ///
-/// @param number  makes the name unique within this process
+/// @param number  makes the name unique within this process; left at the number after the one used
 /// @param path    its name
-std::optional<OutputFile> createTemporary(const OutputTarget& target, unsigned number,
+std::optional<OutputFile> createTemporary(const OutputTarget& target, unsigned& number,
                                           std::string& path, std::error_code& error);
 
 /// Lets the file `temporary` take the place of `target`, with the mode and, if that is permitted,
@@ -53,19 +53,19 @@ std::error_code lastError();
 void clearLastError();
 
 /// Removes the named files when the process is interrupted (SIGINT, SIGTERM, SIGHUP), and then lets
-/// the signal end it.
+/// the signal end it. One at a time may exist in a process.
 class InterruptGuard {
 public:
-    static constexpr std::size_t mostFiles = 256;
-
     InterruptGuard();
     ~InterruptGuard();
     InterruptGuard(const InterruptGuard&) = delete;
     InterruptGuard& operator=(const InterruptGuard&) = delete;
 
-    /// Files beyond `mostFiles` are not removed. Paths longer than 4095 bytes are not either.
-    static void add(const std::string& path);
-    static void remove(const std::string& path);
+    void add(const std::string& path);
+    void remove(const std::string& path);
+
+private:
+    std::set<std::string> files_;
 };
 
 }  // namespace Platform

@@ -5,13 +5,11 @@
 #include <unistd.h>
 
 #include <array>
-#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 
 namespace Platform {
 
@@ -78,18 +76,25 @@ std::string realPath(const std::string& path) {
     return text;
 }
 
-std::optional<OutputFile> createTemporary(const OutputTarget& target, unsigned number,
+std::optional<OutputFile> createTemporary(const OutputTarget& target, unsigned& number,
                                           std::string& path, std::error_code& error) {
     const std::size_t slash = target.path.rfind('/');
     const std::size_t name = slash == std::string::npos ? 0 : slash + 1;
     // A long name leaves room for what is added.
     constexpr std::size_t longestName = 200;
-    path = target.path.substr(0, name) + "." + target.path.substr(name, longestName) +
-           ".tessaron-" + std::to_string(::getpid()) + "-" + std::to_string(number) + ".tmp";
-    clearLastError();
-    auto file = OutputFile::createNew(path);
-    if (!file) error = lastError();
-    return file;
+    const std::string start = target.path.substr(0, name) + "." +
+                              target.path.substr(name, longestName) + ".tessaron-" +
+                              std::to_string(::getpid()) + "-";
+    // A killed run may have left a file of this name: process numbers come again.
+    constexpr unsigned mostTries = 10'000;
+    for (unsigned i = 0; i < mostTries; ++i) {
+        path = start + std::to_string(number++) + ".tmp";
+        clearLastError();
+        auto file = OutputFile::createNew(path);
+        error = file ? std::error_code() : lastError();
+        if (file || error != std::errc::file_exists) return file;
+    }
+    return std::nullopt;
 }
 
 std::error_code replaceTarget(const std::string& temporary, const OutputTarget& target) {
@@ -117,25 +122,40 @@ void clearLastError() {
 
 namespace {
 
-/// What a signal handler may read: fixed memory, each name complete before its length is set.
-struct Names {
-    std::array<std::array<char, PATH_MAX>, InterruptGuard::mostFiles> text;
-    std::array<volatile std::sig_atomic_t, InterruptGuard::mostFiles> isUsed;
-};
-Names names;
-
 constexpr std::array interrupts{SIGINT, SIGTERM, SIGHUP};
 
+/// The files to remove; changed only while the interrupts are blocked.
+const std::set<std::string>* guarded = nullptr;
+
 void removeAll(int signal) {
-    for (std::size_t i = 0; i < InterruptGuard::mostFiles; ++i)
-        if (names.isUsed[i] != 0) ::unlink(names.text[i].data());
+    if (guarded != nullptr)
+        for (const std::string& path : *guarded) ::unlink(path.c_str());
     std::signal(signal, SIG_DFL);
     ::raise(signal);
 }
 
+/// Lets no interrupt come while it lives.
+class InterruptsBlocked {
+public:
+    InterruptsBlocked() {
+        sigset_t blocked;
+        ::sigemptyset(&blocked);
+        for (const int signal : interrupts) ::sigaddset(&blocked, signal);
+        ::pthread_sigmask(SIG_BLOCK, &blocked, &before_);
+    }
+    ~InterruptsBlocked() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+    InterruptsBlocked(const InterruptsBlocked&) = delete;
+    InterruptsBlocked& operator=(const InterruptsBlocked&) = delete;
+
+private:
+    sigset_t before_{};
+};
+
 }  // namespace
 
 InterruptGuard::InterruptGuard() {
+    const InterruptsBlocked blocked;
+    guarded = &files_;
     for (const int signal : interrupts) {
         struct sigaction found {};
         struct sigaction handled {};
@@ -147,28 +167,23 @@ InterruptGuard::InterruptGuard() {
 }
 
 InterruptGuard::~InterruptGuard() {
+    const InterruptsBlocked blocked;
     for (const int signal : interrupts) {
         struct sigaction found {};
         if (::sigaction(signal, nullptr, &found) == 0 && found.sa_handler == &removeAll)
             std::signal(signal, SIG_DFL);
     }
+    guarded = nullptr;
 }
 
 void InterruptGuard::add(const std::string& path) {
-    // The folder may change its name, but not the working directory of this process.
-    if (path.size() >= PATH_MAX) return;
-    for (std::size_t i = 0; i < mostFiles; ++i) {
-        if (names.isUsed[i] != 0) continue;
-        std::memcpy(names.text[i].data(), path.c_str(), path.size() + 1);
-        std::atomic_signal_fence(std::memory_order_release);
-        names.isUsed[i] = 1;
-        return;
-    }
+    const InterruptsBlocked blocked;
+    files_.insert(path);
 }
 
 void InterruptGuard::remove(const std::string& path) {
-    for (std::size_t i = 0; i < mostFiles; ++i)
-        if (names.isUsed[i] != 0 && path == names.text[i].data()) names.isUsed[i] = 0;
+    const InterruptsBlocked blocked;
+    files_.erase(path);
 }
 
 }  // namespace Platform

@@ -6,7 +6,7 @@
 namespace Strict {
 
 /// Compares what a run in memory wrote with the files on disk and reports each that differs, with
-/// the first place that does. True if all are equal.
-bool compareWithDisk(const OutputSet& files, DiagnosticSink& sink);
+/// the areas at which it does. True if all are equal.
+bool compareWithDisk(OutputSet& files, DiagnosticSink& sink);
 
 }  // namespace Strict

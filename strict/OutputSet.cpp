@@ -8,10 +8,6 @@ namespace Strict {
 
 namespace {
 
-void addOnce(std::vector<std::string>& list, const std::string& entry) {
-    if (std::ranges::find(list, entry) == list.end()) list.push_back(entry);
-}
-
 /// Where a path leads, for comparing paths that look different.
 std::string realPlace(const std::string& path) {
     const std::size_t slash = path.rfind('/');
@@ -59,7 +55,7 @@ OutputSet::~OutputSet() {
     for (const Output& output : all_) {
         if (output.temporary.empty() || output.isInPlace) continue;
         Platform::removeFile(output.temporary);
-        Platform::InterruptGuard::remove(output.temporary);
+        guard_.remove(output.temporary);
     }
 }
 
@@ -72,12 +68,16 @@ std::string OutputSet::reasonFor(std::string_view path) const {
     return found == reasons_.end() ? "" : found->second;
 }
 
-OutputSet::Output* OutputSet::find(const std::string& realPath) {
-    // The last one counts: it replaces what was written to its path before.
-    const auto found = std::find_if(all_.rbegin(), all_.rend(), [&](const Output& output) {
-        return realPlace(output.target.path) == realPath;
-    });
-    return found == all_.rend() ? nullptr : &*found;
+const OutputSet::Output* OutputSet::find(const std::string& path) const {
+    if (newest_.empty()) return nullptr;
+    const auto found = newest_.find(realPlace(path));
+    return found == newest_.end() ? nullptr : found->second;
+}
+
+void OutputSet::add(Output output) {
+    const std::string place = realPlace(output.target.path);
+    all_.push_back(std::move(output));
+    newest_.insert_or_assign(place, &all_.back());
 }
 
 bool OutputSet::keepsInMemory(const Output& output) const {
@@ -85,7 +85,7 @@ bool OutputSet::keepsInMemory(const Output& output) const {
 }
 
 std::optional<Platform::InputFile> OutputSet::openInput(const std::string& path) {
-    const Output* const written = all_.empty() ? nullptr : find(realPlace(path));
+    const Output* const written = find(path);
     Platform::clearLastError();
     if (written != nullptr && written->temporary.empty() && !written->isInPlace) {
         Platform::PageBlock contents(written->memory.size());
@@ -95,7 +95,7 @@ std::optional<Platform::InputFile> OutputSet::openInput(const std::string& path)
     }
     if (written != nullptr && !written->isInPlace)
         return Platform::InputFile::open(written->temporary);
-    if (written == nullptr) addOnce(inputs_, path);
+    if (written == nullptr) inputs_.add(path);
     auto file = Platform::InputFile::open(path);
     if (file) return file;
     const std::error_code error = Platform::lastError();
@@ -107,24 +107,24 @@ std::optional<Platform::InputFile> OutputSet::openInput(const std::string& path)
 
 std::unique_ptr<Io::OutputStream> OutputSet::createOutput(const std::string& path,
                                                           Platform::FileMode /*mode*/) {
-    addOnce(outputs_, path);
+    outputs_.add(path);
     Output output{path, Platform::outputTarget(path), {}, {}, false};
     if (output.target.kind == Platform::TargetKind::Impossible) {
         noteFailure(path, output.target.error);
         return nullptr;
     }
     if (keepsInMemory(output)) {
-        all_.push_back(std::move(output));
+        add(std::move(output));
         return std::make_unique<Stream>(*this, all_.back(), std::nullopt);
     }
     std::error_code error;
-    auto file = Platform::createTemporary(output.target, number_++, output.temporary, error);
+    auto file = Platform::createTemporary(output.target, number_, output.temporary, error);
     if (!file) {
         noteFailure(path, error);
         return nullptr;
     }
-    Platform::InterruptGuard::add(output.temporary);
-    all_.push_back(std::move(output));
+    guard_.add(output.temporary);
+    add(std::move(output));
     return std::make_unique<Stream>(*this, all_.back(), std::move(file));
 }
 
@@ -139,7 +139,7 @@ std::error_code OutputSet::place(Output& output) {
     const Platform::OutputTarget target = Platform::outputTarget(output.path);
     if (target.kind == Platform::TargetKind::Impossible) return target.error;
     const std::error_code error = Platform::replaceTarget(output.temporary, target);
-    if (!error) Platform::InterruptGuard::remove(output.temporary);
+    if (!error) guard_.remove(output.temporary);
     return error;
 }
 
@@ -151,7 +151,7 @@ std::optional<OutputSet::Failure> OutputSet::commit() {
             if (const std::error_code error = place(output))
                 return Failure{output.path, error.message()};
             output.isInPlace = true;
-            addOnce(inPlace_, output.path);
+            inPlace_.add(output.path);
         }
     }
     return std::nullopt;
@@ -159,17 +159,17 @@ std::optional<OutputSet::Failure> OutputSet::commit() {
 
 int OutputSet::runProgram(const std::string& location, const std::string& arguments) {
     if (mode_ == Mode::Memory) return 0;
-    if (auto failure = commit()) {
-        earlyFailure_ = std::move(failure);
+    if (const auto failure = commit()) {
+        reasons_.insert_or_assign(location,
+                                  "cannot write " + failure->path + ": " + failure->reason);
         return -1;
     }
     return Io::Host::runProgram(location, arguments);
 }
 
-std::string OutputSet::contentsOf(const std::string& path) const {
-    const auto found = std::find_if(all_.rbegin(), all_.rend(),
-                                    [&](const Output& output) { return output.path == path; });
-    return found == all_.rend() ? "" : found->memory;
+std::string_view OutputSet::contentsOf(const std::string& path) const {
+    const Output* const output = find(path);
+    return output == nullptr ? std::string_view() : output->memory;
 }
 
 }  // namespace Strict

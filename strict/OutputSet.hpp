@@ -6,12 +6,27 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "io/Host.hpp"
 #include "platform/Replace.hpp"
 
 namespace Strict {
+
+/// Paths, each once, in the order in which they came.
+class PathList {
+public:
+    void add(const std::string& path) {
+        if (known_.insert(path).second) paths_.push_back(path);
+    }
+    const std::vector<std::string>& paths() const { return paths_; }
+
+private:
+    std::vector<std::string> paths_;
+    std::unordered_set<std::string> known_;
+};
 
 /// The files of a run: its outputs appear together or not at all.
 ///
@@ -47,19 +62,16 @@ public:
     /// Why `path` could not be opened, created or written; empty if no reason is known.
     std::string reasonFor(std::string_view path) const;
 
-    /// The failure of putting outputs in place before a program was started.
-    const std::optional<Failure>& earlyFailure() const { return earlyFailure_; }
-
     /// Outputs that are in place, by the paths of the script.
-    const std::vector<std::string>& inPlace() const { return inPlace_; }
+    const std::vector<std::string>& inPlace() const { return inPlace_.paths(); }
 
     /// The paths of all files that were opened, those that the run itself wrote left out, and of
     /// all outputs, each once, as the script names them.
-    const std::vector<std::string>& inputs() const { return inputs_; }
-    const std::vector<std::string>& outputs() const { return outputs_; }
+    const std::vector<std::string>& inputs() const { return inputs_.paths(); }
+    const std::vector<std::string>& outputs() const { return outputs_.paths(); }
 
-    /// What this run has written to an output, in the order of `outputs`.
-    std::string contentsOf(const std::string& path) const;
+    /// What this run has written to an output that is kept in memory.
+    std::string_view contentsOf(const std::string& path) const;
 
 private:
     class Stream;
@@ -71,20 +83,22 @@ private:
         bool isInPlace = false;
     };
 
-    Output* find(const std::string& realPath);
+    /// The newest output at the place of `path`: it replaces what was written there before.
+    const Output* find(const std::string& path) const;
+    void add(Output output);
     bool keepsInMemory(const Output& output) const;
-    static std::error_code place(Output& output);
+    std::error_code place(Output& output);
     void noteFailure(const std::string& path, std::error_code error);
 
     Mode mode_;
     Platform::InterruptGuard guard_;
-    std::deque<Output> all_;
+    std::deque<Output> all_;  ///< a deque, since it never moves what streams write to
+    std::unordered_map<std::string, const Output*> newest_;  ///< by real places
     unsigned number_ = 0;
     std::map<std::string, std::string, std::less<>> reasons_;
-    std::optional<Failure> earlyFailure_;
-    std::vector<std::string> inPlace_;
-    std::vector<std::string> inputs_;
-    std::vector<std::string> outputs_;
+    PathList inPlace_;
+    PathList inputs_;
+    PathList outputs_;
 };
 
 }  // namespace Strict

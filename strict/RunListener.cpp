@@ -327,7 +327,10 @@ void RunListener::hear(const Fact& fact) {
             [&](const TextPrinted& f) { print(f); }, [&](const ProgramCalled&) {},
             [&](const ProgramEnded& f) {
                 if (f.status == 0) return;
-                report("call-failed", std::string(f.location) + outcome(f.status),
+                const std::string reason = reason_(f.location);
+                report("call-failed",
+                       std::string(f.location) + outcome(f.status) +
+                           (f.status >= 0 || reason.empty() ? "" : ": " + reason),
                        {"SetAppLocation -> "});
             },
             // The front end reads and parses the script itself.
