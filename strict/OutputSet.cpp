@@ -8,14 +8,12 @@ namespace Strict {
 
 namespace {
 
-/// Where a path leads, for comparing paths that look different.
-std::string realPlace(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
-    const std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
-    const std::string whole = Platform::realPath(path);
-    // A file that is not there yet still has a folder.
-    return whole != path ? whole : Platform::realPath(folder) + "/" + name;
+/// The place of a target, for comparing paths that look different. Only its folder is looked up,
+/// since the file itself may not exist yet.
+std::string placeOf(const Platform::OutputTarget& target) {
+    const std::size_t slash = target.path.rfind('/');
+    if (slash == std::string::npos) return Platform::realPath(".") + "/" + target.path;
+    return Platform::realPath(target.path.substr(0, slash + 1)) + target.path.substr(slash);
 }
 
 }  // namespace
@@ -70,12 +68,12 @@ std::string OutputSet::reasonFor(std::string_view path) const {
 
 const OutputSet::Output* OutputSet::find(const std::string& path) const {
     if (newest_.empty()) return nullptr;
-    const auto found = newest_.find(realPlace(path));
+    const auto found = newest_.find(placeOf(Platform::outputTarget(path)));
     return found == newest_.end() ? nullptr : found->second;
 }
 
 void OutputSet::add(Output output) {
-    const std::string place = realPlace(output.target.path);
+    const std::string place = placeOf(output.target);
     all_.push_back(std::move(output));
     newest_.insert_or_assign(place, &all_.back());
 }
