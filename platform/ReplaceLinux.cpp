@@ -41,6 +41,13 @@ std::string linkTarget(const std::string& path) {
 OutputTarget outputTarget(const std::string& path) {
     OutputTarget target{TargetKind::Impossible, path, {}};
     struct stat status {};
+    // The link of a descriptor, as in /dev/stdout and /dev/fd/63, names no path that could be
+    // followed if it leads to a pipe.
+    const bool isThere = ::stat(path.c_str(), &status) == 0;
+    if (isThere && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) {
+        target.kind = TargetKind::Device;
+        return target;
+    }
     for (int links = 0; links < mostLinks; ++links) {
         if (::lstat(target.path.c_str(), &status) != 0) {
             const int reason = errno;
@@ -64,7 +71,7 @@ OutputTarget outputTarget(const std::string& path) {
     else if (S_ISREG(status.st_mode) && ::access(target.path.c_str(), W_OK) != 0)
         target.error = errorOf(errno);
     else
-        target.kind = S_ISREG(status.st_mode) ? TargetKind::Regular : TargetKind::Device;
+        target.kind = TargetKind::Regular;
     return target;
 }
 
