@@ -30,21 +30,25 @@ public:
             return true;
         }
         Platform::clearLastError();
-        if (file_->write(bytes)) return true;
-        set_->noteFailure(output_->path, Platform::lastError());
-        return false;
+        return note(file_->write(bytes));
     }
 
     bool close() override {
-        if (!file_) return true;
         Platform::clearLastError();
-        if (file_->close()) return true;
-        set_->noteFailure(output_->path, Platform::lastError());
-        return false;
+        const bool isClosed = !file_ || note(file_->close());
+        output_->isComplete = isClosed && isWritten_;
+        return isClosed;
     }
 
 private:
+    bool note(bool isGood) {
+        if (!isGood) set_->noteFailure(output_->path, Platform::lastError());
+        isWritten_ = isWritten_ && isGood;
+        return isGood;
+    }
+
     OutputSet* set_;
+    bool isWritten_ = true;
     Output* output_;
     std::optional<Platform::OutputFile> file_;
 };
@@ -106,7 +110,7 @@ std::optional<Platform::InputFile> OutputSet::openInput(const std::string& path)
 std::unique_ptr<Io::OutputStream> OutputSet::createOutput(const std::string& path,
                                                           Platform::FileMode /*mode*/) {
     outputs_.add(path);
-    Output output{path, Platform::outputTarget(path), {}, {}, false};
+    Output output{path, Platform::outputTarget(path), {}, {}, false, false};
     if (output.target.kind == Platform::TargetKind::Impossible) {
         noteFailure(path, output.target.error);
         return nullptr;
@@ -145,7 +149,8 @@ std::optional<OutputSet::Failure> OutputSet::commit() {
     if (mode_ == Mode::Memory) return std::nullopt;
     for (const bool isDevice : {false, true}) {
         for (Output& output : all_) {
-            if (output.isInPlace || output.temporary.empty() != isDevice) continue;
+            if (!output.isComplete || output.isInPlace) continue;
+            if (output.temporary.empty() != isDevice) continue;
             if (const std::error_code error = place(output))
                 return Failure{output.path, error.message()};
             output.isInPlace = true;
