@@ -129,7 +129,7 @@ void clearLastError() {
 
 namespace {
 
-constexpr std::array interrupts{SIGINT, SIGTERM, SIGHUP};
+constexpr std::array interrupts{SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGXCPU};
 
 /// The files to remove; changed only while the interrupts are blocked.
 const std::set<std::string>* guarded = nullptr;
