@@ -128,8 +128,9 @@ std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode /
     return file;
 }
 
-std::optional<OutputFile> OutputFile::createNew(const std::string& path) {
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+std::optional<OutputFile> OutputFile::createNew(const std::string& path, bool isPrivate) {
+    const int descriptor =
+        ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, isPrivate ? 0600 : 0666);
     if (descriptor < 0) return std::nullopt;
     return OutputFile(descriptor);
 }
