@@ -7,7 +7,12 @@
 
 namespace Strict {
 
-enum class Severity : unsigned char { Error, Warning, Ignored };
+enum class Severity : unsigned char {
+    Error,
+    Warning,
+    Note,  ///< adds to the diagnostics before it, and has no kind
+    Ignored
+};
 
 /// A place in a file as its author wrote it.
 struct Place {

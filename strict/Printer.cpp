@@ -15,6 +15,16 @@ constexpr const char* cyan = "\033[1;36m";
 constexpr const char* green = "\033[1;32m";
 constexpr const char* plain = "\033[0m";
 
+const char* wordFor(Severity severity) {
+    if (severity == Severity::Error) return "error";
+    return severity == Severity::Warning ? "warning" : "note";
+}
+
+const char* colorOf(Severity severity) {
+    if (severity == Severity::Error) return red;
+    return severity == Severity::Warning ? magenta : cyan;
+}
+
 /// "file:line:column: ", as far as the place goes.
 std::string prefix(const Place& place) {
     std::string text = place.file + ":";
@@ -47,11 +57,10 @@ nlohmann::ordered_json toJson(const Place& place) {
 
 void Printer::take(const Diagnostic& diagnostic) {
     Diagnostic judged = diagnostic;
-    judged.severity = policy_->severityOf(diagnostic.name);
+    if (judged.severity != Severity::Note) judged.severity = policy_->severityOf(diagnostic.name);
+    errors_ += judged.severity == Severity::Error ? 1U : 0U;
     if (judged.severity == Severity::Ignored) return;
-    const bool isError = judged.severity == Severity::Error;
-    ++(isError ? errors_ : warnings_);
-    if (isQuiet_ && !isError) return;
+    if (judged.severity == Severity::Warning && isQuiet_) return;
     // In one piece, since standard error has no buffer of its own.
     *out_ << (format_ == DiagnosticFormat::Json ? jsonOf(judged) : textOf(judged)) << std::flush;
 }
@@ -86,13 +95,15 @@ std::string Printer::textOf(const Place& place, const std::string& hint) const {
 }
 
 std::string Printer::textOf(const Diagnostic& diagnostic) const {
-    const bool isError = diagnostic.severity == Severity::Error;
     std::string text = color(bold);
     text += diagnostic.place ? prefix(*diagnostic.place) : "tessaron: ";
-    text += color(isError ? red : magenta);
-    text += isError ? "error: " : "warning: ";
+    text += color(colorOf(diagnostic.severity));
+    text += wordFor(diagnostic.severity);
+    text += ": ";
     text += color(plain);
-    text += color(bold) + shown(diagnostic.text) + color(plain) + " [" + diagnostic.name + "]\n";
+    text += color(bold) + shown(diagnostic.text) + color(plain);
+    if (!diagnostic.name.empty()) text += " [" + diagnostic.name + "]";
+    text += '\n';
     if (diagnostic.place)
         text += textOf(*diagnostic.place, diagnostic.hint);
     else if (!diagnostic.hint.empty())
@@ -109,10 +120,10 @@ std::string Printer::textOf(const Diagnostic& diagnostic) const {
 }
 
 std::string Printer::jsonOf(const Diagnostic& diagnostic) {
-    nlohmann::ordered_json json{
-        {"severity", diagnostic.severity == Severity::Error ? "error" : "warning"},
-        {"name", diagnostic.name},
-        {"text", diagnostic.text}};
+    nlohmann::ordered_json json{{"severity", wordFor(diagnostic.severity)},
+                                {"name", diagnostic.name},
+                                {"text", diagnostic.text}};
+    if (diagnostic.name.empty()) json.erase("name");
     if (diagnostic.place) json.update(toJson(*diagnostic.place));
     if (!diagnostic.hint.empty()) json["hint"] = diagnostic.hint;
     for (const Note& note : diagnostic.notes) {

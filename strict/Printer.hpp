@@ -24,7 +24,6 @@ public:
     void take(const Diagnostic& diagnostic) override;
 
     std::size_t errors() const { return errors_; }
-    std::size_t warnings() const { return warnings_; }
 
 private:
     std::string textOf(const Diagnostic& diagnostic) const;
@@ -38,7 +37,6 @@ private:
     bool hasColor_;
     bool isQuiet_;
     std::size_t errors_ = 0;
-    std::size_t warnings_ = 0;
 };
 
 }  // namespace Strict

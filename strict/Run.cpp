@@ -147,6 +147,14 @@ std::string likeWord(const ScriptText& script, const std::string& name) {
     return word ? "did you mean " + *word + "?" : "";
 }
 
+/// A dollar sign that is not one of the two that mean one.
+bool hasLoneDollar(std::string_view value) {
+    for (std::size_t at = value.find('$'); at != std::string_view::npos;
+         at = value.find('$', at + 2))
+        if (value.substr(at, 2) != "$$") return true;
+    return false;
+}
+
 void checkVariables(const RunOptions& options, const ScriptText& script, DiagnosticSink& sink) {
     for (const auto& variable : script.map().variables()) {
         if (!variable.isUsed && options.variables.contains(variable.name))
@@ -163,7 +171,7 @@ void checkVariables(const RunOptions& options, const ScriptText& script, Diagnos
                        script.placeInFile(*variable.inWord, variable.name.size()),
                        "",
                        {}});
-        if (variable.value.find('$') != std::string::npos)
+        if (hasLoneDollar(variable.value))
             sink.take({Severity::Error,
                        "variable-dollar",
                        "the value of the variable " + variable.name +
@@ -218,15 +226,16 @@ private:
     RunListener listener_;
 };
 
+/// A program that was called needed the outputs before the run failed.
 void noteOutputsInPlace(const OutputSet& files, DiagnosticSink& sink) {
     if (files.inPlace().empty()) return;
     std::string names;
     for (const std::string& path : files.inPlace()) names += (names.empty() ? "" : ", ") + path;
-    sink.take({Severity::Error,
-               "call-failed",
-               "the run failed after a program had been called: outputs are in place already",
+    sink.take({Severity::Note,
+               "",
+               "these outputs are in place already, since a program was called: " + names,
                std::nullopt,
-               names,
+               "",
                {}});
 }
 

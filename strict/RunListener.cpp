@@ -73,8 +73,11 @@ std::string areaText(std::uint64_t start, std::uint64_t length) {
     return text;
 }
 
+/// The addresses of a range that ends before `end`.
 std::string rangeText(std::uint64_t start, std::uint64_t end) {
-    return hexadecimal(start) + " up to, without, " + hexadecimal(end);
+    if (start == end) return "no addresses";
+    if (start + 1 == end) return "the address " + hexadecimal(start);
+    return "the addresses " + hexadecimal(start) + " to " + hexadecimal(end - 1);
 }
 
 const std::vector<std::string_view> inputFile{"SetFileAsSource -> ", "SetRawFileAsSource -> "};
@@ -114,7 +117,7 @@ void RunListener::report(const char* kind, std::string text,
     std::string_view part = trimmed(arguments.textOf(traces));
     if (part.empty()) part = statement.substr(0, 1);
     sink_->take({Severity::Error, kind, std::move(text), script_->placeOf(part), std::move(hint),
-                 script_->variableNotes(script_->offsetOf(part))});
+                 script_->variableNotes(part)});
 }
 
 void RunListener::reportOutside(std::uint64_t start, std::uint64_t length,
@@ -180,7 +183,7 @@ void RunListener::hear(const Fact& fact) {
                        anyArea);
             },
             [&](const FillPatternEmpty&) {
-                report("no-effect", "there is nothing to fill with, nothing is written",
+                report("no-effect", "there are no bytes, so nothing is done",
                        {"SetHexList -> ", "SetFillPattern -> ", "SetFillValues -> ",
                         "SetFillString -> ", "SetFillHash -> ", "AddArea -> "});
             },
@@ -263,8 +266,8 @@ void RunListener::hear(const Fact& fact) {
                 const bool isMinimum = f.bound == Bound::Minimum;
                 report("length-corrected",
                        "a record has at " + std::string(isMinimum ? "least " : "most ") +
-                           std::to_string(f.allowed) + " data bytes, which is used instead of " +
-                           std::to_string(f.length),
+                           std::to_string(f.allowed) + " data byte" + (f.allowed == 1 ? "" : "s") +
+                           ", which is used instead of " + std::to_string(f.length),
                        {"SetExportFormatOptionIntelHexExtended -> ",
                         "SetExportFormatOptionIntelHexSegment -> ",
                         "SetExportFormatOptionMotorolaS -> "});

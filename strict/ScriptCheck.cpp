@@ -236,14 +236,15 @@ void ScriptCheck::checkExpression(const Value& value) {
                ", since an operator takes everything "
                "to its right; by the usual order it would be " +
                hexadecimal(arithmetic.usual()),
-           value.text, "use parentheses");
+           value.text, "use parentheses, as in (8-4)-2");
 }
 
 void ScriptCheck::report(const char* kind, std::string text, std::string_view part,
                          std::string hint) {
+    part = part.substr(0, part.find_last_not_of(" \t\n\v\f\r") + 1);
     Diagnostic diagnostic{Severity::Error, kind,
                           std::move(text), script_->placeOf(part),
-                          std::move(hint), script_->variableNotes(script_->offsetOf(part))};
+                          std::move(hint), script_->variableNotes(part)};
     pending_.push_back(std::move(diagnostic));
 }
 

@@ -62,8 +62,11 @@ Place ScriptText::placeInFile(std::size_t offset, std::size_t length) const {
     place.file = file_;
     place.line = lineOf(offset);
     place.column = characters(text.substr(begin, offset - begin)) + 1;
-    place.excerpt = text.substr(from, to - from);
-    place.caret = characters(text.substr(from, offset - from));
+    const std::string_view cut = "...";
+    place.excerpt = from == begin ? "" : cut;
+    place.caret = place.excerpt.size() + characters(text.substr(from, offset - from));
+    place.excerpt += text.substr(from, to - from);
+    if (to != end) place.excerpt += cut;
     place.caretLength = std::max<std::size_t>(characters(text.substr(offset, last - offset)), 1);
     return place;
 }
@@ -83,14 +86,28 @@ Place ScriptText::placeOf(std::string_view part) const {
     return placeOf(first, first + part.size());
 }
 
-std::vector<Note> ScriptText::variableNotes(std::size_t offset) const {
-    const Parser::TextOrigin origin = map_.originOf(offset);
-    if (!origin.variable) return {};
+std::vector<Note> ScriptText::variableNotes(std::string_view part) const {
+    constexpr std::size_t longestPart = 1000;
+    constexpr std::size_t mostNotes = 4;
     constexpr std::size_t longestShown = 200;
-    const auto& variable = map_.variables()[*origin.variable];
-    std::string value = variable.value.substr(0, longestShown);
-    if (value.size() < variable.value.size()) value += "...";
-    return {{"the variable " + variable.name + " is replaced by \"" + value + "\"", std::nullopt}};
+    const std::size_t first = offsetOf(part);
+    std::vector<std::size_t> found;
+    // What is empty is the place at its beginning.
+    const std::size_t length = std::clamp<std::size_t>(part.size(), 1, longestPart);
+    for (std::size_t i = 0; i < length && found.size() < mostNotes; ++i) {
+        const auto variable = map_.originOf(first + i).variable;
+        if (variable && std::ranges::find(found, *variable) == found.end())
+            found.push_back(*variable);
+    }
+    std::vector<Note> notes;
+    for (const std::size_t index : found) {
+        const auto& variable = map_.variables()[index];
+        std::string value = variable.value.substr(0, longestShown);
+        if (value.size() < variable.value.size()) value += "...";
+        notes.push_back(
+            {"the variable " + variable.name + " is replaced by \"" + value + "\"", std::nullopt});
+    }
+    return notes;
 }
 
 }  // namespace Strict

@@ -31,9 +31,8 @@ public:
     /// The place of `length` bytes at `offset` of the text as written.
     Place placeInFile(std::size_t offset, std::size_t length) const;
 
-    /// A note on the variable that the character at `offset` of the prepared text came from; none
-    /// for text of the file itself.
-    std::vector<Note> variableNotes(std::size_t offset) const;
+    /// A note on each variable that a part of the prepared text came from, a few at most.
+    std::vector<Note> variableNotes(std::string_view part) const;
 
     std::size_t offsetOf(std::string_view part) const {
         return static_cast<std::size_t>(part.data() - prepared_.data());

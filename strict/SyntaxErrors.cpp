@@ -90,6 +90,11 @@ std::string_view wordBefore(std::string_view text) {
     return isNumber ? std::string_view() : word;
 }
 
+/// Whether `word` is the last thing in `text`.
+bool isLastWord(std::string_view text, std::string_view word) {
+    return text.substr(0, text.find_last_not_of(spaces) + 1).ends_with(word);
+}
+
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
@@ -101,6 +106,20 @@ bool isSigned(std::string_view text) {
     const std::size_t before = text.substr(0, sign).find_last_not_of(" \t");
     return before != std::string_view::npos &&
            std::string_view("{,;=(").find(text[before]) != std::string_view::npos;
+}
+
+/// A value in which a blank separates a parenthesis and the operator after it, which only "+" may
+/// follow.
+bool hasBlankBeforeOperator(std::string_view text) {
+    const std::size_t begin = text.find_last_of("{,;=") + 1;
+    for (std::size_t at = text.find(')', begin); at != std::string_view::npos;
+         at = text.find(')', at + 1)) {
+        const std::size_t next = text.find_first_not_of(" \t", at + 1);
+        const bool isOperator = next != std::string_view::npos &&
+                                std::string_view("-*/%").find(text[next]) != std::string_view::npos;
+        if (isOperator && next != at + 1) return true;
+    }
+    return false;
 }
 
 /// Advice for common mistakes that no word of the language is near to.
@@ -117,6 +136,8 @@ std::string advice(std::string_view before, std::string_view word,
     const std::size_t last = before.find_last_not_of(" \t");
     if (takesNumber && isSigned(before)) return "a number has no sign";
     const bool isAfterNumber = last != std::string_view::npos && isDigit(before[last]);
+    if (takesNumber && hasBlankBeforeOperator(before))
+        return "remove the blank between the parenthesis and the operator";
     if (takesNumber && word == "}") return "is a comma missing between two numbers?";
     if (isAfterNumber && (word == "h" || word == "H")) return "a hexadecimal number begins with 0x";
     if (isAfterNumber && word.starts_with('x')) return "a number has at most 32 bits";
@@ -124,6 +145,8 @@ std::string advice(std::string_view before, std::string_view word,
         return "a number has at most 32 bits";
     if (!word.empty() && static_cast<unsigned char>(word.front()) > 0x7F)
         return "a name consists of letters, digits and # @ _ - ! < > &";
+    if (std::ranges::any_of(words, [&](auto one) { return isLastWord(before, one); }))
+        return "is the text in front of it missing?";
     if (has(words, "WITH_BUFFERS") || has(words, "WITH_ARGUMENTS"))
         return "put a text with blanks into braces";
     if (has(words, "{") && !word.empty()) return "a list is in braces";
@@ -184,7 +207,8 @@ Diagnostic syntaxError(const ScriptText& script, std::string_view statement,
         diagnostic.hint = "did you mean " + std::string(begun) + "?";
     else
         diagnostic.hint = advice(before, word, missed.words);
-    diagnostic.notes = script.variableNotes(offset);
+    diagnostic.notes =
+        script.variableNotes(statement.substr(at, std::max<std::size_t>(word.size(), 1)));
     // A brace that is closed further on the line is not what is missing.
     const std::string_view line = statement.substr(at, statement.substr(at).find('\n'));
     if (const auto brace = openBrace(before); brace && line.find('}') == std::string_view::npos) {

@@ -4,7 +4,7 @@ same files, print the same and exit with 0, once each policy is set to ignore.
 
 The scripts are the cases of tests/scripts and random ones.
 
-    agreement.py CmdTessaron tessaron list_diagnostics [--count N] [--seed S]
+    agreement.py CmdTessaron tessaron list_kinds [--count N] [--seed S]
 """
 import argparse
 import pathlib
@@ -167,9 +167,9 @@ def execute(command, folder):
 
 class Comparison:
     def __init__(self, options):
-        kinds = subprocess.run([options.list_diagnostics], capture_output=True, text=True,
+        kinds = subprocess.run([options.list_kinds], capture_output=True, text=True,
                                check=True).stdout.splitlines()
-        self.ignored = ["--ignore=" + kind.split()[0] for kind in kinds if "fixed" not in kind]
+        self.ignored = ["--ignore=" + kind.split()[0] for kind in kinds if "always" not in kind]
         self.classic, self.strict = options.classic.resolve(), options.strict.resolve()
         self.agreed = self.faults = 0
 
@@ -197,7 +197,7 @@ class Comparison:
 
 def main():
     parser = argparse.ArgumentParser()
-    for name in ("classic", "strict", "list_diagnostics"):
+    for name in ("classic", "strict", "list_kinds"):
         parser.add_argument(name, type=pathlib.Path)
     parser.add_argument("--count", type=int, default=300)
     parser.add_argument("--seed", type=int, default=1)

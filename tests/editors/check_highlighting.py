@@ -110,7 +110,8 @@ def check_agreement(modules):
     with tempfile.TemporaryDirectory() as folder:
         files = [ANNOTATED, *sorted((ROOT / "examples").rglob("*.tsn"))]
         for part in itertools.chain(*run_examples.sections(MANUAL)[0]):
-            if re.fullmatch(r"\S+\.tsn", part.title):
+            # What does not parse may end anywhere.
+            if re.fullmatch(r"\S+\.tsn", part.title) and part.title != "syntax.tsn":
                 files.append(pathlib.Path(folder) / ("manual-%d.tsn" % part.number))
                 files[-1].write_text(part.text())
         if len(files) < 40:

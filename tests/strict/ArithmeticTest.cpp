@@ -36,7 +36,8 @@ public:
     std::string expression(unsigned depth) {
         std::string text(operand(depth));
         for (unsigned i = below(4); i > 0; --i) {
-            text += " ";
+            // Of the operators only "+" may follow a parenthesis and a blank.
+            text += text.back() == ')' ? "" : " ";
             text += "+-*/%"[below(5)];
             text += below(2) == 0 ? " " : "";
             text += operand(depth);
