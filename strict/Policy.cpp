@@ -39,6 +39,7 @@ constexpr std::array allKinds{
     Kind{"length-corrected", Warning, false},
     Kind{"swallowed", Warning, false},
     Kind{"no-effect", Warning, false},
+    Kind{"end-as-length", Warning, false},
 };
 
 const Kind* find(std::string_view name) {

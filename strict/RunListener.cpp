@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <optional>
+#include <system_error>
 #include <utility>
 #include <variant>
 
 #include "parser/grammar/ScriptSyntax.hpp"
+#include "platform/Files.hpp"
 #include "strict/Arithmetic.hpp"
 
 namespace Strict {
@@ -101,6 +103,21 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
 }
 
+/// The system's words for a path that leads nowhere.
+std::string noSuchFile() {
+    return std::make_error_code(std::errc::no_such_file_or_directory).message();
+}
+
+/// What may be wrong with the name of a file that cannot be opened.
+std::string adviceOn(std::string_view file) {
+    if (!file.empty() && file.find_first_of("./\\") == std::string_view::npos)
+        return "was the variable " + std::string(file) + " given?";
+    if (file.ends_with(';')) return "a statement has no semicolon at its end";
+    const bool isForeign =
+        file.find('\\') != std::string_view::npos && Platform::pathSeparator != '\\';
+    return isForeign ? "write / between folders" : "";
+}
+
 template <class... Functions>
 struct Overloaded : Functions... {
     using Functions::operator()...;
@@ -135,12 +152,11 @@ void RunListener::reportOutside(std::uint64_t start, std::uint64_t length,
 
 void RunListener::reportOpen(std::string_view file) {
     const std::string reason = reason_(file);
-    const bool isLikeVariable = !file.empty() && file.find_first_of("./\\") == std::string::npos;
     if (reason.empty())
         report("out-of-memory", "there is not enough memory for " + std::string(file), inputFile);
     else
         report("cannot-open", "cannot open " + std::string(file) + ": " + reason, inputFile,
-               isLikeVariable ? "was the variable " + std::string(file) + " given?" : "");
+               adviceOn(file));
 }
 
 void RunListener::reportLine(const char* kind, std::string_view file, std::uint64_t line,
@@ -317,7 +333,7 @@ void RunListener::hear(const Fact& fact) {
                 report(
                     "cannot-write",
                     "cannot write " + std::string(f.file) + (reason.empty() ? "" : ": " + reason),
-                    outputFile);
+                    outputFile, reason == noSuchFile() ? "its folder does not exist" : "");
             },
             [&](const FileSpanTooLong& f) {
                 report("outside",

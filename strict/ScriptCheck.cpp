@@ -49,7 +49,20 @@ void ScriptCheck::onStep(const char* trace, Parser::Position first, Parser::Posi
                        "the value does not fit into a byte, only its low eight "
                        "bits count",
                        values_[i].text);
+    if (name == "AddArea -> " || name == "SetBufferRange -> ") checkArea();
     bytesFrom_ = values_.size();
+}
+
+void ScriptCheck::checkArea() {
+    if (values_.size() - bytesFrom_ != 2) return;
+    const std::uint64_t start = values_[bytesFrom_].value;
+    const std::uint64_t length = values_[bytesFrom_ + 1].value;
+    // Memories begin at high addresses and are small beside them.
+    constexpr std::uint64_t highAddress = std::uint64_t{1} << 24U;
+    const bool isLikeEnd = start >= highAddress && length > start && length - start < start / 2;
+    if (isLikeEnd)
+        report("end-as-length", "this length looks like an end address", values_.back().text,
+               "the length up to that address is " + hexadecimal(length - start));
 }
 
 void ScriptCheck::onValue(std::uint32_t value, Parser::Position first, Parser::Position last) {
@@ -176,11 +189,15 @@ void ScriptCheck::checkTexts(std::uint32_t type, std::string_view statement) {
             feed != std::string_view::npos && std::ranges::any_of(statementWords, holds);
         const bool isStatement =
             std::ranges::find(statementWords, step.text) != statementWords.end();
-        if (isSwallowing || isStatement)
-            report("swallowed",
-                   isStatement ? "the text of this statement is the next keyword"
-                               : "this text goes on over the next statement",
-                   step.text.substr(0, feed), "is a closing brace or the text missing?");
+        if (!isSwallowing && !isStatement) continue;
+        const std::string_view shown = step.text.substr(0, feed);
+        const bool hasRemark = script_->placeOf(shown).excerpt.find("//") != std::string::npos;
+        report("swallowed",
+               isStatement ? "the text of this statement is the next keyword"
+                           : "this text goes on over the next statement",
+               shown,
+               hasRemark ? "a remark begins with //, in a text as well"
+                         : "is a closing brace or the text missing?");
     }
     const Step* const section = stepOf("SetExecutionStartAddress -> ");
     if (section != nullptr && isNumber(section->text) &&

@@ -64,6 +64,7 @@ private:
     void checkValues();
     void checkExpression(const Value& value);
     void define(Names& names, std::string_view name, const char* what);
+    void checkArea();
     void checkUse(const Step& step, std::uint32_t type);
     void use(const Names& names, std::string_view name, const char* what);
     void report(const char* kind, std::string text, std::string_view part, std::string hint = {});

@@ -10,7 +10,7 @@ namespace Strict {
 
 namespace {
 
-/// Bytes of a line that are shown on either side of a place.
+/// Bytes of a long line that are shown on either side of a place.
 constexpr std::size_t shownBefore = 60;
 constexpr std::size_t shownAfter = 100;
 
@@ -53,8 +53,9 @@ Place ScriptText::placeInFile(std::size_t offset, std::size_t length) const {
     const std::size_t feed = offset == 0 ? std::string_view::npos : text.rfind('\n', offset - 1);
     const std::size_t begin = feed == std::string_view::npos ? 0 : feed + 1;
     const std::size_t end = std::min(text.find('\n', offset), text.size());
-    std::size_t from = offset - begin > shownBefore ? offset - shownBefore : begin;
-    std::size_t to = end - offset > shownAfter ? offset + shownAfter : end;
+    const bool isShort = end - begin <= shownBefore + shownAfter;
+    std::size_t from = isShort || offset - begin <= shownBefore ? begin : offset - shownBefore;
+    std::size_t to = isShort || end - offset <= shownAfter ? end : offset + shownAfter;
     while (from < offset && isContinuation(text[from])) ++from;
     while (to > offset && to < end && isContinuation(text[to])) --to;
     const std::size_t last = std::min(offset + length, to);

@@ -122,33 +122,68 @@ bool hasBlankBeforeOperator(std::string_view text) {
     return false;
 }
 
+/// Advice for a place where a number is expected.
+std::string adviceForNumber(std::string_view before, std::string_view word) {
+    if (word.starts_with('$')) return "a hexadecimal number begins with 0x";
+    if (word.starts_with('-') || word.starts_with('+')) return "a number has no sign";
+    if (isSigned(before)) return "a number has no sign";
+    if (hasBlankBeforeOperator(before))
+        return "remove the blank between the parenthesis and the operator";
+    if (word == "}") return "is a comma missing between two numbers?";
+    if (!word.empty() && isDigit(word.front())) return "a number has at most 32 bits";
+    return {};
+}
+
+/// Advice for the end of a number that goes on.
+std::string adviceAfterNumber(std::string_view word) {
+    if (word == "h" || word == "H") return "a hexadecimal number begins with 0x";
+    if (word.starts_with('x')) return "a number has at most 32 bits";
+    return {};
+}
+
+/// Whether `text` ends in a file name of one word, to be read from.
+bool isAfterFileName(std::string_view text) {
+    constexpr std::string_view keyword = "FROM_FILE";
+    const std::size_t found = text.rfind(keyword);
+    if (found == std::string_view::npos) return false;
+    const std::size_t name = text.find_first_of(spaces, found);
+    const std::size_t begin = text.find_first_not_of(spaces, name);
+    const std::size_t end = text.find_first_of(spaces, begin);
+    return begin != std::string_view::npos && end != std::string_view::npos &&
+           text.find_first_not_of(spaces, end) == std::string_view::npos;
+}
+
 /// Advice for common mistakes that no word of the language is near to.
-std::string advice(std::string_view before, std::string_view word,
+///
+/// @param rest  of the script, from the word on
+std::string advice(std::string_view before, std::string_view word, std::string_view rest,
                    const std::vector<std::string_view>& words) {
     const bool takesNumber = has(words, "a number");
     const bool isRemark = word.starts_with('#') || word.starts_with("/*") ||
-                          word.starts_with(";") || word.starts_with("--");
+                          word.starts_with(';') || word.starts_with("--");
     if (isRemark && !takesNumber) return "a remark begins with //";
     if (word.starts_with("\xEF\xBB\xBF")) return "remove the byte order mark at the beginning";
-    if (takesNumber && word.starts_with('$')) return "a hexadecimal number begins with 0x";
-    if (takesNumber && (word.starts_with('-') || word.starts_with('+')))
-        return "a number has no sign";
+    const std::size_t next = rest.find_first_not_of(" \t", word.size());
+    const bool isAssigned = !word.empty() && isWordCharacter(word.front()) &&
+                            next != std::string_view::npos && rest[next] == '=';
+    if (word == "SUBSTITUTE" || isAssigned)
+        return "a replacement is written SUBSTITUTE NAME WITH VALUE, with single blanks";
+    std::string text = takesNumber ? adviceForNumber(before, word) : "";
     const std::size_t last = before.find_last_not_of(" \t");
-    if (takesNumber && isSigned(before)) return "a number has no sign";
-    const bool isAfterNumber = last != std::string_view::npos && isDigit(before[last]);
-    if (takesNumber && hasBlankBeforeOperator(before))
-        return "remove the blank between the parenthesis and the operator";
-    if (takesNumber && word == "}") return "is a comma missing between two numbers?";
-    if (isAfterNumber && (word == "h" || word == "H")) return "a hexadecimal number begins with 0x";
-    if (isAfterNumber && word.starts_with('x')) return "a number has at most 32 bits";
-    if (takesNumber && !word.empty() && isDigit(word.front()))
-        return "a number has at most 32 bits";
+    if (text.empty() && last != std::string_view::npos && isDigit(before[last]))
+        text = adviceAfterNumber(word);
+    if (!text.empty()) return text;
     if (!word.empty() && static_cast<unsigned char>(word.front()) > 0x7F)
         return "a name consists of letters, digits and # @ _ - ! < > &";
-    if (std::ranges::any_of(words, [&](auto one) { return isLastWord(before, one); }))
-        return "is the text in front of it missing?";
+    const auto isBefore = [&](std::string_view one) {
+        return one.size() > 1 && isLastWord(before, one);
+    };
+    if (std::ranges::any_of(words, isBefore)) return "is the text in front of it missing?";
+    if (word.starts_with(',')) return "options are separated by blanks";
     if (has(words, "WITH_BUFFERS") || has(words, "WITH_ARGUMENTS"))
         return "put a text with blanks into braces";
+    if (isAfterFileName(before)) return "put a file name with blanks into braces";
+    if (has(words, "a quote") && word.starts_with('{')) return "put this text into quotes";
     if (has(words, "{") && !word.empty()) return "a list is in braces";
     return {};
 }
@@ -183,19 +218,22 @@ Diagnostic syntaxError(const ScriptText& script, std::string_view statement,
     const char* const furthest = missed.furthest == nullptr ? statement.data() : missed.furthest;
     const auto at = static_cast<std::size_t>(furthest - statement.data());
     const std::string_view before = statement.substr(0, at);
-    const std::string_view word = wordAt(statement.substr(at));
+    const std::string_view rest = statement.substr(at);
+    const std::string_view word = wordAt(rest);
     std::vector<std::string> candidates(missed.words.begin(), missed.words.end());
     std::erase_if(candidates,
                   [](const std::string& one) { return one.find(' ') != std::string::npos; });
+    const auto close = nearest(word, candidates);
     Diagnostic diagnostic{};
     diagnostic.name = "syntax";
-    const auto close = nearest(word, candidates);
     diagnostic.text = "expected " + expectation(missed.words, keywords, close.has_value());
     if (word.empty())
         diagnostic.text += ", but the script ends here";
     else if (word.find_first_of(spaces) == std::string_view::npos)
         diagnostic.text += ", not " + std::string(word.substr(0, longestShown));
-    const std::size_t offset = script.offsetOf(statement) + at;
+    // What is missing at the end is missing after the last word.
+    const std::size_t end = before.find_last_not_of(spaces) + 1;
+    const std::size_t offset = script.offsetOf(statement) + (word.empty() ? end : at);
     diagnostic.place = script.placeOf(offset, offset + word.size());
     const std::string_view begun = wordBefore(before);
     const std::string glued = gluedKeyword(statement, keywords);
@@ -206,12 +244,12 @@ Diagnostic syntaxError(const ScriptText& script, std::string_view statement,
     else if (!begun.empty() && !word.empty() && isWordCharacter(word.front()))
         diagnostic.hint = "did you mean " + std::string(begun) + "?";
     else
-        diagnostic.hint = advice(before, word, missed.words);
-    diagnostic.notes =
-        script.variableNotes(statement.substr(at, std::max<std::size_t>(word.size(), 1)));
+        diagnostic.hint = advice(before, word, rest, missed.words);
+    diagnostic.notes = script.variableNotes(rest.substr(0, std::max<std::size_t>(word.size(), 1)));
     // A brace that is closed further on the line is not what is missing.
-    const std::string_view line = statement.substr(at, statement.substr(at).find('\n'));
-    if (const auto brace = openBrace(before); brace && line.find('}') == std::string_view::npos) {
+    const bool isClosed = rest.substr(0, rest.find('\n')).find('}') != std::string_view::npos;
+    const auto brace = openBrace(before);
+    if (brace && (!isClosed || has(keywords, word))) {
         const std::size_t open = script.offsetOf(statement) + *brace;
         diagnostic.notes.push_back({"this brace is not closed", script.placeOf(open, open + 1)});
     }
