@@ -6,7 +6,7 @@ set(package cmdtessaron)
 set(documents ${CMAKE_INSTALL_DATAROOTDIR}/doc/${package})
 set(cmakeFiles ${CMAKE_INSTALL_DATAROOTDIR}/cmake/Tessaron)
 
-install(TARGETS CmdTessaron EXPORT TessaronProgram RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS CmdTessaron tessaron EXPORT TessaronProgram RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES docs/CmdTessaronManual.txt DESTINATION ${documents})
 install(FILES docs/CmdTessaron.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES CHANGELOG.md docs/cmake.md DESTINATION ${documents})
@@ -19,7 +19,7 @@ install(DIRECTORY editors DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/${package}
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/TessaronConfigVersion.cmake
                                  COMPATIBILITY SameMajorVersion ARCH_INDEPENDENT)
 install(FILES cmake/TessaronConfig.cmake cmake/TessaronRunScript.cmake
-              cmake/TessaronExecuteScript.cmake
+              cmake/TessaronRunStep.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/TessaronConfigVersion.cmake
         DESTINATION ${cmakeFiles})
 install(EXPORT TessaronProgram NAMESPACE Tessaron:: DESTINATION ${cmakeFiles})

@@ -49,6 +49,13 @@ fi
 grep -q '^ *asserts  *1  *1  *1  *0 ' "$work/out" ||
     { cat "$work/out"; fail "the self-test failed"; }
 
+# The program tessaron needs no shared library.
+tessaron=$installed/usr/bin/tessaron
+! readelf -d "$tessaron" | grep NEEDED || fail "tessaron needs shared libraries"
+cp "$root"/examples/firmware/* "$work"
+(cd "$work" && "$tessaron" run release.tsn inFile=firmware.hex outFile=release.hex >/dev/null &&
+    cmp release.hex expected.hex) || fail "tessaron does not run"
+
 # A firmware project finds the installed package.
 cmake -S "$installed/usr/share/doc/cmdtessaron/examples/cmake-firmware" -B "$work/firmware" \
       -DCMAKE_PREFIX_PATH="$installed/usr" >"$work/log"
