@@ -13,6 +13,14 @@ install(FILES CHANGELOG.md docs/cmake.md DESTINATION ${documents})
 install(DIRECTORY examples DESTINATION ${documents} PATTERN build EXCLUDE)
 install(DIRECTORY editors DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/${package}
         PATTERN node_modules EXCLUDE)
+install(FILES completions/tessaron.bash RENAME tessaron
+        DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions)
+install(FILES completions/tessaron.fish
+        DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/fish/vendor_completions.d)
+# Under /usr, the zsh of Debian searches only the second of these folders.
+foreach(folder site-functions vendor-completions)
+  install(FILES completions/_tessaron DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/zsh/${folder})
+endforeach()
 
 # The files for find_package(Tessaron). The program runs on the host, so a project that is compiled
 # for a target with another pointer size may use it as well: ARCH_INDEPENDENT.

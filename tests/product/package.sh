@@ -34,6 +34,14 @@ same CHANGELOG.md share/doc/cmdtessaron/CHANGELOG.md
 [ ! -e docs/CmdTessaron.1 ] || same docs/CmdTessaron.1 share/man/man1/CmdTessaron.1
 for file in $(git ls-files examples); do same "$file" "share/doc/cmdtessaron/$file"; done
 for file in $(git ls-files editors); do same "$file" "share/cmdtessaron/$file"; done
+while read -r file target; do
+    cmp "completions/$file" "$installed/usr/share/$target"
+done <<END
+tessaron.bash bash-completion/completions/tessaron
+tessaron.fish fish/vendor_completions.d/tessaron.fish
+_tessaron zsh/site-functions/_tessaron
+_tessaron zsh/vendor-completions/_tessaron
+END
 unsafe=$(find "$installed/usr" ! -user root -o -perm /022 ! -type l)
 [ -z "$unsafe" ] || [ "$(id -u)" != 0 ] || fail "other users may write: $unsafe"
 
