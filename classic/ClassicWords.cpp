@@ -406,7 +406,7 @@ void ClassicWords::printUnexpected(std::string_view text) {
 }
 
 void ClassicWords::reportLostOutput() {
-    if (!output_)
+    if (hasLostOutput())
         errors_ << "Warning: Standard output could not be written completely !" << std::endl;
 }
 

@@ -46,6 +46,9 @@ public:
     /// An exception that no statement expected, as the last line of a run.
     void printUnexpected(std::string_view text);
 
+    /// Whether some of the output could not be written.
+    bool hasLostOutput() const { return output_.fail(); }
+
     /// Reports it if the output could not be written completely.
     void reportLostOutput();
 

@@ -8,7 +8,7 @@ set(cmakeFiles ${CMAKE_INSTALL_DATAROOTDIR}/cmake/Tessaron)
 
 install(TARGETS CmdTessaron tessaron EXPORT TessaronProgram RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES docs/CmdTessaronManual.txt DESTINATION ${documents})
-install(FILES docs/CmdTessaron.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES docs/CmdTessaron.1 docs/tessaron.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES CHANGELOG.md docs/cmake.md DESTINATION ${documents})
 install(DIRECTORY examples DESTINATION ${documents} PATTERN build EXCLUDE)
 install(DIRECTORY editors DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/${package}

@@ -97,7 +97,9 @@ public:
     static std::optional<OutputFile> create(const std::string& path, FileMode mode);
 
     /// The same for a file that is not there yet: nothing if it is.
-    static std::optional<OutputFile> createNew(const std::string& path);
+    ///
+    /// @param isPrivate  whether only its owner may read it
+    static std::optional<OutputFile> createNew(const std::string& path, bool isPrivate);
     ~OutputFile();
     OutputFile(OutputFile&& other) noexcept;
     OutputFile& operator=(OutputFile&& other) = delete;

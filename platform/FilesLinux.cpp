@@ -45,11 +45,15 @@ std::optional<InputFile> InputFile::open(const std::string& path) {
         file.changeTime_ = changeTime(status);
         return file;
     }
-    if (S_ISDIR(status.st_mode) || ::isatty(descriptor) != 0) return std::nullopt;
+    const bool isTerminal = ::isatty(descriptor) != 0;
+    // The system has a reason for a folder, and none for what this program refuses on its own.
+    errno = S_ISDIR(status.st_mode) ? EISDIR : 0;
+    if (errno != 0 || isTerminal) return std::nullopt;
     const std::size_t most = S_ISCHR(status.st_mode) ? longestOfDevice : longestStream;
     const bool isPipe = S_ISFIFO(status.st_mode);
-    if (!file.readStream(most, isPipe, isPipe && !isAnonymousPipe(descriptor))) return std::nullopt;
-    return file;
+    if (file.readStream(most, isPipe, isPipe && !isAnonymousPipe(descriptor))) return file;
+    errno = 0;
+    return std::nullopt;
 }
 
 bool InputFile::readStream(std::size_t most, bool isPipe, bool isNamed) {
@@ -124,8 +128,9 @@ std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode /
     return file;
 }
 
-std::optional<OutputFile> OutputFile::createNew(const std::string& path) {
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+std::optional<OutputFile> OutputFile::createNew(const std::string& path, bool isPrivate) {
+    const int descriptor =
+        ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, isPrivate ? 0600 : 0666);
     if (descriptor < 0) return std::nullopt;
     return OutputFile(descriptor);
 }

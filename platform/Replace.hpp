@@ -52,8 +52,8 @@ void removeFile(const std::string& path);
 std::error_code lastError();
 void clearLastError();
 
-/// Removes the named files when the process is interrupted (SIGINT, SIGTERM, SIGHUP), and then lets
-/// the signal end it. One at a time may exist in a process.
+/// Removes the named files when the process is interrupted (SIGHUP, SIGINT, SIGQUIT, SIGTERM,
+/// SIGXCPU), and then lets the signal end it. One at a time may exist in a process.
 class InterruptGuard {
 public:
     InterruptGuard();

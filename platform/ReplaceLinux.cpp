@@ -41,6 +41,13 @@ std::string linkTarget(const std::string& path) {
 OutputTarget outputTarget(const std::string& path) {
     OutputTarget target{TargetKind::Impossible, path, {}};
     struct stat status {};
+    // The link of a descriptor, as in /dev/stdout and /dev/fd/63, names no path that could be
+    // followed if it leads to a pipe.
+    const bool isThere = ::stat(path.c_str(), &status) == 0;
+    if (isThere && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) {
+        target.kind = TargetKind::Device;
+        return target;
+    }
     for (int links = 0; links < mostLinks; ++links) {
         if (::lstat(target.path.c_str(), &status) != 0) {
             const int reason = errno;
@@ -64,7 +71,7 @@ OutputTarget outputTarget(const std::string& path) {
     else if (S_ISREG(status.st_mode) && ::access(target.path.c_str(), W_OK) != 0)
         target.error = errorOf(errno);
     else
-        target.kind = S_ISREG(status.st_mode) ? TargetKind::Regular : TargetKind::Device;
+        target.kind = TargetKind::Regular;
     return target;
 }
 
@@ -85,23 +92,38 @@ std::optional<OutputFile> createTemporary(const OutputTarget& target, unsigned& 
     const std::string start = target.path.substr(0, name) + "." +
                               target.path.substr(name, longestName) + ".tessaron-" +
                               std::to_string(::getpid()) + "-";
+    // The target may be one that others must not read.
+    const bool isPrivate = target.kind == TargetKind::Regular;
     // A killed run may have left a file of this name: process numbers come again.
     constexpr unsigned mostTries = 10'000;
     for (unsigned i = 0; i < mostTries; ++i) {
         path = start + std::to_string(number++) + ".tmp";
         clearLastError();
-        auto file = OutputFile::createNew(path);
+        auto file = OutputFile::createNew(path, isPrivate);
         error = file ? std::error_code() : lastError();
         if (file || error != std::errc::file_exists) return file;
     }
     return std::nullopt;
 }
 
+namespace {
+
+/// Gives a file the owner and group of another, or at least the group: only the superuser may give
+/// files away. False if the owner or the group differs, where set-user-ID and set-group-ID would
+/// mean somebody else.
+bool giveTo(const std::string& path, const struct stat& other) {
+    constexpr auto sameOwner = static_cast<uid_t>(-1);
+    if (::chown(path.c_str(), other.st_uid, other.st_gid) == 0) return true;
+    [[maybe_unused]] const int group = ::chown(path.c_str(), sameOwner, other.st_gid);
+    return false;
+}
+
+}  // namespace
+
 std::error_code replaceTarget(const std::string& temporary, const OutputTarget& target) {
     struct stat status {};
     if (target.kind == TargetKind::Regular && ::stat(target.path.c_str(), &status) == 0) {
-        // Only the superuser may give files away; to everybody else the new file belongs.
-        [[maybe_unused]] const int owner = ::chown(temporary.c_str(), status.st_uid, status.st_gid);
+        if (!giveTo(temporary, status)) status.st_mode &= 0777U;
         if (::chmod(temporary.c_str(), status.st_mode & 07777U) != 0) return errorOf(errno);
     }
     if (std::rename(temporary.c_str(), target.path.c_str()) != 0) return errorOf(errno);
@@ -122,7 +144,7 @@ void clearLastError() {
 
 namespace {
 
-constexpr std::array interrupts{SIGINT, SIGTERM, SIGHUP};
+constexpr std::array interrupts{SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGXCPU};
 
 /// The files to remove; changed only while the interrupts are blocked.
 const std::set<std::string>* guarded = nullptr;

@@ -1,6 +1,7 @@
 #include "strict/DependencyFile.hpp"
 
-#include <algorithm>
+#include <set>
+#include <string_view>
 
 namespace Strict {
 
@@ -24,6 +25,7 @@ std::string escaped(const std::string& path) {
 
 std::string dependencyRule(const std::vector<std::string>& outputs,
                            const std::vector<std::string>& inputs) {
+    const std::set<std::string_view> written(outputs.begin(), outputs.end());
     std::string rule;
     for (const std::string& output : outputs) {
         if (!rule.empty()) rule += ' ';
@@ -31,6 +33,8 @@ std::string dependencyRule(const std::vector<std::string>& outputs,
     }
     rule += ':';
     for (const std::string& input : inputs) {
+        // A file that depends on itself is a cycle.
+        if (written.contains(input)) continue;
         rule += " \\\n  ";
         rule += escaped(input);
     }
@@ -42,7 +46,10 @@ void writeDependencyFile(const RunOptions& options, const OutputSet& files, Diag
     std::vector<std::string> inputs;
     if (options.script != "-") inputs.push_back(options.script);
     inputs.insert(inputs.end(), files.inputs().begin(), files.inputs().end());
-    const std::string rule = dependencyRule(files.outputs(), inputs);
+    // A run that writes nothing else has this file.
+    const bool isAlone = files.outputs().empty();
+    const std::string rule =
+        dependencyRule(isAlone ? std::vector{options.dependencyFile} : files.outputs(), inputs);
     const auto file = Io::host().createOutput(options.dependencyFile, Platform::FileMode::Text);
     const bool isWritten = file != nullptr && file->write(rule);
     if (isWritten && file->close()) return;

@@ -9,8 +9,8 @@
 
 namespace Strict {
 
-/// The rule "outputs: inputs" in the syntax of make, which ninja reads as well: blanks, "#" and ":"
-/// escaped by a backslash, "$" doubled.
+/// The rule "outputs: inputs" in the syntax of make, which ninja reads as well: a blank and "#" are
+/// escaped by a backslash, "$" by another one. An input that is an output too is left out.
 std::string dependencyRule(const std::vector<std::string>& outputs,
                            const std::vector<std::string>& inputs);
 

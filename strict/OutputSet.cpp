@@ -8,14 +8,12 @@ namespace Strict {
 
 namespace {
 
-/// Where a path leads, for comparing paths that look different.
-std::string realPlace(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
-    const std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
-    const std::string whole = Platform::realPath(path);
-    // A file that is not there yet still has a folder.
-    return whole != path ? whole : Platform::realPath(folder) + "/" + name;
+/// The place of a target, for comparing paths that look different. Only its folder is looked up,
+/// since the file itself may not exist yet.
+std::string placeOf(const Platform::OutputTarget& target) {
+    const std::size_t slash = target.path.rfind('/');
+    if (slash == std::string::npos) return Platform::realPath(".") + "/" + target.path;
+    return Platform::realPath(target.path.substr(0, slash + 1)) + target.path.substr(slash);
 }
 
 }  // namespace
@@ -32,21 +30,25 @@ public:
             return true;
         }
         Platform::clearLastError();
-        if (file_->write(bytes)) return true;
-        set_->noteFailure(output_->path, Platform::lastError());
-        return false;
+        return note(file_->write(bytes));
     }
 
     bool close() override {
-        if (!file_) return true;
         Platform::clearLastError();
-        if (file_->close()) return true;
-        set_->noteFailure(output_->path, Platform::lastError());
-        return false;
+        const bool isClosed = !file_ || note(file_->close());
+        output_->isComplete = isClosed && isWritten_;
+        return isClosed;
     }
 
 private:
+    bool note(bool isGood) {
+        if (!isGood) set_->noteFailure(output_->path, Platform::lastError());
+        isWritten_ = isWritten_ && isGood;
+        return isGood;
+    }
+
     OutputSet* set_;
+    bool isWritten_ = true;
     Output* output_;
     std::optional<Platform::OutputFile> file_;
 };
@@ -70,12 +72,12 @@ std::string OutputSet::reasonFor(std::string_view path) const {
 
 const OutputSet::Output* OutputSet::find(const std::string& path) const {
     if (newest_.empty()) return nullptr;
-    const auto found = newest_.find(realPlace(path));
+    const auto found = newest_.find(placeOf(Platform::outputTarget(path)));
     return found == newest_.end() ? nullptr : found->second;
 }
 
 void OutputSet::add(Output output) {
-    const std::string place = realPlace(output.target.path);
+    const std::string place = placeOf(output.target);
     all_.push_back(std::move(output));
     newest_.insert_or_assign(place, &all_.back());
 }
@@ -108,7 +110,7 @@ std::optional<Platform::InputFile> OutputSet::openInput(const std::string& path)
 std::unique_ptr<Io::OutputStream> OutputSet::createOutput(const std::string& path,
                                                           Platform::FileMode /*mode*/) {
     outputs_.add(path);
-    Output output{path, Platform::outputTarget(path), {}, {}, false};
+    Output output{path, Platform::outputTarget(path), {}, {}, false, false};
     if (output.target.kind == Platform::TargetKind::Impossible) {
         noteFailure(path, output.target.error);
         return nullptr;
@@ -147,7 +149,8 @@ std::optional<OutputSet::Failure> OutputSet::commit() {
     if (mode_ == Mode::Memory) return std::nullopt;
     for (const bool isDevice : {false, true}) {
         for (Output& output : all_) {
-            if (output.isInPlace || output.temporary.empty() != isDevice) continue;
+            if (!output.isComplete || output.isInPlace) continue;
+            if (output.temporary.empty() != isDevice) continue;
             if (const std::error_code error = place(output))
                 return Failure{output.path, error.message()};
             output.isInPlace = true;

@@ -56,7 +56,8 @@ public:
                                                    Platform::FileMode mode) override;
     int runProgram(const std::string& location, const std::string& arguments) override;
 
-    /// Puts the outputs in place, in the order of their statements. Stops at the first that fails.
+    /// Puts the outputs that are complete in place, in the order of their statements. Stops at the
+    /// first that fails.
     std::optional<Failure> commit();
 
     /// Why `path` could not be opened, created or written; empty if no reason is known.
@@ -80,6 +81,7 @@ private:
         Platform::OutputTarget target;
         std::string temporary;  ///< empty for what is kept in memory
         std::string memory;
+        bool isComplete = false;  ///< all of it was written, and it was closed
         bool isInPlace = false;
     };
 

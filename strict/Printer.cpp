@@ -1,5 +1,6 @@
 #include "strict/Printer.hpp"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -22,13 +23,11 @@ std::string prefix(const Place& place) {
     return text + " ";
 }
 
-/// The excerpt with what a terminal would not show as one column made visible.
-std::string shown(const std::string& excerpt) {
-    std::string text;
-    for (const char c : excerpt) {
-        const bool isControl = static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
-        text += isControl ? ' ' : c;
-    }
+/// The text with a blank for each control character: a terminal obeys some of them, and others
+/// take no column.
+std::string shown(std::string text) {
+    const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; };
+    std::ranges::replace_if(text, isControl, ' ');
     return text;
 }
 
@@ -53,50 +52,63 @@ void Printer::take(const Diagnostic& diagnostic) {
     const bool isError = judged.severity == Severity::Error;
     ++(isError ? errors_ : warnings_);
     if (isQuiet_ && !isError) return;
-    if (format_ == DiagnosticFormat::Json)
-        printJson(judged);
-    else
-        printText(judged);
-    out_->flush();
+    // In one piece, since standard error has no buffer of its own.
+    *out_ << (format_ == DiagnosticFormat::Json ? jsonOf(judged) : textOf(judged)) << std::flush;
 }
 
-void Printer::printPlace(const Place& place, const std::string& hint) {
-    if (place.line == 0 || (place.excerpt.empty() && hint.empty())) {
-        if (!hint.empty()) *out_ << "    " << hint << "\n";
-        return;
-    }
+std::string Printer::textOf(const Place& place, const std::string& hint) const {
+    if (place.line == 0 || (place.excerpt.empty() && hint.empty()))
+        return hint.empty() ? "" : "    " + shown(hint) + "\n";
+    constexpr std::size_t narrowest = 4;
     const std::string number = std::to_string(place.line);
-    const std::string margin(number.size() < 4 ? 4 - number.size() : 0, ' ');
-    *out_ << " " << margin << number << " | " << shown(place.excerpt) << "\n";
+    const std::size_t width = std::max(number.size(), narrowest) + 1;
+    std::string text(width - number.size(), ' ');
+    text += number;
+    text += " | ";
+    text += shown(place.excerpt);
+    text += '\n';
+    if (place.column == 0 && hint.empty()) return text;
+    text.append(width, ' ');
     if (place.column == 0) {
-        if (!hint.empty())
-            *out_ << std::string(margin.size() + number.size() + 4, ' ') << hint << "\n";
-        return;
+        text += "   ";
+    } else {
+        text += " | ";
+        text.append(place.caret, ' ');
+        text += color(green);
+        text += '^';
+        text.append(place.caretLength - 1, '~');
+        if (!hint.empty()) text += ' ';
     }
-    *out_ << " " << std::string(margin.size() + number.size(), ' ') << " | "
-          << std::string(place.caret, ' ') << color(green) << "^"
-          << std::string(place.caretLength - 1, '~');
-    if (!hint.empty()) *out_ << " " << hint;
-    *out_ << color(plain) << "\n";
+    text += shown(hint);
+    text += place.column == 0 ? "" : color(plain);
+    text += '\n';
+    return text;
 }
 
-void Printer::printText(const Diagnostic& diagnostic) {
+std::string Printer::textOf(const Diagnostic& diagnostic) const {
     const bool isError = diagnostic.severity == Severity::Error;
-    *out_ << color(bold) << (diagnostic.place ? prefix(*diagnostic.place) : "tessaron: ")
-          << color(isError ? red : magenta) << (isError ? "error: " : "warning: ") << color(plain)
-          << color(bold) << diagnostic.text << color(plain) << " [" << diagnostic.name << "]\n";
+    std::string text = color(bold);
+    text += diagnostic.place ? prefix(*diagnostic.place) : "tessaron: ";
+    text += color(isError ? red : magenta);
+    text += isError ? "error: " : "warning: ";
+    text += color(plain);
+    text += color(bold) + shown(diagnostic.text) + color(plain) + " [" + diagnostic.name + "]\n";
     if (diagnostic.place)
-        printPlace(*diagnostic.place, diagnostic.hint);
+        text += textOf(*diagnostic.place, diagnostic.hint);
     else if (!diagnostic.hint.empty())
-        *out_ << "    " << diagnostic.hint << "\n";
+        text += "    " + shown(diagnostic.hint) + "\n";
     for (const Note& note : diagnostic.notes) {
-        *out_ << color(bold) << (note.place ? prefix(*note.place) : "    ") << color(cyan)
-              << "note: " << color(plain) << note.text << "\n";
-        if (note.place) printPlace(*note.place, {});
+        text += color(bold);
+        text += note.place ? prefix(*note.place) : "    ";
+        text += color(cyan);
+        text += "note: ";
+        text += color(plain) + shown(note.text) + "\n";
+        if (note.place) text += textOf(*note.place, {});
     }
+    return text;
 }
 
-void Printer::printJson(const Diagnostic& diagnostic) {
+std::string Printer::jsonOf(const Diagnostic& diagnostic) {
     nlohmann::ordered_json json{
         {"severity", diagnostic.severity == Severity::Error ? "error" : "warning"},
         {"name", diagnostic.name},
@@ -108,7 +120,7 @@ void Printer::printJson(const Diagnostic& diagnostic) {
         if (note.place) entry.update(toJson(*note.place));
         json["notes"].push_back(entry);
     }
-    *out_ << json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
+    return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
 }
 
 }  // namespace Strict

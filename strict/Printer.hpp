@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <ostream>
-#include <set>
+#include <string>
 
 #include "strict/Diagnostic.hpp"
 #include "strict/Policy.hpp"
@@ -27,9 +27,9 @@ public:
     std::size_t warnings() const { return warnings_; }
 
 private:
-    void printText(const Diagnostic& diagnostic);
-    void printJson(const Diagnostic& diagnostic);
-    void printPlace(const Place& place, const std::string& hint);
+    std::string textOf(const Diagnostic& diagnostic) const;
+    std::string textOf(const Place& place, const std::string& hint) const;
+    static std::string jsonOf(const Diagnostic& diagnostic);
     const char* color(const char* code) const { return hasColor_ ? code : ""; }
 
     std::ostream* out_;

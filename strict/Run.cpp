@@ -207,6 +207,9 @@ public:
         return true;
     }
 
+    /// Whether all that the statements printed has arrived.
+    bool isPrinted() const { return !printed_.hasLostOutput(); }
+
 private:
     const RunOptions* options_;
     Printer* printer_;
@@ -246,8 +249,7 @@ ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) 
     OutputSet files(options.isCheck ? OutputSet::Mode::Memory : OutputSet::Mode::Disk);
     Execution execution(options, *script, check, printer, output, files);
     execution.run(syntax, check.statements());
-    output.flush();
-    if (!output)
+    if (!execution.isPrinted())
         printer.take({Severity::Error,
                       "short-write",
                       "standard output could not be written completely",

@@ -148,7 +148,10 @@ void ScriptCheck::define(Names& names, std::string_view name, const char* what) 
 void ScriptCheck::use(const Names& names, std::string_view name, const char* what) {
     if (names.contains(name)) return;
     std::vector<std::string> known;
-    for (const auto& [other, place] : names) known.push_back(other);
+    // Each suggestion walks through all names.
+    constexpr std::size_t mostSuggestions = 100;
+    if (suggestions_++ < mostSuggestions)
+        for (const auto& [other, place] : names) known.push_back(other);
     std::string hint;
     if (const auto close = nearest(name, known))
         hint = "did you mean " + *close + " (line " +

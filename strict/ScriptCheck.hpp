@@ -75,7 +75,8 @@ private:
     DiagnosticSink* sink_;
     std::vector<Step> steps_;
     std::vector<Value> values_;
-    std::size_t bytesFrom_ = 0;  ///< the values of `values_` that no step has taken yet
+    std::size_t bytesFrom_ = 0;    ///< the values of `values_` that no step has taken yet
+    std::size_t suggestions_ = 0;  ///< that were looked for
     std::vector<Range> statements_;
     /// What was found in the last statement, which may yet turn out to be broken.
     std::vector<Diagnostic> pending_;

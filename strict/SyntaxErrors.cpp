@@ -13,6 +13,9 @@ namespace {
 
 constexpr std::string_view spaces = " \t\n\v\f\r";
 
+/// Bytes of a word that a message shows.
+constexpr std::size_t longestShown = 40;
+
 /// What the words of a group are in the language.
 struct Group {
     const char* description;
@@ -127,6 +130,17 @@ std::string advice(std::string_view before, std::string_view word,
     return {};
 }
 
+/// Advice for a statement whose keyword and the word after it are not separated.
+std::string gluedKeyword(std::string_view statement,
+                         const std::vector<std::string_view>& keywords) {
+    const std::string_view word = wordAt(statement);
+    for (const std::string_view keyword : keywords)
+        if (word.starts_with(keyword) && word.size() > keyword.size())
+            return std::string(word.substr(0, longestShown)) + " is read as " +
+                   std::string(keyword) + " and a word of its own";
+    return {};
+}
+
 /// The last opening brace of a text without its closing one.
 std::optional<std::size_t> openBrace(std::string_view text) {
     std::vector<std::size_t> open;
@@ -157,12 +171,15 @@ Diagnostic syntaxError(const ScriptText& script, std::string_view statement,
     if (word.empty())
         diagnostic.text += ", but the script ends here";
     else if (word.find_first_of(spaces) == std::string_view::npos)
-        diagnostic.text += ", not " + std::string(word.substr(0, 40));
+        diagnostic.text += ", not " + std::string(word.substr(0, longestShown));
     const std::size_t offset = script.offsetOf(statement) + at;
     diagnostic.place = script.placeOf(offset, offset + word.size());
     const std::string_view begun = wordBefore(before);
+    const std::string glued = gluedKeyword(statement, keywords);
     if (close)
         diagnostic.hint = "did you mean " + *close + "?";
+    else if (!glued.empty())
+        diagnostic.hint = glued;
     else if (!begun.empty() && !word.empty() && isWordCharacter(word.front()))
         diagnostic.hint = "did you mean " + std::string(begun) + "?";
     else

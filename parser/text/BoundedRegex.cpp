@@ -215,7 +215,6 @@ std::string replaceBounded(const std::string& text, const std::string& pattern,
                   offset((*match)[0].second.base()), value.size());
         copied = (*match)[0].second.base();
     }
-    if (watch) watch(offset(copied), text.size(), text.size(), 0);
     appendBounded(result, copied, text.data() + text.size(), longest);
     allowance.steps = std::min(allowance.steps, budget.steps);
     return result;

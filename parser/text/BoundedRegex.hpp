@@ -18,7 +18,7 @@ struct RegexAllowance {
 };
 
 /// Is shown each replacement: the text [`copied`, `first`) stays, [`first`, `last`) becomes
-/// `length` characters. At the end it is shown the text that is left, with nothing replaced.
+/// `length` characters.
 using ReplacementWatch = std::function<void(std::size_t copied, std::size_t first, std::size_t last,
                                             std::size_t length)>;
 

@@ -51,7 +51,8 @@ TextStage TextStage::after(const TextStage& before) const {
         std::size_t left = (i + 1 < pieces_.size() ? pieces_[i + 1].start : length_) - piece.start;
         std::size_t at = piece.source;
         if (piece.variable != none) {
-            const Piece& origin = before.pieceAt(at);
+            // An empty match takes place in an empty text as well.
+            const Piece origin = before.pieces_.empty() ? Piece{0, 0, none} : before.pieceAt(at);
             const std::size_t offset = origin.variable == none ? at - origin.start : 0;
             result.insert(origin.source + offset, left, piece.variable);
             continue;

@@ -218,17 +218,22 @@ std::string patternApplied(const std::string& text, const Variable& variable, Li
                            TextMap* map, std::size_t index) {
     try {
         TextStage stage;
+        std::size_t end = 0;  ///< of the last match
         ReplacementWatch watch;
         if (map != nullptr)
             watch = [&](std::size_t copied, std::size_t first, std::size_t last,
                         std::size_t length) {
                 stage.keep(copied, first - copied);
                 stage.insert(first, length, index);
-                if (first != text.size()) map->use(index, text, first, last, first);
+                map->use(index, text, first, last, first);
+                end = last;
             };
         std::string result = replaceBounded(text, variable.name, variable.value, limits.longestText,
                                             limits.allowance, watch);
-        if (map != nullptr) map->add(stage);
+        if (map != nullptr) {
+            stage.keep(end, text.size() - end);
+            map->add(stage);
+        }
         return result;
     } catch (const std::regex_error& error) {
         const bool isExhausted = error.code() == std::regex_constants::error_stack ||

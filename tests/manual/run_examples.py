@@ -11,7 +11,9 @@ signs and ends at the next title or at the rule that ends the sheet:
     ==============================================
 
 All sheets of a section run in the same new folder. Spaces at the ends of lines are ignored. Banner,
-time and time stamps are masked, and removed where the manual omits them.
+time and time stamps are masked, and removed where the manual omits them. A command that begins with
+"tessaron" shows its standard output and then its standard error, whose long lines are folded: each
+further line of the page is indented by eight spaces.
 The layout is checked too: plain text, no line longer than 96 characters.
 """
 import argparse
@@ -21,6 +23,7 @@ import re
 import subprocess
 import sys
 import tempfile
+import textwrap
 
 UNDERLINE = re.compile(r"=+$|-+$")
 TITLE = re.compile(r"    == (\S.*?) =+$")
@@ -32,6 +35,10 @@ MASKS = [(re.compile(r"^(CmdTessaron version )\S+ from \w+ +\d+ \d+$", re.M), r"
          (re.compile(r"^(// Generated: )\d+-\d\d-\d\d \d\d:\d\d:\d\d$", re.M), r"\1<stamp>")]
 BANNER = re.compile(r"\ACmdTessaron version <build>\n.*\n\n")
 TIME = re.compile(r"\nKvTessaron Total Time: <time> seconds\n\Z")
+
+
+PAGE = textwrap.TextWrapper(width=92, subsequent_indent=" " * 8, replace_whitespace=False,
+                            expand_tabs=False, break_long_words=False, break_on_hyphens=False)
 
 
 class Part:
@@ -77,6 +84,10 @@ def comparable(text):
     return text
 
 
+def folded(text):
+    return "".join("\n".join(PAGE.wrap(line)) + "\n" for line in text.splitlines())
+
+
 def without_banner_and_time(text):
     return TIME.sub("", BANNER.sub("", text))
 
@@ -86,10 +97,12 @@ def run_command(part, command, folder, environment):
     with_code = EXIT_CODE.match(command)
     if with_code:
         command, expected_code = with_code.group(1), int(with_code.group(2))
+    # What CmdTessaron prints on standard error belongs between the lines of its statements.
+    errors = subprocess.PIPE if command.startswith("tessaron ") else subprocess.STDOUT
     done = subprocess.run(["sh", "-c", command], cwd=folder, env=environment, timeout=120,
-                          stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                          stderr=subprocess.STDOUT)
-    got, wanted = comparable(done.stdout.decode("latin-1")), comparable(part.text())
+                          stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=errors)
+    printed = done.stdout.decode("latin-1") + folded((done.stderr or b"").decode("latin-1"))
+    got, wanted = comparable(printed), comparable(part.text())
     if not BANNER.match(wanted):
         got = without_banner_and_time(got)
     faults = []
@@ -116,7 +129,7 @@ def run_part(part, folder, environment):
 
 def main():
     parser = argparse.ArgumentParser()
-    parser.add_argument("program", type=pathlib.Path)
+    parser.add_argument("programs", type=pathlib.Path, nargs=2, help="CmdTessaron and tessaron")
     parser.add_argument("manual", type=pathlib.Path)
     options = parser.parse_args()
     found, faults = sections(options.manual)
@@ -124,7 +137,8 @@ def main():
     with tempfile.TemporaryDirectory(prefix="tessaron-manual-") as work:
         tools = pathlib.Path(work) / "bin"
         tools.mkdir()
-        (tools / "CmdTessaron").symlink_to(options.program.resolve())
+        for name, program in zip(("CmdTessaron", "tessaron"), options.programs):
+            (tools / name).symlink_to(program.resolve())
         environment = dict(os.environ, LC_ALL="C", TZ="UTC",
                            PATH="%s:%s" % (tools, os.environ["PATH"]))
         for index, parts in enumerate(found):

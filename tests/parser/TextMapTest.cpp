@@ -32,6 +32,13 @@ struct Tracked {
         for (std::size_t i = 0; i < source.size(); ++i) origins.push_back({i, ""});
     }
 
+    /// Of the character at `at`, or of the place after the last one.
+    std::size_t offsetOf(std::size_t at) const {
+        if (at < origins.size()) return origins[at].offset;
+        if (origins.empty()) return 0;
+        return origins.back().offset + (origins.back().variable.empty() ? 1 : 0);
+    }
+
     /// Replaces what `pattern` matches; without a variable by nothing.
     void replace(const std::string& pattern, const std::string& format,
                  const std::string& variable) {
@@ -49,8 +56,7 @@ struct Tracked {
             keepUpTo(static_cast<std::size_t>(match->position()));
             const std::string value = match->format(format);
             newText += value;
-            newOrigins.insert(newOrigins.end(), value.size(),
-                              {copied < origins.size() ? origins[copied].offset : 0, variable});
+            newOrigins.insert(newOrigins.end(), value.size(), {offsetOf(copied), variable});
             copied += static_cast<std::size_t>(match->length());
         }
         keepUpTo(text.size());
@@ -78,14 +84,15 @@ public:
                                                     "x1x2",
                                                     "SUBSTITUTE ab WITH \n"};
         std::string text;
-        for (int i = 0; i < 25; ++i) text += parts[random_() % parts.size()];
+        for (std::uint64_t i = random_() % 26; i > 0; --i) text += parts[random_() % parts.size()];
         return text;
     }
 
     Variables variables() {
         static const std::vector<std::pair<std::string, std::string>> known{
-            {"a", "q"},  {"b", ""},           {"ab", "[a$&]"},   {"q", "b\nb"},
-            {"bb", "1"}, {"x([0-9])", "$1b"}, {"(a|b)+1", "$$"}, {"1", "qab"}};
+            {"a", "q"},     {"b", ""},           {"ab", "[a$&]"},   {"q", "b\nb"},
+            {"bb", "1"},    {"x([0-9])", "$1b"}, {"(a|b)+1", "$$"}, {"1", "qab"},
+            {"1*", "[$&]"}, {"$", "a"},          {"", "b"}};
         Variables variables;
         for (const auto& variable : known)
             if (random_() % 2 == 0) variables.insert(variable);

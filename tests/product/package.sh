@@ -32,6 +32,7 @@ same CHANGELOG.md share/doc/cmdtessaron/CHANGELOG.md
 [ ! -e docs/CmdTessaronManual.txt ] ||
     same docs/CmdTessaronManual.txt share/doc/cmdtessaron/CmdTessaronManual.txt
 [ ! -e docs/CmdTessaron.1 ] || same docs/CmdTessaron.1 share/man/man1/CmdTessaron.1
+same docs/tessaron.1 share/man/man1/tessaron.1
 for file in $(git ls-files examples); do same "$file" "share/doc/cmdtessaron/$file"; done
 for file in $(git ls-files editors); do same "$file" "share/cmdtessaron/$file"; done
 while read -r file target; do

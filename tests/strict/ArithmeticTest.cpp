@@ -1,0 +1,83 @@
+#include "strict/Arithmetic.hpp"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <vector>
+
+#include "parser/grammar/ScriptSyntax.hpp"
+
+namespace {
+
+using Strict::Arithmetic;
+
+/// The value that the parser gives to an expression.
+class ParsedValue final : public Parser::ParseObserver {
+public:
+    explicit ParsedValue(const std::string& expression) {
+        const std::string statement = "NEW_BUFFER a FROM_VALUES {" + expression + "}";
+        Parser::ScriptSyntax syntax(nullptr);
+        syntax.state().statement.setObserver(this);
+        EXPECT_EQ(syntax.parse(statement), statement.size()) << statement;
+    }
+    void onStep(const char*, Parser::Position, Parser::Position) override {}
+    void onStatement(Parser::Position, Parser::Position) override {}
+    void onValue(std::uint32_t value, Parser::Position, Parser::Position) override {
+        value_ = value;
+    }
+    std::uint32_t value() const { return value_; }
+
+private:
+    std::uint32_t value_ = 0;
+};
+
+class RandomExpressions {
+public:
+    std::string expression(unsigned depth) {
+        std::string text(operand(depth));
+        for (unsigned i = below(4); i > 0; --i) {
+            text += " ";
+            text += "+-*/%"[below(5)];
+            text += below(2) == 0 ? " " : "";
+            text += operand(depth);
+        }
+        return text;
+    }
+
+private:
+    unsigned below(unsigned limit) { return static_cast<unsigned>(random_() % limit); }
+    std::string operand(unsigned depth) {
+        if (depth > 0 && below(4) == 0)
+            return std::string("(").append(expression(depth - 1)).append(")");
+        return below(2) == 0 ? std::to_string(below(1000)) : Strict::hexadecimal(1 + below(70000));
+    }
+    std::mt19937 random_{5};
+};
+
+TEST(ArithmeticTest, GivesTheLanguagesValueToAnyExpression) {
+    RandomExpressions random;
+    for (int i = 0; i < 2000; ++i) {
+        const std::string text = random.expression(3);
+        ASSERT_EQ(Arithmetic(text).language(), ParsedValue(text).value()) << text;
+    }
+}
+
+TEST(ArithmeticTest, KnowsTheUsualOrder) {
+    struct Row {
+        const char* text;
+        std::uint32_t usual;
+    };
+    const std::vector<Row> rows{{"8 - 4 - 2", 2},      {"2 * 3 + 4", 10},   {"100 / 10 / 5", 2},
+                                {"2 + 3 * 4", 14},     {"(2 + 3) * 4", 20}, {"17 % 5 * 2", 4},
+                                {"0x10 - 1 + 1", 0x10}};
+    for (const Row& row : rows) EXPECT_EQ(Arithmetic(row.text).usual(), row.usual) << row.text;
+}
+
+TEST(ArithmeticTest, SeesTwoNumbersSideBySide) {
+    EXPECT_TRUE(Arithmetic("1 2").hasPair());
+    EXPECT_TRUE(Arithmetic("(1) 0x2").hasPair());
+    EXPECT_FALSE(Arithmetic("1 - 2").hasPair());
+    EXPECT_FALSE(Arithmetic("(1 + 0x20) * 3").hasPair());
+}
+
+}  // namespace
