@@ -6,20 +6,28 @@ set(package cmdtessaron)
 set(documents ${CMAKE_INSTALL_DATAROOTDIR}/doc/${package})
 set(cmakeFiles ${CMAKE_INSTALL_DATAROOTDIR}/cmake/Tessaron)
 
-install(TARGETS CmdTessaron EXPORT TessaronProgram RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS CmdTessaron tessaron EXPORT TessaronProgram RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES docs/CmdTessaronManual.txt DESTINATION ${documents})
-install(FILES docs/CmdTessaron.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES docs/CmdTessaron.1 docs/tessaron.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES CHANGELOG.md docs/cmake.md DESTINATION ${documents})
 install(DIRECTORY examples DESTINATION ${documents} PATTERN build EXCLUDE)
 install(DIRECTORY editors DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/${package}
         PATTERN node_modules EXCLUDE)
+install(FILES completions/tessaron.bash RENAME tessaron
+        DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions)
+install(FILES completions/tessaron.fish
+        DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/fish/vendor_completions.d)
+# Under /usr, the zsh of Debian searches only the second of these folders.
+foreach(folder site-functions vendor-completions)
+  install(FILES completions/_tessaron DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/zsh/${folder})
+endforeach()
 
 # The files for find_package(Tessaron). The program runs on the host, so a project that is compiled
 # for a target with another pointer size may use it as well: ARCH_INDEPENDENT.
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/TessaronConfigVersion.cmake
                                  COMPATIBILITY SameMajorVersion ARCH_INDEPENDENT)
 install(FILES cmake/TessaronConfig.cmake cmake/TessaronRunScript.cmake
-              cmake/TessaronExecuteScript.cmake
+              cmake/TessaronRunStep.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/TessaronConfigVersion.cmake
         DESTINATION ${cmakeFiles})
 install(EXPORT TessaronProgram NAMESPACE Tessaron:: DESTINATION ${cmakeFiles})

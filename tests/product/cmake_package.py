@@ -50,14 +50,15 @@ class UsesOfThePackage(unittest.TestCase):
         self.assertEqual(done.returncode, 0, done.stdout)
         self.assertEqual(done.stdout.count(marker), times, done.stdout)
 
-    def assert_refused(self, project, reason, absent):
-        # Twice, since a failed build that leaves an output would succeed the second time.
+    def assert_refused(self, project, reason, out):
+        """The build fails with `reason`, leaves the file `out` as it is, and fails again."""
+        before = out.read_bytes(), out.stat().st_mtime_ns
         for _ in range(2):
             done = project.build()
             self.assertNotEqual(done.returncode, 0, done.stdout)
             # CMake wraps long lines of its messages.
             self.assertIn(reason, " ".join(done.stdout.split()))
-            self.assertFalse(absent.exists())
+            self.assertEqual((out.read_bytes(), out.stat().st_mtime_ns), before)
 
     def projects(self, name):
         return [Project(self.root / name, generator) for generator in GENERATORS]
@@ -78,7 +79,7 @@ class UsesOfThePackage(unittest.TestCase):
             self.assertEqual(release.stat().st_mtime_ns, written)
 
             for changed in (project.source / "firmware.c", project.source / "release.tsn",
-                            PREFIX / "bin" / "CmdTessaron"):
+                            project.binary / "firmware.hex", PREFIX / "bin" / "tessaron"):
                 changed.touch()
                 self.assert_built(project, marker)
                 self.assert_built(project, marker, times=0)
@@ -100,45 +101,84 @@ class UsesOfThePackage(unittest.TestCase):
                    project.binary / "release.hex", "-intel")
         self.assertEqual(done.returncode, 0, done.stdout)
 
+    def write_project(self, project, script, arguments):
+        project.source.mkdir(parents=True)
+        (project.source / "CMakeLists.txt").write_text(
+            "cmake_minimum_required(VERSION 3.21)\nproject(Project NONE)\n"
+            "find_package(Tessaron REQUIRED)\n"
+            "tessaron_run_script(image SCRIPT script.tsn OUTPUTS out.bin\n"
+            '    WORKING_DIRECTORY "sub dir" %s)\n' % arguments)
+        (project.source / "script.tsn").write_text(script)
+        (project.binary / "sub dir").mkdir(parents=True)
+
     def test_build_fails_when_the_script_does(self):
         good = "NEW_BUFFER @B FROM_VALUES { 1, 2 }\nWRITE_FILE out.bin WITH_BUFFERS {@B} " \
-               "-setFormat=RawBinary\nPRINT_TEXT {MARKER}\n"
-        bad = {"PRINT_CRC @Nothing\n": "a statement failed",
-               "NEW_BUFFER @C FROM_FILE absent.hex\n": "a statement failed",
-               "WRITE_FILE /dev/full WITH_BUFFERS {@B} -setFormat=RawBinary\n":
-                   "a file could not be written or read completely",
-               "NO_STATEMENT\n": "the run ended with 254",
-               "PRINT_TEXT {that was refused}\n": 'the output matches "refused"',
+               "-setFormat=RawBinary\nPRINT_TEXT {MARKER CONFIGURATION}\n"
+        bad = {"PRINT_CRC @Nothing\n": "script.tsn:4:11: error:",
+               "NEW_BUFFER @C FROM_FILE absent.hex\n": "No such file or directory",
+               "WRITE_FILE absent/a.hex WITH_BUFFERS {@B}\n": "cannot write absent/a.hex",
+               "NO_STATEMENT\n": "script.tsn:4:1: error:",
                # A checksum beyond the end of the image; a record whose own checksum is wrong.
                "NEW_CRC @C FROM_BUFFER @B\nFILL_BUFFER @B WITH_CRC @C -useAreas={{2, 4}}\n":
-                   "the output matches",
-               "NEW_BUFFER @C FROM_FILE damaged.hex\n": "the output matches"}
+                   "[outside]",
+               "NEW_BUFFER @C FROM_FILE damaged.hex\n": "damaged.hex:1: error:"}
         for project in self.projects("failing"):
+            self.write_project(project, good,
+                               'VARIABLES "MARKER=one two;three" CONFIGURATION=$<CONFIG>.')
             script = project.source / "script.tsn"
             out = project.binary / "sub dir" / "out.bin"
-            project.source.mkdir(parents=True)
-            (project.source / "CMakeLists.txt").write_text(
-                "cmake_minimum_required(VERSION 3.20)\nproject(Failing NONE)\n"
-                "find_package(Tessaron REQUIRED)\n"
-                "tessaron_run_script(image SCRIPT script.tsn OUTPUTS out.bin\n"
-                '    WORKING_DIRECTORY "sub dir"\n'
-                '    VARIABLES "MARKER=one two;three" CONFIGURATION=$<CONFIG>\n'
-                "    FAIL_ON refused ${Tessaron_REFUSALS})\n")
-            script.write_text(good)
-            out.parent.mkdir(parents=True)
             (out.parent / "damaged.hex").write_text(":0100000001FF\n:00000001FF\n")
             configured = project.configure()
             self.assertEqual(configured.returncode, 0, configured.stdout)
             self.assert_built(project, "one two;three")
             self.assertEqual(out.read_bytes(), b"\1\2")
             for statement, reason in bad.items():
-                script.write_text(good + statement)
-                self.assert_refused(project, reason, absent=out)
+                script.write_text(good.replace("1, 2", "3, 4") + statement)
+                self.assert_refused(project, reason, out)
                 script.write_text(good)
                 self.assert_built(project, "one two;three")
-            # The output of the previous run must not count as written by this one.
+            # The output of an earlier run must not count as written by this one.
             script.write_text(good.replace("out.bin", "other.bin"))
-            self.assert_refused(project, "out.bin was not written", absent=out)
+            self.assert_refused(project, "out.bin was not written", out)
+
+    def test_files_that_the_script_read_are_inputs(self):
+        script = "NEW_BUFFER @B FROM_FILE_BINARY inFile\n" \
+                 "NEW_BUFFER @C FROM_FILE_BINARY ../more.bin\n" \
+                 "NEW_BUFFER @A FROM_BUFFERS {@B, @C}\n" \
+                 "WRITE_FILE out.bin WITH_BUFFERS {@A} -setFormat=RawBinary\n" \
+                 "PRINT_TEXT {the MARKERs}\n"
+        for project in self.projects("reading"):
+            inputs = [project.binary / "sub dir" / "in.bin", project.binary / "more.bin"]
+            self.write_project(project, script, "VARIABLES MARKER=marker inFile=in.bin "
+                                                "OPTIONS --werror --ignore variable-in-word")
+            for number, path in enumerate(inputs):
+                path.write_bytes(bytes([number]))
+            configured = project.configure()
+            self.assertEqual(configured.returncode, 0, configured.stdout)
+            self.assert_built(project, "marker")
+            self.assert_built(project, "marker", times=0)
+            for path in inputs:
+                path.touch()
+                self.assert_built(project, "marker")
+                self.assert_built(project, "marker", times=0)
+                content = path.read_bytes()
+                path.unlink()
+                self.assert_refused(project, "No such file", project.binary / "sub dir" / "out.bin")
+                path.write_bytes(content)
+                self.assert_built(project, "marker")
+
+    def test_older_arguments_are_accepted_with_a_note(self):
+        cases = {"FAIL_ON ${Tessaron_REFUSALS}": "FAIL_ON is not needed any more",
+                 "FAIL_ON ${Tessaron_REFUSALS} broken": "expressions of its own: broken",
+                 "DEPENDS script.tsn": "DEPENDS need not name script.tsn"}
+        for number, (arguments, note) in enumerate(cases.items()):
+            project = Project(self.root / ("older %d" % number), "Ninja")
+            self.write_project(project, "NEW_BUFFER @B FROM_VALUES { 1 }\nWRITE_FILE out.bin "
+                               "WITH_BUFFERS {@B}\nPRINT_TEXT {marker}\n", arguments)
+            configured = project.configure()
+            self.assertEqual(configured.returncode, 0, configured.stdout)
+            self.assertIn(note, " ".join(configured.stdout.split()))
+            self.assert_built(project, "marker")
 
     def test_versions_that_are_found(self):
         source = self.root / "version"

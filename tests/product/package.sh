@@ -32,8 +32,17 @@ same CHANGELOG.md share/doc/cmdtessaron/CHANGELOG.md
 [ ! -e docs/CmdTessaronManual.txt ] ||
     same docs/CmdTessaronManual.txt share/doc/cmdtessaron/CmdTessaronManual.txt
 [ ! -e docs/CmdTessaron.1 ] || same docs/CmdTessaron.1 share/man/man1/CmdTessaron.1
+same docs/tessaron.1 share/man/man1/tessaron.1
 for file in $(git ls-files examples); do same "$file" "share/doc/cmdtessaron/$file"; done
 for file in $(git ls-files editors); do same "$file" "share/cmdtessaron/$file"; done
+while read -r file target; do
+    cmp "completions/$file" "$installed/usr/share/$target"
+done <<END
+tessaron.bash bash-completion/completions/tessaron
+tessaron.fish fish/vendor_completions.d/tessaron.fish
+_tessaron zsh/site-functions/_tessaron
+_tessaron zsh/vendor-completions/_tessaron
+END
 unsafe=$(find "$installed/usr" ! -user root -o -perm /022 ! -type l)
 [ -z "$unsafe" ] || [ "$(id -u)" != 0 ] || fail "other users may write: $unsafe"
 
@@ -48,6 +57,13 @@ else
 fi
 grep -q '^ *asserts  *1  *1  *1  *0 ' "$work/out" ||
     { cat "$work/out"; fail "the self-test failed"; }
+
+# The program tessaron needs no shared library.
+tessaron=$installed/usr/bin/tessaron
+! readelf -d "$tessaron" | grep NEEDED || fail "tessaron needs shared libraries"
+cp "$root"/examples/firmware/* "$work"
+(cd "$work" && "$tessaron" run release.tsn inFile=firmware.hex outFile=release.hex >/dev/null &&
+    cmp release.hex expected.hex) || fail "tessaron does not run"
 
 # A firmware project finds the installed package.
 cmake -S "$installed/usr/share/doc/cmdtessaron/examples/cmake-firmware" -B "$work/firmware" \

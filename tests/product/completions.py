@@ -1,0 +1,99 @@
+#!/usr/bin/env python3
+"""Compares what bash, fish and zsh complete with what the help of the program TESSARON lists:
+completions.py TESSARON
+
+Shells that are not installed are not run; the options that the files name are compared anyway."""
+import os
+import pathlib
+import pty
+import re
+import shutil
+import subprocess
+import sys
+import unittest
+
+PROGRAM = sys.argv.pop(1)
+FOLDER = pathlib.Path(__file__).resolve().parents[2] / "completions"
+COMMANDS = ("run", "check")
+BASH = """source "$1"; COMP_WORDS=("${@:2}"); COMP_CWORD=$(($# - 2)); _tessaron
+((${#COMPREPLY[@]} == 0)) || printf '%s\\n' "${COMPREPLY[@]}" """
+
+
+def lines(*command):
+    done = subprocess.run(command, stdout=subprocess.PIPE, text=True, timeout=60, check=True)
+    return set(done.stdout.splitlines())
+
+
+def listed(*command):
+    """The long options in the help of a command."""
+    text = "\n".join(lines(PROGRAM, *command, "--help"))
+    return set(re.findall(r"^  (?:-\w,)?(--[\w-]+)", text, re.MULTILINE))
+
+
+def in_bash(*words):
+    return lines("bash", "-c", BASH, "bash", str(FOLDER / "tessaron.bash"), "tessaron", *words)
+
+
+def in_fish(*words):
+    script = "complete -c tessaron -e; source $argv[1]; complete -C \"$argv[2]\""
+    found = lines("fish", "--no-config", "-c", script, str(FOLDER / "tessaron.fish"),
+                  " ".join(("tessaron",) + words))
+    return {line.split("\t")[0] for line in found}
+
+
+def in_zsh(*words):
+    """Zsh completes in a terminal only. It prints the line again after the list."""
+    process, terminal = pty.fork()
+    if process == 0:
+        os.execvpe("zsh", ["zsh", "-f", "-i"], dict(os.environ, TERM="dumb"))
+
+    def answer(text, end):
+        os.write(terminal, text.encode())
+        printed = ""
+        while not printed.endswith(end):
+            printed += os.read(terminal, 4096).decode()
+        return printed
+
+    try:
+        line = " ".join(("tessaron",) + words)
+        answer("PS1=; PS1=$PS1'ready> '; fpath=(%s $fpath); autoload -Uz compinit; compinit -u -D; "
+               "bindkey '^I' list-choices\n" % FOLDER, "ready> ")
+        printed = answer(line + "\t", "ready> " + line)
+    finally:
+        os.close(terminal)
+        os.waitpid(process, 0)
+    return set(re.findall(r"^([\w-]+)  +-- ", printed, re.MULTILINE))
+
+
+class Completions(unittest.TestCase):
+    def test_words(self):
+        shells = [in_bash] + [in_fish] * (shutil.which("fish") is not None)
+        for complete in shells:
+            with self.subTest(complete.__name__):
+                self.assertEqual(complete(""), set(COMMANDS))
+                self.assertEqual(complete("--"), listed())
+                for command in COMMANDS:
+                    self.assertEqual(complete(command, "--"), listed(command))
+                    self.assertEqual(complete(command, "--color", "a"), {"auto", "always"})
+                    self.assertEqual(complete(command, "--diagnostics", ""), {"text", "json"})
+                    self.assertEqual(complete(command, "--error", "x"), set())
+        self.assertEqual(in_bash("run", "--color", "=", "n"), {"never"})
+
+    def test_files_name_the_options_of_the_help(self):
+        options = set().union(*(listed(command) for command in COMMANDS)) | listed()
+        text = (FOLDER / "_tessaron").read_text()
+        self.assertEqual(set(re.findall(r"--[a-z][\w-]*", text)), options)
+        text = (FOLDER / "tessaron.fish").read_text()
+        self.assertEqual({"--" + name for name in re.findall(r" -l ([\w-]+)", text)
+                          if name not in ("commands", "none", "any", *COMMANDS)}, options)
+
+    @unittest.skipUnless(shutil.which("zsh"), "there is no zsh")
+    def test_words_in_zsh(self):
+        self.assertEqual(in_zsh(""), set(COMMANDS))
+        self.assertEqual(in_zsh("--"), listed())
+        for command in COMMANDS:
+            self.assertEqual(in_zsh(command, "--"), listed(command))
+
+
+if __name__ == "__main__":
+    unittest.main()
