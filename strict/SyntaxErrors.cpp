@@ -110,14 +110,15 @@ bool isSigned(std::string_view text) {
 
 /// A value in which a blank separates a parenthesis and the operator after it, which only "+" may
 /// follow.
-bool hasBlankBeforeOperator(std::string_view text) {
-    const std::size_t begin = text.find_last_of("{,;=") + 1;
-    for (std::size_t at = text.find(')', begin); at != std::string_view::npos;
-         at = text.find(')', at + 1)) {
-        const std::size_t next = text.find_first_not_of(" \t", at + 1);
-        const bool isOperator = next != std::string_view::npos &&
-                                std::string_view("-*/%").find(text[next]) != std::string_view::npos;
-        if (isOperator && next != at + 1) return true;
+bool hasBlankBeforeOperator(std::string_view before, char following) {
+    const std::size_t begin = before.find_last_of("{,;=") + 1;
+    for (std::size_t at = before.find(')', begin); at != std::string_view::npos;
+         at = before.find(')', at + 1)) {
+        const std::size_t next = before.find_first_not_of(" \t", at + 1);
+        const std::size_t end = std::min(next, before.size());
+        const char sign = end < before.size() ? before[end] : following;
+        const bool isOperator = std::string_view("-*/%").find(sign) != std::string_view::npos;
+        if (isOperator && end != at + 1) return true;
     }
     return false;
 }
@@ -127,8 +128,6 @@ std::string adviceForNumber(std::string_view before, std::string_view word) {
     if (word.starts_with('$')) return "a hexadecimal number begins with 0x";
     if (word.starts_with('-') || word.starts_with('+')) return "a number has no sign";
     if (isSigned(before)) return "a number has no sign";
-    if (hasBlankBeforeOperator(before))
-        return "remove the blank between the parenthesis and the operator";
     if (word == "}") return "is a comma missing between two numbers?";
     if (!word.empty() && isDigit(word.front())) return "a number has at most 32 bits";
     return {};
@@ -168,6 +167,8 @@ std::string advice(std::string_view before, std::string_view word, std::string_v
                             next != std::string_view::npos && rest[next] == '=';
     if (word == "SUBSTITUTE" || isAssigned)
         return "a replacement is written SUBSTITUTE NAME WITH VALUE, with single blanks";
+    if (!rest.empty() && hasBlankBeforeOperator(before, rest.front()))
+        return "remove the blank between the parenthesis and the operator";
     std::string text = takesNumber ? adviceForNumber(before, word) : "";
     const std::size_t last = before.find_last_not_of(" \t");
     if (text.empty() && last != std::string_view::npos && isDigit(before[last]))

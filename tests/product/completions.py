@@ -7,6 +7,7 @@ import os
 import pathlib
 import pty
 import re
+import select
 import shutil
 import subprocess
 import sys
@@ -15,6 +16,7 @@ import unittest
 PROGRAM = sys.argv.pop(1)
 FOLDER = pathlib.Path(__file__).resolve().parents[2] / "completions"
 COMMANDS = ("run", "check")
+PASTE_MODE = re.compile(r"\x1b\[\?2004[hl]")
 BASH = """source "$1"; COMP_WORDS=("${@:2}"); COMP_CWORD=$(($# - 2)); _tessaron
 ((${#COMPREPLY[@]} == 0)) || printf '%s\\n' "${COMPREPLY[@]}" """
 
@@ -51,7 +53,9 @@ def in_zsh(*words):
         os.write(terminal, text.encode())
         printed = ""
         while not printed.endswith(end):
-            printed += os.read(terminal, 4096).decode()
+            if not select.select([terminal], [], [], 30)[0]:
+                raise TimeoutError("zsh printed only " + repr(printed))
+            printed = PASTE_MODE.sub("", printed + os.read(terminal, 4096).decode())
         return printed
 
     try:
