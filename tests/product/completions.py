@@ -16,7 +16,7 @@ import unittest
 PROGRAM = sys.argv.pop(1)
 FOLDER = pathlib.Path(__file__).resolve().parents[2] / "completions"
 COMMANDS = ("run", "check")
-PASTE_MODE = re.compile(r"\x1b\[\?2004[hl]")
+EDITS = "\x1b[?2004h"  # what zsh prints when it begins to read a line
 BASH = """source "$1"; COMP_WORDS=("${@:2}"); COMP_CWORD=$(($# - 2)); _tessaron
 ((${#COMPREPLY[@]} == 0)) || printf '%s\\n' "${COMPREPLY[@]}" """
 
@@ -55,13 +55,13 @@ def in_zsh(*words):
         while not printed.endswith(end):
             if not select.select([terminal], [], [], 30)[0]:
                 raise TimeoutError("zsh printed only " + repr(printed))
-            printed = PASTE_MODE.sub("", printed + os.read(terminal, 4096).decode())
+            printed += os.read(terminal, 4096).decode()
         return printed
 
     try:
         line = " ".join(("tessaron",) + words)
         answer("PS1=; PS1=$PS1'ready> '; fpath=(%s $fpath); autoload -Uz compinit; compinit -u -D; "
-               "bindkey '^I' list-choices\n" % FOLDER, "ready> ")
+               "bindkey '^I' list-choices\n" % FOLDER, "ready> " + EDITS)
         printed = answer(line + "\t", "ready> " + line)
     finally:
         os.close(terminal)
