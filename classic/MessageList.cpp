@@ -116,6 +116,10 @@ std::vector<Fact> examples(Of<NameNotFound> /*type*/) {
         facts.emplace_back(NameNotFound{kind, "NAME"});
     return facts;
 }
+std::vector<Fact> examples(Of<OverlapRefused> /*type*/) {
+    return {OverlapRefused{"NAME", "NAME", number, number, true, number, 0, 0},
+            OverlapRefused{"NAME", "NAME", number, number, false, number, 0, 0}};
+}
 std::vector<Fact> examples(Of<StatementExhausted> /*type*/) {
     std::vector<Fact> facts;
     for (const auto& [subject, work] :

@@ -16,6 +16,12 @@ namespace {
 
 using namespace Facts;
 
+/// Text without the white space at its end.
+std::string_view trimmed(std::string_view text) {
+    const std::size_t last = text.find_last_not_of(" \t\n\v\f\r");
+    return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
+}
+
 /// Finds the arguments of one statement, which is parsed once more: only a statement that has
 /// something to report costs that.
 class Arguments final : public Parser::ParseObserver {
@@ -43,6 +49,16 @@ public:
         });
         if (found != steps_.rend()) return found->text;
         return steps_.empty() ? std::string_view() : steps_.front().text;
+    }
+
+    /// The place where an image is named as a source, or the keyword.
+    std::string_view image(std::string_view name) const {
+        for (const Step& step : steps_) {
+            const bool isSource =
+                step.trace == "AddBufferAsSource -> " || step.trace == "AddFromBuffer -> ";
+            if (isSource && trimmed(step.text) == name) return step.text;
+        }
+        return textOf({});
     }
 
     /// The area of the given numbers, or the keyword.
@@ -97,12 +113,6 @@ std::string outcome(int status) {
     return " ended with code " + std::to_string(status);
 }
 
-/// Text without the white space at its end.
-std::string_view trimmed(std::string_view text) {
-    const std::size_t last = text.find_last_not_of(" \t\n\v\f\r");
-    return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
-}
-
 /// The system's words for a path that leads nowhere.
 std::string noSuchFile() {
     return std::make_error_code(std::errc::no_such_file_or_directory).message();
@@ -150,6 +160,17 @@ void RunListener::reportOutside(std::uint64_t start, std::uint64_t length,
                  {}});
 }
 
+void RunListener::reportName(const char* kind, std::string_view name, std::string text,
+                             std::string hint, std::vector<Note> notes) {
+    const std::string_view statement = script_->prepared().substr(first_, last_ - first_);
+    const std::string_view part = trimmed(Arguments(statement).image(name));
+    Diagnostic diagnostic{Severity::Error,        kind,
+                          std::move(text),        script_->placeOf(part),
+                          std::move(hint),        script_->variableNotes(part)};
+    diagnostic.notes.insert(diagnostic.notes.end(), notes.begin(), notes.end());
+    sink_->take(diagnostic);
+}
+
 void RunListener::reportOpen(std::string_view file) {
     const std::string reason = reason_(file);
     if (reason.empty())
@@ -174,6 +195,20 @@ void RunListener::reportLine(const char* kind, std::string_view file, std::uint6
     diagnostic.notes.push_back(
         {"while this file is read", script_->placeOf(trimmed(arguments.textOf(inputFile)))});
     sink_->take(diagnostic);
+}
+
+void RunListener::reportOverlap(const OverlapRefused& fact) {
+    const std::string range = rangeText(fact.start, fact.end);
+    if (fact.isDifferent)
+        report("conflict",
+               std::string(fact.source) + " has " + hexadecimal(fact.later) + " at " +
+                   hexadecimal(fact.address) + ", written before as " + hexadecimal(fact.earlier) +
+                   ", within " + range,
+               {"SetOnOverlap_Same -> ", "SetOnOverlap_Error -> "});
+    else
+        report("conflict",
+               std::string(fact.source) + " writes " + range + " a second time, with equal bytes",
+               {"SetOnOverlap_Error -> "}, "-onOverlap=Same lets equal bytes pass");
 }
 
 void RunListener::hear(const Fact& fact) {
@@ -324,6 +359,7 @@ void RunListener::hear(const Fact& fact) {
                      "AddBufferToExportList -> ", "SetFillCrc -> ", "SetFillHash -> ",
                      "AddResolveSymbolName -> "});
             },
+            [&](const OverlapRefused& f) { reportOverlap(f); },
             [&](const StatementExhausted&) {
                 report("out-of-memory", "there is not enough memory for this statement", {});
             },
