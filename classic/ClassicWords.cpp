@@ -162,6 +162,9 @@ public:
     void operator()(const LinePassedOver& /*fact*/) const {}
     void operator()(const LinesPassedOver& /*fact*/) const {}
 
+    // The classic readers report none of these.
+    void operator()(const FieldFact& /*fact*/) const {}
+
     void operator()(const RecordCountTooLow& fact) const {
         line("MotorolaS_InFile(storeParsedSize-Operation). Logical error");
         line("The value of counter is : (int)", fact.count,

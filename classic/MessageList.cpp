@@ -76,6 +76,9 @@ std::vector<Fact> examples(Of<LinePassedOver> /*type*/) {
 std::vector<Fact> examples(Of<LinesPassedOver> /*type*/) {
     return {};
 }
+std::vector<Fact> examples(Of<FieldFact> /*type*/) {
+    return {};
+}
 std::vector<Fact> examples(Of<RecordCountTooLow> /*type*/) {
     return {RecordCountTooLow{number, number}};
 }

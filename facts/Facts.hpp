@@ -6,6 +6,8 @@
 #include <string_view>
 #include <variant>
 
+#include "facts/FieldFacts.hpp"
+
 /// What a run has to report, as values without words.
 ///
 /// The code that meets a problem describes it by one of these structs and hands it to `report`
@@ -357,6 +359,6 @@ using Fact =
                  NameNotFound, OverlapRefused, StatementExhausted, FileNotOpened, FileNotWritten, FileSpanTooLong,
                  BufferPrinted, ContentPrinted, CrcPrinted, HashPrinted, TextPrinted, ProgramCalled,
                  ProgramEnded, ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError,
-                 RunEnded>;
+                 RunEnded, FieldFact>;
 
 }  // namespace Facts

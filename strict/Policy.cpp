@@ -45,6 +45,16 @@ constexpr std::array allKinds{
     Kind{"swallowed", Warning, false},
     Kind{"no-effect", Warning, false},
     Kind{"end-as-length", Warning, false},
+    Kind{"record-digit", Error, true},
+    Kind{"record-length", Error, true},
+    Kind{"record-type", Error, true},
+    Kind{"record-address", Error, true},
+    Kind{"after-end", Error, true},
+    Kind{"record-count", Error, true},
+    Kind{"wrong-format", Error, true},
+    Kind{"conflict", Error, false},
+    Kind{"overlap", Warning, false},
+    Kind{"tolerated", Warning, false},
 };
 
 const Kind* find(std::string_view name) {

@@ -9,6 +9,7 @@
 #include "parser/grammar/ScriptSyntax.hpp"
 #include "platform/Files.hpp"
 #include "strict/Arithmetic.hpp"
+#include "strict/FieldWords.hpp"
 
 namespace Strict {
 
@@ -180,18 +181,28 @@ void RunListener::reportOpen(std::string_view file) {
                adviceOn(file));
 }
 
-void RunListener::reportLine(const char* kind, std::string_view file, std::uint64_t line,
-                             std::string_view text, std::string message) {
+void RunListener::reportField(const FieldFact& fact) {
     constexpr std::size_t longestShown = 160;
-    Place place{std::string(file),
-                static_cast<std::size_t>(line),
+    FieldWords words = wordsFor(fact);
+    if (words.line == 0) {
+        report(words.kind, std::move(words.text), inputFile, std::move(words.hint));
+        return;
+    }
+    Place place{std::string(words.file),
+                static_cast<std::size_t>(words.line),
                 0,
-                std::string(text.substr(0, longestShown)),
+                std::string(words.excerpt.substr(0, longestShown)),
                 0,
                 0};
+    if (words.column != 0 && words.column <= place.excerpt.size()) {
+        place.column = words.column;
+        place.caret = words.column - 1;
+        place.caretLength = 1;
+    }
     const std::string_view statement = script_->prepared().substr(first_, last_ - first_);
     const Arguments arguments(statement);
-    Diagnostic diagnostic{Severity::Error, kind, std::move(message), place, "", {}};
+    Diagnostic diagnostic{Severity::Error,       words.kind, std::move(words.text), place,
+                          std::move(words.hint), {}};
     diagnostic.notes.push_back(
         {"while this file is read", script_->placeOf(trimmed(arguments.textOf(inputFile)))});
     sink_->take(diagnostic);
@@ -272,39 +283,12 @@ void RunListener::hear(const Fact& fact) {
                            rangeText(f.dataStart, f.dataEnd) + "; nothing of it is read",
                        anyArea, "use -useBufferRange={start, length} to crop a file");
             },
-            [&](const TextFileEmpty& f) {
-                report("empty-image", std::string(f.file) + " is empty", inputFile);
-            },
-            [&](const LastLineMismatched& f) {
-                report("no-end",
-                       "the last line of " + std::string(f.file) +
-                           " is no end-of-file record; the file may have been cut off",
-                       inputFile);
-            },
-            [&](const RecordContradictory& f) {
-                reportLine("record-checksum", f.file, f.lineNumber, f.line,
-                           "the record contradicts its checksum or the format");
-            },
-            [&](const LineNotARecord& f) {
-                reportLine("record-line", f.file, f.lineNumber, f.line, "the line is no record");
-            },
-            [&](const LinePassedOver& f) {
-                reportLine("record-line", f.file, f.lineNumber, f.line,
-                           "the line is no record, its data is missing");
-            },
-            [&](const LinesPassedOver& f) {
-                report("record-line",
-                       std::to_string(f.count) + " more lines of " + std::string(f.file) +
-                           " are no records",
-                       inputFile);
-            },
-            [&](const RecordCountTooLow&) {},
-            [&](const DataSpanTooLong& f) {
-                report(
-                    "outside",
-                    "the data of the file spans more than " + hexadecimal(f.mostBytes) + " bytes",
-                    inputFile);
-            },
+            // What the classic readers report.
+            [&](const TextFileEmpty&) {}, [&](const LastLineMismatched&) {},
+            [&](const RecordContradictory&) {}, [&](const LineNotARecord&) {},
+            [&](const LinePassedOver&) {}, [&](const LinesPassedOver&) {},
+            [&](const RecordCountTooLow&) {}, [&](const DataSpanTooLong&) {},
+            [&](const FieldFact& f) { reportField(f); },
             [&](const RawFileTooLong& f) {
                 report("outside", "the file has more than " + hexadecimal(f.mostBytes) + " bytes",
                        inputFile);

@@ -59,8 +59,7 @@ public:
 private:
     void reportOverlap(const Facts::OverlapRefused& fact);
     void reportOpen(std::string_view file);
-    void reportLine(const char* kind, std::string_view file, std::uint64_t line,
-                    std::string_view text, std::string message);
+    void reportField(const Facts::FieldFact& fact);
 
     const ScriptText* script_;
     DiagnosticSink* sink_;
