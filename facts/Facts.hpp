@@ -228,9 +228,9 @@ struct OverlapRefused {
     std::string_view source;  ///< the later image, or the file
     std::uint64_t start;
     std::uint64_t end;
-    bool isDifferent;        ///< their bytes at `address` differ
-    std::uint64_t address;   ///< the first address with different bytes, or `start`
-    std::uint8_t earlier;    ///< the bytes there, if they differ
+    bool isDifferent;       ///< their bytes at `address` differ
+    std::uint64_t address;  ///< the first address with different bytes, or `start`
+    std::uint8_t earlier;   ///< the bytes there, if they differ
     std::uint8_t later;
     bool operator==(const OverlapRefused&) const = default;
 };
@@ -356,9 +356,9 @@ using Fact =
                  LinesPassedOver, RecordCountTooLow, DataSpanTooLong, RawFileTooLong,
                  FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
                  RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, FileWriteIncomplete,
-                 NameNotFound, OverlapRefused, StatementExhausted, FileNotOpened, FileNotWritten, FileSpanTooLong,
-                 BufferPrinted, ContentPrinted, CrcPrinted, HashPrinted, TextPrinted, ProgramCalled,
-                 ProgramEnded, ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError,
-                 RunEnded, FieldFact>;
+                 NameNotFound, OverlapRefused, StatementExhausted, FileNotOpened, FileNotWritten,
+                 FileSpanTooLong, BufferPrinted, ContentPrinted, CrcPrinted, HashPrinted,
+                 TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened, VariableRejected,
+                 ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace Facts

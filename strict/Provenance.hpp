@@ -22,7 +22,7 @@ class Provenance final : public Parser::WrapperLib::ImageObserver {
 public:
     /// What gave bytes to images: lines of an input file, or a statement by itself.
     struct Source {
-        std::string file;  ///< as the script names it; empty for a statement
+        std::string file;             ///< as the script names it; empty for a statement
         std::uint64_t firstLine = 0;  ///< 0 in a file without lines
         std::uint64_t lastLine = 0;
         Place statement;
@@ -31,7 +31,7 @@ public:
     /// The origins of one image.
     struct Image {
         OriginMap written;
-        OriginMap fillers;  ///< what FILL_BUFFER WITH_FILLER laid
+        OriginMap fillers;                          ///< what FILL_BUFFER WITH_FILLER laid
         std::optional<std::uint64_t> startAddress;  ///< that its input file names
     };
 
@@ -71,9 +71,9 @@ private:
     RunListener* listener_;
     const Io::Import::InputReading* reading_;
     const Parser::WrapperLib::CmdNewBuffer* making_ = nullptr;
-    std::string filling_;  ///< the image of the FILL_BUFFER that runs
+    std::string filling_;                   ///< the image of the FILL_BUFFER that runs
     std::optional<std::size_t> statement_;  ///< the source that the statement is, once needed
-    Image current_;        ///< the image that is being made
+    Image current_;                         ///< the image that is being made
     std::map<std::string, Image> images_;
     std::vector<Source> sources_;
 };

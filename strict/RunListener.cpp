@@ -165,9 +165,9 @@ void RunListener::reportName(const char* kind, std::string_view name, std::strin
                              std::string hint, std::vector<Note> notes) {
     const std::string_view statement = script_->prepared().substr(first_, last_ - first_);
     const std::string_view part = trimmed(Arguments(statement).image(name));
-    Diagnostic diagnostic{Severity::Error,        kind,
-                          std::move(text),        script_->placeOf(part),
-                          std::move(hint),        script_->variableNotes(part)};
+    Diagnostic diagnostic{Severity::Error, kind,
+                          std::move(text), script_->placeOf(part),
+                          std::move(hint), script_->variableNotes(part)};
     diagnostic.notes.insert(diagnostic.notes.end(), notes.begin(), notes.end());
     sink_->take(diagnostic);
 }
