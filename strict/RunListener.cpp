@@ -276,19 +276,12 @@ void RunListener::hear(const Fact& fact) {
                            " on leave the image, which ends before " + hexadecimal(f.imageEnd),
                        anyArea);
             },
-            [&](const ReadRangeOutside& f) {
-                report("outside",
-                       "the area " + areaText(f.start, f.end - f.start) +
-                           " begins below the data of the file, which has " +
-                           rangeText(f.dataStart, f.dataEnd) + "; nothing of it is read",
-                       anyArea, "use -useBufferRange={start, length} to crop a file");
-            },
             // What the classic readers report.
-            [&](const TextFileEmpty&) {}, [&](const LastLineMismatched&) {},
-            [&](const RecordContradictory&) {}, [&](const LineNotARecord&) {},
-            [&](const LinePassedOver&) {}, [&](const LinesPassedOver&) {},
-            [&](const RecordCountTooLow&) {}, [&](const DataSpanTooLong&) {},
-            [&](const FieldFact& f) { reportField(f); },
+            [&](const ReadRangeOutside&) {}, [&](const TextFileEmpty&) {},
+            [&](const LastLineMismatched&) {}, [&](const RecordContradictory&) {},
+            [&](const LineNotARecord&) {}, [&](const LinePassedOver&) {},
+            [&](const LinesPassedOver&) {}, [&](const RecordCountTooLow&) {},
+            [&](const DataSpanTooLong&) {}, [&](const FieldFact& f) { reportField(f); },
             [&](const RawFileTooLong& f) {
                 report("outside", "the file has more than " + hexadecimal(f.mostBytes) + " bytes",
                        inputFile);
