@@ -233,6 +233,12 @@ public:
         line("Nothing was inserted.");
     }
 
+    void operator()(const GapsNotExpressible& fact) const {
+        line("Error: File ", fact.file, " could not be written ! Format ", fact.format,
+             " cannot skip addresses.");
+        line("Operation aborted.");
+    }
+
     void operator()(const FileWriteIncomplete& fact) const {
         errors_ << "Warning: File " << fact.file << " could not be written completely !"
                 << std::endl;

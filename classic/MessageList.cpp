@@ -110,6 +110,9 @@ std::vector<Fact> examples(Of<TooManyBytes> /*type*/) {
     return {TooManyBytes{OutputFormat::RawBinary, 0xFFFFFFFF},
             TooManyBytes{OutputFormat::EmbeddedC_Assembler, 0xFFFFFFFF}};
 }
+std::vector<Fact> examples(Of<GapsNotExpressible> /*type*/) {
+    return {GapsNotExpressible{"FORMAT", "PATH"}};
+}
 std::vector<Fact> examples(Of<FileWriteIncomplete> /*type*/) {
     return {FileWriteIncomplete{"PATH"}};
 }

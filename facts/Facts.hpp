@@ -203,6 +203,13 @@ struct TooManyBytes {
     bool operator==(const TooManyBytes&) const = default;
 };
 
+/// A format without addresses was asked to leave gaps; the statement failed.
+struct GapsNotExpressible {
+    std::string_view format;  ///< the keyword of the language
+    std::string_view file;
+    bool operator==(const GapsNotExpressible&) const = default;
+};
+
 /// A write failed; the file holds what was written before.
 struct FileWriteIncomplete {
     std::string_view file;
@@ -355,10 +362,6 @@ using Fact =
                  LastLineMismatched, RecordContradictory, LineNotARecord, LinePassedOver,
                  LinesPassedOver, RecordCountTooLow, DataSpanTooLong, RawFileTooLong,
                  FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
-                 RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, FileWriteIncomplete,
-                 NameNotFound, OverlapRefused, StatementExhausted, FileNotOpened, FileNotWritten,
-                 FileSpanTooLong, BufferPrinted, ContentPrinted, CrcPrinted, HashPrinted,
-                 TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened, VariableRejected,
-                 ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
+                 RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible, FileWriteIncomplete, NameNotFound, OverlapRefused, StatementExhausted, FileNotOpened, FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted, CrcPrinted, HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace Facts

@@ -319,6 +319,13 @@ void RunListener::hear(const Fact& fact) {
                        "the images have more than " + hexadecimal(f.mostBytes) + " bytes together",
                        outputFile);
             },
+            [&](const GapsNotExpressible& f) {
+                report(
+                    "outside",
+                    std::string(f.format) + " has no addresses, so it cannot skip unwritten ones",
+                    {"SetSkipUnwritten -> "},
+                    "choose a format with addresses, or leave the option out");
+            },
             [&](const FileWriteIncomplete& f) {
                 const std::string reason = reason_(f.file);
                 report("short-write",
