@@ -29,6 +29,8 @@ constexpr std::array allKinds{
     Kind{"empty-digest", Error, false},
     Kind{"call-failed", Error, false},
     Kind{"unused-variable", Error, false},
+    Kind{"crc-parameter", Error, false},
+    Kind{"word-size", Error, false},
     Kind{"truncated-value", Warning, false},
     Kind{"expression-order", Warning, false},
     Kind{"number-pair", Warning, false},

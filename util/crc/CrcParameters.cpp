@@ -1,5 +1,6 @@
 #include "util/crc/CrcParameters.hpp"
 
+#include <algorithm>
 #include <climits>
 #include <cstddef>
 
@@ -44,6 +45,10 @@ std::uint64_t reflectedRegister(const CrcParameters& crc, Bytes data) {
     return updateFolded(initial, data, reflectedFolding(polynomial), initial, rule);
 }
 
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
 }  // namespace
 
 ByteList computeCrc(const CrcParameters& parameters, Bytes data) {
@@ -58,6 +63,14 @@ ByteList computeCrc(const CrcParameters& parameters, Bytes data) {
         value >>= CHAR_BIT;
     }
     return bytes;
+}
+
+const CatalogueEntry* findInCatalogue(std::string_view name) {
+    const auto rows = catalogue();
+    const auto row = std::ranges::find_if(rows, [name](const CatalogueEntry& entry) {
+        return std::ranges::equal(entry.name, name, {}, lower, lower);
+    });
+    return row == rows.end() ? nullptr : &*row;
 }
 
 }  // namespace Util::Crc

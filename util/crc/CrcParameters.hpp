@@ -41,4 +41,7 @@ struct CatalogueEntry {
 /// The CRCs of `catalogue.tsv` up to `widestCrc`, in its order.
 std::span<const CatalogueEntry> catalogue();
 
+/// The CRC of the catalogue called `name`, case ignored, or nullptr.
+const CatalogueEntry* findInCatalogue(std::string_view name);
+
 }  // namespace Util::Crc
