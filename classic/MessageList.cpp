@@ -137,6 +137,17 @@ std::vector<Fact> examples(Of<StatementExhausted> /*type*/) {
         facts.emplace_back(StatementExhausted{subject, "NAME", work});
     return facts;
 }
+std::vector<Fact> examples(Of<CrcParameterRefused> /*type*/) {
+    std::vector<Fact> facts;
+    for (const CrcParameter parameter : {CrcParameter::Width, CrcParameter::Polynomial,
+                                         CrcParameter::Initial, CrcParameter::FinalXor})
+        facts.emplace_back(CrcParameterRefused{"NAME", parameter});
+    return facts;
+}
+std::vector<Fact> examples(Of<WordIncomplete> /*type*/) {
+    return {WordIncomplete{Subject::Crc, "NAME", number, 4},
+            WordIncomplete{Subject::Hash, "NAME", number, 4}};
+}
 std::vector<Fact> examples(Of<FileNotOpened> /*type*/) {
     return {FileNotOpened{"PATH"}};
 }
