@@ -86,6 +86,7 @@ syntax match tessaronStringComment "//.*" contained
 
 " Values of options.
 syntax match tessaronConstant /\v<%(LittleEndian|BigEndian)/
+syntax match tessaronConstant /\v%(<-onOverlap\s*\=\s*)@<=%(Last|First|Same|Error)/
 syntax match tessaronConstant /\v<%(InterpretAsLittleEndian|InterpretAsBigEndian)/
 syntax match tessaronConstant /\v<%(RawBinary|%(IntelHexExtended|IntelHexSegment|EmbeddedC_Assembler|MotorolaS)_?)/
 syntax match tessaronConstant /\v<%(Crc8_Standard|Crc8_OnesComplement|Crc8_TwosComplement|Crc8_Eeprom)/
