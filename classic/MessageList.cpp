@@ -76,6 +76,9 @@ std::vector<Fact> examples(Of<LinePassedOver> /*type*/) {
 std::vector<Fact> examples(Of<LinesPassedOver> /*type*/) {
     return {};
 }
+std::vector<Fact> examples(Of<FieldFact> /*type*/) {
+    return {};
+}
 std::vector<Fact> examples(Of<RecordCountTooLow> /*type*/) {
     return {RecordCountTooLow{number, number}};
 }
@@ -107,6 +110,9 @@ std::vector<Fact> examples(Of<TooManyBytes> /*type*/) {
     return {TooManyBytes{OutputFormat::RawBinary, 0xFFFFFFFF},
             TooManyBytes{OutputFormat::EmbeddedC_Assembler, 0xFFFFFFFF}};
 }
+std::vector<Fact> examples(Of<GapsNotExpressible> /*type*/) {
+    return {GapsNotExpressible{"FORMAT", "PATH"}};
+}
 std::vector<Fact> examples(Of<FileWriteIncomplete> /*type*/) {
     return {FileWriteIncomplete{"PATH"}};
 }
@@ -115,6 +121,10 @@ std::vector<Fact> examples(Of<NameNotFound> /*type*/) {
     for (const NameKind kind : {NameKind::Buffer, NameKind::Crc, NameKind::Hash, NameKind::Symbol})
         facts.emplace_back(NameNotFound{kind, "NAME"});
     return facts;
+}
+std::vector<Fact> examples(Of<OverlapRefused> /*type*/) {
+    return {OverlapRefused{"NAME", "NAME", number, number, true, number, 0, 0},
+            OverlapRefused{"NAME", "NAME", number, number, false, number, 0, 0}};
 }
 std::vector<Fact> examples(Of<StatementExhausted> /*type*/) {
     std::vector<Fact> facts;

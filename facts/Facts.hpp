@@ -6,6 +6,8 @@
 #include <string_view>
 #include <variant>
 
+#include "facts/FieldFacts.hpp"
+
 /// What a run has to report, as values without words.
 ///
 /// The code that meets a problem describes it by one of these structs and hands it to `report`
@@ -201,6 +203,13 @@ struct TooManyBytes {
     bool operator==(const TooManyBytes&) const = default;
 };
 
+/// A format without addresses was asked to leave gaps; the statement failed.
+struct GapsNotExpressible {
+    std::string_view format;  ///< the keyword of the language
+    std::string_view file;
+    bool operator==(const GapsNotExpressible&) const = default;
+};
+
 /// A write failed; the file holds what was written before.
 struct FileWriteIncomplete {
     std::string_view file;
@@ -217,6 +226,20 @@ struct NameNotFound {
     NameKind kind;
     std::string_view name;
     bool operator==(const NameNotFound&) const = default;
+};
+
+/// Two sources of an image, or two records of its file, write the same addresses, which the
+/// statement refuses; it failed.
+struct OverlapRefused {
+    std::string_view name;    ///< of the image
+    std::string_view source;  ///< the later image, or the file
+    std::uint64_t start;
+    std::uint64_t end;
+    bool isDifferent;       ///< their bytes at `address` differ
+    std::uint64_t address;  ///< the first address with different bytes, or `start`
+    std::uint8_t earlier;   ///< the bytes there, if they differ
+    std::uint8_t later;
+    bool operator==(const OverlapRefused&) const = default;
 };
 
 enum class Subject : std::uint8_t { Buffer, Crc, Hash, Text, File, Application };
@@ -353,16 +376,15 @@ struct RunEnded {
     bool operator==(const RunEnded&) const = default;
 };
 
-using Fact =
-    std::variant<ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside,
-                 FillTooLong, ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty,
-                 LastLineMismatched, RecordContradictory, LineNotARecord, LinePassedOver,
-                 LinesPassedOver, RecordCountTooLow, DataSpanTooLong, RawFileTooLong,
-                 FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
-                 RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, FileWriteIncomplete,
-                 NameNotFound, StatementExhausted, CrcParameterRefused, WordIncomplete,
-                 FileNotOpened, FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted,
-                 CrcPrinted, HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
-                 VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded>;
+using Fact = std::variant<
+    ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside, FillTooLong,
+    ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty, LastLineMismatched,
+    RecordContradictory, LineNotARecord, LinePassedOver, LinesPassedOver, RecordCountTooLow,
+    DataSpanTooLong, RawFileTooLong, FileReadIncomplete, RecordLengthCorrected,
+    AddressNotExpressible, RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible,
+    FileWriteIncomplete, NameNotFound, OverlapRefused, StatementExhausted, CrcParameterRefused,
+    WordIncomplete, FileNotOpened, FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted,
+    CrcPrinted, HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
+    VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace Facts

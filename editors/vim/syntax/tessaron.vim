@@ -101,7 +101,7 @@ syntax match tessaronConstant /\v<%(Hash_Sha3_224|Hash_Sha3_256|Hash_Sha3_384|Ha
 " Options.
 syntax match tessaronSection /\.\?\k\+/ contained
 syntax match tessaronSectionEquals /=/ contained nextgroup=tessaronSection skipwhite skipempty
-syntax match tessaronOption /\v<%(-changeStartAddressTo|-setByteOrder|-setType|-setFormat|-useWordSize)/
+syntax match tessaronOption /\v<%(-changeStartAddressTo|-setByteOrder|-setType|-setFormat|-skipUnwritten|-onOverlap|-useWordSize)/
 syntax match tessaronOption /\v<-setExecutionAddress/
       \ nextgroup=tessaronSectionEquals skipwhite skipempty
 syntax match tessaronOption /\v<%(-useAreas|-useBufferRange)/
