@@ -1,0 +1,64 @@
+#include "strict/OriginMap.hpp"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+
+namespace {
+
+using Buffer::Area;
+using Strict::OriginMap;
+
+using Plain = std::map<std::uint64_t, std::size_t>;  // the source of each address
+
+Plain plain(const OriginMap& map) {
+    Plain addresses;
+    for (const auto& [start, range] : map.ranges())
+        for (std::uint64_t i = 0; i < range.area.length; ++i)
+            EXPECT_TRUE(addresses.emplace(range.area.start + i, range.source).second);
+    return addresses;
+}
+
+TEST(OriginMapTest, RangesKnowWhatAMapOfSingleAddressesKnows) {
+    std::mt19937 random(11);
+    const auto area = [&] { return Area{random() % 60, random() % 20}; };
+    for (int round = 0; round < 500; ++round) {
+        OriginMap map, other;
+        Plain expected, otherPlain;
+        for (int step = 0; step < 20; ++step) {
+            const Area one = area();
+            const std::size_t source = random() % 3;
+            const auto kind = random() % 4;
+            if (kind == 0) map.erase(one);
+            if (kind == 1) map.lay(other, one);
+            if (kind == 2) map.set(one, source);
+            if (kind == 3) other.set(one, source);
+            for (std::uint64_t at = one.start; at < one.end(); ++at) {
+                if (kind == 0) expected.erase(at);
+                if (kind == 1 && otherPlain.contains(at)) expected[at] = otherPlain[at];
+                if (kind == 2) expected[at] = source;
+                if (kind == 3) otherPlain[at] = source;
+            }
+        }
+        ASSERT_EQ(plain(map), expected);
+        EXPECT_EQ(map.size(), expected.size());
+        for (std::uint64_t at = 0; at < 80; ++at) {
+            const OriginMap::Range* const found = map.find(at);
+            ASSERT_EQ(found != nullptr, expected.contains(at)) << at;
+            const Buffer::AreaList gap = uncovered({at, 1}, map, other);
+            ASSERT_EQ(gap.empty(), expected.contains(at) || otherPlain.contains(at)) << at;
+        }
+        map.move(~std::uint64_t{0});  // down by one
+        for (const auto& [address, source] : expected)
+            if (address != 0) ASSERT_EQ(map.find(address - 1)->moved, ~std::uint64_t{0});
+    }
+}
+
+TEST(OriginMapTest, NeighboursOfOneSourceAreOneRange) {
+    OriginMap map;
+    for (std::uint64_t at = 0; at < 1'000'000; at += 16) map.set({at, 16}, 7);
+    EXPECT_EQ(map.ranges().size(), 1U);
+}
+
+}  // namespace
