@@ -25,6 +25,7 @@
 #include "strict/ScriptText.hpp"
 #include "strict/Suggestion.hpp"
 #include "strict/SyntaxErrors.hpp"
+#include "strict/WholeFile.hpp"
 
 namespace Strict {
 
@@ -35,6 +36,7 @@ constexpr std::size_t mostSyntaxErrors = 20;
 
 /// The script's own text, or nothing after a diagnostic.
 std::optional<std::string> read(const RunOptions& options, DiagnosticSink& sink) {
+    if (options.text) return options.text;
     const bool isStandardInput = options.script == "-";
     const std::string path = isStandardInput ? "/dev/stdin" : options.script;
     Platform::clearLastError();
@@ -270,17 +272,9 @@ ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) 
         return ExitCode::Failed;
     }
     if (options.comparesDisk && !compareWithDisk(files, printer)) return ExitCode::Failed;
-    if (!options.dependencyFile.empty() && !options.isCheck) {
-        const Io::HostScope hosting(files);
+    if (!options.dependencyFile.empty() && !options.isCheck)
         writeDependencyFile(options, files, printer);
-    }
-    if (const auto failure = files.commit())
-        printer.take({Severity::Error,
-                      "cannot-write",
-                      "cannot write " + failure->path + ": " + failure->reason,
-                      std::nullopt,
-                      "",
-                      {}});
+    commit(files, printer);
     return printer.errors() == 0 ? ExitCode::Good : ExitCode::Failed;
 }
 

@@ -2,6 +2,7 @@
 
 #include <iosfwd>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "strict/Printer.hpp"
@@ -10,7 +11,8 @@ namespace Strict {
 
 /// What a run is to do.
 struct RunOptions {
-    std::string script;  ///< a path; "-" is standard input
+    std::string script;               ///< a path; "-" is standard input
+    std::optional<std::string> text;  ///< of the script, if it is in no file
     std::map<std::string, std::string> variables;
     bool isCheck = false;        ///< runs in memory, writes nothing and starts no program
     bool comparesDisk = false;   ///< with `isCheck`: compares the outputs with the files on disk

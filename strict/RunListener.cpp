@@ -129,6 +129,10 @@ Overloaded(Functions...) -> Overloaded<Functions...>;
 
 void RunListener::report(const char* kind, std::string text,
                          const std::vector<std::string_view>& traces, std::string hint) {
+    if (script_ == nullptr) {
+        sink_->take({Severity::Error, kind, std::move(text), std::nullopt, std::move(hint), {}});
+        return;
+    }
     const std::string_view statement = script_->prepared().substr(first_, last_ - first_);
     const Arguments arguments(statement);
     std::string_view part = trimmed(arguments.textOf(traces));
@@ -168,6 +172,10 @@ void RunListener::reportLine(const char* kind, std::string_view file, std::uint6
                 std::string(text.substr(0, longestShown)),
                 0,
                 0};
+    if (script_ == nullptr) {
+        sink_->take({Severity::Error, kind, std::move(message), place, "", {}});
+        return;
+    }
     const std::string_view statement = script_->prepared().substr(first_, last_ - first_);
     const Arguments arguments(statement);
     Diagnostic diagnostic{Severity::Error, kind, std::move(message), place, "", {}};

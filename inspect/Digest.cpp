@@ -1,0 +1,88 @@
+#include "inspect/Digest.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+#include "crypto/stream/hash/hash_sha.hpp"
+#include "util/Hex.hpp"
+#include "util/crc/GenericCrc.hpp"
+
+namespace Inspect {
+
+namespace {
+
+using Bytes = std::span<const std::uint8_t>;
+
+/// A CRC that goes on from its value: the register, before the final xor.
+constexpr std::uint32_t allOnes = 0xFFFFFFFF;
+
+/// Calls `take` with the effective bytes of the area, in pieces.
+template <class Take>
+void forBytes(const Parts& parts, const Buffer::Area& area, Take take) {
+    const Buffer::MemoryBuffer* const part = partWith(parts, area);
+    if (part == nullptr) return;
+    const Buffer::ElementView elements = part->viewRange(area.start, area.length);
+    if (const auto bytes = elements.bytes()) {
+        take(*bytes);
+        return;
+    }
+    std::array<std::uint8_t, 4096> piece{};
+    for (std::size_t at = 0; at < elements.size(); at += piece.size()) {
+        const std::size_t count = std::min(piece.size(), elements.size() - at);
+        elements.part(at, count).copyBytes(piece.data());
+        take(Bytes(piece.data(), count));
+    }
+}
+
+std::string lowerHex(Bytes bytes) {
+    std::string text;
+    Util::appendHex(text, bytes);
+    std::ranges::transform(text, text.begin(),
+                           [](char c) { return c >= 'A' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return text;
+}
+
+}  // namespace
+
+class Digester::Sha256 : public kv::crypto::stream::hash::hash_sha256 {};
+
+Digester::Digester() : crc_(0), sha_(std::make_unique<Sha256>()) {}
+Digester::~Digester() = default;
+
+void Digester::take(Bytes bytes) {
+    // In pieces that the cache still holds when the second digest reads them.
+    constexpr std::size_t pieceSize = std::size_t{1} << 16U;
+    while (!bytes.empty()) {
+        const Bytes piece = bytes.first(std::min(pieceSize, bytes.size()));
+        crc_ = Util::Crc::GenericCrc::crc32Reflected(piece, crc_ ^ allOnes);
+        sha_->update(piece.data(), piece.size());
+        bytes = bytes.subspan(piece.size());
+    }
+}
+
+Digest Digester::finish() {
+    const auto digest = sha_->finish();
+    return {crc_, lowerHex({digest.data(), digest.size()})};
+}
+
+Digest digestOf(const Parts& parts, const Buffer::Area& area) {
+    return digestOf(parts, Buffer::AreaList{area});
+}
+
+Digest digestOf(const Parts& parts, const Buffer::AreaList& areas) {
+    Digester digester;
+    for (const Buffer::Area& area : areas)
+        forBytes(parts, area, [&digester](Bytes bytes) { digester.take(bytes); });
+    return digester.finish();
+}
+
+std::string sha256Of(std::string_view text) {
+    kv::crypto::stream::hash::hash_sha256 hash;
+    hash.update(text.data(), text.size());
+    const auto digest = hash.finish();
+    return lowerHex({digest.data(), digest.size()});
+}
+
+}  // namespace Inspect

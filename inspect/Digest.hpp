@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+#include "inspect/Image.hpp"
+
+namespace Inspect {
+
+/// CRC-32/ISO-HDLC and SHA-256 (FIPS 180-4) of the same bytes.
+struct Digest {
+    std::uint32_t crc32 = 0;
+    std::string sha256;  ///< 64 lower-case hexadecimal digits
+};
+
+/// Takes bytes in pieces and computes both digests of all of them.
+class Digester {
+public:
+    Digester();
+    ~Digester();
+    Digester(const Digester&) = delete;
+    Digester& operator=(const Digester&) = delete;
+
+    void take(std::span<const std::uint8_t> bytes);
+
+    /// Ends the message; called once.
+    Digest finish();
+
+private:
+    class Sha256;
+    std::uint32_t crc_;
+    std::unique_ptr<Sha256> sha_;
+};
+
+/// The digests of the effective bytes of `area`, which must lie in one of the parts.
+Digest digestOf(const Parts& parts, const Buffer::Area& area);
+
+/// The digests of the written bytes of all areas, one after the other.
+Digest digestOf(const Parts& parts, const Buffer::AreaList& areas);
+
+/// SHA-256 of a text, as in `Digest`.
+std::string sha256Of(std::string_view text);
+
+}  // namespace Inspect

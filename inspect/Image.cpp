@@ -1,0 +1,134 @@
+#include "inspect/Image.hpp"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "buffer/WrittenAreas.hpp"
+#include "io/import/GenericInFile.hpp"
+
+namespace Inspect {
+
+namespace {
+
+using Buffer::Area;
+using Buffer::AreaList;
+using Buffer::MemoryBuffer;
+using Io::Import::GenericInFile;
+
+/// A span up to this length is one image; its gaps cost a bit an address at most.
+constexpr std::uint64_t longestWhole = std::uint64_t{1} << 28U;
+/// A gap from here on divides a longer one.
+constexpr std::uint64_t dividingGap = std::uint64_t{1} << 20U;
+
+const char* nameOf(Io::Import::InFileType type) {
+    switch (type) {
+        case Io::Import::InFileType::IntelHex:
+            return "Intel HEX";
+        case Io::Import::InFileType::MotorolaS:
+            return "S-records";
+        case Io::Import::InFileType::RawBinary:
+            break;
+    }
+    return "raw bytes";
+}
+
+/// The areas joined where less than `dividingGap` lies between them.
+AreaList joined(AreaList areas) {
+    std::ranges::sort(areas, {}, &Area::start);
+    AreaList wide;
+    for (const Area& area : areas) {
+        if (wide.empty() || area.start > wide.back().end() + dividingGap) {
+            wide.push_back(area);
+        } else {
+            const std::uint64_t end = std::max(wide.back().end(), area.end());
+            wide.back().length = end - wide.back().start;
+        }
+    }
+    return wide;
+}
+
+Parts partsOf(GenericInFile& file) {
+    Parts parts;
+    if (file.getDataLength() <= longestWhole) {
+        if (file.getDataLength() != 0) parts.push_back(file.takeMemory());
+        return parts;
+    }
+    for (const Area& area : joined(file.getDataAreas()))
+        parts.push_back(file.getMemory(area.start, area.length));
+    return parts;
+}
+
+}  // namespace
+
+AreaList Image::areas() const {
+    AreaList all;
+    for (const MemoryBuffer& part : parts) {
+        const AreaList some = Buffer::writtenAreas(part);
+        all.insert(all.end(), some.begin(), some.end());
+    }
+    return all;
+}
+
+Image openImage(const std::string& path) {
+    GenericInFile file(path);
+    Image image;
+    image.path = path;
+    image.format = nameOf(file.type());
+    if (file.hasStartAddress()) image.startAddress = file.getStartAddress();
+    image.parts = partsOf(file);
+    return image;
+}
+
+std::uint64_t byteCount(const AreaList& areas) {
+    std::uint64_t count = 0;
+    for (const Area& area : areas) count += area.length;
+    return count;
+}
+
+const MemoryBuffer* partWith(const Parts& parts, const Area& area) {
+    const auto found = std::ranges::find_if(
+        parts, [&area](const MemoryBuffer& part) { return part.getArea().contains(area); });
+    return found == parts.end() ? nullptr : &*found;
+}
+
+std::string addressText(std::uint64_t address) {
+    constexpr std::size_t digits = 8;
+    std::array<char, 16> text{};
+    const auto end = std::to_chars(text.begin(), text.end(), address, 16).ptr;
+    std::string number(text.begin(), end);
+    std::ranges::transform(number, number.begin(),
+                           [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
+    return "0x" + std::string(digits - std::min(digits, number.size()), '0') + number;
+}
+
+std::string rangeText(const Area& area) {
+    if (area.length == 1) return addressText(area.start);
+    return addressText(area.start) + " to " + addressText(area.end() - 1);
+}
+
+std::string grouped(std::uint64_t number) {
+    const std::string digits = std::to_string(number);
+    std::string text;
+    for (std::size_t i = 0; i < digits.size(); ++i) {
+        if (i != 0 && (digits.size() - i) % 3 == 0) text += ',';
+        text += digits[i];
+    }
+    return text;
+}
+
+std::string countText(std::uint64_t count, const char* noun) {
+    return grouped(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+std::string sizeText(std::uint64_t bytes) {
+    constexpr std::uint64_t kibi = 1024;
+    constexpr std::uint64_t mebi = kibi * kibi;
+    if (bytes < kibi) return countText(bytes, "byte");
+    const std::uint64_t unit = bytes < mebi ? kibi : mebi;
+    const std::uint64_t tenths = (bytes / unit) * 10 + (bytes % unit) * 10 / unit;
+    return grouped(tenths / 10) + "." + std::to_string(tenths % 10) +
+           (unit == kibi ? " KiB" : " MiB");
+}
+
+}  // namespace Inspect

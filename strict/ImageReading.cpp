@@ -1,0 +1,65 @@
+#include "strict/ImageReading.hpp"
+
+#include <string_view>
+#include <utility>
+
+#include "facts/Listener.hpp"
+#include "io/File.hpp"
+#include "strict/OutputSet.hpp"
+#include "strict/RunListener.hpp"
+
+namespace Strict {
+
+namespace {
+
+const char* wordFor(Severity severity) {
+    if (severity == Severity::Error) return "error";
+    return severity == Severity::Warning ? "warning" : "note";
+}
+
+/// What `read` returns for the path, or nothing after a diagnostic.
+template <class Result>
+std::optional<Result> readWith(Result (*read)(const std::string&), const std::string& path,
+                               DiagnosticSink& sink) {
+    OutputSet files(OutputSet::Mode::Memory);
+    RunListener listener(sink, [&files](std::string_view file) { return files.reasonFor(file); });
+    const Facts::ListenerScope listening(listener);
+    const Io::HostScope hosting(files);
+    try {
+        return read(path);
+    } catch (const Io::bad_open&) {
+        listener.hear(Facts::FileNotOpened{path});
+        return std::nullopt;
+    }
+}
+
+}  // namespace
+
+std::optional<Inspect::Image> readImage(const std::string& path, DiagnosticSink& sink) {
+    return readWith<Inspect::Image>(&Inspect::openImage, path, sink);
+}
+
+std::optional<Inspect::Info> readInfo(const std::string& path, DiagnosticSink& sink) {
+    return readWith<Inspect::Info>(&Inspect::infoAbout, path, sink);
+}
+
+void RemarkList::take(const Diagnostic& diagnostic) {
+    const Severity severity = diagnostic.severity == Severity::Note
+                                  ? Severity::Note
+                                  : policy_->severityOf(diagnostic.name);
+    if (severity == Severity::Ignored) return;
+    hasErrors_ = hasErrors_ || severity == Severity::Error;
+    Inspect::Remark remark;
+    remark.severity = wordFor(severity);
+    remark.name = diagnostic.name;
+    remark.text = diagnostic.text;
+    remark.hint = diagnostic.hint;
+    if (diagnostic.place) {
+        remark.file = diagnostic.place->file;
+        remark.line = diagnostic.place->line;
+        remark.column = diagnostic.place->column;
+    }
+    remarks.push_back(std::move(remark));
+}
+
+}  // namespace Strict
