@@ -4,7 +4,7 @@
 #include <array>
 #include <charconv>
 
-#include "buffer/WrittenAreas.hpp"
+#include "buffer/Overlap.hpp"
 #include "io/import/GenericInFile.hpp"
 
 namespace Inspect {
@@ -64,7 +64,7 @@ Parts partsOf(GenericInFile& file) {
 AreaList Image::areas() const {
     AreaList all;
     for (const MemoryBuffer& part : parts) {
-        const AreaList some = Buffer::writtenAreas(part);
+        const AreaList some = Buffer::writtenAreas(part, part.getArea());
         all.insert(all.end(), some.begin(), some.end());
     }
     return all;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "classic/ClassicWords.hpp"
+#include "io/field/FieldReading.hpp"
 #include "parser/ScriptParser.hpp"
 #include "parser/grammar/ScriptSyntax.hpp"
 #include "parser/text/VariableExpansion.hpp"
@@ -201,7 +202,9 @@ public:
     bool run(Parser::ScriptSyntax& syntax, const std::vector<ScriptCheck::Range>& ranges) {
         const Facts::ListenerScope listening(listener_);
         const Io::HostScope hosting(*files_);
+        const Io::Field::FieldReading reading;
         Parser::WrapperLib::CmdContext context;
+        context.reading = &reading;
         const auto& commands = syntax.state().statement.commands();
         for (std::size_t i = 0; i < commands.size(); ++i) {
             const std::size_t before = printer_->errors();

@@ -120,7 +120,7 @@ std::optional<MemoryBuffer> CmdNewBuffer::build(CmdContext& context) const {
         case BufferSourceKind::SourceBuffers:
             return fromBuffers(context, range);
         case BufferSourceKind::SourceFile:
-            return fromFile(range);
+            return fromFile(context, range);
         case BufferSourceKind::SourceValues:
             return fromValues(range);
         case BufferSourceKind::SourceEmpty:
@@ -150,19 +150,20 @@ std::optional<MemoryBuffer> CmdNewBuffer::fromBuffers(CmdContext& context, Area 
     return result;
 }
 
-std::optional<MemoryBuffer> CmdNewBuffer::fromFile(Area range) const {
+std::optional<MemoryBuffer> CmdNewBuffer::fromFile(const CmdContext& context, Area range) const {
     try {
-        return readFile(range);
+        return readFile(context, range);
     } catch (const std::exception&) {
         Facts::report(Facts::FileNotOpened{fileName_});
         return std::nullopt;
     }
 }
 
-std::optional<MemoryBuffer> CmdNewBuffer::readFile(Area range) const {
+std::optional<MemoryBuffer> CmdNewBuffer::readFile(const CmdContext& context, Area range) const {
     const std::unique_ptr<TessaronImportApi> reader =
         isRawFile_ ? std::make_unique<GenericInFile>(fileName_.c_str(), Io::Import::rawBinary)
-                   : std::make_unique<GenericInFile>(fileName_.c_str());
+                   : context.reading->open(fileName_.c_str());
+    if (!reader) return std::nullopt;
     if (!isGiven(range)) range = {reader->getMinAddress(), reader->getDataLength()};
     if (!isRawFile_ && range.length > longestFile) {
         Facts::report(Facts::FileSpanTooLong{range.length});

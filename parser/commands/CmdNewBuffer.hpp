@@ -48,8 +48,8 @@ private:
     /// The image of the statement's source, or nothing after a report.
     std::optional<Buffer::MemoryBuffer> build(CmdContext& context) const;
     std::optional<Buffer::MemoryBuffer> fromBuffers(CmdContext& context, Area range) const;
-    std::optional<Buffer::MemoryBuffer> fromFile(Area range) const;
-    std::optional<Buffer::MemoryBuffer> readFile(Area range) const;
+    std::optional<Buffer::MemoryBuffer> fromFile(const CmdContext& context, Area range) const;
+    std::optional<Buffer::MemoryBuffer> readFile(const CmdContext& context, Area range) const;
     Buffer::MemoryBuffer fromValues(Area range) const;
 
     std::string bufferName_;
