@@ -18,12 +18,9 @@ using Bytes = std::span<const std::uint8_t>;
 /// A CRC that goes on from its value: the register, before the final xor.
 constexpr std::uint32_t allOnes = 0xFFFFFFFF;
 
-/// Calls `take` with the effective bytes of the area, in pieces.
+/// Calls `take` with the effective bytes, in pieces.
 template <class Take>
-void forBytes(const Parts& parts, const Buffer::Area& area, Take take) {
-    const Buffer::MemoryBuffer* const part = partWith(parts, area);
-    if (part == nullptr) return;
-    const Buffer::ElementView elements = part->viewRange(area.start, area.length);
+void forBytes(const Buffer::ElementView& elements, Take take) {
     if (const auto bytes = elements.bytes()) {
         take(*bytes);
         return;
@@ -74,8 +71,18 @@ Digest digestOf(const Parts& parts, const Buffer::Area& area) {
 Digest digestOf(const Parts& parts, const Buffer::AreaList& areas) {
     Digester digester;
     for (const Buffer::Area& area : areas)
-        forBytes(parts, area, [&digester](Bytes bytes) { digester.take(bytes); });
+        if (const Buffer::MemoryBuffer* const part = partWith(parts, area))
+            forBytes(part->viewRange(area.start, area.length),
+                     [&digester](Bytes bytes) { digester.take(bytes); });
     return digester.finish();
+}
+
+std::uint32_t crc32Of(const Buffer::MemoryBuffer& image) {
+    std::uint32_t crc = 0;
+    forBytes(image.viewElements(), [&crc](Bytes bytes) {
+        crc = Util::Crc::GenericCrc::crc32Reflected(bytes, crc ^ allOnes);
+    });
+    return crc;
 }
 
 std::string sha256Of(std::string_view text) {

@@ -4,6 +4,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "inspect/Image.hpp"
 
@@ -39,6 +40,9 @@ Digest digestOf(const Parts& parts, const Buffer::Area& area);
 
 /// The digests of the written bytes of all areas, one after the other.
 Digest digestOf(const Parts& parts, const Buffer::AreaList& areas);
+
+/// CRC-32 of the effective bytes of a whole image.
+std::uint32_t crc32Of(const Buffer::MemoryBuffer& image);
 
 /// SHA-256 of a text, as in `Digest`.
 std::string sha256Of(std::string_view text);
