@@ -63,10 +63,16 @@ Buffer::MemoryBuffer ParsedData::imageOf(const Buffer::Area& range) const {
     const std::vector<Run>& runs = isAscending_ ? runs_ : visible_;
     auto run = std::ranges::partition_point(
         runs, [&range](const Run& earlier) { return earlier.area.end() <= range.start; });
-    const auto* const first = reinterpret_cast<const std::uint8_t*>(bytes_.data());
     for (; run != runs.end() && run->area.start < range.end(); ++run)
-        image.overlayBytes({first + run->offset, run->area.length}, run->area.start);
+        image.overlayBytes(bytesOf(*run), run->area.start);
     return image;
+}
+
+bool ParsedData::hasOverlaps() const {
+    if (isAscending_) return false;
+    std::uint64_t visibleBytes = 0;
+    for (const Run& part : visible_) visibleBytes += part.area.length;
+    return visibleBytes != size_;
 }
 
 Buffer::MemoryBuffer ParsedData::getMemory(std::uint64_t startAddress,

@@ -5,6 +5,7 @@
 
 #include "buffer/Area.hpp"
 #include "buffer/MemoryBuffer.hpp"
+#include "buffer/Overlap.hpp"
 
 namespace Io::Import {
 
@@ -61,6 +62,13 @@ public:
     /// The runs of the data in the order of the file, of which the last that has an address counts.
     /// Empty if the reader keeps no lines.
     virtual std::vector<SourceRun> getSourceRuns() const { return {}; }
+
+    /// The ranges, ascending, that the file gives more than once. Of three bytes for one address
+    /// the first two that differ count, or the first two.
+    virtual std::vector<Buffer::Overlap> getOverlaps() const { return {}; }
+
+    /// Lets the first of several bytes for one address count from now on, in place of the last one.
+    virtual void preferFirst() {}
 
     /// The line that gave the byte that counts at `address`, counted from 1; 0 if none did or the
     /// reader keeps no lines. Reads a part of the file once more.
