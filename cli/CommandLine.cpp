@@ -69,7 +69,7 @@ std::string version() {
 }
 
 /// Options of every command.
-void addDisplay(CLI::App& command, Request& request) {
+void addDisplay(CLI::App& command, Request& request, Texts& texts) {
     command.add_option("-C,--directory", request.folder, "works in this folder")->type_name("DIR");
     command.add_flag("-q,--quiet", request.isQuiet, "prints errors only");
     const std::map<std::string, Strict::DiagnosticFormat> formats{
@@ -82,6 +82,12 @@ void addDisplay(CLI::App& command, Request& request) {
     command.add_option("--color", request.color, "colors the output")
         ->type_name("auto|always|never")
         ->transform(CLI::CheckedTransformer(colors).description(""));
+    command.add_option("--error", texts.errors, "counts these diagnostics as errors")
+        ->type_name("NAME")
+        ->allow_extra_args(false);
+    command.add_option("--warn", texts.warnings, "counts these diagnostics as warnings")
+        ->type_name("NAME")
+        ->allow_extra_args(false);
 }
 
 void addCommon(CLI::App& command, Request& request, Texts& texts) {
@@ -93,15 +99,9 @@ void addCommon(CLI::App& command, Request& request, Texts& texts) {
     command.add_option("-D,--define", texts.definitions, "a text replacement, as the operand")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
-    addDisplay(command, request);
+    addDisplay(command, request, texts);
     command.add_flag("--keep-going", request.run.keepsGoing,
                      "goes on after a statement that failed");
-    command.add_option("--error", texts.errors, "counts these diagnostics as errors")
-        ->type_name("NAME")
-        ->allow_extra_args(false);
-    command.add_option("--warn", texts.warnings, "counts these diagnostics as warnings")
-        ->type_name("NAME")
-        ->allow_extra_args(false);
     command.add_option("--ignore", texts.ignored, "drops these diagnostics")
         ->type_name("NAME")
         ->allow_extra_args(false);
@@ -145,14 +145,14 @@ void apply(Request& request, const Texts& texts) {
     set(texts.ignored, Strict::Severity::Ignored);
 }
 
-void addInspection(CLI::App& command, Request& request) {
-    addDisplay(command, request);
+void addInspection(CLI::App& command, Request& request, Texts& texts) {
+    addDisplay(command, request, texts);
     command.add_option("--width", request.inspection.width, "columns to use")
         ->type_name("N")
         ->check(CLI::Range(20, 1000).description(""));
 }
 
-void addInfo(CLI::App& app, Request& request) {
+void addInfo(CLI::App& app, Request& request, Texts& texts) {
     CLI::App* const info = app.add_subcommand(
         "info", "prints format, areas, start address, digests and oddities of files");
     info->footer("Example: tessaron info app.hex boot.s19 --json");
@@ -160,7 +160,7 @@ void addInfo(CLI::App& app, Request& request) {
         ->type_name("FILE")
         ->required();
     info->add_flag("--json", request.inspection.isJson, "prints a JSON array");
-    addInspection(*info, request);
+    addInspection(*info, request, texts);
     info->parse_complete_callback([&request] { request.command = Command::Info; });
 }
 
@@ -181,11 +181,11 @@ void addDiff(CLI::App& app, Request& request, Texts& texts) {
         ->check(CLI::Range(0, 1000).description(""));
     diff->add_option("--max-lines", request.inspection.mostLines, "lines to print (200); 0 for all")
         ->type_name("N");
-    addInspection(*diff, request);
+    addInspection(*diff, request, texts);
     diff->parse_complete_callback([&request] { request.command = Command::Diff; });
 }
 
-void addMap(CLI::App& app, Request& request) {
+void addMap(CLI::App& app, Request& request, Texts& texts) {
     CLI::App* const map =
         app.add_subcommand("map", "draws where files have data in the address space");
     map->footer("Example: tessaron map boot.hex app.hex --svg map.svg");
@@ -195,7 +195,7 @@ void addMap(CLI::App& app, Request& request) {
     map->add_option("--svg", request.inspection.svgFile, "writes a picture instead")
         ->type_name("FILE");
     map->add_flag("--ascii", request.inspection.isAscii, "draws without block characters");
-    addInspection(*map, request);
+    addInspection(*map, request, texts);
     map->parse_complete_callback([&request] { request.command = Command::Map; });
 }
 
@@ -217,7 +217,7 @@ void addConvert(CLI::App& app, Request& request, Texts& texts) {
     convert->add_option("--format", conversion.format, "a format of WRITE_FILE")->type_name("NAME");
     convert->add_flag("--print-script", conversion.printsScript,
                       "prints the script that does this, instead of running it");
-    addDisplay(*convert, request);
+    addDisplay(*convert, request, texts);
     convert->parse_complete_callback([&request] { request.command = Command::Convert; });
 }
 
@@ -235,15 +235,24 @@ int read(int argumentCount, char** arguments, Request& request) {
     run->add_option("--depfile", request.run.dependencyFile,
                     "writes the files that the run read, for make and ninja")
         ->type_name("FILE");
+    run->add_option("--manifest", request.run.manifest,
+                    "writes what went into the run and came out of it, as JSON")
+        ->type_name("FILE");
+    run->add_option("--report", request.run.report, "writes the same as a page for a browser")
+        ->type_name("FILE.html");
     CLI::App* const check = app.add_subcommand(
         "check", "runs a script in memory: writes nothing and starts no program");
     check->footer("Example: tessaron check release.tsn inFile=app.hex --against-disk");
     addCommon(*check, request, texts);
     check->add_flag("--against-disk", request.run.comparesDisk,
                     "compares the files on disk with what the script makes today");
-    addInfo(app, request);
+    check
+        ->add_option("--manifest", request.run.manifest,
+                     "compares script, inputs and outputs with those that a run has listed")
+        ->type_name("FILE");
+    addInfo(app, request, texts);
     addDiff(app, request, texts);
-    addMap(app, request);
+    addMap(app, request, texts);
     addConvert(app, request, texts);
     try {
         app.parse(argumentCount, arguments);

@@ -224,8 +224,10 @@ Diff compare(const Image& left, const Image& right, const AreaList& ignored) {
         for (AreaList* const areas :
              {&diff.where.changed, &diff.where.onlyLeft, &diff.where.onlyRight})
             *areas = without(*areas, holes);
-    diff.hasOtherStart =
-        left.startAddress && right.startAddress && *left.startAddress != *right.startAddress;
+    // An S-record file without a start address ends with a record for address 0.
+    const std::uint64_t one = left.startAddress.value_or(0);
+    const std::uint64_t other = right.startAddress.value_or(0);
+    diff.hasOtherStart = one != 0 && other != 0 && one != other;
     return diff;
 }
 

@@ -14,7 +14,7 @@ struct Diff {
     const Image* left;
     const Image* right;
     Buffer::Differences where;
-    bool hasOtherStart = false;  ///< both have a start address, and not the same
+    bool hasOtherStart = false;  ///< both have a start address other than 0, and not the same
 
     bool isEqual() const {
         return where.changed.empty() && where.onlyLeft.empty() && where.onlyRight.empty() &&

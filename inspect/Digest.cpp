@@ -43,10 +43,19 @@ std::string lowerHex(Bytes bytes) {
 
 }  // namespace
 
-class Digester::Sha256 : public kv::crypto::stream::hash::hash_sha256 {};
+class Sha256::Hash : public kv::crypto::stream::hash::hash_sha256 {};
 
-Digester::Digester() : crc_(0), sha_(std::make_unique<Sha256>()) {}
-Digester::~Digester() = default;
+Sha256::Sha256() : hash_(std::make_unique<Hash>()) {}
+Sha256::~Sha256() = default;
+
+void Sha256::take(std::string_view bytes) {
+    hash_->update(bytes.data(), bytes.size());
+}
+
+std::string Sha256::finish() {
+    const auto digest = hash_->finish();
+    return lowerHex({digest.data(), digest.size()});
+}
 
 void Digester::take(Bytes bytes) {
     // In pieces that the cache still holds when the second digest reads them.
@@ -54,14 +63,13 @@ void Digester::take(Bytes bytes) {
     while (!bytes.empty()) {
         const Bytes piece = bytes.first(std::min(pieceSize, bytes.size()));
         crc_ = Util::Crc::GenericCrc::crc32Reflected(piece, crc_ ^ allOnes);
-        sha_->update(piece.data(), piece.size());
+        sha_.take({reinterpret_cast<const char*>(piece.data()), piece.size()});
         bytes = bytes.subspan(piece.size());
     }
 }
 
 Digest Digester::finish() {
-    const auto digest = sha_->finish();
-    return {crc_, lowerHex({digest.data(), digest.size()})};
+    return {crc_, sha_.finish()};
 }
 
 Digest digestOf(const Parts& parts, const Buffer::Area& area) {
@@ -86,10 +94,9 @@ std::uint32_t crc32Of(const Buffer::MemoryBuffer& image) {
 }
 
 std::string sha256Of(std::string_view text) {
-    kv::crypto::stream::hash::hash_sha256 hash;
-    hash.update(text.data(), text.size());
-    const auto digest = hash.finish();
-    return lowerHex({digest.data(), digest.size()});
+    Sha256 hash;
+    hash.take(text);
+    return hash.finish();
 }
 
 }  // namespace Inspect

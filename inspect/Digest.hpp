@@ -10,6 +10,24 @@
 
 namespace Inspect {
 
+/// SHA-256 (FIPS 180-4) of bytes that come in pieces.
+class Sha256 {
+public:
+    Sha256();
+    ~Sha256();
+    Sha256(const Sha256&) = delete;
+    Sha256& operator=(const Sha256&) = delete;
+
+    void take(std::string_view bytes);
+
+    /// Ends the message; called once. 64 lower-case hexadecimal digits.
+    std::string finish();
+
+private:
+    class Hash;
+    std::unique_ptr<Hash> hash_;
+};
+
 /// CRC-32/ISO-HDLC and SHA-256 (FIPS 180-4) of the same bytes.
 struct Digest {
     std::uint32_t crc32 = 0;
@@ -19,20 +37,14 @@ struct Digest {
 /// Takes bytes in pieces and computes both digests of all of them.
 class Digester {
 public:
-    Digester();
-    ~Digester();
-    Digester(const Digester&) = delete;
-    Digester& operator=(const Digester&) = delete;
-
     void take(std::span<const std::uint8_t> bytes);
 
     /// Ends the message; called once.
     Digest finish();
 
 private:
-    class Sha256;
-    std::uint32_t crc_;
-    std::unique_ptr<Sha256> sha_;
+    std::uint32_t crc_ = 0;
+    Sha256 sha_;
 };
 
 /// The digests of the effective bytes of `area`, which must lie in one of the parts.

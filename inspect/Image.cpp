@@ -5,7 +5,9 @@
 #include <charconv>
 
 #include "buffer/Overlap.hpp"
-#include "io/import/GenericInFile.hpp"
+#include "io/InFile.hpp"
+#include "io/field/FieldFormat.hpp"
+#include "io/field/FieldReading.hpp"
 
 namespace Inspect {
 
@@ -14,47 +16,19 @@ namespace {
 using Buffer::Area;
 using Buffer::AreaList;
 using Buffer::MemoryBuffer;
-using Io::Import::GenericInFile;
 
 /// A span up to this length is one image; its gaps cost a bit an address at most.
 constexpr std::uint64_t longestWhole = std::uint64_t{1} << 28U;
 /// A gap from here on divides a longer one.
 constexpr std::uint64_t dividingGap = std::uint64_t{1} << 20U;
 
-const char* nameOf(Io::Import::InFileType type) {
-    switch (type) {
-        case Io::Import::InFileType::IntelHex:
-            return "Intel HEX";
-        case Io::Import::InFileType::MotorolaS:
-            return "S-records";
-        case Io::Import::InFileType::RawBinary:
-            break;
-    }
-    return "raw bytes";
-}
-
-/// The areas joined where less than `dividingGap` lies between them.
-AreaList joined(AreaList areas) {
-    std::ranges::sort(areas, {}, &Area::start);
-    AreaList wide;
-    for (const Area& area : areas) {
-        if (wide.empty() || area.start > wide.back().end() + dividingGap) {
-            wide.push_back(area);
-        } else {
-            const std::uint64_t end = std::max(wide.back().end(), area.end());
-            wide.back().length = end - wide.back().start;
-        }
-    }
-    return wide;
-}
-
-Parts partsOf(GenericInFile& file) {
+Parts partsOf(Io::Import::TessaronImportApi& file) {
     Parts parts;
     if (file.getDataLength() <= longestWhole) {
         if (file.getDataLength() != 0) parts.push_back(file.takeMemory());
         return parts;
     }
-    for (const Area& area : joined(file.getDataAreas()))
+    for (const Area& area : joined(file.getDataAreas(), dividingGap))
         parts.push_back(file.getMemory(area.start, area.length));
     return parts;
 }
@@ -70,13 +44,35 @@ AreaList Image::areas() const {
     return all;
 }
 
-Image openImage(const std::string& path) {
-    GenericInFile file(path);
+AreaList joined(AreaList areas, std::uint64_t gap) {
+    std::ranges::sort(areas, {}, &Area::start);
+    AreaList wide;
+    for (const Area& area : areas) {
+        if (wide.empty() || area.start > wide.back().end() + gap) {
+            wide.push_back(area);
+        } else {
+            const std::uint64_t end = std::max(wide.back().end(), area.end());
+            wide.back().length = end - wide.back().start;
+        }
+    }
+    return wide;
+}
+
+std::string formatOf(const std::string& path) {
+    const Io::Field::FieldFormat format = Io::Field::fieldFormatOf(path, Io::openInput(path));
+    if (const auto* const records = std::get_if<Facts::RecordFormat>(&format))
+        return *records == Facts::RecordFormat::IntelHex ? "Intel HEX" : "S-records";
+    return std::holds_alternative<Io::Field::RawFormat>(format) ? "raw bytes" : "no image";
+}
+
+std::optional<Image> openImage(const std::string& path) {
+    const auto file = Io::Field::FieldReading().open(path);
+    if (file == nullptr) return std::nullopt;
     Image image;
     image.path = path;
-    image.format = nameOf(file.type());
-    if (file.hasStartAddress()) image.startAddress = file.getStartAddress();
-    image.parts = partsOf(file);
+    image.format = formatOf(path);
+    if (file->hasStartAddress()) image.startAddress = file->getStartAddress();
+    image.parts = partsOf(*file);
     return image;
 }
 

@@ -27,10 +27,19 @@ struct Image {
     Buffer::AreaList areas() const;
 };
 
-/// Reads a file of any format. What is odd about it is reported to the listener in force.
+/// Reads a file of any format, as files are in the field. What is odd about it is reported to the
+/// listener in force; nothing is returned for a damaged file.
 ///
 /// @throws Io::bad_open
-Image openImage(const std::string& path);
+std::optional<Image> openImage(const std::string& path);
+
+/// The format of a file's contents, in words: see `Image::format`.
+///
+/// @throws Io::bad_open
+std::string formatOf(const std::string& path);
+
+/// The areas in ascending order, joined where they overlap or less than `gap` lies between them.
+Buffer::AreaList joined(Buffer::AreaList areas, std::uint64_t gap);
 
 /// The number of addresses in `areas`.
 std::uint64_t byteCount(const Buffer::AreaList& areas);

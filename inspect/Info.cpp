@@ -74,14 +74,15 @@ std::string remarkText(const Remark& remark) {
 Info infoAbout(const std::string& path) {
     Info info;
     info.path = path;
-    const Image image = openImage(path);
-    info.format = image.format;
+    const auto image = openImage(path);
+    info.format = formatOf(path);
     info.fileSize = Io::openInput(path).size();
-    info.startAddress = image.startAddress;
-    info.records = countRecords(path, image.format);
-    const AreaList areas = image.areas();
-    for (const Area& area : areas) info.areas.push_back({area, digestOf(image.parts, area)});
-    info.digest = areas.size() == 1 ? info.areas.front().digest : digestOf(image.parts, areas);
+    info.records = countRecords(path, info.format);
+    if (!image) return info;
+    info.startAddress = image->startAddress;
+    const AreaList areas = image->areas();
+    for (const Area& area : areas) info.areas.push_back({area, digestOf(image->parts, area)});
+    info.digest = areas.size() == 1 ? info.areas.front().digest : digestOf(image->parts, areas);
     return info;
 }
 
@@ -97,7 +98,12 @@ std::string textOf(const Info& info, std::size_t width) {
         text += " (" + sizeText(bytes) + ") in " + countText(info.areas.size(), "area") + ", " +
                 rangeText({info.areas.front().area.start,
                            info.areas.back().area.end() - info.areas.front().area.start});
-    text += "\n  CRC-32    " + Util::hexWord(info.digest.crc32) + "\n  SHA-256   " +
+    text += "\n";
+    if (info.areas.empty()) {
+        for (const Remark& remark : info.remarks) text += remarkText(remark);
+        return text;
+    }
+    text += "  CRC-32    " + Util::hexWord(info.digest.crc32) + "\n  SHA-256   " +
             info.digest.sha256 + "\n";
     for (const Remark& remark : info.remarks) text += remarkText(remark);
     if (info.areas.empty()) return text;
@@ -140,8 +146,10 @@ std::string jsonOf(const std::vector<Info>& files) {
         }
         if (!gaps.empty()) gaps.pop_back();
         json["bytes"] = bytes;
-        json["crc32"] = Util::hexWord(info.digest.crc32);
-        json["sha256"] = info.digest.sha256;
+        if (bytes != 0) {
+            json["crc32"] = Util::hexWord(info.digest.crc32);
+            json["sha256"] = info.digest.sha256;
+        }
         json["areas"] = std::move(areas);
         json["gaps"] = toJson(gaps);
         json["remarks"] = Json::array();

@@ -42,7 +42,8 @@ struct Info {
     std::vector<Remark> remarks;
 };
 
-/// Reads a file and computes all but the remarks; what is odd goes to the listener in force.
+/// Reads a file and computes all but the remarks; what is odd goes to the listener in force. A
+/// damaged file has no areas.
 ///
 /// @throws Io::bad_open
 Info infoAbout(const std::string& path);

@@ -72,7 +72,7 @@ Json listOf(const Entries& entries, Convert convert) {
 
 std::string manifestOf(const RunRecord& record) {
     Json json{{"version", 1},
-              {"script", {{"path", record.scriptPath}, {"sha256", sha256Of(record.scriptText)}}}};
+              {"script", {{"path", record.scriptPath}, {"sha256", record.scriptSha256}}}};
     json["variables"] = Json::object();
     for (const auto& [name, value] : record.variables) json["variables"][name] = value;
     json["inputs"] = listOf(record.inputs, inputJson);

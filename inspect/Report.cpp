@@ -6,7 +6,6 @@
 #include <string_view>
 #include <utility>
 
-#include "inspect/Digest.hpp"
 #include "inspect/Json.hpp"
 #include "inspect/PageParts.hpp"
 #include "inspect/RunRecord.hpp"
@@ -167,7 +166,8 @@ private:
         add("</td>");
     }
     void addTable(const char* heads) {
-        add("<div class=\"wide\" tabindex=\"0\" role=\"group\" aria-label=\"table\"><table><thead><tr>");
+        add("<div class=\"wide\" tabindex=\"0\" role=\"group\" "
+            "aria-label=\"table\"><table><thead><tr>");
         add(heads);
         add("</tr></thead><tbody>\n");
     }
@@ -222,7 +222,7 @@ void Page::addHead() {
             countText(record_->images.size(), "image") + ", " +
             countText(record_->values.size(), "checksum") + ", " +
             countText(record_->outputs.size(), "output") + ". The script's SHA-256 is ");
-    add("<code class=\"dim\">" + sha256Of(record_->scriptText) + "</code>.</p>\n");
+    add("<code class=\"dim\">" + record_->scriptSha256 + "</code>.</p>\n");
     add("<nav aria-label=\"Sections\"><a href=\"#outputs\">Outputs</a><a href=\"#images\">Images"
         "</a><a href=\"#values\">Checksums</a><a href=\"#inputs\">Inputs</a><a href=\"#script\">"
         "Script</a></nav></header>\n<main>\n");
@@ -256,8 +256,9 @@ void Page::addOutputs() {
         add("<p>None.</p>\n");
         return;
     }
-    addTable("<th>File</th><th>Format</th><th class=\"n\">Bytes</th><th>Images</th><th>Written in"
-             "</th><th>SHA-256</th>");
+    addTable(
+        "<th>File</th><th>Format</th><th class=\"n\">Bytes</th><th>Images</th><th>Written in"
+        "</th><th>SHA-256</th>");
     for (const FileRecord& file : record_->outputs) {
         std::string images;
         for (const std::string& name : file.images) images += (images.empty() ? "" : ", ") + name;
@@ -289,8 +290,9 @@ void Page::addInputs() {
         add("<p>The script reads no file.</p>\n");
         return;
     }
-    addTable("<th>File</th><th>Format</th><th class=\"n\">Bytes</th><th>Data</th><th>Read in</th>"
-             "<th>SHA-256</th>");
+    addTable(
+        "<th>File</th><th>Format</th><th class=\"n\">Bytes</th><th>Data</th><th>Read in</th>"
+        "<th>SHA-256</th>");
     for (const FileRecord& file : record_->inputs) {
         add("<tr>");
         addCell(file.path);
@@ -320,8 +322,9 @@ void Page::addImage(std::size_t index) {
     const Area area = image.image->getArea();
     const std::string number = std::to_string(index);
     add("<section aria-labelledby=\"image-" + number + "\"><h3 id=\"image-" + number + "\">");
-    addText(image.name + ", " +
-            (area.length == 0 ? std::string("empty") : rangeText(area) + ", " + sizeText(area.length)));
+    addText(
+        image.name + ", " +
+        (area.length == 0 ? std::string("empty") : rangeText(area) + ", " + sizeText(area.length)));
     add("</h3>\n");
     if (area.length == 0) {
         add("</section>\n");
@@ -342,7 +345,8 @@ void Page::addImage(std::size_t index) {
     add("<label>Address <input id=\"go-" + number + "\" value=\"" + addressText(area.start) +
         "\" spellcheck=\"false\"></label><span class=\"dim\" id=\"view-" + number +
         "\"></span></div>\n<output id=\"at-" + number + "\"></output>\n");
-    addTable("<th>Addresses</th><th class=\"n\">Bytes</th><th>What</th><th>Made in</th><th>From</th>");
+    addTable(
+        "<th>Addresses</th><th class=\"n\">Bytes</th><th>What</th><th>Made in</th><th>From</th>");
     for (std::size_t i = 0; i < image.ranges.size() && i < mostRows; ++i)
         addRange(index, image.ranges[i]);
     endTable();
@@ -439,8 +443,8 @@ Json Page::imageJson(const ImageRecord& image, std::size_t most) {
     json["ranges"] = Json::array();
     json["origins"] = Json::array();
     json["lines"] = Json::array();
-    const std::size_t shown =
-        std::min(image.ranges.size(), mostRanges / std::max<std::size_t>(1, record_->images.size()));
+    const std::size_t shown = std::min(
+        image.ranges.size(), mostRanges / std::max<std::size_t>(1, record_->images.size()));
     hasAllRanges_ = hasAllRanges_ && shown == image.ranges.size();
     for (std::size_t i = 0; i < shown; ++i) {
         const OriginRange& range = image.ranges[i];
@@ -455,8 +459,7 @@ Json Page::imageJson(const ImageRecord& image, std::size_t most) {
             json["lines"].push_back(std::move(lines));
         }
         json["ranges"].push_back({range.area.start, range.area.length,
-                                  static_cast<unsigned>(range.kind),
-                                  json["origins"].size() - 1});
+                                  static_cast<unsigned>(range.kind), json["origins"].size() - 1});
     }
     bool isComplete = true;
     json["chunks"] = chunksOf(image, most, isComplete);

@@ -67,7 +67,8 @@ struct ValueRecord {
 /// All that went into a run and came out of it.
 struct RunRecord {
     std::string scriptPath;
-    std::string scriptText;  ///< as it was written
+    std::string scriptText;    ///< as it was written
+    std::string scriptSha256;  ///< of its file
     std::map<std::string, std::string> variables;
     std::vector<FileRecord> inputs;
     std::vector<ImageRecord> images;

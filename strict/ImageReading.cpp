@@ -19,8 +19,8 @@ const char* wordFor(Severity severity) {
 
 /// What `read` returns for the path, or nothing after a diagnostic.
 template <class Result>
-std::optional<Result> readWith(Result (*read)(const std::string&), const std::string& path,
-                               DiagnosticSink& sink) {
+std::optional<Result> readWith(std::optional<Result> (*read)(const std::string&),
+                               const std::string& path, DiagnosticSink& sink) {
     OutputSet files(OutputSet::Mode::Memory);
     RunListener listener(sink, [&files](std::string_view file) { return files.reasonFor(file); });
     const Facts::ListenerScope listening(listener);
@@ -40,7 +40,9 @@ std::optional<Inspect::Image> readImage(const std::string& path, DiagnosticSink&
 }
 
 std::optional<Inspect::Info> readInfo(const std::string& path, DiagnosticSink& sink) {
-    return readWith<Inspect::Info>(&Inspect::infoAbout, path, sink);
+    return readWith<Inspect::Info>(
+        [](const std::string& file) { return std::optional(Inspect::infoAbout(file)); }, path,
+        sink);
 }
 
 void RemarkList::take(const Diagnostic& diagnostic) {

@@ -35,7 +35,10 @@ public:
 };
 
 std::string count(std::uint64_t number, const std::string& what) {
-    return std::to_string(number) + " " + what + (number == 1 ? "" : what.ends_with('s') ? "es" : "s");
+    return std::to_string(number) + " " + what +
+           (number == 1           ? ""
+            : what.ends_with('s') ? "es"
+                                  : "s");
 }
 
 std::string range(const Area& area) {
@@ -119,6 +122,10 @@ OriginMap Provenance::originsIn(const TessaronImportApi& reader) {
 
 void Provenance::onRead(const TessaronImportApi& reader, const Area& range) {
     const OriginMap all = originsIn(reader);
+    AreaList areas;
+    for (const auto& [start, entry] : all.ranges()) areas.push_back(entry.area);
+    inputs_.push_back({making_->fileName(), making_->isRawFile(), std::move(areas),
+                       listener_->statementPlace().line});
     if (making_->areas().empty()) current_.written.lay(all, range);
     for (const Area& area : making_->areas())
         if (const auto part = area.clippedTo(range)) current_.written.lay(all, *part);
@@ -215,13 +222,14 @@ void Provenance::reportOverlaps(const MemoryBuffer& image, const std::string& na
         const bool isConflict = overlap.differences != 0;
         const std::uint64_t address = isConflict ? overlap.firstDifference : overlap.area.start;
         const std::string where = count(overlap.area.length, "byte") + " " + range(overlap.area);
-        std::vector<Note> notes{originNote("the earlier byte comes from", current_.written, address),
-                                originNote("the later byte comes from", source->second.written, address)};
+        std::vector<Note> notes{
+            originNote("the earlier byte comes from", current_.written, address),
+            originNote("the later byte comes from", source->second.written, address)};
         listener_->reportName(
             isConflict ? "conflict" : "overlap", name,
             isConflict ? name + " replaces " + where + " of the images before it, " +
-                             std::to_string(overlap.differences) + " of them by other bytes: " +
-                             firstDifferences(image, part, overlap)
+                             std::to_string(overlap.differences) +
+                             " of them by other bytes: " + firstDifferences(image, part, overlap)
                        : name + " has the same " + where + " as the images before it",
             "-onOverlap= says which byte counts", std::move(notes));
     }
@@ -230,20 +238,20 @@ void Provenance::reportOverlaps(const MemoryBuffer& image, const std::string& na
             std::ranges::any_of(found, [](const Overlap& o) { return o.differences != 0; })
                 ? "conflict"
                 : "overlap",
-            name, name + " overlaps in " + count(found.size() - mostReported, "more range"), "", {});
+            name, name + " overlaps in " + count(found.size() - mostReported, "more range"), "",
+            {});
 }
 
 void Provenance::reportWiped(const MemoryBuffer& image, const std::string& name,
                              const MemoryBuffer& part) const {
     const AreaList wiped = Buffer::wipedAreas(image, part);
     if (wiped.empty()) return;
-    listener_->reportName("wiped", name,
-                          "addresses that " + name + " did not write replace " +
-                              count(lengthOf(wiped), "byte") + " of the images before it: " +
-                              list(wiped),
-                          "-onOverlap=Last lets only written addresses take part",
-                          {originNote("the first of them comes from", current_.written,
-                                      wiped.front().start)});
+    listener_->reportName(
+        "wiped", name,
+        "addresses that " + name + " did not write replace " + count(lengthOf(wiped), "byte") +
+            " of the images before it: " + list(wiped),
+        "-onOverlap=Last lets only written addresses take part",
+        {originNote("the first of them comes from", current_.written, wiped.front().start)});
 }
 
 void Provenance::onWrite(const MemoryBuffer& /*image*/, const Area& area) {
@@ -273,16 +281,16 @@ void Provenance::checkCovered(const CmdNewValue& statement, const CmdContext& co
         AreaList gaps;
         for (const Area& area : areas) {
             if (!image->second.getArea().contains(area)) continue;
-            const AreaList found = uncovered(area, origins->second.written, origins->second.fillers);
+            const AreaList found =
+                uncovered(area, origins->second.written, origins->second.fillers);
             gaps.insert(gaps.end(), found.begin(), found.end());
         }
         if (gaps.empty()) continue;
-        listener_->reportName("unwritten", name,
-                              "nothing gave a byte to " + count(lengthOf(gaps), "address") +
-                                  " that are covered: " + list(gaps),
-                              "lay a filler under them: FILL_BUFFER " + name +
-                                  " WITH_FILLER { 0xFF }",
-                              {});
+        listener_->reportName(
+            "unwritten", name,
+            "nothing gave a byte to " + count(lengthOf(gaps), "address") +
+                " that are covered: " + list(gaps),
+            "lay a filler under them: FILL_BUFFER " + name + " WITH_FILLER { 0xFF }", {});
     }
 }
 

@@ -22,7 +22,7 @@ class Provenance final : public Parser::WrapperLib::ImageObserver {
 public:
     /// What gave bytes to images: lines of an input file, or a statement by itself.
     struct Source {
-        std::string file;  ///< as the script names it; empty for a statement
+        std::string file;             ///< as the script names it; empty for a statement
         std::uint64_t firstLine = 0;  ///< 0 in a file without lines
         std::uint64_t lastLine = 0;
         Place statement;
@@ -31,8 +31,16 @@ public:
     /// The origins of one image.
     struct Image {
         OriginMap written;
-        OriginMap fillers;  ///< what FILL_BUFFER WITH_FILLER laid
+        OriginMap fillers;                          ///< what FILL_BUFFER WITH_FILLER laid
         std::optional<std::uint64_t> startAddress;  ///< that its input file names
+    };
+
+    /// A file that became a part of an image.
+    struct Input {
+        std::string file;  ///< as the script names it
+        bool isRaw;        ///< taken byte for byte, whatever its format
+        Buffer::AreaList areas;
+        std::size_t line;  ///< of the statement
     };
 
     /// @param reading  reads an input file once more, if a line of it is to be named
@@ -48,6 +56,7 @@ public:
 
     const std::map<std::string, Image>& images() const { return images_; }
     const std::vector<Source>& sources() const { return sources_; }
+    const std::vector<Input>& inputs() const { return inputs_; }
 
     void onRead(const Io::Import::TessaronImportApi& reader, const Buffer::Area& range) override;
     void onOverlay(const Buffer::MemoryBuffer& image, const std::string& name,
@@ -71,11 +80,12 @@ private:
     RunListener* listener_;
     const Io::Import::InputReading* reading_;
     const Parser::WrapperLib::CmdNewBuffer* making_ = nullptr;
-    std::string filling_;  ///< the image of the FILL_BUFFER that runs
+    std::string filling_;                   ///< the image of the FILL_BUFFER that runs
     std::optional<std::size_t> statement_;  ///< the source that the statement is, once needed
-    Image current_;        ///< the image that is being made
+    Image current_;                         ///< the image that is being made
     std::map<std::string, Image> images_;
     std::vector<Source> sources_;
+    std::vector<Input> inputs_;
 };
 
 }  // namespace Strict

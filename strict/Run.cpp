@@ -20,9 +20,12 @@
 #include "strict/Audit.hpp"
 #include "strict/Comparison.hpp"
 #include "strict/DependencyFile.hpp"
+#include "strict/ImageReading.hpp"
 #include "strict/OutputSet.hpp"
+#include "strict/Proof.hpp"
 #include "strict/Provenance.hpp"
 #include "strict/RunListener.hpp"
+#include "strict/RunRecording.hpp"
 #include "strict/ScriptCheck.hpp"
 #include "strict/ScriptText.hpp"
 #include "strict/Suggestion.hpp"
@@ -198,24 +201,23 @@ public:
           listener_(
               script, printer, printed_,
               [&files](std::string_view path) { return files.reasonFor(path); },
-              [&check](std::string_view name) { return check.isMade(name); }) {}
+              [&check](std::string_view name) { return check.isMade(name); }),
+          provenance_(listener_, reading_) {
+        context_.reading = &reading_;
+        context_.observer = &provenance_;
+    }
 
     bool run(Parser::ScriptSyntax& syntax, const std::vector<ScriptCheck::Range>& ranges) {
         const Facts::ListenerScope listening(listener_);
         const Io::HostScope hosting(*files_);
-        const Io::Field::FieldReading reading;
-        Parser::WrapperLib::CmdContext context;
-        context.reading = &reading;
-        Provenance provenance(listener_, reading);
-        context.observer = &provenance;
         const auto& commands = syntax.state().statement.commands();
         for (std::size_t i = 0; i < commands.size(); ++i) {
             const std::size_t before = printer_->errors();
             listener_.enter(ranges[i].first, ranges[i].last);
-            provenance.enter(*commands[i]);
-            auditBefore(*commands[i], context, provenance, listener_);
+            provenance_.enter(*commands[i]);
+            auditBefore(*commands[i], context_, provenance_, listener_);
             const bool isDone =
-                printer_->errors() == before ? commands[i]->execute(context) : false;
+                printer_->errors() == before ? commands[i]->execute(context_) : false;
             const bool isGood = isDone && printer_->errors() == before;
             if (!isGood && !options_->keepsGoing) return false;
         }
@@ -225,12 +227,18 @@ public:
     /// Whether all that the statements printed has arrived.
     bool isPrinted() const { return !printed_.hasLostOutput(); }
 
+    const Parser::WrapperLib::CmdContext& context() const { return context_; }
+    const Provenance& provenance() const { return provenance_; }
+
 private:
     const RunOptions* options_;
     Printer* printer_;
     OutputSet* files_;
     Classic::ClassicWords printed_;
     RunListener listener_;
+    Io::Field::FieldReading reading_;
+    Provenance provenance_;
+    Parser::WrapperLib::CmdContext context_;
 };
 
 /// A program that was called needed the outputs before the run failed.
@@ -244,6 +252,24 @@ void noteOutputsInPlace(const OutputSet& files, DiagnosticSink& sink) {
                std::nullopt,
                "",
                {}});
+}
+
+bool needsRecord(const RunOptions& options) {
+    return options.comparesDisk || !options.manifest.empty() || !options.report.empty();
+}
+
+/// Compares the record with what is on disk, or adds it to the outputs. False if anything differs.
+bool useRecord(const RunOptions& options, const Inspect::RunRecord& record, OutputSet& files,
+               DiagnosticSink& sink) {
+    if (options.isCheck) {
+        const bool isAsListed =
+            options.manifest.empty() || compareWithManifest(options.manifest, record, sink);
+        return (!options.comparesDisk || compareWithDisk(files, record, sink)) && isAsListed;
+    }
+    if (!options.manifest.empty())
+        addFile(files, options.manifest, Inspect::manifestOf(record), sink);
+    if (!options.report.empty()) addFile(files, options.report, Inspect::reportOf(record), sink);
+    return true;
 }
 
 }  // namespace
@@ -263,6 +289,11 @@ ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) 
     if (printer.errors() != 0 && !options.keepsGoing) return ExitCode::Failed;
 
     OutputSet files(options.isCheck ? OutputSet::Mode::Memory : OutputSet::Mode::Disk);
+    RemarkList remarks(printer.policy());
+    if (needsRecord(options)) {
+        files.keepDigests();
+        printer.copyTo(remarks);
+    }
     Execution execution(options, *script, check, printer, output, files);
     execution.run(syntax, check.statements());
     if (!execution.isPrinted())
@@ -276,7 +307,18 @@ ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) 
         noteOutputsInPlace(files, printer);
         return ExitCode::Failed;
     }
-    if (options.comparesDisk && !compareWithDisk(files, printer)) return ExitCode::Failed;
+    if (needsRecord(options)) {
+        const Ran ran{&options,
+                      script.get(),
+                      &syntax.state().statement.commands(),
+                      &check.statements(),
+                      &execution.context(),
+                      &execution.provenance(),
+                      &files};
+        Inspect::RunRecord record = recordOf(ran, !options.report.empty());
+        record.remarks = std::move(remarks.remarks);
+        if (!useRecord(options, record, files, printer)) return ExitCode::Failed;
+    }
     if (!options.dependencyFile.empty() && !options.isCheck)
         writeDependencyFile(options, files, printer);
     commit(files, printer);

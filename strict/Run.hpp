@@ -18,6 +18,8 @@ struct RunOptions {
     bool comparesDisk = false;   ///< with `isCheck`: compares the outputs with the files on disk
     bool keepsGoing = false;     ///< goes on after a statement that failed
     std::string dependencyFile;  ///< empty for none
+    std::string manifest;        ///< a file to write, or with `isCheck` to compare with
+    std::string report;          ///< a page to write; empty for none
 };
 
 /// Exit codes of the program.

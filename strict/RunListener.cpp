@@ -169,9 +169,9 @@ void RunListener::reportName(const char* kind, std::string_view name, std::strin
                              std::string hint, std::vector<Note> notes) {
     const std::string_view statement = script_->prepared().substr(first_, last_ - first_);
     const std::string_view part = trimmed(Arguments(statement).image(name));
-    Diagnostic diagnostic{Severity::Error,        kind,
-                          std::move(text),        script_->placeOf(part),
-                          std::move(hint),        script_->variableNotes(part)};
+    Diagnostic diagnostic{Severity::Error, kind,
+                          std::move(text), script_->placeOf(part),
+                          std::move(hint), script_->variableNotes(part)};
     diagnostic.notes.insert(diagnostic.notes.end(), notes.begin(), notes.end());
     sink_->take(diagnostic);
 }
@@ -204,8 +204,8 @@ void RunListener::reportField(const FieldFact& fact) {
         place.caretLength = 1;
     }
     if (script_ == nullptr) {
-        sink_->take({Severity::Error, words.kind, std::move(words.text), place,
-                     std::move(words.hint), {}});
+        sink_->take(
+            {Severity::Error, words.kind, std::move(words.text), place, std::move(words.hint), {}});
         return;
     }
     const std::string_view statement = script_->prepared().substr(first_, last_ - first_);

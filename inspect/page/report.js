@@ -97,7 +97,8 @@
     zoom(factor, address) {
       const part = (address - this.from) / this.span;
       const span = Math.ceil(this.span * factor);
-      this.show(Math.floor(address - part * span), span);
+      // Rounded so that the address stays in view.
+      this.show(Math.ceil(address - part * span), span);
     }
     press(event) {
       const step = event.shiftKey ? 1 : Math.max(1, Math.floor(this.span / 100));

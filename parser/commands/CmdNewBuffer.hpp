@@ -42,6 +42,7 @@ public:
 
     const std::string& bufferName() const { return bufferName_; }
     BufferSourceKind sourceKind() const { return sourceKind_; }
+    bool isRawFile() const { return isRawFile_; }
     const std::string& fileName() const { return fileName_; }
     const AreaList& areas() const { return areas_; }
     Buffer::OverlapRule overlapRule() const { return overlapRule_; }

@@ -30,6 +30,7 @@ public:
     /// @param type  a row of a table that outlives the statement
     void setType(const ValueType& type) { type_ = &type; }
 
+    const std::string& name() const { return name_; }
     const std::vector<std::string>& fromBuffers() const { return fromBuffers_; }
     const AreaList& areas() const { return areas_; }
 

@@ -37,6 +37,8 @@ def write(path, image, *options):
         name = "%s-%x.bin" % (path, address)
         pathlib.Path(name).write_bytes(data)
         arguments += [name, "-binary", "-offset", hex(address)]
+    if "-execution-start-address" not in options:
+        options = ("-execution-start-address", "0")
     srec_cat(*arguments, *options, "-o", path, "-intel" if path.endswith("hex") else "-motorola")
 
 
@@ -139,7 +141,7 @@ class Inspection(unittest.TestCase):
         self.assertNotEqual(colored, re.sub("\033\\[[0-9;]*m", "", colored))
         most = tessaron("diff", "a.hex", "b.s19", "--max-lines", "5", code=1).splitlines()
         every = tessaron("diff", "a.hex", "b.s19", "--max-lines", "0", code=1).splitlines()
-        head = 3
+        head = 3  # the files and the sum
         rest = int(re.match(r"\.\.\. and (\d+) more lines", most[-1])[1])
         self.assertEqual(len(most) - 1, head + 5)
         self.assertEqual(len(every), head + 5 + rest)
