@@ -4,7 +4,6 @@
 
 #include "util/BigEndian.hpp"
 #include "util/Hex.hpp"
-#include "util/crc/GenericCrc.hpp"
 
 namespace Io {
 
@@ -14,12 +13,6 @@ constexpr std::uint64_t paragraph = 16;
 constexpr std::uint64_t page = 65536;
 
 }  // namespace
-
-std::uint8_t IntelRecord::computedChecksum() const {
-    using Util::Crc::GenericCrc::crc8TwosComplementSum;
-    // Field by field: a sum across fields would stall on store forwarding.
-    return crc8TwosComplementSum(data(), crc8TwosComplementSum(bytes.first(headSize), 0));
-}
 
 std::uint64_t IntelRecord::base() const {
     const bool isSegment = type() == IntelRecordType::ExtendedSegmentAddress;

@@ -5,6 +5,8 @@
 #include <optional>
 #include <span>
 
+#include "util/crc/GenericCrc.hpp"
+
 /// The records of Intel HEX, as reader and writer both know them.
 namespace Io {
 
@@ -62,7 +64,11 @@ struct IntelRecord {
     std::span<const std::uint8_t> data() const { return bytes.subspan(headSize); }
 
     /// The checksum that the bytes give.
-    std::uint8_t computedChecksum() const;
+    std::uint8_t computedChecksum() const {
+        using Util::Crc::GenericCrc::crc8TwosComplementSum;
+        // Field by field: a sum across fields would stall on store forwarding.
+        return crc8TwosComplementSum(data(), crc8TwosComplementSum(bytes.first(headSize), 0));
+    }
 
     /// The base address that an extended address record sets.
     std::uint64_t base() const;

@@ -3,16 +3,8 @@
 #include <string_view>
 
 #include "util/Hex.hpp"
-#include "util/crc/GenericCrc.hpp"
 
 namespace Io {
-
-std::uint8_t SRecord::computedChecksum() const {
-    using Util::Crc::GenericCrc::crc8OnesComplementSum;
-    // Field by field: a sum across fields would stall on store forwarding.
-    const std::uint8_t ofCount = crc8OnesComplementSum(bytes.first(1), 0xFF);
-    return crc8OnesComplementSum(data(), crc8OnesComplementSum(address(), ofCount));
-}
 
 char* writeSRecord(char* out, SRecordType type, std::span<const std::uint8_t> address,
                    std::span<const std::uint8_t> data) {

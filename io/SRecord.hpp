@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <span>
 
+#include "util/crc/GenericCrc.hpp"
+
 /// The records of the S-record format, as reader and writer both know them.
 namespace Io {
 
@@ -47,7 +49,12 @@ struct SRecord {
     std::uint8_t checksum() const { return bytes.back(); }
 
     /// The checksum that the bytes before it give.
-    std::uint8_t computedChecksum() const;
+    std::uint8_t computedChecksum() const {
+        using Util::Crc::GenericCrc::crc8OnesComplementSum;
+        // Field by field: a sum across fields would stall on store forwarding.
+        const std::uint8_t ofCount = crc8OnesComplementSum(bytes.first(1), 0xFF);
+        return crc8OnesComplementSum(data(), crc8OnesComplementSum(address(), ofCount));
+    }
 };
 
 /// Characters of a record with so many bytes of address and data, line feed included.

@@ -47,6 +47,10 @@ public:
     /// The current line is the last one.
     bool isLast() const { return isTextRead_ && next_ == end_; }
 
+    /// There may be carriage returns in the current line. Known only if the text ends with the
+    /// file.
+    bool mayHaveReturns() const { return mayHaveReturns_; }
+
     /// Makes line `number`, which begins at byte `position` of the file, the next one.
     void moveTo(std::uint64_t position, std::uint64_t number);
 
@@ -62,6 +66,7 @@ private:
 
     Platform::InputFile file_;
     bool endsAtMark_;
+    bool mayHaveReturns_ = false;  ///< one was in what has been read
     Platform::PageBlock piece_;
     std::uint64_t pieceStart_ = 0;  ///< position of the piece in the file
     std::size_t lineBegin_ = 0;     ///< of the current line, in the piece

@@ -7,6 +7,7 @@
 #include "parser/commands/CmdFillBuffer.hpp"
 #include "parser/commands/CmdNewValue.hpp"
 #include "parser/commands/CmdPrintBuffer.hpp"
+#include "strict/Arithmetic.hpp"
 
 namespace Strict {
 
@@ -14,10 +15,22 @@ namespace {
 
 using namespace Parser::WrapperLib;
 
+/// "(0x100 to 0x1ff)"
+std::string addresses(const Area& image) {
+    if (image.length == 0) return "(no addresses)";
+    std::string text = "(";
+    text += hexadecimal(image.start) + " to " + hexadecimal(image.end() - 1) + ")";
+    return text;
+}
+
 void checkAreas(const AreaList& areas, const std::vector<std::string>& names,
                 const CmdContext& context, RunListener& listener) {
     std::string images;
-    for (const std::string& name : names) images += (images.empty() ? "" : " or ") + name;
+    for (const std::string& name : names) {
+        const auto image = context.buffers.find(name);
+        images += (images.empty() ? "" : " or ") + name;
+        if (image != context.buffers.end()) images += " " + addresses(image->second.getArea());
+    }
     for (const Area& area : areas) {
         const auto holds = [&](const std::string& name) {
             const auto image = context.buffers.find(name);

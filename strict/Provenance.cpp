@@ -194,7 +194,7 @@ std::uint64_t Provenance::lineOf(const Source& source, std::uint64_t address) co
     Deaf deaf;
     const Facts::ListenerScope listening(deaf);
     try {
-        const auto reader = reading_->open(source.file);
+        const auto reader = reading_->open(source.file, OverlapRule::Last);
         return reader ? reader->findLine(address) : 0;
     } catch (const std::exception&) {
         return 0;

@@ -1,6 +1,7 @@
 #include "strict/RunListener.hpp"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -112,6 +113,13 @@ std::string outcome(int status) {
     if (status == notFound) return " was not found";
     if (status == notRunnable) return " cannot be run";
     return " ended with code " + std::to_string(status);
+}
+
+std::string wordsFor(CrcParameter parameter) {
+    constexpr std::array names{"", "polynomial", "initial value", "final xor"};
+    if (parameter == CrcParameter::Width) return "the width is not 1 to 32 bits";
+    return std::string("the ") + names.at(static_cast<std::size_t>(parameter)) +
+           " has more bits than the width";
 }
 
 /// The system's words for a path that leads nowhere.
@@ -285,19 +293,12 @@ void RunListener::hear(const Fact& fact) {
                            " on leave the image, which ends before " + hexadecimal(f.imageEnd),
                        anyArea);
             },
-            [&](const ReadRangeOutside& f) {
-                report("outside",
-                       "the area " + areaText(f.start, f.end - f.start) +
-                           " begins below the data of the file, which has " +
-                           rangeText(f.dataStart, f.dataEnd) + "; nothing of it is read",
-                       anyArea, "use -useBufferRange={start, length} to crop a file");
-            },
             // What the classic readers report.
-            [&](const TextFileEmpty&) {}, [&](const LastLineMismatched&) {},
-            [&](const RecordContradictory&) {}, [&](const LineNotARecord&) {},
-            [&](const LinePassedOver&) {}, [&](const LinesPassedOver&) {},
-            [&](const RecordCountTooLow&) {}, [&](const DataSpanTooLong&) {},
-            [&](const FieldFact& f) { reportField(f); },
+            [&](const ReadRangeOutside&) {}, [&](const TextFileEmpty&) {},
+            [&](const LastLineMismatched&) {}, [&](const RecordContradictory&) {},
+            [&](const LineNotARecord&) {}, [&](const LinePassedOver&) {},
+            [&](const LinesPassedOver&) {}, [&](const RecordCountTooLow&) {},
+            [&](const DataSpanTooLong&) {}, [&](const FieldFact& f) { reportField(f); },
             [&](const RawFileTooLong& f) {
                 report("outside", "the file has more than " + hexadecimal(f.mostBytes) + " bytes",
                        inputFile);
@@ -335,6 +336,13 @@ void RunListener::hear(const Fact& fact) {
                        "the images have more than " + hexadecimal(f.mostBytes) + " bytes together",
                        outputFile);
             },
+            [&](const GapsNotExpressible& f) {
+                report(
+                    "outside",
+                    std::string(f.format) + " has no addresses, so it cannot skip unwritten ones",
+                    {"SetSkipUnwritten -> "},
+                    "choose a format with addresses, or leave the option out");
+            },
             [&](const FileWriteIncomplete& f) {
                 const std::string reason = reason_(f.file);
                 report("short-write",
@@ -355,6 +363,15 @@ void RunListener::hear(const Fact& fact) {
             [&](const OverlapRefused& f) { reportOverlap(f); },
             [&](const StatementExhausted&) {
                 report("out-of-memory", "there is not enough memory for this statement", {});
+            },
+            [&](const CrcParameterRefused& f) {
+                report("crc-parameter", wordsFor(f.parameter), {"SetCrc_Custom -> "});
+            },
+            [&](const WordIncomplete& f) {
+                report("word-size",
+                       "the data has " + std::to_string(f.length) +
+                           " bytes, which is no multiple of " + std::to_string(f.wordSize),
+                       {"SetWordSize -> "});
             },
             [&](const FileNotOpened& f) { reportOpen(f.file); },
             [&](const FileNotWritten& f) {

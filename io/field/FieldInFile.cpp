@@ -6,8 +6,8 @@
 
 #include "facts/Listener.hpp"
 #include "io/field/IntelHexFieldParser.hpp"
-#include "io/field/OverlapSearch.hpp"
 #include "io/field/SRecordFieldParser.hpp"
+#include "io/import/OverlapSearch.hpp"
 
 namespace Io::Field {
 
@@ -23,12 +23,12 @@ std::unique_ptr<FieldParser> makeParser(const std::string& path, Facts::RecordFo
 }  // namespace
 
 FieldInFile::FieldInFile(const std::string& path, Platform::InputFile file,
-                         Facts::RecordFormat format)
+                         Facts::RecordFormat format, Buffer::OverlapRule rule)
     : TextInFile(path), parser_(makeParser(path, format, file.size())) {
     FieldLines lines(std::move(file));
     parser_->parse(lines);
     close(lines.textLines());
-    if (bytes().hasOverlaps()) reportOverlaps();
+    if (rule == Buffer::OverlapRule::NotSet && bytes().hasOverlaps()) reportOverlaps();
 }
 
 Buffer::MemoryBuffer FieldInFile::getMemory(std::uint64_t start, std::uint64_t length) const {
@@ -37,16 +37,16 @@ Buffer::MemoryBuffer FieldInFile::getMemory(std::uint64_t start, std::uint64_t l
 }
 
 void FieldInFile::reportOverlaps() const {
-    const OverlapSearch search(bytes(), FieldReports::mostListed);
+    const Import::OverlapSearch search(bytes(), FieldReports::mostListed);
     std::vector<std::size_t> offsets;
     for (const auto* found : {&search.different(), &search.equal()})
-        for (const Overlap& overlap : found->kept)
+        for (const Import::RecordOverlap& overlap : found->kept)
             for (const std::size_t offset : {overlap.earlier, overlap.later})
                 offsets.push_back(offset + overlap.difference.value_or(0));
     const std::vector<std::uint64_t> lines = linesOf(offsets);
     auto line = lines.begin();
     const auto byteAt = [this](std::size_t offset) { return bytes().bytesOf({{0, 1}, offset})[0]; };
-    for (const Overlap& overlap : search.different().kept) {
+    for (const Import::RecordOverlap& overlap : search.different().kept) {
         const std::size_t at = overlap.difference.value_or(0);
         const std::uint64_t earlierLine = *line++;
         const std::uint64_t laterLine = *line++;
@@ -54,7 +54,7 @@ void FieldInFile::reportOverlaps() const {
                                              overlap.area.start + at, byteAt(overlap.earlier + at),
                                              earlierLine, byteAt(overlap.later + at), laterLine});
     }
-    for (const Overlap& overlap : search.equal().kept) {
+    for (const Import::RecordOverlap& overlap : search.equal().kept) {
         const std::uint64_t earlierLine = *line++;
         const std::uint64_t laterLine = *line++;
         Facts::report(Facts::RecordsOverlap{fileName_, overlap.area.start, overlap.area.end(),

@@ -8,6 +8,7 @@
 #include "facts/FieldFacts.hpp"
 #include "io/InFile.hpp"
 #include "io/field/FieldParser.hpp"
+#include "io/import/OverlapSearch.hpp"
 #include "io/import/TessaronImportApi.hpp"
 
 namespace Io::Field {
@@ -17,8 +18,10 @@ namespace Io::Field {
 class FieldInFile final : public TextInFile, public Import::TessaronImportApi {
 public:
     /// @param file  the open file `path`
+    /// @param rule  overlaps are reported unless it is set
     /// @throws Io::bad_open  if the file has changed since it was opened
-    FieldInFile(const std::string& path, Platform::InputFile file, Facts::RecordFormat format);
+    FieldInFile(const std::string& path, Platform::InputFile file, Facts::RecordFormat format,
+                Buffer::OverlapRule rule);
 
     /// A line is damaged, so that the file has no data.
     bool isDamaged() const { return parser_->isDamaged(); }
@@ -38,6 +41,11 @@ public:
     void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const override {
         bytes().fillMemoryBuffer(buffer);
     }
+
+    std::optional<Buffer::Overlap> findOverlap(bool isDifferent) const override {
+        return Import::findOverlap(bytes(), isDifferent);
+    }
+    void preferFirst() override { parser_->data().bytes().preferFirst(); }
 
     /// They stay when the image is taken.
     std::vector<Import::SourceRun> getSourceRuns() const override {

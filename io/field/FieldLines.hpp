@@ -21,7 +21,7 @@ public:
             rest_ = lines_.line();
         }
         ++number_;
-        const std::size_t end = rest_.find('\r');
+        const std::size_t end = lines_.mayHaveReturns() ? rest_.find('\r') : std::string_view::npos;
         line_ = rest_.substr(0, end);
         endsWithReturn_ = end != std::string_view::npos;
         rest_ = endsWithReturn_ ? rest_.substr(end + 1) : std::string_view();

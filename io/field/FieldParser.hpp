@@ -43,10 +43,16 @@ protected:
     /// Takes a line that is neither a record nor a remark. False if it is no part of the format.
     virtual bool takeOther(std::string_view /*line*/) { return false; }
 
-    /// The bytes of a record whose digits begin at `digitsAt`. Its first byte is `uncounted` less
-    /// than the number of them all. Empty, after a report, if the digits are no such record.
-    std::span<const std::uint8_t> bytesOf(std::string_view line, std::size_t digitsAt,
-                                          std::size_t uncounted);
+    /// Where the digits of a record begin, how many bytes its count leaves out, and how many are in
+    /// front of its data.
+    struct Frame {
+        std::size_t digitsAt;
+        std::size_t uncounted;
+        std::size_t headSize;
+    };
+
+    /// The bytes of a record. Empty, after a report, if the digits are none.
+    std::span<const std::uint8_t> bytesOf(std::string_view line, const Frame& frame);
 
     void damage(Facts::RecordFault fault, std::uint64_t found = 0, std::uint64_t expected = 0) {
         reports_.damage(number_, line_, fault, found, expected);
@@ -54,7 +60,12 @@ protected:
     void tolerate(Facts::Tolerance tolerance) { reports_.tolerate(tolerance, number_); }
 
     /// Keeps the data of the current line, or reports that it comes after the end record.
-    void store(std::uint64_t address, std::span<const std::uint8_t> bytes);
+    void store(std::uint64_t address, std::span<const std::uint8_t> bytes) {
+        if (!bytes.empty() && !isEnded_ && !isDamaged())
+            data_.append(address, bytes, number_);
+        else
+            refuse(bytes.size());
+    }
     void setStartAddress(std::uint64_t address) { startAddress_ = address; }
 
     /// The current line is a record without data.
@@ -71,10 +82,11 @@ protected:
 private:
     static constexpr std::size_t mostBytes = 260;  ///< of a record
 
+    void refuse(std::size_t size);
     void takeLine(std::string_view line);
     std::string_view trimmed(std::string_view line);
     void takeText(std::string_view text);
-    void explainDigits(std::string_view line, std::size_t digitsAt, std::size_t uncounted);
+    void explainDigits(std::string_view line, const Frame& frame);
 
     FieldReports reports_;
     FieldData data_;

@@ -10,7 +10,8 @@
 
 namespace Io::Field {
 
-std::unique_ptr<Import::TessaronImportApi> FieldReading::open(const std::string& path) const {
+std::unique_ptr<Import::TessaronImportApi> FieldReading::open(const std::string& path,
+                                                              Buffer::OverlapRule rule) const {
     Platform::InputFile file = openInput(path);
     const FieldFormat format = fieldFormatOf(path, file);
     if (const auto* foreign = std::get_if<Facts::ForeignFormat>(&format)) {
@@ -19,7 +20,7 @@ std::unique_ptr<Import::TessaronImportApi> FieldReading::open(const std::string&
     }
     const auto* records = std::get_if<Facts::RecordFormat>(&format);
     if (records == nullptr) return std::make_unique<Import::RawBinaryInFile>(path, std::move(file));
-    auto reader = std::make_unique<FieldInFile>(path, std::move(file), *records);
+    auto reader = std::make_unique<FieldInFile>(path, std::move(file), *records, rule);
     if (reader->isDamaged()) return nullptr;
     return reader;
 }

@@ -13,7 +13,8 @@ namespace Io::Field {
 /// for a damaged file and for one of a format that is recognised and not read.
 class FieldReading final : public Import::InputReading {
 public:
-    std::unique_ptr<Import::TessaronImportApi> open(const std::string& path) const override;
+    std::unique_ptr<Import::TessaronImportApi> open(const std::string& path,
+                                                    Buffer::OverlapRule rule) const override;
 };
 
 }  // namespace Io::Field

@@ -1,5 +1,7 @@
 #include "io/field/IntelHexFieldParser.hpp"
 
+#include <algorithm>
+
 #include "util/Hex.hpp"
 
 namespace Io::Field {
@@ -17,24 +19,35 @@ std::size_t IntelHexFieldParser::dataSizeOf(std::string_view line) const {
 
 bool IntelHexFieldParser::takeRecord(std::string_view line) {
     if (line.front() != ':') return false;
-    const auto bytes = bytesOf(line, 1, IntelRecord::frameSize);
+    const auto bytes = bytesOf(line, {1, IntelRecord::frameSize, IntelRecord::headSize});
     if (bytes.empty()) return true;
     const IntelRecord record{bytes.first(bytes.size() - 1), bytes.back()};
-    if (isSound(record)) use(record);
+    const std::uint8_t checksum = record.computedChecksum();
+    if (checksum != record.checksum)
+        damage(RecordFault::Checksum, record.checksum, checksum);
+    else if (record.type() == IntelRecordType::Data)
+        useData(record);
+    else if (isSound(record))
+        use(record);
     return true;
 }
 
+void IntelHexFieldParser::useData(const IntelRecord& record) {
+    constexpr std::uint32_t segmentSize = 0x10000;
+    if (isSegment_ && record.address() + record.length() > segmentSize)
+        tolerate(Tolerance::SegmentBorder);
+    store(base_ + record.address(), record.data());
+}
+
+/// The fields of a record that is not a data record are as its type wants them.
 bool IntelHexFieldParser::isSound(const IntelRecord& record) {
-    const std::uint8_t checksum = record.computedChecksum();
     const IntelRecordType type = record.type();
     const auto size = intelDataSize(type);
-    if (checksum != record.checksum)
-        damage(RecordFault::Checksum, record.checksum, checksum);
-    else if (type == IntelRecordType::Unknown)
+    if (!size)
         damage(RecordFault::Type, record.bytes[3]);
-    else if (size && record.length() != *size)
+    else if (record.length() != *size)
         damage(RecordFault::DataSize, record.length(), *size);
-    else if (size && *size != 0 && record.address() != 0)
+    else if (type != IntelRecordType::EndOfFile && record.address() != 0)
         damage(RecordFault::Address, record.address());
     else
         return true;
@@ -42,13 +55,7 @@ bool IntelHexFieldParser::isSound(const IntelRecord& record) {
 }
 
 void IntelHexFieldParser::use(const IntelRecord& record) {
-    constexpr std::uint32_t segmentSize = 0x10000;
     switch (record.type()) {
-        case IntelRecordType::Data:
-            if (isSegment_ && record.address() + record.length() > segmentSize)
-                tolerate(Tolerance::SegmentBorder);
-            store(base_ + record.address(), record.data());
-            return;
         case IntelRecordType::EndOfFile:
             if (record.address() != 0) tolerate(Tolerance::EndAddress);
             end();
@@ -62,6 +69,7 @@ void IntelHexFieldParser::use(const IntelRecord& record) {
         case IntelRecordType::StartLinearAddress:
             setStartAddress(record.startAddress());
             break;
+        case IntelRecordType::Data:
         case IntelRecordType::Unknown:
             break;
     }

@@ -20,6 +20,7 @@ public:
 private:
     bool takeRecord(std::string_view line) override;
     bool isSound(const IntelRecord& record);
+    void useData(const IntelRecord& record);
     void use(const IntelRecord& record);
 
     std::uint64_t base_ = 0;

@@ -1,5 +1,7 @@
 #include "io/field/SRecordFieldParser.hpp"
 
+#include <algorithm>
+
 #include "util/BigEndian.hpp"
 #include "util/Hex.hpp"
 
@@ -37,13 +39,14 @@ bool SRecordFieldParser::takeRecord(std::string_view line) {
     if (line.size() < 2 || line[0] != 'S' || line[1] < '0' || line[1] > '9') return false;
     // A damaged record is one of those that were counted.
     if (line[1] >= '1' && line[1] <= '3') ++records_;
-    const auto bytes = bytesOf(line, 2, 1);
-    if (bytes.empty()) return true;
     const SRecordType type = sRecordType(static_cast<std::uint32_t>(line[1] - '0'));
     const bool isCount = isCountDigit(line[1]);
     // All of a count record is the number, so its bytes count as data.
-    const SRecord record{bytes, isCount ? 0 : sRecordAddressSize(type)};
-    const std::size_t lowest = record.addressSize + (isCount ? 2 : 1);
+    const std::size_t addressSize = isCount ? 0 : sRecordAddressSize(type);
+    const auto bytes = bytesOf(line, {2, 1, 1 + addressSize});
+    if (bytes.empty()) return true;
+    const SRecord record{bytes, addressSize};
+    const std::size_t lowest = addressSize + (isCount ? 2 : 1);
     if (record.count() < lowest)
         damage(RecordFault::CountTooLow, record.count(), lowest);
     else if (const std::uint8_t checksum = record.computedChecksum(); checksum != record.checksum())

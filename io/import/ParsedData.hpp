@@ -70,11 +70,15 @@ public:
     /// An address is given more than once. Known after `finish`.
     bool hasOverlaps() const;
 
+    /// Lets the first of several bytes for one address count, in place of the last one. Called
+    /// after `finish`.
+    void preferFirst();
+
     /// Four lines about the reader's data, numbers in decimal.
     std::string getInformation() const;
 
 private:
-    std::vector<Run> visibleParts() const;
+    std::vector<Run> visibleParts(bool isFirstVisible) const;
     Buffer::Area span() const { return {minAddress_, maxAddress_ - minAddress_ + 1}; }
     void report(Facts::ReadOperation operation, const Buffer::Area& requested) const;
 

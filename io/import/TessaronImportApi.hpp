@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "buffer/Area.hpp"
@@ -63,9 +64,10 @@ public:
     /// Empty if the reader keeps no lines.
     virtual std::vector<SourceRun> getSourceRuns() const { return {}; }
 
-    /// The ranges, ascending, that the file gives more than once. Of three bytes for one address
-    /// the first two that differ count, or the first two.
-    virtual std::vector<Buffer::Overlap> getOverlaps() const { return {}; }
+    /// The first range that the file gives a second time, in the order in which it does so.
+    ///
+    /// @param isDifferent  with other bytes
+    virtual std::optional<Buffer::Overlap> findOverlap(bool /*isDifferent*/) const { return {}; }
 
     /// Lets the first of several bytes for one address count from now on, in place of the last one.
     virtual void preferFirst() {}

@@ -165,24 +165,21 @@ bool CmdNewBuffer::lay(MemoryBuffer& result, const MemoryBuffer& part,
         result.overlay(part);
         return true;
     }
-    const bool isChecked = overlapRule_ == OverlapRule::Same || overlapRule_ == OverlapRule::Error;
-    if (isChecked && refuses(Buffer::overlaps(result, part), source)) return false;
+    if (isRefusing())
+        for (const Buffer::Overlap& overlap : Buffer::overlaps(result, part))
+            if (refuses(overlap, source)) return false;
     result.merge(part, overlapRule_ == OverlapRule::First);
     return true;
 }
 
-bool CmdNewBuffer::refuses(const std::vector<Buffer::Overlap>& overlaps,
-                           const std::string& source) const {
-    for (const Buffer::Overlap& overlap : overlaps) {
-        const bool isDifferent = overlap.differences != 0;
-        if (overlapRule_ == OverlapRule::Same && !isDifferent) continue;
-        const std::uint64_t address = isDifferent ? overlap.firstDifference : overlap.area.start;
-        Facts::report(Facts::OverlapRefused{bufferName_, source, overlap.area.start,
-                                            overlap.area.end(), isDifferent, address,
-                                            overlap.earlier, overlap.later});
-        return true;
-    }
-    return false;
+bool CmdNewBuffer::refuses(const Buffer::Overlap& overlap, const std::string& source) const {
+    const bool isDifferent = overlap.differences != 0;
+    if (overlapRule_ == OverlapRule::Same && !isDifferent) return false;
+    Facts::report(Facts::OverlapRefused{bufferName_, source, overlap.area.start, overlap.area.end(),
+                                        isDifferent,
+                                        isDifferent ? overlap.firstDifference : overlap.area.start,
+                                        overlap.earlier, overlap.later});
+    return true;
 }
 
 std::optional<MemoryBuffer> CmdNewBuffer::fromFile(const CmdContext& context, Area range) const {
@@ -197,7 +194,7 @@ std::optional<MemoryBuffer> CmdNewBuffer::fromFile(const CmdContext& context, Ar
 std::optional<MemoryBuffer> CmdNewBuffer::readFile(const CmdContext& context, Area range) const {
     const std::unique_ptr<TessaronImportApi> reader =
         isRawFile_ ? std::make_unique<GenericInFile>(fileName_.c_str(), Io::Import::rawBinary)
-                   : context.reading->open(fileName_.c_str());
+                   : context.reading->open(fileName_.c_str(), overlapRule_);
     if (!reader) return std::nullopt;
     if (!isGiven(range)) range = {reader->getMinAddress(), reader->getDataLength()};
     if (!isRawFile_ && range.length > longestFile) {
@@ -205,8 +202,9 @@ std::optional<MemoryBuffer> CmdNewBuffer::readFile(const CmdContext& context, Ar
         return std::nullopt;
     }
     if (overlapRule_ == OverlapRule::First) reader->preferFirst();
-    const bool isChecked = overlapRule_ == OverlapRule::Same || overlapRule_ == OverlapRule::Error;
-    if (isChecked && refuses(reader->getOverlaps(), fileName_)) return std::nullopt;
+    if (isRefusing())
+        if (const auto overlap = reader->findOverlap(overlapRule_ == OverlapRule::Same))
+            if (refuses(*overlap, fileName_)) return std::nullopt;
     if (context.observer != nullptr) context.observer->onRead(*reader, range);
     MemoryBuffer result(range.start, range.length);
     if (areas_.empty()) overlayOrReplace(result, reader->takeMemory());

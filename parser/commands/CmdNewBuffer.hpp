@@ -62,7 +62,11 @@ private:
     /// refuses that.
     bool lay(Buffer::MemoryBuffer& result, const Buffer::MemoryBuffer& part,
              const std::string& source) const;
-    bool refuses(const std::vector<Buffer::Overlap>& overlaps, const std::string& source) const;
+    bool isRefusing() const {
+        return overlapRule_ == Buffer::OverlapRule::Same ||
+               overlapRule_ == Buffer::OverlapRule::Error;
+    }
+    bool refuses(const Buffer::Overlap& overlap, const std::string& source) const;
 
     std::string bufferName_;
     std::uint64_t newStartAddress_ = 0;

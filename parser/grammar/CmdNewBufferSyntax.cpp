@@ -29,9 +29,8 @@ struct NewBufferRules final : StatementRules {
               rules.valueList[on.values("SetHexList -> ", &CmdNewBuffer::setValues)]) |
              buffersSource(rules, on, "AddBufferAsSource -> ", &CmdNewBuffer::addSourceBuffer)) >>
             rules.ws;
-        newOptions =
-            *(newStartAddressOption | newByteOrderOption | newAreasOption | bufferRangeOption |
-              overlapOption);
+        newOptions = *(newStartAddressOption | newByteOrderOption | newAreasOption |
+                       bufferRangeOption | overlapOption);
         newStartAddressOption = startAddressSetting[on.number("SetStartAddress -> ",
                                                               &CmdNewBuffer::setNewStartAddress)] >>
                                 rules.ws;

@@ -1,12 +1,11 @@
-#include "io/field/OverlapSearch.hpp"
+#include "io/import/OverlapSearch.hpp"
 
 #include <algorithm>
 #include <iterator>
 
-namespace Io::Field {
+namespace Io::Import {
 
-OverlapSearch::OverlapSearch(const Import::ParsedData& data, std::size_t most)
-    : data_(&data), most_(most) {
+OverlapSearch::OverlapSearch(const ParsedData& data, std::size_t most) : data_(&data), most_(most) {
     if (!data.hasOverlaps()) return;
     for (const Run& run : data.runs()) add(run);
     counting_.clear();
@@ -39,11 +38,28 @@ void OverlapSearch::compare(const Buffer::Area& area, std::size_t earlier, std::
     const auto before = data_->bytesOf({area, earlier});
     const auto after = data_->bytesOf({area, later});
     const auto first = std::ranges::mismatch(before, after);
-    Overlap overlap{area, earlier, later, std::nullopt};
+    RecordOverlap overlap{area, earlier, later, std::nullopt};
     if (first.in1 != before.end())
         overlap.difference = static_cast<std::size_t>(first.in1 - before.begin());
     Found& found = overlap.difference ? different_ : equal_;
     if (found.count++ < most_) found.kept.push_back(overlap);
 }
 
-}  // namespace Io::Field
+std::optional<Buffer::Overlap> findOverlap(const ParsedData& data, bool isDifferent) {
+    const OverlapSearch search(data, 1);
+    const auto& found =
+        isDifferent || !search.different().kept.empty() ? search.different() : search.equal();
+    if (found.kept.empty()) return std::nullopt;
+    const RecordOverlap& first = found.kept.front();
+    Buffer::Overlap overlap{first.area};
+    if (!first.difference) return overlap;
+    const auto byteAt = [&](std::size_t offset) { return data.bytesOf({{0, 1}, offset})[0]; };
+    for (std::size_t i = *first.difference; i < first.area.length; ++i)
+        overlap.differences += byteAt(first.earlier + i) != byteAt(first.later + i) ? 1 : 0;
+    overlap.firstDifference = first.area.start + *first.difference;
+    overlap.earlier = byteAt(first.earlier + *first.difference);
+    overlap.later = byteAt(first.later + *first.difference);
+    return overlap;
+}
+
+}  // namespace Io::Import

@@ -7,12 +7,13 @@
 #include <vector>
 
 #include "buffer/Area.hpp"
+#include "buffer/Overlap.hpp"
 #include "io/import/ParsedData.hpp"
 
-namespace Io::Field {
+namespace Io::Import {
 
 /// A range that a file gives twice.
-struct Overlap {
+struct RecordOverlap {
     Buffer::Area area;
     std::size_t earlier;  ///< where its first byte is among all bytes of the file, the first time
     std::size_t later;    ///< the same for the second time
@@ -26,22 +27,22 @@ class OverlapSearch {
 public:
     /// @param most  ranges of equal and of different bytes that are kept; of the others only the
     ///              number is
-    OverlapSearch(const Import::ParsedData& data, std::size_t most);
+    OverlapSearch(const ParsedData& data, std::size_t most);
 
     struct Found {
-        std::vector<Overlap> kept;
+        std::vector<RecordOverlap> kept;
         std::uint64_t count = 0;
     };
     const Found& equal() const { return equal_; }
     const Found& different() const { return different_; }
 
 private:
-    using Run = Import::ParsedData::Run;
+    using Run = ParsedData::Run;
 
     void add(const Run& run);
     void compare(const Buffer::Area& area, std::size_t earlier, std::size_t later);
 
-    const Import::ParsedData* data_;
+    const ParsedData* data_;
     std::size_t most_;
     std::map<std::uint64_t, Run>
         counting_;  ///< the parts of runs that count so far, by their start
@@ -49,4 +50,7 @@ private:
     Found different_;
 };
 
-}  // namespace Io::Field
+/// The first range that `data` gives a second time, with other bytes if `isDifferent`.
+std::optional<Buffer::Overlap> findOverlap(const ParsedData& data, bool isDifferent);
+
+}  // namespace Io::Import
