@@ -66,11 +66,6 @@ std::optional<std::string> quoted(const std::string& path, Strict::Printer& prin
     return text + "\"";
 }
 
-std::string numberText(std::uint64_t number) {
-    std::string text = Inspect::addressText(number);
-    return text;
-}
-
 /// The format's keyword, given or of the ending; nothing after a diagnostic.
 std::optional<std::string> formatOf(const Conversion& conversion, Strict::Printer& printer) {
     if (!conversion.format.empty()) return conversion.format;
@@ -102,8 +97,9 @@ std::optional<std::uint64_t> movedStart(const Conversion& conversion, const Insp
     const auto moved = static_cast<std::int64_t>(start) + conversion.offset;
     if (moved >= 0 && moved <= highest) return static_cast<std::uint64_t>(moved);
     fail("outside",
-         "the offset moves the start " + numberText(start) + " out of the 32-bit address space", "",
-         printer);
+         "the offset moves the start " + Inspect::addressText(start) +
+             " out of the 32-bit address space",
+         "", printer);
     return std::nullopt;
 }
 
@@ -120,12 +116,12 @@ std::optional<std::string> scriptFor(const Conversion& conversion, Strict::Print
                          std::string(ending == nullptr ? "FROM_FILE" : ending->source) + " " +
                          *input;
     if (conversion.crop)
-        script += " -useBufferRange={" + numberText(conversion.crop->start) + ", " +
-                  numberText(conversion.crop->length) + "}";
+        script += " -useBufferRange={" + Inspect::addressText(conversion.crop->start) + ", " +
+                  Inspect::addressText(conversion.crop->length) + "}";
     if (conversion.offset != 0) {
         const auto start = movedStart(conversion, *image, printer);
         if (!start) return std::nullopt;
-        script += " -changeStartAddressTo=" + numberText(*start);
+        script += " -changeStartAddressTo=" + Inspect::addressText(*start);
     }
     script += "\n";
     if (!conversion.fill.empty()) {
@@ -136,7 +132,8 @@ std::optional<std::string> scriptFor(const Conversion& conversion, Strict::Print
     }
     script += "WRITE_FILE " + *output + " WITH_BUFFERS {@Image}";
     if (image->startAddress && has(*format, &Ending::hasStart))
-        script += " " + numberText(*image->startAddress);
+        script += " " + Inspect::addressText(*image->startAddress);
+    if (conversion.fill.empty() && has(*format, &Ending::hasAddresses)) script += " -skipUnwritten";
     return script + " -setFormat=" + *format + "\n";
 }
 

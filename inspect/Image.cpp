@@ -66,7 +66,7 @@ std::string formatOf(const std::string& path) {
 }
 
 std::optional<Image> openImage(const std::string& path) {
-    const auto file = Io::Field::FieldReading().open(path);
+    const auto file = Io::Field::FieldReading().open(path, Buffer::OverlapRule::NotSet);
     if (file == nullptr) return std::nullopt;
     Image image;
     image.path = path;

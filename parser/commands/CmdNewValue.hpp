@@ -54,8 +54,6 @@ protected:
     using Compute = std::function<std::optional<ByteList>(std::span<const std::uint8_t> data)>;
     void setCompute(Compute compute) { compute_ = std::move(compute); }
 
-    const std::string& name() const { return name_; }
-
 private:
     Facts::Subject subject_;
     Registry CmdContext::*registry_;

@@ -183,6 +183,9 @@ class Inspection(unittest.TestCase):
             end = min(0x2000, start - FLASH + len(self.image[start]))
             want[start - FLASH:end] = self.image[start][:end - (start - FLASH)]
         self.assertEqual(made, bytes(want))
+        write("gaps.hex", {FLASH: b"12345", FLASH + 0x20000: b"678"})
+        tessaron("convert", "gaps.hex", "gaps.s19")
+        self.assertEqual(tessaron("diff", "gaps.hex", "gaps.s19"), "")
         tessaron("convert", "a.hex", "out.unknown", code=1)
         tessaron("convert", "a.hex", 'a"b.bin', code=1)
         tessaron("convert", "a.hex", "out.hex", "--offset", "0xF0000000", code=1)

@@ -57,7 +57,6 @@ def expectations():
     yield [1, START + 0x8001], "0x08008001: 22, value of line 8: FILL_BUFFER @App WITH_VALUES"
     image = bytearray((filler * 0x6000)[:0x10000])
     image[:30001] = pathlib.Path("app.bin").read_bytes()
-    image[0x8000:0x8002] = b"\x11\x22"
     yield [1, START + 0xFFFF], "0x0800FFFF: %02X, value of line 7: FILL_BUFFER @App WITH_CRC" % (
         zlib.crc32(image[:0xFFFC]) >> 24)
     yield [0, 0x150], "0x00000150: 00, nothing written"
