@@ -117,6 +117,11 @@ std::string countText(std::uint64_t count, const char* noun) {
     return grouped(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
+std::string linesText(std::uint64_t first, std::uint64_t last) {
+    if (first == last) return "line " + grouped(first);
+    return "lines " + grouped(first) + " to " + grouped(last);
+}
+
 std::string sizeText(std::uint64_t bytes) {
     constexpr std::uint64_t kibi = 1024;
     constexpr std::uint64_t mebi = kibi * kibi;

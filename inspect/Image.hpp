@@ -53,6 +53,9 @@ std::string addressText(std::uint64_t address);
 /// "0x08000000 to 0x08000FFF": the first and the last address, or the only one.
 std::string rangeText(const Buffer::Area& area);
 
+/// "line 3", "lines 3 to 1,024".
+std::string linesText(std::uint64_t first, std::uint64_t last);
+
 /// "1 byte", "2 bytes"; thousands are separated by commas.
 std::string countText(std::uint64_t count, const char* noun);
 

@@ -94,8 +94,10 @@ std::string textOf(const Info& info, std::size_t width) {
     std::uint64_t bytes = 0;
     for (const AreaInfo& area : info.areas) bytes += area.area.length;
     text += "  data      " + countText(bytes, "byte");
+    constexpr std::uint64_t shortest = 1024;
+    if (bytes >= shortest) text += " (" + sizeText(bytes) + ")";
     if (!info.areas.empty())
-        text += " (" + sizeText(bytes) + ") in " + countText(info.areas.size(), "area") + ", " +
+        text += " in " + countText(info.areas.size(), "area") + ", " +
                 rangeText({info.areas.front().area.start,
                            info.areas.back().area.end() - info.areas.front().area.start});
     text += "\n";

@@ -364,8 +364,7 @@ void Page::addRange(std::size_t index, const OriginRange& range) {
     addCell(words[static_cast<std::size_t>(range.kind)]);
     add("<td>" + lineLink(range.line) + "</td>");
     std::string from = range.file;
-    if (range.firstLine != 0)
-        from += ", lines " + grouped(range.firstLine) + " to " + grouped(range.lastLine);
+    if (range.firstLine != 0) from += ", " + linesText(range.firstLine, range.lastLine);
     addCell(from);
     add("</tr>\n");
 }

@@ -103,8 +103,7 @@ std::vector<Note> notesOn(const Buffer::AreaList& areas, const Contents& disk, c
         if (origin != nullptr) {
             if (!origin->file.empty()) note.text += ", from " + origin->file;
             if (origin->firstLine != 0)
-                note.text += ", lines " + std::to_string(origin->firstLine) + " to " +
-                             std::to_string(origin->lastLine);
+                note.text += ", " + Inspect::linesText(origin->firstLine, origin->lastLine);
             note.place = Place{record.scriptPath, origin->line, 0, "", 0, 0};
         }
         notes.push_back(std::move(note));
