@@ -5,7 +5,8 @@
 #include <cstdint>
 #include <string_view>
 
-#include "io/TextLines.hpp"
+#include "io/InFile.hpp"
+#include "io/field/FieldLines.hpp"
 #include "util/Hex.hpp"
 
 namespace Inspect {
@@ -83,7 +84,7 @@ std::vector<LineRun> lineRunsOf(const std::string& path, const std::string& form
     std::vector<LineRun> runs;
     if (format != "Intel HEX" && format != "S-records") return runs;
     RecordAreas areas(format == "Intel HEX");
-    for (Io::TextLines lines(path); lines.next();) {
+    for (Io::Field::FieldLines lines(Io::openInput(path)); lines.next();) {
         const Buffer::Area area = areas.next(lines.line());
         if (area.length == 0) continue;
         if (runs.empty() || !extend(runs.back(), area, lines.number()))

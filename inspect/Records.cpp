@@ -6,7 +6,8 @@
 #include <optional>
 #include <string_view>
 
-#include "io/TextLines.hpp"
+#include "io/InFile.hpp"
+#include "io/field/FieldLines.hpp"
 #include "util/Hex.hpp"
 
 namespace Inspect {
@@ -67,7 +68,7 @@ Records count(const std::string& path, std::span<const KnownKind> known, DigitsO
     constexpr std::size_t mostBytes = 256;
     std::vector<std::uint64_t> counts(known.size() + 1);
     std::array<std::uint64_t, mostBytes> lengths{};
-    for (Io::TextLines lines(path); lines.next();) {
+    for (Io::Field::FieldLines lines(Io::openInput(path)); lines.next();) {
         const std::string_view line = lines.line();
         const auto digits = line.empty() ? std::nullopt : digitsOf(line);
         if (!digits) continue;

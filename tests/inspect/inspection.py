@@ -96,6 +96,15 @@ class Inspection(unittest.TestCase):
         self.assertEqual(len(table), 101)
         self.assertLessEqual(max(map(len, table)), 100)
 
+    def test_info_of_an_odd_file(self):
+        text = pathlib.Path("a.hex").read_text().replace("\n", "\r")
+        pathlib.Path("odd.hex").write_text("# by hand\r" + text, newline="")
+        odd, = json.loads(tessaron("info", "--json", "odd.hex"))
+        plain, = json.loads(tessaron("info", "--json", "a.hex"))
+        self.assertEqual({r["name"] for r in odd["remarks"]}, {"tolerated"})
+        for name in ("records", "recordLengths", "areas", "sha256", "startAddress"):
+            self.assertEqual(odd[name], plain[name])
+
     def test_info_of_a_damaged_file(self):
         text = pathlib.Path("a.hex").read_text().splitlines()
         text[4] = text[4][:-2] + "%02X" % (int(text[4][-2:], 16) ^ 1)
