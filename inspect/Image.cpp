@@ -91,7 +91,7 @@ const MemoryBuffer* partWith(const Parts& parts, const Area& area) {
 std::string addressText(std::uint64_t address) {
     constexpr std::size_t digits = 8;
     std::array<char, 16> text{};
-    const auto end = std::to_chars(text.begin(), text.end(), address, 16).ptr;
+    auto* const end = std::to_chars(text.begin(), text.end(), address, 16).ptr;
     std::string number(text.begin(), end);
     std::ranges::transform(number, number.begin(),
                            [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });

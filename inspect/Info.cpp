@@ -1,7 +1,9 @@
 #include "inspect/Info.hpp"
 
 #include <algorithm>
+#include <filesystem>
 #include <future>
+#include <system_error>
 #include <utility>
 
 #include "inspect/Json.hpp"
@@ -77,9 +79,13 @@ Info infoAbout(const std::string& path) {
     info.path = path;
     info.format = formatOf(path);
     info.fileSize = Io::openInput(path).size();
-    // Both take about as long, and a machine has more than one core.
+    // Both take about as long, and a machine has more than one core. What is no regular file is
+    // only in the host of this thread.
+    std::error_code error;
+    const bool isRegular = std::filesystem::is_regular_file(path, error);
     auto records =
-        std::async(std::launch::async | std::launch::deferred, &countRecords, path, info.format);
+        std::async(isRegular ? std::launch::async | std::launch::deferred : std::launch::deferred,
+                   &countRecords, path, info.format);
     const auto image = openImage(path);
     info.records = records.get();
     if (!image) return info;

@@ -195,7 +195,8 @@ std::string Map::text(std::size_t width, bool isUnicode) const {
     }
     if (panels_.empty()) return text;
     text += '\n';
-    for (const Look* const look : {&looks[2], &partLook, &looks[3], &looks[1], &looks[0]})
+    for (const Look* const look : {&lookOf(MapKind::Data), &partLook, &lookOf(MapKind::Value),
+                                   &lookOf(MapKind::Filler), &lookOf(MapKind::Gap)})
         if (used.contains(look))
             text.append("  ").append(sign(*look)).append(" ").append(look->word);
     return text + "\n";
@@ -248,8 +249,9 @@ std::string Map::svg() const {
     y += 24;
     std::size_t x = left;
     for (const auto& [look, name] :
-         {std::pair{&looks[2], "data"}, std::pair{&partLook, "part"}, std::pair{&looks[3], "value"},
-          std::pair{&looks[1], "filler"}, std::pair{&looks[0], "gap"}}) {
+         {std::pair{&lookOf(MapKind::Data), "data"}, std::pair{&partLook, "part"},
+          std::pair{&lookOf(MapKind::Value), "value"},
+          std::pair{&lookOf(MapKind::Filler), "filler"}, std::pair{&lookOf(MapKind::Gap), "gap"}}) {
         body += "<rect class=\"" + std::string(name) + "\" x=\"" + std::to_string(x) + "\" y=\"" +
                 std::to_string(y - 12) + "\" width=\"14\" height=\"14\"/><text x=\"" +
                 std::to_string(x + 20) + "\" y=\"" + std::to_string(y) + "\">" + look->word +

@@ -1,10 +1,13 @@
 #include "strict/ImageReading.hpp"
 
+#include <filesystem>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "facts/Listener.hpp"
 #include "io/File.hpp"
+#include "platform/Files.hpp"
 #include "strict/OutputSet.hpp"
 #include "strict/RunListener.hpp"
 
@@ -17,12 +20,24 @@ const char* wordFor(Severity severity) {
     return severity == Severity::Warning ? "warning" : "note";
 }
 
+/// A pipe can be read only once, but a file is opened several times: its bytes are kept as if the
+/// run had written them.
+void keepStream(OutputSet& files, const std::string& path) {
+    std::error_code error;
+    if (std::filesystem::is_regular_file(path, error)) return;
+    const auto contents = Platform::readFile(path);
+    if (!contents) return;
+    const auto copy = files.createOutput(path, Platform::FileMode::Binary);
+    if (copy != nullptr && copy->write(contents->text())) copy->close();
+}
+
 /// What `read` returns for the path, or nothing after a diagnostic.
 template <class Result>
 std::optional<Result> readWith(std::optional<Result> (*read)(const std::string&),
                                const std::string& path, DiagnosticSink& sink) {
     OutputSet files(OutputSet::Mode::Memory);
     RunListener listener(sink, [&files](std::string_view file) { return files.reasonFor(file); });
+    keepStream(files, path);
     const Facts::ListenerScope listening(listener);
     const Io::HostScope hosting(files);
     try {

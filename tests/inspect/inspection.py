@@ -113,6 +113,10 @@ class Inspection(unittest.TestCase):
         self.assertEqual([(r["severity"], r["name"], r["line"]) for r in info["remarks"]],
                          [("error", "record-checksum", 5)])
         tessaron("info", "missing.hex", code=1)
+        piped = subprocess.run([PROGRAM, "info", "--json", "/dev/stdin"], capture_output=True,
+                               input=pathlib.Path("a.hex").read_bytes(), check=True).stdout
+        plain, = json.loads(tessaron("info", "--json", "a.hex"))
+        self.assertEqual(json.loads(piped), [{**plain, "file": "/dev/stdin"}])
 
     def test_diff(self):
         self.assertEqual(tessaron("diff", "a.hex", "a.s19"), "")
@@ -132,6 +136,11 @@ class Inspection(unittest.TestCase):
                                    "--ignore", "{%d, 1}" % (start + 1), code=1))
         self.assertEqual([(a["start"], a["length"]) for a in part["changed"]],
                          [("0x%08X" % (start + at), 1) for at in (0, 2, 0x20)])
+        shell = 'exec "$0" diff --json <(cat a.hex) <(cat b.s19)'
+        piped = json.loads(subprocess.run(["bash", "-c", shell, PROGRAM], capture_output=True,
+                                          text=True, check=False).stdout)
+        self.assertEqual(piped["changed"], found["changed"])
+        self.assertEqual(piped["left"]["format"], "Intel HEX")
         tessaron("diff", "a.hex", "missing.hex", code=2)
 
     def test_dump(self):
