@@ -172,7 +172,7 @@ private:
         add("</tr></thead><tbody>\n");
     }
     void endTable() { add("</tbody></table></div>\n"); }
-    std::string lineLink(std::size_t line) const {
+    static std::string lineLink(std::size_t line) {
         const std::string number = std::to_string(line);
         return line == 0 ? "" : "<a href=\"#line-" + number + "\">line " + number + "</a>";
     }
