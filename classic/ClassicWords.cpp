@@ -4,6 +4,7 @@
 #include <ios>
 #include <string>
 
+#include "classic/FormatFaultWords.hpp"
 #include "util/Hex.hpp"
 
 namespace Classic {
@@ -18,6 +19,12 @@ const char* nameOf(InputFormat reader) {
             return "IntelHexInFile";
         case InputFormat::MotorolaS:
             return "MotorolaS_InFile";
+        case InputFormat::Elf:
+            return "ElfInFile";
+        case InputFormat::Uf2:
+            return "Uf2InFile";
+        case InputFormat::TiTxt:
+            return "TiTxtInFile";
         case InputFormat::RawBinary:
             break;
     }
@@ -181,6 +188,11 @@ public:
         line("  The max possible amount of Elements is : (int)", fact.mostBytes);
         line("  The dataLength is changed from: (int)", fact.fileSize, " to: (int)",
              fact.mostBytes);
+    }
+
+    void operator()(const FileMalformed& fact) const {
+        line("file: ", fact.file, " has no ", nameOfFormat(fact.format), " format (",
+             Classic::wordsFor(fact), "). Execution aboarded. The file was not parsed.");
     }
 
     void operator()(const FileReadIncomplete& fact) const {

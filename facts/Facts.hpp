@@ -75,7 +75,7 @@ struct ExtractTooLong {
 
 // Input files
 
-enum class InputFormat : std::uint8_t { IntelHex, MotorolaS, RawBinary };
+enum class InputFormat : std::uint8_t { IntelHex, MotorolaS, RawBinary, Elf, Uf2, TiTxt };
 enum class ReadOperation : std::uint8_t { GetMemory, FillMemoryBuffer };
 
 /// A reader was asked for a range that its file does not have; nothing was read.
@@ -159,6 +159,37 @@ struct RawFileTooLong {
 struct FileReadIncomplete {
     std::string_view file;
     bool operator==(const FileReadIncomplete&) const = default;
+};
+
+/// What a file of a format that is read as a whole or not at all has wrong.
+enum class FormatFault : std::uint8_t {
+    MagicMissing,      ///< the mark of the format is not at byte `where`
+    VariantUnknown,    ///< byte `where` has `number`, which names no variant of the format
+    Truncated,         ///< the file ends before byte `where` and `number` more bytes
+    EntryTooShort,     ///< a table at byte `where` has entries of `number` bytes
+    NothingToLoad,     ///< there is no data
+    DataRepeated,      ///< `number` bytes in total are more than the file has
+    SegmentTooLong,    ///< segment `where` has `number` bytes in the file and fewer in memory
+    AddressTooHigh,    ///< data from `number` on passes the end of the address space
+    SizeNotWhole,      ///< the size `where` is no multiple of `number`
+    PayloadTooLong,    ///< block `where` has `number` bytes of data, more than there is room for
+    BlockNumberWrong,  ///< block `where` has the number `number`, twice or beyond the count
+    BlockCountWrong,   ///< there are `where` blocks, but the file says `number`
+    FamiliesMixed,     ///< block `where` is for the family `number`, others are not
+    LineUnknown,       ///< line `where` is nothing that the format has
+    AddressMissing,    ///< line `where` has data, and no line before has an address
+    EndMissing,        ///< the file has no end after line `where`
+    AfterEnd           ///< line `where` comes after the end
+};
+
+/// A file contradicts its format; nothing of it was used and the statement failed.
+struct FileMalformed {
+    InputFormat format;
+    std::string_view file;
+    FormatFault fault;
+    std::uint64_t where;
+    std::uint64_t number;
+    bool operator==(const FileMalformed&) const = default;
 };
 
 // Output files
@@ -344,7 +375,7 @@ using Fact =
     std::variant<ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside,
                  FillTooLong, ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty,
                  LastLineMismatched, RecordContradictory, LineNotARecord, LinePassedOver,
-                 LinesPassedOver, RecordCountTooLow, DataSpanTooLong, RawFileTooLong,
+                 LinesPassedOver, RecordCountTooLow, DataSpanTooLong, RawFileTooLong, FileMalformed,
                  FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
                  RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible,
                  FileWriteIncomplete, NameNotFound, StatementExhausted, FileNotOpened,

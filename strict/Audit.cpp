@@ -59,7 +59,8 @@ void auditAfter(const CmdApi& statement, const CmdContext& context, RunListener&
     const auto image = context.buffers.find(made->bufferName());
     if (image == context.buffers.end() || hasData(image->second)) return;
     listener.report("empty-image", "the image " + made->bufferName() + " has no data of the file",
-                    {"SetFileAsSource -> ", "SetRawFileAsSource -> "});
+                    {"SetFileAsSource -> ", "SetRawFileAsSource -> ", "SetElfFileAsSource -> ",
+                     "SetUf2FileAsSource -> ", "SetTiTxtFileAsSource -> "});
 }
 
 }  // namespace Strict

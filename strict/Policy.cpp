@@ -40,6 +40,7 @@ constexpr std::array allKinds{
     Kind{"swallowed", Warning, false},
     Kind{"no-effect", Warning, false},
     Kind{"end-as-length", Warning, false},
+    Kind{"wrong-format", Error, true},
 };
 
 const Kind* find(std::string_view name) {

@@ -6,6 +6,7 @@
 #include <utility>
 #include <variant>
 
+#include "classic/FormatFaultWords.hpp"
 #include "parser/grammar/ScriptSyntax.hpp"
 #include "platform/Files.hpp"
 #include "strict/Arithmetic.hpp"
@@ -82,7 +83,9 @@ std::string rangeText(std::uint64_t start, std::uint64_t end) {
     return "the addresses " + hexadecimal(start) + " to " + hexadecimal(end - 1);
 }
 
-const std::vector<std::string_view> inputFile{"SetFileAsSource -> ", "SetRawFileAsSource -> "};
+const std::vector<std::string_view> inputFile{"SetFileAsSource -> ", "SetRawFileAsSource -> ",
+                                              "SetElfFileAsSource -> ", "SetUf2FileAsSource -> ",
+                                              "SetTiTxtFileAsSource -> "};
 const std::vector<std::string_view> outputFile{"SetFileName -> "};
 const std::vector<std::string_view> anyArea{"AddArea -> ", "SetBufferRange -> ",
                                             "SetStartAddress -> "};
@@ -272,6 +275,16 @@ void RunListener::hear(const Fact& fact) {
             },
             [&](const RawFileTooLong& f) {
                 report("outside", "the file has more than " + hexadecimal(f.mostBytes) + " bytes",
+                       inputFile);
+            },
+            [&](const FileMalformed& f) {
+                const bool isCut = f.fault == FormatFault::EndMissing;
+                const bool isEmpty = f.fault == FormatFault::NothingToLoad;
+                report(isCut     ? "no-end"
+                       : isEmpty ? "empty-image"
+                                 : "wrong-format",
+                       std::string(f.file) + " is no " + Classic::nameOfFormat(f.format) +
+                           " file that can be read: " + Classic::wordsFor(f),
                        inputFile);
             },
             [&](const FileReadIncomplete& f) {

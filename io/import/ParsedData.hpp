@@ -28,6 +28,13 @@ public:
     /// Appends `bytes`, which the file has from `address` on.
     void append(std::uint64_t address, std::span<const std::uint8_t> bytes);
 
+    /// Appends `length` bytes, not none, that the file has from `address` on and that `read` puts
+    /// into the span that it is given.
+    template <class Read>
+    void appendRead(std::uint64_t address, std::size_t length, Read read) {
+        read(startRun({address, length}));
+    }
+
     /// Discards all bytes and gives their memory back.
     void clear();
 
@@ -59,6 +66,8 @@ private:
         std::size_t offset;  ///< of its first byte in `bytes_`; a later run of the file has more
     };
 
+    /// Notes that the next bytes of the file belong to `area` and makes room for them.
+    std::span<std::uint8_t> startRun(const Buffer::Area& area);
     std::vector<Run> visibleParts() const;
     Buffer::MemoryBuffer imageOf(const Buffer::Area& range) const;
     Buffer::Area span() const { return {minAddress_, maxAddress_ - minAddress_ + 1}; }

@@ -7,6 +7,10 @@
 #include <utility>
 
 #include "io/import/GenericInFile.hpp"
+#include "io/import/Malformed.hpp"
+#include "io/import/elf/ElfInFile.hpp"
+#include "io/import/titxt/TiTxtInFile.hpp"
+#include "io/import/uf2/Uf2InFile.hpp"
 #include "parser/commands/Conventions.hpp"
 
 namespace Parser::WrapperLib {
@@ -79,8 +83,12 @@ void CmdNewBuffer::setFile(std::string argument) {
 }
 
 void CmdNewBuffer::setRawFile(std::string argument) {
+    setFileOf(std::move(argument), FileKind::Raw);
+}
+
+void CmdNewBuffer::setFileOf(std::string argument, FileKind kind) {
     setFile(std::move(argument));
-    isRawFile_ = true;
+    fileKind_ = kind;
 }
 
 void CmdNewBuffer::setValues(std::vector<std::uint32_t> list) {
@@ -153,19 +161,36 @@ std::optional<MemoryBuffer> CmdNewBuffer::fromBuffers(CmdContext& context, Area 
 std::optional<MemoryBuffer> CmdNewBuffer::fromFile(const CmdContext& context, Area range) const {
     try {
         return readFile(context, range);
+    } catch (const Io::Import::Malformed&) {
+        return std::nullopt;
     } catch (const std::exception&) {
         Facts::report(Facts::FileNotOpened{fileName_});
         return std::nullopt;
     }
 }
 
+std::unique_ptr<TessaronImportApi> CmdNewBuffer::openFile(const CmdContext& context) const {
+    const std::string path = fileName_.c_str();
+    switch (fileKind_) {
+        case FileKind::Raw:
+            return std::make_unique<GenericInFile>(path, Io::Import::rawBinary);
+        case FileKind::Elf:
+            return std::make_unique<Io::Import::ElfInFile>(path);
+        case FileKind::Uf2:
+            return std::make_unique<Io::Import::Uf2InFile>(path);
+        case FileKind::TiTxt:
+            return std::make_unique<Io::Import::TiTxtInFile>(path);
+        case FileKind::Detected:
+            break;
+    }
+    return context.reading->open(path);
+}
+
 std::optional<MemoryBuffer> CmdNewBuffer::readFile(const CmdContext& context, Area range) const {
-    const std::unique_ptr<TessaronImportApi> reader =
-        isRawFile_ ? std::make_unique<GenericInFile>(fileName_.c_str(), Io::Import::rawBinary)
-                   : context.reading->open(fileName_.c_str());
+    const std::unique_ptr<TessaronImportApi> reader = openFile(context);
     if (!reader) return std::nullopt;
     if (!isGiven(range)) range = {reader->getMinAddress(), reader->getDataLength()};
-    if (!isRawFile_ && range.length > longestFile) {
+    if (fileKind_ != FileKind::Raw && range.length > longestFile) {
         Facts::report(Facts::FileSpanTooLong{range.length});
         return std::nullopt;
     }
