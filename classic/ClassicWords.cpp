@@ -242,6 +242,18 @@ public:
         line("Operation aborted.");
     }
 
+    void operator()(const AddressBeyondFormat& fact) const {
+        line("Error: File ", fact.file, " could not be written ! ", fact.format,
+             " has no addresses above 0xFFFFFFFF.");
+        line("Operation aborted.");
+    }
+
+    void operator()(const FormatNumberWrong& fact) const {
+        line("Error: File ", fact.file, " could not be written ! Format ", fact.format,
+             " does not take the number ", std::to_string(fact.number), ".");
+        line("Operation aborted.");
+    }
+
     void operator()(const FileWriteIncomplete& fact) const {
         errors_ << "Warning: File " << fact.file << " could not be written completely !"
                 << std::endl;

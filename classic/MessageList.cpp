@@ -123,6 +123,12 @@ std::vector<Fact> examples(Of<TooManyBytes> /*type*/) {
 std::vector<Fact> examples(Of<GapsNotExpressible> /*type*/) {
     return {GapsNotExpressible{"FORMAT", "PATH"}};
 }
+std::vector<Fact> examples(Of<AddressBeyondFormat> /*type*/) {
+    return {AddressBeyondFormat{"FORMAT", "PATH", 0xFFFFFFFF}};
+}
+std::vector<Fact> examples(Of<FormatNumberWrong> /*type*/) {
+    return {FormatNumberWrong{"FORMAT", "PATH", number}};
+}
 std::vector<Fact> examples(Of<FileWriteIncomplete> /*type*/) {
     return {FileWriteIncomplete{"PATH"}};
 }

@@ -232,6 +232,22 @@ struct TooManyBytes {
     bool operator==(const TooManyBytes&) const = default;
 };
 
+/// A format cannot express an address above `highest`; the file was not written.
+struct AddressBeyondFormat {
+    std::string_view format;
+    std::string_view file;
+    std::uint64_t highest;
+    bool operator==(const AddressBeyondFormat&) const = default;
+};
+
+/// A format that takes only some numbers was given another one; the statement failed.
+struct FormatNumberWrong {
+    std::string_view format;  ///< the keyword of the language
+    std::string_view file;
+    std::uint32_t number;
+    bool operator==(const FormatNumberWrong&) const = default;
+};
+
 /// A format without addresses was asked to leave gaps; the statement failed.
 struct GapsNotExpressible {
     std::string_view format;  ///< the keyword of the language
@@ -378,9 +394,9 @@ using Fact =
                  LinesPassedOver, RecordCountTooLow, DataSpanTooLong, RawFileTooLong, FileMalformed,
                  FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
                  RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible,
-                 FileWriteIncomplete, NameNotFound, StatementExhausted, FileNotOpened,
-                 FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted, CrcPrinted,
-                 HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
-                 VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded>;
+                 AddressBeyondFormat, FormatNumberWrong, FileWriteIncomplete, NameNotFound,
+                 StatementExhausted, FileNotOpened, FileNotWritten, FileSpanTooLong, BufferPrinted,
+                 ContentPrinted, CrcPrinted, HashPrinted, TextPrinted, ProgramCalled, ProgramEnded,
+                 ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded>;
 
 }  // namespace Facts

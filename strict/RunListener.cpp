@@ -327,6 +327,17 @@ void RunListener::hear(const Fact& fact) {
                     {"SetSkipUnwritten -> "},
                     "choose a format with addresses, or leave the option out");
             },
+            [&](const AddressBeyondFormat& f) {
+                report("outside",
+                       std::string(f.format) + " has no addresses above " + hexadecimal(f.highest),
+                       outputFile);
+            },
+            [&](const FormatNumberWrong& f) {
+                report(
+                    "outside",
+                    std::string(f.format) + " does not take the number " + std::to_string(f.number),
+                    {"SetExportFormatOptionVmem -> "}, "a word has 1, 2, 4 or 8 bytes");
+            },
             [&](const FileWriteIncomplete& f) {
                 const std::string reason = reason_(f.file);
                 report("short-write",

@@ -30,6 +30,7 @@ constexpr std::array groups{
     Group{"a CRC type", "Crc32_Standard", ""},
     Group{"a hash type", "Hash_Sha1", "Hash_"},
     Group{"a format", "RawBinary", ""},
+    Group{"a family of devices", "RP2040", ""},
     Group{"a byte order", "LittleEndian", ""},
 };
 
