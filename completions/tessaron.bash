@@ -17,16 +17,16 @@ _tessaron_words() {
         --diagnostics) compgen -W 'text json' -- "$current"; return ;;
         --color) compgen -W 'auto always never' -- "$current"; return ;;
         -C | --directory) compgen -d -- "$current"; return ;;
-        -D | --define | --error | --warn | --ignore) return ;;
+        -D | --define | --symbol | --error | --warn | --ignore) return ;;
     esac
     case $command:$current in
         :-*) compgen -W '--help --version' -- "$current" ;;
         :*) compgen -W 'run check' -- "$current" ;;
         run:-*)
-            compgen -W '--help --define --directory --keep-going --quiet --diagnostics --color
+            compgen -W '--help --define --symbol --directory --keep-going --quiet --diagnostics --color
                 --error --warn --ignore --werror --depfile' -- "$current" ;;
         check:-*)
-            compgen -W '--help --define --directory --keep-going --quiet --diagnostics --color
+            compgen -W '--help --define --symbol --directory --keep-going --quiet --diagnostics --color
                 --error --warn --ignore --werror --against-disk' -- "$current" ;;
         *) compgen -f -- "$current" ;;
     esac

@@ -12,6 +12,7 @@ complete -c tessaron -n $none -f -a run -d 'Run a script'
 complete -c tessaron -n $none -f -a check -d 'Run a script in memory'
 
 complete -c tessaron -n $any -s D -l define -x -d 'A text replacement, NAME=VALUE'
+complete -c tessaron -n $any -l symbol -x -d 'The address of a symbol, NAME=FILE:SYMBOL'
 complete -c tessaron -n $any -s C -l directory -x -a '(__fish_complete_directories)' -d 'Work in this folder'
 complete -c tessaron -n $any -l keep-going -d 'Go on after a statement that failed'
 complete -c tessaron -n $any -s q -l quiet -d 'Print errors only'

@@ -20,6 +20,7 @@
 #include "strict/Audit.hpp"
 #include "strict/Comparison.hpp"
 #include "strict/DependencyFile.hpp"
+#include "strict/ElfSymbols.hpp"
 #include "strict/OutputSet.hpp"
 #include "strict/RunListener.hpp"
 #include "strict/ScriptCheck.hpp"
@@ -244,7 +245,11 @@ void noteOutputsInPlace(const OutputSet& files, DiagnosticSink& sink) {
 
 }  // namespace
 
-ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) {
+ExitCode run(const RunOptions& requested, Printer& printer, std::ostream& output) {
+    RunOptions options = requested;
+    OutputSet files(options.isCheck ? OutputSet::Mode::Memory : OutputSet::Mode::Disk);
+    if (!resolveSymbols(options.symbols, files, options.variables, printer))
+        return ExitCode::Failed;
     auto written = read(options, printer);
     if (!written) return ExitCode::Failed;
     const auto script = prepare(options, std::move(*written), printer);
@@ -258,7 +263,6 @@ ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) 
     checkVariables(options, *script, printer);
     if (printer.errors() != 0 && !options.keepsGoing) return ExitCode::Failed;
 
-    OutputSet files(options.isCheck ? OutputSet::Mode::Memory : OutputSet::Mode::Disk);
     Execution execution(options, *script, check, printer, output, files);
     execution.run(syntax, check.statements());
     if (!execution.isPrinted())

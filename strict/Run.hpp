@@ -3,6 +3,7 @@
 #include <iosfwd>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "strict/Printer.hpp"
 
@@ -12,7 +13,8 @@ namespace Strict {
 struct RunOptions {
     std::string script;  ///< a path; "-" is standard input
     std::map<std::string, std::string> variables;
-    bool isCheck = false;        ///< runs in memory, writes nothing and starts no program
+    std::vector<std::string> symbols;  ///< variables of ELF symbols, "NAME=file:symbol"
+    bool isCheck = false;              ///< runs in memory, writes nothing and starts no program
     bool comparesDisk = false;   ///< with `isCheck`: compares the outputs with the files on disk
     bool keepsGoing = false;     ///< goes on after a statement that failed
     std::string dependencyFile;  ///< empty for none
