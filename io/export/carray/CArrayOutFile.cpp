@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <vector>
 
 #include "util/Hex.hpp"
 
@@ -23,7 +24,7 @@ std::string hexadecimal(std::uint64_t number) {
     return digits.substr(std::min(digits.find_first_not_of('0'), digits.size() - fewestDigits));
 }
 
-void writeElements(PieceWriter& out, std::span<const std::uint8_t> bytes) {
+void writeDigits(PieceWriter& out, std::span<const std::uint8_t> bytes) {
     char* const place = out.reserve(bytes.size() * element.size());
     char* at = place;
     for (const std::uint8_t byte : bytes) {
@@ -37,23 +38,31 @@ void writeElements(PieceWriter& out, std::span<const std::uint8_t> bytes) {
 }  // namespace
 
 void CArrayOutFile::saveToFile() {
+    // Beforehand: memory that runs out later would leave half a file.
+    std::vector<std::string> heads;
+    for (const ImageView& image : images_) heads.push_back(headOf(heads.size() + 1, image));
     PieceWriter out = startOutput();
     out.append("#include <stdint.h>\n");
-    std::size_t number = 0;
+    auto head = heads.begin();
     for (const ImageView& image : images_) {
-        ++number;
-        writeArray(out, number == 1 ? style_.name : style_.name + std::to_string(number), image);
+        out.append(*head++);
+        if (!image.elements.empty()) writeElements(out, image);
     }
     out.finish();
 }
 
-void CArrayOutFile::writeArray(PieceWriter& out, const std::string& name,
-                               const ImageView& image) const {
-    const std::size_t size = image.elements.size();
-    out.append("\n#define " + name + "_address 0x" + hexadecimal(image.startAddress) + "u\n" +
-               "#define " + name + "_length " + std::to_string(size) + "u\n");
-    if (size == 0) return;
-    out.append("static const uint8_t " + name + "[" + std::to_string(size) + "] = {\n");
+/// The lines in front of the elements of image `number`, counted from 1.
+std::string CArrayOutFile::headOf(std::size_t number, const ImageView& image) const {
+    const std::string name = number == 1 ? style_.name : style_.name + std::to_string(number);
+    const std::string size = std::to_string(image.elements.size());
+    std::string head =
+        "\n#define " + name + "_address 0x" + hexadecimal(image.startAddress) + "u\n";
+    head += "#define " + name + "_length " + size + "u\n";
+    if (!image.elements.empty()) head += "static const uint8_t " + name + "[" + size + "] = {\n";
+    return head;
+}
+
+void CArrayOutFile::writeElements(PieceWriter& out, const ImageView& image) const {
     const std::size_t perLine = style_.elementsPerLine;
     std::size_t inLine = 0;
     constexpr std::size_t pieceSize = 4096;
@@ -62,7 +71,7 @@ void CArrayOutFile::writeArray(PieceWriter& out, const std::string& name,
             if (inLine == 0) out.append("   ");
             const std::size_t room = perLine == 0 ? bytes.size() : perLine - inLine;
             const std::size_t count = std::min(room, bytes.size());
-            writeElements(out, bytes.first(count));
+            writeDigits(out, bytes.first(count));
             bytes = bytes.subspan(count);
             inLine += count;
             if (inLine != perLine) continue;

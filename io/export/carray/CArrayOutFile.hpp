@@ -24,7 +24,8 @@ public:
     void setExecutionAddress(std::uint64_t /*address*/) override {}
 
 private:
-    void writeArray(PieceWriter& out, const std::string& name, const ImageView& image) const;
+    std::string headOf(std::size_t number, const ImageView& image) const;
+    void writeElements(PieceWriter& out, const ImageView& image) const;
 
     CArrayOutputStyle style_;
     std::deque<ImageView> images_;

@@ -51,7 +51,8 @@ void appendTargetPrefix(CheckedOutput& out, std::uint64_t bytes, std::uint64_t e
     out.append("Target");
     out.append(0, 1);  // alternate setting
     out.append(0, 4);  // has no name
-    out.append(std::string(targetNameSize, '\0'));
+    constexpr std::array<std::uint8_t, targetNameSize> noName{};
+    out.append(noName);
     out.append(bytes, 4);
     out.append(elements, 4);
 }
