@@ -60,10 +60,23 @@ const char* wordFor(Work work) {
     return words.at(static_cast<std::size_t>(work));
 }
 
+std::string hexByte(std::uint8_t byte) {
+    std::string digits;
+    Util::appendHex(digits, {&byte, 1});
+    return digits;
+}
+
 const char* wordsFor(VariableFault fault) {
     constexpr std::array words{"is no valid regular expression",
                                "is too complex a regular expression", "makes the script too long"};
     return words.at(static_cast<std::size_t>(fault));
+}
+
+const char* wordsFor(CrcParameter parameter) {
+    constexpr std::array words{
+        "a width that is not 1 to 32 bits", "a polynomial of more bits than its width",
+        "an initial value of more bits than its width", "a final xor of more bits than its width"};
+    return words.at(static_cast<std::size_t>(parameter));
 }
 
 /// Prints one fact. Each operator is one message.
@@ -162,6 +175,9 @@ public:
     // The program passes over what is no record in silence.
     void operator()(const LinePassedOver& /*fact*/) const {}
     void operator()(const LinesPassedOver& /*fact*/) const {}
+
+    // The classic readers report none of these.
+    void operator()(const FieldFact& /*fact*/) const {}
 
     void operator()(const RecordCountTooLow& fact) const {
         line("MotorolaS_InFile(storeParsedSize-Operation). Logical error");
@@ -264,10 +280,32 @@ public:
         line("Operation aborted.");
     }
 
+    void operator()(const OverlapRefused& fact) const {
+        line("Error: Buffer ", fact.name, " could not be ", wordFor(Work::Created), " !");
+        if (fact.isDifferent)
+            line(fact.source, " has 0x", hexByte(fact.later), " at address 0x",
+                 Util::hexWord(fact.address), ", written before as 0x", hexByte(fact.earlier));
+        else
+            line(fact.source, " has the same bytes as written before from 0x",
+                 Util::hexWord(fact.start), " to 0x", Util::hexWord(fact.end - 1));
+        line("Operation aborted.");
+    }
+
     void operator()(const StatementExhausted& fact) const {
         line("Error: ", wordFor(fact.subject), " ", fact.name, " could not be ", wordFor(fact.work),
              " !");
         line("Operation aborted. Maybe stack overflow, buffer too big");
+    }
+
+    void operator()(const CrcParameterRefused& fact) const {
+        line("Error: Crc ", fact.name, " has ", wordsFor(fact.parameter), " !");
+        line("Operation aborted.");
+    }
+
+    void operator()(const WordIncomplete& fact) const {
+        line("Error: The data of ", wordFor(fact.subject), " ", fact.name,
+             " does not end with a whole word !");
+        line("Operation aborted.");
     }
 
     void operator()(const FileNotOpened& fact) const {

@@ -76,6 +76,9 @@ std::vector<Fact> examples(Of<LinePassedOver> /*type*/) {
 std::vector<Fact> examples(Of<LinesPassedOver> /*type*/) {
     return {};
 }
+std::vector<Fact> examples(Of<FieldFact> /*type*/) {
+    return {};
+}
 std::vector<Fact> examples(Of<RecordCountTooLow> /*type*/) {
     return {RecordCountTooLow{number, number}};
 }
@@ -138,6 +141,10 @@ std::vector<Fact> examples(Of<NameNotFound> /*type*/) {
         facts.emplace_back(NameNotFound{kind, "NAME"});
     return facts;
 }
+std::vector<Fact> examples(Of<OverlapRefused> /*type*/) {
+    return {OverlapRefused{"NAME", "NAME", number, number, true, number, 0, 0},
+            OverlapRefused{"NAME", "NAME", number, number, false, number, 0, 0}};
+}
 std::vector<Fact> examples(Of<StatementExhausted> /*type*/) {
     std::vector<Fact> facts;
     for (const auto& [subject, work] :
@@ -148,6 +155,17 @@ std::vector<Fact> examples(Of<StatementExhausted> /*type*/) {
           std::pair{Subject::File, Work::Written}, std::pair{Subject::Application, Work::Called}})
         facts.emplace_back(StatementExhausted{subject, "NAME", work});
     return facts;
+}
+std::vector<Fact> examples(Of<CrcParameterRefused> /*type*/) {
+    std::vector<Fact> facts;
+    for (const CrcParameter parameter : {CrcParameter::Width, CrcParameter::Polynomial,
+                                         CrcParameter::Initial, CrcParameter::FinalXor})
+        facts.emplace_back(CrcParameterRefused{"NAME", parameter});
+    return facts;
+}
+std::vector<Fact> examples(Of<WordIncomplete> /*type*/) {
+    return {WordIncomplete{Subject::Crc, "NAME", number, 4},
+            WordIncomplete{Subject::Hash, "NAME", number, 4}};
 }
 std::vector<Fact> examples(Of<FileNotOpened> /*type*/) {
     return {FileNotOpened{"PATH"}};

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <variant>
 
+#include "facts/FieldFacts.hpp"
+
 /// What a run has to report, as values without words.
 ///
 /// The code that meets a problem describes it by one of these structs and hands it to `report`
@@ -273,6 +275,20 @@ struct NameNotFound {
     bool operator==(const NameNotFound&) const = default;
 };
 
+/// Two sources of an image, or two records of its file, write the same addresses, which the
+/// statement refuses; it failed.
+struct OverlapRefused {
+    std::string_view name;    ///< of the image
+    std::string_view source;  ///< the later image, or the file
+    std::uint64_t start;
+    std::uint64_t end;
+    bool isDifferent;       ///< their bytes at `address` differ
+    std::uint64_t address;  ///< the first address with different bytes, or `start`
+    std::uint8_t earlier;   ///< the bytes there, if they differ
+    std::uint8_t later;
+    bool operator==(const OverlapRefused&) const = default;
+};
+
 enum class Subject : std::uint8_t { Buffer, Crc, Hash, Text, File, Application };
 enum class Work : std::uint8_t { Created, Filled, Printed, Written, Called };
 
@@ -282,6 +298,26 @@ struct StatementExhausted {
     std::string_view name;
     Work work;
     bool operator==(const StatementExhausted&) const = default;
+};
+
+/// A parameter of a CRC that a script describes.
+enum class CrcParameter : std::uint8_t { Width, Polynomial, Initial, FinalXor };
+
+/// The width of a CRC is out of its range, or another parameter has a bit beyond the width; the
+/// statement failed.
+struct CrcParameterRefused {
+    std::string_view name;
+    CrcParameter parameter;
+    bool operator==(const CrcParameterRefused&) const = default;
+};
+
+/// The data of a CRC or hash is not a whole number of words; the statement failed.
+struct WordIncomplete {
+    Subject subject;
+    std::string_view name;
+    std::uint64_t length;    ///< of the data
+    std::uint32_t wordSize;  ///< in bytes
+    bool operator==(const WordIncomplete&) const = default;
 };
 
 /// An input file could not be opened or held; the statement failed.
@@ -395,8 +431,9 @@ using Fact =
                  FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
                  RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible,
                  AddressBeyondFormat, FormatNumberWrong, FileWriteIncomplete, NameNotFound,
-                 StatementExhausted, FileNotOpened, FileNotWritten, FileSpanTooLong, BufferPrinted,
-                 ContentPrinted, CrcPrinted, HashPrinted, TextPrinted, ProgramCalled, ProgramEnded,
-                 ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded>;
+                 OverlapRefused, StatementExhausted, CrcParameterRefused, WordIncomplete,
+                 FileNotOpened, FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted,
+                 CrcPrinted, HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
+                 VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace Facts

@@ -3,7 +3,6 @@
 #include <string_view>
 
 #include "util/Hex.hpp"
-#include "util/crc/GenericCrc.hpp"
 
 namespace Io {
 

@@ -4,12 +4,14 @@
 #include <optional>
 #include <utility>
 
+#include "io/import/OverlapSearch.hpp"
 #include "io/import/ParsedData.hpp"
 #include "io/import/TessaronImportApi.hpp"
 
 namespace Io::Import {
 
-/// The answers of a reader that takes all of its file or none: of its data and a start address.
+/// The answers of a reader that takes all of its file or none: of its data and a start address. An
+/// area takes what the file has in it, also one that begins below the data.
 class AddressedData : public TessaronImportApi {
 public:
     std::uint64_t getMinAddress() const override { return data_.minAddress(); }
@@ -19,8 +21,12 @@ public:
     }
     Buffer::MemoryBuffer takeMemory() override { return data_.takeMemory(); }
     Buffer::MemoryBuffer getMemory(std::uint64_t start, std::uint64_t length) const override {
-        return data_.getMemory(start, length);
+        return length == 0 ? Buffer::MemoryBuffer(start, 0) : data_.imageOf({start, length});
     }
+    std::optional<Buffer::Overlap> findOverlap(bool isDifferent) const override {
+        return Import::findOverlap(data_, isDifferent);
+    }
+    void preferFirst() override { data_.preferFirst(); }
     bool hasStartAddress() const override { return startAddress_.has_value(); }
     std::uint64_t getStartAddress() const override { return startAddress_.value_or(0); }
     Buffer::AreaList getDataAreas() const override { return data_.getDataAreas(); }

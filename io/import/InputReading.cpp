@@ -4,7 +4,8 @@
 
 namespace Io::Import {
 
-std::unique_ptr<TessaronImportApi> ClassicReading::open(const std::string& path) const {
+std::unique_ptr<TessaronImportApi> ClassicReading::open(const std::string& path,
+                                                        Buffer::OverlapRule /*rule*/) const {
     return std::make_unique<GenericInFile>(path);
 }
 

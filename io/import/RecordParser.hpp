@@ -93,12 +93,4 @@ Parser parseLines(TextLines& lines) {
     return parser;
 }
 
-/// The big-endian number that `bytes` form, modulo 2^64.
-template <class Bytes>
-std::uint64_t bigEndian(const Bytes& bytes) {
-    std::uint64_t number = 0;
-    for (const std::uint8_t byte : bytes) number = number << 8U | byte;
-    return number;
-}
-
 }  // namespace Io::Import

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "buffer/Area.hpp"
 #include "buffer/MemoryBuffer.hpp"
+#include "buffer/Overlap.hpp"
 
 namespace Io::Import {
 
@@ -61,6 +63,14 @@ public:
     /// The runs of the data in the order of the file, of which the last that has an address counts.
     /// Empty if the reader keeps no lines.
     virtual std::vector<SourceRun> getSourceRuns() const { return {}; }
+
+    /// The first range that the file gives a second time, in the order in which it does so.
+    ///
+    /// @param isDifferent  with other bytes
+    virtual std::optional<Buffer::Overlap> findOverlap(bool /*isDifferent*/) const { return {}; }
+
+    /// Lets the first of several bytes for one address count from now on, in place of the last one.
+    virtual void preferFirst() {}
 
     /// The line that gave the byte that counts at `address`, counted from 1; 0 if none did or the
     /// reader keeps no lines. Reads a part of the file once more.

@@ -6,6 +6,7 @@
 #include "buffer/Area.hpp"
 #include "buffer/MemoryBuffer.hpp"
 #include "io/import/InputReading.hpp"
+#include "parser/commands/ImageObserver.hpp"
 #include "util/crc/ByteList.hpp"
 
 namespace Parser::WrapperLib {
@@ -15,8 +16,8 @@ using Buffer::AreaList;
 using Util::Crc::ByteList;
 
 /// What the statements of one run share: what they have made, by name, and the choices of the front
-/// end. An entry is inserted once: a second one of the
-/// same name changes nothing, and none is replaced or removed during a run.
+/// end. An entry is inserted once: a second one of the same name changes nothing, and none is
+/// replaced or removed during a run.
 struct CmdContext {
     std::map<std::string, std::string> variables;         ///< text replacements of the script
     std::map<std::string, ByteList> crcs;                 ///< made by NEW_CRC
@@ -24,6 +25,8 @@ struct CmdContext {
     std::map<std::string, Buffer::MemoryBuffer> buffers;  ///< made by NEW_BUFFER
     /// How FROM_FILE reads, borrowed.
     const Io::Import::InputReading* reading = &Io::Import::classicReading();
+    /// Learns what goes into the images, borrowed; null for nobody.
+    ImageObserver* observer = nullptr;
 };
 
 }  // namespace Parser::WrapperLib

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "io/IntelHexRecord.hpp"
+#include "io/field/FieldParser.hpp"
+
+namespace Io::Field {
+
+/// Takes the records of Intel HEX (Intel, "Hexadecimal Object File Format Specification",
+/// revision A). A record goes on upward after the last address that its field can express.
+class IntelHexFieldParser final : public FieldParser {
+public:
+    IntelHexFieldParser(const std::string& file, std::uint64_t fileSize)
+        : FieldParser(file, Facts::RecordFormat::IntelHex, fileSize) {}
+
+    std::size_t dataSizeOf(std::string_view line) const override;
+
+private:
+    bool takeRecord(std::string_view line) override;
+    bool isSound(const IntelRecord& record);
+    void useData(const IntelRecord& record);
+    void use(const IntelRecord& record);
+
+    std::uint64_t base_ = 0;
+    bool isSegment_ = false;  ///< the base is that of a segment
+};
+
+}  // namespace Io::Field
