@@ -65,13 +65,15 @@ std::optional<std::uint64_t> addressOf(const std::vector<ElfSymbol>& symbols,
     for (const ElfSymbol& symbol : symbols) {
         if (symbol.name != name || address == symbol.address) continue;
         if (address) {
-            report(sink, "unknown-name", path + " has several symbols " + name);
+            std::string text = path;
+            report(sink, "unknown-name", text.append(" has several symbols ").append(name));
             return std::nullopt;
         }
         address = symbol.address;
     }
     if (!address) {
         std::vector<std::string> names;
+        names.reserve(symbols.size());
         for (const ElfSymbol& symbol : symbols) names.push_back(symbol.name);
         const auto close = nearest(name, names);
         report(sink, "unknown-name", path + " has no symbol " + name,

@@ -209,7 +209,8 @@ bool CmdNewBuffer::isWhole() const {
 }
 
 std::unique_ptr<TessaronImportApi> CmdNewBuffer::openFile(const CmdContext& context) const {
-    const std::string path = fileName_.c_str();
+    // For the system a path ends at a zero byte.
+    const std::string path = fileName_.substr(0, fileName_.find('\0'));
     switch (fileKind_) {
         case FileKind::Raw:
             return std::make_unique<GenericInFile>(path, Io::Import::rawBinary);
