@@ -100,6 +100,18 @@ void addCommon(CLI::App& command, Request& request, Texts& texts) {
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
     addDisplay(command, request, texts);
+    command
+        .add_option("--symbol", request.run.symbols, "a variable that is the address of a symbol")
+        ->type_name("NAME=FILE:SYMBOL")
+        ->allow_extra_args(false)
+        ->check([](const std::string& text) {
+            const std::size_t equals = text.find('=');
+            const std::size_t colon = text.rfind(':');
+            const bool isWhole = equals != std::string::npos && equals > 0 &&
+                                 colon != std::string::npos && colon > equals + 1 &&
+                                 colon + 1 < text.size();
+            return isWhole ? std::string() : text + " is not NAME=FILE:SYMBOL";
+        });
     command.add_flag("--keep-going", request.run.keepsGoing,
                      "goes on after a statement that failed");
     command.add_option("--ignore", texts.ignored, "drops these diagnostics")

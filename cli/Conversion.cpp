@@ -18,7 +18,7 @@ using Strict::ExitCode;
 struct Ending {
     std::string_view ending;
     const char* source;  ///< of NEW_BUFFER
-    const char* format;  ///< of WRITE_FILE
+    const char* format;  ///< of WRITE_FILE; null for a format that is read only
     bool hasStart;       ///< the format has a start address
     bool hasAddresses;   ///< the format can leave gaps
 };
@@ -33,6 +33,12 @@ constexpr std::array endings{
     Ending{".s37", "FROM_FILE", "MotorolaS_32", true, true},
     Ending{".srec", "FROM_FILE", "MotorolaS_32", true, true},
     Ending{".sre", "FROM_FILE", "MotorolaS_32", true, true},
+    Ending{".elf", "FROM_ELF", nullptr, false, false},
+    Ending{".axf", "FROM_ELF", nullptr, false, false},
+    Ending{".out", "FROM_ELF", nullptr, false, false},
+    Ending{".uf2", "FROM_UF2", nullptr, false, false},
+    Ending{".txt", "FROM_TI_TXT", "TiTxt", false, true},
+    Ending{".dfu", "FROM_FILE", "DfuSe", false, true},
     Ending{".bin", "FROM_FILE_BINARY", "RawBinary", false, false},
     Ending{".raw", "FROM_FILE_BINARY", "RawBinary", false, false},
     Ending{".img", "FROM_FILE_BINARY", "RawBinary", false, false},
@@ -69,10 +75,12 @@ std::optional<std::string> quoted(const std::string& path, Strict::Printer& prin
 /// The format's keyword, given or of the ending; nothing after a diagnostic.
 std::optional<std::string> formatOf(const Conversion& conversion, Strict::Printer& printer) {
     if (!conversion.format.empty()) return conversion.format;
-    if (const Ending* const ending = endingOf(conversion.output)) return ending->format;
+    const Ending* const named = endingOf(conversion.output);
+    if (named != nullptr && named->format != nullptr) return named->format;
     std::string known;
     for (const Ending& ending : endings)
-        known += (known.empty() ? "" : ", ") + std::string(ending.ending);
+        if (ending.format != nullptr)
+            known += (known.empty() ? "" : ", ") + std::string(ending.ending);
     fail("wrong-format", "the ending of " + conversion.output + " names no format",
          "give --format, or one of the endings " + known, printer);
     return std::nullopt;
@@ -82,7 +90,8 @@ std::optional<std::string> formatOf(const Conversion& conversion, Strict::Printe
 bool has(const std::string& format, bool Ending::*property) {
     const std::string word = format.substr(0, format.find('_'));
     const auto* const found = std::ranges::find_if(endings, [&word](const Ending& ending) {
-        return std::string_view(ending.format).substr(0, word.size()) == word;
+        return ending.format != nullptr &&
+               std::string_view(ending.format).substr(0, word.size()) == word;
     });
     return found == endings.end() || found->*property;
 }

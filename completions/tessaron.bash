@@ -17,11 +17,11 @@ _tessaron_words() {
         --diagnostics) compgen -W 'text json' -- "$current"; return ;;
         --color) compgen -W 'auto always never' -- "$current"; return ;;
         -C | --directory) compgen -d -- "$current"; return ;;
-        -D | --define | --error | --warn | --ignore | --width | --context | --max-lines | --crop | \
-            --fill | --offset | --format) return ;;
+        -D | --define | --symbol | --error | --warn | --ignore | --width | --context | --max-lines | \
+            --crop | --fill | --offset | --format) return ;;
     esac
     local common='--help --directory --quiet --diagnostics --color --error --warn'
-    local script="$common --define --keep-going --ignore --werror"
+    local script="$common --define --symbol --keep-going --ignore --werror"
     case $command:$current in
         :-*) compgen -W '--help --version' -- "$current" ;;
         :*) compgen -W 'run check info diff map convert' -- "$current" ;;

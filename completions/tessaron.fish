@@ -27,6 +27,7 @@ complete -c tessaron -n $any -l color -x -a 'auto always never' -d 'Color the ou
 complete -c tessaron -n $any -l error -x -d 'Count these diagnostics as errors'
 complete -c tessaron -n $any -l warn -x -d 'Count these diagnostics as warnings'
 complete -c tessaron -n $script -s D -l define -x -d 'A text replacement, NAME=VALUE'
+complete -c tessaron -n $script -l symbol -x -d 'The address of a symbol, NAME=FILE:SYMBOL'
 complete -c tessaron -n $script -l keep-going -d 'Go on after a statement that failed'
 complete -c tessaron -n $script -l ignore -x -d 'Drop these diagnostics'
 complete -c tessaron -n $script -l werror -d 'Count all warnings as errors'

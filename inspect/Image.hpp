@@ -19,7 +19,7 @@ using Parts = std::vector<Buffer::MemoryBuffer>;
 /// A file as it was read.
 struct Image {
     std::string path;    ///< as given
-    std::string format;  ///< "Intel HEX", "S-records", "raw bytes"
+    std::string format;  ///< "Intel HEX", "S-records", "ELF", "UF2", "TI-TXT", "raw bytes"
     Parts parts;
     std::optional<std::uint64_t> startAddress;
 

@@ -4,7 +4,8 @@
 set -eu
 
 build="g++ cmake ninja-build libboost-dev libcunit1-dev libcli11-dev nlohmann-json3-dev"
-test="$build clang clang-format clang-tidy git libgtest-dev python3 valgrind gcovr srecord binutils
+test="$build clang clang-format clang-tidy git libgtest-dev python3 valgrind gcovr srecord binutils dfu-util
+      gcc-arm-none-eabi
       openssl xxd libclang-rt-14-dev libdigest-crc-perl make nodejs npm groff-base mandoc vim strace
       zsh fish python3-jsonschema chromium"
 demo="$build python3 srecord"

@@ -26,7 +26,9 @@ using Io::Import::TessaronImportApi;
 /// Ranges that are reported one by one; of the others only the number is.
 constexpr std::size_t mostReported = 20;
 
-const std::vector<std::string_view> inputFile{"SetFileAsSource -> ", "SetRawFileAsSource -> "};
+const std::vector<std::string_view> inputFile{"SetFileAsSource -> ", "SetRawFileAsSource -> ",
+                                              "SetElfFileAsSource -> ", "SetUf2FileAsSource -> ",
+                                              "SetTiTxtFileAsSource -> "};
 
 /// Hears nothing of what a file that was read before has to say.
 class Deaf final : public Facts::Listener {

@@ -20,6 +20,7 @@
 #include "strict/Audit.hpp"
 #include "strict/Comparison.hpp"
 #include "strict/DependencyFile.hpp"
+#include "strict/ElfSymbols.hpp"
 #include "strict/ImageReading.hpp"
 #include "strict/OutputSet.hpp"
 #include "strict/Proof.hpp"
@@ -274,7 +275,16 @@ bool useRecord(const RunOptions& options, const Inspect::RunRecord& record, Outp
 
 }  // namespace
 
-ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) {
+ExitCode run(const RunOptions& requested, Printer& printer, std::ostream& output) {
+    RunOptions options = requested;
+    OutputSet files(options.isCheck ? OutputSet::Mode::Memory : OutputSet::Mode::Disk);
+    RemarkList remarks(printer.policy());
+    if (needsRecord(options)) {
+        files.keepDigests();
+        printer.copyTo(remarks);
+    }
+    if (!resolveSymbols(options.symbols, files, options.variables, printer))
+        return ExitCode::Failed;
     auto written = read(options, printer);
     if (!written) return ExitCode::Failed;
     const auto script = prepare(options, std::move(*written), printer);
@@ -288,12 +298,6 @@ ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) 
     checkVariables(options, *script, printer);
     if (printer.errors() != 0 && !options.keepsGoing) return ExitCode::Failed;
 
-    OutputSet files(options.isCheck ? OutputSet::Mode::Memory : OutputSet::Mode::Disk);
-    RemarkList remarks(printer.policy());
-    if (needsRecord(options)) {
-        files.keepDigests();
-        printer.copyTo(remarks);
-    }
     Execution execution(options, *script, check, printer, output, files);
     execution.run(syntax, check.statements());
     if (!execution.isPrinted())

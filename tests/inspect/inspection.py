@@ -27,7 +27,7 @@ def tessaron(*arguments, code=0, standard_input=None):
 
 
 def srec_cat(*arguments):
-    subprocess.run(["srec_cat", *arguments], check=True)
+    subprocess.run(["srec_cat", *arguments], check=True, stderr=subprocess.DEVNULL)
 
 
 def write(path, image, *options):
@@ -204,6 +204,13 @@ class Inspection(unittest.TestCase):
         write("gaps.hex", {FLASH: b"12345", FLASH + 0x20000: b"678"})
         tessaron("convert", "gaps.hex", "gaps.s19")
         self.assertEqual(tessaron("diff", "gaps.hex", "gaps.s19"), "")
+        srec_cat("gaps.hex", "-intel", "-o", "want.txt", "-ti_txt")
+        self.assertEqual(tessaron("diff", "gaps.hex", "want.txt"), "")
+        tessaron("convert", "want.txt", "back.hex")
+        self.assertEqual(tessaron("diff", "gaps.hex", "back.hex"), "")
+        tessaron("convert", "gaps.hex", "out.txt")
+        srec_cat("out.txt", "-ti_txt", "-o", "again.hex", "-intel")
+        self.assertEqual(tessaron("diff", "gaps.hex", "again.hex"), "")
         tessaron("convert", "a.hex", "out.unknown", code=1)
         tessaron("convert", "a.hex", 'a"b.bin', code=1)
         tessaron("convert", "a.hex", "out.hex", "--offset", "0xF0000000", code=1)
