@@ -403,8 +403,11 @@ void Page::addScript() {
     add("<ol class=\"script\">\n");
     for (std::size_t i = 0; i < lines_.size(); ++i) {
         const std::string number = std::to_string(i + 1);
-        add("<li id=\"line-" + number + "\"><span class=\"no\">" + number +
-            "</span><span class=\"text\">");
+        for (const std::string_view piece :
+             {std::string_view("<li id=\"line-"), std::string_view(number),
+              std::string_view("\"><span class=\"no\">"), std::string_view(number),
+              std::string_view("</span><span class=\"text\">")})
+            add(piece);
         addText(lines_[i]);
         add("</span>");
         addMade(i + 1);
