@@ -139,7 +139,8 @@
       const range = this.image.rangeAt(address);
       light(range && this.image.origins[range[3]][1]);
     }
-    /** Draws what is in view: neighbours of one kind and origin as one box, at least a pixel wide. */
+    /** Draws what is in view: neighbours of one kind as one box. What the script wrote is often short
+        and what one looks for, so it is never narrower than three pixels and on top. */
     draw() {
       const make = (name) => document.createElementNS("http://www.w3.org/2000/svg", name);
       const {ranges} = this.image;
@@ -147,19 +148,21 @@
       const scale = 1000 / this.span;
       this.svg.replaceChildren();
       this.title = make("title");
+      const values = make("g");
       this.svg.append(this.title);
       let box = null;
       for (let i = Math.max(0, lastFrom(ranges, this.from, (r) => r[0])); i < ranges.length; ++i) {
         const [start, length, kind] = ranges[i];
         if (start >= end) break;
-        const left = Math.max(0, (start - this.from) * scale);
-        const right = Math.min(1000, Math.max((start + length - this.from) * scale, left + 1.5));
-        if (right <= 0) continue;
-        if (box && left - box.right < 0.5 && (box.kind === kind || right - left < 1.5 && kind < 3)) {
+        if (start + length <= this.from) continue;
+        const narrowest = kind === 3 ? 3 : 1;
+        const left = Math.min(Math.max(0, (start - this.from) * scale), 1000 - narrowest);
+        const right = Math.min(1000, Math.max((start + length - this.from) * scale, left + narrowest));
+        if (box && box.kind === kind && left - box.right < 0.5) {
           box.right = Math.max(box.right, right);
         } else {
           box = {left, right, kind, rect: make("rect")};
-          this.svg.append(box.rect);
+          (kind === 3 ? values : this.svg).append(box.rect);
         }
         box.rect.setAttribute("class", "k" + box.kind);
         box.rect.setAttribute("x", box.left);
@@ -167,6 +170,7 @@
         box.rect.setAttribute("height", 84);
         box.rect.setAttribute("width", box.right - box.left);
       }
+      this.svg.append(values);
       this.mark = make("path");
       this.mark.setAttribute("class", "cursor");
       this.svg.append(this.mark);

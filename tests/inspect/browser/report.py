@@ -105,6 +105,8 @@ def main():
                for text in found]
     faults += ["%s: the page is %d pixels too wide" % entry for entry in seen["widths"].items()
                if entry[1] > 0]
+    if seen["drawn"] != ["k3", "k3"]:
+        faults.append("short values are drawn as %s" % seen["drawn"])
     if seen["step"] != 1:
         faults.append("an arrow key moved by %d" % seen["step"])
     if seen["pages"] < 5000:

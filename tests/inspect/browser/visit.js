@@ -56,6 +56,15 @@ async function main() {
     if (name === "wide") {
       for (const [image, address] of JSON.parse(questions))
         seen.answers.push(await ask(page, image, address));
+      await page.locator('[data-map="1"][data-act="all"]').click();
+      await page.locator("#go-1").fill("0x08000000");
+      await page.locator("#go-1").press("Enter");
+      // What is drawn where the script wrote two bytes, and four at the end.
+      seen.drawn = await page.evaluate(() => [0x8001, 0xfffe].map((offset) => {
+        const box = document.getElementById("map-1").getBoundingClientRect();
+        return document.elementFromPoint(box.left + 1 + (box.width - 2) * offset / 0x10000,
+                                         box.top + box.height / 2).getAttribute("class");
+      }));
       await page.locator("#map-0").focus();
       await page.keyboard.press("Home");
       const before = await page.locator("#map-0").getAttribute("aria-valuenow");
