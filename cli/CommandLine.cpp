@@ -250,6 +250,9 @@ int read(int argumentCount, char** arguments, Request& request) {
     run->add_option("--manifest", request.run.manifest,
                     "writes what went into the run and came out of it, as JSON")
         ->type_name("FILE");
+    run->add_option("--map", request.run.map,
+                    "writes a map of the images, as a picture if FILE ends in .svg")
+        ->type_name("FILE");
     run->add_option("--report", request.run.report, "writes the same as a page for a browser")
         ->type_name("FILE.html");
     CLI::App* const check = app.add_subcommand(

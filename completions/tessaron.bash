@@ -25,7 +25,7 @@ _tessaron_words() {
     case $command:$current in
         :-*) compgen -W '--help --version' -- "$current" ;;
         :*) compgen -W 'run check info diff map convert' -- "$current" ;;
-        run:-*) compgen -W "$script --depfile --manifest --report" -- "$current" ;;
+        run:-*) compgen -W "$script --depfile --manifest --map --report" -- "$current" ;;
         check:-*) compgen -W "$script --against-disk --manifest" -- "$current" ;;
         info:-*) compgen -W "$common --json --width" -- "$current" ;;
         diff:-*)

@@ -16,12 +16,12 @@ cp -r examples/firmware/. build/demo-firmware
 cd build/demo-firmware
 echo "== the script, examples/firmware/release.tsn"
 cat release.tsn
-echo "== tessaron run release.tsn inFile=firmware.hex outFile=release.hex --report report.html"
-../release/tessaron run release.tsn inFile=firmware.hex outFile=release.hex --report report.html
+echo "== tessaron run release.tsn inFile=firmware.hex outFile=release.hex --report report.html --map map.txt"
+../release/tessaron run release.tsn inFile=firmware.hex outFile=release.hex --report report.html --map map.txt
 echo "== the last records of release.hex"
 tail -n 3 release.hex
 echo "== what srecord says of it"
 sh check.sh release.hex
-echo "== tessaron map firmware.hex release.hex"
-../release/tessaron map firmware.hex release.hex
+echo "== the map of the image, map.txt"
+cat map.txt
 echo "== what is in the image, and where it came from: $PWD/report.html"

@@ -17,6 +17,7 @@
 #include "parser/text/VariableExpansion.hpp"
 #include "platform/Files.hpp"
 #include "platform/Replace.hpp"
+#include "platform/Streams.hpp"
 #include "strict/Audit.hpp"
 #include "strict/Comparison.hpp"
 #include "strict/DependencyFile.hpp"
@@ -255,8 +256,18 @@ void noteOutputsInPlace(const OutputSet& files, DiagnosticSink& sink) {
                {}});
 }
 
+/// The final images: a picture if the path is that of one, or text.
+std::string mapOf(const Inspect::RunRecord& record, const std::string& path) {
+    constexpr std::size_t width = 80;
+    std::vector<Inspect::MapRow> rows;
+    for (const Inspect::ImageRecord& image : record.images) rows.push_back(Inspect::rowOf(image));
+    const Inspect::Map map(std::move(rows));
+    return path.ends_with(".svg") ? map.svg() : map.text(width, Platform::showsUnicode());
+}
+
 bool needsRecord(const RunOptions& options) {
-    return options.comparesDisk || !options.manifest.empty() || !options.report.empty();
+    return options.comparesDisk || !options.manifest.empty() || !options.report.empty() ||
+           !options.map.empty();
 }
 
 /// Compares the record with what is on disk, or adds it to the outputs. False if anything differs.
@@ -269,6 +280,7 @@ bool useRecord(const RunOptions& options, const Inspect::RunRecord& record, Outp
     }
     if (!options.manifest.empty())
         addFile(files, options.manifest, Inspect::manifestOf(record), sink);
+    if (!options.map.empty()) addFile(files, options.map, mapOf(record, options.map), sink);
     if (!options.report.empty()) addFile(files, options.report, Inspect::reportOf(record), sink);
     return true;
 }

@@ -152,6 +152,18 @@ class Manifest(unittest.TestCase):
         manifest = json.loads(pathlib.Path("out.json").read_text())
         self.assertEqual(manifest["outputs"][1]["sha256"], sha256("out.bin"))
 
+    def test_map(self):
+        script = "\n".join(line for line in SCRIPT.splitlines() if "Moved" not in line)
+        pathlib.Path("release.tsn").write_text(script + "\n")
+        subprocess.run([PROGRAM, "run", "release.tsn", "inFile=app.hex", "--map", "map.txt"],
+                       env={"LC_ALL": "C"}, check=True)
+        # 76 cells for 0x400 bytes: data up to the 19th cell, filler up to half of the 29th, data up
+        # to the 57th, filler, and the CRC in the last one.
+        self.assertIn(" |" + "#" * 19 + "-" * 9 + "+" + "#" * 28 + "-" * 18 + "V|\n",
+                      pathlib.Path("map.txt").read_text())
+        tessaron("run", "release.tsn", "inFile=app.hex", "--map", "map.svg")
+        self.assertIn('class="value"', pathlib.Path("map.svg").read_text())
+
     def test_failed_run_writes_nothing(self):
         os.remove("out.json")
         tessaron("run", "release.tsn", "inFile=none.hex", "--manifest", "out.json", "--report",
