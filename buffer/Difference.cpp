@@ -4,33 +4,27 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
-#include <utility>
 
 namespace Buffer {
 
 namespace {
 
-/// Joins addresses that are handed over in ascending order.
-class Ranges {
-public:
-    void add(std::uint64_t address) {
-        if (!areas_.empty() && areas_.back().end() == address)
-            ++areas_.back().length;
-        else
-            areas_.push_back({address, 1});
-    }
-    AreaList take() { return std::move(areas_); }
-
-private:
-    AreaList areas_;
-};
-
 WrittenBits::Word flags(ElementView part, std::size_t at, std::size_t count) {
     return part.empty() ? 0 : part.written(at, count);
 }
 
-/// Compares a range that each image has as a whole or not at all.
-void compare(ElementView left, ElementView right, std::uint64_t start, Ranges& ranges) {
+/// Adds an address above all those that the areas have.
+void add(AreaList& areas, std::uint64_t address) {
+    if (!areas.empty() && areas.back().end() == address)
+        ++areas.back().length;
+    else
+        areas.push_back({address, 1});
+}
+
+/// Calls `take` with each address, ascending, at which only the left image has a byte, only the
+/// right one has, or both have different ones, and with its two flags.
+template <class Take>
+void compare(ElementView left, ElementView right, std::uint64_t start, Take take) {
     const std::size_t size = std::max(left.size(), right.size());
     for (std::size_t at = 0; at < size; at += WrittenBits::perWord) {
         const std::size_t count = std::min(WrittenBits::perWord, size - at);
@@ -46,12 +40,27 @@ void compare(ElementView left, ElementView right, std::uint64_t start, Ranges& r
             const bool isInRight = (other >> i & 1U) != 0;
             const bool isEqual = isInLeft == isInRight &&
                                  (!isInLeft || left.values()[at + i] == right.values()[at + i]);
-            if (!isEqual) ranges.add(start + at + i);
+            if (!isEqual) take(start + at + i, isInLeft, isInRight);
         }
     }
 }
 
+ElementView part(const MemoryBuffer* image, const Area& range) {
+    return image == nullptr ? ElementView() : image->viewRange(range.start, range.length);
+}
+
 }  // namespace
+
+void appendDifferences(const MemoryBuffer* left, const MemoryBuffer* right, const Area& range,
+                       Differences& found) {
+    compare(part(left, range), part(right, range), range.start,
+            [&found](std::uint64_t address, bool isInLeft, bool isInRight) {
+                AreaList& areas = !isInRight  ? found.onlyLeft
+                                  : !isInLeft ? found.onlyRight
+                                              : found.changed;
+                add(areas, address);
+            });
+}
 
 AreaList differences(const MemoryBuffer& left, const MemoryBuffer& right) {
     const Area one = left.getArea();
@@ -59,14 +68,15 @@ AreaList differences(const MemoryBuffer& left, const MemoryBuffer& right) {
     // Between two of these borders each image has all addresses or none.
     std::array borders{one.start, one.end(), two.start, two.end()};
     std::ranges::sort(borders);
-    Ranges ranges;
+    AreaList ranges;
     for (std::size_t i = 0; i + 1 < borders.size(); ++i) {
         const std::uint64_t start = borders[i];
         const std::uint64_t length = borders[i + 1] - start;
         if (length != 0)
-            compare(left.viewRange(start, length), right.viewRange(start, length), start, ranges);
+            compare(left.viewRange(start, length), right.viewRange(start, length), start,
+                    [&ranges](std::uint64_t address, bool, bool) { add(ranges, address); });
     }
-    return ranges.take();
+    return ranges;
 }
 
 }  // namespace Buffer

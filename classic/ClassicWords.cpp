@@ -4,6 +4,7 @@
 #include <ios>
 #include <string>
 
+#include "classic/FormatFaultWords.hpp"
 #include "util/Hex.hpp"
 
 namespace Classic {
@@ -18,6 +19,12 @@ const char* nameOf(InputFormat reader) {
             return "IntelHexInFile";
         case InputFormat::MotorolaS:
             return "MotorolaS_InFile";
+        case InputFormat::Elf:
+            return "ElfInFile";
+        case InputFormat::Uf2:
+            return "Uf2InFile";
+        case InputFormat::TiTxt:
+            return "TiTxtInFile";
         case InputFormat::RawBinary:
             break;
     }
@@ -199,6 +206,11 @@ public:
              fact.mostBytes);
     }
 
+    void operator()(const FileMalformed& fact) const {
+        line("file: ", fact.file, " has no ", nameOfFormat(fact.format), " format (",
+             Classic::wordsFor(fact), "). Execution aboarded. The file was not parsed.");
+    }
+
     void operator()(const FileReadIncomplete& fact) const {
         errors_ << "Warning: File " << fact.file << " could not be read completely !" << std::endl;
     }
@@ -243,6 +255,18 @@ public:
     void operator()(const GapsNotExpressible& fact) const {
         line("Error: File ", fact.file, " could not be written ! Format ", fact.format,
              " cannot skip addresses.");
+        line("Operation aborted.");
+    }
+
+    void operator()(const AddressBeyondFormat& fact) const {
+        line("Error: File ", fact.file, " could not be written ! ", fact.format,
+             " has no addresses above 0xFFFFFFFF.");
+        line("Operation aborted.");
+    }
+
+    void operator()(const FormatNumberWrong& fact) const {
+        line("Error: File ", fact.file, " could not be written ! Format ", fact.format,
+             " does not take the number ", std::to_string(fact.number), ".");
         line("Operation aborted.");
     }
 

@@ -88,6 +88,19 @@ std::vector<Fact> examples(Of<DataSpanTooLong> /*type*/) {
 std::vector<Fact> examples(Of<RawFileTooLong> /*type*/) {
     return {RawFileTooLong{number, number}};
 }
+std::vector<Fact> examples(Of<FileMalformed> /*type*/) {
+    std::vector<Fact> facts;
+    const auto add = [&facts](InputFormat format, FormatFault first, FormatFault last) {
+        for (auto fault = static_cast<std::uint8_t>(first);
+             fault <= static_cast<std::uint8_t>(last); ++fault)
+            facts.emplace_back(
+                FileMalformed{format, "PATH", static_cast<FormatFault>(fault), number, number});
+    };
+    add(InputFormat::Elf, FormatFault::MagicMissing, FormatFault::AddressTooHigh);
+    add(InputFormat::Uf2, FormatFault::SizeNotWhole, FormatFault::FamiliesMixed);
+    add(InputFormat::TiTxt, FormatFault::LineUnknown, FormatFault::AfterEnd);
+    return facts;
+}
 std::vector<Fact> examples(Of<FileReadIncomplete> /*type*/) {
     return {FileReadIncomplete{"PATH"}};
 }
@@ -112,6 +125,12 @@ std::vector<Fact> examples(Of<TooManyBytes> /*type*/) {
 }
 std::vector<Fact> examples(Of<GapsNotExpressible> /*type*/) {
     return {GapsNotExpressible{"FORMAT", "PATH"}};
+}
+std::vector<Fact> examples(Of<AddressBeyondFormat> /*type*/) {
+    return {AddressBeyondFormat{"FORMAT", "PATH", 0xFFFFFFFF}};
+}
+std::vector<Fact> examples(Of<FormatNumberWrong> /*type*/) {
+    return {FormatNumberWrong{"FORMAT", "PATH", number}};
 }
 std::vector<Fact> examples(Of<FileWriteIncomplete> /*type*/) {
     return {FileWriteIncomplete{"PATH"}};

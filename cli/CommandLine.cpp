@@ -1,8 +1,13 @@
 #include "cli/CommandLine.hpp"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
 #include <iostream>
+#include <limits>
 #include <map>
+#include <string_view>
 
 #include "platform/Version.hpp"
 
@@ -18,13 +23,71 @@ struct Texts {
     std::vector<std::string> warnings;
     std::vector<std::string> ignored;
     bool areWarningsErrors = false;
+    std::vector<std::string> ignoredAreas;
+    std::string crop;
+    std::string fill;
+    std::string offset;
 };
+
+/// The number that a text is as a whole, decimal or with 0x hexadecimal; 0x may be followed by
+/// sixteen digits.
+std::uint64_t numberIn(const std::string& option, std::string_view text) {
+    const bool isHex = text.starts_with("0x") || text.starts_with("0X");
+    const std::string_view digits = isHex ? text.substr(2) : text;
+    std::uint64_t number = 0;
+    const auto end =
+        std::from_chars(digits.data(), digits.data() + digits.size(), number, isHex ? 16 : 10);
+    if (end.ec != std::errc() || end.ptr != digits.data() + digits.size())
+        throw CLI::ValidationError(option, std::string(text) + " is no number");
+    return number;
+}
+
+/// The numbers of a list "1, 0x2", which may be in braces.
+std::vector<std::uint64_t> numbersIn(const std::string& option, std::string text) {
+    std::erase_if(text, [](char c) { return c == ' ' || c == '{' || c == '}'; });
+    std::vector<std::uint64_t> numbers;
+    for (std::size_t at = 0; at <= text.size();) {
+        const std::size_t comma = std::min(text.find(',', at), text.size());
+        numbers.push_back(numberIn(option, std::string_view(text).substr(at, comma - at)));
+        at = comma + 1;
+    }
+    return numbers;
+}
+
+Buffer::Area areaIn(const std::string& option, const std::string& text) {
+    const auto numbers = numbersIn(option, text);
+    if (numbers.size() != 2 || numbers[0] + numbers[1] < numbers[0])
+        throw CLI::ValidationError(option, text + " is no area START,LENGTH");
+    return {numbers[0], numbers[1]};
+}
 
 std::string version() {
     const auto info = Platform::versionInfo("");
     if (!info) return "tessaron";
     return "tessaron " + std::to_string(info->major) + "." + std::to_string(info->minor) + " (" +
            info->commit + ")";
+}
+
+/// Options of every command.
+void addDisplay(CLI::App& command, Request& request, Texts& texts) {
+    command.add_option("-C,--directory", request.folder, "works in this folder")->type_name("DIR");
+    command.add_flag("-q,--quiet", request.isQuiet, "prints errors only");
+    const std::map<std::string, Strict::DiagnosticFormat> formats{
+        {"text", Strict::DiagnosticFormat::Text}, {"json", Strict::DiagnosticFormat::Json}};
+    command.add_option("--diagnostics", request.format, "the form of the diagnostics")
+        ->type_name("text|json")
+        ->transform(CLI::CheckedTransformer(formats).description(""));
+    const std::map<std::string, Color> colors{
+        {"auto", Color::Auto}, {"always", Color::Always}, {"never", Color::Never}};
+    command.add_option("--color", request.color, "colors the output")
+        ->type_name("auto|always|never")
+        ->transform(CLI::CheckedTransformer(colors).description(""));
+    command.add_option("--error", texts.errors, "counts these diagnostics as errors")
+        ->type_name("NAME")
+        ->allow_extra_args(false);
+    command.add_option("--warn", texts.warnings, "counts these diagnostics as warnings")
+        ->type_name("NAME")
+        ->allow_extra_args(false);
 }
 
 void addCommon(CLI::App& command, Request& request, Texts& texts) {
@@ -36,26 +99,21 @@ void addCommon(CLI::App& command, Request& request, Texts& texts) {
     command.add_option("-D,--define", texts.definitions, "a text replacement, as the operand")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
-    command.add_option("-C,--directory", request.folder, "works in this folder")->type_name("DIR");
+    addDisplay(command, request, texts);
+    command
+        .add_option("--symbol", request.run.symbols, "a variable that is the address of a symbol")
+        ->type_name("NAME=FILE:SYMBOL")
+        ->allow_extra_args(false)
+        ->check([](const std::string& text) {
+            const std::size_t equals = text.find('=');
+            const std::size_t colon = text.rfind(':');
+            const bool isWhole = equals != std::string::npos && equals > 0 &&
+                                 colon != std::string::npos && colon > equals + 1 &&
+                                 colon + 1 < text.size();
+            return isWhole ? std::string() : text + " is not NAME=FILE:SYMBOL";
+        });
     command.add_flag("--keep-going", request.run.keepsGoing,
                      "goes on after a statement that failed");
-    command.add_flag("-q,--quiet", request.isQuiet, "prints errors only");
-    const std::map<std::string, Strict::DiagnosticFormat> formats{
-        {"text", Strict::DiagnosticFormat::Text}, {"json", Strict::DiagnosticFormat::Json}};
-    command.add_option("--diagnostics", request.format, "the form of the diagnostics")
-        ->type_name("text|json")
-        ->transform(CLI::CheckedTransformer(formats).description(""));
-    const std::map<std::string, Color> colors{
-        {"auto", Color::Auto}, {"always", Color::Always}, {"never", Color::Never}};
-    command.add_option("--color", request.color, "colors the diagnostics")
-        ->type_name("auto|always|never")
-        ->transform(CLI::CheckedTransformer(colors).description(""));
-    command.add_option("--error", texts.errors, "counts these diagnostics as errors")
-        ->type_name("NAME")
-        ->allow_extra_args(false);
-    command.add_option("--warn", texts.warnings, "counts these diagnostics as warnings")
-        ->type_name("NAME")
-        ->allow_extra_args(false);
     command.add_option("--ignore", texts.ignored, "drops these diagnostics")
         ->type_name("NAME")
         ->allow_extra_args(false);
@@ -77,10 +135,102 @@ void apply(Request& request, const Texts& texts) {
             if (const std::string fault = request.policy.set(name, severity); !fault.empty())
                 throw CLI::ValidationError(fault);
     };
+    for (const std::string& text : texts.ignoredAreas)
+        request.inspection.ignored.push_back(areaIn("--ignore", text));
+    if (!texts.crop.empty()) request.conversion.crop = areaIn("--crop", texts.crop);
+    if (!texts.fill.empty()) {
+        for (const std::uint64_t byte : numbersIn("--fill", texts.fill)) {
+            if (byte > 0xFF) throw CLI::ValidationError("--fill", texts.fill + " is above 0xFF");
+            request.conversion.fill.push_back(static_cast<std::uint8_t>(byte));
+        }
+    }
+    if (!texts.offset.empty()) {
+        const bool isNegative = texts.offset.front() == '-';
+        const auto offset = static_cast<std::int64_t>(
+            numberIn("--offset", std::string_view(texts.offset).substr(isNegative ? 1 : 0)) &
+            static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()) >> 8U);
+        request.conversion.offset = isNegative ? -offset : offset;
+    }
     if (texts.areWarningsErrors) request.policy.makeWarningsErrors();
     set(texts.errors, Strict::Severity::Error);
     set(texts.warnings, Strict::Severity::Warning);
     set(texts.ignored, Strict::Severity::Ignored);
+}
+
+void addInspection(CLI::App& command, Request& request, Texts& texts) {
+    addDisplay(command, request, texts);
+    command.add_option("--width", request.inspection.width, "columns to use")
+        ->type_name("N")
+        ->check(CLI::Range(20, 1000).description(""));
+}
+
+void addInfo(CLI::App& app, Request& request, Texts& texts) {
+    CLI::App* const info = app.add_subcommand(
+        "info", "prints format, areas, start address, digests and oddities of files");
+    info->footer("Example: tessaron info app.hex boot.s19 --json");
+    info->add_option("files", request.inspection.files, "files of any format")
+        ->type_name("FILE")
+        ->required();
+    info->add_flag("--json", request.inspection.isJson, "prints a JSON array");
+    addInspection(*info, request, texts);
+    info->parse_complete_callback([&request] { request.command = Command::Info; });
+}
+
+void addDiff(CLI::App& app, Request& request, Texts& texts) {
+    CLI::App* const diff = app.add_subcommand(
+        "diff", "prints where two images differ: exit code 0 equal, 1 different, 2 trouble");
+    diff->footer("Example: tessaron diff old.hex new.s19 --ignore 0x0800FFFC,4");
+    diff->add_option("files", request.inspection.files, "two files of any format")
+        ->type_name("A B")
+        ->required()
+        ->expected(2);
+    diff->add_flag("--json", request.inspection.isJson, "prints a JSON object");
+    diff->add_option("--ignore", texts.ignoredAreas, "leaves out an area")
+        ->type_name("START,LENGTH")
+        ->allow_extra_args(false);
+    diff->add_option("--context", request.inspection.context, "rows around a changed range (1)")
+        ->type_name("N")
+        ->check(CLI::Range(0, 1000).description(""));
+    diff->add_option("--max-lines", request.inspection.mostLines, "lines to print (200); 0 for all")
+        ->type_name("N");
+    addInspection(*diff, request, texts);
+    diff->parse_complete_callback([&request] { request.command = Command::Diff; });
+}
+
+void addMap(CLI::App& app, Request& request, Texts& texts) {
+    CLI::App* const map =
+        app.add_subcommand("map", "draws where files have data in the address space");
+    map->footer("Example: tessaron map boot.hex app.hex --svg map.svg");
+    map->add_option("files", request.inspection.files, "files of any format")
+        ->type_name("FILE")
+        ->required();
+    map->add_option("--svg", request.inspection.svgFile, "writes a picture instead")
+        ->type_name("FILE");
+    map->add_flag("--ascii", request.inspection.isAscii, "draws without block characters");
+    addInspection(*map, request, texts);
+    map->parse_complete_callback([&request] { request.command = Command::Map; });
+}
+
+void addConvert(CLI::App& app, Request& request, Texts& texts) {
+    Conversion& conversion = request.conversion;
+    CLI::App* const convert =
+        app.add_subcommand("convert", "converts a file; the endings name the formats");
+    convert->footer(
+        "Example: tessaron convert app.hex app.bin --crop 0x08000000,0x10000 --fill 0xFF");
+    convert->add_option("in", conversion.input, "the file to read")->type_name("IN")->required();
+    convert->add_option("out", conversion.output, "the file to write")
+        ->type_name("OUT")
+        ->required();
+    convert->add_option("--crop", texts.crop, "keeps only this area")->type_name("START,LENGTH");
+    convert->add_option("--fill", texts.fill, "lays these bytes into the gaps")
+        ->type_name("BYTE[,BYTE]...");
+    convert->add_option("--offset", texts.offset, "adds this number to all addresses")
+        ->type_name("N");
+    convert->add_option("--format", conversion.format, "a format of WRITE_FILE")->type_name("NAME");
+    convert->add_flag("--print-script", conversion.printsScript,
+                      "prints the script that does this, instead of running it");
+    addDisplay(*convert, request, texts);
+    convert->parse_complete_callback([&request] { request.command = Command::Convert; });
 }
 
 }  // namespace
@@ -97,12 +247,28 @@ int read(int argumentCount, char** arguments, Request& request) {
     run->add_option("--depfile", request.run.dependencyFile,
                     "writes the files that the run read, for make and ninja")
         ->type_name("FILE");
+    run->add_option("--manifest", request.run.manifest,
+                    "writes what went into the run and came out of it, as JSON")
+        ->type_name("FILE");
+    run->add_option("--map", request.run.map,
+                    "writes a map of the images, as a picture if FILE ends in .svg")
+        ->type_name("FILE");
+    run->add_option("--report", request.run.report, "writes the same as a page for a browser")
+        ->type_name("FILE.html");
     CLI::App* const check = app.add_subcommand(
         "check", "runs a script in memory: writes nothing and starts no program");
     check->footer("Example: tessaron check release.tsn inFile=app.hex --against-disk");
     addCommon(*check, request, texts);
     check->add_flag("--against-disk", request.run.comparesDisk,
                     "compares the files on disk with what the script makes today");
+    check
+        ->add_option("--manifest", request.run.manifest,
+                     "compares script, inputs and outputs with those that a run has listed")
+        ->type_name("FILE");
+    addInfo(app, request, texts);
+    addDiff(app, request, texts);
+    addMap(app, request, texts);
+    addConvert(app, request, texts);
     try {
         app.parse(argumentCount, arguments);
         apply(request, texts);

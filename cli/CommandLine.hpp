@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/Conversion.hpp"
+#include "cli/Inspection.hpp"
 #include "strict/Policy.hpp"
 #include "strict/Printer.hpp"
 #include "strict/Run.hpp"
@@ -10,11 +12,16 @@
 /// The command line of `tessaron`.
 namespace CommandLine {
 
+enum class Command : unsigned char { Run, Info, Diff, Map, Convert };
+
 enum class Color : unsigned char { Auto, Always, Never };
 
 /// What the arguments ask for.
 struct Request {
+    Command command = Command::Run;
     Strict::RunOptions run;
+    Inspection inspection;
+    Conversion conversion;
     Strict::Policy policy;
     Strict::DiagnosticFormat format = Strict::DiagnosticFormat::Text;
     Color color = Color::Auto;

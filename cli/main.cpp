@@ -8,6 +8,22 @@
 
 namespace {
 
+Strict::ExitCode execute(const CommandLine::Request& request, Strict::Printer& printer) {
+    switch (request.command) {
+        case CommandLine::Command::Info:
+            return CommandLine::info(request.inspection, printer, request.policy, std::cout);
+        case CommandLine::Command::Diff:
+            return CommandLine::diff(request.inspection, printer, std::cout);
+        case CommandLine::Command::Map:
+            return CommandLine::map(request.inspection, printer, std::cout);
+        case CommandLine::Command::Convert:
+            return CommandLine::convert(request.conversion, printer, std::cout);
+        case CommandLine::Command::Run:
+            break;
+    }
+    return Strict::run(request.run, printer, std::cout);
+}
+
 int run(int argumentCount, char** arguments) {
     CommandLine::Request request;
     const int code = CommandLine::read(argumentCount, arguments, request);
@@ -23,7 +39,9 @@ int run(int argumentCount, char** arguments) {
     const bool hasColor =
         isAuto ? Platform::showsColor() : request.color == CommandLine::Color::Always;
     Strict::Printer printer(std::cerr, request.policy, request.format, hasColor, request.isQuiet);
-    return static_cast<int>(Strict::run(request.run, printer, std::cout));
+    request.inspection.hasColor =
+        isAuto ? Platform::showsColor(Platform::StandardStream::Output) : hasColor;
+    return static_cast<int>(execute(request, printer));
 }
 
 }  // namespace

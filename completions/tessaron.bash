@@ -11,23 +11,28 @@ _tessaron_words() {
         previous=${*:count-2:1}
     fi
     for ((i = 2; i < count; ++i)); do
-        [[ ${!i} == run || ${!i} == check ]] && command=${!i} && break
+        case ${!i} in run | check | info | diff | map | convert) command=${!i} && break ;; esac
     done
     case $previous in
         --diagnostics) compgen -W 'text json' -- "$current"; return ;;
         --color) compgen -W 'auto always never' -- "$current"; return ;;
         -C | --directory) compgen -d -- "$current"; return ;;
-        -D | --define | --error | --warn | --ignore) return ;;
+        -D | --define | --symbol | --error | --warn | --ignore | --width | --context | --max-lines | \
+            --crop | --fill | --offset | --format) return ;;
     esac
+    local common='--help --directory --quiet --diagnostics --color --error --warn'
+    local script="$common --define --symbol --keep-going --ignore --werror"
     case $command:$current in
         :-*) compgen -W '--help --version' -- "$current" ;;
-        :*) compgen -W 'run check' -- "$current" ;;
-        run:-*)
-            compgen -W '--help --define --directory --keep-going --quiet --diagnostics --color
-                --error --warn --ignore --werror --depfile' -- "$current" ;;
-        check:-*)
-            compgen -W '--help --define --directory --keep-going --quiet --diagnostics --color
-                --error --warn --ignore --werror --against-disk' -- "$current" ;;
+        :*) compgen -W 'run check info diff map convert' -- "$current" ;;
+        run:-*) compgen -W "$script --depfile --manifest --map --report" -- "$current" ;;
+        check:-*) compgen -W "$script --against-disk --manifest" -- "$current" ;;
+        info:-*) compgen -W "$common --json --width" -- "$current" ;;
+        diff:-*)
+            compgen -W "$common --json --ignore --context --max-lines --width" -- "$current" ;;
+        map:-*) compgen -W "$common --svg --ascii --width" -- "$current" ;;
+        convert:-*)
+            compgen -W "$common --crop --fill --offset --format --print-script" -- "$current" ;;
         *) compgen -f -- "$current" ;;
     esac
 }

@@ -77,7 +77,7 @@ struct ExtractTooLong {
 
 // Input files
 
-enum class InputFormat : std::uint8_t { IntelHex, MotorolaS, RawBinary };
+enum class InputFormat : std::uint8_t { IntelHex, MotorolaS, RawBinary, Elf, Uf2, TiTxt };
 enum class ReadOperation : std::uint8_t { GetMemory, FillMemoryBuffer };
 
 /// A reader was asked for a range that its file does not have; nothing was read.
@@ -163,6 +163,37 @@ struct FileReadIncomplete {
     bool operator==(const FileReadIncomplete&) const = default;
 };
 
+/// What a file of a format that is read as a whole or not at all has wrong.
+enum class FormatFault : std::uint8_t {
+    MagicMissing,      ///< the mark of the format is not at byte `where`
+    VariantUnknown,    ///< byte `where` has `number`, which names no variant of the format
+    Truncated,         ///< the file ends before byte `where` and `number` more bytes
+    EntryTooShort,     ///< a table at byte `where` has entries of `number` bytes
+    NothingToLoad,     ///< there is no data
+    DataRepeated,      ///< `number` bytes in total are more than the file has
+    SegmentTooLong,    ///< segment `where` has `number` bytes in the file and fewer in memory
+    AddressTooHigh,    ///< data from `number` on passes the end of the address space
+    SizeNotWhole,      ///< the size `where` is no multiple of `number`
+    PayloadTooLong,    ///< block `where` has `number` bytes of data, more than there is room for
+    BlockNumberWrong,  ///< block `where` has the number `number`, twice or beyond the count
+    BlockCountWrong,   ///< there are `where` blocks, but the file says `number`
+    FamiliesMixed,     ///< block `where` is for the family `number`, others are not
+    LineUnknown,       ///< line `where` is nothing that the format has
+    AddressMissing,    ///< line `where` has data, and no line before has an address
+    EndMissing,        ///< the file has no end after line `where`
+    AfterEnd           ///< line `where` comes after the end
+};
+
+/// A file contradicts its format; nothing of it was used and the statement failed.
+struct FileMalformed {
+    InputFormat format;
+    std::string_view file;
+    FormatFault fault;
+    std::uint64_t where;
+    std::uint64_t number;
+    bool operator==(const FileMalformed&) const = default;
+};
+
 // Output files
 
 enum class OutputFormat : std::uint8_t { IntelHex, MotorolaS, RawBinary, EmbeddedC_Assembler };
@@ -201,6 +232,22 @@ struct TooManyBytes {
     OutputFormat writer;
     std::uint64_t mostBytes;
     bool operator==(const TooManyBytes&) const = default;
+};
+
+/// A format cannot express an address above `highest`; the file was not written.
+struct AddressBeyondFormat {
+    std::string_view format;
+    std::string_view file;
+    std::uint64_t highest;
+    bool operator==(const AddressBeyondFormat&) const = default;
+};
+
+/// A format that takes only some numbers was given another one; the statement failed.
+struct FormatNumberWrong {
+    std::string_view format;  ///< the keyword of the language
+    std::string_view file;
+    std::uint32_t number;
+    bool operator==(const FormatNumberWrong&) const = default;
 };
 
 /// A format without addresses was asked to leave gaps; the statement failed.
@@ -376,15 +423,17 @@ struct RunEnded {
     bool operator==(const RunEnded&) const = default;
 };
 
-using Fact = std::variant<
-    ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside, FillTooLong,
-    ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty, LastLineMismatched,
-    RecordContradictory, LineNotARecord, LinePassedOver, LinesPassedOver, RecordCountTooLow,
-    DataSpanTooLong, RawFileTooLong, FileReadIncomplete, RecordLengthCorrected,
-    AddressNotExpressible, RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible,
-    FileWriteIncomplete, NameNotFound, OverlapRefused, StatementExhausted, CrcParameterRefused,
-    WordIncomplete, FileNotOpened, FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted,
-    CrcPrinted, HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
-    VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
+using Fact =
+    std::variant<ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside,
+                 FillTooLong, ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty,
+                 LastLineMismatched, RecordContradictory, LineNotARecord, LinePassedOver,
+                 LinesPassedOver, RecordCountTooLow, DataSpanTooLong, RawFileTooLong, FileMalformed,
+                 FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
+                 RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible,
+                 AddressBeyondFormat, FormatNumberWrong, FileWriteIncomplete, NameNotFound,
+                 OverlapRefused, StatementExhausted, CrcParameterRefused, WordIncomplete,
+                 FileNotOpened, FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted,
+                 CrcPrinted, HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
+                 VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace Facts

@@ -128,7 +128,15 @@ bool OutputFile::close() {
 
 void guardStreams() {}
 
-bool showsColor() {
+bool showsColor(StandardStream /*stream*/) {
+    return false;
+}
+
+std::size_t terminalWidth() {
+    return 0;
+}
+
+bool showsUnicode() {
     return false;
 }
 

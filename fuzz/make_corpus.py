@@ -3,13 +3,14 @@
 
     make_corpus.py FOLDER
 
-makes FOLDER/script, FOLDER/run, FOLDER/readers and FOLDER/field. The first two hold one call of the
-program per file, in the form that fuzz/ScriptInput.hpp describes, the others hold input files, the
+makes FOLDER/script, FOLDER/run, FOLDER/readers, FOLDER/formats and FOLDER/field. The first two hold one
+call of the program per file, in the form that fuzz/ScriptInput.hpp describes, the others hold input files, the
 last one also those with changes at random.
 """
 import pathlib
 import random
 import shutil
+import struct
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -52,6 +53,16 @@ def input_files():
                 yield "-".join(path.relative_to(ROOT).parts), path.read_bytes()
 
 
+def format_files():
+    """Name and contents of every ELF and TI-TXT file of the tests, and of a UF2 file."""
+    for pattern in "tests/data/elf/*.elf", "tests/scripts/read-formats-bad/*.txt":
+        for path in sorted(ROOT.glob(pattern)):
+            yield path.name, path.read_bytes()
+    blocks = [struct.pack("<8I", 0x0A324655, 0x9E5D5157, 0x2000, 256 * i, 256, i, 2, 1) +
+              bytes(range(238)) * 2 + struct.pack("<I", 0x0AB16F30) for i in range(2)]
+    yield "two.uf2", b"".join(blocks)
+
+
 def changed(files):
     """The small files, and each of them with changes that files suffer in the field."""
     chance = random.Random(1)
@@ -88,6 +99,7 @@ def main():
     write(target / "script", script_cases())
     write(target / "run", script_cases())
     write(target / "readers", input_files())
+    write(target / "formats", format_files())
     write(target / "field", changed(input_files()))
 
 

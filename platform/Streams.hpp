@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <system_error>
 
@@ -16,8 +17,16 @@ namespace Platform {
 /// signals as this one got them.
 void guardStreams();
 
-/// Standard error is a terminal that shows colors, and the user has not asked for none (NO_COLOR).
-bool showsColor();
+enum class StandardStream : unsigned char { Output, Error };
+
+/// The stream is a terminal that shows colors, and the user has not asked for none (NO_COLOR).
+bool showsColor(StandardStream stream = StandardStream::Error);
+
+/// Columns of the terminal that standard output is, or 0 if it is none.
+std::size_t terminalWidth();
+
+/// The locale of the user's environment encodes texts in UTF-8.
+bool showsUnicode();
 
 /// Makes a folder the one that relative paths begin in.
 std::error_code changeFolder(const std::string& path);

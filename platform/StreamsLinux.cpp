@@ -1,11 +1,13 @@
 #include "platform/Streams.hpp"
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <initializer_list>
 
 namespace Platform {
@@ -26,12 +28,31 @@ void guardStreams() {
     }
 }
 
-bool showsColor() {
+bool showsColor(StandardStream stream) {
     const char* const without = std::getenv("NO_COLOR");
     const char* const terminal = std::getenv("TERM");
+    const int descriptor = stream == StandardStream::Output ? STDOUT_FILENO : STDERR_FILENO;
     const bool isRefused = without != nullptr && *without != '\0';
     const bool isDumb = terminal == nullptr || std::string(terminal) == "dumb";
-    return !isRefused && !isDumb && ::isatty(STDERR_FILENO) != 0;
+    return !isRefused && !isDumb && ::isatty(descriptor) != 0;
+}
+
+std::size_t terminalWidth() {
+    constexpr std::size_t usual = 80;
+    if (::isatty(STDOUT_FILENO) == 0) return 0;
+    winsize size{};
+    const bool isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
+    return isKnown ? size.ws_col : usual;
+}
+
+bool showsUnicode() {
+    // The first of these that is set names the locale, POSIX.1-2017, section 8.2.
+    for (const char* const name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+        const char* const locale = std::getenv(name);
+        if (locale == nullptr || *locale == '\0') continue;
+        return ::strcasestr(locale, "UTF-8") != nullptr || ::strcasestr(locale, "UTF8") != nullptr;
+    }
+    return false;
 }
 
 std::error_code changeFolder(const std::string& path) {

@@ -4,9 +4,10 @@
 set -eu
 
 build="g++ cmake ninja-build libboost-dev libcunit1-dev libcli11-dev nlohmann-json3-dev"
-test="$build clang clang-format clang-tidy git libgtest-dev python3 valgrind gcovr srecord binutils
+test="$build clang clang-format clang-tidy git libgtest-dev python3 valgrind gcovr srecord binutils dfu-util
+      gcc-arm-none-eabi
       openssl xxd libclang-rt-14-dev libdigest-crc-perl make nodejs npm groff-base mandoc vim strace
-      zsh fish"
+      zsh fish python3-jsonschema chromium"
 demo="$build python3 srecord"
 bench="$build libbenchmark-dev libgcrypt20-dev libcrypto++-dev libssl-dev zlib1g-dev python3
        python3-intelhex srecord binutils openssl"

@@ -3,6 +3,8 @@
 #include <set>
 #include <string_view>
 
+#include "strict/WholeFile.hpp"
+
 namespace Strict {
 
 namespace {
@@ -42,7 +44,7 @@ std::string dependencyRule(const std::vector<std::string>& outputs,
     return rule;
 }
 
-void writeDependencyFile(const RunOptions& options, const OutputSet& files, DiagnosticSink& sink) {
+void writeDependencyFile(const RunOptions& options, OutputSet& files, DiagnosticSink& sink) {
     std::vector<std::string> inputs;
     if (options.script != "-") inputs.push_back(options.script);
     inputs.insert(inputs.end(), files.inputs().begin(), files.inputs().end());
@@ -50,16 +52,7 @@ void writeDependencyFile(const RunOptions& options, const OutputSet& files, Diag
     const bool isAlone = files.outputs().empty();
     const std::string rule =
         dependencyRule(isAlone ? std::vector{options.dependencyFile} : files.outputs(), inputs);
-    const auto file = Io::host().createOutput(options.dependencyFile, Platform::FileMode::Text);
-    const bool isWritten = file != nullptr && file->write(rule);
-    if (isWritten && file->close()) return;
-    sink.take(
-        {Severity::Error,
-         "cannot-write",
-         "cannot write " + options.dependencyFile + ": " + files.reasonFor(options.dependencyFile),
-         std::nullopt,
-         "",
-         {}});
+    addFile(files, options.dependencyFile, rule, sink);
 }
 
 }  // namespace Strict

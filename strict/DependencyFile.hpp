@@ -15,6 +15,6 @@ std::string dependencyRule(const std::vector<std::string>& outputs,
                            const std::vector<std::string>& inputs);
 
 /// Writes the dependency file of a run: what it wrote, and what it read, the script included.
-void writeDependencyFile(const RunOptions& options, const OutputSet& files, DiagnosticSink& sink);
+void writeDependencyFile(const RunOptions& options, OutputSet& files, DiagnosticSink& sink);
 
 }  // namespace Strict

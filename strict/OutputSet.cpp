@@ -22,9 +22,13 @@ std::string placeOf(const Platform::OutputTarget& target) {
 class OutputSet::Stream final : public Io::OutputStream {
 public:
     Stream(OutputSet& set, Output& output, std::optional<Platform::OutputFile> file)
-        : set_(&set), output_(&output), file_(std::move(file)) {}
+        : set_(&set),
+          output_(&output),
+          file_(std::move(file)),
+          digest_(set.digests_ == nullptr ? nullptr : &set.digests_->addOutput(output.path)) {}
 
     bool write(std::string_view bytes) override {
+        if (digest_ != nullptr) digest_->take(bytes);
         if (!file_) {
             output_->memory += bytes;
             return true;
@@ -51,6 +55,7 @@ private:
     bool isWritten_ = true;
     Output* output_;
     std::optional<Platform::OutputFile> file_;
+    BackgroundDigest* digest_;  ///< null if nobody wants it
 };
 
 OutputSet::~OutputSet() {
@@ -99,6 +104,7 @@ std::optional<Platform::InputFile> OutputSet::openInput(const std::string& path)
         return Platform::InputFile::open(written->temporary);
     if (written == nullptr) inputs_.add(path);
     auto file = Platform::InputFile::open(path);
+    if (file && written == nullptr && digests_ != nullptr) digests_->addInput(path, *file);
     if (file) return file;
     const std::error_code error = Platform::lastError();
     reasons_.insert_or_assign(path, error ? error.message() : "It has no end to wait for");
@@ -168,6 +174,13 @@ int OutputSet::runProgram(const std::string& location, const std::string& argume
         return -1;
     }
     return Io::Host::runProgram(location, arguments);
+}
+
+FileDigest OutputSet::outputDigest(const std::string& path) {
+    const Output* const output = find(path);
+    // A program that was called may have changed what is in place.
+    const bool isOnDisk = output != nullptr && output->isInPlace && !output->temporary.empty();
+    return isOnDisk ? digestOfFile(path) : digests_->output(path);
 }
 
 std::string_view OutputSet::contentsOf(const std::string& path) const {

@@ -12,6 +12,7 @@
 
 #include "io/Host.hpp"
 #include "platform/Replace.hpp"
+#include "strict/FileDigests.hpp"
 
 namespace Strict {
 
@@ -55,6 +56,14 @@ public:
     std::unique_ptr<Io::OutputStream> createOutput(const std::string& path,
                                                    Platform::FileMode mode) override;
     int runProgram(const std::string& location, const std::string& arguments) override;
+
+    /// Lets the digests of all files be computed from now on, while they are read and written.
+    void keepDigests() { digests_ = std::make_unique<FileDigests>(); }
+
+    /// The digest of an input, or of an output as it is now. Called once for each path, when all
+    /// have been read and written.
+    FileDigest inputDigest(const std::string& path) { return digests_->input(path); }
+    FileDigest outputDigest(const std::string& path);
 
     /// Puts the outputs that are complete in place, in the order of their statements. Stops at the
     /// first that fails.
@@ -101,6 +110,7 @@ private:
     PathList inPlace_;
     PathList inputs_;
     PathList outputs_;
+    std::unique_ptr<FileDigests> digests_;  ///< null if nobody wants them
 };
 
 }  // namespace Strict

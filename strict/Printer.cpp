@@ -56,6 +56,7 @@ nlohmann::ordered_json toJson(const Place& place) {
 }  // namespace
 
 void Printer::take(const Diagnostic& diagnostic) {
+    if (other_ != nullptr) other_->take(diagnostic);
     Diagnostic judged = diagnostic;
     if (judged.severity != Severity::Note) judged.severity = policy_->severityOf(diagnostic.name);
     errors_ += judged.severity == Severity::Error ? 1U : 0U;

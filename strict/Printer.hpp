@@ -23,7 +23,12 @@ public:
 
     void take(const Diagnostic& diagnostic) override;
 
+    /// Hands every diagnostic to another sink as well, which is borrowed.
+    void copyTo(DiagnosticSink& other) { other_ = &other; }
+
     std::size_t errors() const { return errors_; }
+
+    const Policy& policy() const { return *policy_; }
 
 private:
     std::string textOf(const Diagnostic& diagnostic) const;
@@ -37,6 +42,7 @@ private:
     bool hasColor_;
     bool isQuiet_;
     std::size_t errors_ = 0;
+    DiagnosticSink* other_ = nullptr;
 };
 
 }  // namespace Strict

@@ -26,7 +26,9 @@ using Io::Import::TessaronImportApi;
 /// Ranges that are reported one by one; of the others only the number is.
 constexpr std::size_t mostReported = 20;
 
-const std::vector<std::string_view> inputFile{"SetFileAsSource -> ", "SetRawFileAsSource -> "};
+const std::vector<std::string_view> inputFile{"SetFileAsSource -> ", "SetRawFileAsSource -> ",
+                                              "SetElfFileAsSource -> ", "SetUf2FileAsSource -> ",
+                                              "SetTiTxtFileAsSource -> "};
 
 /// Hears nothing of what a file that was read before has to say.
 class Deaf final : public Facts::Listener {
@@ -122,6 +124,10 @@ OriginMap Provenance::originsIn(const TessaronImportApi& reader) {
 
 void Provenance::onRead(const TessaronImportApi& reader, const Area& range) {
     const OriginMap all = originsIn(reader);
+    AreaList areas;
+    for (const auto& [start, entry] : all.ranges()) areas.push_back(entry.area);
+    inputs_.push_back({making_->fileName(), making_->isRawFile(), std::move(areas),
+                       listener_->statementPlace().line});
     if (making_->areas().empty()) current_.written.lay(all, range);
     for (const Area& area : making_->areas())
         if (const auto part = area.clippedTo(range)) current_.written.lay(all, *part);

@@ -35,6 +35,14 @@ public:
         std::optional<std::uint64_t> startAddress;  ///< that its input file names
     };
 
+    /// A file that became a part of an image.
+    struct Input {
+        std::string file;  ///< as the script names it
+        bool isRaw;        ///< taken byte for byte, whatever its format
+        Buffer::AreaList areas;
+        std::size_t line;  ///< of the statement
+    };
+
     /// @param reading  reads an input file once more, if a line of it is to be named
     Provenance(RunListener& listener, const Io::Import::InputReading& reading)
         : listener_(&listener), reading_(&reading) {}
@@ -48,6 +56,7 @@ public:
 
     const std::map<std::string, Image>& images() const { return images_; }
     const std::vector<Source>& sources() const { return sources_; }
+    const std::vector<Input>& inputs() const { return inputs_; }
 
     void onRead(const Io::Import::TessaronImportApi& reader, const Buffer::Area& range) override;
     void onOverlay(const Buffer::MemoryBuffer& image, const std::string& name,
@@ -76,6 +85,7 @@ private:
     Image current_;                         ///< the image that is being made
     std::map<std::string, Image> images_;
     std::vector<Source> sources_;
+    std::vector<Input> inputs_;
 };
 
 }  // namespace Strict

@@ -17,16 +17,22 @@
 #include "parser/text/VariableExpansion.hpp"
 #include "platform/Files.hpp"
 #include "platform/Replace.hpp"
+#include "platform/Streams.hpp"
 #include "strict/Audit.hpp"
 #include "strict/Comparison.hpp"
 #include "strict/DependencyFile.hpp"
+#include "strict/ElfSymbols.hpp"
+#include "strict/ImageReading.hpp"
 #include "strict/OutputSet.hpp"
+#include "strict/Proof.hpp"
 #include "strict/Provenance.hpp"
 #include "strict/RunListener.hpp"
+#include "strict/RunRecording.hpp"
 #include "strict/ScriptCheck.hpp"
 #include "strict/ScriptText.hpp"
 #include "strict/Suggestion.hpp"
 #include "strict/SyntaxErrors.hpp"
+#include "strict/WholeFile.hpp"
 
 namespace Strict {
 
@@ -37,6 +43,7 @@ constexpr std::size_t mostSyntaxErrors = 20;
 
 /// The script's own text, or nothing after a diagnostic.
 std::optional<std::string> read(const RunOptions& options, DiagnosticSink& sink) {
+    if (options.text) return options.text;
     const bool isStandardInput = options.script == "-";
     const std::string path = isStandardInput ? "/dev/stdin" : options.script;
     Platform::clearLastError();
@@ -196,24 +203,23 @@ public:
           listener_(
               script, printer, printed_,
               [&files](std::string_view path) { return files.reasonFor(path); },
-              [&check](std::string_view name) { return check.isMade(name); }) {}
+              [&check](std::string_view name) { return check.isMade(name); }),
+          provenance_(listener_, reading_) {
+        context_.reading = &reading_;
+        context_.observer = &provenance_;
+    }
 
     bool run(Parser::ScriptSyntax& syntax, const std::vector<ScriptCheck::Range>& ranges) {
         const Facts::ListenerScope listening(listener_);
         const Io::HostScope hosting(*files_);
-        const Io::Field::FieldReading reading;
-        Parser::WrapperLib::CmdContext context;
-        context.reading = &reading;
-        Provenance provenance(listener_, reading);
-        context.observer = &provenance;
         const auto& commands = syntax.state().statement.commands();
         for (std::size_t i = 0; i < commands.size(); ++i) {
             const std::size_t before = printer_->errors();
             listener_.enter(ranges[i].first, ranges[i].last);
-            provenance.enter(*commands[i]);
-            auditBefore(*commands[i], context, provenance, listener_);
+            provenance_.enter(*commands[i]);
+            auditBefore(*commands[i], context_, provenance_, listener_);
             const bool isDone =
-                printer_->errors() == before ? commands[i]->execute(context) : false;
+                printer_->errors() == before ? commands[i]->execute(context_) : false;
             const bool isGood = isDone && printer_->errors() == before;
             if (!isGood && !options_->keepsGoing) return false;
         }
@@ -223,12 +229,18 @@ public:
     /// Whether all that the statements printed has arrived.
     bool isPrinted() const { return !printed_.hasLostOutput(); }
 
+    const Parser::WrapperLib::CmdContext& context() const { return context_; }
+    const Provenance& provenance() const { return provenance_; }
+
 private:
     const RunOptions* options_;
     Printer* printer_;
     OutputSet* files_;
     Classic::ClassicWords printed_;
     RunListener listener_;
+    Io::Field::FieldReading reading_;
+    Provenance provenance_;
+    Parser::WrapperLib::CmdContext context_;
 };
 
 /// A program that was called needed the outputs before the run failed.
@@ -244,9 +256,47 @@ void noteOutputsInPlace(const OutputSet& files, DiagnosticSink& sink) {
                {}});
 }
 
+/// The final images: a picture if the path is that of one, or text.
+std::string mapOf(const Inspect::RunRecord& record, const std::string& path) {
+    constexpr std::size_t width = 80;
+    std::vector<Inspect::MapRow> rows;
+    for (const Inspect::ImageRecord& image : record.images) rows.push_back(Inspect::rowOf(image));
+    const Inspect::Map map(std::move(rows));
+    return path.ends_with(".svg") ? map.svg() : map.text(width, Platform::showsUnicode());
+}
+
+bool needsRecord(const RunOptions& options) {
+    return options.comparesDisk || !options.manifest.empty() || !options.report.empty() ||
+           !options.map.empty();
+}
+
+/// Compares the record with what is on disk, or adds it to the outputs. False if anything differs.
+bool useRecord(const RunOptions& options, const Inspect::RunRecord& record, OutputSet& files,
+               DiagnosticSink& sink) {
+    if (options.isCheck) {
+        const bool isAsListed =
+            options.manifest.empty() || compareWithManifest(options.manifest, record, sink);
+        return (!options.comparesDisk || compareWithDisk(files, record, sink)) && isAsListed;
+    }
+    if (!options.manifest.empty())
+        addFile(files, options.manifest, Inspect::manifestOf(record), sink);
+    if (!options.map.empty()) addFile(files, options.map, mapOf(record, options.map), sink);
+    if (!options.report.empty()) addFile(files, options.report, Inspect::reportOf(record), sink);
+    return true;
+}
+
 }  // namespace
 
-ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) {
+ExitCode run(const RunOptions& requested, Printer& printer, std::ostream& output) {
+    RunOptions options = requested;
+    OutputSet files(options.isCheck ? OutputSet::Mode::Memory : OutputSet::Mode::Disk);
+    RemarkList remarks(printer.policy());
+    if (needsRecord(options)) {
+        files.keepDigests();
+        printer.copyTo(remarks);
+    }
+    if (!resolveSymbols(options.symbols, files, options.variables, printer))
+        return ExitCode::Failed;
     auto written = read(options, printer);
     if (!written) return ExitCode::Failed;
     const auto script = prepare(options, std::move(*written), printer);
@@ -260,7 +310,6 @@ ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) 
     checkVariables(options, *script, printer);
     if (printer.errors() != 0 && !options.keepsGoing) return ExitCode::Failed;
 
-    OutputSet files(options.isCheck ? OutputSet::Mode::Memory : OutputSet::Mode::Disk);
     Execution execution(options, *script, check, printer, output, files);
     execution.run(syntax, check.statements());
     if (!execution.isPrinted())
@@ -274,18 +323,21 @@ ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) 
         noteOutputsInPlace(files, printer);
         return ExitCode::Failed;
     }
-    if (options.comparesDisk && !compareWithDisk(files, printer)) return ExitCode::Failed;
-    if (!options.dependencyFile.empty() && !options.isCheck) {
-        const Io::HostScope hosting(files);
-        writeDependencyFile(options, files, printer);
+    if (needsRecord(options)) {
+        const Ran ran{&options,
+                      script.get(),
+                      &syntax.state().statement.commands(),
+                      &check.statements(),
+                      &execution.context(),
+                      &execution.provenance(),
+                      &files};
+        Inspect::RunRecord record = recordOf(ran, !options.report.empty());
+        record.remarks = std::move(remarks.remarks);
+        if (!useRecord(options, record, files, printer)) return ExitCode::Failed;
     }
-    if (const auto failure = files.commit())
-        printer.take({Severity::Error,
-                      "cannot-write",
-                      "cannot write " + failure->path + ": " + failure->reason,
-                      std::nullopt,
-                      "",
-                      {}});
+    if (!options.dependencyFile.empty() && !options.isCheck)
+        writeDependencyFile(options, files, printer);
+    commit(files, printer);
     return printer.errors() == 0 ? ExitCode::Good : ExitCode::Failed;
 }
 

@@ -7,6 +7,7 @@
 #include <utility>
 #include <variant>
 
+#include "classic/FormatFaultWords.hpp"
 #include "parser/grammar/ScriptSyntax.hpp"
 #include "platform/Files.hpp"
 #include "strict/Arithmetic.hpp"
@@ -100,7 +101,9 @@ std::string rangeText(std::uint64_t start, std::uint64_t end) {
     return "the addresses " + hexadecimal(start) + " to " + hexadecimal(end - 1);
 }
 
-const std::vector<std::string_view> inputFile{"SetFileAsSource -> ", "SetRawFileAsSource -> "};
+const std::vector<std::string_view> inputFile{"SetFileAsSource -> ", "SetRawFileAsSource -> ",
+                                              "SetElfFileAsSource -> ", "SetUf2FileAsSource -> ",
+                                              "SetTiTxtFileAsSource -> "};
 const std::vector<std::string_view> outputFile{"SetFileName -> "};
 const std::vector<std::string_view> anyArea{"AddArea -> ", "SetBufferRange -> ",
                                             "SetStartAddress -> "};
@@ -148,6 +151,10 @@ Overloaded(Functions...) -> Overloaded<Functions...>;
 
 void RunListener::report(const char* kind, std::string text,
                          const std::vector<std::string_view>& traces, std::string hint) {
+    if (script_ == nullptr) {
+        sink_->take({Severity::Error, kind, std::move(text), std::nullopt, std::move(hint), {}});
+        return;
+    }
     const std::string_view statement = script_->prepared().substr(first_, last_ - first_);
     const Arguments arguments(statement);
     std::string_view part = trimmed(arguments.textOf(traces));
@@ -206,6 +213,11 @@ void RunListener::reportField(const FieldFact& fact) {
         place.column = words.column;
         place.caret = words.column - 1;
         place.caretLength = 1;
+    }
+    if (script_ == nullptr) {
+        sink_->take(
+            {Severity::Error, words.kind, std::move(words.text), place, std::move(words.hint), {}});
+        return;
     }
     const std::string_view statement = script_->prepared().substr(first_, last_ - first_);
     const Arguments arguments(statement);
@@ -294,6 +306,16 @@ void RunListener::hear(const Fact& fact) {
                 report("outside", "the file has more than " + hexadecimal(f.mostBytes) + " bytes",
                        inputFile);
             },
+            [&](const FileMalformed& f) {
+                const bool isCut = f.fault == FormatFault::EndMissing;
+                const bool isEmpty = f.fault == FormatFault::NothingToLoad;
+                report(isCut     ? "no-end"
+                       : isEmpty ? "empty-image"
+                                 : "wrong-format",
+                       std::string(f.file) + " is no " + Classic::nameOfFormat(f.format) +
+                           " file that can be read: " + Classic::wordsFor(f),
+                       inputFile);
+            },
             [&](const FileReadIncomplete& f) {
                 report("short-read", std::string(f.file) + " could not be read completely",
                        inputFile);
@@ -333,6 +355,17 @@ void RunListener::hear(const Fact& fact) {
                     std::string(f.format) + " has no addresses, so it cannot skip unwritten ones",
                     {"SetSkipUnwritten -> "},
                     "choose a format with addresses, or leave the option out");
+            },
+            [&](const AddressBeyondFormat& f) {
+                report("outside",
+                       std::string(f.format) + " has no addresses above " + hexadecimal(f.highest),
+                       outputFile);
+            },
+            [&](const FormatNumberWrong& f) {
+                report(
+                    "outside",
+                    std::string(f.format) + " does not take the number " + std::to_string(f.number),
+                    {"SetExportFormatOptionVmem -> "}, "a word has 1, 2, 4 or 8 bytes");
             },
             [&](const FileWriteIncomplete& f) {
                 const std::string reason = reason_(f.file);

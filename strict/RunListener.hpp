@@ -34,6 +34,9 @@ public:
           reason_(std::move(reason)),
           isMade_(std::move(isMade)) {}
 
+    /// For files that are read outside any script.
+    RunListener(DiagnosticSink& sink, Reason reason) : sink_(&sink), reason_(std::move(reason)) {}
+
     /// The statement [`first`, `last`) of the prepared text is about to run.
     void enter(std::size_t first, std::size_t last) {
         first_ = first;
@@ -61,9 +64,9 @@ private:
     void reportOpen(std::string_view file);
     void reportField(const Facts::FieldFact& fact);
 
-    const ScriptText* script_;
+    const ScriptText* script_ = nullptr;  ///< null outside any script
     DiagnosticSink* sink_;
-    Classic::ClassicWords* printed_;
+    Classic::ClassicWords* printed_ = nullptr;
     Reason reason_;
     IsMade isMade_;
     std::size_t first_ = 0;

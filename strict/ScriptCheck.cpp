@@ -174,9 +174,10 @@ void ScriptCheck::use(const Names& names, std::string_view name, const char* wha
 }
 
 void ScriptCheck::checkTexts(std::uint32_t type, std::string_view statement) {
-    constexpr std::array<std::string_view, 6> textSteps{
-        "SetRawFileAsSource -> ", "SetFileAsSource -> ", "SetFileName -> ",
-        "SetAppLocation -> ",     "SetArguments -> ",    ""};
+    constexpr std::array<std::string_view, 9> textSteps{
+        "SetRawFileAsSource -> ", "SetFileAsSource -> ",      "SetElfFileAsSource -> ",
+        "SetUf2FileAsSource -> ", "SetTiTxtFileAsSource -> ", "SetFileName -> ",
+        "SetAppLocation -> ",     "SetArguments -> ",         ""};
     for (const Step& step : steps_) {
         const bool isText = std::ranges::find(textSteps, step.trace) != textSteps.end();
         // The last step of a PRINT_TEXT covers all of it.

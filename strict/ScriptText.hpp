@@ -21,6 +21,12 @@ public:
     ScriptText(std::string file, std::string written,
                const std::map<std::string, std::string>& variables);
 
+    /// The name of the file.
+    const std::string& file() const { return file_; }
+
+    /// The text as it was written.
+    std::string_view written() const { return written_; }
+
     /// The text that the grammar reads.
     std::string_view prepared() const { return prepared_; }
 

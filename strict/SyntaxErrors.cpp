@@ -31,6 +31,7 @@ constexpr std::array groups{
     Group{"a name of the CRC catalogue", "CRC-32/ISO-HDLC", ""},
     Group{"a hash type", "Hash_Sha1", "Hash_"},
     Group{"a format", "RawBinary", ""},
+    Group{"a family of devices", "RP2040", ""},
     Group{"a byte order", "LittleEndian", ""},
 };
 

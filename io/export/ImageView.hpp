@@ -10,6 +10,9 @@
 
 namespace Io::Export {
 
+/// One past the last address that 32 bits express.
+inline constexpr std::uint64_t addressSpace32 = std::uint64_t{1} << 32U;
+
 /// What a file gets of the addresses that nothing has written.
 enum class Unwritten : std::uint8_t {
     Filled,  ///< their fillers

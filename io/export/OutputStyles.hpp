@@ -29,4 +29,23 @@ struct EmbeddedOutputStyle {
     std::uint32_t elementsPerLine = 16;  ///< bytes a data line; 0 for all of them on one line
 };
 
+struct Uf2OutputStyle {
+    std::uint32_t family = 0;  ///< of the devices, see Io::Uf2::families
+};
+
+struct VmemOutputStyle {
+    std::uint32_t wordBytes = 1;  ///< 1, 2, 4 or 8
+    bool isLittleEndian = false;  ///< the byte of the lowest address is the least significant one
+};
+
+struct CArrayOutputStyle {
+    std::string name = "image";
+    std::uint32_t elementsPerLine = 16;  ///< bytes a line; 0 for all of them on one line
+};
+
+struct DfuSeOutputStyle {
+    std::uint32_t vendorId = 0xFFFF;  ///< of USB, 16 bits; 0xFFFF for any
+    std::uint32_t productId = 0xFFFF;
+};
+
 }  // namespace Io::Export

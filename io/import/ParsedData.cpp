@@ -11,8 +11,12 @@ namespace Io::Import {
 
 void ParsedData::append(std::uint64_t address, std::span<const std::uint8_t> bytes) {
     if (bytes.empty()) return;
+    std::memcpy(startRun({address, bytes.size()}).data(), bytes.data(), bytes.size());
+}
+
+std::span<std::uint8_t> ParsedData::startRun(const Buffer::Area& area) {
+    const std::uint64_t address = area.start;
     if (bytes_.size() == 0) bytes_ = Platform::PageBlock(capacity_);
-    const Buffer::Area area{address, bytes.size()};
     const bool isFirst = runs_.empty();
     if (!isFirst && runs_.back().area.end() == address) {
         runs_.back().area.length += area.length;
@@ -22,8 +26,9 @@ void ParsedData::append(std::uint64_t address, std::span<const std::uint8_t> byt
     }
     minAddress_ = isFirst ? address : std::min(minAddress_, address);
     maxAddress_ = std::max(maxAddress_, area.end() - 1);
-    std::memcpy(bytes_.data() + size_, bytes.data(), bytes.size());
-    size_ += bytes.size();
+    auto* const begin = reinterpret_cast<std::uint8_t*>(bytes_.data()) + size_;
+    size_ += area.length;
+    return {begin, static_cast<std::size_t>(area.length)};
 }
 
 void ParsedData::clear() {

@@ -34,6 +34,13 @@ public:
     /// Appends `bytes`, which the file has from `address` on.
     void append(std::uint64_t address, std::span<const std::uint8_t> bytes);
 
+    /// Appends `length` bytes, not none, that the file has from `address` on and that `read` puts
+    /// into the span that it is given.
+    template <class Read>
+    void appendRead(std::uint64_t address, std::size_t length, Read read) {
+        read(startRun({address, length}));
+    }
+
     /// Discards all bytes and gives their memory back.
     void clear();
 
@@ -78,6 +85,8 @@ public:
     std::string getInformation() const;
 
 private:
+    /// Notes that the next bytes of the file belong to `area` and makes room for them.
+    std::span<std::uint8_t> startRun(const Buffer::Area& area);
     std::vector<Run> visibleParts(bool isFirstVisible) const;
     Buffer::Area span() const { return {minAddress_, maxAddress_ - minAddress_ + 1}; }
     void report(Facts::ReadOperation operation, const Buffer::Area& requested) const;

@@ -33,6 +33,8 @@ public:
     void addArea(const Area& area) { areas_.push_back(area); }
 
     const std::string& bufferName() const { return bufferName_; }
+    /// The CRC or the hash that the statement writes; empty if it writes none.
+    const std::string& valueName() const { return crcName_.empty() ? hashName_ : crcName_; }
     FillKind fillKind() const { return fillKind_; }
     const AreaList& areas() const { return areas_; }
 

@@ -7,6 +7,10 @@
 #include <utility>
 
 #include "io/import/GenericInFile.hpp"
+#include "io/import/Malformed.hpp"
+#include "io/import/elf/ElfInFile.hpp"
+#include "io/import/titxt/TiTxtInFile.hpp"
+#include "io/import/uf2/Uf2InFile.hpp"
 #include "parser/commands/Conventions.hpp"
 
 namespace Parser::WrapperLib {
@@ -80,8 +84,12 @@ void CmdNewBuffer::setFile(std::string argument) {
 }
 
 void CmdNewBuffer::setRawFile(std::string argument) {
+    setFileOf(std::move(argument), FileKind::Raw);
+}
+
+void CmdNewBuffer::setFileOf(std::string argument, FileKind kind) {
     setFile(std::move(argument));
-    isRawFile_ = true;
+    fileKind_ = kind;
 }
 
 void CmdNewBuffer::setValues(std::vector<std::uint32_t> list) {
@@ -185,25 +193,50 @@ bool CmdNewBuffer::refuses(const Buffer::Overlap& overlap, const std::string& so
 std::optional<MemoryBuffer> CmdNewBuffer::fromFile(const CmdContext& context, Area range) const {
     try {
         return readFile(context, range);
+    } catch (const Io::Import::Malformed&) {
+        return std::nullopt;
     } catch (const std::exception&) {
         Facts::report(Facts::FileNotOpened{fileName_});
         return std::nullopt;
     }
 }
 
+/// The file is of a format that is read as a whole or not at all, so that, unless the statement has
+/// a rule, nothing is lost where it contradicts itself.
+bool CmdNewBuffer::isWhole() const {
+    const bool isOwnSource = fileKind_ != FileKind::Detected && fileKind_ != FileKind::Raw;
+    return isOwnSource && overlapRule_ == OverlapRule::NotSet;
+}
+
+std::unique_ptr<TessaronImportApi> CmdNewBuffer::openFile(const CmdContext& context) const {
+    // For the system a path ends at a zero byte.
+    const std::string path = fileName_.substr(0, fileName_.find('\0'));
+    switch (fileKind_) {
+        case FileKind::Raw:
+            return std::make_unique<GenericInFile>(path, Io::Import::rawBinary);
+        case FileKind::Elf:
+            return std::make_unique<Io::Import::ElfInFile>(path);
+        case FileKind::Uf2:
+            return std::make_unique<Io::Import::Uf2InFile>(path);
+        case FileKind::TiTxt:
+            return std::make_unique<Io::Import::TiTxtInFile>(path);
+        case FileKind::Detected:
+            break;
+    }
+    return context.reading->open(path, overlapRule_);
+}
+
 std::optional<MemoryBuffer> CmdNewBuffer::readFile(const CmdContext& context, Area range) const {
-    const std::unique_ptr<TessaronImportApi> reader =
-        isRawFile_ ? std::make_unique<GenericInFile>(fileName_.c_str(), Io::Import::rawBinary)
-                   : context.reading->open(fileName_.c_str(), overlapRule_);
+    const std::unique_ptr<TessaronImportApi> reader = openFile(context);
     if (!reader) return std::nullopt;
     if (!isGiven(range)) range = {reader->getMinAddress(), reader->getDataLength()};
-    if (!isRawFile_ && range.length > longestFile) {
+    if (fileKind_ != FileKind::Raw && range.length > longestFile) {
         Facts::report(Facts::FileSpanTooLong{range.length});
         return std::nullopt;
     }
     if (overlapRule_ == OverlapRule::First) reader->preferFirst();
-    if (isRefusing())
-        if (const auto overlap = reader->findOverlap(overlapRule_ == OverlapRule::Same))
+    if (isRefusing() || isWhole())
+        if (const auto overlap = reader->findOverlap(overlapRule_ != OverlapRule::Error))
             if (refuses(*overlap, fileName_)) return std::nullopt;
     if (context.observer != nullptr) context.observer->onRead(*reader, range);
     MemoryBuffer result(range.start, range.length);

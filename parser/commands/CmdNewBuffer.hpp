@@ -1,12 +1,14 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "buffer/MemoryBuffer.hpp"
 #include "buffer/Overlap.hpp"
+#include "io/import/TessaronImportApi.hpp"
 #include "parser/commands/CmdApi.hpp"
 
 namespace Parser::WrapperLib {
@@ -17,6 +19,9 @@ enum class BufferSourceKind : std::uint32_t {
     SourceValues = 2,
     SourceBuffers = 3
 };
+
+/// How a source file is read.
+enum class FileKind : std::uint32_t { Detected, Raw, Elf, Uf2, TiTxt };
 
 /// NEW_BUFFER: makes an image from a file, from values, from other images or from nothing, cut to
 /// areas or a range, and keeps it under a name.
@@ -32,6 +37,9 @@ public:
     /// A file taken byte for byte.
     void setRawFile(std::string argument);
 
+    /// A file of the format `kind`, whatever its contents look like.
+    void setFileOf(std::string argument, FileKind kind);
+
     void setValues(std::vector<std::uint32_t> list);
     void addSourceBuffer(std::string name);
     void setNewStartAddress(std::uint32_t address);
@@ -42,6 +50,7 @@ public:
 
     const std::string& bufferName() const { return bufferName_; }
     BufferSourceKind sourceKind() const { return sourceKind_; }
+    bool isRawFile() const { return fileKind_ == FileKind::Raw; }
     const std::string& fileName() const { return fileName_; }
     const AreaList& areas() const { return areas_; }
     Buffer::OverlapRule overlapRule() const { return overlapRule_; }
@@ -50,6 +59,8 @@ public:
     std::uint32_t getCmdType() const override { return number(CmdType::NewBuffer); }
 
 private:
+    bool isWhole() const;
+    std::unique_ptr<Io::Import::TessaronImportApi> openFile(const CmdContext& context) const;
     /// The image of the statement's source, or nothing after a report.
     std::optional<Buffer::MemoryBuffer> build(CmdContext& context) const;
     std::optional<Buffer::MemoryBuffer> fromBuffers(CmdContext& context, Area range) const;
@@ -71,7 +82,7 @@ private:
     std::uint64_t newStartAddress_ = 0;
     bool hasNewStartAddress_ = false;
     std::string fileName_;
-    bool isRawFile_ = false;
+    FileKind fileKind_ = FileKind::Detected;
     BufferSourceKind sourceKind_ = BufferSourceKind::SourceEmpty;
     Buffer::ByteOrder byteOrder_ = Buffer::ByteOrder::NotSet;
     Area bufferRange_;

@@ -35,6 +35,7 @@ public:
     /// Computes over words of 2, 4 or 8 bytes, the bytes of each in reverse order.
     void setWordSize(std::uint32_t bytes) { wordSize_ = bytes; }
 
+    const std::string& name() const { return name_; }
     const std::vector<std::string>& fromBuffers() const { return fromBuffers_; }
     const AreaList& areas() const { return areas_; }
 
@@ -52,8 +53,6 @@ protected:
     /// Returns nothing after a report.
     using Compute = std::function<std::optional<ByteList>(std::span<const std::uint8_t> data)>;
     void setCompute(Compute compute) { compute_ = std::move(compute); }
-
-    const std::string& name() const { return name_; }
 
 private:
     Facts::Subject subject_;

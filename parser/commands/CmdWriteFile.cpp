@@ -1,6 +1,7 @@
 #include "parser/commands/CmdWriteFile.hpp"
 
 #include <array>
+#include <bit>
 #include <exception>
 #include <utility>
 
@@ -8,6 +9,11 @@
 #include "io/export/IntelHexOutFile.hpp"
 #include "io/export/MotorolaS_OutFile.hpp"
 #include "io/export/RawBinaryOutFile.hpp"
+#include "io/export/carray/CArrayOutFile.hpp"
+#include "io/export/dfuse/DfuSeOutFile.hpp"
+#include "io/export/titxt/TiTxtOutFile.hpp"
+#include "io/export/uf2/Uf2OutFile.hpp"
+#include "io/export/vmem/VmemOutFile.hpp"
 #include "parser/commands/Conventions.hpp"
 
 namespace Parser::WrapperLib {
@@ -46,15 +52,57 @@ void setRecordSize(OutputStyles& styles, std::uint32_t number) {
     styles.motorolaStyle.maximumRecordSize = number;
 }
 
-constexpr std::array<ExportFormat, 5> exportFormats{{
-    {"RawBinary", "SetExportFormatOptionRawBinary -> ", nullptr, &makeRawBinary, false},
+WriterPointer makeTiTxt(const std::string& path, const OutputStyles& /*styles*/) {
+    return std::make_unique<Io::Export::TiTxtOutFile>(path.c_str());
+}
+
+WriterPointer makeUf2(const std::string& path, const OutputStyles& styles) {
+    return std::make_unique<Io::Export::Uf2OutFile>(path.c_str(), styles.uf2Style);
+}
+
+WriterPointer makeVmem(const std::string& path, const OutputStyles& styles) {
+    return std::make_unique<Io::Export::VmemOutFile>(path.c_str(), styles.vmemStyle);
+}
+
+WriterPointer makeArray(const std::string& path, const OutputStyles& styles) {
+    return std::make_unique<Io::Export::CArrayOutFile>(path.c_str(), styles.arrayStyle);
+}
+
+WriterPointer makeDfuSe(const std::string& path, const OutputStyles& styles) {
+    return std::make_unique<Io::Export::DfuSeOutFile>(path.c_str(), styles.dfuSeStyle);
+}
+
+void setFamily(OutputStyles& styles, std::uint32_t number) {
+    styles.uf2Style.family = number;
+}
+
+void setWordBytes(OutputStyles& styles, std::uint32_t number) {
+    styles.vmemStyle.wordBytes = number;
+}
+
+void setArrayLine(OutputStyles& styles, std::uint32_t number) {
+    styles.arrayStyle.elementsPerLine = number;
+}
+
+/// Bytes of the largest word of the Vmem format.
+constexpr std::uint32_t largestWord = 8;
+
+using enum FormatNumber;
+
+constexpr std::array<ExportFormat, 10> exportFormats{{
+    {"RawBinary", "SetExportFormatOptionRawBinary -> ", nullptr, &makeRawBinary, None, false},
     {"IntelHexExtended", "SetExportFormatOptionIntelHexExtended -> ", &setRecordLength,
-     &makeIntelHex},
+     &makeIntelHex, Optional},
     {"IntelHexSegment", "SetExportFormatOptionIntelHexSegment -> ", &setRecordLength, &makeIntelHex,
-     true, true},
+     Optional, true, true},
     {"EmbeddedC_Assembler", "SetExportFormatOptionEmbeddedC_Assembler -> ", &setElementsPerLine,
-     &makeEmbedded, false},
-    {"MotorolaS", "SetExportFormatOptionMotorolaS -> ", &setRecordSize, &makeMotorola},
+     &makeEmbedded, Optional, false},
+    {"MotorolaS", "SetExportFormatOptionMotorolaS -> ", &setRecordSize, &makeMotorola, Optional},
+    {"TiTxt", "SetExportFormatOptionTiTxt -> ", nullptr, &makeTiTxt},
+    {"Uf2", "SetExportFormatOptionUf2 -> ", &setFamily, &makeUf2, Family},
+    {"Vmem", "SetExportFormatOptionVmem -> ", &setWordBytes, &makeVmem, Required},
+    {"CArray", "SetExportFormatOptionCArray -> ", &setArrayLine, &makeArray, Optional, false},
+    {"DfuSe", "SetExportFormatOptionDfuSe -> ", nullptr, &makeDfuSe},
 }};
 
 }  // namespace
@@ -116,13 +164,36 @@ bool CmdWriteFile::execute(CmdContext& context) {
                    [&] { return write(context); });
 }
 
-bool CmdWriteFile::write(CmdContext& context) const {
-    if (unwritten_ == Io::Export::Unwritten::Skipped && format_ != nullptr &&
-        !format_->hasAddresses) {
+bool CmdWriteFile::isPossible() const {
+    if (format_ == nullptr) return true;
+    if (unwritten_ == Io::Export::Unwritten::Skipped && !format_->hasAddresses) {
         Facts::report(Facts::GapsNotExpressible{format_->keyword, fileName_});
         return false;
     }
-    const auto writer = makeWriter();
+    const std::uint32_t width = styles_.vmemStyle.wordBytes;
+    if (!std::has_single_bit(width) || width > largestWord) {
+        Facts::report(Facts::FormatNumberWrong{format_->keyword, fileName_, width});
+        return false;
+    }
+    return true;
+}
+
+/// The byte order of words is that of the first image that has one.
+bool CmdWriteFile::isLittleEndian(const CmdContext& context) const {
+    for (const std::string& name : bufferNames_) {
+        const auto image = context.buffers.find(name);
+        if (image == context.buffers.end()) continue;
+        const Buffer::ByteOrder order = image->second.getByteOrder();
+        if (order != Buffer::ByteOrder::NotSet) return order == Buffer::ByteOrder::LittleEndian;
+    }
+    return false;
+}
+
+bool CmdWriteFile::write(CmdContext& context) const {
+    if (!isPossible()) return false;
+    OutputStyles styles = styles_;
+    styles.vmemStyle.isLittleEndian = isLittleEndian(context);
+    const auto writer = makeWriter(styles);
     for (const std::string& name : bufferNames_) {
         const Buffer::MemoryBuffer* const buffer = findBuffer(context, name);
         if (buffer == nullptr) return false;
@@ -138,10 +209,11 @@ bool CmdWriteFile::write(CmdContext& context) const {
     return true;
 }
 
-std::unique_ptr<Io::Export::TessaronExportApi> CmdWriteFile::makeWriter() const {
+std::unique_ptr<Io::Export::TessaronExportApi> CmdWriteFile::makeWriter(
+    const OutputStyles& styles) const {
     // Without a format no setting counts.
     return format_ == nullptr ? makeIntelHex(fileName_, {})
-                              : format_->makeWriter(fileName_, styles_);
+                              : format_->makeWriter(fileName_, styles);
 }
 
 }  // namespace Parser::WrapperLib

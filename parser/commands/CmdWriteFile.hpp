@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "io/export/OutputStyles.hpp"
@@ -19,6 +20,18 @@ struct OutputStyles {
     Io::Export::MotorolaSOutputStyle motorolaStyle;
     Io::Export::IntelHexOutputStyle intelHexStyle;
     Io::Export::EmbeddedOutputStyle embeddedStyle;
+    Io::Export::Uf2OutputStyle uf2Style;
+    Io::Export::VmemOutputStyle vmemStyle;
+    Io::Export::CArrayOutputStyle arrayStyle;
+    Io::Export::DfuSeOutputStyle dfuSeStyle;
+};
+
+/// What may follow the keyword of a format.
+enum class FormatNumber : std::uint8_t {
+    None,
+    Optional,  ///< an underscore and a number, or nothing
+    Required,  ///< an underscore and a number
+    Family     ///< an underscore and the name of a family of devices or its number
 };
 
 /// A `-setFormat` keyword, the trace text of its parser action and the writer that it chooses.
@@ -29,6 +42,7 @@ struct ExportFormat {
     void (*setNumber)(OutputStyles& styles, std::uint32_t number);
     std::unique_ptr<Io::Export::TessaronExportApi> (*makeWriter)(const std::string& path,
                                                                  const OutputStyles& styles);
+    FormatNumber numberForm = FormatNumber::None;
     bool hasAddresses = true;           ///< it can express gaps
     bool useSegmentAddressing = false;  ///< of Intel HEX, for this and all later formats
 };
@@ -51,6 +65,13 @@ public:
     ///                   elements of a line, keep their value
     void setFormat(const ExportFormat& newFormat, std::optional<std::uint32_t> number);
 
+    /// The name of the array of the CArray format.
+    void setArrayName(std::string name) { styles_.arrayStyle.name = std::move(name); }
+
+    /// The vendor and the product that a DfuSe file is for; the low 16 bits count.
+    void setVendorId(std::uint32_t id) { styles_.dfuSeStyle.vendorId = id; }
+    void setProductId(std::uint32_t id) { styles_.dfuSeStyle.productId = id; }
+
     /// Lets addresses that nothing wrote stay gaps. A format without addresses refuses that.
     void skipUnwritten() { unwritten_ = Io::Export::Unwritten::Skipped; }
 
@@ -61,12 +82,22 @@ public:
     /// section of the embedded format.
     void setSection(std::string name);
 
+    const std::string& fileName() const { return fileName_; }
+    const std::vector<std::string>& bufferNames() const { return bufferNames_; }
+
+    /// The keyword of the format that counts.
+    std::string formatKeyword() const {
+        return format_ == nullptr ? "IntelHexExtended" : format_->keyword;
+    }
+
     bool execute(CmdContext& context) override;
     std::uint32_t getCmdType() const override { return number(CmdType::WriteFile); }
 
 private:
     bool write(CmdContext& context) const;
-    std::unique_ptr<Io::Export::TessaronExportApi> makeWriter() const;
+    bool isPossible() const;
+    std::unique_ptr<Io::Export::TessaronExportApi> makeWriter(const OutputStyles& styles) const;
+    bool isLittleEndian(const CmdContext& context) const;
 
     std::string fileName_;
     std::vector<std::string> bufferNames_;

@@ -1,4 +1,6 @@
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include "parser/commands/CmdNewBuffer.hpp"
 #include "parser/grammar/Statements.hpp"
@@ -7,6 +9,7 @@ namespace Parser {
 
 using Buffer::OverlapRule;
 using WrapperLib::CmdNewBuffer;
+using WrapperLib::FileKind;
 
 namespace {
 
@@ -18,12 +21,23 @@ struct NewBufferRules final : StatementRules {
                    rules.name[on.text("SetName -> ", &CmdNewBuffer::setBufferName)] >> newSource >>
                    newOptions)[on.end()] >>
                   rules.ws;
+        const auto fileOf = [&](const char* trace, FileKind kind) {
+            return on.with(trace, [kind](CmdNewBuffer& image, std::string_view text) {
+                image.setFileOf(std::string(text), kind);
+            });
+        };
         newSource =
             rules.ws >>
             ((rules.keyword("FROM_FILE_BINARY") >> rules.ws >>
               rules.textArg[on.text("SetRawFileAsSource -> ", &CmdNewBuffer::setRawFile)]) |
              (rules.keyword("FROM_FILE") >> rules.ws >>
               rules.textArg[on.text("SetFileAsSource -> ", &CmdNewBuffer::setFile)]) |
+             (rules.keyword("FROM_ELF") >> rules.ws >>
+              rules.textArg[fileOf("SetElfFileAsSource -> ", FileKind::Elf)]) |
+             (rules.keyword("FROM_UF2") >> rules.ws >>
+              rules.textArg[fileOf("SetUf2FileAsSource -> ", FileKind::Uf2)]) |
+             (rules.keyword("FROM_TI_TXT") >> rules.ws >>
+              rules.textArg[fileOf("SetTiTxtFileAsSource -> ", FileKind::TiTxt)]) |
              rules.keyword("EMPTY") |
              (rules.keyword("FROM_VALUES") >> rules.ws >>
               rules.valueList[on.values("SetHexList -> ", &CmdNewBuffer::setValues)]) |

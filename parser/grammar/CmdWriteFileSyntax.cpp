@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdint>
 #include <deque>
 #include <memory>
@@ -5,17 +6,51 @@
 #include <string_view>
 #include <vector>
 
+#include "io/Uf2.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
 #include "parser/grammar/Statements.hpp"
 
 namespace Parser {
 
+using Spirit::alnum_p;
+using Spirit::alpha_p;
 using Spirit::ch_p;
 using Spirit::eps_p;
 using WrapperLib::CmdWriteFile;
 using WrapperLib::ExportFormat;
+using WrapperLib::FormatNumber;
 
 namespace {
+
+/// The name of a family of devices of the UF2 format, as a whole word.
+class FamilyName : public Spirit::parser<FamilyName> {
+public:
+    /// @param family  set to the number of the last match
+    FamilyName(ParserState& state, std::uint32_t& family) : state_(&state), family_(&family) {}
+
+    template <class ScannerT>
+    typename Spirit::parser_result<FamilyName, ScannerT>::type parse(const ScannerT& scan) const {
+        constexpr std::string_view letters =
+            "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-";
+        const Position first = scan.first;
+        std::string_view word(first, static_cast<std::size_t>(scan.last - first));
+        word = word.substr(0, word.find_first_not_of(letters));
+        const auto families = Io::Uf2::families();
+        const auto found = std::ranges::find(families, word, &Io::Uf2::Family::name);
+        if (found == families.end()) {
+            if (state_->expectations != nullptr)
+                for (const auto& known : families) state_->expectations->miss(first, known.name);
+            return scan.no_match();
+        }
+        *family_ = found->number;
+        scan.first = first + word.size();
+        return scan.create_match(word.size(), Spirit::nil_t(), first, scan.first);
+    }
+
+private:
+    ParserState* state_;
+    std::uint32_t* family_;
+};
 
 /// WRITE_FILE path WITH_BUFFERS { name ... } [option ...]
 struct WriteFileRules final : StatementRules {
@@ -30,7 +65,18 @@ struct WriteFileRules final : StatementRules {
             *(rules.name[on.text("AddBufferToExportList -> ", &CmdWriteFile::addBuffer)] >>
               rules.separator) >>
             rules.closeBrace >> rules.ws;
-        writeOptions = *(formatOption | skipUnwrittenOption | executionAddressOption);
+        writeOptions = *(formatOption | skipUnwrittenOption | arrayNameOption | idOption |
+                         executionAddressOption);
+        arrayNameOption =
+            rules.keyword("-setArrayName") >> rules.equals >>
+            rules.expected("a name of C", (alpha_p | ch_p('_')) >> *(alnum_p | ch_p('_')))[on.text(
+                "SetArrayName -> ", &CmdWriteFile::setArrayName)] >>
+            rules.ws;
+        idOption = ((rules.keyword("-setVendorId") >> rules.equals >>
+                     rules.value[on.number("SetVendorId -> ", &CmdWriteFile::setVendorId)]) |
+                    (rules.keyword("-setProductId") >> rules.equals >>
+                     rules.value[on.number("SetProductId -> ", &CmdWriteFile::setProductId)])) >>
+                   rules.ws;
         skipUnwrittenOption =
             rules.keyword("-skipUnwritten")[on.with(
                 "SetSkipUnwritten -> ",
@@ -62,8 +108,20 @@ struct WriteFileRules final : StatementRules {
             const auto numbered = on.with(
                 format.trace, [set](CmdWriteFile& write, std::string_view) { set(write, true); });
             Rule& rule = formats.emplace_back();
-            if (format.setNumber == nullptr)
+            if (format.numberForm == FormatNumber::None)
                 rule = rules.keyword(format.keyword)[bare];
+            else if (format.numberForm == FormatNumber::Required)
+                rule = rules.keyword(format.keyword) >> rules.expected("_", ch_p('_')) >>
+                       rules.value[numbered];
+            else if (format.numberForm == FormatNumber::Family)
+                rule = rules.keyword(format.keyword) >> rules.expected("_", ch_p('_')) >>
+                       (FamilyName(
+                            state,
+                            family)[on.with(format.trace,
+                                            [this, &format](CmdWriteFile& write, std::string_view) {
+                                                write.setFormat(format, family);
+                                            })] |
+                        rules.value[numbered]);
             else
                 rule = (rules.keyword(format.keyword) >> ch_p('_') >> rules.value[numbered]) |
                        rules.keyword(format.keyword)[bare];
@@ -72,7 +130,9 @@ struct WriteFileRules final : StatementRules {
         return alternatives;
     }
 
-    Rule writeBuffers, writeOptions, formatOption, skipUnwrittenOption, executionAddressOption;
+    std::uint32_t family = 0;  ///< whose name was read last
+    Rule writeBuffers, writeOptions, formatOption, skipUnwrittenOption, executionAddressOption,
+        arrayNameOption, idOption;
     std::deque<Rule> formats;
 };
 

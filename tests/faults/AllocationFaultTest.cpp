@@ -125,8 +125,10 @@ std::vector<Case> writeCases() {
                              command.addBuffer("A");
                              for (int i = 0; i < 9; ++i) command.addBuffer("B");
                              const bool hasNumber = format.setNumber != nullptr;
-                             command.setFormat(format,
-                                               hasNumber ? std::optional(32U) : std::nullopt);
+                             // A word has at most 8 bytes.
+                             const bool isWord = format.numberForm == FormatNumber::Required;
+                             command.setFormat(format, hasNumber ? std::optional(isWord ? 8U : 32U)
+                                                                 : std::nullopt);
                              command.setExecutionStartAddress(0x1234);
                          })});
     }

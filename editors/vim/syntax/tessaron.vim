@@ -88,7 +88,7 @@ syntax match tessaronStringComment "//.*" contained
 syntax match tessaronConstant /\v<%(LittleEndian|BigEndian)/
 syntax match tessaronConstant /\v%(<-onOverlap\s*\=\s*)@<=%(Last|First|Same|Error)/
 syntax match tessaronConstant /\v<%(InterpretAsLittleEndian|InterpretAsBigEndian)/
-syntax match tessaronConstant /\v<%(RawBinary|%(IntelHexExtended|IntelHexSegment|EmbeddedC_Assembler|MotorolaS)_?)/
+syntax match tessaronConstant /\v<%(RawBinary|TiTxt|DfuSe|Uf2_\k+|Uf2|%(IntelHexExtended|IntelHexSegment|EmbeddedC_Assembler|MotorolaS|Vmem|CArray)_?)/
 syntax match tessaronConstant /\v<%(Crc8_Standard|Crc8_OnesComplement|Crc8_TwosComplement|Crc8_Eeprom)/
 syntax match tessaronConstant /\v<%(Crc16_Standard|Crc16_OnesComplement_BE|Crc16_TwosComplement_BE|Crc16_Legacy_Karst_Brae|Crc16_Ccitt|Crc16_ibm_sdlc)/
 syntax match tessaronConstant /\v<%(Crc32_Standard|Crc32_Tolmen|Crc32_Ethernet_Mpeg2|Crc32_Vector_AUTOSAR)/
@@ -102,8 +102,8 @@ syntax match tessaronConstant /\v<%(Hash_Sha3_224|Hash_Sha3_256|Hash_Sha3_384|Ha
 " Options.
 syntax match tessaronSection /\.\?\k\+/ contained
 syntax match tessaronSectionEquals /=/ contained nextgroup=tessaronSection skipwhite skipempty
-syntax match tessaronOption /\v<%(-changeStartAddressTo|-setByteOrder|-setType|-setFormat|-skipUnwritten|-onOverlap|-useWordSize)/
-syntax match tessaronOption /\v<-setExecutionAddress/
+syntax match tessaronOption /\v<%(-changeStartAddressTo|-setByteOrder|-setType|-setFormat|-skipUnwritten|-onOverlap|-useWordSize|-setVendorId|-setProductId)/
+syntax match tessaronOption /\v<%(-setExecutionAddress|-setArrayName)/
       \ nextgroup=tessaronSectionEquals skipwhite skipempty
 syntax match tessaronOption /\v<%(-useAreas|-useBufferRange)/
       \ nextgroup=tessaronNumbersEquals skipwhite skipempty
@@ -118,7 +118,7 @@ syntax match tessaronSource "\v<%(FROM_BUFFERS%(\s*%(\{|$|//))@=|WITH_BUFFERS)"
       \ nextgroup=tessaronNames skipwhite skipempty
 syntax match tessaronSource /\v<%(FROM_VALUES|WITH_FILLER|WITH_VALUES)/
       \ nextgroup=tessaronNumbers skipwhite skipempty
-syntax match tessaronSource /\v<%(FROM_FILE_BINARY|FROM_FILE)/
+syntax match tessaronSource /\v<%(FROM_FILE_BINARY|FROM_FILE|FROM_ELF|FROM_UF2|FROM_TI_TXT)/
       \ nextgroup=tessaronBareText,tessaronQuotedText,tessaronBracedText,tessaronTextComment
       \ skipwhite skipempty
 syntax match tessaronSource /\v<WITH_ARGUMENTS/

@@ -1,0 +1,73 @@
+#include "classic/FormatFaultWords.hpp"
+
+#include <array>
+#include <charconv>
+#include <utility>
+
+namespace Classic {
+
+namespace {
+
+using Facts::FormatFault;
+
+std::string hexadecimal(std::uint64_t number) {
+    constexpr int base = 16;
+    std::array<char, 16> digits{};
+    const char* const end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), number, base).ptr;
+    return "0x" + std::string(std::as_const(digits).data(), end);
+}
+
+}  // namespace
+
+std::string nameOfFormat(Facts::InputFormat format) {
+    constexpr std::array names{"Intel HEX", "S-record", "raw", "ELF", "UF2", "TI-TXT"};
+    return names.at(static_cast<std::size_t>(format));
+}
+
+std::string wordsFor(const Facts::FileMalformed& fact) {
+    const std::string where = std::to_string(fact.where);
+    const std::string number = std::to_string(fact.number);
+    switch (fact.fault) {
+        case FormatFault::MagicMissing:
+            return "the mark of the format is missing at byte " + where;
+        case FormatFault::VariantUnknown:
+            return "byte " + where + " is " + number + ", which names no variant of the format";
+        case FormatFault::Truncated:
+            return "the file ends before byte " + where + " and the " + number + " after it";
+        case FormatFault::EntryTooShort:
+            return "the entries of the table at byte " + where + " have only " + number + " bytes";
+        case FormatFault::NothingToLoad:
+            return "there is no data to load";
+        case FormatFault::DataRepeated:
+            return "parts of the file count several times, " + number + " bytes in total";
+        case FormatFault::SegmentTooLong:
+            return "segment " + where + " has " + number + " bytes in the file and fewer in memory";
+        case FormatFault::AddressTooHigh:
+            return "the data at " + hexadecimal(fact.number) +
+                   " passes the end of the address space";
+        case FormatFault::SizeNotWhole:
+            return "the size of the file, " + where + ", is no multiple of " + number;
+        case FormatFault::PayloadTooLong:
+            return "block " + where + " has " + number + " bytes, more than there is room for";
+        case FormatFault::BlockNumberWrong:
+            return "block " + where + " has the number " + number +
+                   ", which is there already or beyond the count";
+        case FormatFault::BlockCountWrong:
+            return "there are " + where + " blocks, not " + number;
+        case FormatFault::FamiliesMixed:
+            return "block " + where + " is for the family " + hexadecimal(fact.number) +
+                   ", others are not";
+        case FormatFault::LineUnknown:
+            return "line " + where + " is neither an address nor bytes";
+        case FormatFault::AddressMissing:
+            return "line " + where + " has bytes without an address before them";
+        case FormatFault::EndMissing:
+            return "there is no end after line " + where;
+        case FormatFault::AfterEnd:
+            break;
+    }
+    return "line " + where + " comes after the end";
+}
+
+}  // namespace Classic

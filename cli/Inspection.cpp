@@ -1,0 +1,97 @@
+#include "cli/Inspection.hpp"
+
+#include <optional>
+#include <utility>
+
+#include "inspect/Diff.hpp"
+#include "inspect/Info.hpp"
+#include "inspect/Map.hpp"
+#include "platform/Streams.hpp"
+#include "strict/ImageReading.hpp"
+#include "strict/WholeFile.hpp"
+
+namespace CommandLine {
+
+namespace {
+
+using Strict::ExitCode;
+using Strict::Printer;
+
+/// Columns where standard output is no terminal.
+constexpr std::size_t usualWidth = 80;
+
+std::size_t widthOf(const Inspection& inspection) {
+    return inspection.width != 0 ? inspection.width : Platform::terminalWidth();
+}
+
+/// Ends a command whose results are complete: what it printed must have arrived.
+ExitCode ended(std::ostream& output, Printer& printer, ExitCode good) {
+    output.flush();
+    if (output) return good;
+    printer.take({Strict::Severity::Error,
+                  "short-write",
+                  "standard output could not be written completely",
+                  std::nullopt,
+                  "",
+                  {}});
+    return good == ExitCode::Good ? ExitCode::Failed : ExitCode::Unusable;
+}
+
+/// The images of the files that can be read.
+std::vector<Inspect::Image> imagesOf(const Inspection& inspection, Printer& printer) {
+    std::vector<Inspect::Image> images;
+    for (const std::string& file : inspection.files)
+        if (auto image = Strict::readImage(file, printer)) images.push_back(std::move(*image));
+    return images;
+}
+
+}  // namespace
+
+ExitCode info(const Inspection& inspection, Printer& printer, const Strict::Policy& policy,
+              std::ostream& output) {
+    std::vector<Inspect::Info> files;
+    bool isGood = true;
+    for (const std::string& file : inspection.files) {
+        Strict::RemarkList remarks(policy);
+        auto info = Strict::readInfo(file, remarks);
+        isGood = isGood && info && !remarks.hasErrors();
+        if (!info) {
+            Strict::readImage(file, printer);
+            continue;
+        }
+        info->remarks = std::move(remarks.remarks);
+        files.push_back(std::move(*info));
+    }
+    if (inspection.isJson) output << Inspect::jsonOf(files);
+    if (!inspection.isJson)
+        for (std::size_t i = 0; i < files.size(); ++i)
+            output << (i == 0 ? "" : "\n") << Inspect::textOf(files[i], widthOf(inspection));
+    return ended(output, printer, isGood ? ExitCode::Good : ExitCode::Failed);
+}
+
+ExitCode diff(const Inspection& inspection, Printer& printer, std::ostream& output) {
+    const std::vector<Inspect::Image> images = imagesOf(inspection, printer);
+    if (images.size() != 2 || printer.errors() != 0) return ExitCode::Unusable;
+    const Inspect::Diff found = Inspect::compare(images[0], images[1], inspection.ignored);
+    const std::size_t width = widthOf(inspection);
+    const Inspect::DiffStyle style{inspection.context, inspection.mostLines,
+                                   width == 0 ? usualWidth : width, inspection.hasColor};
+    output << (inspection.isJson ? Inspect::jsonOf(found) : Inspect::textOf(found, style));
+    return ended(output, printer, found.isEqual() ? ExitCode::Good : ExitCode::Failed);
+}
+
+ExitCode map(const Inspection& inspection, Printer& printer, std::ostream& output) {
+    std::vector<Inspect::MapRow> rows;
+    for (const Inspect::Image& image : imagesOf(inspection, printer))
+        rows.push_back(Inspect::rowOf(image));
+    const Inspect::Map drawn(std::move(rows));
+    const std::size_t width = widthOf(inspection);
+    if (inspection.svgFile.empty())
+        output << drawn.text(width == 0 ? usualWidth : width,
+                             !inspection.isAscii && Platform::showsUnicode());
+    else
+        Strict::writeWhole(inspection.svgFile, drawn.svg(), printer);
+    return ended(output, printer, printer.errors() == 0 ? ExitCode::Good : ExitCode::Failed);
+}
+
+}  // namespace CommandLine

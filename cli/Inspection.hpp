@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "buffer/Area.hpp"
+#include "strict/Policy.hpp"
+#include "strict/Printer.hpp"
+#include "strict/Run.hpp"
+
+namespace CommandLine {
+
+/// What `info`, `diff` and `map` are asked for.
+struct Inspection {
+    std::vector<std::string> files;
+    bool isJson = false;
+    Buffer::AreaList ignored;     ///< by `diff`
+    std::size_t context = 1;      ///< of `diff`
+    std::size_t mostLines = 200;  ///< of `diff`; 0 for all
+    std::size_t width = 0;        ///< 0 for that of the terminal
+    bool isAscii = false;         ///< `map` uses no other characters
+    std::string svgFile;          ///< of `map`; empty for none
+    bool hasColor = false;        ///< on standard output
+};
+
+/// Prints what is in the files. Fails if one of them cannot be read or has an error.
+Strict::ExitCode info(const Inspection& inspection, Strict::Printer& printer,
+                      const Strict::Policy& policy, std::ostream& output);
+
+/// Prints where two files differ. `Failed` if they do, `Unusable` if one cannot be read.
+Strict::ExitCode diff(const Inspection& inspection, Strict::Printer& printer, std::ostream& output);
+
+/// Prints a map of the files, one beside the other.
+Strict::ExitCode map(const Inspection& inspection, Strict::Printer& printer, std::ostream& output);
+
+}  // namespace CommandLine

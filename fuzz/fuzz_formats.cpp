@@ -1,0 +1,102 @@
+// The readers of ELF, UF2 and TI-TXT: what one of them accepts is the same in every question of its
+// interface, and is read again from what the writers of UF2 and TI-TXT make of it.
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "fuzz/Check.hpp"
+#include "fuzz/PlatformInMemory.hpp"
+#include "io/export/titxt/TiTxtOutFile.hpp"
+#include "io/export/uf2/Uf2OutFile.hpp"
+#include "io/import/Malformed.hpp"
+#include "io/import/elf/ElfInFile.hpp"
+#include "io/import/titxt/TiTxtInFile.hpp"
+#include "io/import/uf2/Uf2InFile.hpp"
+
+namespace {
+
+using Buffer::MemoryBuffer;
+using Fuzz::check;
+using Io::Import::TessaronImportApi;
+
+constexpr const char* inputPath = "input";
+constexpr const char* outputPath = "output";
+
+/// Longest range that is looked at as a whole.
+constexpr std::uint64_t longestSpan = 0x10000;
+constexpr std::uint64_t addressSpaceEnd = 0x100000000;
+
+/// The images of the runs of a file.
+std::vector<MemoryBuffer> imagesOf(const TessaronImportApi& file) {
+    std::vector<MemoryBuffer> images;
+    for (const Buffer::Area& area : file.getDataAreas()) {
+        check(area.length > 0, "a run has addresses");
+        images.push_back(file.getMemory(area.start, area.length));
+        check(images.back().getArea() == area, "an image has the range that was asked for");
+        check(images.back().viewElements().findUnwritten(0) == area.length,
+              "a run has data everywhere");
+    }
+    return images;
+}
+
+template <class Reader, class Writer>
+void checkWritten(const std::vector<MemoryBuffer>& images, Writer writer) {
+    for (const MemoryBuffer& image : images) writer.insertMemoryBuffer(image);
+    writer.saveToFile();
+    const Reader again(outputPath);
+    for (const MemoryBuffer& image : images)
+        check(again.getMemory(image.getStartAddress(), image.getDataLength()).getElements() ==
+                  image.getElements(),
+              "what is written is read again");
+}
+
+void checkAnswers(TessaronImportApi& file) {
+    const std::vector<MemoryBuffer> images = imagesOf(file);
+    check(!images.empty(), "a file without data is refused");
+    check(images.front().getStartAddress() == file.getMinAddress(),
+          "the data begins where its first run does");
+    const Buffer::Area last = images.back().getArea();
+    check(last.end() == file.getMinAddress() + file.getDataLength(),
+          "the data ends where its last run does");
+    if (last.end() != 0 && last.end() <= addressSpaceEnd) {
+        using namespace Io::Export;
+        checkWritten<Io::Import::TiTxtInFile>(images, TiTxtOutFile(outputPath));
+        checkWritten<Io::Import::Uf2InFile>(images, Uf2OutFile(outputPath, {1}));
+    }
+    if (file.getDataLength() > longestSpan) return;
+    const MemoryBuffer whole = file.getMemory();
+    check(file.takeMemory().getElements() == whole.getElements(),
+          "an image that is taken is the one that is given");
+}
+
+template <class Reader>
+void checkReader() {
+    try {
+        Reader file{std::string(inputPath)};
+        checkAnswers(file);
+    } catch (const Io::Import::Malformed&) {
+    }
+}
+
+void checkSymbols(std::size_t size) {
+    try {
+        for (const auto& symbol : Io::Import::ElfFile(inputPath).symbols())
+            check(symbol.name.size() < size, "a name lies in the file");
+    } catch (const Io::Import::Malformed&) {
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size > Fuzz::Machine::mostInput) return 0;
+    Fuzz::Machine machine;
+    machine.addFile(inputPath, {reinterpret_cast<const char*>(data), size});
+    checkReader<Io::Import::ElfInFile>();
+    checkSymbols(size);
+    checkReader<Io::Import::Uf2InFile>();
+    checkReader<Io::Import::TiTxtInFile>();
+    return 0;
+}

@@ -1,0 +1,268 @@
+#include "inspect/Diff.hpp"
+
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "inspect/Json.hpp"
+#include "util/Hex.hpp"
+
+namespace Inspect {
+
+namespace {
+
+using Buffer::Area;
+using Buffer::AreaList;
+
+/// The borders of all parts, between which an image has all addresses or none.
+std::vector<std::uint64_t> bordersOf(const Parts& left, const Parts& right) {
+    std::vector<std::uint64_t> borders;
+    for (const Parts* const parts : {&left, &right})
+        for (const Buffer::MemoryBuffer& part : *parts) {
+            borders.push_back(part.getArea().start);
+            borders.push_back(part.getArea().end());
+        }
+    std::ranges::sort(borders);
+    return borders;
+}
+
+/// What is left of the ascending `areas` outside the ascending `holes`.
+AreaList without(const AreaList& areas, const AreaList& holes) {
+    AreaList rest;
+    for (Area area : areas) {
+        for (const Area& hole : holes) {
+            if (hole.end() <= area.start) continue;
+            if (hole.start >= area.end()) break;
+            if (hole.start > area.start) rest.push_back({area.start, hole.start - area.start});
+            const std::uint64_t start = std::min(hole.end(), area.end());
+            area = {start, area.end() - start};
+        }
+        if (area.length != 0) rest.push_back(area);
+    }
+    return rest;
+}
+
+std::optional<std::uint8_t> byteAt(const Parts& parts, std::uint64_t address) {
+    const Buffer::MemoryBuffer* const part = partWith(parts, {address, 1});
+    if (part == nullptr) return std::nullopt;
+    const Buffer::MemoryElement element = part->viewRange(address, 1)[0];
+    return element.hasValue != 0 ? std::optional(element.value) : std::nullopt;
+}
+
+/// Lines up to a limit, and the number of those beyond it.
+class Lines {
+public:
+    explicit Lines(std::size_t most) : most_(most) {}
+    bool isFull() const { return most_ != 0 && count_ >= most_; }
+    void add(const std::string& line) {
+        ++count_;
+        text_ += line + "\n";
+    }
+    void skip(std::uint64_t count) { skipped_ += count; }
+    std::string text() const {
+        if (skipped_ == 0) return text_;
+        return text_ + "... and " + countText(skipped_, "more line") +
+               "; --max-lines sets how many are shown\n";
+    }
+
+private:
+    std::size_t most_;
+    std::size_t count_ = 0;
+    std::uint64_t skipped_ = 0;
+    std::string text_;
+};
+
+/// Rows of the dump, by the number of the first and the last.
+struct Hunk {
+    std::uint64_t first;
+    std::uint64_t last;
+    Area changed;         ///< from the first changed byte to the last one
+    std::uint64_t bytes;  ///< that have changed
+};
+
+/// Prints both images side by side.
+class Dump {
+public:
+    Dump(const Diff& diff, const DiffStyle& style)
+        : diff_(&diff), style_(&style), perRow_(style.width < widest ? 8 : 16) {}
+
+    void appendTo(Lines& lines) const {
+        for (const Hunk& hunk : hunks()) {
+            const std::uint64_t rows = hunk.last - hunk.first + 1;
+            if (lines.isFull()) {
+                lines.skip(rows + 2);
+                continue;
+            }
+            lines.add("");
+            lines.add(rangeText(hunk.changed) + ": " + countText(hunk.bytes, "byte") +
+                      (hunk.bytes == 1 ? " differs" : " differ"));
+            for (std::uint64_t row = hunk.first;; ++row) {
+                if (lines.isFull())
+                    lines.skip(hunk.last - row + 1);
+                else
+                    lines.add(rowText(row));
+                if (row == hunk.last || lines.isFull()) {
+                    lines.skip(hunk.last - row);
+                    break;
+                }
+            }
+        }
+    }
+
+private:
+    using Byte = std::optional<std::uint8_t>;
+    static constexpr std::size_t widest = 143;
+
+    std::vector<Hunk> hunks() const {
+        std::vector<Hunk> all;
+        for (const Area& area : diff_->where.changed) {
+            const std::uint64_t row = area.start / perRow_;
+            const std::uint64_t first = row - std::min<std::uint64_t>(row, style_->context);
+            const std::uint64_t last = (area.end() - 1) / perRow_ + style_->context;
+            if (!all.empty() && first <= all.back().last + 1) {
+                all.back().last = last;
+                all.back().changed.length = area.end() - all.back().changed.start;
+                all.back().bytes += area.length;
+            } else {
+                all.push_back({first, last, area, area.length});
+            }
+        }
+        return all;
+    }
+
+    std::string rowText(std::uint64_t row) const {
+        std::vector<Byte> left;
+        std::vector<Byte> right;
+        for (std::size_t i = 0; i < perRow_; ++i) {
+            left.push_back(byteAt(diff_->left->parts, row * perRow_ + i));
+            right.push_back(byteAt(diff_->right->parts, row * perRow_ + i));
+        }
+        return addressText(row * perRow_) + " " + side(left, right, "\033[31m") + " |" +
+               side(right, left, "\033[32m");
+    }
+
+    /// Bytes that differ are in brackets, so that they show without colors too.
+    std::string side(const std::vector<Byte>& own, const std::vector<Byte>& other,
+                     const char* color) const {
+        std::string text;
+        std::string letters;
+        bool isOpen = false;
+        for (std::size_t i = 0; i < own.size(); ++i) {
+            const bool isOther = own[i] != other[i];
+            text += isOther == isOpen ? " " : isOther ? "[" : "]";
+            isOpen = isOther;
+            std::string digits = "--";
+            if (own[i]) Util::writeHex(digits.data(), *own[i]);
+            const char letter = !own[i]                            ? ' '
+                                : *own[i] >= ' ' && *own[i] <= '~' ? char(*own[i])
+                                                                   : '.';
+            const bool isColored = isOther && style_->hasColor;
+            text += isColored ? color + digits + "\033[0m" : digits;
+            letters += isColored ? std::string(color) + letter + "\033[0m" : std::string(1, letter);
+        }
+        return text + (isOpen ? "] " : "  ") + letters;
+    }
+
+    const Diff* diff_;
+    const DiffStyle* style_;
+    std::size_t perRow_;
+};
+
+void appendAreas(Lines& lines, const AreaList& areas, const std::string& path) {
+    if (areas.empty()) return;
+    lines.add("");
+    lines.add("only in " + path + ":");
+    for (const Area& area : areas) {
+        if (lines.isFull())
+            lines.skip(1);
+        else
+            lines.add("  " + rangeText(area) + "  " + countText(area.length, "byte"));
+    }
+}
+
+std::string startText(const Image& image) {
+    return image.startAddress ? addressText(*image.startAddress) : "none";
+}
+
+std::string headText(const char* mark, const Image& image) {
+    const AreaList areas = image.areas();
+    return mark + image.path + "  " + image.format + ", " + countText(byteCount(areas), "byte") +
+           " in " + countText(areas.size(), "area") + ", start address " + startText(image) + "\n";
+}
+
+/// The written bytes of `area`, the first ones of a long one.
+std::string hexOf(const Parts& parts, const Area& area) {
+    constexpr std::uint64_t mostShown = 64;
+    std::string text;
+    for (std::uint64_t i = 0; i < std::min(area.length, mostShown); ++i)
+        if (const auto byte = byteAt(parts, area.start + i)) Util::appendHex(text, {&*byte, 1});
+    return text;
+}
+
+Json sideJson(const Image& image) {
+    const AreaList areas = image.areas();
+    Json json{{"file", image.path}, {"format", image.format}, {"bytes", byteCount(areas)}};
+    if (image.startAddress) json["startAddress"] = addressText(*image.startAddress);
+    return json;
+}
+
+}  // namespace
+
+Diff compare(const Image& left, const Image& right, const AreaList& ignored) {
+    Diff diff{&left, &right, {}, false};
+    const auto borders = bordersOf(left.parts, right.parts);
+    for (std::size_t i = 0; i + 1 < borders.size(); ++i) {
+        const Area range{borders[i], borders[i + 1] - borders[i]};
+        if (range.length != 0)
+            Buffer::appendDifferences(partWith(left.parts, range), partWith(right.parts, range),
+                                      range, diff.where);
+    }
+    AreaList holes = ignored;
+    std::ranges::sort(holes, {}, &Area::start);
+    if (!holes.empty())
+        for (AreaList* const areas :
+             {&diff.where.changed, &diff.where.onlyLeft, &diff.where.onlyRight})
+            *areas = without(*areas, holes);
+    // An S-record file without a start address ends with a record for address 0.
+    const std::uint64_t one = left.startAddress.value_or(0);
+    const std::uint64_t other = right.startAddress.value_or(0);
+    diff.hasOtherStart = one != 0 && other != 0 && one != other;
+    return diff;
+}
+
+std::string textOf(const Diff& diff, const DiffStyle& style) {
+    if (diff.isEqual()) return "";
+    std::string text = headText("--- ", *diff.left) + headText("+++ ", *diff.right);
+    if (diff.hasOtherStart) text += "the start addresses differ\n";
+    text += countText(byteCount(diff.where.changed), "byte") +
+            (byteCount(diff.where.changed) == 1 ? " differs" : " differ") + " in " +
+            countText(diff.where.changed.size(), "range") + ", " +
+            countText(byteCount(diff.where.onlyLeft), "byte") + " only in " + diff.left->path +
+            ", " + countText(byteCount(diff.where.onlyRight), "byte") + " only in " +
+            diff.right->path + "\n";
+    Lines lines(style.mostLines);
+    appendAreas(lines, diff.where.onlyLeft, diff.left->path);
+    appendAreas(lines, diff.where.onlyRight, diff.right->path);
+    Dump(diff, style).appendTo(lines);
+    return text + lines.text();
+}
+
+std::string jsonOf(const Diff& diff) {
+    Json json{{"equal", diff.isEqual()},
+              {"left", sideJson(*diff.left)},
+              {"right", sideJson(*diff.right)},
+              {"changedBytes", byteCount(diff.where.changed)}};
+    json["changed"] = Json::array();
+    for (const Area& area : diff.where.changed) {
+        Json entry = toJson(area);
+        entry["left"] = hexOf(diff.left->parts, area);
+        entry["right"] = hexOf(diff.right->parts, area);
+        json["changed"].push_back(std::move(entry));
+    }
+    json["onlyLeft"] = toJson(diff.where.onlyLeft);
+    json["onlyRight"] = toJson(diff.where.onlyRight);
+    return dump(json);
+}
+
+}  // namespace Inspect

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "buffer/Area.hpp"
+#include "buffer/Difference.hpp"
+#include "inspect/Image.hpp"
+
+namespace Inspect {
+
+/// Two images and where they differ. The images are borrowed.
+struct Diff {
+    const Image* left;
+    const Image* right;
+    Buffer::Differences where;
+    bool hasOtherStart = false;  ///< both have a start address other than 0, and not the same
+
+    bool isEqual() const {
+        return where.changed.empty() && where.onlyLeft.empty() && where.onlyRight.empty() &&
+               !hasOtherStart;
+    }
+};
+
+/// Compares the written bytes outside the areas `ignored`.
+Diff compare(const Image& left, const Image& right, const Buffer::AreaList& ignored);
+
+/// How a comparison is printed.
+struct DiffStyle {
+    std::size_t context = 1;      ///< rows around a changed range
+    std::size_t mostLines = 200;  ///< 0 for all
+    std::size_t width = 80;  ///< of the terminal: from 143 on a row has sixteen bytes, not eight
+    bool hasColor = false;
+};
+
+/// The areas that only one image has, and a dump of the changed ranges, both images side by side.
+std::string textOf(const Diff& diff, const DiffStyle& style);
+
+/// One JSON object.
+std::string jsonOf(const Diff& diff);
+
+}  // namespace Inspect

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "inspect/Image.hpp"
+
+namespace Inspect {
+
+/// SHA-256 (FIPS 180-4) of bytes that come in pieces.
+class Sha256 {
+public:
+    Sha256();
+    ~Sha256();
+    Sha256(const Sha256&) = delete;
+    Sha256& operator=(const Sha256&) = delete;
+
+    void take(std::string_view bytes);
+
+    /// Ends the message; called once. 64 lower-case hexadecimal digits.
+    std::string finish();
+
+private:
+    class Hash;
+    std::unique_ptr<Hash> hash_;
+};
+
+/// CRC-32/ISO-HDLC and SHA-256 (FIPS 180-4) of the same bytes.
+struct Digest {
+    std::uint32_t crc32 = 0;
+    std::string sha256;  ///< 64 lower-case hexadecimal digits
+};
+
+/// Takes bytes in pieces and computes both digests of all of them.
+class Digester {
+public:
+    void take(std::span<const std::uint8_t> bytes);
+
+    /// Ends the message; called once.
+    Digest finish();
+
+private:
+    std::uint32_t crc_ = 0;
+    Sha256 sha_;
+};
+
+/// The digests of the effective bytes of `area`, which must lie in one of the parts.
+Digest digestOf(const Parts& parts, const Buffer::Area& area);
+
+/// The digests of the written bytes of all areas, one after the other.
+Digest digestOf(const Parts& parts, const Buffer::AreaList& areas);
+
+/// CRC-32 of the effective bytes of a whole image.
+std::uint32_t crc32Of(const Buffer::MemoryBuffer& image);
+
+/// SHA-256 of a text, as in `Digest`.
+std::string sha256Of(std::string_view text);
+
+}  // namespace Inspect

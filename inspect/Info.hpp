@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "buffer/Area.hpp"
+#include "inspect/Digest.hpp"
+#include "inspect/Image.hpp"
+#include "inspect/Records.hpp"
+
+namespace Inspect {
+
+/// Something odd, or a fault, in words.
+struct Remark {
+    std::string severity;  ///< "error", "warning" or "note"
+    std::string name;      ///< the kind; may be empty
+    std::string text;
+    std::string file;          ///< empty if no file is to blame
+    std::uint64_t line = 0;    ///< counted from 1; 0 for the file as a whole
+    std::uint64_t column = 0;  ///< counted from 1; 0 for the whole line
+    std::string hint;          ///< may be empty
+};
+
+/// An area of data and its digests.
+struct AreaInfo {
+    Buffer::Area area;
+    Digest digest;
+};
+
+/// What there is to know of a file.
+struct Info {
+    std::string path;
+    std::string format;
+    std::uint64_t fileSize = 0;
+    Records records;
+    std::vector<AreaInfo> areas;
+    Digest digest;  ///< of the data of all areas, ascending
+    std::optional<std::uint64_t> startAddress;
+    std::vector<Remark> remarks;
+};
+
+/// Reads a file and computes all but the remarks; what is odd goes to the listener in force. A
+/// damaged file has no areas.
+///
+/// @throws Io::bad_open
+Info infoAbout(const std::string& path);
+
+/// A table for a terminal of `width` columns; digests that do not fit are cut, unless it is 0.
+std::string textOf(const Info& info, std::size_t width);
+
+/// A JSON array with one object a file.
+std::string jsonOf(const std::vector<Info>& files);
+
+}  // namespace Inspect

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "inspect/Image.hpp"
+#include "inspect/Info.hpp"
+
+/// What the JSON outputs have in common. Addresses are texts, "0x08000000", since people compare
+/// them; numbers of bytes are numbers.
+namespace Inspect {
+
+using Json = nlohmann::ordered_json;
+
+inline Json toJson(const Buffer::Area& area) {
+    return {{"start", addressText(area.start)}, {"length", area.length}};
+}
+
+inline Json toJson(const Buffer::AreaList& areas) {
+    Json list = Json::array();
+    for (const Buffer::Area& area : areas) list.push_back(toJson(area));
+    return list;
+}
+
+inline Json toJson(const Remark& remark) {
+    Json json{{"severity", remark.severity}, {"name", remark.name}, {"text", remark.text}};
+    if (remark.name.empty()) json.erase("name");
+    if (!remark.file.empty()) json["file"] = remark.file;
+    if (remark.line != 0) json["line"] = remark.line;
+    if (remark.column != 0) json["column"] = remark.column;
+    if (!remark.hint.empty()) json["hint"] = remark.hint;
+    return json;
+}
+
+/// Bytes that are no UTF-8, as a path may have them, are replaced.
+inline std::string dump(const Json& json, int indent = 2) {
+    return json.dump(indent, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace Inspect

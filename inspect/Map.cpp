@@ -1,0 +1,281 @@
+#include "inspect/Map.hpp"
+
+#include <algorithm>
+#include <array>
+#include <set>
+#include <utility>
+
+namespace Inspect {
+
+namespace {
+
+using Buffer::Area;
+using Buffer::AreaList;
+
+/// How a kind is drawn.
+struct Look {
+    const char* block;
+    const char* ascii;
+    const char* word;
+    const char* color;
+};
+
+constexpr std::array looks{
+    Look{"·", ".", "gap", "none"},
+    Look{"░", "-", "filler", "#c9a227"},
+    Look{"█", "#", "data", "#2f6fab"},
+    Look{"◆", "V", "value", "#b3261e"},
+};
+/// A cell that has data and gaps, or data and fillers.
+constexpr Look partLook{"▒", "+", "data in part", ""};
+
+const Look& lookOf(MapKind kind) {
+    return looks[static_cast<std::size_t>(kind)];
+}
+
+/// A gap from here on, and longer than all that is in front of it or after it, cuts the map.
+constexpr std::uint64_t shortestCut = std::uint64_t{1} << 16U;
+
+/// The ranges that any row has, joined over short gaps.
+AreaList panelsOf(const std::vector<MapRow>& rows) {
+    AreaList all;
+    for (const MapRow& row : rows)
+        for (const MapRange& range : row.ranges) all.push_back(range.area);
+    std::ranges::sort(all, {}, &Area::start);
+    AreaList panels;
+    for (const Area& area : all) {
+        if (panels.empty()) {
+            panels.push_back(area);
+            continue;
+        }
+        Area& last = panels.back();
+        const bool isApart = area.start > last.end();
+        const std::uint64_t longest = std::max(shortestCut, 2 * last.length);
+        if (isApart && area.start - last.end() > longest)
+            panels.push_back(area);
+        else
+            last.length = std::max(last.end(), area.end()) - last.start;
+    }
+    return panels;
+}
+
+/// How many bytes of each kind a cell has.
+struct Cell {
+    std::array<std::uint64_t, looks.size()> bytes{};
+
+    void add(MapKind kind, std::uint64_t count) { bytes[static_cast<std::size_t>(kind)] += count; }
+    std::uint64_t of(MapKind kind) const { return bytes[static_cast<std::size_t>(kind)]; }
+};
+
+/// Divides a panel into cells of equal size, the last ones shorter by a byte.
+std::vector<Cell> cellsOf(const MapRow& row, const Area& panel, std::size_t count) {
+    std::vector<Cell> cells(count);
+    // Cell i begins at i * length / count: the remainder is spread, and nothing overflows.
+    const std::uint64_t whole = panel.length / count;
+    const std::uint64_t rest = panel.length % count;
+    const auto beginOf = [&](std::uint64_t cell) { return cell * whole + cell * rest / count; };
+    for (const MapRange& range : row.ranges) {
+        if (range.area.end() <= panel.start || range.area.start >= panel.end()) continue;
+        std::uint64_t at = std::max(range.area.start, panel.start) - panel.start;
+        const std::uint64_t end = range.area.end() - panel.start;
+        // The cell before the one of this address at the latest: a quotient may be rounded up.
+        const double position = static_cast<double>(at) / static_cast<double>(panel.length);
+        auto cell = static_cast<std::uint64_t>(position * static_cast<double>(count));
+        cell -= std::min<std::uint64_t>(cell, 1);
+        for (; cell < count && at < end; ++cell) {
+            const std::uint64_t next = cell + 1 == count ? panel.length : beginOf(cell + 1);
+            if (next <= at) continue;
+            const std::uint64_t taken = std::min(next, end) - at;
+            cells[static_cast<std::size_t>(cell)].add(range.kind, taken);
+            at += taken;
+        }
+    }
+    return cells;
+}
+
+/// Whether a cell is full of what it has most of.
+bool isPartial(const Cell& cell, std::uint64_t size) {
+    return cell.of(MapKind::Data) != 0 && cell.of(MapKind::Data) < size;
+}
+
+const Look& lookOf(const Cell& cell, std::uint64_t size) {
+    if (cell.of(MapKind::Value) != 0) return lookOf(MapKind::Value);
+    if (isPartial(cell, size)) return partLook;
+    if (cell.of(MapKind::Data) != 0) return lookOf(MapKind::Data);
+    return cell.of(MapKind::Filler) != 0 ? lookOf(MapKind::Filler) : lookOf(MapKind::Gap);
+}
+
+std::uint64_t bytesOf(const MapRow& row, MapKind kind) {
+    std::uint64_t bytes = 0;
+    for (const MapRange& range : row.ranges)
+        if (range.kind == kind) bytes += range.area.length;
+    return bytes;
+}
+
+/// "16.0 KiB of data in 2 areas, 3 bytes of filler".
+std::string summary(const MapRow& row) {
+    std::uint64_t areas = 0;
+    std::uint64_t end = 0;
+    for (const MapRange& range : row.ranges) {
+        if (range.kind == MapKind::Filler) continue;
+        areas += areas == 0 || range.area.start != end ? 1U : 0U;
+        end = range.area.end();
+    }
+    const std::uint64_t data = bytesOf(row, MapKind::Data) + bytesOf(row, MapKind::Value);
+    std::string text = sizeText(data) + " of data in " + countText(areas, "area");
+    for (const MapKind kind : {MapKind::Filler, MapKind::Value})
+        if (const std::uint64_t bytes = bytesOf(row, kind))
+            text += ", " + sizeText(bytes) +
+                    (kind == MapKind::Filler ? " of filler" : " of values in it");
+    return text;
+}
+
+/// Characters, not bytes, of a text in UTF-8.
+std::size_t columns(const std::string& text) {
+    return static_cast<std::size_t>(std::ranges::count_if(
+        text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80; }));
+}
+
+std::string escaped(const std::string& text) {
+    std::string safe;
+    for (const char c : text) {
+        if (c == '&')
+            safe += "&amp;";
+        else if (c == '<')
+            safe += "&lt;";
+        else if (c == '"')
+            safe += "&quot;";
+        else
+            safe += static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
+    }
+    return safe;
+}
+
+}  // namespace
+
+Map::Map(std::vector<MapRow> rows) : rows_(std::move(rows)), panels_(panelsOf(rows_)) {}
+
+std::string Map::text(std::size_t width, bool isUnicode) const {
+    constexpr std::size_t narrowest = 24;
+    const std::size_t room = std::max(width, narrowest) - 4;
+    const auto sign = [isUnicode](const Look& look) { return isUnicode ? look.block : look.ascii; };
+    std::string text;
+    std::size_t longest = 0;
+    for (const MapRow& row : rows_) {
+        text += row.label + ": " + summary(row) + "\n";
+        longest = std::max(longest, columns(row.label));
+    }
+    // The labels are needed only where there are several rows, and give way to the bar.
+    const std::size_t labels = rows_.size() < 2 ? 0 : std::min(longest, room / 3);
+    const std::size_t bar = room - labels;
+    std::set<const Look*> used;
+    std::uint64_t end = 0;
+    for (const Area& panel : panels_) {
+        if (end != 0) text += "\n  nothing for " + sizeText(panel.start - end);
+        end = panel.end();
+        const std::size_t count =
+            static_cast<std::size_t>(std::min<std::uint64_t>(bar, panel.length));
+        text += '\n';
+        text.append(labels + 2, ' ');
+        text += rangeText(panel) + ", " + sizeText(panel.length) + "\n";
+        for (const MapRow& row : rows_) {
+            std::string label;
+            if (labels != 0) label += row.label;
+            while (columns(label) > labels) label.pop_back();
+            text +=
+                " " + label + std::string(labels - columns(label), ' ') + (isUnicode ? "▕" : "|");
+            const auto cells = cellsOf(row, panel, count);
+            for (std::size_t i = 0; i < count; ++i) {
+                const Look& look = lookOf(cells[i], panel.length / count);
+                used.insert(&look);
+                text += sign(look);
+            }
+            text += isUnicode ? "▏\n" : "|\n";
+        }
+    }
+    if (panels_.empty()) return text;
+    text += '\n';
+    for (const Look* const look : {&lookOf(MapKind::Data), &partLook, &lookOf(MapKind::Value),
+                                   &lookOf(MapKind::Filler), &lookOf(MapKind::Gap)})
+        if (used.contains(look))
+            text.append("  ").append(sign(*look)).append(" ").append(look->word);
+    return text + "\n";
+}
+
+std::string Map::svg() const {
+    constexpr std::size_t width = 1000;
+    constexpr std::size_t rowHeight = 26;
+    constexpr std::size_t left = 20;
+    std::string body;
+    std::size_t y = 30;
+    const auto line = [&](const std::string& words, std::size_t step) {
+        body += "<text x=\"" + std::to_string(left) + "\" y=\"" + std::to_string(y) + "\">" +
+                escaped(words) + "</text>\n";
+        y += step;
+    };
+    for (const MapRow& row : rows_) line(row.label + ": " + summary(row), 20);
+    for (const Area& panel : panels_) {
+        y += 20;
+        line(rangeText(panel) + ", " + sizeText(panel.length), 8);
+        for (const MapRow& row : rows_) {
+            body += "<g><title>" + escaped(row.label) + "</title><rect class=\"gap\" x=\"" +
+                    std::to_string(left) + "\" y=\"" + std::to_string(y) + "\" width=\"" +
+                    std::to_string(width) + "\" height=\"" + std::to_string(rowHeight - 6) +
+                    "\"/>\n";
+            // Cells that look alike become one rectangle, so that no map has more than a thousand.
+            const auto count =
+                static_cast<std::size_t>(std::min<std::uint64_t>(width, panel.length));
+            const auto cells = cellsOf(row, panel, count);
+            const auto lookAt = [&](std::size_t i) {
+                return &lookOf(cells[i], panel.length / count);
+            };
+            for (std::size_t i = 0; i < count;) {
+                const Look* const look = lookAt(i);
+                std::size_t next = i + 1;
+                while (next < count && lookAt(next) == look) ++next;
+                if (look != &lookOf(MapKind::Gap))
+                    body += "<rect class=\"" +
+                            std::string(look == &partLook ? "part" : look->word) + "\" x=\"" +
+                            std::to_string(left + i * width / count) + "\" y=\"" +
+                            std::to_string(y) + "\" width=\"" +
+                            std::to_string(next * width / count - i * width / count) +
+                            "\" height=\"" + std::to_string(rowHeight - 6) + "\"/>\n";
+                i = next;
+            }
+            body += "</g>\n";
+            y += rowHeight;
+        }
+    }
+    y += 24;
+    std::size_t x = left;
+    for (const auto& [look, name] :
+         {std::pair{&lookOf(MapKind::Data), "data"}, std::pair{&partLook, "part"},
+          std::pair{&lookOf(MapKind::Value), "value"},
+          std::pair{&lookOf(MapKind::Filler), "filler"}, std::pair{&lookOf(MapKind::Gap), "gap"}}) {
+        body += "<rect class=\"" + std::string(name) + "\" x=\"" + std::to_string(x) + "\" y=\"" +
+                std::to_string(y - 12) + "\" width=\"14\" height=\"14\"/><text x=\"" +
+                std::to_string(x + 20) + "\" y=\"" + std::to_string(y) + "\">" + look->word +
+                "</text>\n";
+        x += 130;
+    }
+    const std::string size = std::to_string(width + 2 * left);
+    const std::string height = std::to_string(y + 20);
+    std::string colors;
+    for (const Look& look : looks)
+        if (&look != &lookOf(MapKind::Gap))
+            colors.append(".").append(look.word).append("{fill:").append(look.color).append("}");
+    return "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " + size + " " + height +
+           "\" width=\"" + size + "\" height=\"" + height + "\" role=\"img\">\n<style>" + colors +
+           ".part{fill:#7ea6cc}.gap{fill:#eee;stroke:#888}"
+           "text{font:13px sans-serif;fill:#222}</style>\n<rect width=\"100%\" height=\"100%\" "
+           "fill=\"#fff\"/>\n" +
+           body + "</svg>\n";
+}
+
+MapRow rowOf(const Image& image) {
+    MapRow row{image.path, {}};
+    for (const Area& area : image.areas()) row.ranges.push_back({area, MapKind::Data});
+    return row;
+}
+
+}  // namespace Inspect

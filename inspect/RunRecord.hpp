@@ -1,0 +1,90 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "buffer/Area.hpp"
+#include "buffer/MemoryBuffer.hpp"
+#include "inspect/Info.hpp"
+#include "inspect/Map.hpp"
+
+namespace Inspect {
+
+/// A file that a run read or wrote.
+struct FileRecord {
+    std::string path;
+    std::string format;  ///< empty if the run did not read it as an image
+    std::uint64_t size = 0;
+    std::string sha256;
+    Buffer::AreaList areas;           ///< of data, ascending; of inputs only
+    std::vector<std::string> images;  ///< that went into an output
+    std::size_t line = 0;             ///< of the statement in the script
+};
+
+/// Addresses that the lines of a text file from `firstLine` on gave, the same number of bytes each;
+/// the last line may have fewer.
+struct LineRun {
+    Buffer::Area area;
+    std::uint64_t firstLine = 0;
+    std::uint64_t bytesPerLine = 1;
+};
+
+/// A range of an image and where its bytes came from.
+struct OriginRange {
+    Buffer::Area area;
+    MapKind kind = MapKind::Data;
+    std::size_t line = 0;         ///< of the statement in the script
+    std::string file;             ///< the input file; empty if the statement itself made the bytes
+    std::uint64_t firstLine = 0;  ///< of the input file; 0 in a file without lines
+    std::uint64_t lastLine = 0;
+    std::vector<LineRun> lines;  ///< ascending, as far as the lines are regular
+};
+
+/// An image at the end of a run; what it holds is borrowed.
+struct ImageRecord {
+    std::string name;
+    const Buffer::MemoryBuffer* image = nullptr;
+    std::vector<OriginRange> ranges;  ///< ascending, without overlap; gaps are left out
+};
+
+/// A CRC or a hash.
+struct ValueRecord {
+    struct Place {
+        std::string image;
+        Buffer::Area area;
+        std::size_t line;
+    };
+    std::string name;
+    std::string kind;   ///< "crc" or "hash"
+    std::string bytes;  ///< hexadecimal digits, a CRC with its highest byte first
+    std::size_t line = 0;
+    std::vector<Place> places;  ///< where it was put
+};
+
+/// All that went into a run and came out of it.
+struct RunRecord {
+    std::string scriptPath;
+    std::string scriptText;    ///< as it was written
+    std::string scriptSha256;  ///< of its file
+    std::map<std::string, std::string> variables;
+    std::vector<FileRecord> inputs;
+    std::vector<ImageRecord> images;
+    std::vector<ValueRecord> values;
+    std::vector<FileRecord> outputs;
+    std::vector<Remark> remarks;
+};
+
+/// The image as a row of a map.
+MapRow rowOf(const ImageRecord& image);
+
+/// The record as JSON, see docs/manifest.schema.json: no time, and no path that depends on the
+/// machine unless a script gives one.
+std::string manifestOf(const RunRecord& record);
+
+/// The record as a page that needs nothing else.
+std::string reportOf(const RunRecord& record);
+
+}  // namespace Inspect

@@ -1,0 +1,211 @@
+#include "io/import/elf/ElfFile.hpp"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <utility>
+
+#include "io/import/Malformed.hpp"
+
+namespace Io::Import {
+
+using Facts::FormatFault;
+
+namespace {
+
+constexpr std::array<std::uint8_t, 4> magic{0x7F, 'E', 'L', 'F'};
+constexpr std::size_t classAt = 4;
+constexpr std::size_t byteOrderAt = 5;
+constexpr std::size_t versionAt = 6;
+
+}  // namespace
+
+void ElfFile::refuse(FormatFault fault, std::uint64_t where, std::uint64_t number) const {
+    Import::refuse(Facts::InputFormat::Elf, fileName_, fault, where, number);
+}
+
+ElfFile::ElfFile(const std::string& path) : BinaryInFile(path) {
+    const std::vector<std::uint8_t> header = readHeader();
+    const auto number = [&](Elf::Field field) { return numbers_.of(field, header); };
+    entry_ = number(layout_->header.entry);
+    isArm_ = number(layout_->header.machine) == Elf::machineArm;
+    readTables(header);
+    findSegments();
+}
+
+void ElfFile::readAll(std::uint64_t start, std::span<std::uint8_t> out) const {
+    if (read(start, out) < out.size()) throw Malformed();
+}
+
+void ElfFile::requireInFile(std::uint64_t offset, std::uint64_t length) const {
+    if (offset > fileSize() || length > fileSize() - offset)
+        refuse(FormatFault::Truncated, offset, length);
+}
+
+std::vector<std::uint8_t> ElfFile::readHeader() {
+    std::array<std::uint8_t, Elf::identificationSize> identification{};
+    if (fileSize() < identification.size()) refuse(FormatFault::MagicMissing, 0);
+    readAll(0, identification);
+    if (!std::ranges::equal(magic, std::span(identification).first(magic.size())))
+        refuse(FormatFault::MagicMissing, 0);
+    for (const std::size_t at : {classAt, byteOrderAt})
+        if (identification[at] != 1 && identification[at] != 2)
+            refuse(FormatFault::VariantUnknown, at, identification[at]);
+    if (identification[versionAt] != 1)
+        refuse(FormatFault::VariantUnknown, versionAt, identification[versionAt]);
+    layout_ = identification[classAt] == 1 ? &Elf::layout32 : &Elf::layout64;
+    numbers_ = Elf::Numbers(identification[byteOrderAt] == 2);
+    std::vector<std::uint8_t> header(layout_->header.size);
+    requireInFile(0, header.size());
+    readAll(0, header);
+    return header;
+}
+
+ElfFile::Table ElfFile::readTable(std::uint64_t offset, std::uint64_t count,
+                                  std::uint64_t entrySize, std::size_t smallestEntry) const {
+    if (count == 0) return {};
+    if (entrySize < smallestEntry) refuse(FormatFault::EntryTooShort, offset, entrySize);
+    if (count > fileSize() / entrySize) refuse(FormatFault::Truncated, offset, count);
+    requireInFile(offset, count * entrySize);
+    Table table{offset, count, static_cast<std::size_t>(entrySize), {}};
+    table.bytes.resize(static_cast<std::size_t>(count * entrySize));
+    readAll(offset, table.bytes);
+    return table;
+}
+
+void ElfFile::readTables(std::span<const std::uint8_t> header) {
+    const auto number = [&](Elf::Field field) { return numbers_.of(field, header); };
+    const Elf::HeaderFields& fields = layout_->header;
+    const std::uint64_t sectionOffset = number(fields.sectionOffset);
+    const std::uint64_t sectionSize = number(fields.sectionEntrySize);
+    std::uint64_t sections = number(fields.sectionCount);
+    std::uint64_t programs = number(fields.programCount);
+    // Counts that do not fit into the header are in the first section.
+    const bool hasLargeCount =
+        (sections == 0 && sectionOffset != 0) || programs == Elf::countInSection;
+    if (hasLargeCount) {
+        const Table first = readTable(sectionOffset, 1, sectionSize, layout_->section.size);
+        if (sections == 0) sections = numbers_.of(layout_->section.sectionSize, first.entry(0));
+        if (programs == Elf::countInSection)
+            programs = numbers_.of(layout_->section.info, first.entry(0));
+    }
+    sections_ = readTable(sectionOffset, sections, sectionSize, layout_->section.size);
+    programs_ = readTable(number(fields.programOffset), programs, number(fields.programEntrySize),
+                          layout_->segment.size);
+}
+
+void ElfFile::findSegments() {
+    bool usesVirtual = true;
+    for (std::uint64_t i = 0; i < programs_.count; ++i)
+        usesVirtual =
+            usesVirtual && numbers_.of(layout_->segment.physicalAddress, programs_.entry(i)) == 0;
+    for (std::uint64_t i = 0; i < programs_.count; ++i) addSegment(i, usesVirtual);
+    if (segments_.empty()) refuse(FormatFault::NothingToLoad, 0);
+    // Bytes of the file that count several times would let a small file fill the memory.
+    std::uint64_t total = 0;
+    for (const ElfSegment& segment : segments_) {
+        total += segment.length;
+        if (total > fileSize()) refuse(FormatFault::DataRepeated, segment.fileOffset, total);
+    }
+}
+
+void ElfFile::addSegment(std::uint64_t index, bool usesVirtual) {
+    const auto header = programs_.entry(index);
+    const auto number = [&](Elf::Field field) { return numbers_.of(field, header); };
+    const Elf::SegmentFields& fields = layout_->segment;
+    const std::uint64_t fileLength = number(fields.fileSize);
+    if (number(fields.type) != Elf::loadSegment || fileLength == 0) return;
+    const std::uint64_t offset = number(fields.offset);
+    requireInFile(offset, fileLength);
+    if (number(fields.memorySize) < fileLength)
+        refuse(FormatFault::SegmentTooLong, index, fileLength);
+    const std::uint64_t address =
+        number(usesVirtual ? fields.virtualAddress : fields.physicalAddress);
+    if (address > std::numeric_limits<std::uint64_t>::max() - fileLength)
+        refuse(FormatFault::AddressTooHigh, index, address);
+    const std::uint64_t end = offset + fileLength;
+    const std::uint64_t begin =
+        offset < layout_->header.size ? firstSectionIn(offset, end) : offset;
+    if (begin < end) segments_.push_back({address + (begin - offset), begin, end - begin});
+}
+
+/// Where the data of a segment [`offset`, `end`) of the file begins that has the file's headers.
+std::uint64_t ElfFile::firstSectionIn(std::uint64_t offset, std::uint64_t end) const {
+    if (sections_.count == 0) {
+        const bool hasTable = programs_.offset >= offset && programs_.offset < end;
+        const std::uint64_t tableEnd = programs_.offset + programs_.bytes.size();
+        return hasTable ? std::min(tableEnd, end) : std::uint64_t{layout_->header.size};
+    }
+    std::uint64_t first = end;
+    const Elf::SectionFields& fields = layout_->section;
+    for (std::uint64_t i = 0; i < sections_.count; ++i) {
+        const auto header = sections_.entry(i);
+        const auto number = [&](Elf::Field field) { return numbers_.of(field, header); };
+        const bool isData = (number(fields.flags) & Elf::allocated) != 0 &&
+                            number(fields.type) != Elf::noBits && number(fields.sectionSize) != 0;
+        const std::uint64_t begin = number(fields.offset);
+        if (isData && begin >= offset) first = std::min(first, begin);
+    }
+    return first;
+}
+
+std::string ElfFile::nameAt(std::span<const std::uint8_t> names, std::uint64_t offset) const {
+    if (offset >= names.size()) refuse(FormatFault::Truncated, offset, names.size());
+    const auto begin = names.begin() + static_cast<std::ptrdiff_t>(offset);
+    return {begin, std::find(begin, names.end(), 0)};
+}
+
+ElfFile::Table ElfFile::tableOf(std::span<const std::uint8_t> section, std::uint64_t entrySize,
+                                std::size_t smallestEntry) const {
+    const std::uint64_t offset = numbers_.of(layout_->section.offset, section);
+    if (entrySize < smallestEntry) refuse(FormatFault::EntryTooShort, offset, entrySize);
+    const std::uint64_t size = numbers_.of(layout_->section.sectionSize, section);
+    return readTable(offset, size / entrySize, entrySize, smallestEntry);
+}
+
+/// The symbol of a table's entry, or nothing if it is none of the program.
+std::optional<ElfSymbol> ElfFile::symbolOf(std::span<const std::uint8_t> entry,
+                                           std::span<const std::uint8_t> names) const {
+    const auto number = [&](Elf::Field field) { return numbers_.of(field, entry); };
+    const Elf::SymbolFields& fields = layout_->symbol;
+    const std::uint64_t type = number(fields.info) & 0xFU;
+    const bool isDefined = number(fields.section) != 0 && number(fields.name) != 0;
+    if (!isDefined || type == Elf::sectionSymbol || type == Elf::fileSymbol) return std::nullopt;
+    ElfSymbol symbol{nameAt(names, number(fields.name)), number(fields.value),
+                     number(fields.symbolSize), ElfSymbol::Kind::Other};
+    if (type == Elf::dataSymbol) symbol.kind = ElfSymbol::Kind::Data;
+    if (type == Elf::functionSymbol) symbol.kind = ElfSymbol::Kind::Function;
+    if (type == Elf::functionSymbol && isArm_) symbol.address &= ~std::uint64_t{1};
+    return symbol;
+}
+
+std::vector<ElfSymbol> ElfFile::symbols() const {
+    const Elf::SectionFields& fields = layout_->section;
+    std::uint64_t index = 0;
+    while (index < sections_.count &&
+           numbers_.of(fields.type, sections_.entry(index)) != Elf::symbolTable)
+        ++index;
+    if (index == sections_.count) return {};
+    const auto section = sections_.entry(index);
+    const std::uint64_t link = numbers_.of(fields.link, section);
+    if (link >= sections_.count) refuse(FormatFault::Truncated, link, sections_.count);
+    const Table table =
+        tableOf(section, numbers_.of(fields.entrySize, section), layout_->symbol.size);
+    const Table names = tableOf(sections_.entry(link), 1, 1);
+    // Names that share their characters would let a small file fill the memory.
+    constexpr std::size_t mostCharacters = std::size_t{1} << 28U;
+    std::size_t characters = 0;
+    std::vector<ElfSymbol> found;
+    // The first entry means no symbol.
+    for (std::uint64_t i = 1; i < table.count; ++i) {
+        auto symbol = symbolOf(table.entry(i), names.bytes);
+        if (!symbol) continue;
+        characters += symbol->name.size();
+        if (characters > mostCharacters)
+            refuse(FormatFault::DataRepeated, names.offset, characters);
+        found.push_back(std::move(*symbol));
+    }
+    return found;
+}
+
+}  // namespace Io::Import

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "facts/Facts.hpp"
+#include "io/InFile.hpp"
+#include "io/import/elf/ElfLayout.hpp"
+
+namespace Io::Import {
+
+/// A part of an ELF file that its program headers load.
+struct ElfSegment {
+    std::uint64_t address;     ///< physical, of its first byte
+    std::uint64_t fileOffset;  ///< of its first byte
+    std::uint64_t length;      ///< in bytes; zeros that only the memory has are left out
+};
+
+/// A name of an ELF file with what it stands for.
+struct ElfSymbol {
+    enum class Kind : std::uint8_t { Other, Data, Function };
+    std::string name;
+    std::uint64_t address;
+    std::uint64_t size;
+    Kind kind;
+};
+
+/// An ELF file of 32 or 64 bits in either byte order. Every offset and size in it is checked
+/// against the file before it is used.
+class ElfFile final : public BinaryInFile {
+public:
+    /// Reads the headers.
+    ///
+    /// @throws Io::bad_open
+    /// @throws Malformed  after a report
+    explicit ElfFile(const std::string& path);
+
+    /// The entry point; 0 counts as none.
+    std::uint64_t entry() const { return entry_; }
+
+    /// What is to be loaded, in the order of the program headers.
+    ///
+    /// These are the segments of type LOAD with bytes in the file, at their physical addresses, or
+    /// at the virtual ones if all physical addresses are 0, as linkers write that have none. A
+    /// segment that begins with the headers of the file loses the bytes in front of its first
+    /// section: linkers let segments begin there, and nobody wants headers in a flash image.
+    const std::vector<ElfSegment>& segments() const { return segments_; }
+
+    /// The symbols that have a name and a section or a value of their own, in the order of the
+    /// symbol table; none if the file was stripped. The address of an Arm function is even: the low
+    /// bit of its value only selects the instruction set.
+    ///
+    /// @throws Malformed  after a report
+    std::vector<ElfSymbol> symbols() const;
+
+    /// Reads the file from byte `start` on, to the end of `out`.
+    ///
+    /// @throws Malformed  after a report, if that fails
+    void readAll(std::uint64_t start, std::span<std::uint8_t> out) const;
+
+private:
+    /// One of the tables of the file.
+    struct Table {
+        std::uint64_t offset = 0;
+        std::uint64_t count = 0;
+        std::size_t entrySize = 0;
+        std::vector<std::uint8_t> bytes;
+
+        std::span<const std::uint8_t> entry(std::uint64_t index) const {
+            return std::span(bytes).subspan(static_cast<std::size_t>(index) * entrySize, entrySize);
+        }
+    };
+
+    [[noreturn]] void refuse(Facts::FormatFault fault, std::uint64_t where,
+                             std::uint64_t number = 0) const;
+    void requireInFile(std::uint64_t offset, std::uint64_t length) const;
+    std::vector<std::uint8_t> readHeader();
+    Table readTable(std::uint64_t offset, std::uint64_t count, std::uint64_t entrySize,
+                    std::size_t smallestEntry) const;
+    void readTables(std::span<const std::uint8_t> header);
+    void findSegments();
+    void addSegment(std::uint64_t index, bool usesVirtual);
+    std::uint64_t firstSectionIn(std::uint64_t offset, std::uint64_t end) const;
+    Table tableOf(std::span<const std::uint8_t> section, std::uint64_t entrySize,
+                  std::size_t smallestEntry) const;
+    std::optional<ElfSymbol> symbolOf(std::span<const std::uint8_t> entry,
+                                      std::span<const std::uint8_t> names) const;
+    std::string nameAt(std::span<const std::uint8_t> names, std::uint64_t offset) const;
+
+    const Elf::Layout* layout_ = nullptr;
+    Elf::Numbers numbers_;
+    std::uint64_t entry_ = 0;
+    bool isArm_ = false;
+    Table programs_;
+    Table sections_;
+    std::vector<ElfSegment> segments_;
+};
+
+}  // namespace Io::Import

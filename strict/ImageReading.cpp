@@ -1,0 +1,82 @@
+#include "strict/ImageReading.hpp"
+
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "facts/Listener.hpp"
+#include "io/File.hpp"
+#include "platform/Files.hpp"
+#include "strict/OutputSet.hpp"
+#include "strict/RunListener.hpp"
+
+namespace Strict {
+
+namespace {
+
+const char* wordFor(Severity severity) {
+    if (severity == Severity::Error) return "error";
+    return severity == Severity::Warning ? "warning" : "note";
+}
+
+/// A pipe can be read only once, but a file is opened several times: its bytes are kept as if the
+/// run had written them.
+void keepStream(OutputSet& files, const std::string& path) {
+    std::error_code error;
+    if (std::filesystem::is_regular_file(path, error)) return;
+    const auto contents = Platform::readFile(path);
+    if (!contents) return;
+    const auto copy = files.createOutput(path, Platform::FileMode::Binary);
+    if (copy != nullptr && copy->write(contents->text())) copy->close();
+}
+
+/// What `read` returns for the path, or nothing after a diagnostic.
+template <class Result>
+std::optional<Result> readWith(std::optional<Result> (*read)(const std::string&),
+                               const std::string& path, DiagnosticSink& sink) {
+    OutputSet files(OutputSet::Mode::Memory);
+    RunListener listener(sink, [&files](std::string_view file) { return files.reasonFor(file); });
+    keepStream(files, path);
+    const Facts::ListenerScope listening(listener);
+    const Io::HostScope hosting(files);
+    try {
+        return read(path);
+    } catch (const Io::bad_open&) {
+        listener.hear(Facts::FileNotOpened{path});
+        return std::nullopt;
+    }
+}
+
+}  // namespace
+
+std::optional<Inspect::Image> readImage(const std::string& path, DiagnosticSink& sink) {
+    return readWith<Inspect::Image>(&Inspect::openImage, path, sink);
+}
+
+std::optional<Inspect::Info> readInfo(const std::string& path, DiagnosticSink& sink) {
+    return readWith<Inspect::Info>(
+        [](const std::string& file) { return std::optional(Inspect::infoAbout(file)); }, path,
+        sink);
+}
+
+void RemarkList::take(const Diagnostic& diagnostic) {
+    const Severity severity = diagnostic.severity == Severity::Note
+                                  ? Severity::Note
+                                  : policy_->severityOf(diagnostic.name);
+    if (severity == Severity::Ignored) return;
+    hasErrors_ = hasErrors_ || severity == Severity::Error;
+    Inspect::Remark remark;
+    remark.severity = wordFor(severity);
+    remark.name = diagnostic.name;
+    remark.text = diagnostic.text;
+    remark.hint = diagnostic.hint;
+    if (diagnostic.place) {
+        remark.file = diagnostic.place->file;
+        remark.line = diagnostic.place->line;
+        remark.column = diagnostic.place->column;
+    }
+    remarks.push_back(std::move(remark));
+}
+
+}  // namespace Strict

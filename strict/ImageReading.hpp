@@ -1,0 +1,36 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "inspect/Image.hpp"
+#include "inspect/Info.hpp"
+#include "strict/Diagnostic.hpp"
+#include "strict/Policy.hpp"
+
+namespace Strict {
+
+/// Reads a file of any format. What is odd about it, or the reason why it cannot be read, goes to
+/// the sink.
+std::optional<Inspect::Image> readImage(const std::string& path, DiagnosticSink& sink);
+
+/// All that there is to know of a file; nothing if it cannot be read.
+std::optional<Inspect::Info> readInfo(const std::string& path, DiagnosticSink& sink);
+
+/// Collects diagnostics, as the policy judges them, for outputs that include them.
+class RemarkList final : public DiagnosticSink {
+public:
+    explicit RemarkList(const Policy& policy) : policy_(&policy) {}
+
+    void take(const Diagnostic& diagnostic) override;
+
+    bool hasErrors() const { return hasErrors_; }
+    std::vector<Inspect::Remark> remarks;
+
+private:
+    const Policy* policy_;
+    bool hasErrors_ = false;
+};
+
+}  // namespace Strict

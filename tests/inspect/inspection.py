@@ -1,0 +1,224 @@
+#!/usr/bin/env python3
+"""Tests info, diff, map and convert:  inspection.py tessaron
+
+The images are made of known bytes, the files by srecord; checksums come from Python's library.
+"""
+import hashlib
+import json
+import pathlib
+import random
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+import xml.etree.ElementTree
+import zlib
+
+PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
+FLASH, FAR = 0x08000000, 0x1FFF7800
+
+
+def tessaron(*arguments, code=0, standard_input=None):
+    done = subprocess.run([PROGRAM, *arguments], capture_output=True, text=True, check=False,
+                          input=standard_input)
+    assert done.returncode == code, (arguments, done.returncode, done.stdout, done.stderr)
+    return done.stdout
+
+
+def srec_cat(*arguments):
+    subprocess.run(["srec_cat", *arguments], check=True, stderr=subprocess.DEVNULL)
+
+
+def write(path, image, *options):
+    """Writes an image, a dict of address and bytes, by srecord."""
+    arguments = []
+    for address, data in image.items():
+        name = "%s-%x.bin" % (path, address)
+        pathlib.Path(name).write_bytes(data)
+        arguments += [name, "-binary", "-offset", hex(address)]
+    if "-execution-start-address" not in options:
+        options = ("-execution-start-address", "0")
+    srec_cat(*arguments, *options, "-o", path, "-intel" if path.endswith("hex") else "-motorola")
+
+
+def area(address, length):
+    return {"start": "0x%08X" % address, "length": length}
+
+
+class Inspection(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        source = random.Random(1)
+        cls.image = {FLASH: source.randbytes(1000), FLASH + 0x1000: source.randbytes(70000),
+                     FAR: source.randbytes(16)}
+        write("a.hex", cls.image, "-execution-start-address", hex(FLASH + 0x131))
+        write("a.s19", cls.image)
+        cls.other = dict(cls.image)
+        changed = bytearray(cls.image[FLASH + 0x1000])
+        for at in [0, 1, 2, 0x20, 0xFFFF, 0x10000]:
+            changed[at] ^= 0xFF
+        cls.other[FLASH + 0x1000] = bytes(changed)
+        cls.other[FLASH] = cls.image[FLASH][:996]
+        cls.other[FAR + 0x1000] = b"new"
+        write("b.s19", cls.other)
+
+    def test_info(self):
+        info, = json.loads(tessaron("info", "--json", "a.hex"))
+        whole = b"".join(self.image.values())
+        self.assertEqual((info["format"], info["bytes"], info["startAddress"]),
+                         ("Intel HEX", len(whole), "0x%08X" % (FLASH + 0x131)))
+        self.assertEqual(info["sha256"], hashlib.sha256(whole).hexdigest())
+        self.assertEqual(info["crc32"], "%08X" % zlib.crc32(whole))
+        self.assertEqual(info["areas"],
+                         [{**area(address, len(data)), "crc32": "%08X" % zlib.crc32(data),
+                           "sha256": hashlib.sha256(data).hexdigest()}
+                          for address, data in self.image.items()])
+        self.assertEqual(info["gaps"], [area(FLASH + 1000, 0x1000 - 1000),
+                                        area(FLASH + 0x1000 + 70000,
+                                             FAR - FLASH - 0x1000 - 70000)])
+        lines = pathlib.Path("a.hex").read_text().split()
+        data = [int(line[1:3], 16) for line in lines if line[7:9] == "00"]
+        self.assertEqual(info["records"]["data"], len(data))
+        self.assertEqual(info["recordLengths"], {str(n): data.count(n) for n in sorted(set(data))})
+        text = tessaron("info", "a.hex")
+        for entry in info["areas"]:
+            self.assertRegex(text, r"%s .* %s +%s" % (entry["start"], entry["crc32"],
+                                                       entry["sha256"]))
+
+    def test_info_of_hundred_areas(self):
+        image = {0x100 * i: bytes([i]) * (i + 1) for i in range(100)}
+        write("many.s19", image)
+        info, = json.loads(tessaron("info", "--json", "many.s19"))
+        self.assertEqual([(entry["start"], entry["length"]) for entry in info["areas"]],
+                         [("0x%08X" % at, len(data)) for at, data in image.items()])
+        table = tessaron("info", "--width", "100", "many.s19").split("\n\n")[1].splitlines()
+        self.assertEqual(len(table), 101)
+        self.assertLessEqual(max(map(len, table)), 100)
+
+    def test_info_of_an_odd_file(self):
+        text = pathlib.Path("a.hex").read_text().replace("\n", "\r")
+        pathlib.Path("odd.hex").write_text("# by hand\r" + text, newline="")
+        odd, = json.loads(tessaron("info", "--json", "odd.hex"))
+        plain, = json.loads(tessaron("info", "--json", "a.hex"))
+        self.assertEqual({r["name"] for r in odd["remarks"]}, {"tolerated"})
+        for name in ("records", "recordLengths", "areas", "sha256", "startAddress"):
+            self.assertEqual(odd[name], plain[name])
+
+    def test_info_of_a_damaged_file(self):
+        text = pathlib.Path("a.hex").read_text().splitlines()
+        text[4] = text[4][:-2] + "%02X" % (int(text[4][-2:], 16) ^ 1)
+        pathlib.Path("bad.hex").write_text("\n".join(text) + "\n")
+        info, = json.loads(tessaron("info", "--json", "bad.hex", code=1))
+        self.assertEqual([(r["severity"], r["name"], r["line"]) for r in info["remarks"]],
+                         [("error", "record-checksum", 5)])
+        tessaron("info", "missing.hex", code=1)
+        piped = subprocess.run([PROGRAM, "info", "--json", "/dev/stdin"], capture_output=True,
+                               input=pathlib.Path("a.hex").read_bytes(), check=True).stdout
+        plain, = json.loads(tessaron("info", "--json", "a.hex"))
+        self.assertEqual(json.loads(piped), [{**plain, "file": "/dev/stdin"}])
+
+    def test_diff(self):
+        self.assertEqual(tessaron("diff", "a.hex", "a.s19"), "")
+        found = json.loads(tessaron("diff", "--json", "a.hex", "b.s19", code=1))
+        start = FLASH + 0x1000
+        old, new = self.image[start], self.other[start]
+        self.assertEqual(found["changed"],
+                         [{**area(start + at, n), "left": old[at:at + n].hex().upper(),
+                           "right": new[at:at + n].hex().upper()}
+                          for at, n in [(0, 3), (0x20, 1), (0xFFFF, 2)]])
+        self.assertEqual(found["onlyLeft"], [area(FLASH + 996, 4)])
+        self.assertEqual(found["onlyRight"], [area(FAR + 0x1000, 3)])
+        ignore = ["--ignore=%d,%d" % pair for pair in
+                  [(start, 0x21), (start + 0xFFFF, 2), (FLASH + 990, 100), (FAR + 0x1000, 9)]]
+        self.assertEqual(tessaron("diff", "a.hex", "b.s19", *ignore), "")
+        part = json.loads(tessaron("diff", "--json", "a.hex", "b.s19", *ignore[1:],
+                                   "--ignore", "{%d, 1}" % (start + 1), code=1))
+        self.assertEqual([(a["start"], a["length"]) for a in part["changed"]],
+                         [("0x%08X" % (start + at), 1) for at in (0, 2, 0x20)])
+        shell = 'exec "$0" diff --json <(cat a.hex) <(cat b.s19)'
+        piped = json.loads(subprocess.run(["bash", "-c", shell, PROGRAM], capture_output=True,
+                                          text=True, check=False).stdout)
+        self.assertEqual(piped["changed"], found["changed"])
+        self.assertEqual(piped["left"]["format"], "Intel HEX")
+        tessaron("diff", "a.hex", "missing.hex", code=2)
+
+    def test_dump(self):
+        text = tessaron("diff", "a.hex", "b.s19", "--context", "0", code=1)
+        start = FLASH + 0x1000
+        old, new = (" ".join("%02X" % byte for byte in image[start][:8])
+                    for image in (self.image, self.other))
+        self.assertRegex(text, r"\n0x%08X \[%s\]%s  .{8} \|\[%s\]%s  " %
+                         (start, old[:8], old[9:], new[:8], new[9:]))
+        wide = tessaron("diff", "a.hex", "b.s19", "--width", "150", code=1)
+        self.assertIn("%s " % " ".join("%02X" % b for b in self.image[start][3:16]), wide)
+        self.assertNotIn("\033", text)
+        colored = tessaron("diff", "a.hex", "b.s19", "--color=always", code=1)
+        self.assertEqual(re.sub("\033\\[[0-9;]*m", "", colored),
+                         tessaron("diff", "a.hex", "b.s19", code=1))
+        self.assertNotEqual(colored, re.sub("\033\\[[0-9;]*m", "", colored))
+        most = tessaron("diff", "a.hex", "b.s19", "--max-lines", "5", code=1).splitlines()
+        every = tessaron("diff", "a.hex", "b.s19", "--max-lines", "0", code=1).splitlines()
+        head = 3  # the files and the sum
+        rest = int(re.match(r"\.\.\. and (\d+) more lines", most[-1])[1])
+        self.assertEqual(len(most) - 1, head + 5)
+        self.assertEqual(len(every), head + 5 + rest)
+
+    def test_map(self):
+        write("map.hex", {0x1000: bytes(100), 0x1000 + 260: bytes(100)})
+        write("far.hex", {0x1000 + 100: bytes(160), 0x5000000: b"12345"})
+        one = tessaron("map", "map.hex", "--ascii", "--width", "40")
+        self.assertIn(" |##########................##########|\n", one)
+        both = tessaron("map", "map.hex", "far.hex", "--ascii", "--width", "47")
+        self.assertIn(" map.hex|##########................##########|\n", both)
+        self.assertIn(" far.hex|..........################..........|\n", both)
+        self.assertIn(" far.hex|#####|\n", both)
+        self.assertLessEqual(max(map(len, both.splitlines())), 47)
+        tessaron("map", "map.hex", "--svg", "map.svg")
+        picture = xml.etree.ElementTree.parse("map.svg")
+        data = [(int(box.get("x")), int(box.get("width")))
+                for box in picture.iter("{http://www.w3.org/2000/svg}rect")
+                if box.get("class") == "data" and box.get("width") != "14"]
+        self.assertEqual([x - data[0][0] for x, _ in data], [0, 722])
+        self.assertEqual([width for _, width in data], [277, 278])
+
+    def test_convert(self):
+        tessaron("convert", "a.hex", "out.s37", "--crop", "0x8000000,0x2000", "--fill", "0xFF",
+                 "--offset", "-0x1000")
+        srec_cat("a.hex", "-intel", "-crop", "0x8000000", "0x8002000", "-fill", "0xFF",
+                 "0x8000000", "0x8002000", "-offset", "-0x1000", "-disable=data-count", "-o", "want.s37", "-motorola",
+                 "-execution-start-address", hex(FLASH + 0x131))
+        self.assertEqual(tessaron("diff", "out.s37", "want.s37"), "")
+        self.assertTrue(pathlib.Path("out.s37").read_text().rstrip().splitlines()[-1]
+                        .startswith("S70508000131"))
+        script = tessaron("convert", "a.hex", "by script.bin", "--crop", "0x8000000,0x2000",
+                          "--fill", "1,2", "--print-script")
+        self.assertFalse(pathlib.Path("by script.bin").exists())
+        tessaron("run", "-", standard_input=script)
+        made = pathlib.Path("by script.bin").read_bytes()
+        want = bytearray([1, 2] * 0x1000)
+        for start in (FLASH, FLASH + 0x1000):
+            end = min(0x2000, start - FLASH + len(self.image[start]))
+            want[start - FLASH:end] = self.image[start][:end - (start - FLASH)]
+        self.assertEqual(made, bytes(want))
+        write("gaps.hex", {FLASH: b"12345", FLASH + 0x20000: b"678"})
+        tessaron("convert", "gaps.hex", "gaps.s19")
+        self.assertEqual(tessaron("diff", "gaps.hex", "gaps.s19"), "")
+        srec_cat("gaps.hex", "-intel", "-o", "want.txt", "-ti_txt")
+        self.assertEqual(tessaron("diff", "gaps.hex", "want.txt"), "")
+        tessaron("convert", "want.txt", "back.hex")
+        self.assertEqual(tessaron("diff", "gaps.hex", "back.hex"), "")
+        tessaron("convert", "gaps.hex", "out.txt")
+        srec_cat("out.txt", "-ti_txt", "-o", "again.hex", "-intel")
+        self.assertEqual(tessaron("diff", "gaps.hex", "again.hex"), "")
+        tessaron("convert", "a.hex", "out.unknown", code=1)
+        tessaron("convert", "a.hex", 'a"b.bin', code=1)
+        tessaron("convert", "a.hex", "out.hex", "--offset", "0xF0000000", code=1)
+
+
+if __name__ == "__main__":
+    with tempfile.TemporaryDirectory() as folder:
+        import os
+        os.chdir(folder)
+        unittest.main(verbosity=1, exit=False).result.wasSuccessful() or sys.exit(1)
+        os.chdir("/")

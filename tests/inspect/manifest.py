@@ -1,0 +1,187 @@
+#!/usr/bin/env python3
+"""Tests run --manifest, check --manifest and the size of a report:  manifest.py tessaron"""
+import hashlib
+import json
+import os
+import pathlib
+import random
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+import zlib
+
+sys.path.append(str(pathlib.Path(__file__).resolve().parents[1]))
+sys.dont_write_bytecode = True
+import require  # noqa: E402
+
+try:
+    import jsonschema
+except ImportError:
+    require.skip("there is no python3-jsonschema")
+
+PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
+SCHEMA = json.loads((pathlib.Path(__file__).resolve().parents[2] /
+                     "docs/manifest.schema.json").read_text())
+SCRIPT = """NEW_BUFFER @App FROM_FILE inFile -useBufferRange={0x1000, 0x400}
+FILL_BUFFER @App WITH_FILLER { 0xFF }
+NEW_CRC @Crc FROM_BUFFER @App -useAreas={{0x1000, 0x3FC}} -setType=Crc32_Vector_AUTOSAR
+FILL_BUFFER @App WITH_CRC @Crc -useAreas={{0x13FC, 4}}
+NEW_BUFFER @Moved FROM_BUFFER @App -changeStartAddressTo=0x8000
+FILL_BUFFER @Moved WITH_VALUES { 1, 2 } -useAreas={{0x8010, 2}}
+WRITE_FILE out.hex WITH_BUFFERS {@App}
+WRITE_FILE out.bin WITH_BUFFERS {@Moved} -setFormat=RawBinary
+"""
+
+
+def tessaron(*arguments, code=0, folder="."):
+    done = subprocess.run([PROGRAM, *arguments], capture_output=True, text=True, check=False,
+                          cwd=folder)
+    assert done.returncode == code, (arguments, done.returncode, done.stdout, done.stderr)
+    return done.stderr
+
+
+def sha256(path):
+    return hashlib.sha256(pathlib.Path(path).read_bytes()).hexdigest()
+
+
+def area(start, length):
+    return {"start": "0x%08X" % start, "length": length}
+
+
+class Manifest(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        os.chdir(self.folder.name)
+        self.data = random.Random(3).randbytes(0x300)
+        pathlib.Path("app.bin").write_bytes(self.data)
+        subprocess.run(["srec_cat", "app.bin", "-binary", "-offset", "0x1000", "-crop", "0x1000",
+                        "0x1100", "0x1180", "0x1300", "-o", "app.hex", "-intel"], check=True)
+        pathlib.Path("release.tsn").write_text(SCRIPT)
+        tessaron("run", "release.tsn", "inFile=app.hex", "--manifest", "out.json")
+        self.manifest = json.loads(pathlib.Path("out.json").read_text())
+
+    def tearDown(self):
+        os.chdir("/")
+        self.folder.cleanup()
+
+    def test_schema(self):
+        jsonschema.Draft202012Validator.check_schema(SCHEMA)
+        jsonschema.validate(self.manifest, SCHEMA)
+        self.manifest["time"] = "now"
+        with self.assertRaises(jsonschema.ValidationError):
+            jsonschema.validate(self.manifest, SCHEMA)
+
+    def test_contents(self):
+        manifest = self.manifest
+        self.assertEqual(manifest["script"], {"path": "release.tsn", "sha256": sha256("release.tsn")})
+        self.assertEqual(manifest["variables"], {"inFile": "app.hex"})
+        self.assertEqual(manifest["inputs"], [
+            {"path": "app.hex", "size": os.path.getsize("app.hex"), "sha256": sha256("app.hex"),
+             "format": "Intel HEX", "areas": [area(0x1000, 0x100), area(0x1180, 0x180)]}])
+        self.assertEqual([(o["path"], o["format"], o["size"], o["sha256"], o["images"], o["line"])
+                          for o in manifest["outputs"]],
+                         [(path, form, os.path.getsize(path), sha256(path), [image], line)
+                          for path, form, image, line in
+                          (("out.hex", "IntelHexExtended", "@App", 7),
+                           ("out.bin", "RawBinary", "@Moved", 8))])
+        image = bytearray(b"\xff" * 0x400)
+        image[:0x100] = self.data[:0x100]
+        image[0x180:0x300] = self.data[0x180:0x300]
+        crc = zlib.crc32(image[:0x3FC])
+        image[0x3FC:] = crc.to_bytes(4, "little")
+        self.assertEqual(manifest["values"], [
+            {"name": "@Crc", "kind": "crc", "value": "%08X" % crc, "line": 3,
+             "places": [{"image": "@App", **area(0x13FC, 4), "line": 4}]}])
+        app, moved = manifest["images"]
+        self.assertEqual((app["name"], app["crc32"]), ("@App", "%08X" % zlib.crc32(image)))
+        lines = [len(pathlib.Path("app.hex").read_text().split()), 2]
+        self.assertEqual([(r["start"], r["length"], r["kind"], r["line"], r.get("file"))
+                          for r in app["ranges"]],
+                         [("0x00001000", 0x100, "data", 1, "app.hex"),
+                          ("0x00001100", 0x80, "filler", 2, None),
+                          ("0x00001180", 0x180, "data", 1, "app.hex"),
+                          ("0x00001300", 0xFC, "filler", 2, None),
+                          ("0x000013FC", 4, "value", 4, None)])
+        self.assertEqual(app["ranges"][2]["fileLines"][1], lines[0] - 1)
+        self.assertEqual([(r["start"], r["length"], r["kind"], r["line"])
+                          for r in moved["ranges"]][:3],
+                         [("0x00008000", 0x10, "data", 1), ("0x00008010", 2, "value", 6),
+                          ("0x00008012", 0xEE, "data", 1)])
+
+    def test_same_bytes(self):
+        first = pathlib.Path("out.json").read_bytes()
+        shutil.copytree(".", "elsewhere")
+        here = str(pathlib.Path("elsewhere").resolve())
+        tessaron("run", here + "/release.tsn", "inFile=" + here + "/app.hex", "--manifest",
+                 here + "/out.json", "-C", here)
+        self.assertEqual(pathlib.Path("elsewhere/out.json").read_bytes(), first)
+
+    def check(self, code):
+        return tessaron("check", "release.tsn", "inFile=app.hex", "--against-disk", "--manifest",
+                        "out.json", code=code)
+
+    def test_proof(self):
+        self.check(0)
+        out = pathlib.Path("out.bin")
+        good = out.read_bytes()
+        out.write_bytes(good[:0x11] + bytes([good[0x11] ^ 0x0F]) + good[0x12:])
+        said = self.check(1)
+        self.assertIn("out.bin is not the one of out.json", said)
+        self.assertIn("release.tsn:6: note: 0x8011 of @Moved is 0D in the file and 02 in the image",
+                      said)
+        out.write_bytes(good)
+        for path, what in (("app.hex", "the input app.hex is not"),
+                           ("release.tsn", "the script release.tsn is not")):
+            text = pathlib.Path(path).read_text()
+            # A line of another kind: the images stay as they are.
+            pathlib.Path(path).write_text(text + ("//\n" if path == "release.tsn" else "\n"))
+            self.assertIn(what, self.check(1))
+            pathlib.Path(path).write_text(text)
+        out.unlink()
+        self.assertIn("out.bin is missing", self.check(1))
+        out.write_bytes(good)
+        pathlib.Path("out.json").write_text("{}")
+        self.assertIn("no manifest", self.check(1))
+
+    def test_outputs_of_a_called_program(self):
+        pathlib.Path("release.tsn").write_text(
+            SCRIPT + "CALL_APP sh WITH_ARGUMENTS {-c 'echo signed >> out.bin'}\n")
+        tessaron("run", "release.tsn", "inFile=app.hex", "--manifest", "out.json")
+        manifest = json.loads(pathlib.Path("out.json").read_text())
+        self.assertEqual(manifest["outputs"][1]["sha256"], sha256("out.bin"))
+
+    def test_map(self):
+        script = "\n".join(line for line in SCRIPT.splitlines() if "Moved" not in line)
+        pathlib.Path("release.tsn").write_text(script + "\n")
+        subprocess.run([PROGRAM, "run", "release.tsn", "inFile=app.hex", "--map", "map.txt"],
+                       env={"LC_ALL": "C"}, check=True)
+        # 76 cells for 0x400 bytes: data up to the 19th cell, filler up to half of the 29th, data up
+        # to the 57th, filler, and the CRC in the last one.
+        self.assertIn(" |" + "#" * 19 + "-" * 9 + "+" + "#" * 28 + "-" * 18 + "V|\n",
+                      pathlib.Path("map.txt").read_text())
+        tessaron("run", "release.tsn", "inFile=app.hex", "--map", "map.svg")
+        self.assertIn('class="value"', pathlib.Path("map.svg").read_text())
+
+    def test_failed_run_writes_nothing(self):
+        os.remove("out.json")
+        tessaron("run", "release.tsn", "inFile=none.hex", "--manifest", "out.json", "--report",
+                 "out.html", code=1)
+        self.assertFalse(os.path.exists("out.json") or os.path.exists("out.html"))
+
+    def test_report_of_a_large_image(self):
+        size = 64 << 20
+        pathlib.Path("big.bin").write_bytes(random.Random(4).randbytes(1 << 20) * 64)
+        pathlib.Path("big.tsn").write_text("NEW_BUFFER @Big FROM_FILE_BINARY big.bin\n"
+                                           "FILL_BUFFER @Big WITH_VALUES {1} -useAreas={{5, 1}}\n")
+        tessaron("run", "big.tsn", "--report", "big.html")
+        self.assertEqual(os.path.getsize("big.bin"), size)
+        page = pathlib.Path("big.html").read_text()
+        self.assertLess(len(page), 2_000_000)
+        self.assertGreater(len(page), 10_000)
+        self.assertIn("0x00000006 to 0x03FFFFFF", page)
+
+
+if __name__ == "__main__":
+    unittest.main()
