@@ -3,8 +3,8 @@
 
     make_corpus.py FOLDER
 
-makes FOLDER/script, FOLDER/run and FOLDER/readers. The first two hold one call of the program per
-file, in the form that fuzz/ScriptInput.hpp describes, the last one holds input files.
+makes FOLDER/script, FOLDER/run, FOLDER/readers and FOLDER/records. The first two hold one call of
+the program per file, in the form that fuzz/ScriptInput.hpp describes, the others hold input files.
 """
 import pathlib
 import shutil
@@ -60,6 +60,7 @@ def main():
     write(target / "script", script_cases())
     write(target / "run", script_cases())
     write(target / "readers", input_files())
+    write(target / "records", input_files())
 
 
 if __name__ == "__main__":

@@ -1,6 +1,8 @@
 #include "io/PieceWriter.hpp"
 
 #include <algorithm>
+#include <cstring>
+#include <utility>
 
 #include "facts/Listener.hpp"
 #include "io/File.hpp"
@@ -9,7 +11,9 @@ namespace Io {
 
 namespace {
 
-constexpr std::size_t pieceSize = std::size_t{1} << 17U;
+constexpr std::size_t pieceSize = std::size_t{1} << 18U;
+/// A write that ends within a page of the file makes the kernel handle this page twice.
+constexpr std::size_t pageSize = 4096;
 /// What is at least as long is written from where it is: to copy it would cost more than a write.
 constexpr std::size_t longText = pieceSize / 2;
 
@@ -17,11 +21,15 @@ constexpr std::size_t longText = pieceSize / 2;
 
 PieceWriter::PieceWriter(const std::string& path, Platform::FileMode mode,
                          std::size_t longestReserve)
-    : path_(path), mode_(mode), piece_(std::max(pieceSize, longestReserve)) {}
+    : path_(path), mode_(mode), piece_(std::max(pieceSize, longestReserve + pageSize)) {}
 
 void PieceWriter::makeRoom(std::size_t size) {
-    if (piece_.size() < size) piece_.resize(size);
-    if (piece_.size() - used_ < size) flush();
+    if (piece_.size() < size + pageSize) {
+        Platform::PageBlock larger(std::max(size, used_) + pageSize);
+        std::memcpy(larger.data(), piece_.data(), used_);
+        piece_ = std::move(larger);
+    }
+    if (piece_.size() - used_ < size) flush(used_ - used_ % pageSize);
 }
 
 void PieceWriter::append(std::string_view text) {
@@ -29,13 +37,15 @@ void PieceWriter::append(std::string_view text) {
         commit(std::ranges::copy(text, reserve(text.size())).out);
         return;
     }
-    if (used_ != 0) flush();
+    if (used_ != 0) flush(used_);
     write(text);
 }
 
-void PieceWriter::flush() {
-    write({piece_.data(), used_});
-    used_ = 0;
+/// Writes the first `size` characters of the piece.
+void PieceWriter::flush(std::size_t size) {
+    write({begin(), size});
+    used_ -= size;
+    std::memmove(begin(), begin() + size, used_);
 }
 
 void PieceWriter::write(std::string_view text) {
@@ -47,7 +57,7 @@ void PieceWriter::write(std::string_view text) {
 }
 
 void PieceWriter::finish() {
-    flush();
+    flush(used_);
     isComplete_ = file_->close() && isComplete_;
     if (!isComplete_) Facts::report(Facts::FileWriteIncomplete{path_});
 }

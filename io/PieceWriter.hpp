@@ -6,10 +6,10 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "io/Host.hpp"
 #include "platform/Files.hpp"
+#include "platform/Memory.hpp"
 
 namespace Io {
 
@@ -31,11 +31,11 @@ public:
     /// @throws Io::bad_open
     char* reserve(std::size_t size) {
         if (piece_.size() - used_ < size) makeRoom(size);
-        return piece_.data() + used_;
+        return begin() + used_;
     }
 
     /// Ends the output at `end`, which lies in the room of the last `reserve`.
-    void commit(const char* end) { used_ = static_cast<std::size_t>(end - piece_.data()); }
+    void commit(const char* end) { used_ = static_cast<std::size_t>(end - begin()); }
 
     /// @throws Io::bad_open
     void append(std::string_view text);
@@ -50,15 +50,16 @@ public:
     void finish();
 
 private:
+    char* begin() const { return reinterpret_cast<char*>(piece_.data()); }
     void makeRoom(std::size_t size);
-    void flush();
+    void flush(std::size_t size);
     void write(std::string_view text);
 
     const std::string& path_;
     Platform::FileMode mode_;
     std::unique_ptr<OutputStream> file_;
     bool isComplete_ = true;
-    std::vector<char> piece_;
+    Platform::PageBlock piece_;
     std::size_t used_ = 0;
 };
 

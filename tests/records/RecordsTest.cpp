@@ -14,7 +14,7 @@
 /// (Motorola, M68000 Family Programmer's Reference Manual, appendix C).
 namespace {
 
-using Util::Records::DataRecord;
+using Util::Records::DataRun;
 using Bytes = std::vector<std::uint8_t>;
 
 std::string digitsOf(const Bytes& bytes) {
@@ -48,7 +48,7 @@ struct Form {
     }
 
     template <class Codec>
-    DataRecord decode(std::string_view text, std::uint8_t* out) const {
+    DataRun decode(std::string_view text, std::uint8_t* out) const {
         return isIntel ? Codec::decodeIntel(text, out) : Codec::decodeS(text, out);
     }
 
@@ -75,18 +75,18 @@ class Records : public testing::Test {
 protected:
     /// Decodes from and to places with nothing beyond what the functions may touch, so that
     /// sanitizers see them reach further.
-    DataRecord decode(const Form& form, const std::string& text) {
+    DataRun decode(const Form& form, const std::string& text) {
         const std::vector<char> exact(text.begin(), text.end());
-        data_.assign(std::min<std::size_t>(255, exact.size() / 2) + Util::Records::dataSlack, 0);
-        const DataRecord record = form.decode<Codec>({exact.data(), exact.size()}, data_.data());
-        data_.resize(record.dataSize);
-        return record;
+        data_.assign(exact.size() / 2 + Util::Records::dataSlack, 0);
+        const DataRun run = form.decode<Codec>({exact.data(), exact.size()}, data_.data());
+        data_.resize(run.dataSize);
+        return run;
     }
 
     void expectDecoded(const Form& form, const Bytes& data, const std::string& line) {
-        const DataRecord record = decode(form, line + following);
-        EXPECT_EQ(record.textSize, line.size()) << line;
-        EXPECT_EQ(record.address, form.address()) << line;
+        const DataRun run = decode(form, line + following);
+        EXPECT_EQ(run.textSize, line.size()) << line;
+        EXPECT_EQ(run.address, form.address()) << line;
         EXPECT_EQ(data_, data) << line;
     }
 
@@ -113,6 +113,22 @@ TYPED_TEST(Records, AreDecodedInEveryLengthCaseAndLineEnd) {
             this->expectDecoded(form, data, lower + "\n");
         }
     }
+}
+
+/// A gap and the end of the address field end a run, an imperfect record ends it as well.
+TYPED_TEST(Records, AreDecodedAsLongAsTheirAddressesFollow) {
+    const std::string text =
+        ":10FFE000000102030405060708090A0B0C0D0E0F99\n:04FFF0000102030403\n"
+        ":0CFFF40005060708090A0B0C0D0E0F1083\n:020000001112DB\n:0200030013140000\n";
+    const DataRun first = this->decode(forms[0], text + following);
+    EXPECT_EQ(first.count, 3U);
+    EXPECT_EQ(first.address, 0xFFE0U);
+    EXPECT_EQ(this->data_.size(), 32U);
+    EXPECT_EQ(this->data_.back(), 0x10);
+    const DataRun second = this->decode(forms[0], text.substr(first.textSize) + following);
+    EXPECT_EQ(second.count, 1U);
+    EXPECT_EQ(second.address, 0U);
+    EXPECT_EQ(this->data_, (Bytes{0x11, 0x12}));
 }
 
 TYPED_TEST(Records, AreEncodedInEveryLength) {

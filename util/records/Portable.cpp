@@ -54,11 +54,11 @@ private:
 
 }  // namespace
 
-DataRecord Portable::decodeIntel(std::string_view text, std::uint8_t* out) {
+DataRun Portable::decodeIntel(std::string_view text, std::uint8_t* out) {
     return decodeIntelBy<PortableLanes>(text, out);
 }
 
-DataRecord Portable::decodeS(std::string_view text, std::uint8_t* out) {
+DataRun Portable::decodeS(std::string_view text, std::uint8_t* out) {
     return decodeSBy<PortableLanes>(text, out);
 }
 

@@ -19,31 +19,31 @@ namespace Util::Records {
 
 /// Characters beyond a record that a decoder may read and an encoder may overwrite.
 inline constexpr std::size_t textSlack = 32;
-/// Bytes beyond its data that a decoder may overwrite.
+/// Bytes beyond the data that a decoder may overwrite.
 inline constexpr std::size_t dataSlack = 16;
 
-/// A data record at the front of a text.
-struct DataRecord {
-    std::uint32_t address = 0;  ///< as in the record: 16 bits in Intel HEX, up to 32 in an S-record
-    std::uint32_t dataSize = 0;
-    std::size_t textSize = 0;  ///< with the end of its line; 0 if the text begins with none
+/// Data records at the front of a text, each at the address one past the data of the one before.
+struct DataRun {
+    std::uint32_t address = 0;  ///< of the first one: 16 bits in Intel HEX, up to 32 in S-records
+    std::size_t dataSize = 0;
+    std::size_t textSize = 0;  ///< with the ends of their lines
+    std::size_t count = 0;     ///< of records
 };
 
 /// The functions in portable C++, the reference for those in vectors.
 ///
-/// `decodeIntel` takes a record of type 00 off the front of `text`, `decodeS` one of type S1, S2 or
-/// S3. The record is perfect: upper- or lower-case digits, a count that fits, a correct checksum, a
-/// line feed or a carriage return and a line feed right after it, and at least `textSlack`
-/// characters after its checksum. Its data goes to `out`, which has room for 255 bytes or for half
-/// the text, whichever is less, and for `dataSlack` more. The content of `out` is unspecified if no
-/// record is found.
+/// `decodeIntel` takes records of type 00 off the front of `text`, `decodeS` records of one of the
+/// types S1, S2 and S3. Each of them is perfect: upper- or lower-case digits, a count that fits, a
+/// correct checksum, a line feed or a carriage return and a line feed right after it, and at least
+/// `textSlack` characters after its checksum. Their data goes to `out`, which has room for half the
+/// text and for `dataSlack` more; beyond the data, its content is unspecified.
 ///
 /// `encodeIntel` and `encodeS` write a record and a line feed to `out`, which has room for it and
 /// for `textSlack` more, and return the position after it. The count field takes the low eight bits
 /// of the count.
 struct Portable {
-    static DataRecord decodeIntel(std::string_view text, std::uint8_t* out);
-    static DataRecord decodeS(std::string_view text, std::uint8_t* out);
+    static DataRun decodeIntel(std::string_view text, std::uint8_t* out);
+    static DataRun decodeS(std::string_view text, std::uint8_t* out);
 
     /// @param typeByte  00 to 05, as in the file
     static char* encodeIntel(char* out, std::uint16_t address, std::uint8_t typeByte,
@@ -60,8 +60,8 @@ struct Portable {
 /// The same functions in vectors of 16 bytes. Every x86-64 processor has SSE2, so nothing is
 /// detected at run time.
 struct Sse2 {
-    static DataRecord decodeIntel(std::string_view text, std::uint8_t* out);
-    static DataRecord decodeS(std::string_view text, std::uint8_t* out);
+    static DataRun decodeIntel(std::string_view text, std::uint8_t* out);
+    static DataRun decodeS(std::string_view text, std::uint8_t* out);
     static char* encodeIntel(char* out, std::uint16_t address, std::uint8_t typeByte,
                              std::span<const std::uint8_t> data);
     static char* encodeS(char* out, char typeDigit, std::uint32_t address, std::size_t addressSize,

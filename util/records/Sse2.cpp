@@ -55,8 +55,9 @@ __m128i valuesOf(__m128i digits) {
 
 /// Makes a byte of each pair of values, in the low half of a lane of 16 bits.
 __m128i pairsOf(__m128i values) {
-    const __m128i pairs = _mm_or_si128(_mm_slli_epi16(values, 4), _mm_srli_epi16(values, 8));
-    return _mm_and_si128(pairs, _mm_set1_epi16(0xFF));
+    // The product has the byte in its upper half, the value of the first digit times 16 in front.
+    constexpr short sixteenAndOne = 0x1001;
+    return _mm_srli_epi16(_mm_mullo_epi16(values, _mm_set1_epi16(sixteenAndOne)), 8);
 }
 
 /// The upper-case digits of values below 16.
@@ -173,11 +174,11 @@ private:
 
 }  // namespace
 
-DataRecord Sse2::decodeIntel(std::string_view text, std::uint8_t* out) {
+DataRun Sse2::decodeIntel(std::string_view text, std::uint8_t* out) {
     return decodeIntelBy<Sse2Lanes>(text, out);
 }
 
-DataRecord Sse2::decodeS(std::string_view text, std::uint8_t* out) {
+DataRun Sse2::decodeS(std::string_view text, std::uint8_t* out) {
     return decodeSBy<Sse2Lanes>(text, out);
 }
 

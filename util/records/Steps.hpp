@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstring>
+
 #include "util/Hex.hpp"
 #include "util/records/Records.hpp"
 
@@ -42,10 +44,35 @@ inline std::size_t lineEndSize(const char* end) {
     return end[0] == '\r' && end[1] == '\n' ? 2 : 0;
 }
 
+/// The count of the last record. Most records have that of the one before, which a processor
+/// predicts, so that it need not wait for the digits.
+struct LastCount {
+    std::uint16_t digits = 0;
+    std::size_t value = 0;
+
+    std::size_t at(const char* text) {
+        std::uint16_t found = 0;
+        std::memcpy(&found, text, sizeof found);
+        if (found != digits) {
+            digits = found;
+            value = byteAt(text);
+        }
+        return value;
+    }
+};
+
+struct DataRecord {
+    std::uint32_t address = 0;
+    std::size_t dataSize = 0;
+    std::size_t textSize = 0;  ///< 0 if there is no perfect record
+};
+
+/// A record whose first characters are those of a data record.
 template <class Lanes, Layout Form>
-[[gnu::always_inline]] inline DataRecord decode(std::string_view text, std::uint8_t* out) {
+[[gnu::always_inline]] inline DataRecord decode(std::string_view text, LastCount& lastCount,
+                                                std::uint8_t* out) {
     // Locate
-    const std::size_t count = byteAt(text.data() + Form.fieldsAt);
+    const std::size_t count = lastCount.at(text.data() + Form.fieldsAt);
     if (count < Form.countedExtra) return {};
     const std::size_t dataSize = count - Form.countedExtra;
     const std::size_t dataAt = Form.fieldsAt + 2 * Form.fieldBytes();
@@ -60,27 +87,52 @@ template <class Lanes, Layout Form>
         text.data() + Form.fieldsAt, text.data() + checksumAt);
     lanes.readData(out, text.data() + dataAt, dataSize);
     if (!lanes.areDigits() || lanes.sum() != Form.sum) return {};
-    return {Form.addressIn(fields), static_cast<std::uint32_t>(dataSize), end + lineEnd};
+    return {Form.addressIn(fields), dataSize, end + lineEnd};
+}
+
+/// @param isData  the characters at the front of a text are those of a data record
+template <class Lanes, Layout Form, class IsData>
+DataRun decodeRun(std::string_view text, std::uint8_t* out, IsData isData) {
+    DataRun run;
+    LastCount lastCount;
+    while (text.size() >= textSlack && isData(text.data())) {
+        const DataRecord record = decode<Lanes, Form>(text, lastCount, out + run.dataSize);
+        if (record.textSize == 0) break;
+        if (run.count == 0) run.address = record.address;
+        if (run.address + run.dataSize != record.address) break;
+        run.dataSize += record.dataSize;
+        run.textSize += record.textSize;
+        ++run.count;
+        text.remove_prefix(record.textSize);
+    }
+    return run;
 }
 
 template <class Lanes>
-DataRecord decodeIntelBy(std::string_view text, std::uint8_t* out) {
+DataRun decodeIntelBy(std::string_view text, std::uint8_t* out) {
     constexpr std::size_t typeAt = 7;
-    const bool isData = text.size() >= textSlack && text[0] == ':' && text[typeAt] == '0' &&
-                        text[typeAt + 1] == '0';
-    return isData ? decode<Lanes, intelLayout>(text, out) : DataRecord{};
+    return decodeRun<Lanes, intelLayout>(text, out, [](const char* record) {
+        return record[0] == ':' && record[typeAt] == '0' && record[typeAt + 1] == '0';
+    });
+}
+
+template <class Lanes, std::size_t AddressSize>
+DataRun decodeSWith(std::string_view text, std::uint8_t* out) {
+    // S1 has two bytes of address, S3 four.
+    constexpr char typeDigit = '0' + AddressSize - 1;
+    return decodeRun<Lanes, sLayout(AddressSize)>(
+        text, out, [](const char* record) { return record[0] == 'S' && record[1] == typeDigit; });
 }
 
 template <class Lanes>
-DataRecord decodeSBy(std::string_view text, std::uint8_t* out) {
-    if (text.size() < textSlack || text[0] != 'S') return {};
-    switch (text[1]) {
+DataRun decodeSBy(std::string_view text, std::uint8_t* out) {
+    switch (text.size() < 2 ? '\0' : text[1]) {
         case '1':
-            return decode<Lanes, sLayout(2)>(text, out);
+            return decodeSWith<Lanes, 2>(text, out);
         case '2':
-            return decode<Lanes, sLayout(3)>(text, out);
+            return decodeSWith<Lanes, 3>(text, out);
         case '3':
-            return decode<Lanes, sLayout(4)>(text, out);
+            return decodeSWith<Lanes, 4>(text, out);
         default:
             return {};
     }
