@@ -6,24 +6,22 @@
 #include <utility>
 
 #include "io/import/ReaderReports.hpp"
+#include "util/records/Records.hpp"
 
 namespace Io::Import {
 
 void ParsedData::append(std::uint64_t address, std::span<const std::uint8_t> bytes) {
     if (bytes.empty()) return;
-    if (bytes_.size() == 0) bytes_ = Platform::PageBlock(capacity_);
-    const Buffer::Area area{address, bytes.size()};
+    if (bytes_.size() == 0) bytes_ = Platform::PageBlock(capacity_ + Util::Records::dataSlack);
+    std::memcpy(room(), bytes.data(), bytes.size());
+    appendInPlace(address, bytes.size());
+}
+
+void ParsedData::beginRun(const Buffer::Area& area) {
     const bool isFirst = runs_.empty();
-    if (!isFirst && runs_.back().area.end() == address) {
-        runs_.back().area.length += area.length;
-    } else {
-        isAscending_ = isFirst || (isAscending_ && address > runs_.back().area.end());
-        runs_.push_back({area, size_});
-    }
-    minAddress_ = isFirst ? address : std::min(minAddress_, address);
-    maxAddress_ = std::max(maxAddress_, area.end() - 1);
-    std::memcpy(bytes_.data() + size_, bytes.data(), bytes.size());
-    size_ += bytes.size();
+    isAscending_ = isFirst || (isAscending_ && area.start > runs_.back().area.end());
+    runs_.push_back({area, size_});
+    minAddress_ = isFirst ? area.start : std::min(minAddress_, area.start);
 }
 
 void ParsedData::clear() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -27,6 +28,21 @@ public:
 
     /// Appends `bytes`, which the file has from `address` on.
     void append(std::uint64_t address, std::span<const std::uint8_t> bytes);
+
+    /// Room for what the rest of the file holds, and beyond it for what a decoder may overwrite.
+    /// What is put there becomes data by `appendInPlace`. Not before some bytes have been appended.
+    std::uint8_t* room() const { return reinterpret_cast<std::uint8_t*>(bytes_.data()) + size_; }
+
+    /// Appends the first `size` bytes in `room`, which the file has from `address` on.
+    void appendInPlace(std::uint64_t address, std::size_t size) {
+        if (size == 0) return;
+        if (!runs_.empty() && runs_.back().area.end() == address)
+            runs_.back().area.length += size;
+        else
+            beginRun({address, size});
+        maxAddress_ = std::max(maxAddress_, address + size - 1);
+        size_ += size;
+    }
 
     /// Discards all bytes and gives their memory back.
     void clear();
@@ -59,6 +75,7 @@ private:
         std::size_t offset;  ///< of its first byte in `bytes_`; a later run of the file has more
     };
 
+    void beginRun(const Buffer::Area& area);
     std::vector<Run> visibleParts() const;
     Buffer::MemoryBuffer imageOf(const Buffer::Area& range) const;
     Buffer::Area span() const { return {minAddress_, maxAddress_ - minAddress_ + 1}; }
