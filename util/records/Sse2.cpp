@@ -112,7 +112,7 @@ public:
         const std::uint64_t inOrder = __builtin_bswap64(fields << (8 * (sizeof fields - bytes)));
         const __m128i vector = _mm_cvtsi64_si128(static_cast<long long>(inOrder));
         add(vector);
-        store(out, _mm_unpacklo_epi8(highDigits(vector), lowDigits(vector)));
+        store(out, digitsOf(_mm_unpacklo_epi8(highValues(vector), lowValues(vector))));
         return out + 2 * bytes;
     }
 
@@ -139,10 +139,8 @@ private:
     static __m128i firstLanes(std::size_t count) {
         return load(maskLanes.data() + 2 * laneCount - count);
     }
-    static __m128i lowDigits(__m128i bytes) {
-        return digitsOf(_mm_and_si128(bytes, _mm_set1_epi8(15)));
-    }
-    static __m128i highDigits(__m128i bytes) { return lowDigits(_mm_srli_epi16(bytes, 4)); }
+    static __m128i lowValues(__m128i bytes) { return _mm_and_si128(bytes, _mm_set1_epi8(15)); }
+    static __m128i highValues(__m128i bytes) { return lowValues(_mm_srli_epi16(bytes, 4)); }
 
     __m128i read(__m128i digits) {
         const __m128i values = valuesOf(digits);
@@ -157,8 +155,8 @@ private:
     }
 
     void writeBytes(char* out, __m128i bytes) {
-        const __m128i high = highDigits(bytes);
-        const __m128i low = lowDigits(bytes);
+        const __m128i high = digitsOf(highValues(bytes));
+        const __m128i low = digitsOf(lowValues(bytes));
         add(bytes);
         store(out, _mm_unpacklo_epi8(high, low));
         store(out + laneCount, _mm_unpackhi_epi8(high, low));
