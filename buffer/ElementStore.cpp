@@ -151,6 +151,24 @@ void ElementStore::apply(std::size_t at, const MemoryElement& element) {
         fillPattern(at, {&element.filler, 1}, 1);
 }
 
+void ElementStore::merge(std::size_t at, ElementView elements, bool keepsWritten) {
+    const std::uint8_t* const newFillers = elements.fillers();
+    hasFillers_ = hasFillers_ || newFillers != nullptr;
+    for (std::size_t i = 0; i < elements.size();) {
+        const std::size_t count = WrittenBits::inWord(at + i, elements.size() - i);
+        const Word before = WrittenBits::read(written(), at + i, count);
+        const Word theirs = elements.written(i, count);
+        const Word taken = keepsWritten ? theirs & ~before : theirs;
+        applyValues(at + i, elements.values() + i, taken, count);
+        if (hasFillers_) applyFillers(at + i, nullptr, taken, count);
+        if (newFillers != nullptr)
+            WrittenBits::forEach(~(before | theirs) & WrittenBits::all(count), [&](std::size_t k) {
+                if (fillers()[at + i + k] == 0) fillers()[at + i + k] = newFillers[i + k];
+            });
+        i += count;
+    }
+}
+
 void ElementStore::applyValues(std::size_t at, const std::uint8_t* source, Word flags,
                                std::size_t count) {
     if (flags == 0) return;

@@ -62,6 +62,12 @@ public:
     void apply(std::size_t at, ElementView elements);
     void apply(std::size_t at, const MemoryElement& element);
 
+    /// Makes written elements with filler 0 of the written ones among `elements`, from `at` on. An
+    /// element that is unwritten in both takes the other's filler in place of its own if that is 0.
+    ///
+    /// @param keepsWritten  elements that are written already keep their values
+    void merge(std::size_t at, ElementView elements, bool keepsWritten);
+
 private:
     std::uint8_t* values() const { return reinterpret_cast<std::uint8_t*>(values_.data()); }
     std::uint8_t* fillers() const { return reinterpret_cast<std::uint8_t*>(fillers_.data()); }

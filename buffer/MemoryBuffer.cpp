@@ -115,6 +115,14 @@ void MemoryBuffer::overlay(const MemoryBuffer& other) {
             other.viewElements().part(part->start - other.startAddress_, part->length));
 }
 
+void MemoryBuffer::merge(const MemoryBuffer& other, bool keepsWritten) {
+    const std::optional<Area> part = overlap(other.getArea());
+    if (part)
+        elements_.merge(part->start - startAddress_,
+                        other.viewElements().part(part->start - other.startAddress_, part->length),
+                        keepsWritten);
+}
+
 void MemoryBuffer::appendBytes(std::vector<std::uint8_t>& output, std::uint64_t start,
                                std::uint64_t dataLength) const {
     const ElementView range = viewRange(start, dataLength);

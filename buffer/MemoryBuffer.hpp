@@ -113,6 +113,13 @@ public:
     /// as both have them. Nothing is reported.
     void overlay(const MemoryBuffer& other);
 
+    /// Copies the written elements of `other` to the same addresses of this image as far as it has
+    /// them, with filler 0. Where this image is not written it takes a filler of `other` other than
+    /// 0 in place of one that is 0. Nothing is reported.
+    ///
+    /// @param keepsWritten  elements that are written already keep their bytes
+    void merge(const MemoryBuffer& other, bool keepsWritten);
+
     /// Appends the effective bytes of the range to `output`, in address order. Appends nothing and
     /// says nothing if any part of the range lies outside the image.
     void appendBytes(std::vector<std::uint8_t>& output, std::uint64_t start,

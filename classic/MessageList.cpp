@@ -76,6 +76,9 @@ std::vector<Fact> examples(Of<LinePassedOver> /*type*/) {
 std::vector<Fact> examples(Of<LinesPassedOver> /*type*/) {
     return {};
 }
+std::vector<Fact> examples(Of<FieldFact> /*type*/) {
+    return {};
+}
 std::vector<Fact> examples(Of<RecordCountTooLow> /*type*/) {
     return {RecordCountTooLow{number, number}};
 }
@@ -115,6 +118,10 @@ std::vector<Fact> examples(Of<NameNotFound> /*type*/) {
     for (const NameKind kind : {NameKind::Buffer, NameKind::Crc, NameKind::Hash, NameKind::Symbol})
         facts.emplace_back(NameNotFound{kind, "NAME"});
     return facts;
+}
+std::vector<Fact> examples(Of<OverlapRefused> /*type*/) {
+    return {OverlapRefused{"NAME", "NAME", number, number, true, number, 0, 0},
+            OverlapRefused{"NAME", "NAME", number, number, false, number, 0, 0}};
 }
 std::vector<Fact> examples(Of<StatementExhausted> /*type*/) {
     std::vector<Fact> facts;

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <variant>
 
+#include "facts/FieldFacts.hpp"
+
 /// What a run has to report, as values without words.
 ///
 /// The code that meets a problem describes it by one of these structs and hands it to `report`
@@ -219,6 +221,20 @@ struct NameNotFound {
     bool operator==(const NameNotFound&) const = default;
 };
 
+/// Two sources of an image, or two records of its file, write the same addresses, which the
+/// statement refuses; it failed.
+struct OverlapRefused {
+    std::string_view name;    ///< of the image
+    std::string_view source;  ///< the later image, or the file
+    std::uint64_t start;
+    std::uint64_t end;
+    bool isDifferent;       ///< their bytes at `address` differ
+    std::uint64_t address;  ///< the first address with different bytes, or `start`
+    std::uint8_t earlier;   ///< the bytes there, if they differ
+    std::uint8_t later;
+    bool operator==(const OverlapRefused&) const = default;
+};
+
 enum class Subject : std::uint8_t { Buffer, Crc, Hash, Text, File, Application };
 enum class Work : std::uint8_t { Created, Filled, Printed, Written, Called };
 
@@ -340,9 +356,9 @@ using Fact =
                  LinesPassedOver, RecordCountTooLow, DataSpanTooLong, RawFileTooLong,
                  FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
                  RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, FileWriteIncomplete,
-                 NameNotFound, StatementExhausted, FileNotOpened, FileNotWritten, FileSpanTooLong,
-                 BufferPrinted, ContentPrinted, CrcPrinted, HashPrinted, TextPrinted, ProgramCalled,
-                 ProgramEnded, ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError,
-                 RunEnded>;
+                 NameNotFound, OverlapRefused, StatementExhausted, FileNotOpened, FileNotWritten,
+                 FileSpanTooLong, BufferPrinted, ContentPrinted, CrcPrinted, HashPrinted,
+                 TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened, VariableRejected,
+                 ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace Facts

@@ -3,16 +3,23 @@
 
     make_corpus.py FOLDER
 
-makes FOLDER/script, FOLDER/run, FOLDER/readers and FOLDER/records. The first two hold one call of
-the program per file, in the form that fuzz/ScriptInput.hpp describes, the others hold input files.
+makes FOLDER/script, FOLDER/run, FOLDER/readers, FOLDER/records and FOLDER/field. The first two hold
+one call of the program per file, in the form that fuzz/ScriptInput.hpp describes, the others hold
+input files, the last one also those with changes at random.
 """
 import pathlib
+import random
 import shutil
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 # Longer seeds slow down every run and cover nothing more.
 LONGEST_SEED = 1 << 14
+# Changes of a file, and the longest file that is changed.
+MOST_CHANGES = 60
+LONGEST_CHANGED = 2000
+ODD_LINES = (b"\n", b" \n", b"# remark\n", b"\0\0\n", b"\x1A", b"\xEF\xBB\xBF", b"S5030001FB\n",
+             b":00000001FF\n", b":020000021000EC\n", b"S9030000FC\n", b"\r")
 # The expected output of a case is not an input of its script.
 NO_INPUT = {"script.tsn", "arguments", "absent", "memory-limit", "prepare.sh", "check.sh",
             "expected.out", "expected.err", "expected.exit"}
@@ -39,10 +46,31 @@ def script_cases():
 
 def input_files():
     """Name and contents of every file that a reader accepts."""
-    for folder in "tests/data", "tests/scripts", "examples":
+    for folder in "tests/data", "tests/scripts", "tests/diagnostics", "examples":
         for path in sorted((ROOT / folder).glob("**/*")):
             if path.is_file() and path.suffix in (".hex", ".srec", ".s19", ".bin", ".mot"):
                 yield "-".join(path.relative_to(ROOT).parts), path.read_bytes()
+
+
+def changed(files):
+    """The small files, and each of them with changes that files suffer in the field."""
+    chance = random.Random(1)
+    for name, contents in files:
+        yield name, contents
+        lines = contents.splitlines(True)
+        for number in range(MOST_CHANGES if 0 < len(contents) < LONGEST_CHANGED else 0):
+            line, other = chance.randrange(len(lines)), chance.randrange(len(lines))
+            at = chance.randrange(len(contents))
+            yield "%s-%d" % (name, number), chance.choice((
+                lambda: contents[:at] + chance.randbytes(1) + contents[at + 1:],
+                lambda: contents[:at] + contents[at + 1:],
+                lambda: contents[:at],
+                lambda: b"".join(lines[:line] + lines[line + 1:]),
+                lambda: b"".join(lines[:line] + [lines[other]] + lines[line:]),
+                lambda: b"".join(lines[:line] + [chance.choice(ODD_LINES)] + lines[line:]),
+                lambda: contents + chance.choice(ODD_LINES),
+                lambda: contents.replace(b"\n", chance.choice((b"\r", b"\r\n", b"\r\r\n"))),
+                lambda: contents.lower()))()
 
 
 def write(folder, seeds):
@@ -61,6 +89,7 @@ def main():
     write(target / "run", script_cases())
     write(target / "readers", input_files())
     write(target / "records", input_files())
+    write(target / "field", changed(input_files()))
 
 
 if __name__ == "__main__":

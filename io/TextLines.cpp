@@ -15,7 +15,7 @@ constexpr std::size_t pieceSize = std::size_t{1} << 17U;
 
 }  // namespace
 
-TextLines::TextLines(const std::string& path) : file_(openInput(path)) {}
+TextLines::TextLines(const std::string& path) : TextLines(openInput(path)) {}
 
 bool TextLines::next() {
     lineBegin_ = next_;
@@ -72,7 +72,9 @@ void TextLines::readOn() {
     const auto wanted =
         static_cast<std::size_t>(std::min<std::uint64_t>(piece_.size() - kept, fileRest));
     const std::size_t got = file_.readAt(pieceStart_ + kept, {out, wanted});
-    const void* const stop = got == 0 ? nullptr : std::memchr(out, endOfText, got);
+    const void* const stop = got == 0 || !endsAtMark_ ? nullptr : std::memchr(out, endOfText, got);
+    if (!endsAtMark_ && !mayHaveReturns_ && got != 0)
+        mayHaveReturns_ = std::memchr(out, '\r', got) != nullptr;
     end_ += stop == nullptr ? got : static_cast<std::size_t>(static_cast<const char*>(stop) - out);
     isTextRead_ = stop != nullptr || got == fileRest || got < wanted;
 }

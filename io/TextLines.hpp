@@ -10,6 +10,12 @@
 
 namespace Io {
 
+/// Where the text of a file ends.
+enum class TextEnd : std::uint8_t {
+    Mark,  ///< at a byte 0x1A, as in text mode, or with the file
+    File
+};
+
 /// The lines of a text file, one after the other, as text mode gives them: no carriage return in
 /// front of a line feed, nothing from a byte 0x1A on, no last line of no characters.
 ///
@@ -18,6 +24,10 @@ class TextLines {
 public:
     /// @throws bad_open
     explicit TextLines(const std::string& path);
+
+    /// The file has been opened already.
+    explicit TextLines(Platform::InputFile file, TextEnd end = TextEnd::Mark)
+        : file_(std::move(file)), endsAtMark_(end == TextEnd::Mark) {}
 
     /// Bytes that the file had when it was opened; no text is longer.
     std::uint64_t fileSize() const { return file_.size(); }
@@ -36,6 +46,10 @@ public:
 
     /// The current line is the last one.
     bool isLast() const { return isTextRead_ && next_ == end_; }
+
+    /// There may be carriage returns in the current line. Known only if the text ends with the
+    /// file.
+    bool mayHaveReturns() const { return mayHaveReturns_; }
 
     /// Makes line `number`, which begins at byte `position` of the file, the next one.
     void moveTo(std::uint64_t position, std::uint64_t number);
@@ -63,6 +77,8 @@ private:
     void readOn();
 
     Platform::InputFile file_;
+    bool endsAtMark_;
+    bool mayHaveReturns_ = false;  ///< one was in what has been read
     Platform::PageBlock piece_;
     std::uint64_t pieceStart_ = 0;  ///< position of the piece in the file
     std::size_t lineBegin_ = 0;     ///< of the current line, in the piece

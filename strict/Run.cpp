@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "classic/ClassicWords.hpp"
+#include "io/field/FieldReading.hpp"
 #include "parser/ScriptParser.hpp"
 #include "parser/grammar/ScriptSyntax.hpp"
 #include "parser/text/VariableExpansion.hpp"
@@ -20,6 +21,7 @@
 #include "strict/Comparison.hpp"
 #include "strict/DependencyFile.hpp"
 #include "strict/OutputSet.hpp"
+#include "strict/Provenance.hpp"
 #include "strict/RunListener.hpp"
 #include "strict/ScriptCheck.hpp"
 #include "strict/ScriptText.hpp"
@@ -199,16 +201,19 @@ public:
     bool run(Parser::ScriptSyntax& syntax, const std::vector<ScriptCheck::Range>& ranges) {
         const Facts::ListenerScope listening(listener_);
         const Io::HostScope hosting(*files_);
+        const Io::Field::FieldReading reading;
         Parser::WrapperLib::CmdContext context;
+        context.reading = &reading;
+        Provenance provenance(listener_, reading);
+        context.observer = &provenance;
         const auto& commands = syntax.state().statement.commands();
         for (std::size_t i = 0; i < commands.size(); ++i) {
             const std::size_t before = printer_->errors();
             listener_.enter(ranges[i].first, ranges[i].last);
-            auditBefore(*commands[i], context, listener_);
+            provenance.enter(*commands[i]);
+            auditBefore(*commands[i], context, provenance, listener_);
             const bool isDone =
                 printer_->errors() == before ? commands[i]->execute(context) : false;
-            if (isDone && printer_->errors() == before)
-                auditAfter(*commands[i], context, listener_);
             const bool isGood = isDone && printer_->errors() == before;
             if (!isGood && !options_->keepsGoing) return false;
         }

@@ -9,12 +9,19 @@
 #include "parser/grammar/ScriptSyntax.hpp"
 #include "platform/Files.hpp"
 #include "strict/Arithmetic.hpp"
+#include "strict/FieldWords.hpp"
 
 namespace Strict {
 
 namespace {
 
 using namespace Facts;
+
+/// Text without the white space at its end.
+std::string_view trimmed(std::string_view text) {
+    const std::size_t last = text.find_last_not_of(" \t\n\v\f\r");
+    return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
+}
 
 /// Finds the arguments of one statement, which is parsed once more: only a statement that has
 /// something to report costs that.
@@ -43,6 +50,16 @@ public:
         });
         if (found != steps_.rend()) return found->text;
         return steps_.empty() ? std::string_view() : steps_.front().text;
+    }
+
+    /// The place where an image is named as a source, or the keyword.
+    std::string_view image(std::string_view name) const {
+        for (const Step& step : steps_) {
+            const bool isSource =
+                step.trace == "AddBufferAsSource -> " || step.trace == "AddFromBuffer -> ";
+            if (isSource && trimmed(step.text) == name) return step.text;
+        }
+        return textOf({});
     }
 
     /// The area of the given numbers, or the keyword.
@@ -97,12 +114,6 @@ std::string outcome(int status) {
     return " ended with code " + std::to_string(status);
 }
 
-/// Text without the white space at its end.
-std::string_view trimmed(std::string_view text) {
-    const std::size_t last = text.find_last_not_of(" \t\n\v\f\r");
-    return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
-}
-
 /// The system's words for a path that leads nowhere.
 std::string noSuchFile() {
     return std::make_error_code(std::errc::no_such_file_or_directory).message();
@@ -150,6 +161,17 @@ void RunListener::reportOutside(std::uint64_t start, std::uint64_t length,
                  {}});
 }
 
+void RunListener::reportName(const char* kind, std::string_view name, std::string text,
+                             std::string hint, std::vector<Note> notes) {
+    const std::string_view statement = script_->prepared().substr(first_, last_ - first_);
+    const std::string_view part = trimmed(Arguments(statement).image(name));
+    Diagnostic diagnostic{Severity::Error, kind,
+                          std::move(text), script_->placeOf(part),
+                          std::move(hint), script_->variableNotes(part)};
+    diagnostic.notes.insert(diagnostic.notes.end(), notes.begin(), notes.end());
+    sink_->take(diagnostic);
+}
+
 void RunListener::reportOpen(std::string_view file) {
     const std::string reason = reason_(file);
     if (reason.empty())
@@ -159,21 +181,45 @@ void RunListener::reportOpen(std::string_view file) {
                adviceOn(file));
 }
 
-void RunListener::reportLine(const char* kind, std::string_view file, std::uint64_t line,
-                             std::string_view text, std::string message) {
+void RunListener::reportField(const FieldFact& fact) {
     constexpr std::size_t longestShown = 160;
-    Place place{std::string(file),
-                static_cast<std::size_t>(line),
+    FieldWords words = wordsFor(fact);
+    if (words.line == 0) {
+        report(words.kind, std::move(words.text), inputFile, std::move(words.hint));
+        return;
+    }
+    Place place{std::string(words.file),
+                static_cast<std::size_t>(words.line),
                 0,
-                std::string(text.substr(0, longestShown)),
+                std::string(words.excerpt.substr(0, longestShown)),
                 0,
                 0};
+    if (words.column != 0 && words.column <= place.excerpt.size()) {
+        place.column = words.column;
+        place.caret = words.column - 1;
+        place.caretLength = 1;
+    }
     const std::string_view statement = script_->prepared().substr(first_, last_ - first_);
     const Arguments arguments(statement);
-    Diagnostic diagnostic{Severity::Error, kind, std::move(message), place, "", {}};
+    Diagnostic diagnostic{Severity::Error,       words.kind, std::move(words.text), place,
+                          std::move(words.hint), {}};
     diagnostic.notes.push_back(
         {"while this file is read", script_->placeOf(trimmed(arguments.textOf(inputFile)))});
     sink_->take(diagnostic);
+}
+
+void RunListener::reportOverlap(const OverlapRefused& fact) {
+    const std::string range = rangeText(fact.start, fact.end);
+    if (fact.isDifferent)
+        report("conflict",
+               std::string(fact.source) + " has " + hexadecimal(fact.later) + " at " +
+                   hexadecimal(fact.address) + ", written before as " + hexadecimal(fact.earlier) +
+                   ", within " + range,
+               {"SetOnOverlap_Same -> ", "SetOnOverlap_Error -> "});
+    else
+        report("conflict",
+               std::string(fact.source) + " writes " + range + " a second time, with equal bytes",
+               {"SetOnOverlap_Error -> "}, "-onOverlap=Same lets equal bytes pass");
 }
 
 void RunListener::hear(const Fact& fact) {
@@ -230,46 +276,12 @@ void RunListener::hear(const Fact& fact) {
                            " on leave the image, which ends before " + hexadecimal(f.imageEnd),
                        anyArea);
             },
-            [&](const ReadRangeOutside& f) {
-                report("outside",
-                       "the area " + areaText(f.start, f.end - f.start) +
-                           " begins below the data of the file, which has " +
-                           rangeText(f.dataStart, f.dataEnd) + "; nothing of it is read",
-                       anyArea, "use -useBufferRange={start, length} to crop a file");
-            },
-            [&](const TextFileEmpty& f) {
-                report("empty-image", std::string(f.file) + " is empty", inputFile);
-            },
-            [&](const LastLineMismatched& f) {
-                report("no-end",
-                       "the last line of " + std::string(f.file) +
-                           " is no end-of-file record; the file may have been cut off",
-                       inputFile);
-            },
-            [&](const RecordContradictory& f) {
-                reportLine("record-checksum", f.file, f.lineNumber, f.line,
-                           "the record contradicts its checksum or the format");
-            },
-            [&](const LineNotARecord& f) {
-                reportLine("record-line", f.file, f.lineNumber, f.line, "the line is no record");
-            },
-            [&](const LinePassedOver& f) {
-                reportLine("record-line", f.file, f.lineNumber, f.line,
-                           "the line is no record, its data is missing");
-            },
-            [&](const LinesPassedOver& f) {
-                report("record-line",
-                       std::to_string(f.count) + " more lines of " + std::string(f.file) +
-                           " are no records",
-                       inputFile);
-            },
-            [&](const RecordCountTooLow&) {},
-            [&](const DataSpanTooLong& f) {
-                report(
-                    "outside",
-                    "the data of the file spans more than " + hexadecimal(f.mostBytes) + " bytes",
-                    inputFile);
-            },
+            // What the classic readers report.
+            [&](const ReadRangeOutside&) {}, [&](const TextFileEmpty&) {},
+            [&](const LastLineMismatched&) {}, [&](const RecordContradictory&) {},
+            [&](const LineNotARecord&) {}, [&](const LinePassedOver&) {},
+            [&](const LinesPassedOver&) {}, [&](const RecordCountTooLow&) {},
+            [&](const DataSpanTooLong&) {}, [&](const FieldFact& f) { reportField(f); },
             [&](const RawFileTooLong& f) {
                 report("outside", "the file has more than " + hexadecimal(f.mostBytes) + " bytes",
                        inputFile);
@@ -324,6 +336,7 @@ void RunListener::hear(const Fact& fact) {
                      "AddBufferToExportList -> ", "SetFillCrc -> ", "SetFillHash -> ",
                      "AddResolveSymbolName -> "});
             },
+            [&](const OverlapRefused& f) { reportOverlap(f); },
             [&](const StatementExhausted&) {
                 report("out-of-memory", "there is not enough memory for this statement", {});
             },

@@ -49,10 +49,17 @@ public:
     void report(const char* kind, std::string text, const std::vector<std::string_view>& traces,
                 std::string hint = {});
 
+    /// Reports something about an image that the statement names.
+    void reportName(const char* kind, std::string_view name, std::string text, std::string hint,
+                    std::vector<Note> notes);
+
+    /// The place of the statement that runs.
+    Place statementPlace() const { return script_->placeOf(first_, last_); }
+
 private:
+    void reportOverlap(const Facts::OverlapRefused& fact);
     void reportOpen(std::string_view file);
-    void reportLine(const char* kind, std::string_view file, std::uint64_t line,
-                    std::string_view text, std::string message);
+    void reportField(const Facts::FieldFact& fact);
 
     const ScriptText* script_;
     DiagnosticSink* sink_;

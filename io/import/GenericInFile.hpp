@@ -42,6 +42,11 @@ public:
         reader_->fillMemoryBuffer(buffer);
     }
 
+    std::optional<Buffer::Overlap> findOverlap(bool isDifferent) const override {
+        return reader_->findOverlap(isDifferent);
+    }
+    void preferFirst() override { reader_->preferFirst(); }
+
     InFileType type() const { return fileType_; }
 
 private:

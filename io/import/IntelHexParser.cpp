@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "io/import/HexRecordSyntax.hpp"
-#include "util/crc/GenericCrc.hpp"
 #include "util/records/Records.hpp"
 
 namespace Io::Import {
@@ -31,10 +30,10 @@ auto recordSyntax(RecordBytes& bytes) {
 class IntelHexParser::Syntax {
 public:
     /// The record that `line` is, or nothing.
-    std::optional<Record> match(std::string_view line) {
+    std::optional<IntelRecord> match(std::string_view line) {
         if (!matchesLine(line, syntax_, bytes_)) return std::nullopt;
         const std::span<const std::uint8_t> all(bytes_.bytes.data(), bytes_.size);
-        return Record{all.first(all.size() - 1), all.back()};
+        return IntelRecord{all.first(all.size() - 1), all.back()};
     }
 
 private:
@@ -64,56 +63,33 @@ void IntelHexParser::takeAhead(TextLines& lines) {
 }
 
 LineFault IntelHexParser::parseRecord(std::string_view line) {
-    const std::optional<Record> record = syntax_->match(line);
+    const std::optional<IntelRecord> record = syntax_->match(line);
     if (!record) return LineFault::PassedOver;
-    if (!isConsistent(*record) || checksumOf(*record) != record->checksum)
+    if (!isConsistent(*record) || record->computedChecksum() != record->checksum)
         return LineFault::Contradictory;
     storeRecord(*record);
     return LineFault::None;
 }
 
-std::uint8_t IntelHexParser::checksumOf(const Record& record) {
-    using Util::Crc::GenericCrc::crc8TwosComplementSum;
-    // Field by field: a sum across fields would stall on store forwarding.
-    return crc8TwosComplementSum(record.data(), crc8TwosComplementSum(record.head(), 0));
+bool IntelHexParser::isConsistent(const IntelRecord& record) {
+    if (record.type() == IntelRecordType::Data) return true;
+    // An end-of-file record is the last line, which does not come here.
+    if (record.type() == IntelRecordType::EndOfFile) return false;
+    return record.address() == 0 && record.length() == intelDataSize(record.type());
 }
 
-bool IntelHexParser::isConsistent(const Record& record) {
+void IntelHexParser::storeRecord(const IntelRecord& record) {
     switch (record.type()) {
         case IntelRecordType::Data:
-            return true;
-        case IntelRecordType::ExtendedSegmentAddress:
-        case IntelRecordType::ExtendedLinearAddress:
-            return record.address() == 0 && record.length() == 2;
-        case IntelRecordType::StartSegmentAddress:
-        case IntelRecordType::StartLinearAddress:
-            return record.address() == 0 && record.length() == 4;
-        case IntelRecordType::EndOfFile:
-        case IntelRecordType::Unknown:
-            break;
-    }
-    return false;
-}
-
-void IntelHexParser::storeRecord(const Record& record) {
-    constexpr std::uint64_t paragraph = 16;
-    constexpr std::uint64_t page = 65536;
-    const auto data = record.data();
-    switch (record.type()) {
-        case IntelRecordType::Data:
-            parsed_.data.append(segmentBase_ + record.address(), data);
+            parsed_.data.append(segmentBase_ + record.address(), record.data());
             break;
         case IntelRecordType::ExtendedSegmentAddress:
-            segmentBase_ = bigEndian(data) * paragraph;
-            break;
         case IntelRecordType::ExtendedLinearAddress:
-            segmentBase_ = bigEndian(data) * page;
+            segmentBase_ = record.base();
             break;
         case IntelRecordType::StartSegmentAddress:
-            parsed_.startAddress = bigEndian(data.first(2)) * paragraph + bigEndian(data.last(2));
-            break;
         case IntelRecordType::StartLinearAddress:
-            parsed_.startAddress = bigEndian(data);
+            parsed_.startAddress = record.startAddress();
             break;
         case IntelRecordType::EndOfFile:
         case IntelRecordType::Unknown:

@@ -48,23 +48,11 @@ public:
 private:
     class Syntax;
     /// One record, its checksum byte left out of `bytes`.
-    struct Record {
-        std::span<const std::uint8_t> bytes;
-        std::uint8_t checksum;
-
-        std::uint32_t length() const { return bytes[0]; }
-        std::uint32_t address() const { return bytes[1] * 256U + bytes[2]; }
-        IntelRecordType type() const { return intelRecordType(bytes[3]); }
-        std::span<const std::uint8_t> head() const { return bytes.first(4); }
-        std::span<const std::uint8_t> data() const { return bytes.subspan(4); }
-    };
-
     void takeLast(std::string_view line);
     void takeRecord(const TextLines& lines);
     LineFault parseRecord(std::string_view line);
-    static std::uint8_t checksumOf(const Record& record);
-    static bool isConsistent(const Record& record);
-    void storeRecord(const Record& record);
+    static bool isConsistent(const IntelRecord& record);
+    void storeRecord(const IntelRecord& record);
 
     std::unique_ptr<Syntax> syntax_;
     /// Base address in force, from the last extended address record.

@@ -1,11 +1,10 @@
 #include "io/import/MotorolaS_Parser.hpp"
 
-#include <array>
 #include <span>
 
 #include "io/SRecord.hpp"
 #include "io/import/HexRecordSyntax.hpp"
-#include "util/crc/GenericCrc.hpp"
+#include "util/BigEndian.hpp"
 #include "util/records/Records.hpp"
 
 namespace Io::Import {
@@ -17,15 +16,9 @@ constexpr std::size_t unknownSize = 255;
 /// What an S0 record must hold: ten characters of module name, version and revision.
 constexpr std::size_t headerSize = 12;
 
-using enum SRecordType;
-/// The kind of record for each type digit.
-constexpr std::array<SRecordType, 16> typesOfDigits{
-    S0, S1, S2,      S3,      Unknown, S5,      Unknown, S7,
-    S8, S9, Unknown, Unknown, Unknown, Unknown, Unknown, Unknown};
-
+/// Bytes of the address field, by which a record of an unknown kind is matched as well.
 std::size_t addressSizeOf(SRecordType type) {
-    constexpr std::array<std::size_t, 9> sizes{2, 2, 3, 4, 2, 4, 3, 2, unknownSize};
-    return sizes[static_cast<std::size_t>(type)];
+    return type == SRecordType::Unknown ? unknownSize : sRecordAddressSize(type);
 }
 
 /// The big-endian number that `bytes` form, however many they are, is `number`.
@@ -44,15 +37,8 @@ struct MotorolaS_Parser::Record {
     std::size_t dataSize = 0;
     RecordBytes all;  ///< count, address, data and checksum
 
+    SRecord view() const { return {{all.bytes.data(), all.size}, addressSize}; }
     std::uint8_t count() const { return all.bytes.front(); }
-    std::span<const std::uint8_t> countField() const { return bytes(0, 1); }
-    std::span<const std::uint8_t> address() const { return bytes(1, addressSize); }
-    std::span<const std::uint8_t> data() const { return bytes(1 + addressSize, dataSize); }
-    std::uint8_t checksum() const { return all.bytes[all.size - 1]; }
-
-    std::span<const std::uint8_t> bytes(std::size_t at, std::size_t size) const {
-        return {all.bytes.data() + at, size};
-    }
 
     /// The count leaves no room for data.
     bool isCountLow() const { return count() <= addressSize; }
@@ -73,7 +59,7 @@ auto recordSyntax(Record& record) {
     const auto address = [&record] { return record.addressSize; };
     // Together, since a call for a single byte costs as much as one for sixteen.
     const auto dataAndChecksum = [&record] { return record.dataSize + 1; };
-    const auto setType = [&record](std::uint32_t digit) { record.type = typesOfDigits[digit]; };
+    const auto setType = [&record](std::uint32_t digit) { record.type = sRecordType(digit); };
     const auto setSizes = [&record](const char* /*first*/, const char* /*last*/) {
         record.setSizes();
     };
@@ -128,11 +114,8 @@ LineFault MotorolaS_Parser::parseRecord(std::string_view line) {
 }
 
 bool MotorolaS_Parser::isConsistent(const Record& record) const {
-    using Util::Crc::GenericCrc::crc8OnesComplementSum;
-    // Field by field: a sum across fields would stall on store forwarding.
-    std::uint8_t checksum = crc8OnesComplementSum(record.countField(), 0xFF);
-    checksum = crc8OnesComplementSum(record.address(), checksum);
-    if (crc8OnesComplementSum(record.data(), checksum) != record.checksum()) return false;
+    const SRecord bytes = record.view();
+    if (bytes.computedChecksum() != bytes.checksum()) return false;
     switch (record.type) {
         case SRecordType::S0:
             return record.dataSize >= headerSize;
@@ -141,7 +124,7 @@ bool MotorolaS_Parser::isConsistent(const Record& record) const {
         case SRecordType::S3:
             return true;
         case SRecordType::S5:
-            return isNumber(record.data(), dataRecordCount_);
+            return isNumber(bytes.data(), dataRecordCount_);
         case SRecordType::S7:
         case SRecordType::S8:
         case SRecordType::S9:
@@ -153,17 +136,18 @@ bool MotorolaS_Parser::isConsistent(const Record& record) const {
 }
 
 void MotorolaS_Parser::storeRecord(const Record& record) {
+    const SRecord bytes = record.view();
     switch (record.type) {
         case SRecordType::S1:
         case SRecordType::S2:
         case SRecordType::S3:
             ++dataRecordCount_;
-            parsed_.data.append(bigEndian(record.address()), record.data());
+            parsed_.data.append(Util::bigEndian(bytes.address()), bytes.data());
             break;
         case SRecordType::S7:
         case SRecordType::S8:
         case SRecordType::S9:
-            parsed_.startAddress = bigEndian(record.address());
+            parsed_.startAddress = Util::bigEndian(bytes.address());
             break;
         case SRecordType::S5:
             dataRecordCount_ = 0;

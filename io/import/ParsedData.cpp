@@ -30,14 +30,16 @@ void ParsedData::clear() {
 
 void ParsedData::finish() {
     dataLength_ = empty() ? 0 : span().length;
-    if (!isAscending_) visible_ = visibleParts();
+    if (!isAscending_) visible_ = visibleParts(false);
 }
 
 /// Sweeps over the addresses, from one at which a run begins or ends to the next. In between, the
-/// latest of the runs that have begun and not ended is visible.
-std::vector<ParsedData::Run> ParsedData::visibleParts() const {
-    const auto isEarlier = [](const Run& a, const Run& b) { return a.offset < b.offset; };
-    std::priority_queue<Run, std::vector<Run>, decltype(isEarlier)> begun(isEarlier);
+/// latest of the runs that have begun and not ended is visible, or the earliest of them.
+std::vector<ParsedData::Run> ParsedData::visibleParts(bool isFirstVisible) const {
+    const auto isHidden = [isFirstVisible](const Run& a, const Run& b) {
+        return isFirstVisible ? a.offset > b.offset : a.offset < b.offset;
+    };
+    std::priority_queue<Run, std::vector<Run>, decltype(isHidden)> begun(isHidden);
     std::vector<Run> sorted = runs_;
     std::ranges::sort(sorted, {}, [](const Run& run) { return run.area.start; });
     std::vector<Run> parts;
@@ -46,14 +48,18 @@ std::vector<ParsedData::Run> ParsedData::visibleParts() const {
     for (auto next = sorted.begin(); next != sorted.end() || !begun.empty();) {
         if (begun.empty()) at = next->area.start;
         for (; next != sorted.end() && next->area.start == at; ++next) begun.push(*next);
-        const Run& latest = begun.top();
-        std::uint64_t end = latest.area.end();
+        const Run& top = begun.top();
+        std::uint64_t end = top.area.end();
         if (next != sorted.end()) end = std::min(end, next->area.start);
-        parts.push_back({{at, end - at}, latest.offset + (at - latest.area.start)});
+        parts.push_back({{at, end - at}, top.offset + (at - top.area.start)});
         at = end;
         while (!begun.empty() && begun.top().area.end() <= at) begun.pop();
     }
     return parts;
+}
+
+void ParsedData::preferFirst() {
+    if (!isAscending_) visible_ = visibleParts(true);
 }
 
 Buffer::MemoryBuffer ParsedData::imageOf(const Buffer::Area& range) const {
@@ -61,10 +67,16 @@ Buffer::MemoryBuffer ParsedData::imageOf(const Buffer::Area& range) const {
     const std::vector<Run>& runs = isAscending_ ? runs_ : visible_;
     auto run = std::ranges::partition_point(
         runs, [&range](const Run& earlier) { return earlier.area.end() <= range.start; });
-    const auto* const first = reinterpret_cast<const std::uint8_t*>(bytes_.data());
     for (; run != runs.end() && run->area.start < range.end(); ++run)
-        image.overlayBytes({first + run->offset, run->area.length}, run->area.start);
+        image.overlayBytes(bytesOf(*run), run->area.start);
     return image;
+}
+
+bool ParsedData::hasOverlaps() const {
+    if (isAscending_) return false;
+    std::uint64_t visibleBytes = 0;
+    for (const Run& part : visible_) visibleBytes += part.area.length;
+    return visibleBytes != size_;
 }
 
 Buffer::MemoryBuffer ParsedData::getMemory(std::uint64_t startAddress,

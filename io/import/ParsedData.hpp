@@ -20,6 +20,12 @@ namespace Io::Import {
 /// Bytes that follow each other in the file and in the address space are kept as one run.
 class ParsedData {
 public:
+    /// Bytes that follow each other in the file and in the address space.
+    struct Run {
+        Buffer::Area area;
+        std::size_t offset;  ///< of its first byte among all; a later run of the file has more
+    };
+
     /// @param reader    the format, for reports
     /// @param capacity  an upper bound for the number of bytes, for which memory is reserved when
     ///                  the first one comes
@@ -60,24 +66,36 @@ public:
 
     Buffer::MemoryBuffer getMemory(std::uint64_t startAddress, std::uint64_t dataLength) const;
 
+    /// The same for any range, whether it begins below the data or not.
+    Buffer::MemoryBuffer imageOf(const Buffer::Area& range) const;
+
     /// The image of the whole span, for the last time: data of one run becomes the image and is
     /// discarded here.
     Buffer::MemoryBuffer takeMemory();
     Buffer::AreaList getDataAreas() const;
     void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const;
 
+    /// The runs in the order of the file.
+    const std::vector<Run>& runs() const { return runs_; }
+
+    /// The data of a run.
+    std::span<const std::uint8_t> bytesOf(const Run& run) const {
+        return {reinterpret_cast<const std::uint8_t*>(bytes_.data()) + run.offset, run.area.length};
+    }
+
+    /// An address is given more than once. Known after `finish`.
+    bool hasOverlaps() const;
+
+    /// Lets the first of several bytes for one address count, in place of the last one. Called
+    /// after `finish`.
+    void preferFirst();
+
     /// Four lines about the reader's data, numbers in decimal.
     std::string getInformation() const;
 
 private:
-    struct Run {
-        Buffer::Area area;
-        std::size_t offset;  ///< of its first byte in `bytes_`; a later run of the file has more
-    };
-
     void beginRun(const Buffer::Area& area);
-    std::vector<Run> visibleParts() const;
-    Buffer::MemoryBuffer imageOf(const Buffer::Area& range) const;
+    std::vector<Run> visibleParts(bool isFirstVisible) const;
     Buffer::Area span() const { return {minAddress_, maxAddress_ - minAddress_ + 1}; }
     void report(Facts::ReadOperation operation, const Buffer::Area& requested) const;
 

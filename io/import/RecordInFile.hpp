@@ -6,6 +6,7 @@
 
 #include "io/InFile.hpp"
 #include "io/TextLines.hpp"
+#include "io/import/OverlapSearch.hpp"
 #include "io/import/RecordParser.hpp"
 #include "io/import/TessaronImportApi.hpp"
 
@@ -30,6 +31,10 @@ public:
     void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const override {
         parsedData_.fillMemoryBuffer(buffer);
     }
+    std::optional<Buffer::Overlap> findOverlap(bool isDifferent) const override {
+        return Import::findOverlap(parsedData_, isDifferent);
+    }
+    void preferFirst() override { parsedData_.preferFirst(); }
     std::string getInformation() const { return parsedData_.getInformation(); }
 
 protected:

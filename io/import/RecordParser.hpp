@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "facts/Facts.hpp"
+#include "io/Backoff.hpp"
 #include "io/TextLines.hpp"
 #include "io/import/ParsedData.hpp"
 
@@ -88,7 +89,7 @@ protected:
     template <class Decode>
     std::uint64_t takeDataAhead(TextLines& lines, Decode decode, std::uint64_t base) {
         // The first data record reserves the memory.
-        if (isOver() || parsed_.data.empty()) return 0;
+        if (isOver() || parsed_.data.empty() || !ahead_.isDue()) return 0;
         const std::string_view all = lines.textAhead();
         std::string_view text = all;
         std::uint64_t count = 0;
@@ -103,6 +104,7 @@ protected:
             exhaust();
         }
         lines.skip(all.size() - text.size(), count);
+        ahead_.note(count != 0);
         return count;
     }
 
@@ -113,6 +115,8 @@ private:
         parsed_.data.clear();
         parsed_.isExhausted = true;
     }
+
+    Backoff ahead_;  ///< for files whose records are not perfect
 };
 
 /// Parses the lines that are left.
@@ -124,14 +128,6 @@ Parser parseLines(TextLines& lines) {
         parser.takeAhead(lines);
     }
     return parser;
-}
-
-/// The big-endian number that `bytes` form, modulo 2^64.
-template <class Bytes>
-std::uint64_t bigEndian(const Bytes& bytes) {
-    std::uint64_t number = 0;
-    for (const std::uint8_t byte : bytes) number = number << 8U | byte;
-    return number;
 }
 
 }  // namespace Io::Import

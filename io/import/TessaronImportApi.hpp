@@ -1,11 +1,22 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <vector>
 
 #include "buffer/Area.hpp"
 #include "buffer/MemoryBuffer.hpp"
+#include "buffer/Overlap.hpp"
 
 namespace Io::Import {
+
+/// Data that follows each other in the file and in the address space, and the lines that give it.
+struct SourceRun {
+    Buffer::Area area;
+    std::uint64_t firstLine;  ///< counted from 1; 0 in a file without lines
+    std::uint64_t lastLine;
+    bool operator==(const SourceRun&) const = default;
+};
 
 /// A file as a set of addressed bytes, whatever its format. A reader parses the whole file in its
 /// constructor, which reports what is wrong with it; all other operations are queries. A reader of
@@ -48,6 +59,22 @@ public:
     /// default elements for what the file lacks. Refused with a report unless the whole range lies
     /// in the file's span.
     virtual void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const = 0;
+
+    /// The runs of the data in the order of the file, of which the last that has an address counts.
+    /// Empty if the reader keeps no lines.
+    virtual std::vector<SourceRun> getSourceRuns() const { return {}; }
+
+    /// The first range that the file gives a second time, in the order in which it does so.
+    ///
+    /// @param isDifferent  with other bytes
+    virtual std::optional<Buffer::Overlap> findOverlap(bool /*isDifferent*/) const { return {}; }
+
+    /// Lets the first of several bytes for one address count from now on, in place of the last one.
+    virtual void preferFirst() {}
+
+    /// The line that gave the byte that counts at `address`, counted from 1; 0 if none did or the
+    /// reader keeps no lines. Reads a part of the file once more.
+    virtual std::uint64_t findLine(std::uint64_t /*address*/) const { return 0; }
 
     virtual ~TessaronImportApi() = default;
 };

@@ -5,6 +5,8 @@
 
 #include "buffer/Area.hpp"
 #include "buffer/MemoryBuffer.hpp"
+#include "io/import/InputReading.hpp"
+#include "parser/commands/ImageObserver.hpp"
 #include "util/crc/ByteList.hpp"
 
 namespace Parser::WrapperLib {
@@ -13,13 +15,18 @@ using Buffer::Area;
 using Buffer::AreaList;
 using Util::Crc::ByteList;
 
-/// What the statements of one run share, by name. An entry is inserted once: a second one of the
-/// same name changes nothing, and none is replaced or removed during a run.
+/// What the statements of one run share: what they have made, by name, and the choices of the front
+/// end. An entry is inserted once: a second one of the same name changes nothing, and none is
+/// replaced or removed during a run.
 struct CmdContext {
     std::map<std::string, std::string> variables;         ///< text replacements of the script
     std::map<std::string, ByteList> crcs;                 ///< made by NEW_CRC
     std::map<std::string, ByteList> hashes;               ///< made by NEW_HASH
     std::map<std::string, Buffer::MemoryBuffer> buffers;  ///< made by NEW_BUFFER
+    /// How FROM_FILE reads, borrowed.
+    const Io::Import::InputReading* reading = &Io::Import::classicReading();
+    /// Learns what goes into the images, borrowed; null for nobody.
+    ImageObserver* observer = nullptr;
 };
 
 }  // namespace Parser::WrapperLib

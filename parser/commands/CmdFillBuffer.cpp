@@ -48,24 +48,24 @@ bool CmdFillBuffer::fill(CmdContext& context) {
     if (buffer == nullptr) return false;
     switch (fillKind_) {
         case FillKind::FillFiller:
-            fillClipped(*buffer, &Buffer::MemoryBuffer::fillPattern);
+            fillClipped(context, *buffer, &Buffer::MemoryBuffer::fillPattern);
             return true;
         case FillKind::FillValues:
-            fillClipped(*buffer, &Buffer::MemoryBuffer::writePattern);
+            fillClipped(context, *buffer, &Buffer::MemoryBuffer::writePattern);
             return true;
         case FillKind::FillString:
-            writeOnce(*buffer);
+            writeOnce(context, *buffer);
             return true;
         case FillKind::FillCrc: {
             const ByteList* const crc = findCrc(context, crcName_);
             if (crc == nullptr) return false;
-            writeUnclipped(*buffer, inOrderOf(*buffer, *crc));
+            writeUnclipped(context, *buffer, inOrderOf(*buffer, *crc));
             return true;
         }
         case FillKind::FillHash: {
             const ByteList* const hash = findHash(context, hashName_);
             if (hash == nullptr) return false;
-            writeUnclipped(*buffer, *hash);
+            writeUnclipped(context, *buffer, *hash);
             return true;
         }
         case FillKind::FillNone:
@@ -75,26 +75,42 @@ bool CmdFillBuffer::fill(CmdContext& context) {
 }
 
 /// Fills the areas as far as they lie in the image.
-void CmdFillBuffer::fillClipped(Buffer::MemoryBuffer& buffer, Fill operation) const {
+void CmdFillBuffer::fillClipped(CmdContext& context, Buffer::MemoryBuffer& buffer,
+                                Fill operation) const {
     const ByteList pattern = lowBytes(values_);
     const Area image = buffer.getArea();
-    if (areas_.empty()) (buffer.*operation)(pattern, image.start, image.length);
+    if (areas_.empty()) put(context, buffer, operation, pattern, image);
     for (const Area& area : areas_)
         if (const auto part = area.clippedTo(image))
-            (buffer.*operation)(pattern, part->start, part->length);
+            put(context, buffer, operation, pattern, *part);
 }
 
 /// Writes the pattern once at the start of each area, whatever the area's length.
-void CmdFillBuffer::writeOnce(Buffer::MemoryBuffer& buffer) const {
+void CmdFillBuffer::writeOnce(CmdContext& context, Buffer::MemoryBuffer& buffer) const {
     const ByteList pattern = lowBytes(values_);
-    for (const Area& area : areas_) buffer.writePattern(pattern, area.start, pattern.size());
+    for (const Area& area : areas_)
+        put(context, buffer, &Buffer::MemoryBuffer::writePattern, pattern,
+            {area.start, pattern.size()});
 }
 
 /// Writes the pattern over the areas, which the image refuses if they leave it.
-void CmdFillBuffer::writeUnclipped(Buffer::MemoryBuffer& buffer, const ByteList& pattern) const {
-    const Area image = buffer.getArea();
-    if (areas_.empty()) buffer.writePattern(pattern, image.start, image.length);
-    for (const Area& area : areas_) buffer.writePattern(pattern, area.start, area.length);
+void CmdFillBuffer::writeUnclipped(CmdContext& context, Buffer::MemoryBuffer& buffer,
+                                   const ByteList& pattern) const {
+    constexpr Fill write = &Buffer::MemoryBuffer::writePattern;
+    if (areas_.empty()) put(context, buffer, write, pattern, buffer.getArea());
+    for (const Area& area : areas_) put(context, buffer, write, pattern, area);
+}
+
+/// Does the operation, and shows it to the observer unless the image refuses it.
+void CmdFillBuffer::put(CmdContext& context, Buffer::MemoryBuffer& buffer, Fill operation,
+                        const ByteList& pattern, const Area& area) {
+    (buffer.*operation)(pattern, area.start, area.length);
+    const bool isDone = !pattern.empty() && buffer.getArea().contains(area);
+    if (!isDone || context.observer == nullptr) return;
+    if (operation == static_cast<Fill>(&Buffer::MemoryBuffer::fillPattern))
+        context.observer->onFill(buffer, area);
+    else
+        context.observer->onWrite(buffer, area);
 }
 
 ByteList CmdFillBuffer::inOrderOf(const Buffer::MemoryBuffer& buffer, ByteList crc) const {

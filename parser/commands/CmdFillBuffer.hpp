@@ -44,9 +44,12 @@ private:
                                                 std::uint64_t start, std::uint64_t numberOfBytes);
 
     bool fill(CmdContext& context);
-    void fillClipped(Buffer::MemoryBuffer& buffer, Fill operation) const;
-    void writeOnce(Buffer::MemoryBuffer& buffer) const;
-    void writeUnclipped(Buffer::MemoryBuffer& buffer, const ByteList& pattern) const;
+    void fillClipped(CmdContext& context, Buffer::MemoryBuffer& buffer, Fill operation) const;
+    void writeOnce(CmdContext& context, Buffer::MemoryBuffer& buffer) const;
+    void writeUnclipped(CmdContext& context, Buffer::MemoryBuffer& buffer,
+                        const ByteList& pattern) const;
+    static void put(CmdContext& context, Buffer::MemoryBuffer& buffer, Fill operation,
+                    const ByteList& pattern, const Area& area);
     ByteList inOrderOf(const Buffer::MemoryBuffer& buffer, ByteList crc) const;
 
     std::string bufferName_;

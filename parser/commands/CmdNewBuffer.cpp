@@ -14,6 +14,7 @@ namespace Parser::WrapperLib {
 namespace {
 
 using Buffer::MemoryBuffer;
+using Buffer::OverlapRule;
 using Io::Import::GenericInFile;
 using Io::Import::TessaronImportApi;
 
@@ -103,8 +104,12 @@ bool CmdNewBuffer::execute(CmdContext& context) {
         std::optional<MemoryBuffer> result = build(context);
         if (!result) return false;
         result->setByteOrder(byteOrder_);
+        const std::uint64_t built = result->getStartAddress();
         if (hasNewStartAddress_) result->setStartingAddress(newStartAddress_);
-        context.buffers.try_emplace(bufferName_, std::move(*result));
+        const std::uint64_t distance = result->getStartAddress() - built;
+        const auto [entry, isNew] = context.buffers.try_emplace(bufferName_, std::move(*result));
+        if (isNew && context.observer != nullptr)
+            context.observer->onMade(bufferName_, entry->second, distance);
         return true;
     });
 }
@@ -120,9 +125,9 @@ std::optional<MemoryBuffer> CmdNewBuffer::build(CmdContext& context) const {
         case BufferSourceKind::SourceBuffers:
             return fromBuffers(context, range);
         case BufferSourceKind::SourceFile:
-            return fromFile(range);
+            return fromFile(context, range);
         case BufferSourceKind::SourceValues:
-            return fromValues(range);
+            return fromValues(context, range);
         case BufferSourceKind::SourceEmpty:
             break;
     }
@@ -131,7 +136,7 @@ std::optional<MemoryBuffer> CmdNewBuffer::build(CmdContext& context) const {
 
 std::optional<MemoryBuffer> CmdNewBuffer::fromBuffers(CmdContext& context, Area range) const {
     std::deque<MemoryBuffer> extracts;
-    std::deque<const MemoryBuffer*> parts;
+    std::deque<const MemoryBuffer*> parts;  // one for each name
     for (const std::string& name : sourceBuffers_) {
         const MemoryBuffer* const source = findBuffer(context, name);
         if (source == nullptr) return std::nullopt;
@@ -146,28 +151,61 @@ std::optional<MemoryBuffer> CmdNewBuffer::fromBuffers(CmdContext& context, Area 
         range = extent.range();
     }
     MemoryBuffer result(range.start, range.length);
-    for (const MemoryBuffer* part : parts) result.overlay(*part);
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        if (context.observer != nullptr)
+            context.observer->onOverlay(result, sourceBuffers_[i], *parts[i]);
+        if (!lay(result, *parts[i], sourceBuffers_[i])) return std::nullopt;
+    }
     return result;
 }
 
-std::optional<MemoryBuffer> CmdNewBuffer::fromFile(Area range) const {
+bool CmdNewBuffer::lay(MemoryBuffer& result, const MemoryBuffer& part,
+                       const std::string& source) const {
+    if (overlapRule_ == OverlapRule::NotSet) {
+        result.overlay(part);
+        return true;
+    }
+    if (isRefusing())
+        for (const Buffer::Overlap& overlap : Buffer::overlaps(result, part))
+            if (refuses(overlap, source)) return false;
+    result.merge(part, overlapRule_ == OverlapRule::First);
+    return true;
+}
+
+bool CmdNewBuffer::refuses(const Buffer::Overlap& overlap, const std::string& source) const {
+    const bool isDifferent = overlap.differences != 0;
+    if (overlapRule_ == OverlapRule::Same && !isDifferent) return false;
+    Facts::report(Facts::OverlapRefused{bufferName_, source, overlap.area.start, overlap.area.end(),
+                                        isDifferent,
+                                        isDifferent ? overlap.firstDifference : overlap.area.start,
+                                        overlap.earlier, overlap.later});
+    return true;
+}
+
+std::optional<MemoryBuffer> CmdNewBuffer::fromFile(const CmdContext& context, Area range) const {
     try {
-        return readFile(range);
+        return readFile(context, range);
     } catch (const std::exception&) {
         Facts::report(Facts::FileNotOpened{fileName_});
         return std::nullopt;
     }
 }
 
-std::optional<MemoryBuffer> CmdNewBuffer::readFile(Area range) const {
+std::optional<MemoryBuffer> CmdNewBuffer::readFile(const CmdContext& context, Area range) const {
     const std::unique_ptr<TessaronImportApi> reader =
         isRawFile_ ? std::make_unique<GenericInFile>(fileName_.c_str(), Io::Import::rawBinary)
-                   : std::make_unique<GenericInFile>(fileName_.c_str());
+                   : context.reading->open(fileName_.c_str(), overlapRule_);
+    if (!reader) return std::nullopt;
     if (!isGiven(range)) range = {reader->getMinAddress(), reader->getDataLength()};
     if (!isRawFile_ && range.length > longestFile) {
         Facts::report(Facts::FileSpanTooLong{range.length});
         return std::nullopt;
     }
+    if (overlapRule_ == OverlapRule::First) reader->preferFirst();
+    if (isRefusing())
+        if (const auto overlap = reader->findOverlap(overlapRule_ == OverlapRule::Same))
+            if (refuses(*overlap, fileName_)) return std::nullopt;
+    if (context.observer != nullptr) context.observer->onRead(*reader, range);
     MemoryBuffer result(range.start, range.length);
     if (areas_.empty()) overlayOrReplace(result, reader->takeMemory());
     for (const Area& area : areas_)
@@ -175,11 +213,15 @@ std::optional<MemoryBuffer> CmdNewBuffer::readFile(Area range) const {
     return result;
 }
 
-MemoryBuffer CmdNewBuffer::fromValues(Area range) const {
+MemoryBuffer CmdNewBuffer::fromValues(const CmdContext& context, Area range) const {
     const ByteList bytes = lowBytes(values_);
     MemoryBuffer source(0, bytes.size());
     source.writePattern(bytes, 0, bytes.size());
-    return extractAreas(source, areas_, range);
+    MemoryBuffer result = extractAreas(source, areas_, range);
+    if (context.observer != nullptr)
+        for (const Area& area : Buffer::writtenAreas(result, result.getArea()))
+            context.observer->onWrite(result, area);
+    return result;
 }
 
 }  // namespace Parser::WrapperLib

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "buffer/MemoryBuffer.hpp"
+#include "buffer/Overlap.hpp"
 #include "parser/commands/CmdApi.hpp"
 
 namespace Parser::WrapperLib {
@@ -37,9 +38,13 @@ public:
     void setByteOrder(Buffer::ByteOrder order) { byteOrder_ = order; }
     void setBufferRange(const Area& range) { bufferRange_ = range; }
     void addArea(const Area& area) { areas_.push_back(area); }
+    void setOverlapRule(Buffer::OverlapRule rule) { overlapRule_ = rule; }
 
     const std::string& bufferName() const { return bufferName_; }
     BufferSourceKind sourceKind() const { return sourceKind_; }
+    const std::string& fileName() const { return fileName_; }
+    const AreaList& areas() const { return areas_; }
+    Buffer::OverlapRule overlapRule() const { return overlapRule_; }
 
     bool execute(CmdContext& context) override;
     std::uint32_t getCmdType() const override { return number(CmdType::NewBuffer); }
@@ -48,9 +53,19 @@ private:
     /// The image of the statement's source, or nothing after a report.
     std::optional<Buffer::MemoryBuffer> build(CmdContext& context) const;
     std::optional<Buffer::MemoryBuffer> fromBuffers(CmdContext& context, Area range) const;
-    std::optional<Buffer::MemoryBuffer> fromFile(Area range) const;
-    std::optional<Buffer::MemoryBuffer> readFile(Area range) const;
-    Buffer::MemoryBuffer fromValues(Area range) const;
+    std::optional<Buffer::MemoryBuffer> fromFile(const CmdContext& context, Area range) const;
+    std::optional<Buffer::MemoryBuffer> readFile(const CmdContext& context, Area range) const;
+    Buffer::MemoryBuffer fromValues(const CmdContext& context, Area range) const;
+
+    /// Lays `part` over `result` by the statement's rule. False, after a report, if the rule
+    /// refuses that.
+    bool lay(Buffer::MemoryBuffer& result, const Buffer::MemoryBuffer& part,
+             const std::string& source) const;
+    bool isRefusing() const {
+        return overlapRule_ == Buffer::OverlapRule::Same ||
+               overlapRule_ == Buffer::OverlapRule::Error;
+    }
+    bool refuses(const Buffer::Overlap& overlap, const std::string& source) const;
 
     std::string bufferName_;
     std::uint64_t newStartAddress_ = 0;
@@ -61,6 +76,7 @@ private:
     Buffer::ByteOrder byteOrder_ = Buffer::ByteOrder::NotSet;
     Area bufferRange_;
     AreaList areas_;
+    Buffer::OverlapRule overlapRule_ = Buffer::OverlapRule::NotSet;
     std::vector<std::uint32_t> values_;
     std::vector<std::string> sourceBuffers_;
 };

@@ -5,6 +5,7 @@
 
 namespace Parser {
 
+using Buffer::OverlapRule;
 using WrapperLib::CmdNewBuffer;
 
 namespace {
@@ -28,8 +29,8 @@ struct NewBufferRules final : StatementRules {
               rules.valueList[on.values("SetHexList -> ", &CmdNewBuffer::setValues)]) |
              buffersSource(rules, on, "AddBufferAsSource -> ", &CmdNewBuffer::addSourceBuffer)) >>
             rules.ws;
-        newOptions =
-            *(newStartAddressOption | newByteOrderOption | newAreasOption | bufferRangeOption);
+        newOptions = *(newStartAddressOption | newByteOrderOption | newAreasOption |
+                       bufferRangeOption | overlapOption);
         newStartAddressOption = startAddressSetting[on.number("SetStartAddress -> ",
                                                               &CmdNewBuffer::setNewStartAddress)] >>
                                 rules.ws;
@@ -39,10 +40,19 @@ struct NewBufferRules final : StatementRules {
         bufferRangeOption =
             rules.keyword("-useBufferRange") >> rules.equals >>
             rules.area[on.area("SetBufferRange -> ", &CmdNewBuffer::setBufferRange)] >> rules.ws;
+        const auto rule = [&](const char* word, const char* trace, OverlapRule value) {
+            return rules.keyword(word)[on.constant(trace, &CmdNewBuffer::setOverlapRule, value)];
+        };
+        overlapOption = rules.keyword("-onOverlap") >> rules.equals >>
+                        (rule("Last", "SetOnOverlap_Last -> ", OverlapRule::Last) |
+                         rule("First", "SetOnOverlap_First -> ", OverlapRule::First) |
+                         rule("Same", "SetOnOverlap_Same -> ", OverlapRule::Same) |
+                         rule("Error", "SetOnOverlap_Error -> ", OverlapRule::Error)) >>
+                        rules.ws;
     }
 
     Rule newSource, newOptions, newStartAddressOption, startAddressSetting, newByteOrderOption,
-        newAreasOption, bufferRangeOption;
+        newAreasOption, bufferRangeOption, overlapOption;
 };
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <numeric>
 
@@ -13,7 +14,8 @@ public:
     std::uint64_t readFields(const char* digits, const char* checksumDigits) {
         std::array<std::uint8_t, Bytes> bytes{};
         std::uint8_t checksum = 0;
-        areDigits_ = readHex(bytes.data(), digits, Bytes) && readHex(&checksum, checksumDigits, 1);
+        read(bytes.data(), digits, Bytes);
+        read(&checksum, checksumDigits, 1);
         add(bytes);
         add({&checksum, 1});
         std::uint64_t fields = 0;
@@ -22,7 +24,7 @@ public:
     }
 
     void readData(std::uint8_t* out, const char* digits, std::size_t size) {
-        areDigits_ = areDigits_ && readHex(out, digits, size);
+        read(out, digits, size);
         add({out, size});
     }
 
@@ -44,6 +46,12 @@ public:
     std::uint8_t sum() const { return static_cast<std::uint8_t>(sum_); }
 
 private:
+    void read(std::uint8_t* out, const char* digits, std::size_t count) {
+        const auto isLower = [](char digit) { return digit >= 'a'; };
+        areDigits_ = areDigits_ && readHex(out, digits, count) &&
+                     std::none_of(digits, digits + 2 * count, isLower);
+    }
+
     void add(std::span<const std::uint8_t> bytes) {
         sum_ = std::accumulate(bytes.begin(), bytes.end(), sum_);
     }

@@ -33,10 +33,10 @@ struct DataRun {
 /// The functions in portable C++, the reference for those in vectors.
 ///
 /// `decodeIntel` takes records of type 00 off the front of `text`, `decodeS` records of one of the
-/// types S1, S2 and S3. Each of them is perfect: upper- or lower-case digits, a count that fits, a
-/// correct checksum, a line feed or a carriage return and a line feed right after it, and at least
-/// `textSlack` characters after its checksum. Their data goes to `out`, which has room for half the
-/// text and for `dataSlack` more; beyond the data, its content is unspecified.
+/// types S1, S2 and S3. Each of them is perfect: upper-case digits, a count that fits, at least one
+/// byte of data, a correct checksum, a line feed or a carriage return and a line feed right after
+/// it, and at least `textSlack` characters after its checksum. Their data goes to `out`, which has
+/// room for half the text and for `dataSlack` more; beyond the data, its content is unspecified.
 ///
 /// `encodeIntel` and `encodeS` write a record and a line feed to `out`, which has room for it and
 /// for `textSlack` more, and return the position after it. The count field takes the low eight bits

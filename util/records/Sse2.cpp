@@ -41,15 +41,14 @@ __m128i onlyDigits(__m128i characters, __m128i mask) {
                         _mm_andnot_si128(mask, _mm_set1_epi8('0')));
 }
 
-/// The values of 16 digits, above 15 in each lane without a digit.
+/// The values of 16 upper-case digits, above 15 in each lane without a digit.
 __m128i valuesOf(__m128i digits) {
     // 0 to 9 become 0xF6 to 0xFF, where whatever is lower saturates to values above 15.
     const __m128i high = _mm_add_epi8(digits, _mm_set1_epi8(static_cast<char>(0xFF - '9')));
     const __m128i decimal =
         _mm_sub_epi8(_mm_subs_epu8(high, _mm_set1_epi8(6)), _mm_set1_epi8(static_cast<char>(0xF0)));
-    const __m128i upper = _mm_and_si128(digits, _mm_set1_epi8(static_cast<char>(~('a' ^ 'A'))));
     const __m128i letter =
-        _mm_adds_epu8(_mm_sub_epi8(upper, _mm_set1_epi8('A')), _mm_set1_epi8(10));
+        _mm_adds_epu8(_mm_sub_epi8(digits, _mm_set1_epi8('A')), _mm_set1_epi8(10));
     return _mm_min_epu8(decimal, letter);
 }
 

@@ -73,7 +73,7 @@ template <class Lanes, Layout Form>
                                                 std::uint8_t* out) {
     // Locate
     const std::size_t count = lastCount.at(text.data() + Form.fieldsAt);
-    if (count < Form.countedExtra) return {};
+    if (count <= Form.countedExtra) return {};
     const std::size_t dataSize = count - Form.countedExtra;
     const std::size_t dataAt = Form.fieldsAt + 2 * Form.fieldBytes();
     const std::size_t checksumAt = dataAt + 2 * dataSize;

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "io/import/ParsedData.hpp"
+#include "io/import/TessaronImportApi.hpp"
+
+namespace Io::Field {
+
+/// The data of a file and the lines that gave it.
+class FieldData {
+public:
+    FieldData(Facts::InputFormat format, std::size_t capacity) : bytes_(format, capacity) {}
+
+    /// Appends `bytes`, which line `number` has for the addresses from `address` on.
+    void append(std::uint64_t address, std::span<const std::uint8_t> bytes, std::uint64_t number) {
+        if (bytes.empty()) return;
+        bytes_.append(address, bytes);
+        noteLines(address, bytes.size(), number, number);
+    }
+
+    /// Appends the first `size` bytes in the room of `bytes`, which the lines from `first` to
+    /// `last` have for the addresses from `address` on.
+    void appendInPlace(std::uint64_t address, std::size_t size, std::uint64_t first,
+                       std::uint64_t last) {
+        bytes_.appendInPlace(address, size);
+        noteLines(address, size, first, last);
+    }
+
+    /// Discards all data and gives its memory back.
+    void clear() {
+        bytes_.clear();
+        sources_ = {};
+    }
+
+    Import::ParsedData& bytes() { return bytes_; }
+    const Import::ParsedData& bytes() const { return bytes_; }
+
+    /// The runs of the data in the order of the file; they stay when the bytes are taken.
+    const std::vector<Import::SourceRun>& sources() const { return sources_; }
+
+private:
+    void noteLines(std::uint64_t address, std::size_t size, std::uint64_t first,
+                   std::uint64_t last) {
+        if (bytes_.runs().size() != sources_.size())
+            sources_.push_back({{address, 0}, first, last});
+        sources_.back().area.length += size;
+        sources_.back().lastLine = last;
+    }
+
+    Import::ParsedData bytes_;
+    std::vector<Import::SourceRun> sources_;
+};
+
+}  // namespace Io::Field

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "facts/FieldFacts.hpp"
+#include "io/InFile.hpp"
+#include "io/field/FieldParser.hpp"
+#include "io/import/OverlapSearch.hpp"
+#include "io/import/TessaronImportApi.hpp"
+
+namespace Io::Field {
+
+/// A text file as it is in the field. The constructor reports what is wrong and odd, and which
+/// addresses the file gives more than once; the last byte counts.
+class FieldInFile final : public TextInFile, public Import::TessaronImportApi {
+public:
+    /// @param file  the open file `path`
+    /// @param rule  overlaps are reported unless it is set
+    /// @throws Io::bad_open  if the file has changed since it was opened
+    FieldInFile(const std::string& path, Platform::InputFile file, Facts::RecordFormat format,
+                Buffer::OverlapRule rule);
+
+    /// A line is damaged, so that the file has no data.
+    bool isDamaged() const { return parser_->isDamaged(); }
+
+    std::uint64_t getMinAddress() const override { return bytes().minAddress(); }
+    std::uint64_t getDataLength() const override { return bytes().dataLength(); }
+    Buffer::MemoryBuffer getMemory() const override {
+        return getMemory(getMinAddress(), getDataLength());
+    }
+    Buffer::MemoryBuffer takeMemory() override { return parser_->data().bytes().takeMemory(); }
+
+    /// A range that begins below the data is not refused: it has no values there.
+    Buffer::MemoryBuffer getMemory(std::uint64_t start, std::uint64_t length) const override;
+    bool hasStartAddress() const override { return parser_->startAddress().has_value(); }
+    std::uint64_t getStartAddress() const override { return parser_->startAddress().value_or(0); }
+    Buffer::AreaList getDataAreas() const override { return bytes().getDataAreas(); }
+    void fillMemoryBuffer(Buffer::MemoryBuffer& buffer) const override {
+        bytes().fillMemoryBuffer(buffer);
+    }
+
+    std::optional<Buffer::Overlap> findOverlap(bool isDifferent) const override {
+        return Import::findOverlap(bytes(), isDifferent);
+    }
+    void preferFirst() override { parser_->data().bytes().preferFirst(); }
+
+    /// They stay when the image is taken.
+    std::vector<Import::SourceRun> getSourceRuns() const override {
+        return parser_->data().sources();
+    }
+    std::uint64_t findLine(std::uint64_t address) const override;
+
+private:
+    const Import::ParsedData& bytes() const { return std::as_const(*parser_).data().bytes(); }
+    void reportOverlaps() const;
+    std::vector<std::uint64_t> linesOf(const std::vector<std::size_t>& offsets) const;
+
+    std::unique_ptr<FieldParser> parser_;
+};
+
+}  // namespace Io::Field

@@ -1,0 +1,114 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "io/Backoff.hpp"
+#include "io/field/FieldData.hpp"
+#include "io/field/FieldLines.hpp"
+#include "io/field/FieldReports.hpp"
+#include "util/records/Records.hpp"
+
+namespace Io::Field {
+
+/// Takes the lines of a text file: reports those that are damaged, counts those that are odd, and
+/// keeps the data of the others. What the text formats have in common is here; a derived class
+/// takes the records.
+class FieldParser {
+public:
+    virtual ~FieldParser() = default;
+    FieldParser(const FieldParser&) = delete;
+    FieldParser& operator=(const FieldParser&) = delete;
+
+    /// Takes all lines and reports what is wrong and odd. Of a damaged file no data is left.
+    void parse(FieldLines& lines);
+
+    bool isDamaged() const { return reports_.isDamaged(); }
+    FieldData& data() { return data_; }
+    const FieldData& data() const { return data_; }
+    std::optional<std::uint64_t> startAddress() const { return startAddress_; }
+
+    /// The number of data bytes of a line, if the file is sound.
+    virtual std::size_t dataSizeOf(std::string_view line) const = 0;
+
+protected:
+    FieldParser(const std::string& file, Facts::RecordFormat format, std::uint64_t fileSize);
+
+    /// Takes a line that begins as a record does. False if it does not.
+    virtual bool takeRecord(std::string_view line) = 0;
+
+    /// Takes perfect data records off the front of `text`, see Util::Records.
+    virtual Util::Records::DataRun decodeRun(std::string_view text, std::uint8_t* out) const = 0;
+
+    /// Counts a run that begins `text` and reports what is odd about its last record, which is the
+    /// current line. Returns the address of its first byte.
+    virtual std::uint64_t useRun(const Util::Records::DataRun& run, std::string_view text) = 0;
+
+    /// Takes a line that is neither a record nor a remark. False if it is no part of the format.
+    virtual bool takeOther(std::string_view /*line*/) { return false; }
+
+    /// Where the digits of a record begin, how many bytes its count leaves out, and how many are in
+    /// front of its data.
+    struct Frame {
+        std::size_t digitsAt;
+        std::size_t uncounted;
+        std::size_t headSize;
+    };
+
+    /// The bytes of a record. Empty, after a report, if the digits are none.
+    std::span<const std::uint8_t> bytesOf(std::string_view line, const Frame& frame);
+
+    void damage(Facts::RecordFault fault, std::uint64_t found = 0, std::uint64_t expected = 0) {
+        reports_.damage(number_, line_, fault, found, expected);
+    }
+    void tolerate(Facts::Tolerance tolerance) { reports_.tolerate(tolerance, number_); }
+
+    /// Keeps the data of the current line, or reports that it comes after the end record.
+    void store(std::uint64_t address, std::span<const std::uint8_t> bytes) {
+        if (!bytes.empty() && !isEnded_ && !isDamaged())
+            data_.append(address, bytes, number_);
+        else
+            refuse(bytes.size());
+    }
+    void setStartAddress(std::uint64_t address) { startAddress_ = address; }
+
+    /// The current line is a record without data.
+    void noteEmptyRecord() {
+        if (isEnded_) tolerate(Facts::Tolerance::RecordAfterEnd);
+    }
+
+    /// The current line is the end record.
+    void end() {
+        noteEmptyRecord();
+        isEnded_ = true;
+    }
+
+private:
+    static constexpr std::size_t mostBytes = 260;  ///< of a record
+
+    void refuse(std::size_t size);
+    void takeLine(std::string_view line);
+    void takeAhead(FieldLines& lines);
+    std::string_view trimmed(std::string_view line);
+    void takeText(std::string_view text);
+    void explainDigits(std::string_view line, const Frame& frame);
+
+    FieldReports reports_;
+    FieldData data_;
+    std::optional<std::uint64_t> startAddress_;
+    std::string_view line_;     ///< the current one, as it is in the file
+    std::uint64_t number_ = 0;  ///< its number
+    bool isEnded_ = false;      ///< an end record was taken
+    /// The first line that only blank lines should follow, or 0, and the byte at its end.
+    char textEnd_ = 0;
+    std::uint64_t textEndLine_ = 0;
+    Backoff ahead_;  ///< for files whose records are not perfect
+    std::array<std::uint8_t, mostBytes> bytes_{};
+};
+
+}  // namespace Io::Field

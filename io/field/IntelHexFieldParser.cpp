@@ -1,0 +1,88 @@
+#include "io/field/IntelHexFieldParser.hpp"
+
+#include <algorithm>
+
+#include "util/Hex.hpp"
+
+namespace Io::Field {
+
+using Facts::RecordFault;
+using Facts::Tolerance;
+
+std::size_t IntelHexFieldParser::dataSizeOf(std::string_view line) const {
+    constexpr std::size_t typeAt = 7;
+    line.remove_prefix(std::min(line.find(':'), line.size()));
+    std::uint8_t count = 0;
+    const bool isData = line.size() > typeAt + 2 && line.substr(typeAt, 2) == "00";
+    return isData && Util::readHex(&count, line.data() + 1, 1) ? count : 0;
+}
+
+bool IntelHexFieldParser::takeRecord(std::string_view line) {
+    if (line.front() != ':') return false;
+    const auto bytes = bytesOf(line, {1, IntelRecord::frameSize, IntelRecord::headSize});
+    if (bytes.empty()) return true;
+    const IntelRecord record{bytes.first(bytes.size() - 1), bytes.back()};
+    const std::uint8_t checksum = record.computedChecksum();
+    if (checksum != record.checksum)
+        damage(RecordFault::Checksum, record.checksum, checksum);
+    else if (record.type() == IntelRecordType::Data)
+        useData(record);
+    else if (isSound(record))
+        use(record);
+    return true;
+}
+
+void IntelHexFieldParser::useData(const IntelRecord& record) {
+    noteBorder(record.address() + record.length());
+    store(base_ + record.address(), record.data());
+}
+
+void IntelHexFieldParser::noteBorder(std::uint64_t end) {
+    constexpr std::uint64_t segmentSize = 0x10000;
+    if (isSegment_ && end > segmentSize) tolerate(Tolerance::SegmentBorder);
+}
+
+std::uint64_t IntelHexFieldParser::useRun(const Util::Records::DataRun& run,
+                                          std::string_view /*text*/) {
+    noteBorder(run.address + run.dataSize);
+    return base_ + run.address;
+}
+
+/// The fields of a record that is not a data record are as its type wants them.
+bool IntelHexFieldParser::isSound(const IntelRecord& record) {
+    const IntelRecordType type = record.type();
+    const auto size = intelDataSize(type);
+    if (!size)
+        damage(RecordFault::Type, record.bytes[3]);
+    else if (record.length() != *size)
+        damage(RecordFault::DataSize, record.length(), *size);
+    else if (type != IntelRecordType::EndOfFile && record.address() != 0)
+        damage(RecordFault::Address, record.address());
+    else
+        return true;
+    return false;
+}
+
+void IntelHexFieldParser::use(const IntelRecord& record) {
+    switch (record.type()) {
+        case IntelRecordType::EndOfFile:
+            if (record.address() != 0) tolerate(Tolerance::EndAddress);
+            end();
+            return;
+        case IntelRecordType::ExtendedSegmentAddress:
+        case IntelRecordType::ExtendedLinearAddress:
+            base_ = record.base();
+            isSegment_ = record.type() == IntelRecordType::ExtendedSegmentAddress;
+            break;
+        case IntelRecordType::StartSegmentAddress:
+        case IntelRecordType::StartLinearAddress:
+            setStartAddress(record.startAddress());
+            break;
+        case IntelRecordType::Data:
+        case IntelRecordType::Unknown:
+            break;
+    }
+    noteEmptyRecord();
+}
+
+}  // namespace Io::Field

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "buffer/Area.hpp"
+#include "buffer/MemoryBuffer.hpp"
+#include "io/import/TessaronImportApi.hpp"
+
+namespace Parser::WrapperLib {
+
+/// Learns what the statements of a run put into images, in the order in which they do it. A front
+/// end that wants to know where each byte came from gives one to the run; every function is called
+/// in the statement that does the work, and does nothing unless overridden.
+class ImageObserver {
+public:
+    ImageObserver() = default;
+    virtual ~ImageObserver() = default;
+    ImageObserver(const ImageObserver&) = delete;
+    ImageObserver& operator=(const ImageObserver&) = delete;
+
+    /// The data of a file is about to go into a new image that has the addresses of `range`.
+    virtual void onRead(const Io::Import::TessaronImportApi& /*reader*/,
+                        const Buffer::Area& /*range*/) {}
+
+    /// `part`, which is an image of that name or an area of one, is about to be laid over `image`.
+    virtual void onOverlay(const Buffer::MemoryBuffer& /*image*/, const std::string& /*name*/,
+                           const Buffer::MemoryBuffer& /*part*/) {}
+
+    /// The bytes of `area` were written by the statement itself.
+    virtual void onWrite(const Buffer::MemoryBuffer& /*image*/, const Buffer::Area& /*area*/) {}
+
+    /// The fillers of `area` were set by the statement itself.
+    virtual void onFill(const Buffer::MemoryBuffer& /*image*/, const Buffer::Area& /*area*/) {}
+
+    /// A new image has its name; it was moved by `distance` addresses, modulo 2^64, at the end.
+    virtual void onMade(const std::string& /*name*/, const Buffer::MemoryBuffer& /*image*/,
+                        std::uint64_t /*distance*/) {}
+};
+
+}  // namespace Parser::WrapperLib

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+
+#include "buffer/Area.hpp"
+
+namespace Strict {
+
+/// Which source gave each address of an image. Addresses are kept as ranges, so that a map costs
+/// what its ranges cost, however long they are.
+class OriginMap {
+public:
+    /// Addresses from one source.
+    struct Range {
+        Buffer::Area area;
+        std::size_t source;   ///< its number, whose meaning the owner of the map knows
+        std::uint64_t moved;  ///< addresses from the source's own to these, modulo 2^64
+    };
+
+    /// By the start of their areas, which do not overlap.
+    using Ranges = std::map<std::uint64_t, Range>;
+
+    /// Lets all addresses of `area` come from `source`. An area of length 0 changes nothing.
+    void set(const Buffer::Area& area, std::size_t source) { set({area, source, 0}); }
+    void set(const Range& range);
+
+    /// Forgets the addresses of `area`.
+    void erase(const Buffer::Area& area);
+
+    /// Takes over what `other` knows of the addresses of `area`.
+    void lay(const OriginMap& other, const Buffer::Area& area);
+
+    /// Moves all addresses by `distance`, modulo 2^64.
+    void move(std::uint64_t distance);
+
+    /// The range that holds `address`, or null.
+    const Range* find(std::uint64_t address) const;
+
+    const Ranges& ranges() const { return ranges_; }
+    bool empty() const { return ranges_.empty(); }
+
+    /// Addresses of all ranges.
+    std::uint64_t size() const;
+
+private:
+    Ranges::const_iterator firstIn(const Buffer::Area& area) const;
+
+    Ranges ranges_;
+};
+
+/// The parts of `area`, ascending, of which none of the two maps knows an address.
+Buffer::AreaList uncovered(const Buffer::Area& area, const OriginMap& one, const OriginMap& other);
+
+}  // namespace Strict
