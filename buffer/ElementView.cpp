@@ -1,6 +1,7 @@
 #include "buffer/ElementView.hpp"
 
 #include <algorithm>
+#include <bit>
 
 namespace Buffer {
 
@@ -9,6 +10,17 @@ ElementView ElementView::part(std::size_t at, std::size_t count) const {
     view.begin_ += at;
     view.size_ = count;
     return view;
+}
+
+/// The first element from `from` on whose flag is not that of `passed`, a word of equal flags.
+std::size_t ElementView::find(std::size_t from, WrittenBits::Word passed) const {
+    while (from < size_) {
+        const std::size_t count = std::min(WrittenBits::perWord, size_ - from);
+        const WrittenBits::Word sought = (written(from, count) ^ passed) & WrittenBits::all(count);
+        if (sought != 0) return from + static_cast<std::size_t>(std::countr_zero(sought));
+        from += count;
+    }
+    return size_;
 }
 
 MemoryElement ElementView::operator[](std::size_t at) const {

@@ -36,6 +36,12 @@ public:
         return WrittenBits::read(written_, begin_ + at, count);
     }
 
+    /// The first written element from `from` on, or `size()`.
+    std::size_t findWritten(std::size_t from) const { return find(from, 0); }
+
+    /// The first unwritten element from `from` on, or `size()`.
+    std::size_t findUnwritten(std::size_t from) const { return find(from, ~WrittenBits::Word{0}); }
+
     const std::uint8_t* values() const { return values_ + begin_; }
 
     /// Null when all fillers are 0.
@@ -50,6 +56,8 @@ public:
     void copyBytes(std::uint8_t* out) const;
 
 private:
+    std::size_t find(std::size_t from, WrittenBits::Word passed) const;
+
     const std::uint8_t* values_ = nullptr;
     const std::uint8_t* fillers_ = nullptr;
     const WrittenBits::Word* written_ = nullptr;

@@ -65,6 +65,13 @@ const char* wordsFor(VariableFault fault) {
     return words.at(static_cast<std::size_t>(fault));
 }
 
+const char* wordsFor(CrcParameter parameter) {
+    constexpr std::array words{
+        "a width that is not 1 to 32 bits", "a polynomial of more bits than its width",
+        "an initial value of more bits than its width", "a final xor of more bits than its width"};
+    return words.at(static_cast<std::size_t>(parameter));
+}
+
 /// Prints one fact. Each operator is one message.
 class Sentences {
 public:
@@ -233,6 +240,12 @@ public:
         line("Nothing was inserted.");
     }
 
+    void operator()(const GapsNotExpressible& fact) const {
+        line("Error: File ", fact.file, " could not be written ! Format ", fact.format,
+             " cannot skip addresses.");
+        line("Operation aborted.");
+    }
+
     void operator()(const FileWriteIncomplete& fact) const {
         errors_ << "Warning: File " << fact.file << " could not be written completely !"
                 << std::endl;
@@ -258,6 +271,17 @@ public:
         line("Error: ", wordFor(fact.subject), " ", fact.name, " could not be ", wordFor(fact.work),
              " !");
         line("Operation aborted. Maybe stack overflow, buffer too big");
+    }
+
+    void operator()(const CrcParameterRefused& fact) const {
+        line("Error: Crc ", fact.name, " has ", wordsFor(fact.parameter), " !");
+        line("Operation aborted.");
+    }
+
+    void operator()(const WordIncomplete& fact) const {
+        line("Error: The data of ", wordFor(fact.subject), " ", fact.name,
+             " does not end with a whole word !");
+        line("Operation aborted.");
     }
 
     void operator()(const FileNotOpened& fact) const {

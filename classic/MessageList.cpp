@@ -110,6 +110,9 @@ std::vector<Fact> examples(Of<TooManyBytes> /*type*/) {
     return {TooManyBytes{OutputFormat::RawBinary, 0xFFFFFFFF},
             TooManyBytes{OutputFormat::EmbeddedC_Assembler, 0xFFFFFFFF}};
 }
+std::vector<Fact> examples(Of<GapsNotExpressible> /*type*/) {
+    return {GapsNotExpressible{"FORMAT", "PATH"}};
+}
 std::vector<Fact> examples(Of<FileWriteIncomplete> /*type*/) {
     return {FileWriteIncomplete{"PATH"}};
 }
@@ -133,6 +136,17 @@ std::vector<Fact> examples(Of<StatementExhausted> /*type*/) {
           std::pair{Subject::File, Work::Written}, std::pair{Subject::Application, Work::Called}})
         facts.emplace_back(StatementExhausted{subject, "NAME", work});
     return facts;
+}
+std::vector<Fact> examples(Of<CrcParameterRefused> /*type*/) {
+    std::vector<Fact> facts;
+    for (const CrcParameter parameter : {CrcParameter::Width, CrcParameter::Polynomial,
+                                         CrcParameter::Initial, CrcParameter::FinalXor})
+        facts.emplace_back(CrcParameterRefused{"NAME", parameter});
+    return facts;
+}
+std::vector<Fact> examples(Of<WordIncomplete> /*type*/) {
+    return {WordIncomplete{Subject::Crc, "NAME", number, 4},
+            WordIncomplete{Subject::Hash, "NAME", number, 4}};
 }
 std::vector<Fact> examples(Of<FileNotOpened> /*type*/) {
     return {FileNotOpened{"PATH"}};

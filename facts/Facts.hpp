@@ -203,6 +203,13 @@ struct TooManyBytes {
     bool operator==(const TooManyBytes&) const = default;
 };
 
+/// A format without addresses was asked to leave gaps; the statement failed.
+struct GapsNotExpressible {
+    std::string_view format;  ///< the keyword of the language
+    std::string_view file;
+    bool operator==(const GapsNotExpressible&) const = default;
+};
+
 /// A write failed; the file holds what was written before.
 struct FileWriteIncomplete {
     std::string_view file;
@@ -244,6 +251,26 @@ struct StatementExhausted {
     std::string_view name;
     Work work;
     bool operator==(const StatementExhausted&) const = default;
+};
+
+/// A parameter of a CRC that a script describes.
+enum class CrcParameter : std::uint8_t { Width, Polynomial, Initial, FinalXor };
+
+/// The width of a CRC is out of its range, or another parameter has a bit beyond the width; the
+/// statement failed.
+struct CrcParameterRefused {
+    std::string_view name;
+    CrcParameter parameter;
+    bool operator==(const CrcParameterRefused&) const = default;
+};
+
+/// The data of a CRC or hash is not a whole number of words; the statement failed.
+struct WordIncomplete {
+    Subject subject;
+    std::string_view name;
+    std::uint64_t length;    ///< of the data
+    std::uint32_t wordSize;  ///< in bytes
+    bool operator==(const WordIncomplete&) const = default;
 };
 
 /// An input file could not be opened or held; the statement failed.
@@ -349,16 +376,15 @@ struct RunEnded {
     bool operator==(const RunEnded&) const = default;
 };
 
-using Fact =
-    std::variant<ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside,
-                 FillTooLong, ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty,
-                 LastLineMismatched, RecordContradictory, LineNotARecord, LinePassedOver,
-                 LinesPassedOver, RecordCountTooLow, DataSpanTooLong, RawFileTooLong,
-                 FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
-                 RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, FileWriteIncomplete,
-                 NameNotFound, OverlapRefused, StatementExhausted, FileNotOpened, FileNotWritten,
-                 FileSpanTooLong, BufferPrinted, ContentPrinted, CrcPrinted, HashPrinted,
-                 TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened, VariableRejected,
-                 ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
+using Fact = std::variant<
+    ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside, FillTooLong,
+    ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty, LastLineMismatched,
+    RecordContradictory, LineNotARecord, LinePassedOver, LinesPassedOver, RecordCountTooLow,
+    DataSpanTooLong, RawFileTooLong, FileReadIncomplete, RecordLengthCorrected,
+    AddressNotExpressible, RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible,
+    FileWriteIncomplete, NameNotFound, OverlapRefused, StatementExhausted, CrcParameterRefused,
+    WordIncomplete, FileNotOpened, FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted,
+    CrcPrinted, HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
+    VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace Facts

@@ -18,7 +18,9 @@ using namespace Parser::WrapperLib;
 /// "(0x100 to 0x1ff)"
 std::string addresses(const Area& image) {
     if (image.length == 0) return "(no addresses)";
-    return "(" + hexadecimal(image.start) + " to " + hexadecimal(image.end() - 1) + ")";
+    std::string text = "(";
+    text += hexadecimal(image.start) + " to " + hexadecimal(image.end() - 1) + ")";
+    return text;
 }
 
 void checkAreas(const AreaList& areas, const std::vector<std::string>& names,

@@ -30,6 +30,8 @@ constexpr std::array allKinds{
     Kind{"empty-digest", Error, false},
     Kind{"call-failed", Error, false},
     Kind{"unused-variable", Error, false},
+    Kind{"crc-parameter", Error, false},
+    Kind{"word-size", Error, false},
     Kind{"cropped", Warning, false},
     Kind{"unwritten", Warning, false},
     Kind{"truncated-value", Warning, false},

@@ -1,6 +1,7 @@
 #include "strict/RunListener.hpp"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -112,6 +113,13 @@ std::string outcome(int status) {
     if (status == notFound) return " was not found";
     if (status == notRunnable) return " cannot be run";
     return " ended with code " + std::to_string(status);
+}
+
+std::string wordsFor(CrcParameter parameter) {
+    constexpr std::array names{"", "polynomial", "initial value", "final xor"};
+    if (parameter == CrcParameter::Width) return "the width is not 1 to 32 bits";
+    return std::string("the ") + names.at(static_cast<std::size_t>(parameter)) +
+           " has more bits than the width";
 }
 
 /// The system's words for a path that leads nowhere.
@@ -319,6 +327,13 @@ void RunListener::hear(const Fact& fact) {
                        "the images have more than " + hexadecimal(f.mostBytes) + " bytes together",
                        outputFile);
             },
+            [&](const GapsNotExpressible& f) {
+                report(
+                    "outside",
+                    std::string(f.format) + " has no addresses, so it cannot skip unwritten ones",
+                    {"SetSkipUnwritten -> "},
+                    "choose a format with addresses, or leave the option out");
+            },
             [&](const FileWriteIncomplete& f) {
                 const std::string reason = reason_(f.file);
                 report("short-write",
@@ -339,6 +354,15 @@ void RunListener::hear(const Fact& fact) {
             [&](const OverlapRefused& f) { reportOverlap(f); },
             [&](const StatementExhausted&) {
                 report("out-of-memory", "there is not enough memory for this statement", {});
+            },
+            [&](const CrcParameterRefused& f) {
+                report("crc-parameter", wordsFor(f.parameter), {"SetCrc_Custom -> "});
+            },
+            [&](const WordIncomplete& f) {
+                report("word-size",
+                       "the data has " + std::to_string(f.length) +
+                           " bytes, which is no multiple of " + std::to_string(f.wordSize),
+                       {"SetWordSize -> "});
             },
             [&](const FileNotOpened& f) { reportOpen(f.file); },
             [&](const FileNotWritten& f) {

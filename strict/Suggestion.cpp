@@ -36,14 +36,15 @@ std::size_t distance(std::string_view left, std::string_view right) {
 }
 
 /// The weight of an abbreviation: all letters of `word` in their order, the first of them at the
-/// beginning or after an underscore. It counts as two edits, a shorter one than four letters as
-/// none.
+/// beginning or after an underscore; of a name with a slash only what follows the slash. It counts
+/// as two edits, a shorter one than four letters as none.
 std::size_t abbreviation(std::string_view word, std::string_view candidate) {
     constexpr std::size_t shortest = 4;
     constexpr std::size_t weight = 2;
     if (word.size() < shortest) return longestWord;
-    for (std::size_t start = 0; start < candidate.size(); ++start) {
-        if (start != 0 && candidate[start - 1] != '_') continue;
+    const std::size_t begin = candidate.find('/') + 1;
+    for (std::size_t start = begin; start < candidate.size(); ++start) {
+        if (start != begin && candidate[start - 1] != '_') continue;
         std::size_t matched = 0;
         for (std::size_t at = start; at < candidate.size() && matched < word.size(); ++at)
             if (lower(candidate[at]) == lower(word[matched])) ++matched;

@@ -28,6 +28,7 @@ constexpr std::array groups{
     Group{"a source", "FROM_BUFFER", "FROM_"},
     Group{"what to fill with", "WITH_FILLER", "WITH_"},
     Group{"a CRC type", "Crc32_Standard", ""},
+    Group{"a name of the CRC catalogue", "CRC-32/ISO-HDLC", ""},
     Group{"a hash type", "Hash_Sha1", "Hash_"},
     Group{"a format", "RawBinary", ""},
     Group{"a byte order", "LittleEndian", ""},
@@ -52,6 +53,7 @@ std::string listed(const std::vector<std::string_view>& words) {
 std::string expectation(std::vector<std::string_view> words,
                         const std::vector<std::string_view>& keywords, bool isShort) {
     constexpr std::size_t longList = 8;
+    constexpr std::size_t longestList = 40;
     const auto isKeyword = [&](std::string_view word) { return has(keywords, word); };
     const bool takesStatement = std::ranges::any_of(words, isKeyword);
     std::erase_if(words,
@@ -61,7 +63,8 @@ std::string expectation(std::vector<std::string_view> words,
     const auto* const group =
         std::ranges::find_if(groups, [&](const Group& one) { return has(words, one.member); });
     std::string text;
-    if (group != groups.end() && isShort && words.size() > longList) return group->description;
+    if (group != groups.end() && words.size() > (isShort ? longList : longestList))
+        return group->description;
     if (group != groups.end())
         text = std::string(group->description) + ": ";
     else if (std::ranges::all_of(words, [](auto word) { return word.starts_with('-'); }))
@@ -180,6 +183,9 @@ std::string advice(std::string_view before, std::string_view word, std::string_v
         return one.size() > 1 && isLastWord(before, one);
     };
     if (std::ranges::any_of(words, isBefore)) return "is the text in front of it missing?";
+    if (has(words, "Catalogue") && word.starts_with("CRC-"))
+        return "a CRC of the catalogue is written Catalogue{" + std::string(word) + "}";
+    if (has(words, "CRC-32/ISO-HDLC")) return "the manual lists the names";
     if (word.starts_with(',')) return "options are separated by blanks";
     if (has(words, "WITH_BUFFERS") || has(words, "WITH_ARGUMENTS"))
         return "put a text with blanks into braces";

@@ -1,7 +1,11 @@
 #include <gcrypt.h>
 #include <zlib.h>
 
+#include <algorithm>
+#include <string_view>
+
 #include "bench/crypto/Contest.hpp"
+#include "util/crc/CrcParameters.hpp"
 #include "util/crc/GenericCrc.hpp"
 
 namespace Contest {
@@ -14,6 +18,15 @@ Entrant ours() {
                 Class crc;
                 crc.computeCrc(message.data(), message.size());
                 return crc.toBytes();
+            }};
+}
+
+/// A CRC of the catalogue by its name.
+Entrant ours(std::string_view name) {
+    const auto rows = Util::Crc::catalogue();
+    const auto row = std::ranges::find(rows, name, &Util::Crc::CatalogueEntry::name);
+    return {"ours", [parameters = row->parameters](Bytes message) {
+                return Util::Crc::computeCrc(parameters, message);
             }};
 }
 
@@ -41,6 +54,10 @@ void enterCrcs() {
     enter("Crc32_Ethernet_Mpeg2", {ours<crcCrc32_Ethernet_Mpeg2>()});
     enter("Crc32_Vector_AUTOSAR",
           {ours<crcCrc32_Vector_AUTOSAR>(), {"libgcrypt", gcryptCrc32}, {"zlib", zlibCrc32}});
+    for (const char* const name : {"CRC-5/USB", "CRC-8/SMBUS", "CRC-12/UMTS", "CRC-16/MODBUS",
+                                   "CRC-24/OPENPGP", "CRC-32/ISCSI", "CRC-64/WE", "CRC-64/XZ"})
+        enter(name, {ours(name)});
+    enter("CRC-32/ISO-HDLC", {ours("CRC-32/ISO-HDLC"), {"zlib", zlibCrc32}});
 }
 
 }  // namespace Contest

@@ -4,14 +4,14 @@
 
 namespace Io::Export {
 
-void ConcatenatedImages::append(const Buffer::MemoryBuffer& buffer) {
+void ConcatenatedImages::append(const ImageView& image) {
     constexpr std::uint64_t mostBytes = 0xFFFFFFFF;
-    if (buffer.getDataLength() + size_ > mostBytes) {
+    if (image.elements.size() + size_ > mostBytes) {
         Facts::report(Facts::TooManyBytes{writer_, mostBytes});
         return;
     }
-    images_.emplace_back(buffer);
-    size_ += buffer.getDataLength();
+    images_.push_back(image);
+    size_ += image.elements.size();
 }
 
 }  // namespace Io::Export

@@ -14,9 +14,9 @@ public:
     /// @param writer  the format, for reports
     explicit ConcatenatedImages(Facts::OutputFormat writer) : writer_(writer) {}
 
-    /// Appends `buffer`. Refused with a report, as a whole, if there would be more than 0xFFFFFFFF
+    /// Appends `image`. Refused with a report, as a whole, if there would be more than 0xFFFFFFFF
     /// bytes then.
-    void append(const Buffer::MemoryBuffer& buffer);
+    void append(const ImageView& image);
 
     /// The number of bytes of all images.
     std::uint64_t size() const { return size_; }

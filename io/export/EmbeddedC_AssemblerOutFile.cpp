@@ -71,8 +71,8 @@ private:
 EmbeddedC_AssemblerOutFile::EmbeddedC_AssemblerOutFile(std::string path, EmbeddedOutputStyle style)
     : TextOutFile(std::move(path)), outputStyle_(std::move(style)) {}
 
-void EmbeddedC_AssemblerOutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
-    outputBytes_.append(buffer);
+void EmbeddedC_AssemblerOutFile::insert(const ImageView& image) {
+    outputBytes_.append(image);
 }
 
 std::string EmbeddedC_AssemblerOutFile::getTimeString() {

@@ -20,7 +20,7 @@ class EmbeddedC_AssemblerOutFile final : public TextOutFile, public TessaronExpo
 public:
     EmbeddedC_AssemblerOutFile(std::string path, EmbeddedOutputStyle style);
 
-    void insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) override;
+    void insert(const ImageView& image) override;
     void saveToFile() override;
     void setExecutionAddress(std::uint64_t /*address*/) override {}
 

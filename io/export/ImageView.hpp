@@ -10,16 +10,47 @@
 
 namespace Io::Export {
 
+/// What a file gets of the addresses that nothing has written.
+enum class Unwritten : std::uint8_t {
+    Filled,  ///< their fillers
+    Skipped  ///< nothing: they are gaps in the file
+};
+
 /// A stretch of an image that stays with its owner.
 struct ImageView {
     std::uint64_t startAddress;
     Buffer::ElementView elements;
+    Unwritten unwritten = Unwritten::Filled;
 
     explicit ImageView(const Buffer::MemoryBuffer& buffer)
         : ImageView(buffer.getStartAddress(), buffer.viewElements()) {}
-    ImageView(std::uint64_t start, Buffer::ElementView stretch)
-        : startAddress(start), elements(stretch) {}
+    ImageView(std::uint64_t start, Buffer::ElementView stretch,
+              Unwritten treatment = Unwritten::Filled)
+        : startAddress(start), elements(stretch), unwritten(treatment) {}
+
+    /// The part of `count` elements from element `at` on.
+    ImageView part(std::size_t at, std::size_t count) const {
+        return {startAddress + at, elements.part(at, count), unwritten};
+    }
 };
+
+/// Hands `take` the stretches of `image` that belong into a file, ascending: the runs of written
+/// elements if unwritten ones are skipped, or else the image itself, even one without elements.
+template <class Take>
+void forStretches(const ImageView& image, Take take) {
+    if (image.unwritten == Unwritten::Filled) return take(image);
+    for (std::size_t at = image.elements.findWritten(0); at < image.elements.size();) {
+        const std::size_t end = image.elements.findUnwritten(at);
+        take(image.part(at, end - at));
+        at = image.elements.findWritten(end);
+    }
+}
+
+/// Whether anything of `image` belongs into a file.
+inline bool hasStretches(const ImageView& image) {
+    return image.unwritten == Unwritten::Filled ||
+           image.elements.findWritten(0) < image.elements.size();
+}
 
 /// Hands `take` the bytes in order, in pieces of `pieceSize` of which the last one may be shorter.
 template <class Take>

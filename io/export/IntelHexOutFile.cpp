@@ -38,14 +38,14 @@ IntelHexOutFile::IntelHexOutFile(std::string path, IntelHexOutputStyle style)
     length = std::clamp(length, shortestRecord, longestRecord);
 }
 
-void IntelHexOutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
+void IntelHexOutFile::insert(const ImageView& image) {
     const unsigned shift = outputStyle_.useSegmentAddressing ? 4 : 16;
-    const Buffer::ElementView all = buffer.viewElements();
-    for (std::size_t at = 0; at < all.size();) {
-        const std::uint64_t address = buffer.getStartAddress() + at;
+    for (std::size_t at = 0; at < image.elements.size();) {
+        const std::uint64_t address = image.startAddress + at;
         const std::uint64_t room = ((address >> shift) << shift) + blockSize - address;
-        const std::size_t length = std::min<std::uint64_t>(all.size() - at, room);
-        memoryBuffers_.emplace_back(address, all.part(at, length));
+        const std::size_t length = std::min<std::uint64_t>(image.elements.size() - at, room);
+        const ImageView block = image.part(at, length);
+        if (hasStretches(block)) memoryBuffers_.push_back(block);
         at += length;
     }
 }
@@ -109,10 +109,12 @@ void IntelHexOutFile::writeBlock(PieceWriter& out, const ImageView& block) const
                 std::array{static_cast<std::uint8_t>(information.base >> 8U),
                            static_cast<std::uint8_t>(information.base)});
     const std::size_t length = outputStyle_.dataRecordLength;
-    std::uint64_t offset = information.offset;
-    forEffectiveBytes(block.elements, length, [&](std::span<const std::uint8_t> data) {
-        writeRecord(out, offset, IntelRecordType::Data, data);
-        offset += data.size();
+    forStretches(block, [&](const ImageView& stretch) {
+        std::uint64_t offset = information.offset + (stretch.startAddress - block.startAddress);
+        forEffectiveBytes(stretch.elements, length, [&](std::span<const std::uint8_t> data) {
+            writeRecord(out, offset, IntelRecordType::Data, data);
+            offset += data.size();
+        });
     });
 }
 

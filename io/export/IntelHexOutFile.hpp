@@ -31,7 +31,7 @@ public:
     /// A `dataRecordLength` outside 1 to 255 is reported and corrected.
     IntelHexOutFile(std::string path, IntelHexOutputStyle style);
 
-    void insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) override;
+    void insert(const ImageView& image) override;
     void saveToFile() override;
     void setExecutionAddress(std::uint64_t address) override;
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <optional>
 #include <utility>
 
 #include "facts/Listener.hpp"
@@ -49,15 +50,19 @@ MotorolaS_OutFile::MotorolaS_OutFile(std::string path, const MotorolaSOutputStyl
     description.resize(std::max(descriptionLength, description.size()), ' ');
 }
 
-void MotorolaS_OutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
-    const std::uint64_t end = buffer.getArea().end();
-    if (end > highestAddress + 1) {
+void MotorolaS_OutFile::insert(const ImageView& image) {
+    std::optional<std::uint64_t> end;
+    forStretches(image, [&end](const ImageView& stretch) {
+        end = stretch.startAddress + stretch.elements.size();
+    });
+    if (!end) return;
+    if (*end > highestAddress + 1) {
         Facts::report(Facts::ImageBeyondSRecords{highestAddress});
         return;
     }
-    memoryBuffers_.emplace_back(buffer);
+    memoryBuffers_.push_back(image);
     // Four bytes reach every address of an image that ends with the address space.
-    addressBytes_ = std::max(addressBytes_, bytesNeeded(std::min(end, highestAddress)));
+    addressBytes_ = std::max(addressBytes_, bytesNeeded(std::min(*end, highestAddress)));
 }
 
 void MotorolaS_OutFile::setAddress(std::uint64_t value, SRecord& record) const {
@@ -103,7 +108,8 @@ void MotorolaS_OutFile::saveToFile() {
     progress.count.address.reserve(sizeof(std::uint64_t));
     PieceWriter out = startOutput();
     writeRecord(out, first);
-    for (const ImageView& image : memoryBuffers_) writeImage(out, image, progress);
+    for (const ImageView& image : memoryBuffers_)
+        forStretches(image, [&](const ImageView& stretch) { writeImage(out, stretch, progress); });
     writeRecord(out, terminator);
     out.finish();
 }

@@ -33,7 +33,7 @@ public:
     MotorolaS_OutFile(std::string path, const MotorolaSOutputStyle& style);
 
     /// An image that reaches beyond 0xFFFFFFFF is reported and left out.
-    void insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) override;
+    void insert(const ImageView& image) override;
     void saveToFile() override;
     void setExecutionAddress(std::uint64_t address) override { executionAddress_ = address; }
 

@@ -2,8 +2,8 @@
 
 namespace Io::Export {
 
-void RawBinaryOutFile::insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) {
-    outputBytes_.append(buffer);
+void RawBinaryOutFile::insert(const ImageView& image) {
+    outputBytes_.append(image);
 }
 
 void RawBinaryOutFile::saveToFile() {

@@ -15,7 +15,7 @@ class RawBinaryOutFile final : public BinaryOutFile, public TessaronExportApi {
 public:
     explicit RawBinaryOutFile(std::string path) : BinaryOutFile(std::move(path)) {}
 
-    void insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) override;
+    void insert(const ImageView& image) override;
     void saveToFile() override;
     void setExecutionAddress(std::uint64_t /*address*/) override {}
 

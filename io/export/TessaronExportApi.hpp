@@ -3,15 +3,16 @@
 #include <cstdint>
 
 #include "buffer/MemoryBuffer.hpp"
+#include "io/export/ImageView.hpp"
 
 namespace Io::Export {
 
 /// A writer of one output format. Called in this order: construction, which reports and corrects
-/// settings out of their limits; `insertMemoryBuffer` for each image; `setExecutionAddress` if
+/// settings out of their limits; `insert` for each image; `setExecutionAddress` if
 /// there is one; `saveToFile` once. Nothing reaches the disk before that.
 ///
 /// Images are written in the order of their insertion, neither sorted nor merged, every element of
-/// them with its effective byte.
+/// them with its effective byte, unless the image asks for gaps.
 class TessaronExportApi {
 public:
     TessaronExportApi() = default;
@@ -20,8 +21,12 @@ public:
     TessaronExportApi& operator=(const TessaronExportApi&) = delete;
 
     /// Takes the image in without a copy: it stays with its owner, unchanged until `saveToFile` has
-    /// returned. A refused image is reported and left out.
-    virtual void insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) = 0;
+    /// returned. A refused image is reported and left out. A format without addresses takes only
+    /// images without gaps.
+    virtual void insert(const ImageView& image) = 0;
+
+    /// The whole image, without gaps.
+    void insertMemoryBuffer(const Buffer::MemoryBuffer& buffer) { insert(ImageView(buffer)); }
 
     /// Writes the file. A writer that gives up reports why and leaves an existing file as it is.
     ///

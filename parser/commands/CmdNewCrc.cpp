@@ -1,7 +1,10 @@
 #include "parser/commands/CmdNewCrc.hpp"
 
 #include <array>
+#include <climits>
+#include <optional>
 
+#include "facts/Listener.hpp"
 #include "util/crc/GenericCrc.hpp"
 
 namespace Parser::WrapperLib {
@@ -22,10 +25,26 @@ ByteList interpreted(Crc::Bytes data) {
     return Crc::interpretBytes(data, Order);
 }
 
+/// The number of bytes modulo 2^32.
+ByteList dataLength(Crc::Bytes data) {
+    return Crc::toByteList(static_cast<std::uint32_t>(data.size()));
+}
+
+/// The parameter because of which there is no such CRC.
+std::optional<Facts::CrcParameter> faultOf(const Util::Crc::CrcParameters& crc) {
+    constexpr int widestCustom = 32;
+    using enum Facts::CrcParameter;
+    if (crc.width < 1 || crc.width > widestCustom) return Width;
+    if (!Util::Crc::fits(crc.polynomial, crc.width)) return Polynomial;
+    if (!Util::Crc::fits(crc.initial, crc.width)) return Initial;
+    if (!Util::Crc::fits(crc.finalXor, crc.width)) return FinalXor;
+    return std::nullopt;
+}
+
 constexpr ValueType tolmen{"Crc32_Tolmen", "SetCrc_Crc32_Tolmen -> ",
                            &computed<Crc::crcCrc32_Tolmen>};
 
-constexpr std::array<ValueType, 16> catalogue{{
+constexpr std::array<ValueType, 17> catalogue{{
     {"Crc8_Standard", "SetCrc_Crc8_Standard -> ", &computed<Crc::crcCrc8_Standard>},
     {"Crc8_OnesComplement", "SetCrc_Crc8_OnesComplement -> ",
      &computed<Crc::crcCrc8_OnesComplement>},
@@ -49,6 +68,7 @@ constexpr std::array<ValueType, 16> catalogue{{
      &computed<Crc::crcCrc32_Vector_AUTOSAR>},
     {"InterpretAsLittleEndian", "SetCrc_InterpretAsLittleEndian -> ", &interpreted<1>},
     {"InterpretAsBigEndian", "SetCrc_InterpretAsBigEndian -> ", &interpreted<2>},
+    {"DataLength", "SetCrc_DataLength -> ", &dataLength},
 }};
 
 }  // namespace
@@ -57,6 +77,27 @@ CmdNewCrc::CmdNewCrc() : CmdNewValue(Facts::Subject::Crc, &CmdContext::crcs, tol
 
 std::span<const ValueType> CmdNewCrc::types() {
     return catalogue;
+}
+
+void CmdNewCrc::setCatalogueCrc(const Util::Crc::CatalogueEntry& entry) {
+    setCompute([&entry](Crc::Bytes data) { return computeCrc(entry.parameters, data); });
+}
+
+void CmdNewCrc::setCustomCrc(std::vector<std::uint32_t> parameters) {
+    const std::uint32_t width = parameters.at(0);
+    const Util::Crc::CrcParameters crc{width > INT_MAX ? 0 : static_cast<int>(width),
+                                       parameters.at(1),
+                                       parameters.at(2),
+                                       parameters.at(3) != 0,
+                                       parameters.at(4) != 0,
+                                       parameters.at(5)};
+    setCompute([this, crc](Crc::Bytes data) -> std::optional<ByteList> {
+        if (const auto fault = faultOf(crc)) {
+            Facts::report(Facts::CrcParameterRefused{name(), *fault});
+            return std::nullopt;
+        }
+        return computeCrc(crc, data);
+    });
 }
 
 }  // namespace Parser::WrapperLib

@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <span>
+#include <vector>
 
 #include "parser/commands/CmdNewValue.hpp"
+#include "util/crc/CrcParameters.hpp"
 
 namespace Parser::WrapperLib {
 
@@ -15,6 +17,16 @@ public:
 
     /// The checksums that a script can name, in the order in which the grammar tries them.
     static std::span<const ValueType> types();
+
+    /// Computes a CRC of the catalogue.
+    void setCatalogueCrc(const Util::Crc::CatalogueEntry& entry);
+
+    /// Computes a CRC of up to 32 bits. Parameters that describe none are refused when the
+    /// statement runs.
+    ///
+    /// @param parameters  width, polynomial, initial value, 1 or 0 for a reflected input and a
+    ///                    reflected output, final xor
+    void setCustomCrc(std::vector<std::uint32_t> parameters);
 
     std::uint32_t getCmdType() const override { return number(CmdType::NewCrc); }
 };

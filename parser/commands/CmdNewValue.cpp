@@ -1,5 +1,6 @@
 #include "parser/commands/CmdNewValue.hpp"
 
+#include <cstddef>
 #include <utility>
 
 #include "parser/commands/Conventions.hpp"
@@ -16,12 +17,17 @@ void CmdNewValue::addFromBuffer(std::string name) {
 
 bool CmdNewValue::execute(CmdContext& context) {
     return guarded(subject_, name_, Facts::Work::Created, [&] {
-        const auto bytes = gatherBytes(context, fromBuffers_, areas_);
+        auto bytes = gatherBytes(context, fromBuffers_, areas_);
         if (!bytes) return false;
-        const bool computes = type_->compute != nullptr;
-        (context.*registry_)
-            .try_emplace(name_, computes ? type_->compute(bytes->view()) : ByteList{});
-        return true;
+        const std::size_t length = bytes->view().size();
+        if (length % wordSize_ != 0) {
+            Facts::report(Facts::WordIncomplete{subject_, name_, length, wordSize_});
+            return false;
+        }
+        if (wordSize_ != 1) bytes->reverseWords(wordSize_);
+        const auto value = compute_ ? compute_(bytes->view()) : ByteList{};
+        if (value) (context.*registry_).try_emplace(name_, *value);
+        return value.has_value();
     });
 }
 

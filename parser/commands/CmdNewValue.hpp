@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "facts/Facts.hpp"
@@ -27,8 +30,10 @@ public:
     void addFromBuffer(std::string name);
     void addArea(const Area& area) { areas_.push_back(area); }
 
-    /// @param type  a row of a table that outlives the statement
-    void setType(const ValueType& type) { type_ = &type; }
+    void setType(const ValueType& type) { compute_ = type.compute; }
+
+    /// Computes over words of 2, 4 or 8 bytes, the bytes of each in reverse order.
+    void setWordSize(std::uint32_t bytes) { wordSize_ = bytes; }
 
     const std::vector<std::string>& fromBuffers() const { return fromBuffers_; }
     const AreaList& areas() const { return areas_; }
@@ -42,12 +47,19 @@ protected:
     /// @param registry  where the value is kept
     /// @param type      what a statement without `-setType` computes
     CmdNewValue(Facts::Subject subject, Registry CmdContext::*registry, const ValueType& type)
-        : subject_(subject), registry_(registry), type_(&type) {}
+        : subject_(subject), registry_(registry), compute_(type.compute) {}
+
+    /// Returns nothing after a report.
+    using Compute = std::function<std::optional<ByteList>(std::span<const std::uint8_t> data)>;
+    void setCompute(Compute compute) { compute_ = std::move(compute); }
+
+    const std::string& name() const { return name_; }
 
 private:
     Facts::Subject subject_;
     Registry CmdContext::*registry_;
-    const ValueType* type_;
+    Compute compute_;             ///< empty if the value is empty
+    std::uint32_t wordSize_ = 1;  ///< in bytes
     std::string name_;
     std::vector<std::string> fromBuffers_;
     AreaList areas_;

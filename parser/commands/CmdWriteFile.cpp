@@ -47,13 +47,13 @@ void setRecordSize(OutputStyles& styles, std::uint32_t number) {
 }
 
 constexpr std::array<ExportFormat, 5> exportFormats{{
-    {"RawBinary", "SetExportFormatOptionRawBinary -> ", nullptr, &makeRawBinary},
+    {"RawBinary", "SetExportFormatOptionRawBinary -> ", nullptr, &makeRawBinary, false},
     {"IntelHexExtended", "SetExportFormatOptionIntelHexExtended -> ", &setRecordLength,
      &makeIntelHex},
     {"IntelHexSegment", "SetExportFormatOptionIntelHexSegment -> ", &setRecordLength, &makeIntelHex,
-     true},
+     true, true},
     {"EmbeddedC_Assembler", "SetExportFormatOptionEmbeddedC_Assembler -> ", &setElementsPerLine,
-     &makeEmbedded},
+     &makeEmbedded, false},
     {"MotorolaS", "SetExportFormatOptionMotorolaS -> ", &setRecordSize, &makeMotorola},
 }};
 
@@ -117,11 +117,16 @@ bool CmdWriteFile::execute(CmdContext& context) {
 }
 
 bool CmdWriteFile::write(CmdContext& context) const {
+    if (unwritten_ == Io::Export::Unwritten::Skipped && format_ != nullptr &&
+        !format_->hasAddresses) {
+        Facts::report(Facts::GapsNotExpressible{format_->keyword, fileName_});
+        return false;
+    }
     const auto writer = makeWriter();
     for (const std::string& name : bufferNames_) {
         const Buffer::MemoryBuffer* const buffer = findBuffer(context, name);
         if (buffer == nullptr) return false;
-        writer->insertMemoryBuffer(*buffer);
+        writer->insert({buffer->getStartAddress(), buffer->viewElements(), unwritten_});
     }
     if (hasExecutionStartAddress_) writer->setExecutionAddress(executionStartAddress_);
     try {

@@ -29,6 +29,7 @@ struct ExportFormat {
     void (*setNumber)(OutputStyles& styles, std::uint32_t number);
     std::unique_ptr<Io::Export::TessaronExportApi> (*makeWriter)(const std::string& path,
                                                                  const OutputStyles& styles);
+    bool hasAddresses = true;           ///< it can express gaps
     bool useSegmentAddressing = false;  ///< of Intel HEX, for this and all later formats
 };
 
@@ -50,6 +51,9 @@ public:
     ///                   elements of a line, keep their value
     void setFormat(const ExportFormat& newFormat, std::optional<std::uint32_t> number);
 
+    /// Lets addresses that nothing wrote stay gaps. A format without addresses refuses that.
+    void skipUnwritten() { unwritten_ = Io::Export::Unwritten::Skipped; }
+
     /// The number form of the execution address.
     void setExecutionStartAddress(std::uint32_t address);
 
@@ -68,6 +72,7 @@ private:
     std::vector<std::string> bufferNames_;
     std::uint64_t executionStartAddress_ = 0;
     bool hasExecutionStartAddress_ = false;
+    Io::Export::Unwritten unwritten_ = Io::Export::Unwritten::Filled;
     const ExportFormat* format_ = nullptr;  ///< null without `-setFormat`
     OutputStyles styles_;
 };

@@ -40,6 +40,13 @@ std::string replacedAll(const std::string& text, const std::string& name,
     return result;
 }
 
+/// Copies words of a size that is known to the compiler, which makes a byte shuffle of it.
+template <std::size_t WordSize>
+void copyReversed(std::span<const std::uint8_t> bytes, std::uint8_t* out) {
+    for (std::size_t word = 0; word < bytes.size(); word += WordSize)
+        for (std::size_t i = 0; i < WordSize; ++i) out[word + i] = bytes[word + WordSize - 1 - i];
+}
+
 std::string trimmedWithout(std::string text, std::string_view unwanted) {
     std::erase_if(text, [unwanted](char c) { return unwanted.find(c) != std::string_view::npos; });
     boost::algorithm::trim(text);
@@ -89,6 +96,24 @@ GatheredBytes::GatheredBytes(const std::vector<Buffer::ElementView>& ranges) {
         out += range.size();
     }
     bytes_ = {first, size};
+}
+
+void GatheredBytes::reverseWords(std::uint32_t wordSize) {
+    Platform::PageBlock reversed(bytes_.size());
+    auto* const first = reinterpret_cast<std::uint8_t*>(reversed.data());
+    switch (wordSize) {
+        case 2:
+            copyReversed<2>(bytes_, first);
+            break;
+        case 4:
+            copyReversed<4>(bytes_, first);
+            break;
+        default:
+            copyReversed<8>(bytes_, first);
+            break;
+    }
+    bytes_ = {first, bytes_.size()};
+    block_ = std::move(reversed);
 }
 
 std::optional<GatheredBytes> gatherBytes(CmdContext& context, const std::vector<std::string>& names,

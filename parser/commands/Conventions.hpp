@@ -41,6 +41,9 @@ public:
 
     std::span<const std::uint8_t> view() const { return bytes_; }
 
+    /// Reverses the bytes of each word of 2, 4 or 8 bytes, of which there is a whole number.
+    void reverseWords(std::uint32_t wordSize);
+
 private:
     /// A vector would clear its memory before the bytes come in.
     Platform::PageBlock block_;

@@ -30,7 +30,12 @@ struct WriteFileRules final : StatementRules {
             *(rules.name[on.text("AddBufferToExportList -> ", &CmdWriteFile::addBuffer)] >>
               rules.separator) >>
             rules.closeBrace >> rules.ws;
-        writeOptions = *(formatOption | executionAddressOption);
+        writeOptions = *(formatOption | skipUnwrittenOption | executionAddressOption);
+        skipUnwrittenOption =
+            rules.keyword("-skipUnwritten")[on.with(
+                "SetSkipUnwritten -> ",
+                [](CmdWriteFile& write, std::string_view) { write.skipUnwritten(); })] >>
+            rules.ws;
         formatOption = rules.keyword("-setFormat") >> rules.equals >>
                        FirstOf(formatRules(rules, state)) >> rules.ws;
         // A bare number is the execution address; the keyword takes a name, digits or not.
@@ -67,7 +72,7 @@ struct WriteFileRules final : StatementRules {
         return alternatives;
     }
 
-    Rule writeBuffers, writeOptions, formatOption, executionAddressOption;
+    Rule writeBuffers, writeOptions, formatOption, skipUnwrittenOption, executionAddressOption;
     std::deque<Rule> formats;
 };
 

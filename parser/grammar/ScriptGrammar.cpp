@@ -92,10 +92,9 @@ auto takingValue(ParserState& state, void (StatementBuilder::*take)(std::uint32_
 }
 
 void defineLists(CommonRules& rules, ParserState& state) {
+    rules.listedValue = rules.value[takingValue(state, &StatementBuilder::collectValue)];
     rules.valueList =
-        rules.openBrace >>
-        *(rules.value[takingValue(state, &StatementBuilder::collectValue)] >> rules.separator) >>
-        rules.closeBrace;
+        rules.openBrace >> *(rules.listedValue >> rules.separator) >> rules.closeBrace;
     rules.area =
         rules.openBrace >> rules.value[takingValue(state, &StatementBuilder::setAreaStart)] >>
         rules.separator >> rules.value[takingValue(state, &StatementBuilder::setAreaLength)] >>
@@ -122,9 +121,8 @@ ScriptRules::ScriptRules(ParserState& state) : CommonRules(state) {
     alternatives.push_back(&calculateCmd);
     script = ws >> *FirstOf(alternatives) >> eps_p;
     calculateCmd = keyword("CALCULATE") >> !TextBefore("[", state.fruitlessSearches.bracket) >>
-                   ws >> ch_p('[') >> ws >>
-                   *value[takingValue(state, &StatementBuilder::collectValue)] >> ws >> ch_p(']') >>
-                   ws >> *(anychar_p - ch_p(']'));
+                   ws >> ch_p('[') >> ws >> *listedValue >> ws >> ch_p(']') >> ws >>
+                   *(anychar_p - ch_p(']'));
 }
 
 std::vector<std::string> keywords() {

@@ -92,7 +92,7 @@ struct CommonRules {
     Expectations* const& expectations() const { return state_->expectations; }
 
     Rule ws, openBrace, closeBrace, equals, separator, quote, name, textArg;
-    Rule hexPrefix, number, expression, value, valueList, area;
+    Rule hexPrefix, number, expression, value, listedValue, valueList, area;
 
     /// The words that the rules compare a script with, in the order of their definition.
     std::vector<std::string_view> keywords;

@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """Compares the tables of checksums and hashes in the manual with the program and, where possible,
-with an independent source: the parameters of a CRC with the catalogue's model, the digests with
-Python's hashlib.
+with an independent source: the parameters of a CRC with the catalogue's model, the catalogue's names
+with their published check values, the digests with Python's hashlib.
 """
 import hashlib
+import itertools
 import pathlib
 import re
 import subprocess
@@ -14,6 +15,7 @@ CRC = re.compile(r"    (Crc\w+) +(\d+) ([0-9A-F]+) +([0-9A-F]+) +(true|false) +(
                  r"([0-9A-F]+) +([0-9A-F]+) +([0-9A-F]+)$")
 SUM = re.compile(r"    (Crc\w+) +(\d+) [a-z].*? +([0-9A-F]+) +([0-9A-F]+)$")
 HASH = re.compile(r"    (Hash_\w+) +(\d+)   (?:([0-9A-F]{16}) | {16})")
+CATALOGUE = pathlib.Path(__file__).resolve().parents[2] / "util/crc/catalogue.tsv"
 HASHLIB = {"Md5": "md5", "Sha1": "sha1", "Sha2": "sha", "Sha3": "sha3_"}
 
 
@@ -81,6 +83,26 @@ def check_crcs(program, manual):
         yield "%d CRCs and %d sums were found" % (len(rows), len(sums))
 
 
+def check_catalogue(program, manual):
+    """Section 8.4 lists the CRCs of the catalogue, which the program finds by their names."""
+    rows = [line.split("\t") for line in CATALOGUE.read_text().splitlines() if line[0] != "#"]
+    checks = {name: int(check, 16) for name, width, *_, check in rows if int(width) <= 64}
+    section = itertools.takewhile(lambda line: not line.startswith("8.5 "),
+                                  itertools.dropwhile(lambda line: line[:4] != "8.4 ", manual))
+    table = filter(re.compile(r"    CRC-\S+( +CRC-\S+)*$").match, section)
+    listed = [name for line in table for name in line.split()]
+    yield from ("%s is in the catalogue or in the manual" % name
+                for name in sorted(checks.keys() ^ set(listed)))
+    script = ["NEW_BUFFER @Text FROM_VALUES { %s }" % ",".join(str(ord(c)) for c in "123456789")]
+    for number, name in enumerate(checks):
+        script.append("NEW_CRC @%d FROM_BUFFER @Text -setType=Catalogue{%s}" % (number, name))
+        script.append("PRINT_CRC @%d" % number)
+    printed = re.findall(r"CrcValue: 0x(\w+)", run(program, script))
+    for (name, check), digits in itertools.zip_longest(checks.items(), printed):
+        if int.from_bytes(bytes.fromhex(digits), "little") != check:
+            yield "%s: the program gives %s" % (name, digits)
+
+
 def check_hashes(program, manual):
     rows = rows_of(HASH, manual)
     digests = values(program, "HASH", "abc", rows)
@@ -97,7 +119,8 @@ def check_hashes(program, manual):
 
 def main():
     program, manual = sys.argv[1], pathlib.Path(sys.argv[2]).read_text().splitlines()
-    faults = [*check_crcs(program, manual), *check_hashes(program, manual)]
+    faults = [*check_crcs(program, manual), *check_catalogue(program, manual),
+              *check_hashes(program, manual)]
     print("\n".join(faults) or "the tables agree")
     return 1 if faults else 0
 

@@ -37,7 +37,7 @@ TESSARON_FOLD inline __m128i folded(__m128i sum, __m128i powers, __m128i bytes) 
 }
 
 template <bool IsReflected>
-TESSARON_FOLD Folded foldAll(std::span<const std::uint8_t> data, std::uint32_t start,
+TESSARON_FOLD Folded foldAll(std::span<const std::uint8_t> data, std::uint64_t start,
                              const Folding& folding) {
     // Four independent sums, since each multiplication depends on the previous one in its sum.
     constexpr std::size_t stride = 4 * lane;
@@ -45,7 +45,7 @@ TESSARON_FOLD Folded foldAll(std::span<const std::uint8_t> data, std::uint32_t s
     constexpr std::size_t ahead = 512;
     const __m128i by64Bytes = multipliers(folding.by64Bytes);
     const __m128i by16Bytes = multipliers(folding.by16Bytes);
-    const __m128i first = ordered<IsReflected>(_mm_cvtsi32_si128(static_cast<int>(start)));
+    const __m128i first = ordered<IsReflected>(_mm_cvtsi64_si128(static_cast<long long>(start)));
     __m128i sums[4];
     for (std::size_t i = 0; i < 4; ++i) sums[i] = load<IsReflected>(&data[lane * i]);
     sums[0] = _mm_xor_si128(sums[0], first);
@@ -71,7 +71,7 @@ bool canFold() {
            static_cast<bool>(__builtin_cpu_supports("ssse3"));
 }
 
-Folded fold(std::span<const std::uint8_t> data, std::uint32_t start, const Folding& folding) {
+Folded fold(std::span<const std::uint8_t> data, std::uint64_t start, const Folding& folding) {
     return folding.isReflected ? foldAll<true>(data, start, folding)
                                : foldAll<false>(data, start, folding);
 }
@@ -86,7 +86,7 @@ bool canFold() {
     return false;
 }
 
-Folded fold(std::span<const std::uint8_t> data, std::uint32_t /*start*/,
+Folded fold(std::span<const std::uint8_t> data, std::uint64_t /*start*/,
             const Folding& /*folding*/) {
     return {{}, data};
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <climits>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -65,7 +66,27 @@ bool canFold();
 /// Data shorter than this is not folded.
 inline constexpr std::size_t shortestFolded = 64;
 
-/// Folds `data` after xoring `start` into its first four bytes, lowest byte first.
-Folded fold(std::span<const std::uint8_t> data, std::uint32_t start, const Folding& folding);
+/// Folds `data` after xoring `start` into its first eight bytes, lowest byte first.
+Folded fold(std::span<const std::uint8_t> data, std::uint64_t start, const Folding& folding);
+
+/// The bytes of a register that shifts left, as `fold` takes them.
+template <std::unsigned_integral Word>
+constexpr std::uint64_t reversedBytes(Word crc) {
+    std::uint64_t reversed = 0;
+    for (int shift = 0; shift < widthOf<Word>; shift += CHAR_BIT)
+        reversed = reversed << CHAR_BIT | ((crc >> shift) & UCHAR_MAX);
+    return reversed;
+}
+
+/// Updates the register `crc` with `data` by `rule`. Long data is folded first.
+///
+/// @param start  the value of `crc` as `fold` takes it
+template <std::unsigned_integral Word, class Rule>
+Word updateFolded(Word crc, std::span<const std::uint8_t> data, const Folding& folding,
+                  std::uint64_t start, Rule rule) {
+    if (data.size() < shortestFolded || !canFold()) return rule(crc, data);
+    const Folded folded = fold(data, start, folding);
+    return rule(rule(Word{0}, folded.remainder), folded.rest);
+}
 
 }  // namespace Util::Crc

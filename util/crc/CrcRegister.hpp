@@ -79,6 +79,16 @@ constexpr Word updateForward(Word crc, std::span<const std::uint8_t> data,
     return crc;
 }
 
+/// Updates a register that shifts left, with one table look-up per byte.
+template <std::unsigned_integral Word>
+constexpr Word updateForward(Word crc, std::span<const std::uint8_t> data,
+                             const std::array<Word, 256>& table) {
+    constexpr int top = widthOf<Word> - 8;
+    for (const std::uint8_t byte : data)
+        crc = static_cast<Word>(table[(crc >> top) ^ byte] ^ static_cast<Word>(crc << 8));
+    return crc;
+}
+
 /// Updates a register that shifts right, with two table look-ups per byte, low nibble first.
 template <std::unsigned_integral Word>
 constexpr Word updateReflected(Word crc, std::span<const std::uint8_t> data,

@@ -35,33 +35,21 @@ std::uint16_t wordSum(Bytes data, std::uint16_t start) {
     return sum;
 }
 
-/// Updates the register `crc` with `data` by `rule`. Long data is folded first.
-///
-/// @param start  the value of `crc` to xor into the first four bytes, lowest byte first
-template <class Word, class Rule>
-Word update(Word crc, Bytes data, const Folding& folding, std::uint32_t start, Rule rule) {
-    if (data.size() < shortestFolded || !canFold()) return rule(crc, data);
-    const Folded folded = fold(data, start, folding);
-    return rule(rule(Word{0}, folded.remainder), folded.rest);
-}
-
 template <const auto& table, class Word>
 Word updateByReflectedTable(Word crc, Bytes data) {
     // The entry whose index has only the highest bit set is the polynomial.
     static constexpr Folding folding = reflectedFolding(table[table.size() / 2]);
-    return update(crc, data, folding, crc,
-                  [](Word value, Bytes bytes) { return updateReflected(value, bytes, table); });
+    return updateFolded(crc, data, folding, crc, [](Word value, Bytes bytes) {
+        return updateReflected(value, bytes, table);
+    });
 }
 
 template <const auto& table, class Word>
 Word updateByForwardTable(Word crc, Bytes data) {
     // The entry whose index has only the lowest bit set is the polynomial.
     static constexpr Folding folding = forwardFolding(table[1]);
-    std::uint32_t start = 0;
-    for (int shift = 0; shift < widthOf<Word>; shift += CHAR_BIT)
-        start = start << CHAR_BIT | ((crc >> shift) & UCHAR_MAX);
-    return update(crc, data, folding, start,
-                  [](Word value, Bytes bytes) { return updateForward(value, bytes, table); });
+    return updateFolded(crc, data, folding, reversedBytes(crc),
+                        [](Word value, Bytes bytes) { return updateForward(value, bytes, table); });
 }
 
 }  // namespace
@@ -111,7 +99,7 @@ std::uint16_t crc16IbmSdlc(Bytes data, std::uint16_t seed) {
     static constexpr Folding folding = reflectedFolding(reflect(polynomial));
     // The register shifts left over reflected bytes, so folding works on its mirror image.
     const std::uint16_t crc =
-        update(seed, data, folding, reflect(seed), [](std::uint16_t value, Bytes bytes) {
+        updateFolded(seed, data, folding, reflect(seed), [](std::uint16_t value, Bytes bytes) {
             return updateBitwise<true>(value, bytes, polynomial);
         });
     return onesComplement(reflect(crc));

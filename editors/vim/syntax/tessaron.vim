@@ -39,6 +39,11 @@ syntax region tessaronNumbers matchgroup=tessaronDelimiter start=/{/ end=/}/ con
       \ contains=tessaronComment,tessaronNumbers,tessaronNumber,tessaronOperator,tessaronVariable,
       \tessaronDelimiter
 
+" The name of a CRC, which looks like an expression.
+syntax region tessaronCatalogue matchgroup=tessaronDelimiter start=/{/ end=/}/ contained
+      \ contains=tessaronComment,tessaronCatalogueConstant
+syntax match tessaronCatalogueConstant "\v%(%(//)@![A-Za-z0-9/-])+" contained
+
 " Texts: bare, in quotes that do not pair, in braces. Comments win over all of them.
 syntax cluster tessaronTextParts contains=tessaronComment,tessaronDirective
 syntax match tessaronBareText "\v%(%(//)@!\S)+" contained
@@ -81,11 +86,14 @@ syntax match tessaronStringComment "//.*" contained
 
 " Values of options.
 syntax match tessaronConstant /\v<%(LittleEndian|BigEndian)/
+syntax match tessaronConstant /\v%(<-onOverlap\s*\=\s*)@<=%(Last|First|Same|Error)/
 syntax match tessaronConstant /\v<%(InterpretAsLittleEndian|InterpretAsBigEndian)/
 syntax match tessaronConstant /\v<%(RawBinary|%(IntelHexExtended|IntelHexSegment|EmbeddedC_Assembler|MotorolaS)_?)/
 syntax match tessaronConstant /\v<%(Crc8_Standard|Crc8_OnesComplement|Crc8_TwosComplement|Crc8_Eeprom)/
 syntax match tessaronConstant /\v<%(Crc16_Standard|Crc16_OnesComplement_BE|Crc16_TwosComplement_BE|Crc16_Legacy_Karst_Brae|Crc16_Ccitt|Crc16_ibm_sdlc)/
 syntax match tessaronConstant /\v<%(Crc32_Standard|Crc32_Tolmen|Crc32_Ethernet_Mpeg2|Crc32_Vector_AUTOSAR)/
+syntax match tessaronConstant /\v<%(DataLength|Custom|true|false)/
+syntax match tessaronConstant /\v<Catalogue/ nextgroup=tessaronCatalogue skipwhite
 syntax match tessaronConstant /\v<%(Hash_Md2|Hash_Md4|Hash_Md5|Hash_Md6|Hash_Gost_256|Hash_Sha1|Hash_Shake)/
 syntax match tessaronConstant /\v<%(Hash_Ripemd_128|Hash_Ripemd_160|Hash_Ripemd_256|Hash_Ripemd_320)/
 syntax match tessaronConstant /\v<%(Hash_Sha2_224|Hash_Sha2_256|Hash_Sha2_384|Hash_Sha2_512)/
@@ -94,7 +102,7 @@ syntax match tessaronConstant /\v<%(Hash_Sha3_224|Hash_Sha3_256|Hash_Sha3_384|Ha
 " Options.
 syntax match tessaronSection /\.\?\k\+/ contained
 syntax match tessaronSectionEquals /=/ contained nextgroup=tessaronSection skipwhite skipempty
-syntax match tessaronOption /\v<%(-changeStartAddressTo|-setByteOrder|-setType|-setFormat)/
+syntax match tessaronOption /\v<%(-changeStartAddressTo|-setByteOrder|-setType|-setFormat|-skipUnwritten|-onOverlap|-useWordSize)/
 syntax match tessaronOption /\v<-setExecutionAddress/
       \ nextgroup=tessaronSectionEquals skipwhite skipempty
 syntax match tessaronOption /\v<%(-useAreas|-useBufferRange)/
@@ -155,6 +163,7 @@ highlight default link tessaronStatement Statement
 highlight default link tessaronSource Keyword
 highlight default link tessaronOption Type
 highlight default link tessaronConstant Constant
+highlight default link tessaronCatalogueConstant Constant
 highlight default link tessaronName Identifier
 highlight default link tessaronSymbol Identifier
 highlight default link tessaronSection Identifier

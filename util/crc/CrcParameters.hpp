@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "util/crc/ByteList.hpp"
+
+/// Polynomial CRCs of any parameters.
+namespace Util::Crc {
+
+/// The parameters of a CRC in the notation of the public catalogue, after R. Williams, "A painless
+/// guide to CRC error detection algorithms", section 15.
+struct CrcParameters {
+    int width;                 ///< in bits, 1 to `widestCrc`
+    std::uint64_t polynomial;  ///< without its highest term, not reflected
+    std::uint64_t initial;     ///< of the register, not reflected
+    bool isInputReflected;     ///< each byte enters with its lowest bit first
+    bool isOutputReflected;    ///< the register is reflected before the final xor
+    std::uint64_t finalXor;
+};
+
+inline constexpr int widestCrc = 64;
+
+/// True if `value` has no bit beyond the lowest `width`, which is 1 to 64.
+constexpr bool fits(std::uint64_t value, int width) {
+    return (value >> (width - 1)) <= 1;
+}
+
+/// The CRC of `data`, least significant byte first, in as many bytes as its width needs.
+///
+/// @param parameters  the width is in its range, and no other parameter has a bit beyond it
+ByteList computeCrc(const CrcParameters& parameters, std::span<const std::uint8_t> data);
+
+/// A CRC of the public catalogue.
+struct CatalogueEntry {
+    std::string_view name;
+    CrcParameters parameters;
+};
+
+/// The CRCs of `catalogue.tsv` up to `widestCrc`, in its order.
+std::span<const CatalogueEntry> catalogue();
+
+/// The CRC of the catalogue called `name`, case ignored, or nullptr.
+const CatalogueEntry* findInCatalogue(std::string_view name);
+
+}  // namespace Util::Crc
