@@ -96,7 +96,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::unique_ptr<TessaronImportApi> field;
     {
         const Facts::ListenerScope scope(heard);
-        field = Io::Field::FieldReading().open(inputPath);
+        field = Io::Field::FieldReading().open(inputPath, Buffer::OverlapRule::NotSet);
     }
     check((field == nullptr) == heard.isDamaged, "a file is refused for a reason and only for one");
     if (!field) return 0;
