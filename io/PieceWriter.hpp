@@ -9,7 +9,6 @@
 
 #include "io/Host.hpp"
 #include "platform/Files.hpp"
-#include "platform/Memory.hpp"
 
 namespace Io {
 
@@ -30,12 +29,12 @@ public:
     ///
     /// @throws Io::bad_open
     char* reserve(std::size_t size) {
-        if (piece_.size() - used_ < size) makeRoom(size);
-        return begin() + used_;
+        if (capacity_ - used_ < size) makeRoom(size);
+        return piece_.get() + used_;
     }
 
     /// Ends the output at `end`, which lies in the room of the last `reserve`.
-    void commit(const char* end) { used_ = static_cast<std::size_t>(end - begin()); }
+    void commit(const char* end) { used_ = static_cast<std::size_t>(end - piece_.get()); }
 
     /// @throws Io::bad_open
     void append(std::string_view text);
@@ -50,7 +49,6 @@ public:
     void finish();
 
 private:
-    char* begin() const { return reinterpret_cast<char*>(piece_.data()); }
     void makeRoom(std::size_t size);
     void flush(std::size_t size);
     void write(std::string_view text);
@@ -59,7 +57,9 @@ private:
     Platform::FileMode mode_;
     std::unique_ptr<OutputStream> file_;
     bool isComplete_ = true;
-    Platform::PageBlock piece_;
+    std::size_t capacity_;
+    /// Not initialised, so that a short output touches few pages.
+    std::unique_ptr<char[]> piece_;
     std::size_t used_ = 0;
 };
 
