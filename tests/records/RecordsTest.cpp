@@ -191,7 +191,7 @@ TYPED_TEST(Records, AreRejectedIfTheyAreNotOfData) {
 
 TYPED_TEST(Records, AreRejectedWhereTheTextIsCut) {
     for (const Form& form : forms) {
-        for (const std::size_t size : {0, 1, 16, 17, 250}) {
+        for (const std::size_t size : {1U, 16U, 17U, 250U}) {
             const std::string line = form.record(dataOf(size)) + "\n";
             for (std::size_t length = 0; length + 1 < line.size() + following.size(); ++length)
                 EXPECT_EQ(this->decode(form, (line + following).substr(0, length)).textSize, 0U);
