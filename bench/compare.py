@@ -3,9 +3,10 @@
 
   compare.py PROGRAM FOLDER LARGEST
 
-FOLDER holds `measure` and `limit`, LARGEST is the size of the largest image in MiB. objcopy, not
-the measured program, makes the inputs. The files that the tools write are compared before a figure
-is printed. The tools run in turn, so that other load on the machine affects all of them.
+FOLDER holds `measure`, LARGEST is the size of the largest image in MiB. objcopy, not the measured
+program, makes the inputs. The files that the tools write are compared before a figure is printed.
+The tools run in turn, so that other load on the machine affects all of them. cp copies the text of
+the conversion: it is the cost of moving the bytes without a look at them.
 """
 import os
 import pathlib
@@ -21,7 +22,10 @@ SCRIPTS = {
     "hex": "WRITE_FILE outFile WITH_BUFFERS {@B}\n",
     "srec": "WRITE_FILE outFile WITH_BUFFERS {@B} -setFormat=MotorolaS_32\n",
     "raw": "WRITE_FILE outFile WITH_BUFFERS {@B} -setFormat=RawBinary\n",
+    "nothing": "",
 }
+CONVERSIONS = [("hex", "nothing"), ("hex", "hex"), ("hex", "srec"), ("srec", "nothing"),
+               ("srec", "hex"), ("raw", "hex"), ("hex", "raw")]
 MAIN_JOB = """NEW_BUFFER @B FROM_FILE inFile -useAreas={{0x08000000, 0x20000}}
 FILL_BUFFER @B WITH_FILLER { 0x00, 0xA0, 0xF0, 0xF7 }
 NEW_CRC @C FROM_BUFFER @B -useAreas={{0x08000000, 0x1FFFC}} -setType=Crc32_Vector_AUTOSAR
@@ -36,7 +40,6 @@ class Bench:
     def __init__(self, program, tools, work):
         self.program = str(program)
         self.measure = str(tools / "measure")
-        self.limit = str(tools / "limit")
         self.work = work
 
     def path(self, name):
@@ -55,14 +58,18 @@ class Bench:
             sys.exit("failed: " + " ".join(command))
         return processor / 1e6, wall / 1e6, memory / 1024
 
-    def compare(self, commands, rounds):
-        """Runs the commands in turn; medians of processor seconds, wall seconds and MiB by name."""
+    def sample(self, commands, rounds):
+        """Runs the commands in turn; the figures of each round by name."""
         samples = {name: [] for name in commands}
         for _ in range(rounds):
             for name, command in commands.items():
                 samples[name].append(self.once(command))
+        return samples
+
+    def compare(self, commands, rounds):
+        """Medians of processor seconds, wall seconds and MiB by name."""
         return {name: [statistics.median(column) for column in zip(*rows)]
-                for name, rows in samples.items()}
+                for name, rows in self.sample(commands, rounds).items()}
 
 
 def objcopy(source, source_format, target, target_format):
@@ -82,9 +89,6 @@ def srec_cat(source, source_format, target, target_format):
 
 
 def intelhex(source, source_format, target, target_format):
-    """The command, or None if the library does not support a format."""
-    if "srec" in (source_format, target_format):
-        return None
     form = {"hex": "hex", "raw": "bin"}
     offset = ", offset=%d" % BASE if source_format == "raw" else ""
     code = ("import intelhex; i = intelhex.IntelHex(); i.load%s('%s'%s); i.%s('%s')"
@@ -111,30 +115,33 @@ def check(outputs, form):
             sys.exit("%s and CmdTessaron do not agree" % name)
 
 
-def ratio(ours, peers, column):
+def times_cheaper(ours, peers, column):
     """The cost of the best peer divided by ours."""
     return min(figures[column] for figures in peers.values()) / ours[column]
 
 
 def table_head(title, peers):
     print("\n### %s\n" % title)
-    print("| item | MiB | CmdTessaron | " + " | ".join(peers) + " | times the best: processor, wall |")
-    print("| --- | ---: | " + "| ".join(["---: "] * (len(peers) + 2)) + "|")
+    columns = ["item", "MiB", "CmdTessaron", "cp", "times cp"] + peers + ["times the best"]
+    print("| " + " | ".join(columns) + " |\n| --- " + "| ---: " * (len(columns) - 1) + "|")
 
 
 def cell(figures):
     if figures is None:
-        return "cannot"
-    return "%.4f / %.4f / %.0f" % tuple(figures) if figures[0] < 0.05 else "%.3f / %.3f / %.0f" % tuple(figures)
+        return ""
+    digits = 4 if figures[0] < 0.05 else 3
+    return "%.*f / %.*f / %.0f" % (digits, figures[0], digits, figures[1], figures[2])
 
 
 def row(name, size, result, peers):
     ours = result["CmdTessaron"]
     others = {peer: result[peer] for peer in peers if peer in result}
-    factors = ("%.2f, %.2f" % (ratio(ours, others, 0), ratio(ours, others, 1))) if others else "no peer"
-    print("| %s | %s | %s | %s | %s |" % (name, size, cell(ours),
-                                        " | ".join(cell(result.get(peer)) for peer in peers),
-                                        factors), flush=True)
+    copy = result.get("cp")
+    print("| %s |" % " | ".join(
+        [name, size, cell(ours), cell(copy), "%.2f" % (ours[0] / copy[0]) if copy else ""] +
+        [cell(result.get(peer)) for peer in peers] +
+        ["%.2f, %.2f" % tuple(times_cheaper(ours, others, column) for column in (0, 1))
+         if others else ""]), flush=True)
 
 
 def make_inputs(bench, size):
@@ -152,49 +159,46 @@ def make_inputs(bench, size):
             "srec": bench.path("image-of-%d-MiB.srec" % size)}
 
 
-def conversion(bench, inputs, source, target, size):
+def conversion_command(bench, inputs, source, target, output):
     read = "FROM_FILE_BINARY" if source == "raw" else "FROM_FILE"
     move = " -changeStartAddressTo=0x08000000" if source == "raw" else ""
     script = bench.script("%s-%s.tsn" % (source, target),
                           "NEW_BUFFER @B %s inFile%s\n%s" % (read, move, SCRIPTS[target]))
-    outputs = {name: bench.path("out-" + name.replace(" ", "-")) for name in
-               ("CmdTessaron", "srec_cat", "objcopy", "intelhex", "practical limit")}
-    commands = {"CmdTessaron": [bench.program, "inFile=" + inputs[source],
-                                "outFile=" + outputs["CmdTessaron"], script]}
-    for name, maker in (("srec_cat", srec_cat), ("objcopy", objcopy)):
-        commands[name] = maker(inputs[source], source, outputs[name], target)
-    if size == 1:
-        commands["intelhex"] = intelhex(inputs[source], source, outputs["intelhex"], target)
-    commands["practical limit"] = [bench.limit, source, target, inputs[source],
-                                   outputs["practical limit"]]
-    commands = {name: command for name, command in commands.items() if command}
-    result = bench.compare(commands, 9 if size <= 16 else 5 if size <= 64 else 3)
-    check({name: outputs[name] for name in commands}, target)
+    return [bench.program, "inFile=" + inputs[source], "outFile=" + output, script]
+
+
+def copy_command(bench, inputs, source):
+    """Copies the text of a conversion from `source`, which is the output of one from raw bytes."""
+    return ["cp", inputs["hex" if source == "raw" else source], bench.path("out-cp")]
+
+
+def conversion(bench, inputs, source, target, size):
+    outputs = {name: bench.path("out-" + name) for name in
+               ("CmdTessaron", "srec_cat", "objcopy", "intelhex")}
+    commands = {"CmdTessaron": conversion_command(bench, inputs, source, target,
+                                                  outputs["CmdTessaron"]),
+                "cp": copy_command(bench, inputs, source)}
+    if target != "nothing":
+        for name, maker in (("srec_cat", srec_cat), ("objcopy", objcopy)):
+            commands[name] = maker(inputs[source], source, outputs[name], target)
+        if size == 1 and "srec" not in (source, target):
+            commands["intelhex"] = intelhex(inputs[source], source, outputs["intelhex"], target)
+    result = bench.compare(commands, 11 if size <= 16 else 5 if size <= 64 else 3)
+    if target != "nothing":
+        check({name: outputs[name] for name in commands if name in outputs}, target)
     return result
 
 
 def conversions(bench, largest):
     peers = ["srec_cat", "objcopy", "intelhex"]
-    pairs = [("hex", "hex"), ("hex", "srec"), ("srec", "hex"), ("raw", "hex"), ("hex", "raw")]
-    limits = []
     table_head("Conversions", peers)
     for size in (1, 16, 64, 255):
         if size > largest:
             break
         inputs = make_inputs(bench, size)
-        for source, target in pairs:
-            name = "%s to %s" % (source, target)
-            result = conversion(bench, inputs, source, target, size)
-            limit = result.pop("practical limit")
-            limits.append((name, size, result["CmdTessaron"], limit))
-            row(name, size, result, peers)
-    print("\n### The practical limit\n")
-    print("One pass that decodes, tests, encodes and writes each record, with no image in between.\n")
-    print("| item | MiB | CmdTessaron | limit | times the limit: processor | bytes an image byte |")
-    print("| --- | ---: | ---: | ---: | ---: | ---: |")
-    for name, size, ours, limit in limits:
-        print("| %s | %d | %s | %s | %.2f | %.2f |" % (name, size, cell(ours), cell(limit),
-                                                     ours[0] / limit[0], ours[2] / size))
+        for source, target in CONVERSIONS:
+            row("%s to %s" % (source, target), str(size),
+                conversion(bench, inputs, source, target, size), peers)
 
 
 def main_job(bench):
@@ -241,8 +245,8 @@ def checksums(bench):
     }
     peers = ["srec_cat", "openssl", "sha256sum"]
     table_head("Checksums of a raw image", peers)
-    row("CRC-32", 64, bench.compare(crc, 5), peers)
-    row("SHA-256", 64, bench.compare(digest, 5), peers)
+    row("CRC-32", "64", bench.compare(crc, 5), peers)
+    row("SHA-256", "64", bench.compare(digest, 5), peers)
 
 
 def statements(bench):
@@ -254,6 +258,29 @@ def statements(bench):
     command = {"CmdTessaron": [bench.program, bench.script("small.tsn", text)]}
     table_head("A script of 1,000 small statements", [])
     row("statements", "0", bench.compare(command, 21), [])
+
+
+def in_sequence(command, count):
+    """Runs a command `count` times, one after the other."""
+    loop = 'count=$1; shift; while [ $count -gt 0 ]; do "$@" >/dev/null; count=$((count - 1)); done'
+    return ["sh", "-c", loop, "sh", str(count)] + command
+
+
+def runs(bench):
+    """The cost of a run besides its work."""
+    empty = bench.script("empty.tsn", "")
+    small = bench.script("small-run.tsn", "NEW_BUFFER @B FROM_VALUES {1, 2, 3, 4} "
+                         "-changeStartAddressTo=0x1000\nPRINT_BUFFER @B\n")
+    strict = str(pathlib.Path(bench.program).with_name("tessaron"))
+    print("\n### The cost of a run\n\n| item | CmdTessaron | tessaron run | /bin/true |")
+    print("| --- | ---: | ---: | ---: |")
+    for name, script, count, rounds in (("empty script", empty, 1, 101),
+                                        ("10,000 runs of a small script", small, 10000, 1)):
+        commands = {"CmdTessaron": [bench.program, script], "strict": [strict, "run", script],
+                    "true": ["/bin/true"]}
+        result = bench.compare({key: in_sequence(command, count) if count > 1 else command
+                                for key, command in commands.items()}, rounds)
+        print("| %s | %s |" % (name, " | ".join(map(cell, result.values()))), flush=True)
 
 
 def machine():
@@ -273,6 +300,7 @@ def main():
         conversions(bench, largest)
         checksums(bench)
         statements(bench)
+        runs(bench)
 
 
 if __name__ == "__main__":

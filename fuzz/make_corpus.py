@@ -3,7 +3,8 @@
 
     make_corpus.py FOLDER
 
-makes FOLDER/script, FOLDER/run, FOLDER/readers, FOLDER/formats and FOLDER/field. The first two hold one
+makes FOLDER/script, FOLDER/run, FOLDER/readers, FOLDER/formats, FOLDER/records
+and FOLDER/field. The first two hold one
 call of the program per file, in the form that fuzz/ScriptInput.hpp describes, the others hold input files, the
 last one also those with changes at random.
 """
@@ -100,6 +101,7 @@ def main():
     write(target / "run", script_cases())
     write(target / "readers", input_files())
     write(target / "formats", format_files())
+    write(target / "records", input_files())
     write(target / "field", changed(input_files()))
 
 

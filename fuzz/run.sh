@@ -1,13 +1,14 @@
 #!/bin/sh
 # Builds the fuzz targets, replays their corpora and lets each of them search for a while.
-#   fuzz/run.sh SECONDS [target ...]     script, readers, formats, run, field (all); 0 seconds only replay
+#   fuzz/run.sh SECONDS [target ...]     script, readers, formats, run, field, records
+#                                        (all); 0 seconds only replay
 # New inputs of a search stay in build/fuzz/found/, where the next search begins. A finding ends the
 # run with an error, and the input that causes it stays in build/fuzz/findings/.
 set -eu
 cd "$(dirname "$0")/.."
 seconds=${1:?how many seconds?}
 shift
-[ $# -gt 0 ] || set -- script readers formats run field
+[ $# -gt 0 ] || set -- script readers formats run field records
 build=build/fuzz
 scripts/setup.sh test
 mkdir -p $build/findings

@@ -6,9 +6,13 @@
 #include <span>
 
 #include "util/crc/GenericCrc.hpp"
+#include "util/records/Records.hpp"
 
 /// The records of Intel HEX, as reader and writer both know them.
 namespace Io {
+
+/// Characters that a writer of a record may overwrite beyond it.
+using Util::Records::textSlack;
 
 /// Kinds of records; the type byte of a record in a file is the value minus 1.
 enum class IntelRecordType : std::uint32_t {
@@ -83,7 +87,7 @@ constexpr std::size_t intelRecordLength(std::size_t dataSize) {
 }
 
 /// Writes one Intel HEX record, ":LLAAAATT<data>CC" and a line feed, to `out`, which has room for
-/// it, and returns the position after it.
+/// it and for `textSlack` more, and returns the position after it.
 ///
 /// @param address   16-bit address field, written high byte first
 /// @param typeByte  00 to 05, as in the file

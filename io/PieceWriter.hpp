@@ -6,7 +6,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "io/Host.hpp"
 #include "platform/Files.hpp"
@@ -30,12 +29,12 @@ public:
     ///
     /// @throws Io::bad_open
     char* reserve(std::size_t size) {
-        if (piece_.size() - used_ < size) makeRoom(size);
-        return piece_.data() + used_;
+        if (capacity_ - used_ < size) makeRoom(size);
+        return piece_.get() + used_;
     }
 
     /// Ends the output at `end`, which lies in the room of the last `reserve`.
-    void commit(const char* end) { used_ = static_cast<std::size_t>(end - piece_.data()); }
+    void commit(const char* end) { used_ = static_cast<std::size_t>(end - piece_.get()); }
 
     /// @throws Io::bad_open
     void append(std::string_view text);
@@ -51,14 +50,16 @@ public:
 
 private:
     void makeRoom(std::size_t size);
-    void flush();
+    void flush(std::size_t size);
     void write(std::string_view text);
 
     const std::string& path_;
     Platform::FileMode mode_;
     std::unique_ptr<OutputStream> file_;
     bool isComplete_ = true;
-    std::vector<char> piece_;
+    std::size_t capacity_;
+    /// Not initialised, so that a short output touches few pages.
+    std::unique_ptr<char[]> piece_;
     std::size_t used_ = 0;
 };
 

@@ -6,9 +6,13 @@
 #include <span>
 
 #include "util/crc/GenericCrc.hpp"
+#include "util/records/Records.hpp"
 
 /// The records of the S-record format, as reader and writer both know them.
 namespace Io {
+
+/// Characters that a writer of a record may overwrite beyond it.
+using Util::Records::textSlack;
 
 /// Kinds of records. S4, S6 and all digits that the format does not have are unknown.
 enum class SRecordType : std::uint32_t {
@@ -63,7 +67,7 @@ constexpr std::size_t sRecordLength(std::size_t addressAndDataSize) {
 }
 
 /// Writes one S-record, "Sn", count, address, data and checksum, and a line feed, to `out`, which
-/// has room for it, and returns the position after it.
+/// has room for it and for `textSlack` more, and returns the position after it.
 ///
 /// @param type     not `Unknown`
 /// @param address  the address field, most significant byte first

@@ -54,6 +54,18 @@ public:
     /// Makes line `number`, which begins at byte `position` of the file, the next one.
     void moveTo(std::uint64_t position, std::uint64_t number);
 
+    /// The text after the current line, as far as it has been read, until `next` or `moveTo`.
+    std::string_view textAhead() const {
+        return {reinterpret_cast<const char*>(piece_.data()) + next_, end_ - next_};
+    }
+
+    /// Moves on over the first `size` characters of `textAhead`, which are `count` lines. No line
+    /// is the current one until `next`.
+    void skip(std::size_t size, std::uint64_t count) {
+        next_ += size;
+        number_ += count;
+    }
+
     /// Whether what was read so far is the file as it was when it was opened.
     Platform::Reading reading() const { return file_.reading(); }
 

@@ -29,9 +29,8 @@ void checkAreas(const AreaList& areas, const std::vector<std::string>& names,
     for (const std::string& name : names) {
         const auto image = context.buffers.find(name);
         images += (images.empty() ? "" : " or ") + name;
-        if (image == context.buffers.end()) continue;
-        images += ' ';
-        images += addresses(image->second.getArea());
+        if (image != context.buffers.end())
+            images.append(1, ' ').append(addresses(image->second.getArea()));
     }
     for (const Area& area : areas) {
         const auto holds = [&](const std::string& name) {

@@ -18,7 +18,7 @@ constexpr std::uint64_t blockSize = 0x10000;
 
 void writeRecord(PieceWriter& out, std::uint64_t address, IntelRecordType type,
                  std::span<const std::uint8_t> data) {
-    char* const place = out.reserve(intelRecordLength(data.size()));
+    char* const place = out.reserve(intelRecordLength(data.size()) + textSlack);
     out.commit(
         writeIntelRecord(place, static_cast<std::uint16_t>(address), typeByteOf(type), data));
 }
@@ -85,9 +85,10 @@ std::string IntelHexOutFile::getStringRepresentationFor(
     }
     std::vector<std::uint8_t> data(elements.size());
     std::ranges::transform(elements, data.begin(), &Buffer::MemoryElement::effectiveByte);
-    std::string text(intelRecordLength(data.size()), '\0');
+    std::string text(intelRecordLength(data.size()) + textSlack, '\0');
     writeIntelRecord(text.data(), static_cast<std::uint16_t>(address), typeByteOf(recordType),
                      data);
+    text.resize(intelRecordLength(data.size()));
     return text;
 }
 

@@ -81,8 +81,10 @@ void MotorolaS_OutFile::makeRecord(SRecordKind kind, std::uint64_t value, SRecor
 
 std::string MotorolaS_OutFile::getStringRepresentation(const SRecord& record) {
     if (record.recordType == SRecordType::Unknown) return {};
-    std::string text(sRecordLength(record.address.size() + record.data.size()), '\0');
+    const std::size_t length = sRecordLength(record.address.size() + record.data.size());
+    std::string text(length + textSlack, '\0');
     writeSRecord(text.data(), record.recordType, record.address, record.data);
+    text.resize(length);
     return text;
 }
 
@@ -114,8 +116,13 @@ void MotorolaS_OutFile::saveToFile() {
 
 void MotorolaS_OutFile::writeRecord(PieceWriter& out, const SRecord& record) {
     if (record.recordType == SRecordType::Unknown) return;
-    char* const place = out.reserve(sRecordLength(record.address.size() + record.data.size()));
-    out.commit(writeSRecord(place, record.recordType, record.address, record.data));
+    writeRecord(out, record, record.data);
+}
+
+void MotorolaS_OutFile::writeRecord(PieceWriter& out, const SRecord& head,
+                                    std::span<const std::uint8_t> data) {
+    char* const place = out.reserve(sRecordLength(head.address.size() + data.size()) + textSlack);
+    out.commit(writeSRecord(place, head.recordType, head.address, data));
 }
 
 void MotorolaS_OutFile::writeImage(PieceWriter& out, const ImageView& image,
@@ -125,8 +132,7 @@ void MotorolaS_OutFile::writeImage(PieceWriter& out, const ImageView& image,
     std::uint64_t address = image.startAddress;
     const auto writeData = [&](std::span<const std::uint8_t> data) {
         putAddress(address, record.address);
-        out.commit(writeSRecord(out.reserve(sRecordLength(record.address.size() + data.size())),
-                                record.recordType, record.address, data));
+        writeRecord(out, record, data);
         address += data.size();
         ++progress.uncounted;
     };

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,9 @@ private:
     };
 
     static void writeRecord(PieceWriter& out, const SRecord& record);
+    /// A record of type and address of `head`, with `data` in place of its own.
+    static void writeRecord(PieceWriter& out, const SRecord& head,
+                            std::span<const std::uint8_t> data);
     void writeImage(PieceWriter& out, const ImageView& image, Progress& progress) const;
     void writeCount(PieceWriter& out, Progress& progress) const;
     void setAddress(std::uint64_t value, SRecord& record) const;

@@ -19,10 +19,15 @@ public:
     void append(std::uint64_t address, std::span<const std::uint8_t> bytes, std::uint64_t number) {
         if (bytes.empty()) return;
         bytes_.append(address, bytes);
-        if (bytes_.runs().size() != sources_.size())
-            sources_.push_back({{address, 0}, number, number});
-        sources_.back().area.length += bytes.size();
-        sources_.back().lastLine = number;
+        noteLines(address, bytes.size(), number, number);
+    }
+
+    /// Appends the first `size` bytes in the room of `bytes`, which the lines from `first` to
+    /// `last` have for the addresses from `address` on.
+    void appendInPlace(std::uint64_t address, std::size_t size, std::uint64_t first,
+                       std::uint64_t last) {
+        bytes_.appendInPlace(address, size);
+        noteLines(address, size, first, last);
     }
 
     /// Discards all data and gives its memory back.
@@ -38,6 +43,14 @@ public:
     const std::vector<Import::SourceRun>& sources() const { return sources_; }
 
 private:
+    void noteLines(std::uint64_t address, std::size_t size, std::uint64_t first,
+                   std::uint64_t last) {
+        if (bytes_.runs().size() != sources_.size())
+            sources_.push_back({{address, 0}, first, last});
+        sources_.back().area.length += size;
+        sources_.back().lastLine = last;
+    }
+
     Import::ParsedData bytes_;
     std::vector<Import::SourceRun> sources_;
 };

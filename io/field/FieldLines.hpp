@@ -28,6 +28,19 @@ public:
         return true;
     }
 
+    /// The text after the current line, as far as it has been read, until `next`. Empty if the
+    /// next line begins after a carriage return.
+    std::string_view textAhead() const {
+        return rest_.empty() ? lines_.textAhead() : std::string_view();
+    }
+
+    /// Moves on over the first `size` characters of `textAhead`, which are `count` lines that a
+    /// line feed ends, to the last of them. Its characters are not kept.
+    void skip(std::size_t size, std::uint64_t count) {
+        lines_.skip(size, count);
+        number_ += count;
+    }
+
     /// The current line, without its end, until `next`.
     std::string_view line() const { return line_; }
 

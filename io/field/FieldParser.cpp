@@ -62,6 +62,7 @@ void FieldParser::parse(FieldLines& lines) {
         number_ = lines.number();
         if (lines.endsWithReturn()) tolerate(Tolerance::LoneReturn);
         takeLine(line_);
+        takeAhead(lines);
     }
     line_ = {};
     reports_.finish();
@@ -83,6 +84,25 @@ void FieldParser::takeLine(std::string_view line) {
         textEndLine_ = 0;
     }
     if (!takeRecord(line)) takeText(line);
+}
+
+/// Takes the perfect data records that follow the current line and have been read already. About
+/// these there is nothing to report, unless data is out of place or follows what is wrong.
+void FieldParser::takeAhead(FieldLines& lines) {
+    // The first data record reserves the memory.
+    if (isEnded_ || isDamaged() || textEndLine_ != 0 || data_.bytes().empty() || !ahead_.isDue())
+        return;
+    const std::uint64_t before = number_;
+    for (;;) {
+        const std::string_view text = lines.textAhead();
+        const Util::Records::DataRun run = decodeRun(text, data_.bytes().room());
+        if (run.count == 0) break;
+        lines.skip(run.textSize, run.count);
+        const std::uint64_t first = number_ + 1;
+        number_ = lines.number();
+        data_.appendInPlace(useRun(run, text), run.dataSize, first, number_);
+    }
+    ahead_.note(number_ != before);
 }
 
 /// Removes what may be at the end of a line, and notes what it was.

@@ -8,9 +8,11 @@
 #include <string>
 #include <string_view>
 
+#include "io/Backoff.hpp"
 #include "io/field/FieldData.hpp"
 #include "io/field/FieldLines.hpp"
 #include "io/field/FieldReports.hpp"
+#include "util/records/Records.hpp"
 
 namespace Io::Field {
 
@@ -39,6 +41,13 @@ protected:
 
     /// Takes a line that begins as a record does. False if it does not.
     virtual bool takeRecord(std::string_view line) = 0;
+
+    /// Takes perfect data records off the front of `text`, see Util::Records.
+    virtual Util::Records::DataRun decodeRun(std::string_view text, std::uint8_t* out) const = 0;
+
+    /// Counts a run that begins `text` and reports what is odd about its last record, which is the
+    /// current line. Returns the address of its first byte.
+    virtual std::uint64_t useRun(const Util::Records::DataRun& run, std::string_view text) = 0;
 
     /// Takes a line that is neither a record nor a remark. False if it is no part of the format.
     virtual bool takeOther(std::string_view /*line*/) { return false; }
@@ -84,6 +93,7 @@ private:
 
     void refuse(std::size_t size);
     void takeLine(std::string_view line);
+    void takeAhead(FieldLines& lines);
     std::string_view trimmed(std::string_view line);
     void takeText(std::string_view text);
     void explainDigits(std::string_view line, const Frame& frame);
@@ -97,6 +107,7 @@ private:
     /// The first line that only blank lines should follow, or 0, and the byte at its end.
     char textEnd_ = 0;
     std::uint64_t textEndLine_ = 0;
+    Backoff ahead_;  ///< for files whose records are not perfect
     std::array<std::uint8_t, mostBytes> bytes_{};
 };
 

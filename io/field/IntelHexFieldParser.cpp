@@ -33,10 +33,19 @@ bool IntelHexFieldParser::takeRecord(std::string_view line) {
 }
 
 void IntelHexFieldParser::useData(const IntelRecord& record) {
-    constexpr std::uint32_t segmentSize = 0x10000;
-    if (isSegment_ && record.address() + record.length() > segmentSize)
-        tolerate(Tolerance::SegmentBorder);
+    noteBorder(record.address() + record.length());
     store(base_ + record.address(), record.data());
+}
+
+void IntelHexFieldParser::noteBorder(std::uint64_t end) {
+    constexpr std::uint64_t segmentSize = 0x10000;
+    if (isSegment_ && end > segmentSize) tolerate(Tolerance::SegmentBorder);
+}
+
+std::uint64_t IntelHexFieldParser::useRun(const Util::Records::DataRun& run,
+                                          std::string_view /*text*/) {
+    noteBorder(run.address + run.dataSize);
+    return base_ + run.address;
 }
 
 /// The fields of a record that is not a data record are as its type wants them.

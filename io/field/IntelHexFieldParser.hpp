@@ -5,6 +5,7 @@
 
 #include "io/IntelHexRecord.hpp"
 #include "io/field/FieldParser.hpp"
+#include "util/records/Records.hpp"
 
 namespace Io::Field {
 
@@ -19,7 +20,13 @@ public:
 
 private:
     bool takeRecord(std::string_view line) override;
+    Util::Records::DataRun decodeRun(std::string_view text, std::uint8_t* out) const override {
+        return Util::Records::Codec::decodeIntel(text, out);
+    }
+    std::uint64_t useRun(const Util::Records::DataRun& run, std::string_view text) override;
     bool isSound(const IntelRecord& record);
+    /// Data of the current line ends at `end` of a segment.
+    void noteBorder(std::uint64_t end);
     void useData(const IntelRecord& record);
     void use(const IntelRecord& record);
 

@@ -78,8 +78,7 @@ void SRecordFieldParser::use(SRecordType type, const SRecord& record) {
         case SRecordType::S1:
         case SRecordType::S2:
         case SRecordType::S3:
-            if (address + record.data().size() > std::uint64_t{1} << (8 * record.addressSize))
-                tolerate(Tolerance::SegmentBorder);
+            noteBorder(address + record.data().size(), record.addressSize);
             store(address, record.data());
             return;
         case SRecordType::S7:
@@ -98,6 +97,17 @@ void SRecordFieldParser::use(SRecordType type, const SRecord& record) {
             noteEmptyRecord();
             break;
     }
+}
+
+void SRecordFieldParser::noteBorder(std::uint64_t end, std::size_t addressSize) {
+    if (end > std::uint64_t{1} << (8 * addressSize)) tolerate(Tolerance::SegmentBorder);
+}
+
+std::uint64_t SRecordFieldParser::useRun(const Util::Records::DataRun& run, std::string_view text) {
+    records_ += run.count;
+    const auto digit = static_cast<std::uint32_t>(text[1] - '0');
+    noteBorder(run.address + run.dataSize, sRecordAddressSize(sRecordType(digit)));
+    return run.address;
 }
 
 void SRecordFieldParser::useCount(const SRecord& record) {

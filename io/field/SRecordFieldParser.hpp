@@ -6,6 +6,7 @@
 
 #include "io/SRecord.hpp"
 #include "io/field/FieldParser.hpp"
+#include "util/records/Records.hpp"
 
 namespace Io::Field {
 
@@ -23,9 +24,15 @@ public:
 
 private:
     bool takeRecord(std::string_view line) override;
+    Util::Records::DataRun decodeRun(std::string_view text, std::uint8_t* out) const override {
+        return Util::Records::Codec::decodeS(text, out);
+    }
+    std::uint64_t useRun(const Util::Records::DataRun& run, std::string_view text) override;
     bool takeOther(std::string_view line) override;
     bool isSound(const SRecord& record);
     void use(SRecordType type, const SRecord& record);
+    /// Data of the current line ends at `end`, with addresses of so many bytes.
+    void noteBorder(std::uint64_t end, std::size_t addressSize);
     void useCount(const SRecord& record);
 
     std::uint64_t records_ = 0;         ///< data records so far

@@ -9,6 +9,20 @@
 
 namespace Io::Import {
 
+namespace {
+
+/// Takes the perfect data records that follow the current line, if they mean nothing to the parser
+/// of the other format or no more than another line to pass over.
+void takeAhead(TextLines& lines, InFileType type, IntelHexParser& intelHex,
+               MotorolaS_Parser& motorolaS) {
+    if (type == InFileType::IntelHex && motorolaS.isOver())
+        intelHex.takeAhead(lines);
+    else if (type == InFileType::MotorolaS && !intelHex.listsPassedOver())
+        intelHex.passOver(motorolaS.takeAhead(lines));
+}
+
+}  // namespace
+
 GenericInFile::GenericInFile(std::string path) : fileName_(std::move(path)) {
     TextLines lines(fileName_);
     FormatScan scan;
@@ -18,6 +32,7 @@ GenericInFile::GenericInFile(std::string path) : fileName_(std::move(path)) {
         scan.look(lines.line());
         intelHex.take(lines);
         motorolaS.take(lines);
+        takeAhead(lines, scan.type(), intelHex, motorolaS);
     }
     fileType_ = scan.type();
     // The reader goes on with the open file: opened by its name once more, it could be another one.

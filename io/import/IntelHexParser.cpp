@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "io/import/HexRecordSyntax.hpp"
+#include "util/records/Records.hpp"
 
 namespace Io::Import {
 
@@ -55,6 +56,10 @@ void IntelHexParser::takeLast(std::string_view line) {
 
 void IntelHexParser::takeRecord(const TextLines& lines) {
     takeLine(lines, [this](std::string_view line) { return parseRecord(line); });
+}
+
+void IntelHexParser::takeAhead(TextLines& lines) {
+    takeDataAhead(lines, &Util::Records::Codec::decodeIntel, segmentBase_);
 }
 
 LineFault IntelHexParser::parseRecord(std::string_view line) {

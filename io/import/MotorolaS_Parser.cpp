@@ -5,6 +5,7 @@
 #include "io/SRecord.hpp"
 #include "io/import/HexRecordSyntax.hpp"
 #include "util/BigEndian.hpp"
+#include "util/records/Records.hpp"
 
 namespace Io::Import {
 
@@ -93,6 +94,12 @@ MotorolaS_Parser::MotorolaS_Parser(MotorolaS_Parser&& other) noexcept = default;
 
 void MotorolaS_Parser::takeRecord(const TextLines& lines) {
     takeLine(lines, [this](std::string_view line) { return parseRecord(line); });
+}
+
+std::uint64_t MotorolaS_Parser::takeAhead(TextLines& lines) {
+    const std::uint64_t count = takeDataAhead(lines, &Util::Records::Codec::decodeS, 0);
+    dataRecordCount_ += static_cast<std::uint32_t>(count);
+    return count;
 }
 
 LineFault MotorolaS_Parser::parseRecord(std::string_view line) {

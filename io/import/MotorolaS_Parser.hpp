@@ -29,6 +29,10 @@ public:
         if (!lines.isLast() && !isOver()) takeRecord(lines);
     }
 
+    /// Takes the perfect data records that follow the current line and have been read already.
+    /// Returns their number.
+    std::uint64_t takeAhead(TextLines& lines);
+
 private:
     class Syntax;
     struct Record;

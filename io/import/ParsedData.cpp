@@ -6,29 +6,27 @@
 #include <utility>
 
 #include "io/import/ReaderReports.hpp"
+#include "util/records/Records.hpp"
 
 namespace Io::Import {
 
 void ParsedData::append(std::uint64_t address, std::span<const std::uint8_t> bytes) {
     if (bytes.empty()) return;
-    std::memcpy(startRun({address, bytes.size()}).data(), bytes.data(), bytes.size());
+    reserve();
+    std::memcpy(room(), bytes.data(), bytes.size());
+    appendInPlace(address, bytes.size());
 }
 
-std::span<std::uint8_t> ParsedData::startRun(const Buffer::Area& area) {
-    const std::uint64_t address = area.start;
-    if (bytes_.size() == 0) bytes_ = Platform::PageBlock(capacity_);
+/// Reserves the memory for all bytes of the file.
+void ParsedData::reserve() {
+    if (bytes_.size() == 0) bytes_ = Platform::PageBlock(capacity_ + Util::Records::dataSlack);
+}
+
+void ParsedData::beginRun(const Buffer::Area& area) {
     const bool isFirst = runs_.empty();
-    if (!isFirst && runs_.back().area.end() == address) {
-        runs_.back().area.length += area.length;
-    } else {
-        isAscending_ = isFirst || (isAscending_ && address > runs_.back().area.end());
-        runs_.push_back({area, size_});
-    }
-    minAddress_ = isFirst ? address : std::min(minAddress_, address);
-    maxAddress_ = std::max(maxAddress_, area.end() - 1);
-    auto* const begin = reinterpret_cast<std::uint8_t*>(bytes_.data()) + size_;
-    size_ += area.length;
-    return {begin, static_cast<std::size_t>(area.length)};
+    isAscending_ = isFirst || (isAscending_ && area.start > runs_.back().area.end());
+    runs_.push_back({area, size_});
+    minAddress_ = isFirst ? area.start : std::min(minAddress_, area.start);
 }
 
 void ParsedData::clear() {

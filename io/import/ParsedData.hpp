@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -34,11 +35,28 @@ public:
     /// Appends `bytes`, which the file has from `address` on.
     void append(std::uint64_t address, std::span<const std::uint8_t> bytes);
 
+    /// Room for what the rest of the file holds, and beyond it for what a decoder may overwrite.
+    /// What is put there becomes data by `appendInPlace`. Not before some bytes have been appended.
+    std::uint8_t* room() const { return reinterpret_cast<std::uint8_t*>(bytes_.data()) + size_; }
+
+    /// Appends the first `size` bytes in `room`, which the file has from `address` on.
+    void appendInPlace(std::uint64_t address, std::size_t size) {
+        if (size == 0) return;
+        if (!runs_.empty() && runs_.back().area.end() == address)
+            runs_.back().area.length += size;
+        else
+            beginRun({address, size});
+        maxAddress_ = std::max(maxAddress_, address + size - 1);
+        size_ += size;
+    }
+
     /// Appends `length` bytes, not none, that the file has from `address` on and that `read` puts
     /// into the span that it is given.
     template <class Read>
     void appendRead(std::uint64_t address, std::size_t length, Read read) {
-        read(startRun({address, length}));
+        reserve();
+        read(std::span(room(), length));
+        appendInPlace(address, length);
     }
 
     /// Discards all bytes and gives their memory back.
@@ -85,8 +103,8 @@ public:
     std::string getInformation() const;
 
 private:
-    /// Notes that the next bytes of the file belong to `area` and makes room for them.
-    std::span<std::uint8_t> startRun(const Buffer::Area& area);
+    void reserve();
+    void beginRun(const Buffer::Area& area);
     std::vector<Run> visibleParts(bool isFirstVisible) const;
     Buffer::Area span() const { return {minAddress_, maxAddress_ - minAddress_ + 1}; }
     void report(Facts::ReadOperation operation, const Buffer::Area& requested) const;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "facts/Facts.hpp"
+#include "io/Backoff.hpp"
 #include "io/TextLines.hpp"
 #include "io/import/ParsedData.hpp"
 
@@ -56,13 +57,13 @@ public:
     /// Hands the result over, once all lines are taken.
     ParsedFile takeResult() { return std::move(parsed_); }
 
+    /// A fault has ended the parse.
+    bool isOver() const { return parsed_.fault != LineFault::None || parsed_.isExhausted; }
+
 protected:
     RecordParser(Facts::InputFormat format, std::uint64_t fileSize)
         // Two digits make a byte, so there are no more bytes than half the characters.
         : parsed_(ParsedData(format, static_cast<std::size_t>(fileSize / 2))) {}
-
-    /// A fault has ended the parse.
-    bool isOver() const { return parsed_.fault != LineFault::None || parsed_.isExhausted; }
 
     /// Takes the current line by `parse`, which returns its fault.
     template <class Parse>
@@ -74,22 +75,58 @@ protected:
             else if (++parsed_.passedOverCount <= ParsedFile::mostListed)
                 parsed_.passedOver.push_back({lines.position(), lines.number()});
         } catch (const std::bad_alloc&) {
-            parsed_.data.clear();
-            parsed_.isExhausted = true;
+            exhaust();
         }
         if (parsed_.fault == LineFault::None) return;
         parsed_.faultLine = {lines.position(), lines.number()};
         if (parsed_.fault == LineFault::Contradictory) parsed_.data.clear();
     }
 
+    /// Takes the perfect data records at the front of the text ahead, which need no grammar, and
+    /// returns their number. Their addresses are relative to `base`.
+    ///
+    /// @param decode  of Util::Records
+    template <class Decode>
+    std::uint64_t takeDataAhead(TextLines& lines, Decode decode, std::uint64_t base) {
+        // The first data record reserves the memory.
+        if (isOver() || parsed_.data.empty() || !ahead_.isDue()) return 0;
+        const std::string_view all = lines.textAhead();
+        std::string_view text = all;
+        std::uint64_t count = 0;
+        try {
+            for (auto run = decode(text, parsed_.data.room()); run.count != 0;
+                 run = decode(text, parsed_.data.room())) {
+                parsed_.data.appendInPlace(base + run.address, run.dataSize);
+                text.remove_prefix(run.textSize);
+                count += run.count;
+            }
+        } catch (const std::bad_alloc&) {
+            exhaust();
+        }
+        lines.skip(all.size() - text.size(), count);
+        ahead_.note(count != 0);
+        return count;
+    }
+
     ParsedFile parsed_;
+
+private:
+    void exhaust() {
+        parsed_.data.clear();
+        parsed_.isExhausted = true;
+    }
+
+    Backoff ahead_;  ///< for files whose records are not perfect
 };
 
 /// Parses the lines that are left.
 template <class Parser>
 Parser parseLines(TextLines& lines) {
     Parser parser(lines.fileSize());
-    while (lines.next()) parser.take(lines);
+    while (lines.next()) {
+        parser.take(lines);
+        parser.takeAhead(lines);
+    }
     return parser;
 }
 

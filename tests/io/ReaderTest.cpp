@@ -223,9 +223,10 @@ TEST(IntelHexInFileTest, RecordsInAnyOrderHideEachOtherByteByByte) {
             for (auto& byte : data) byte = static_cast<std::uint8_t>(random());
             const auto address = static_cast<std::uint16_t>(random() % 60);
             std::ranges::copy(data, wanted.begin() + address);
-            file.resize(file.size() + Io::intelRecordLength(data.size()));
-            Io::writeIntelRecord(&file[file.size() - Io::intelRecordLength(data.size())], address,
-                                 0, data);
+            std::string record(Io::intelRecordLength(data.size()) + Io::textSlack, '\0');
+            Io::writeIntelRecord(record.data(), address, 0, data);
+            record.resize(Io::intelRecordLength(data.size()));
+            file += record;
         }
         const IntelHexInFile reader(temporaryFile(file + endOfHex));
         const std::uint64_t from = reader.getMinAddress();
