@@ -19,6 +19,7 @@ using namespace Facts;
 
 /// Its digits occur in no message. It fits into 32 bits.
 constexpr std::uint32_t number = 987654321;
+constexpr std::uint8_t byte = 0xA5;
 constexpr std::array<std::uint8_t, 4> bytes{0x3A, 0xDE, 0x68, 0xB1};
 
 /// Selects the overload for a type.
@@ -142,8 +143,10 @@ std::vector<Fact> examples(Of<NameNotFound> /*type*/) {
     return facts;
 }
 std::vector<Fact> examples(Of<OverlapRefused> /*type*/) {
-    return {OverlapRefused{"NAME", "NAME", number, number, true, number, 0, 0},
-            OverlapRefused{"NAME", "NAME", number, number, false, number, 0, 0}};
+    const OverlapRefused refused{"NAME", "NAME", number, number + 1, true, number, byte, byte};
+    OverlapRefused equal = refused;
+    equal.isDifferent = false;
+    return {refused, equal};
 }
 std::vector<Fact> examples(Of<StatementExhausted> /*type*/) {
     std::vector<Fact> facts;
@@ -231,6 +234,7 @@ std::string shown(Print print) {
     boost::algorithm::replace_all(lines, "3ade68b1", "HEX");
     boost::algorithm::replace_all(lines, "3ADE68B1", "HEX");
     boost::algorithm::replace_all(lines, "00000000", "HEX");
+    boost::algorithm::replace_all(lines, "0xA5", "0xHEX");
     return lines;
 }
 

@@ -21,7 +21,7 @@ struct RunOptions {
     bool keepsGoing = false;     ///< goes on after a statement that failed
     std::string dependencyFile;  ///< empty for none
     std::string manifest;        ///< a file to write, or with `isCheck` to compare with
-    std::string map;     ///< of the images, to write: a picture if it ends in .svg, or text
+    std::string map;             ///< of the images, to write: a picture if it ends in .svg, or text
     std::string report;          ///< a page to write; empty for none
 };
 

@@ -66,7 +66,8 @@ void FieldParser::parse(FieldLines& lines) {
     }
     line_ = {};
     reports_.finish();
-    if (!isEnded_) Facts::report(Facts::EndMissing{reports_.file(), reports_.format()});
+    if (!isEnded_ && !isWhole())
+        Facts::report(Facts::EndMissing{reports_.file(), reports_.format()});
     if (isDamaged()) data_.clear();
     data_.bytes().finish();
 }

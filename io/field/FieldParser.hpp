@@ -60,6 +60,9 @@ protected:
         std::size_t headSize;
     };
 
+    /// Without an end record, something else shows that the file is whole.
+    virtual bool isWhole() const { return false; }
+
     /// The bytes of a record. Empty, after a report, if the digits are none.
     std::span<const std::uint8_t> bytesOf(std::string_view line, const Frame& frame);
 

@@ -38,7 +38,10 @@ std::size_t SRecordFieldParser::dataSizeOf(std::string_view line) const {
 bool SRecordFieldParser::takeRecord(std::string_view line) {
     if (line.size() < 2 || line[0] != 'S' || line[1] < '0' || line[1] > '9') return false;
     // A damaged record is one of those that were counted.
-    if (line[1] >= '1' && line[1] <= '3') ++records_;
+    if (line[1] >= '1' && line[1] <= '3') {
+        ++records_;
+        isCounted_ = false;
+    }
     const SRecordType type = sRecordType(static_cast<std::uint32_t>(line[1] - '0'));
     const bool isCount = isCountDigit(line[1]);
     // All of a count record is the number, so its bytes count as data.
@@ -117,6 +120,7 @@ void SRecordFieldParser::useCount(const SRecord& record) {
     else
         noteEmptyRecord();
     countedRecords_ = records_;
+    isCounted_ = count == records_ && count != 0;
 }
 
 }  // namespace Io::Field

@@ -32,6 +32,10 @@ private:
     ListenerScope scope_{*this};
 };
 
+std::unique_ptr<Io::Import::TessaronImportApi> openField(const std::string& path) {
+    return FieldReading().open(path, Buffer::OverlapRule::NotSet);
+}
+
 TEST(FieldReadingTest, FindsTheFormatByTheFirstRecordWhereverItIs) {
     struct Row {
         std::string name;
@@ -82,7 +86,7 @@ std::string oneByte(unsigned address, unsigned value) {
 TEST(FieldReadingTest, NamesTheLinesOfEveryByte) {
     const std::string path = temporaryFile("# remark\n" + oneByte(7, 1) + "\n" + oneByte(8, 2) +
                                            oneByte(3, 4) + oneByte(8, 5) + ":00000001FF\n");
-    const auto reader = FieldReading().open(path);
+    const auto reader = openField(path);
     const std::vector<SourceRun> runs{{{7, 2}, 2, 4}, {{3, 1}, 5, 5}, {{8, 1}, 6, 6}};
     EXPECT_EQ(reader->getSourceRuns(), runs);
     EXPECT_EQ(Tests::bytesOf(reader->takeMemory()), (std::vector<std::uint8_t>{4, 0, 0, 0, 1, 5}));
@@ -99,7 +103,7 @@ TEST(FieldReadingTest, ListsTwentyRangesOfEachKindAndCountsTheOthers) {
     const std::string path = temporaryFile(text + ":00000001FF\n");
     {
         Collected<RecordsConflict> conflicts;
-        FieldReading().open(path);
+        openField(path);
         ASSERT_EQ(conflicts.facts.size(), 20U);
         for (unsigned i = 0; i < 20; ++i) {
             RecordsConflict fact = conflicts.facts[i];
@@ -108,10 +112,20 @@ TEST(FieldReadingTest, ListsTwentyRangesOfEachKindAndCountsTheOthers) {
         }
     }
     Collected<FurtherOverlaps> further;
-    FieldReading().open(path);
+    openField(path);
     ASSERT_EQ(further.facts.size(), 2U);
     EXPECT_EQ(further.facts[0].count, 3U);
     EXPECT_EQ(further.facts[1].count, 7U);
+}
+
+TEST(FieldReadingTest, TakesACountOfAllRecordsForAnEnd) {
+    const std::string data = "S104000001FA\nS5030001FB\n";  // as srec_cat writes it
+    for (const auto& [rest, isMissing] : std::initializer_list<std::pair<std::string, bool>>{
+             {"", false}, {"\n", false}, {"S104000101F9\n", true}, {"S9030000FC\n", false}}) {
+        Collected<EndMissing> missing;
+        EXPECT_NE(openField(temporaryFile(data + rest)), nullptr);
+        EXPECT_EQ(missing.facts.size(), isMissing ? 1U : 0U) << rest;
+    }
 }
 
 TEST(FieldReadingTest, ReadsEveryWayToCountSRecords) {
@@ -125,7 +139,7 @@ TEST(FieldReadingTest, ReadsEveryWayToCountSRecords) {
           Row{"S50202FB\n", 0}, Row{"S5030001FB\n", 1}, Row{"S5030002FA\nS5030000FC\n", 0},
           Row{"S5030002FA\nS5030001FB\n", 1}}) {
         Collected<LineDamaged> damage;
-        const auto reader = FieldReading().open(temporaryFile(data + row.counts + "S9030000FC\n"));
+        const auto reader = openField(temporaryFile(data + row.counts + "S9030000FC\n"));
         EXPECT_EQ(damage.facts.size(), row.wrong) << row.counts;
         for (const LineDamaged& fact : damage.facts)
             EXPECT_EQ(fact.fault, RecordFault::RecordCount) << row.counts;

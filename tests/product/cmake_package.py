@@ -143,7 +143,7 @@ class UsesOfThePackage(unittest.TestCase):
 
     def test_files_that_the_script_read_are_inputs(self):
         script = "NEW_BUFFER @B FROM_FILE_BINARY inFile\n" \
-                 "NEW_BUFFER @C FROM_FILE_BINARY ../more.bin\n" \
+                 "NEW_BUFFER @C FROM_FILE_BINARY ../more.bin -changeStartAddressTo=1\n" \
                  "NEW_BUFFER @A FROM_BUFFERS {@B, @C}\n" \
                  "WRITE_FILE out.bin WITH_BUFFERS {@A} -setFormat=RawBinary\n" \
                  "PRINT_TEXT {the MARKERs}\n"

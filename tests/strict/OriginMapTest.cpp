@@ -22,7 +22,7 @@ Plain plain(const OriginMap& map) {
 
 TEST(OriginMapTest, RangesKnowWhatAMapOfSingleAddressesKnows) {
     std::mt19937 random(11);
-    const auto area = [&] { return Area{random() % 60, random() % 20}; };
+    const auto area = [&] { return Area{1 + random() % 60, random() % 20}; };
     for (int round = 0; round < 500; ++round) {
         OriginMap map, other;
         Plain expected, otherPlain;
@@ -51,7 +51,7 @@ TEST(OriginMapTest, RangesKnowWhatAMapOfSingleAddressesKnows) {
         }
         map.move(~std::uint64_t{0});  // down by one
         for (const auto& [address, source] : expected)
-            if (address != 0) ASSERT_EQ(map.find(address - 1)->moved, ~std::uint64_t{0});
+            ASSERT_EQ(map.find(address - 1)->moved, ~std::uint64_t{0});
     }
 }
 
