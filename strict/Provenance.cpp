@@ -227,13 +227,18 @@ void Provenance::reportOverlaps(const MemoryBuffer& image, const std::string& na
         std::vector<Note> notes{
             originNote("the earlier byte comes from", current_.written, address),
             originNote("the later byte comes from", source->second.written, address)};
-        listener_->reportName(
-            isConflict ? "conflict" : "overlap", name,
-            isConflict ? name + " replaces " + where + " of the images before it, " +
-                             std::to_string(overlap.differences) +
-                             " of them by other bytes: " + firstDifferences(image, part, overlap)
-                       : name + " has the same " + where + " as the images before it",
-            "-onOverlap= says which byte counts", std::move(notes));
+        std::string text = name;
+        if (isConflict)
+            text.append(" replaces ")
+                .append(where)
+                .append(" of the images before it, ")
+                .append(std::to_string(overlap.differences))
+                .append(" of them by other bytes: ")
+                .append(firstDifferences(image, part, overlap));
+        else
+            text.append(" has the same ").append(where).append(" as the images before it");
+        listener_->reportName(isConflict ? "conflict" : "overlap", name, std::move(text),
+                              "-onOverlap= says which byte counts", std::move(notes));
     }
     if (found.size() > mostReported)
         listener_->reportName(
