@@ -9,6 +9,7 @@ The scripts are the cases of tests/scripts and random ones.
 import argparse
 import pathlib
 import random
+import re
 import shutil
 import subprocess
 import sys
@@ -20,6 +21,9 @@ CRCS = ["Crc8_Standard", "Crc16_Standard", "Crc16_Ccitt", "Crc32_Standard", "Crc
 HASHES = ["Hash_Md5", "Hash_Ripemd_160", "Hash_Sha1", "Hash_Sha2_256", "Hash_Sha3_512"]
 FORMATS = ["RawBinary", "IntelHexExtended_16", "IntelHexExtended_64", "IntelHexSegment_8",
            "EmbeddedC_Assembler", "MotorolaS_32", "MotorolaS_7"]
+
+# The second in which an assembler file was written.
+STAMP = re.compile(rb"// Generated: [-0-9: ]+")
 
 
 def hex_record(kind, address, data):
@@ -149,7 +153,7 @@ class RandomScript:
 
 
 def contents(folder):
-    return {path.relative_to(folder).as_posix(): path.read_bytes()
+    return {path.relative_to(folder).as_posix(): STAMP.sub(b"", path.read_bytes())
             for path in sorted(folder.rglob("*")) if path.is_file()}
 
 
