@@ -60,12 +60,6 @@ const char* wordFor(Work work) {
     return words.at(static_cast<std::size_t>(work));
 }
 
-std::string hexByte(std::uint8_t byte) {
-    std::string digits;
-    Util::appendHex(digits, {&byte, 1});
-    return digits;
-}
-
 const char* wordsFor(VariableFault fault) {
     constexpr std::array words{"is no valid regular expression",
                                "is too complex a regular expression", "makes the script too long"};
@@ -173,8 +167,6 @@ public:
     }
 
     // The program passes over what is no record in silence.
-    void operator()(const LinePassedOver& /*fact*/) const {}
-    void operator()(const LinesPassedOver& /*fact*/) const {}
 
     // The classic readers report none of these.
     void operator()(const FieldFact& /*fact*/) const {}
@@ -283,8 +275,9 @@ public:
     void operator()(const OverlapRefused& fact) const {
         line("Error: Buffer ", fact.name, " could not be ", wordFor(Work::Created), " !");
         if (fact.isDifferent)
-            line(fact.source, " has 0x", hexByte(fact.later), " at address 0x",
-                 Util::hexWord(fact.address), ", written before as 0x", hexByte(fact.earlier));
+            line(fact.source, " has 0x", Util::hexByte(fact.later), " at address 0x",
+                 Util::hexWord(fact.address), ", written before as 0x",
+                 Util::hexByte(fact.earlier));
         else
             line(fact.source, " has the same bytes as written before from 0x",
                  Util::hexWord(fact.start), " to 0x", Util::hexWord(fact.end - 1));

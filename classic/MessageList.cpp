@@ -71,12 +71,6 @@ std::vector<Fact> examples(Of<RecordContradictory> /*type*/) {
 std::vector<Fact> examples(Of<LineNotARecord> /*type*/) {
     return {LineNotARecord{"PATH", number, "LINE"}};
 }
-std::vector<Fact> examples(Of<LinePassedOver> /*type*/) {
-    return {};
-}
-std::vector<Fact> examples(Of<LinesPassedOver> /*type*/) {
-    return {};
-}
 std::vector<Fact> examples(Of<FieldFact> /*type*/) {
     return {};
 }

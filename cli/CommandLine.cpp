@@ -146,9 +146,11 @@ void apply(Request& request, const Texts& texts) {
     }
     if (!texts.offset.empty()) {
         const bool isNegative = texts.offset.front() == '-';
-        const auto offset = static_cast<std::int64_t>(
-            numberIn("--offset", std::string_view(texts.offset).substr(isNegative ? 1 : 0)) &
-            static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()) >> 8U);
+        const std::uint64_t distance =
+            numberIn("--offset", std::string_view(texts.offset).substr(isNegative ? 1 : 0));
+        if (distance > std::numeric_limits<std::uint32_t>::max())
+            throw CLI::ValidationError("--offset", texts.offset + " has more than 32 bits");
+        const auto offset = static_cast<std::int64_t>(distance);
         request.conversion.offset = isNegative ? -offset : offset;
     }
     if (texts.areWarningsErrors) request.policy.makeWarningsErrors();
@@ -172,6 +174,7 @@ void addInfo(CLI::App& app, Request& request, Texts& texts) {
         ->type_name("FILE")
         ->required();
     info->add_flag("--json", request.inspection.isJson, "prints a JSON array");
+    info->add_flag("--symbols", request.inspection.withSymbols, "lists the symbols of ELF files");
     addInspection(*info, request, texts);
     info->parse_complete_callback([&request] { request.command = Command::Info; });
 }

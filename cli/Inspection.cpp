@@ -53,7 +53,7 @@ ExitCode info(const Inspection& inspection, Printer& printer, const Strict::Poli
     bool isGood = true;
     for (const std::string& file : inspection.files) {
         Strict::RemarkList remarks(policy);
-        auto info = Strict::readInfo(file, remarks);
+        auto info = Strict::readInfo(file, inspection.withSymbols, remarks);
         isGood = isGood && info && !remarks.hasErrors();
         if (!info) {
             Strict::readImage(file, printer);

@@ -20,6 +20,7 @@ struct Inspection {
     std::size_t context = 1;      ///< of `diff`
     std::size_t mostLines = 200;  ///< of `diff`; 0 for all
     std::size_t width = 0;        ///< 0 for that of the terminal
+    bool withSymbols = false;     ///< `info` lists those of ELF files
     bool isAscii = false;         ///< `map` uses no other characters
     std::string svgFile;          ///< of `map`; empty for none
     bool hasColor = false;        ///< on standard output

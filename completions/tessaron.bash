@@ -27,7 +27,7 @@ _tessaron_words() {
         :*) compgen -W 'run check info diff map convert' -- "$current" ;;
         run:-*) compgen -W "$script --depfile --manifest --map --report" -- "$current" ;;
         check:-*) compgen -W "$script --against-disk --manifest" -- "$current" ;;
-        info:-*) compgen -W "$common --json --width" -- "$current" ;;
+        info:-*) compgen -W "$common --json --symbols --width" -- "$current" ;;
         diff:-*)
             compgen -W "$common --json --ignore --context --max-lines --width" -- "$current" ;;
         map:-*) compgen -W "$common --svg --ascii --width" -- "$current" ;;

@@ -120,21 +120,6 @@ struct LineNotARecord {
     bool operator==(const LineNotARecord&) const = default;
 };
 
-/// A line of an Intel HEX file is no record and was passed over.
-struct LinePassedOver {
-    std::string_view file;
-    std::uint64_t lineNumber;  ///< counted from 1
-    std::string_view line;
-    bool operator==(const LinePassedOver&) const = default;
-};
-
-/// More lines were passed over than were reported one by one.
-struct LinesPassedOver {
-    std::string_view file;
-    std::uint64_t count;
-    bool operator==(const LinesPassedOver&) const = default;
-};
-
 /// The count of an S-record leaves no room for data after its address.
 struct RecordCountTooLow {
     std::uint32_t count;
@@ -426,14 +411,14 @@ struct RunEnded {
 using Fact =
     std::variant<ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside,
                  FillTooLong, ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty,
-                 LastLineMismatched, RecordContradictory, LineNotARecord, LinePassedOver,
-                 LinesPassedOver, RecordCountTooLow, DataSpanTooLong, RawFileTooLong, FileMalformed,
-                 FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
-                 RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible,
-                 AddressBeyondFormat, FormatNumberWrong, FileWriteIncomplete, NameNotFound,
-                 OverlapRefused, StatementExhausted, CrcParameterRefused, WordIncomplete,
-                 FileNotOpened, FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted,
-                 CrcPrinted, HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
+                 LastLineMismatched, RecordContradictory, LineNotARecord, RecordCountTooLow,
+                 DataSpanTooLong, RawFileTooLong, FileMalformed, FileReadIncomplete,
+                 RecordLengthCorrected, AddressNotExpressible, RecordTypeUnknown,
+                 ImageBeyondSRecords, TooManyBytes, GapsNotExpressible, AddressBeyondFormat,
+                 FormatNumberWrong, FileWriteIncomplete, NameNotFound, OverlapRefused,
+                 StatementExhausted, CrcParameterRefused, WordIncomplete, FileNotOpened,
+                 FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted, CrcPrinted,
+                 HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
                  VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace Facts

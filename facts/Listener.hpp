@@ -15,6 +15,12 @@ public:
     virtual void hear(const Fact& fact) = 0;
 };
 
+/// Hears facts and does nothing, for work whose facts are known already.
+class Unheard final : public Listener {
+public:
+    void hear(const Fact& /*fact*/) override {}
+};
+
 /// Makes a listener the one that `report` reaches, while this object lives. Scopes of one thread
 /// nest: the inner one hides the outer one.
 class ListenerScope {

@@ -38,11 +38,21 @@ public:
         isDamaged = isDamaged || std::holds_alternative<Facts::LineDamaged>(*field) ||
                     std::holds_alternative<Facts::FormatForeign>(*field);
         hasEnd = hasEnd && !std::holds_alternative<Facts::EndMissing>(*field);
+        if (const auto* const odd = std::get_if<Facts::LinesTolerated>(field))
+            hasOddRecords = hasOddRecords || isPassedOver(odd->tolerance);
     }
 
     std::size_t count = 0;
     bool isDamaged = false;
     bool hasEnd = true;
+    bool hasOddRecords = false;  ///< which the classic readers pass over without a word
+
+private:
+    static bool isPassedOver(Facts::Tolerance tolerance) {
+        using enum Facts::Tolerance;
+        return tolerance == TrailingBlank || tolerance == LoneReturn || tolerance == TextEndMark ||
+               tolerance == NulBytes || tolerance == Utf8Mark;
+    }
 };
 
 void checkSame(const TessaronImportApi& field, const GenericInFile& classic) {
@@ -77,14 +87,6 @@ void checkLines(const TessaronImportApi& field) {
           "an area that begins below the data takes what there is");
 }
 
-/// The classic readers know no line that ends with a carriage return alone.
-bool hasLoneReturn(std::string_view text) {
-    for (std::size_t at = text.find('\r'); at != std::string_view::npos;
-         at = text.find('\r', at + 1))
-        if (text.substr(at + 1, 1) != "\n") return true;
-    return false;
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -108,7 +110,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // A text without records that the classic readers know is raw for them.
     const bool isText = dynamic_cast<const Io::Field::FieldInFile*>(field.get()) != nullptr;
     const bool isTextForBoth = isText == (classic.type() != InFileType::RawBinary);
-    const bool isWhole = heardByClassic.count == 0 && heard.hasEnd && !hasLoneReturn(text);
+    const bool isWhole = heardByClassic.count == 0 && heard.hasEnd && !heard.hasOddRecords;
     if (isWhole && isTextForBoth) checkSame(*field, classic);
     return 0;
 }

@@ -1,8 +1,6 @@
 #include "inspect/Image.hpp"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <memory>
 
 #include "buffer/Overlap.hpp"
@@ -12,6 +10,7 @@
 #include "io/import/elf/ElfInFile.hpp"
 #include "io/import/titxt/TiTxtInFile.hpp"
 #include "io/import/uf2/Uf2InFile.hpp"
+#include "util/Hex.hpp"
 
 namespace Inspect {
 
@@ -113,13 +112,8 @@ const MemoryBuffer* partWith(const Parts& parts, const Area& area) {
 }
 
 std::string addressText(std::uint64_t address) {
-    constexpr std::size_t digits = 8;
-    std::array<char, 16> text{};
-    auto* const end = std::to_chars(text.begin(), text.end(), address, 16).ptr;
-    std::string number(text.begin(), end);
-    std::ranges::transform(number, number.begin(),
-                           [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
-    return "0x" + std::string(digits - std::min(digits, number.size()), '0') + number;
+    constexpr std::size_t fewestDigits = 8;
+    return "0x" + Util::hexNumber(address, fewestDigits);
 }
 
 std::string rangeText(const Area& area) {
@@ -154,6 +148,22 @@ std::string sizeText(std::uint64_t bytes) {
     const std::uint64_t tenths = (bytes / unit) * 10 + (bytes % unit) * 10 / unit;
     return grouped(tenths / 10) + "." + std::to_string(tenths % 10) +
            (unit == kibi ? " KiB" : " MiB");
+}
+
+std::string escaped(std::string_view text) {
+    std::string safe;
+    for (const char c : text) {
+        const bool isControl = static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\n';
+        if (c == '&')
+            safe += "&amp;";
+        else if (c == '<')
+            safe += "&lt;";
+        else if (c == '"')
+            safe += "&quot;";
+        else
+            safe += isControl ? ' ' : c;
+    }
+    return safe;
 }
 
 }  // namespace Inspect

@@ -8,6 +8,7 @@
 
 #include "inspect/Json.hpp"
 #include "io/InFile.hpp"
+#include "io/import/elf/ElfFile.hpp"
 #include "util/Hex.hpp"
 
 namespace Inspect {
@@ -72,9 +73,51 @@ std::string remarkText(const Remark& remark) {
     return text + "\n";
 }
 
+std::string wordFor(Io::Import::ElfSymbol::Kind kind) {
+    switch (kind) {
+        case Io::Import::ElfSymbol::Kind::Data:
+            return "data";
+        case Io::Import::ElfSymbol::Kind::Function:
+            return "function";
+        case Io::Import::ElfSymbol::Kind::Other:
+            break;
+    }
+    return "label";
+}
+
+/// Adds what only an ELF file has.
+void addLoaded(Info& info, bool withSymbols) {
+    const Io::Import::ElfFile file(info.path);
+    for (const auto& segment : file.segments())
+        info.segments.push_back({{segment.address, segment.length}, "", ""});
+    if (!withSymbols) return;
+    for (const auto& symbol : file.symbols())
+        info.symbols.push_back({{symbol.address, symbol.size}, wordFor(symbol.kind), symbol.name});
+    std::ranges::stable_sort(info.symbols, {},
+                             [](const Loaded& symbol) { return symbol.area.start; });
+}
+
+std::string segmentsText(const std::vector<Loaded>& segments) {
+    std::string text;
+    for (const Loaded& segment : segments)
+        text += "  segment   " + rangeText(segment.area) + ", " +
+                countText(segment.area.length, "byte") + "\n";
+    return text;
+}
+
+std::string symbolsText(const std::vector<Loaded>& symbols) {
+    if (symbols.empty()) return "";
+    std::string text = "\n  symbol         bytes  kind      name\n";
+    for (const Loaded& symbol : symbols)
+        text += "  " + left(addressText(symbol.area.start), 10) +
+                right(grouped(symbol.area.length), 10) + "  " + left(symbol.kind, 8) + "  " +
+                symbol.name + "\n";
+    return text;
+}
+
 }  // namespace
 
-Info infoAbout(const std::string& path) {
+Info infoAbout(const std::string& path, bool withSymbols) {
     Info info;
     info.path = path;
     info.format = formatOf(path);
@@ -89,6 +132,7 @@ Info infoAbout(const std::string& path) {
     const auto image = openImage(path);
     info.records = records.get();
     if (!image) return info;
+    if (info.format == "ELF") addLoaded(info, withSymbols);
     info.startAddress = image->startAddress;
     const AreaList areas = image->areas();
     for (const Area& area : areas) info.areas.push_back({area, digestOf(image->parts, area)});
@@ -101,6 +145,7 @@ std::string textOf(const Info& info, std::size_t width) {
         info.path + ": " + info.format + ", " + countText(info.fileSize, "byte") + "\n";
     if (info.records.total() != 0) text += "  records   " + recordsText(info.records);
     if (info.startAddress) text += "  start     " + addressText(*info.startAddress) + "\n";
+    text += segmentsText(info.segments);
     std::uint64_t bytes = 0;
     for (const AreaInfo& area : info.areas) bytes += area.area.length;
     text += "  data      " + countText(bytes, "byte");
@@ -111,14 +156,11 @@ std::string textOf(const Info& info, std::size_t width) {
                 rangeText({info.areas.front().area.start,
                            info.areas.back().area.end() - info.areas.front().area.start});
     text += "\n";
-    if (info.areas.empty()) {
-        for (const Remark& remark : info.remarks) text += remarkText(remark);
-        return text;
-    }
-    text += "  CRC-32    " + Util::hexWord(info.digest.crc32) + "\n  SHA-256   " +
-            info.digest.sha256 + "\n";
+    if (!info.areas.empty())
+        text += "  CRC-32    " + Util::hexWord(info.digest.crc32) + "\n  SHA-256   " +
+                info.digest.sha256 + "\n";
     for (const Remark& remark : info.remarks) text += remarkText(remark);
-    if (info.areas.empty()) return text;
+    if (info.areas.empty()) return text + symbolsText(info.symbols);
     text +=
         "\n" + row("area", "start", "last", "bytes", "size", "gap before", "CRC-32") + "SHA-256\n";
     std::uint64_t end = info.areas.front().area.start;
@@ -132,7 +174,7 @@ std::string textOf(const Info& info, std::size_t width) {
         text += line + (width == 0 ? digest.sha256 : cut(digest.sha256, room)) + "\n";
         end = area.end();
     }
-    return text;
+    return text + symbolsText(info.symbols);
 }
 
 std::string jsonOf(const std::vector<Info>& files) {
@@ -164,6 +206,14 @@ std::string jsonOf(const std::vector<Info>& files) {
         }
         json["areas"] = std::move(areas);
         json["gaps"] = toJson(gaps);
+        for (const Loaded& segment : info.segments)
+            json["segments"].push_back(toJson(segment.area));
+        for (const Loaded& symbol : info.symbols) {
+            Json entry = toJson(symbol.area);
+            entry["kind"] = symbol.kind;
+            entry["name"] = symbol.name;
+            json["symbols"].push_back(std::move(entry));
+        }
         json["remarks"] = Json::array();
         for (const Remark& remark : info.remarks) json["remarks"].push_back(toJson(remark));
         list.push_back(std::move(json));

@@ -30,6 +30,13 @@ struct AreaInfo {
     Digest digest;
 };
 
+/// A part of an ELF file that is loaded, or a symbol of one.
+struct Loaded {
+    Buffer::Area area;
+    std::string kind;  ///< of a symbol: "data", "function" or "label"
+    std::string name;  ///< of a symbol
+};
+
 /// What there is to know of a file.
 struct Info {
     std::string path;
@@ -39,14 +46,18 @@ struct Info {
     std::vector<AreaInfo> areas;
     Digest digest;  ///< of the data of all areas, ascending
     std::optional<std::uint64_t> startAddress;
+    std::vector<Loaded> segments;  ///< of an ELF file, in the order of its program headers
+    std::vector<Loaded> symbols;   ///< of an ELF file, by address, if they were asked for
     std::vector<Remark> remarks;
 };
 
 /// Reads a file and computes all but the remarks; what is odd goes to the listener in force. A
 /// damaged file has no areas.
 ///
+/// @param withSymbols  also lists the symbols of an ELF file
 /// @throws Io::bad_open
-Info infoAbout(const std::string& path);
+/// @throws Io::Import::Malformed  after a report
+Info infoAbout(const std::string& path, bool withSymbols);
 
 /// A table for a terminal of `width` columns; digests that do not fit are cut, unless it is 0.
 std::string textOf(const Info& info, std::size_t width);

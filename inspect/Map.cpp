@@ -136,20 +136,143 @@ std::size_t columns(const std::string& text) {
         text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80; }));
 }
 
-std::string escaped(const std::string& text) {
-    std::string safe;
-    for (const char c : text) {
-        if (c == '&')
-            safe += "&amp;";
-        else if (c == '<')
-            safe += "&lt;";
-        else if (c == '"')
-            safe += "&quot;";
-        else
-            safe += static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
-    }
-    return safe;
+/// The number of cells of a panel of up to `most`; none is smaller than a byte.
+std::size_t cellCount(const Area& panel, std::size_t most) {
+    return static_cast<std::size_t>(std::min<std::uint64_t>(most, panel.length));
 }
+
+/// Draws panels with characters.
+class TextDrawing {
+public:
+    /// @param labels  columns for the labels of the rows
+    /// @param bar     columns for the cells
+    TextDrawing(std::size_t labels, std::size_t bar, bool isUnicode)
+        : labels_(labels), bar_(bar), isUnicode_(isUnicode) {}
+
+    std::string panel(const Area& panel, const std::vector<MapRow>& rows) {
+        std::string text(labels_ + 2, ' ');
+        text += rangeText(panel) + ", " + sizeText(panel.length) + "\n";
+        for (const MapRow& row : rows) text += rowText(panel, row);
+        return text;
+    }
+
+    /// What the signs of all panels mean.
+    std::string legend() const {
+        std::string text;
+        for (const Look* const look : {&lookOf(MapKind::Data), &partLook, &lookOf(MapKind::Value),
+                                       &lookOf(MapKind::Filler), &lookOf(MapKind::Gap)})
+            if (used_.contains(look))
+                text.append("  ").append(sign(*look)).append(" ").append(look->word);
+        return text + "\n";
+    }
+
+private:
+    const char* sign(const Look& look) const { return isUnicode_ ? look.block : look.ascii; }
+
+    std::string rowText(const Area& panel, const MapRow& row) {
+        std::string label = labels_ == 0 ? std::string() : row.label;
+        while (columns(label) > labels_) label.pop_back();
+        label.append(labels_ - columns(label), ' ');
+        std::string text = " ";
+        text.append(label).append(isUnicode_ ? "▕" : "|");
+        const std::size_t count = cellCount(panel, bar_);
+        for (const Cell& cell : cellsOf(row, panel, count)) {
+            const Look& look = lookOf(cell, panel.length / count);
+            used_.insert(&look);
+            text += sign(look);
+        }
+        return text + (isUnicode_ ? "▏\n" : "|\n");
+    }
+
+    std::size_t labels_;
+    std::size_t bar_;
+    bool isUnicode_;
+    std::set<const Look*> used_;
+};
+
+/// Draws panels as SVG, from top to bottom.
+class SvgDrawing {
+public:
+    void addText(const std::string& words, std::size_t step) {
+        body_ += "<text x=\"" + std::to_string(left) + "\" y=\"" + std::to_string(y_) + "\">" +
+                 escaped(words) + "</text>\n";
+        y_ += step;
+    }
+
+    void addPanel(const Area& panel, const std::vector<MapRow>& rows) {
+        y_ += 20;
+        addText(rangeText(panel) + ", " + sizeText(panel.length), 8);
+        for (const MapRow& row : rows) addRow(panel, row);
+    }
+
+    void addLegend() {
+        y_ += 24;
+        std::size_t x = left;
+        for (const Look* const look : {&lookOf(MapKind::Data), &partLook, &lookOf(MapKind::Value),
+                                       &lookOf(MapKind::Filler), &lookOf(MapKind::Gap)}) {
+            addBox(*look, x, y_ - 12, 14, 14);
+            body_ += "<text x=\"" + std::to_string(x + 20) + "\" y=\"" + std::to_string(y_) +
+                     "\">" + look->word + "</text>\n";
+            x += 130;
+        }
+    }
+
+    std::string document() const {
+        const std::string size = std::to_string(width + 2 * left);
+        const std::string height = std::to_string(y_ + 20);
+        std::string colors;
+        for (const Look& look : looks)
+            if (&look != &lookOf(MapKind::Gap))
+                colors.append(".")
+                    .append(look.word)
+                    .append("{fill:")
+                    .append(look.color)
+                    .append("}");
+        return "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " + size + " " + height +
+               "\" width=\"" + size + "\" height=\"" + height + "\" role=\"img\">\n<style>" +
+               colors +
+               ".part{fill:#7ea6cc}.gap{fill:#eee;stroke:#888}"
+               "text{font:13px sans-serif;fill:#222}</style>\n<rect width=\"100%\" "
+               "height=\"100%\" fill=\"#fff\"/>\n" +
+               body_ + "</svg>\n";
+    }
+
+private:
+    static constexpr std::size_t width = 1000;
+    static constexpr std::size_t rowHeight = 26;
+    static constexpr std::size_t boxHeight = rowHeight - 6;
+    static constexpr std::size_t left = 20;
+
+    void addBox(const Look& look, std::size_t x, std::size_t y, std::size_t boxWidth,
+                std::size_t height) {
+        body_ += "<rect class=\"" + std::string(&look == &partLook ? "part" : look.word) +
+                 "\" x=\"" + std::to_string(x) + "\" y=\"" + std::to_string(y) + "\" width=\"" +
+                 std::to_string(boxWidth) + "\" height=\"" + std::to_string(height) + "\"/>\n";
+    }
+
+    void addRow(const Area& panel, const MapRow& row) {
+        body_ += "<g><title>" + escaped(row.label) + "</title>";
+        addBox(lookOf(MapKind::Gap), left, y_, width, boxHeight);
+        // Cells that look alike become one rectangle, so that no map has more than a thousand.
+        const std::size_t count = cellCount(panel, width);
+        const auto cells = cellsOf(row, panel, count);
+        const auto lookAt = [&](std::size_t i) { return &lookOf(cells[i], panel.length / count); };
+        for (std::size_t i = 0; i < count;) {
+            const Look* const look = lookAt(i);
+            std::size_t next = i + 1;
+            while (next < count && lookAt(next) == look) ++next;
+            if (look != &lookOf(MapKind::Gap))
+                addBox(*look, left + i * width / count, y_,
+                       next * width / count - i * width / count, boxHeight);
+            i = next;
+        }
+        body_ += "</g>\n";
+        y_ += rowHeight;
+    }
+
+    std::string body_;
+    std::size_t y_ = 30;
+};
 
 }  // namespace
 
@@ -158,7 +281,6 @@ Map::Map(std::vector<MapRow> rows) : rows_(std::move(rows)), panels_(panelsOf(ro
 std::string Map::text(std::size_t width, bool isUnicode) const {
     constexpr std::size_t narrowest = 24;
     const std::size_t room = std::max(width, narrowest) - 4;
-    const auto sign = [isUnicode](const Look& look) { return isUnicode ? look.block : look.ascii; };
     std::string text;
     std::size_t longest = 0;
     for (const MapRow& row : rows_) {
@@ -167,109 +289,24 @@ std::string Map::text(std::size_t width, bool isUnicode) const {
     }
     // The labels are needed only where there are several rows, and give way to the bar.
     const std::size_t labels = rows_.size() < 2 ? 0 : std::min(longest, room / 3);
-    const std::size_t bar = room - labels;
-    std::set<const Look*> used;
+    TextDrawing drawing(labels, room - labels, isUnicode);
     std::uint64_t end = 0;
     for (const Area& panel : panels_) {
         if (end != 0) text += "\n  nothing for " + sizeText(panel.start - end);
         end = panel.end();
-        const std::size_t count =
-            static_cast<std::size_t>(std::min<std::uint64_t>(bar, panel.length));
         text += '\n';
-        text.append(labels + 2, ' ');
-        text += rangeText(panel) + ", " + sizeText(panel.length) + "\n";
-        for (const MapRow& row : rows_) {
-            std::string label;
-            if (labels != 0) label += row.label;
-            while (columns(label) > labels) label.pop_back();
-            text +=
-                " " + label + std::string(labels - columns(label), ' ') + (isUnicode ? "▕" : "|");
-            const auto cells = cellsOf(row, panel, count);
-            for (std::size_t i = 0; i < count; ++i) {
-                const Look& look = lookOf(cells[i], panel.length / count);
-                used.insert(&look);
-                text += sign(look);
-            }
-            text += isUnicode ? "▏\n" : "|\n";
-        }
+        text += drawing.panel(panel, rows_);
     }
-    if (panels_.empty()) return text;
-    text += '\n';
-    for (const Look* const look : {&lookOf(MapKind::Data), &partLook, &lookOf(MapKind::Value),
-                                   &lookOf(MapKind::Filler), &lookOf(MapKind::Gap)})
-        if (used.contains(look))
-            text.append("  ").append(sign(*look)).append(" ").append(look->word);
-    return text + "\n";
+    if (!panels_.empty()) text.append("\n").append(drawing.legend());
+    return text;
 }
 
 std::string Map::svg() const {
-    constexpr std::size_t width = 1000;
-    constexpr std::size_t rowHeight = 26;
-    constexpr std::size_t left = 20;
-    std::string body;
-    std::size_t y = 30;
-    const auto line = [&](const std::string& words, std::size_t step) {
-        body += "<text x=\"" + std::to_string(left) + "\" y=\"" + std::to_string(y) + "\">" +
-                escaped(words) + "</text>\n";
-        y += step;
-    };
-    for (const MapRow& row : rows_) line(row.label + ": " + summary(row), 20);
-    for (const Area& panel : panels_) {
-        y += 20;
-        line(rangeText(panel) + ", " + sizeText(panel.length), 8);
-        for (const MapRow& row : rows_) {
-            body += "<g><title>" + escaped(row.label) + "</title><rect class=\"gap\" x=\"" +
-                    std::to_string(left) + "\" y=\"" + std::to_string(y) + "\" width=\"" +
-                    std::to_string(width) + "\" height=\"" + std::to_string(rowHeight - 6) +
-                    "\"/>\n";
-            // Cells that look alike become one rectangle, so that no map has more than a thousand.
-            const auto count =
-                static_cast<std::size_t>(std::min<std::uint64_t>(width, panel.length));
-            const auto cells = cellsOf(row, panel, count);
-            const auto lookAt = [&](std::size_t i) {
-                return &lookOf(cells[i], panel.length / count);
-            };
-            for (std::size_t i = 0; i < count;) {
-                const Look* const look = lookAt(i);
-                std::size_t next = i + 1;
-                while (next < count && lookAt(next) == look) ++next;
-                if (look != &lookOf(MapKind::Gap))
-                    body += "<rect class=\"" +
-                            std::string(look == &partLook ? "part" : look->word) + "\" x=\"" +
-                            std::to_string(left + i * width / count) + "\" y=\"" +
-                            std::to_string(y) + "\" width=\"" +
-                            std::to_string(next * width / count - i * width / count) +
-                            "\" height=\"" + std::to_string(rowHeight - 6) + "\"/>\n";
-                i = next;
-            }
-            body += "</g>\n";
-            y += rowHeight;
-        }
-    }
-    y += 24;
-    std::size_t x = left;
-    for (const auto& [look, name] :
-         {std::pair{&lookOf(MapKind::Data), "data"}, std::pair{&partLook, "part"},
-          std::pair{&lookOf(MapKind::Value), "value"},
-          std::pair{&lookOf(MapKind::Filler), "filler"}, std::pair{&lookOf(MapKind::Gap), "gap"}}) {
-        body += "<rect class=\"" + std::string(name) + "\" x=\"" + std::to_string(x) + "\" y=\"" +
-                std::to_string(y - 12) + "\" width=\"14\" height=\"14\"/><text x=\"" +
-                std::to_string(x + 20) + "\" y=\"" + std::to_string(y) + "\">" + look->word +
-                "</text>\n";
-        x += 130;
-    }
-    const std::string size = std::to_string(width + 2 * left);
-    const std::string height = std::to_string(y + 20);
-    std::string colors;
-    for (const Look& look : looks)
-        if (&look != &lookOf(MapKind::Gap))
-            colors.append(".").append(look.word).append("{fill:").append(look.color).append("}");
-    return "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " + size + " " + height +
-           "\" width=\"" + size + "\" height=\"" + height + "\" role=\"img\">\n<style>" + colors +
-           ".part{fill:#7ea6cc}.gap{fill:#eee;stroke:#888}"
-           "text{font:13px sans-serif;fill:#222}</style>\n<rect width=\"100%\" height=\"100%\" "
-           "fill=\"#fff\"/>\n" +
-           body + "</svg>\n";
+    SvgDrawing drawing;
+    for (const MapRow& row : rows_) drawing.addText(row.label + ": " + summary(row), 20);
+    for (const Area& panel : panels_) drawing.addPanel(panel, rows_);
+    drawing.addLegend();
+    return drawing.document();
 }
 
 MapRow rowOf(const Image& image) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <map>
 #include <set>
 #include <span>
 #include <string_view>
@@ -23,21 +24,6 @@ constexpr std::size_t mostBytes = 750'000;   ///< of all images, before their en
 constexpr std::size_t mostRanges = 12'000;   ///< of all images
 constexpr std::size_t mostRows = 200;        ///< of a table
 constexpr std::size_t mostScript = 200'000;  ///< characters
-
-std::string escaped(std::string_view text) {
-    std::string safe;
-    for (const char c : text) {
-        if (c == '&')
-            safe += "&amp;";
-        else if (c == '<')
-            safe += "&lt;";
-        else if (c == '"')
-            safe += "&quot;";
-        else
-            safe += c;
-    }
-    return safe;
-}
 
 std::string base64(Bytes bytes) {
     constexpr std::string_view digits =
@@ -153,6 +139,7 @@ private:
     void addValues();
     void addRemarks();
     void addScript();
+    void findMade();
     void addMade(std::size_t line);
     void addData();
     Json imageJson(const ImageRecord& image, std::size_t most);
@@ -172,6 +159,12 @@ private:
         add("</tr></thead><tbody>\n");
     }
     void endTable() { add("</tbody></table></div>\n"); }
+    /// The beginning of a link that shows the range in the map of its image.
+    static std::string rangeLink(std::size_t index, const Area& area) {
+        const std::string number = std::to_string(index);
+        return "<a href=\"#image-" + number + "\" data-go=\"" + number + "," +
+               std::to_string(area.start) + "," + std::to_string(area.length) + "\">";
+    }
     static std::string lineLink(std::size_t line) {
         const std::string number = std::to_string(line);
         return line == 0 ? "" : "<a href=\"#line-" + number + "\">line " + number + "</a>";
@@ -180,6 +173,8 @@ private:
     const RunRecord* record_;
     std::string text_;
     std::vector<std::string_view> lines_;  ///< of the script
+    /// The ranges that a line of the script made, by the place of their image and their own.
+    std::map<std::size_t, std::vector<std::pair<std::size_t, std::size_t>>> made_;
     bool hasAllBytes_ = true;
     bool hasAllRanges_ = true;
 };
@@ -357,9 +352,8 @@ void Page::addImage(std::size_t index) {
 
 void Page::addRange(std::size_t index, const OriginRange& range) {
     constexpr std::array words{"", "filler", "data", "value"};
-    add("<tr><td class=\"m\"><a href=\"#image-" + std::to_string(index) + "\" data-go=\"" +
-        std::to_string(index) + "," + std::to_string(range.area.start) + "," +
-        std::to_string(range.area.length) + "\">" + rangeText(range.area) + "</a></td>");
+    add("<tr><td class=\"m\">" + rangeLink(index, range.area) + rangeText(range.area) +
+        "</a></td>");
     addCell(grouped(range.area.length), " class=\"n\"");
     addCell(words[static_cast<std::size_t>(range.kind)]);
     add("<td>" + lineLink(range.line) + "</td>");
@@ -400,6 +394,7 @@ void Page::addScript() {
         add("<p>The script is too long for this page.</p>\n");
         return;
     }
+    findMade();
     add("<ol class=\"script\">\n");
     for (std::size_t i = 0; i < lines_.size(); ++i) {
         const std::string number = std::to_string(i + 1);
@@ -416,24 +411,31 @@ void Page::addScript() {
     add("</ol>\n");
 }
 
+void Page::findMade() {
+    for (std::size_t index = 0; index < record_->images.size(); ++index) {
+        const auto& ranges = record_->images[index].ranges;
+        for (std::size_t i = 0; i < ranges.size(); ++i)
+            made_[ranges[i].line].emplace_back(index, i);
+    }
+}
+
 /// Links to the ranges that a line made, a few at most.
 void Page::addMade(std::size_t line) {
     constexpr std::size_t mostLinks = 4;
-    std::size_t count = 0;
-    std::string links;
-    for (std::size_t index = 0; index < record_->images.size(); ++index) {
+    const auto made = made_.find(line);
+    if (made == made_.end()) return;
+    const auto& ranges = made->second;
+    add("<span class=\"made\">");
+    for (std::size_t i = 0; i < std::min(ranges.size(), mostLinks); ++i) {
+        const auto [index, number] = ranges[i];
         const ImageRecord& image = record_->images[index];
-        for (const OriginRange& range : image.ranges) {
-            if (range.line != line || ++count > mostLinks) continue;
-            links += "<a href=\"#image-" + std::to_string(index) + "\" data-go=\"" +
-                     std::to_string(index) + "," + std::to_string(range.area.start) + "," +
-                     std::to_string(range.area.length) + "\">" + escaped(image.name) + " " +
-                     rangeText(range.area) + "</a>";
-        }
+        const Area& area = image.ranges[number].area;
+        add(rangeLink(index, area));
+        addText(image.name + " " + rangeText(area));
+        add("</a>");
     }
-    if (count == 0) return;
-    add("<span class=\"made\">" + links);
-    if (count > mostLinks) addText(" and " + countText(count - mostLinks, "more range"));
+    if (ranges.size() > mostLinks)
+        addText(" and " + countText(ranges.size() - mostLinks, "more range"));
     add("</span>");
 }
 

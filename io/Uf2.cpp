@@ -25,7 +25,7 @@ void putWord(std::span<std::uint8_t> bytes, std::size_t at, std::uint32_t word) 
         bytes[at + i] = static_cast<std::uint8_t>(word);
 }
 
-/// utils/uf2families.json of the published format.
+/// utils/uf2families.json of the published format, and families that loaders of newer devices use.
 constexpr auto publishedFamilies =
     std::to_array<Family>({{"ATMEGA32", 0x16573617},     {"SAML21", 0x1851780A},
                            {"NRF52", 0x1B57745F},        {"ESP32", 0x1C5F21B0},

@@ -136,4 +136,10 @@ std::string hexadecimal(std::uint64_t number) {
     return "0x" + std::string(digits.data(), end.ptr);
 }
 
+std::string addressesText(std::uint64_t start, std::uint64_t end) {
+    if (start == end) return "no addresses";
+    if (start + 1 == end) return "the address " + hexadecimal(start);
+    return "the addresses " + hexadecimal(start) + " to " + hexadecimal(end - 1);
+}
+
 }  // namespace Strict

@@ -29,4 +29,7 @@ private:
 /// "0x" and the digits of `number`, without leading zeros.
 std::string hexadecimal(std::uint64_t number);
 
+/// The addresses of a range that ends before `end`, in words.
+std::string addressesText(std::uint64_t start, std::uint64_t end);
+
 }  // namespace Strict

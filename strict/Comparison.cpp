@@ -25,14 +25,9 @@ struct Contents {
     Buffer::MemoryBuffer image;
 };
 
-class Unheard final : public Facts::Listener {
-public:
-    void hear(const Facts::Fact& /*fact*/) override {}
-};
-
 /// The file as the host in force has it.
 std::optional<Contents> contentsOf(const std::string& path) {
-    Unheard unheard;
+    Facts::Unheard unheard;
     const Facts::ListenerScope silence(unheard);
     try {
         Io::Import::GenericInFile file(path);
@@ -42,17 +37,11 @@ std::optional<Contents> contentsOf(const std::string& path) {
     }
 }
 
-std::string plural(std::uint64_t count, const char* noun) {
-    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
-
 /// The written byte of an image as two digits, or "no byte".
 std::string byteText(const Buffer::MemoryBuffer& image, std::uint64_t address) {
     const Buffer::ElementView element = image.viewRange(address, 1);
     if (element.empty() || element[0].hasValue == 0) return "no byte";
-    std::string digits;
-    Util::appendHex(digits, {element.values(), 1});
-    return digits;
+    return Util::hexByte(*element.values());
 }
 
 std::string textOf(const Buffer::AreaList& areas) {
@@ -60,9 +49,9 @@ std::string textOf(const Buffer::AreaList& areas) {
     std::string text;
     for (std::size_t i = 0; i < areas.size() && i < mostShown; ++i)
         text += (i == 0 ? "" : ", ") + hexadecimal(areas[i].start) + " (" +
-                plural(areas[i].length, "byte") + ")";
+                Inspect::countText(areas[i].length, "byte") + ")";
     if (areas.size() > mostShown)
-        text += " and in " + plural(areas.size() - mostShown, "more area");
+        text += " and in " + Inspect::countText(areas.size() - mostShown, "more area");
     return text;
 }
 

@@ -10,6 +10,7 @@
 #include "facts/Listener.hpp"
 #include "io/File.hpp"
 #include "io/import/Malformed.hpp"
+#include "io/import/elf/ElfFile.hpp"
 #include "strict/Arithmetic.hpp"
 #include "strict/Suggestion.hpp"
 
@@ -87,18 +88,6 @@ std::optional<std::uint64_t> addressOf(const std::vector<ElfSymbol>& symbols,
     return address;
 }
 
-std::string_view wordFor(ElfSymbol::Kind kind) {
-    switch (kind) {
-        case ElfSymbol::Kind::Data:
-            return "data";
-        case ElfSymbol::Kind::Function:
-            return "function";
-        case ElfSymbol::Kind::Other:
-            break;
-    }
-    return "label";
-}
-
 }  // namespace
 
 bool resolveSymbols(const std::vector<std::string>& requests, OutputSet& files,
@@ -121,24 +110,6 @@ bool resolveSymbols(const std::vector<std::string>& requests, OutputSet& files,
         isGood = isGood && address.has_value();
     }
     return isGood;
-}
-
-std::string elfInformation(const ElfFile& file, bool withSymbols) {
-    std::string text;
-    for (const auto& segment : file.segments())
-        text += "loads " + hexadecimal(segment.address) + " to " +
-                hexadecimal(segment.address + segment.length - 1) + ", " +
-                std::to_string(segment.length) + " bytes\n";
-    if (file.entry() != 0) text += "starts at " + hexadecimal(file.entry()) + "\n";
-    if (!withSymbols) return text;
-    std::vector<ElfSymbol> symbols = file.symbols();
-    std::ranges::stable_sort(symbols, {}, &ElfSymbol::address);
-    for (const ElfSymbol& symbol : symbols) {
-        text += hexadecimal(symbol.address) + " " + std::to_string(symbol.size) + " ";
-        text += wordFor(symbol.kind);
-        text += " " + symbol.name + "\n";
-    }
-    return text;
 }
 
 }  // namespace Strict

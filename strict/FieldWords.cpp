@@ -1,10 +1,10 @@
 #include "strict/FieldWords.hpp"
 
-#include <array>
-#include <cstdio>
+#include <cstdint>
 #include <variant>
 
 #include "strict/Arithmetic.hpp"
+#include "util/Hex.hpp"
 
 namespace Strict {
 
@@ -39,26 +39,20 @@ const char* kindOf(RecordFault fault) {
     return "record-count";
 }
 
-/// Two digits, as in a record.
-std::string byteText(std::uint64_t byte) {
-    std::array<char, 8> text{};
-    const int size =
-        std::snprintf(text.data(), text.size(), "%02X", static_cast<unsigned>(byte & 0xFFU));
-    return {text.data(), static_cast<std::size_t>(size)};
-}
-
 std::string counted(std::uint64_t count, const std::string& one, const std::string& many) {
     return std::to_string(count) + " " + (count == 1 ? one : many);
 }
 
 std::string characterText(std::uint64_t byte) {
     const bool isShown = byte > ' ' && byte < 0x7F;
-    return isShown ? std::string(1, static_cast<char>(byte)) : "the byte " + byteText(byte);
+    return isShown ? std::string(1, static_cast<char>(byte))
+                   : "the byte " + Util::hexByte(static_cast<std::uint8_t>(byte));
 }
 
 std::string wordsForType(const LineDamaged& fact) {
     if (fact.format == RecordFormat::IntelHex)
-        return "Intel HEX has no record of type " + byteText(fact.found);
+        return "Intel HEX has no record of type " +
+               Util::hexByte(static_cast<std::uint8_t>(fact.found));
     if (fact.found == 's') return "an S-record begins with S, not with s";
     return "there is no S-record of type " + characterText(fact.found);
 }
@@ -69,7 +63,8 @@ std::string textOf(const LineDamaged& fact) {
         case RecordFault::NotARecord:
             return "the line is no record";
         case RecordFault::ForeignText:
-            return "text goes on after the byte " + byteText(fact.found) + " at the end of line " +
+            return "text goes on after the byte " +
+                   Util::hexByte(static_cast<std::uint8_t>(fact.found)) + " at the end of line " +
                    std::to_string(fact.expected);
         case RecordFault::OtherFormat:
             return isHex ? "an S-record in a file of Intel HEX"
@@ -86,8 +81,9 @@ std::string textOf(const LineDamaged& fact) {
             return "the record has " + counted(fact.found, "data byte", "data bytes") +
                    ", one of this type has " + std::to_string(fact.expected);
         case RecordFault::Checksum:
-            return "checksum is " + byteText(fact.found) + ", the record's bytes give " +
-                   byteText(fact.expected);
+            return "checksum is " + Util::hexByte(static_cast<std::uint8_t>(fact.found)) +
+                   ", the record's bytes give " +
+                   Util::hexByte(static_cast<std::uint8_t>(fact.expected));
         case RecordFault::Type:
             return wordsForType(fact);
         case RecordFault::Address:
@@ -134,11 +130,6 @@ std::string textOf(const LinesTolerated& fact) {
             break;
     }
     return "the end record has an address, which is not used";
-}
-
-std::string rangeText(std::uint64_t start, std::uint64_t end) {
-    if (start + 1 == end) return "the address " + hexadecimal(start);
-    return "the addresses " + hexadecimal(start) + " to " + hexadecimal(end - 1);
 }
 
 struct WordsFor {
@@ -191,17 +182,17 @@ struct WordsFor {
 
     FieldWords operator()(const RecordsOverlap& fact) const {
         return {"overlap",
-                rangeText(fact.start, fact.end) + " again, with the same bytes as from line " +
+                addressesText(fact.start, fact.end) + " again, with the same bytes as from line " +
                     std::to_string(fact.earlierLine) + " on",
                 "", fact.file, fact.laterLine};
     }
 
     FieldWords operator()(const RecordsConflict& fact) const {
         return {"conflict",
-                "other bytes for " + rangeText(fact.start, fact.end) + ": " +
-                    hexadecimal(fact.address) + " is " + byteText(fact.earlierByte) + " in line " +
-                    std::to_string(fact.earlierLine) + " and " + byteText(fact.laterByte) +
-                    " in this one",
+                "other bytes for " + addressesText(fact.start, fact.end) + ": " +
+                    hexadecimal(fact.address) + " is " + Util::hexByte(fact.earlierByte) +
+                    " in line " + std::to_string(fact.earlierLine) + " and " +
+                    Util::hexByte(fact.laterByte) + " in this one",
                 "", fact.file, fact.laterLine};
     }
 

@@ -7,6 +7,7 @@
 
 #include "facts/Listener.hpp"
 #include "io/File.hpp"
+#include "io/import/Malformed.hpp"
 #include "platform/Files.hpp"
 #include "strict/OutputSet.hpp"
 #include "strict/RunListener.hpp"
@@ -32,9 +33,8 @@ void keepStream(OutputSet& files, const std::string& path) {
 }
 
 /// What `read` returns for the path, or nothing after a diagnostic.
-template <class Result>
-std::optional<Result> readWith(std::optional<Result> (*read)(const std::string&),
-                               const std::string& path, DiagnosticSink& sink) {
+template <class Read>
+auto readWith(Read read, const std::string& path, DiagnosticSink& sink) -> decltype(read(path)) {
     OutputSet files(OutputSet::Mode::Memory);
     RunListener listener(sink, [&files](std::string_view file) { return files.reasonFor(file); });
     keepStream(files, path);
@@ -45,19 +45,24 @@ std::optional<Result> readWith(std::optional<Result> (*read)(const std::string&)
     } catch (const Io::bad_open&) {
         listener.hear(Facts::FileNotOpened{path});
         return std::nullopt;
+    } catch (const Io::Import::Malformed&) {
+        return std::nullopt;
     }
 }
 
 }  // namespace
 
 std::optional<Inspect::Image> readImage(const std::string& path, DiagnosticSink& sink) {
-    return readWith<Inspect::Image>(&Inspect::openImage, path, sink);
+    return readWith(&Inspect::openImage, path, sink);
 }
 
-std::optional<Inspect::Info> readInfo(const std::string& path, DiagnosticSink& sink) {
-    return readWith<Inspect::Info>(
-        [](const std::string& file) { return std::optional(Inspect::infoAbout(file)); }, path,
-        sink);
+std::optional<Inspect::Info> readInfo(const std::string& path, bool withSymbols,
+                                      DiagnosticSink& sink) {
+    return readWith(
+        [withSymbols](const std::string& file) {
+            return std::optional(Inspect::infoAbout(file, withSymbols));
+        },
+        path, sink);
 }
 
 void RemarkList::take(const Diagnostic& diagnostic) {

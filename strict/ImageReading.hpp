@@ -16,7 +16,10 @@ namespace Strict {
 std::optional<Inspect::Image> readImage(const std::string& path, DiagnosticSink& sink);
 
 /// All that there is to know of a file; nothing if it cannot be read.
-std::optional<Inspect::Info> readInfo(const std::string& path, DiagnosticSink& sink);
+///
+/// @param withSymbols  also lists the symbols of an ELF file
+std::optional<Inspect::Info> readInfo(const std::string& path, bool withSymbols,
+                                      DiagnosticSink& sink);
 
 /// Collects diagnostics, as the policy judges them, for outputs that include them.
 class RemarkList final : public DiagnosticSink {

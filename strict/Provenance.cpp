@@ -1,8 +1,6 @@
 #include "strict/Provenance.hpp"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <exception>
 #include <memory>
 #include <span>
@@ -10,8 +8,10 @@
 
 #include "buffer/Overlap.hpp"
 #include "facts/Listener.hpp"
+#include "inspect/Image.hpp"
 #include "parser/commands/CmdFillBuffer.hpp"
 #include "strict/Arithmetic.hpp"
+#include "util/Hex.hpp"
 
 namespace Strict {
 
@@ -30,28 +30,9 @@ const std::vector<std::string_view> inputFile{"SetFileAsSource -> ", "SetRawFile
                                               "SetElfFileAsSource -> ", "SetUf2FileAsSource -> ",
                                               "SetTiTxtFileAsSource -> "};
 
-/// Hears nothing of what a file that was read before has to say.
-class Deaf final : public Facts::Listener {
-public:
-    void hear(const Facts::Fact& /*fact*/) override {}
-};
-
-std::string count(std::uint64_t number, const std::string& what) {
-    return std::to_string(number) + " " + what +
-           (number == 1           ? ""
-            : what.ends_with('s') ? "es"
-                                  : "s");
-}
-
 std::string range(const Area& area) {
     if (area.length == 1) return "at " + hexadecimal(area.start);
     return "from " + hexadecimal(area.start) + " to " + hexadecimal(area.end() - 1);
-}
-
-std::string byteText(std::uint8_t byte) {
-    std::array<char, 3> digits{};
-    (void)std::snprintf(digits.data(), digits.size(), "%02X", byte);
-    return digits.data();
 }
 
 /// "from 0x10 to 0x1f, from 0x30 to 0x3f and 2 more ranges"
@@ -61,14 +42,8 @@ std::string list(const AreaList& areas) {
     for (std::size_t i = 0; i < std::min(areas.size(), mostListed); ++i)
         text += (text.empty() ? "" : ", ") + range(areas[i]);
     if (areas.size() > mostListed)
-        text += " and in " + count(areas.size() - mostListed, "more range");
+        text += " and in " + Inspect::countText(areas.size() - mostListed, "more range");
     return text;
-}
-
-std::uint64_t lengthOf(const AreaList& areas) {
-    std::uint64_t length = 0;
-    for (const Area& area : areas) length += area.length;
-    return length;
 }
 
 /// The first addresses at which the bytes differ, with both of them.
@@ -83,7 +58,7 @@ std::string firstDifferences(const MemoryBuffer& earlier, const MemoryBuffer& la
     for (std::size_t i = 0; i < one.size() && shown < mostShown; ++i) {
         if (one.values()[i] == other.values()[i]) continue;
         text += (shown++ == 0 ? "" : ", ") + hexadecimal(overlap.firstDifference + i) + " has " +
-                byteText(one.values()[i]) + " and then " + byteText(other.values()[i]);
+                Util::hexByte(one.values()[i]) + " and then " + Util::hexByte(other.values()[i]);
     }
     return text;
 }
@@ -139,8 +114,8 @@ void Provenance::onRead(const TessaronImportApi& reader, const Area& range) {
         const auto& first = all.ranges().begin()->second.area;
         const auto& last = all.ranges().rbegin()->second.area;
         listener_->report("empty-image",
-                          "nothing of the " + count(all.size(), "byte") + " of " + file +
-                              ", which are " +
+                          "nothing of the " + Inspect::countText(all.size(), "byte") + " of " +
+                              file + ", which are " +
                               Strict::range({first.start, last.end() - first.start}) +
                               ", lies where the image is",
                           inputFile);
@@ -160,8 +135,8 @@ void Provenance::reportCropped(const OriginMap& all, const OriginMap& kept) {
         }
     if (cropped.empty()) return;
     listener_->report("cropped",
-                      count(lengthOf(cropped), "byte") + " of " + making_->fileName() +
-                          " are left out: " + list(cropped),
+                      Inspect::countText(Inspect::byteCount(cropped), "byte") + " of " +
+                          making_->fileName() + " are left out: " + list(cropped),
                       inputFile);
 }
 
@@ -193,8 +168,8 @@ void Provenance::onOverlay(const MemoryBuffer& image, const std::string& name,
 /// not known.
 std::uint64_t Provenance::lineOf(const Source& source, std::uint64_t address) const {
     if (source.firstLine == source.lastLine) return source.firstLine;
-    Deaf deaf;
-    const Facts::ListenerScope listening(deaf);
+    Facts::Unheard unheard;
+    const Facts::ListenerScope listening(unheard);
     try {
         const auto reader = reading_->open(source.file, OverlapRule::Last);
         return reader ? reader->findLine(address) : 0;
@@ -223,7 +198,8 @@ void Provenance::reportOverlaps(const MemoryBuffer& image, const std::string& na
         const Overlap& overlap = found[i];
         const bool isConflict = overlap.differences != 0;
         const std::uint64_t address = isConflict ? overlap.firstDifference : overlap.area.start;
-        const std::string where = count(overlap.area.length, "byte") + " " + range(overlap.area);
+        const std::string where =
+            Inspect::countText(overlap.area.length, "byte") + " " + range(overlap.area);
         std::vector<Note> notes{
             originNote("the earlier byte comes from", current_.written, address),
             originNote("the later byte comes from", source->second.written, address)};
@@ -245,8 +221,9 @@ void Provenance::reportOverlaps(const MemoryBuffer& image, const std::string& na
             std::ranges::any_of(found, [](const Overlap& o) { return o.differences != 0; })
                 ? "conflict"
                 : "overlap",
-            name, name + " overlaps in " + count(found.size() - mostReported, "more range"), "",
-            {});
+            name,
+            name + " overlaps in " + Inspect::countText(found.size() - mostReported, "more range"),
+            "", {});
 }
 
 void Provenance::reportWiped(const MemoryBuffer& image, const std::string& name,
@@ -255,7 +232,8 @@ void Provenance::reportWiped(const MemoryBuffer& image, const std::string& name,
     if (wiped.empty()) return;
     listener_->reportName(
         "wiped", name,
-        "addresses that " + name + " did not write replace " + count(lengthOf(wiped), "byte") +
+        "addresses that " + name + " did not write replace " +
+            Inspect::countText(Inspect::byteCount(wiped), "byte") +
             " of the images before it: " + list(wiped),
         "-onOverlap=Last lets only written addresses take part",
         {originNote("the first of them comes from", current_.written, wiped.front().start)});
@@ -295,8 +273,8 @@ void Provenance::checkCovered(const CmdNewValue& statement, const CmdContext& co
         if (gaps.empty()) continue;
         listener_->reportName(
             "unwritten", name,
-            "nothing gave a byte to " + count(lengthOf(gaps), "address") +
-                " that are covered: " + list(gaps),
+            "nothing gave a byte to " + Inspect::grouped(Inspect::byteCount(gaps)) +
+                " of the addresses that are covered: " + list(gaps),
             "lay a filler under them: FILL_BUFFER " + name + " WITH_FILLER { 0xFF }", {});
     }
 }

@@ -94,13 +94,6 @@ std::string areaText(std::uint64_t start, std::uint64_t length) {
     return text;
 }
 
-/// The addresses of a range that ends before `end`.
-std::string rangeText(std::uint64_t start, std::uint64_t end) {
-    if (start == end) return "no addresses";
-    if (start + 1 == end) return "the address " + hexadecimal(start);
-    return "the addresses " + hexadecimal(start) + " to " + hexadecimal(end - 1);
-}
-
 const std::vector<std::string_view> inputFile{"SetFileAsSource -> ", "SetRawFileAsSource -> ",
                                               "SetElfFileAsSource -> ", "SetUf2FileAsSource -> ",
                                               "SetTiTxtFileAsSource -> "};
@@ -229,7 +222,7 @@ void RunListener::reportField(const FieldFact& fact) {
 }
 
 void RunListener::reportOverlap(const OverlapRefused& fact) {
-    const std::string range = rangeText(fact.start, fact.end);
+    const std::string range = addressesText(fact.start, fact.end);
     if (fact.isDifferent)
         report("conflict",
                std::string(fact.source) + " has " + hexadecimal(fact.later) + " at " +
@@ -273,7 +266,7 @@ void RunListener::hear(const Fact& fact) {
                 report("outside",
                        "an area that begins at " + hexadecimal(f.start) +
                            " does not lie in the image, which has " +
-                           rangeText(f.imageStart, f.imageEnd),
+                           addressesText(f.imageStart, f.imageEnd),
                        anyArea);
             },
             [&](const FillTooLong& f) {
@@ -287,7 +280,7 @@ void RunListener::hear(const Fact& fact) {
                 report("outside",
                        "an area that begins at " + hexadecimal(f.start) +
                            " does not lie in the image, which has " +
-                           rangeText(f.imageStart, f.imageEnd),
+                           addressesText(f.imageStart, f.imageEnd),
                        anyArea);
             },
             [&](const ExtractTooLong& f) {
@@ -299,8 +292,7 @@ void RunListener::hear(const Fact& fact) {
             // What the classic readers report.
             [&](const ReadRangeOutside&) {}, [&](const TextFileEmpty&) {},
             [&](const LastLineMismatched&) {}, [&](const RecordContradictory&) {},
-            [&](const LineNotARecord&) {}, [&](const LinePassedOver&) {},
-            [&](const LinesPassedOver&) {}, [&](const RecordCountTooLow&) {},
+            [&](const LineNotARecord&) {}, [&](const RecordCountTooLow&) {},
             [&](const DataSpanTooLong&) {}, [&](const FieldFact& f) { reportField(f); },
             [&](const RawFileTooLong& f) {
                 report("outside", "the file has more than " + hexadecimal(f.mostBytes) + " bytes",

@@ -132,20 +132,25 @@ private:
 
     /// Adds the lines that gave the addresses, which were moved by `moved`.
     void addLines(OriginRange& entry, const Provenance::Source& source, std::uint64_t moved) {
-        for (const Inspect::LineRun& run : linesOf(source.file)) {
-            const std::uint64_t lines = (run.area.length - 1) / run.bytesPerLine + 1;
-            const bool isOfSource =
-                run.firstLine >= source.firstLine && run.firstLine + lines - 1 <= source.lastLine;
-            Area area{run.area.start + moved, run.area.length};
-            const std::uint64_t first = std::max(area.start, entry.area.start);
-            const std::uint64_t end = std::min(area.end(), entry.area.end());
-            if (!isOfSource || first >= end) continue;
-            // A run begins with a line as a whole.
-            const std::uint64_t skipped = (first - area.start) / run.bytesPerLine;
-            area = {area.start + skipped * run.bytesPerLine,
-                    end - area.start - skipped * run.bytesPerLine};
-            entry.lines.push_back({area, run.firstLine + skipped, run.bytesPerLine});
-        }
+        const auto& runs = linesOf(source.file);
+        // Runs are in the order of the file.
+        auto run =
+            std::ranges::lower_bound(runs, source.firstLine, {}, &Inspect::LineRun::firstLine);
+        for (; run != runs.end() && run->firstLine <= source.lastLine; ++run)
+            addRun(entry, *run, moved);
+    }
+
+    /// Adds the lines of a run as far as the range has their addresses.
+    static void addRun(OriginRange& entry, const Inspect::LineRun& run, std::uint64_t moved) {
+        Area area{run.area.start + moved, run.area.length};
+        const std::uint64_t first = std::max(area.start, entry.area.start);
+        const std::uint64_t end = std::min(area.end(), entry.area.end());
+        if (first >= end) return;
+        // A run begins with a line as a whole.
+        const std::uint64_t skipped = (first - area.start) / run.bytesPerLine;
+        area = {area.start + skipped * run.bytesPerLine,
+                end - area.start - skipped * run.bytesPerLine};
+        entry.lines.push_back({area, run.firstLine + skipped, run.bytesPerLine});
     }
 
     const std::vector<Inspect::LineRun>& linesOf(const std::string& path) {

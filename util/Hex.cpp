@@ -1,6 +1,8 @@
 #include "util/Hex.hpp"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 
 namespace Util {
 
@@ -64,6 +66,21 @@ std::string hexWord(std::uint64_t number) {
     std::string text;
     appendHex(text, bytes);
     return text;
+}
+
+std::string hexByte(std::uint8_t byte) {
+    std::string digits;
+    appendHex(digits, {&byte, 1});
+    return digits;
+}
+
+std::string hexNumber(std::uint64_t number, std::size_t fewestDigits) {
+    const std::size_t used = (static_cast<std::size_t>(std::bit_width(number)) + 3) / 4;
+    // Short enough to need no memory: writers call this when their file is open.
+    std::string digits(std::max(used, fewestDigits), '0');
+    for (auto digit = digits.rbegin(); number != 0; ++digit, number >>= 4U)
+        *digit = hexDigit(number & 15U);
+    return digits;
 }
 
 }  // namespace Util

@@ -36,4 +36,10 @@ void appendHex(std::string& text, std::span<const std::uint8_t> bytes);
 /// The low 32 bits of `number` as eight upper-case hexadecimal digits.
 std::string hexWord(std::uint64_t number);
 
+/// A byte as two upper-case hexadecimal digits.
+std::string hexByte(std::uint8_t byte);
+
+/// A number in upper-case hexadecimal digits, with zeros in front up to `fewestDigits`, at most 16.
+std::string hexNumber(std::uint64_t number, std::size_t fewestDigits);
+
 }  // namespace Util

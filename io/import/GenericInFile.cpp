@@ -12,13 +12,13 @@ namespace Io::Import {
 namespace {
 
 /// Takes the perfect data records that follow the current line, if they mean nothing to the parser
-/// of the other format or no more than another line to pass over.
+/// of the other format. S-records never do: Intel HEX passes them over.
 void takeAhead(TextLines& lines, InFileType type, IntelHexParser& intelHex,
                MotorolaS_Parser& motorolaS) {
     if (type == InFileType::IntelHex && motorolaS.isOver())
         intelHex.takeAhead(lines);
-    else if (type == InFileType::MotorolaS && !intelHex.listsPassedOver())
-        intelHex.passOver(motorolaS.takeAhead(lines));
+    else if (type == InFileType::MotorolaS)
+        motorolaS.takeAhead(lines);
 }
 
 }  // namespace

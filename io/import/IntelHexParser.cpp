@@ -64,7 +64,7 @@ void IntelHexParser::takeAhead(TextLines& lines) {
 
 LineFault IntelHexParser::parseRecord(std::string_view line) {
     const std::optional<IntelRecord> record = syntax_->match(line);
-    if (!record) return LineFault::PassedOver;
+    if (!record) return LineFault::None;
     if (!isConsistent(*record) || record->computedChecksum() != record->checksum)
         return LineFault::Contradictory;
     storeRecord(*record);

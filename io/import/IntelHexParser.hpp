@@ -37,17 +37,8 @@ public:
     /// Takes the perfect data records that follow the current line and have been read already.
     void takeAhead(TextLines& lines);
 
-    /// Passes over `count` lines. Not before all lines that are listed one by one are.
-    void passOver(std::uint64_t count) {
-        if (!isOver()) parsed_.passedOverCount += count;
-    }
-    bool listsPassedOver() const {
-        return !isOver() && parsed_.passedOverCount < ParsedFile::mostListed;
-    }
-
 private:
     class Syntax;
-    /// One record, its checksum byte left out of `bytes`.
     void takeLast(std::string_view line);
     void takeRecord(const TextLines& lines);
     LineFault parseRecord(std::string_view line);

@@ -34,22 +34,12 @@ void RecordInFile::reportFault(TextLines& lines, const ParsedFile& parsed) const
         Facts::report(Facts::LastLineMismatched{fileName_});
         return;
     }
-    reportPassedOver(lines, parsed);
     if (parsed.fault == LineFault::None) return;
     moveTo(lines, parsed.faultLine);
     if (parsed.fault == LineFault::NotARecord)
         Facts::report(Facts::LineNotARecord{fileName_, lines.number(), lines.line()});
     else
         Facts::report(Facts::RecordContradictory{fileName_, lines.number(), lines.line()});
-}
-
-void RecordInFile::reportPassedOver(TextLines& lines, const ParsedFile& parsed) const {
-    for (const LinePosition& line : parsed.passedOver) {
-        moveTo(lines, line);
-        Facts::report(Facts::LinePassedOver{fileName_, lines.number(), lines.line()});
-    }
-    const std::uint64_t others = parsed.passedOverCount - parsed.passedOver.size();
-    if (others != 0) Facts::report(Facts::LinesPassedOver{fileName_, others});
 }
 
 void RecordInFile::limitSpan(std::uint64_t mostBytes) {

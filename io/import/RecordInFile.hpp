@@ -50,7 +50,6 @@ protected:
 private:
     void limitSpan(std::uint64_t mostBytes);
     void reportFault(TextLines& lines, const ParsedFile& parsed) const;
-    void reportPassedOver(TextLines& lines, const ParsedFile& parsed) const;
 
     ParsedData parsedData_;
     std::optional<std::uint64_t> startAddress_;

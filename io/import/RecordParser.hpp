@@ -18,7 +18,6 @@ namespace Io::Import {
 /// What is wrong with a line, and what that means for its file.
 enum class LineFault : std::uint8_t {
     None,
-    PassedOver,         ///< no record; the parse goes on without it
     NotARecord,         ///< ends the parse and leaves the data of the lines before
     Contradictory,      ///< ends the parse and discards all data
     LastLineMismatched  ///< nothing of the file counts
@@ -32,9 +31,6 @@ struct LinePosition {
 
 /// The result of the parse of a text file. Its faults have not been reported.
 struct ParsedFile {
-    /// Lines that are reported one by one; of the others only the number is.
-    static constexpr std::size_t mostListed = 20;
-
     explicit ParsedFile(ParsedData empty) : data(std::move(empty)) {}
 
     ParsedData data;
@@ -43,9 +39,7 @@ struct ParsedFile {
     bool isExhausted = false;  ///< memory ran out
     std::vector<Facts::RecordCountTooLow> lowCounts;
     LineFault fault = LineFault::None;
-    LinePosition faultLine;                ///< the line with the fault
-    std::vector<LinePosition> passedOver;  ///< the first lines that were passed over
-    std::uint64_t passedOverCount = 0;     ///< all lines that were passed over
+    LinePosition faultLine;  ///< the line with the fault
 };
 
 /// Takes the lines of a text file one by one and reports nothing.
@@ -69,11 +63,7 @@ protected:
     template <class Parse>
     void takeLine(const TextLines& lines, Parse parse) {
         try {
-            const LineFault fault = parse(lines.line());
-            if (fault != LineFault::PassedOver)
-                parsed_.fault = fault;
-            else if (++parsed_.passedOverCount <= ParsedFile::mostListed)
-                parsed_.passedOver.push_back({lines.position(), lines.number()});
+            parsed_.fault = parse(lines.line());
         } catch (const std::bad_alloc&) {
             exhaust();
         }

@@ -63,6 +63,22 @@ class Inspection(unittest.TestCase):
         cls.other[FAR + 0x1000] = b"new"
         write("b.s19", cls.other)
 
+    def test_info_of_elf_files(self):
+        folder = pathlib.Path(__file__).resolve().parents[1] / "data" / "elf"
+        for name in ("arm", "powerpc64", "avr"):
+            info, = json.loads(tessaron("info", "--symbols", "--json", str(folder / (name + ".elf"))))
+            symbols = {symbol["name"]: (int(symbol["start"], 16), symbol["kind"])
+                       for symbol in info["symbols"]}
+            # What nm, from binutils, lists; the source says what the symbols are.
+            for line in (folder / (name + ".nm")).read_text().splitlines():
+                address, symbol = line.split()
+                if symbol != "entry":
+                    self.assertEqual(symbols[symbol][0], int(address, 16))
+            self.assertEqual((symbols["start"][1], symbols["settings"][1]), ("function", "data"))
+        broken = pathlib.Path("broken.elf")
+        broken.write_bytes((folder / "arm.elf").read_bytes()[:100])
+        tessaron("info", str(broken), code=1)
+
     def test_info(self):
         info, = json.loads(tessaron("info", "--json", "a.hex"))
         whole = b"".join(self.image.values())
@@ -214,6 +230,7 @@ class Inspection(unittest.TestCase):
         tessaron("convert", "a.hex", "out.unknown", code=1)
         tessaron("convert", "a.hex", 'a"b.bin', code=1)
         tessaron("convert", "a.hex", "out.hex", "--offset", "0xF0000000", code=1)
+        tessaron("convert", "a.hex", "out.hex", "--offset", "0x8000000000000000", code=2)
 
 
 if __name__ == "__main__":

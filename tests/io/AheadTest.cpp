@@ -30,7 +30,7 @@ auto answersOf(ParsedFile parsed) {
     return std::tuple(bytes, areas, parsed.data.minAddress(), parsed.data.maxAddress(),
                       parsed.fault, parsed.fault == LineFault::None ? 0 : parsed.faultLine.number,
                       parsed.fault == LineFault::None ? 0 : parsed.faultLine.position,
-                      parsed.passedOverCount, parsed.startAddress);
+                      parsed.startAddress);
 }
 
 template <class Parser>

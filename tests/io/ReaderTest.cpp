@@ -98,10 +98,6 @@ Facts::Fact noRecord(std::uint64_t number, std::string_view line) {
     return Facts::LineNotARecord{thisFile, number, line};
 }
 
-Facts::Fact passedOver(std::uint64_t number, std::string_view line) {
-    return Facts::LinePassedOver{thisFile, number, line};
-}
-
 const Facts::Fact emptyFile = Facts::TextFileEmpty{thisFile};
 const Facts::Fact lastLineMismatched = Facts::LastLineMismatched{thisFile};
 const std::string endOfHex = ":00000001FF\n";
@@ -122,8 +118,7 @@ TEST(IntelHexInFileTest, WhatCountsAndWhatIsPassedOver) {
             {":0100000041be\n// remark\n\n:0100010042BC \n:0200020043bb\n" + endOfHex,
              {{0, 1}},
              {},
-             {passedOver(2, "// remark"), passedOver(3, ""), passedOver(4, ":0100010042BC "),
-              passedOver(5, ":0200020043bb")}},
+             {}},
             {":0100000041BE\n" + std::string(":0100010042BC\0rest", 18) + "\n" + endOfHex,
              {{0, 2}},
              {},
@@ -133,16 +128,13 @@ TEST(IntelHexInFileTest, WhatCountsAndWhatIsPassedOver) {
              {},
              {},
              {contradictory(2, ":0100010042BD")}},
-            {":0100000041BE\nS9030000FC\n:0100010042BC\n" + endOfHex,
-             {{0, 2}},
-             {},
-             {passedOver(2, "S9030000FC")}},
+            {":0100000041BE\nS9030000FC\n:0100010042BC\n" + endOfHex, {{0, 2}}, {}, {}},
             {":00000006FA\n" + endOfHex, {}, {}, {contradictory(1, ":00000006FA")}},
             {":020001040001F8\n" + endOfHex, {}, {}, {contradictory(1, ":020001040001F8")}},
             {":0400000500000100F6\n:01000004010AF0\n:03000002100000EB\n" + endOfHex,
              {},
              0x100,
-             {passedOver(2, ":01000004010AF0"), contradictory(3, ":03000002100000EB")}},
+             {contradictory(3, ":03000002100000EB")}},
             // The base of an extended record replaces the one before it; no wrap within a record.
             {":020000021000EC\n:0100000041BE\n:020000040001F9\n:0100010041BD\n:02000002FFFFFE\n"
              ":04FFFE000102030BEE\n" +
@@ -169,14 +161,11 @@ TEST(TextReaderTest, AFaultIsShownThoughItsLineHasLeftMemory) {
         return file + line + "\n" + file;
     };
     const std::string remark = "//" + std::string(1000, 'x') + "\n";
-    // The first twenty lines that are no records are listed, the others counted.
-    std::vector<Facts::Fact> faults;
-    for (std::uint64_t line = 1; line <= 20; ++line)
-        faults.push_back(passedOver(line, std::string_view(remark).substr(0, remark.size() - 1)));
-    faults.emplace_back(Facts::LinesPassedOver{thisFile, 980});
-    faults.push_back(contradictory(1001, ":0100010042BD"));
     expectReadings<IntelHexInFile>(InFileType::IntelHex,
-                                   {{among(":0100010042BD", remark) + endOfHex, {}, {}, faults}});
+                                   {{among(":0100010042BD", remark) + endOfHex,
+                                     {},
+                                     {},
+                                     {contradictory(1001, ":0100010042BD")}}});
     const std::string header = "S0FF0000" + std::string(504, '0') + "00\n";
     expectReadings<MotorolaS_InFile>(
         InFileType::MotorolaS,

@@ -13,16 +13,7 @@ namespace {
 
 constexpr std::string_view element = " 0x00,";
 constexpr std::size_t digitsAt = 3;
-
-std::string hexadecimal(std::uint64_t number) {
-    std::array<std::uint8_t, sizeof number> bytes{};
-    for (std::size_t i = bytes.size(); i-- > 0; number >>= 8U)
-        bytes[i] = static_cast<std::uint8_t>(number);
-    std::string digits;
-    Util::appendHex(digits, bytes);
-    constexpr std::size_t fewestDigits = 8;
-    return digits.substr(std::min(digits.find_first_not_of('0'), digits.size() - fewestDigits));
-}
+constexpr std::size_t addressDigits = 8;  ///< at least
 
 void writeDigits(PieceWriter& out, std::span<const std::uint8_t> bytes) {
     char* const place = out.reserve(bytes.size() * element.size());
@@ -55,8 +46,8 @@ void CArrayOutFile::saveToFile() {
 std::string CArrayOutFile::headOf(std::size_t number, const ImageView& image) const {
     const std::string name = number == 1 ? style_.name : style_.name + std::to_string(number);
     const std::string size = std::to_string(image.elements.size());
-    std::string head =
-        "\n#define " + name + "_address 0x" + hexadecimal(image.startAddress) + "u\n";
+    std::string head = "\n#define " + name + "_address 0x" +
+                       Util::hexNumber(image.startAddress, addressDigits) + "u\n";
     head += "#define " + name + "_length " + size + "u\n";
     if (!image.elements.empty()) head += "static const uint8_t " + name + "[" + size + "] = {\n";
     return head;

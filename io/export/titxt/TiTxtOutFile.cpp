@@ -14,14 +14,8 @@ namespace {
 /// "@" and the address in upper-case digits, at least four.
 void writeAddress(PieceWriter& out, std::uint64_t address) {
     constexpr std::size_t fewestDigits = 4;
-    std::array<std::uint8_t, 4> bytes{};
-    for (std::size_t i = bytes.size(); i-- > 0; address >>= 8U)
-        bytes[i] = static_cast<std::uint8_t>(address);
-    std::string digits;
-    Util::appendHex(digits, bytes);
-    const std::size_t zeros = std::min(digits.find_first_not_of('0'), digits.size() - fewestDigits);
     out.append("@");
-    out.append(std::string_view(digits).substr(zeros));
+    out.append(Util::hexNumber(address, fewestDigits));
     out.append("\n");
 }
 
