@@ -47,12 +47,27 @@ std::size_t ScriptText::lineOf(std::size_t offset) const {
     return static_cast<std::size_t>(after - lineStarts_.begin());
 }
 
+/// Counts from the last block on, so that many places in a long line cost no more than in short
+/// ones.
+std::size_t ScriptText::charactersBefore(std::size_t offset) const {
+    constexpr std::size_t blockSize = 4096;
+    const std::string_view text = written_;
+    if (blocks_.empty()) {
+        blocks_.reserve(text.size() / blockSize + 1);
+        blocks_.push_back(0);
+        for (std::size_t at = 0; at + blockSize <= text.size(); at += blockSize)
+            blocks_.push_back(blocks_.back() + characters(text.substr(at, blockSize)));
+    }
+    const std::size_t block = offset / blockSize;
+    return blocks_[block] + characters(text.substr(block * blockSize, offset % blockSize));
+}
+
 Place ScriptText::placeInFile(std::size_t offset, std::size_t length) const {
     const std::string_view text = written_;
     offset = std::min(offset, text.size());
-    const std::size_t feed = offset == 0 ? std::string_view::npos : text.rfind('\n', offset - 1);
-    const std::size_t begin = feed == std::string_view::npos ? 0 : feed + 1;
-    const std::size_t end = std::min(text.find('\n', offset), text.size());
+    const std::size_t line = lineOf(offset);
+    const std::size_t begin = lineStarts_[line - 1];
+    const std::size_t end = line < lineStarts_.size() ? lineStarts_[line] - 1 : text.size();
     const bool isShort = end - begin <= shownBefore + shownAfter;
     std::size_t from = isShort || offset - begin <= shownBefore ? begin : offset - shownBefore;
     std::size_t to = isShort || end - offset <= shownAfter ? end : offset + shownAfter;
@@ -61,8 +76,8 @@ Place ScriptText::placeInFile(std::size_t offset, std::size_t length) const {
     const std::size_t last = std::min(offset + length, to);
     Place place;
     place.file = file_;
-    place.line = lineOf(offset);
-    place.column = characters(text.substr(begin, offset - begin)) + 1;
+    place.line = line;
+    place.column = charactersBefore(offset) - charactersBefore(begin) + 1;
     const std::string_view cut = "...";
     place.excerpt = from == begin ? "" : cut;
     place.caret = place.excerpt.size() + characters(text.substr(from, offset - from));

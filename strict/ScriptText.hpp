@@ -49,6 +49,7 @@ public:
 private:
     /// Counted from 1.
     std::size_t lineOf(std::size_t offset) const;
+    std::size_t charactersBefore(std::size_t offset) const;
 
     std::string file_;
     std::string written_;
@@ -56,6 +57,8 @@ private:
     Parser::TextMap map_;
     /// Made when the first line is asked for: a sound script needs none.
     mutable std::vector<std::size_t> lineStarts_;
+    /// The characters before each block of the text, made like the lines.
+    mutable std::vector<std::size_t> blocks_;
 };
 
 }  // namespace Strict

@@ -1,0 +1,27 @@
+#include "strict/ScriptText.hpp"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Characters of one to four bytes, so that they cross every border at which counting may resume.
+TEST(ScriptTextTest, ColumnsCountCharactersHoweverLongALineIs) {
+    const std::string characters[] = {"a", "\u00fc", "\u20ac", "\U0001D11E"};
+    std::string line;
+    std::vector<std::size_t> starts;
+    for (std::size_t i = 0; line.size() < 20'000; ++i) {
+        starts.push_back(line.size());
+        line += characters[i * i % 4 + (i % 7 == 0 ? 3 - i * i % 4 : 0)];
+    }
+    const Strict::ScriptText script("x.tsn", "first\n" + line + "\n" + line, {});
+    for (std::size_t i = 0; i < starts.size(); ++i) {
+        for (const std::size_t number : {2U, 3U}) {
+            const std::size_t before = number == 2 ? 6 : 6 + line.size() + 1;
+            const Strict::Place place = script.placeInFile(before + starts[i], 1);
+            ASSERT_EQ(place.line, number);
+            ASSERT_EQ(place.column, i + 1);
+        }
+    }
+}
+
+}  // namespace
