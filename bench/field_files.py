@@ -17,8 +17,7 @@ import tempfile
 
 ENDINGS = (".hex", ".ihex", ".ihx", ".mot", ".s19", ".s28", ".s37", ".srec", ".sre")
 PACKAGES = ("arduino-core-avr", "firmware-microbit-micropython", "sigrok-firmware-fx2lafw",
-            "dfu-programmer", "avrdude", "simavr", "firmware-ath9k-htc", "microbit-micropython",
-            "stlink-tools", "openocd", "usbrelay", "sdcc-libraries", "gputils-doc", "nvidia-texture-tools")
+            "dfu-programmer", "avrdude", "simavr", "openocd")
 
 
 def hexa(*values, bad=0):
@@ -28,7 +27,8 @@ def hexa(*values, bad=0):
 
 def srec(kind, *values, bad=0):
     record = bytes([len(values) + 1, *values])
-    return b"S%s%s%02X\n" % (kind.encode(), record.hex().upper().encode(), (~sum(record) + bad) & 255)
+    digits = kind + record.hex().upper()
+    return b"S%s%02X\n" % (digits.encode(), (~sum(record) + bad) & 255)
 
 
 END = hexa(0, 0, 0, 1)
@@ -121,14 +121,14 @@ def run(command, folder, output):
 
 
 class Tools:
-    def __init__(self, classic, strict):
-        self.folder = pathlib.Path(tempfile.mkdtemp())
+    def __init__(self, folder, classic, strict):
+        self.folder = pathlib.Path(folder)
         self.output = self.folder / "out.hex"
         self.classic, self.strict = (pathlib.Path(path).resolve() for path in (classic, strict))
 
     def script(self, name, rest=""):
-        (self.folder / "script.tsn").write_text("NEW_BUFFER @a FROM_FILE {%s}%s\n"
-                                                "WRITE_FILE out.hex WITH_BUFFERS {@a}\n" % (name, rest))
+        (self.folder / "script.tsn").write_text(
+            "NEW_BUFFER @a FROM_FILE {%s}%s\nWRITE_FILE out.hex WITH_BUFFERS {@a}\n" % (name, rest))
 
     def all(self, name, is_hex):
         self.script(name)
@@ -148,7 +148,8 @@ def outcome(tool, result, wanted):
     # A gap of an image is written as zeros.
     written = {a: b for a, b in data.items() if b != 0 or a in (wanted or {})}
     if code != 0 or not data:
-        return "refused" if code != 0 or "rror" in text or "did not match" in text else "no data, silent"
+        is_refused = code != 0 or "rror" in text or "did not match" in text
+        return "refused" if is_refused else "no data, silent"
     if wanted is not None and written == wanted:
         return "read"
     said = "warning" in text.lower() or "error" in text.lower() or "contradict" in text
@@ -190,7 +191,8 @@ def compare(tools, files):
         strict, said, data = run([tools.strict, "run", "script.tsn"], tools.folder, tools.output)
         data = {a: data[a] for a in wanted if a in data}
         state = ("both refuse" if code and strict else "srec_cat alone refuses" if code
-                 else "tessaron alone refuses" if strict else "same" if data == wanted else "differs")
+                 else "tessaron alone refuses" if strict else "same" if data == wanted
+                 else "differs")
         counts[state] = counts.get(state, 0) + 1
         faults += state == "differs"
         if state != "same":
@@ -200,33 +202,34 @@ def compare(tools, files):
     return faults
 
 
+def variants(source, offset):
+    """File names and the commands that write them."""
+    load = ["srec_cat", source, "-Binary", "-offset", str(offset), "-Output", "OUT"]
+    for size in (16, 32, 250):
+        yield "%d.hex" % size, load + ["-Intel", "-Output_Block_Size=%d" % size]
+    for length in (2, 3, 4):
+        yield "i%d.hex" % length, load + ["-Intel", "-address-length=%d" % length]
+        yield "s%d.srec" % length, load + ["-Motorola", "-address-length=%d" % length]
+    for options in (["-disable=header"], ["-disable=data-count"], ["-disable=footer"],
+                    ["-Line_Termination=CRLF"], ["-execution-start-address", "4660"]):
+        for kind, ending in (("-Intel", "hex"), ("-Motorola", "srec")):
+            yield "%s.%s" % (options[0], ending), load + [kind] + options
+    for kind, *options in (["ihex"], ["srec"], ["srec", "--srec-len=4"], ["srec", "--srec-len=40"],
+                           ["srec", "--srec-forceS3"], ["symbolsrec"]):
+        ending = "hex" if kind == "ihex" else "srec"
+        yield "objcopy-%s%s.%s" % (kind, "".join(options), ending), [
+            "objcopy", "-I", "binary", "--change-addresses", str(offset), "-O", kind, *options,
+            source, "OUT"]
+
+
 def written(tools):
     folder = tools.folder / "written"
     folder.mkdir()
     source = folder / "data.bin"
     source.write_bytes(random.Random(1).randbytes(3000))
-    commands = {}
-    for offset in (0, 0xFFF0, 0xFFFF0, 0x1000000, 0xF0000000):
-        load = ["srec_cat", source, "-Binary", "-offset", str(offset), "-Output"]
-        for size in (16, 32, 255):
-            commands["srec_cat-%x-%d.hex" % (offset, size)] = load + ["OUT", "-Intel", "-Output_Block_Size=%d" % min(size, 250)]
-        for mode in ("i8hex", "i16hex", "i32hex"):
-            commands["srec_cat-%x-%s.hex" % (offset, mode)] = load + [
-                "OUT", "-Intel", "-address-length=%d" % {"i8hex": 2, "i16hex": 3, "i32hex": 4}[mode]]
-        for length in (2, 3, 4):
-            commands["srec_cat-%x-s%d.srec" % (offset, length)] = load + [
-                "OUT", "-Motorola", "-address-length=%d" % length]
-        for option in ("-disable=header", "-disable=data-count", "-disable=footer", "-CRLF",
-                       "-execution-start-address=4660"):
-            for kind, ending in (("-Intel", "hex"), ("-Motorola", "srec")):
-                commands["srec_cat-%x%s.%s" % (offset, option, ending)] = load + ["OUT", kind] + (
-                    option.split("=") if option.startswith("-exec") else
-                    ["-Line_Termination=CRLF"] if option == "-CRLF" else [option])
-        base = ["objcopy", "-I", "binary", "--change-addresses", str(offset)]
-        for kind, options in (("ihex", []), ("srec", []), ("srec", ["--srec-len=4"]),
-                              ("srec", ["--srec-forceS3"]), ("symbolsrec", []), ("srec", ["--srec-len=40"])):
-            commands["objcopy-%x-%s%s.%s" % (offset, kind, "".join(options), "hex" if kind == "ihex" else "srec")] = \
-                base + ["-O", kind] + options + [source, "OUT"]
+    commands = {"%x-%s" % (offset, name): command
+                for offset in (0, 0xFFF0, 0xFFFF0, 0x1000000, 0xF0000000)
+                for name, command in variants(source, offset)}
     files = []
     for name, command in commands.items():
         path = folder / name
@@ -256,7 +259,11 @@ def packages(tools):
 def main():
     classic, strict, *parts = sys.argv[1:]
     work = {"odd": odd, "written": written, "packages": packages}
-    return 1 if sum(work[part](Tools(classic, strict)) for part in parts or work) else 0
+    faults = 0
+    for part in parts or work:
+        with tempfile.TemporaryDirectory() as folder:
+            faults += work[part](Tools(folder, classic, strict))
+    return 1 if faults else 0
 
 
 if __name__ == "__main__":

@@ -62,7 +62,8 @@ std::size_t findRecord(std::string_view piece, char first, std::size_t most) {
 /// The format of the first record of a file.
 std::optional<RecordFormat> firstRecord(const Platform::InputFile& file) {
     constexpr std::size_t pieceSize = std::size_t{1} << 17U;
-    std::vector<char> buffer(pieceSize);
+    std::vector<char> buffer(
+        static_cast<std::size_t>(std::min<std::uint64_t>(pieceSize, file.size())));
     for (std::uint64_t start = 0; start < file.size();) {
         const std::string_view piece(buffer.data(), file.readAt(start, buffer));
         if (piece.empty()) break;
