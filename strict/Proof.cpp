@@ -29,6 +29,13 @@ public:
         sink_->take({Severity::Error, "differs", what, std::nullopt, hint, {}});
     }
 
+    /// A file has another digest than the manifest gives; `what` names its kind.
+    void differ(const char* what, const std::string& path, const std::string& found,
+                const std::string& listed) {
+        differ("the " + std::string(what) + " " + path + " is not the one of " + manifest_,
+               "its SHA-256 is " + found + ", not " + listed);
+    }
+
     /// Compares files with those that the manifest lists; `what` names their kind.
     void compare(const char* what, const Digests& listed, const Digests& found) {
         for (const auto& [path, digest] : found) {
@@ -36,8 +43,7 @@ public:
             if (entry == listed.end())
                 differ(manifest_ + " lists no " + what + " " + path);
             else if (entry->second != digest)
-                differ("the " + std::string(what) + " " + path + " is not the one of " + manifest_,
-                       "its SHA-256 is " + digest + ", not " + entry->second);
+                differ(what, path, digest, entry->second);
         }
         for (const auto& [path, digest] : listed)
             if (!found.contains(path))
@@ -70,8 +76,7 @@ Digests digestsOf(const std::vector<Inspect::FileRecord>& files) {
 void compare(const Json& manifest, const Inspect::RunRecord& record, Proof& proof) {
     const std::string script = manifest.at("script").at("sha256").get<std::string>();
     if (script != record.scriptSha256)
-        proof.differ("the script " + record.scriptPath + " is not the one of " + proof.manifest(),
-                     "its SHA-256 is " + record.scriptSha256 + ", not " + script);
+        proof.differ("script", record.scriptPath, record.scriptSha256, script);
     if (manifest.at("variables").get<Digests>() != record.variables)
         proof.differ("the variables are not those of " + proof.manifest());
     proof.compare("input", listedIn(manifest, "inputs"), digestsOf(record.inputs));
@@ -82,8 +87,7 @@ void compare(const Json& manifest, const Inspect::RunRecord& record, Proof& proo
         if (found.empty())
             proof.differ("the output " + path + " is missing");
         else if (found != digest)
-            proof.differ("the file " + path + " is not the one of " + proof.manifest(),
-                         "its SHA-256 is " + found + ", not " + digest);
+            proof.differ("file", path, found, digest);
     }
 }
 
