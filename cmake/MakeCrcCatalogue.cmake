@@ -1,12 +1,12 @@
 # Run with cmake -P: writes the C++ file SOURCE, which defines Util::Crc::catalogue() with the rows
-# of DATA up to 64 bits.
+# of DATA. C++ has no literal of more than 64 bits, so wider numbers are made of two.
 file(STRINGS ${DATA} lines REGEX "^[^#]")
 foreach(line IN LISTS lines)
   string(REPLACE "\t" ";" fields "${line}")
   list(GET fields 0 1 2 3 4 5 6 row)
   list(POP_FRONT row name width)
   if(width GREATER 64)
-    continue()
+    list(TRANSFORM row REPLACE "^0x(.*)(................)$" "wide(0x\\1, 0x\\2)")
   endif()
   list(JOIN row ", " row)
   string(APPEND rows "    {\"${name}\", {${width}, ${row}}},\n")
@@ -18,6 +18,10 @@ file(WRITE ${SOURCE} "// Made by CMake from util/crc/${file}.
 namespace Util::Crc {
 
 namespace {
+
+constexpr CrcNumber wide(std::uint64_t high, std::uint64_t low) {
+    return CrcNumber{high} << 64 | low;
+}
 
 constexpr CatalogueEntry rows[] = {
 ${rows}};

@@ -1,6 +1,7 @@
 #include "util/crc/CrcParameters.hpp"
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <cstddef>
 
@@ -12,37 +13,74 @@ namespace Util::Crc {
 namespace {
 
 // A polynomial times a power of x leaves the remainder times that power, so one register of 64 bits
-// serves every width: the CRC is in its upper bits, or in its lower ones if it shifts right.
+// serves every width up to its own: the CRC is in its upper bits, or in its lower ones if it shifts
+// right. Wider CRCs are rare and take a register of their own, without folding.
+
+constexpr int registerWidth = widthOf<std::uint64_t>;
 
 /// The lowest `width` bits of `value` in reverse order.
 std::uint64_t reflected(std::uint64_t value, int width) {
-    return reflect(value) >> (widestCrc - width);
+    return reflect(value) >> (registerWidth - width);
+}
+
+CrcNumber wideReflected(CrcNumber value, int width) {
+    CrcNumber mirrored = 0;
+    for (int bit = 0; bit < width; ++bit) mirrored |= (value >> bit & 1) << (width - 1 - bit);
+    return mirrored;
 }
 
 using Bytes = std::span<const std::uint8_t>;
 
 /// The register after `data`, not reflected.
 std::uint64_t forwardRegister(const CrcParameters& crc, Bytes data) {
-    const int unused = widestCrc - crc.width;
-    const std::uint64_t polynomial = crc.polynomial << unused;
+    const int unused = registerWidth - crc.width;
+    const std::uint64_t polynomial = static_cast<std::uint64_t>(crc.polynomial) << unused;
     const auto table = forwardTable<8>(polynomial);
     const auto rule = [&](std::uint64_t value, Bytes bytes) {
         return updateForward(value, bytes, table);
     };
-    const std::uint64_t initial = crc.initial << unused;
+    const std::uint64_t initial = static_cast<std::uint64_t>(crc.initial) << unused;
     const Folding folding = forwardFolding(polynomial);
     return updateFolded(initial, data, folding, reversedBytes(initial), rule) >> unused;
 }
 
 /// The register after `data`, reflected.
 std::uint64_t reflectedRegister(const CrcParameters& crc, Bytes data) {
-    const std::uint64_t polynomial = reflected(crc.polynomial, crc.width);
+    const auto polynomial = reflected(static_cast<std::uint64_t>(crc.polynomial), crc.width);
     const auto table = reflectedTable<8>(polynomial);
     const auto rule = [&](std::uint64_t value, Bytes bytes) {
         return updateReflected(value, bytes, table);
     };
-    const std::uint64_t initial = reflected(crc.initial, crc.width);
+    const auto initial = reflected(static_cast<std::uint64_t>(crc.initial), crc.width);
     return updateFolded(initial, data, reflectedFolding(polynomial), initial, rule);
+}
+
+/// The register of at most 64 bits after `data`, reflected as the output is.
+std::uint64_t narrowRegister(const CrcParameters& crc, Bytes data) {
+    const std::uint64_t value =
+        crc.isInputReflected ? reflectedRegister(crc, data) : forwardRegister(crc, data);
+    return crc.isInputReflected == crc.isOutputReflected ? value : reflected(value, crc.width);
+}
+
+/// The same for more than 64 bits: a register that shifts left over the bits of each byte in their
+/// order.
+CrcNumber wideRegister(const CrcParameters& crc, Bytes data) {
+    const int unused = widestCrc - crc.width;
+    const CrcNumber polynomial = crc.polynomial << unused;
+    std::array<CrcNumber, UCHAR_MAX + 1> table{};
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        table[i] = CrcNumber{i} << (widestCrc - CHAR_BIT);
+        for (int bit = 0; bit < CHAR_BIT; ++bit)
+            table[i] = table[i] << 1 ^ ((table[i] >> (widestCrc - 1)) != 0 ? polynomial : 0);
+    }
+    CrcNumber value = crc.initial << unused;
+    for (const std::uint8_t byte : data) {
+        const std::uint8_t ordered = crc.isInputReflected ? reflect(byte) : byte;
+        const auto top = static_cast<std::uint8_t>(value >> (widestCrc - CHAR_BIT));
+        value = value << CHAR_BIT ^ table[top ^ ordered];
+    }
+    value >>= unused;
+    return crc.isOutputReflected ? wideReflected(value, crc.width) : value;
 }
 
 char lower(char c) {
@@ -52,10 +90,8 @@ char lower(char c) {
 }  // namespace
 
 ByteList computeCrc(const CrcParameters& parameters, Bytes data) {
-    std::uint64_t value = parameters.isInputReflected ? reflectedRegister(parameters, data)
-                                                      : forwardRegister(parameters, data);
-    if (parameters.isInputReflected != parameters.isOutputReflected)
-        value = reflected(value, parameters.width);
+    CrcNumber value = parameters.width <= registerWidth ? narrowRegister(parameters, data)
+                                                        : wideRegister(parameters, data);
     value ^= parameters.finalXor;
     ByteList bytes(static_cast<std::size_t>((parameters.width + CHAR_BIT - 1) / CHAR_BIT));
     for (std::uint8_t& byte : bytes) {

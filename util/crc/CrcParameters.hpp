@@ -9,21 +9,24 @@
 /// Polynomial CRCs of any parameters.
 namespace Util::Crc {
 
+/// A number as wide as any register. ISO C++ has none of more than 64 bits; GCC and Clang do.
+__extension__ using CrcNumber = unsigned __int128;
+
 /// The parameters of a CRC in the notation of the public catalogue, after R. Williams, "A painless
 /// guide to CRC error detection algorithms", section 15.
 struct CrcParameters {
-    int width;                 ///< in bits, 1 to `widestCrc`
-    std::uint64_t polynomial;  ///< without its highest term, not reflected
-    std::uint64_t initial;     ///< of the register, not reflected
-    bool isInputReflected;     ///< each byte enters with its lowest bit first
-    bool isOutputReflected;    ///< the register is reflected before the final xor
-    std::uint64_t finalXor;
+    int width;               ///< in bits, 1 to `widestCrc`
+    CrcNumber polynomial;    ///< without its highest term, not reflected
+    CrcNumber initial;       ///< of the register, not reflected
+    bool isInputReflected;   ///< each byte enters with its lowest bit first
+    bool isOutputReflected;  ///< the register is reflected before the final xor
+    CrcNumber finalXor;
 };
 
-inline constexpr int widestCrc = 64;
+inline constexpr int widestCrc = 128;
 
-/// True if `value` has no bit beyond the lowest `width`, which is 1 to 64.
-constexpr bool fits(std::uint64_t value, int width) {
+/// True if `value` has no bit beyond the lowest `width`, which is 1 to `widestCrc`.
+constexpr bool fits(CrcNumber value, int width) {
     return (value >> (width - 1)) <= 1;
 }
 
@@ -38,7 +41,7 @@ struct CatalogueEntry {
     CrcParameters parameters;
 };
 
-/// The CRCs of `catalogue.tsv` up to `widestCrc`, in its order.
+/// The CRCs of `catalogue.tsv`, in its order.
 std::span<const CatalogueEntry> catalogue();
 
 /// The CRC of the catalogue called `name`, case ignored, or nullptr.
