@@ -12,6 +12,7 @@ namespace {
 
 using Fuzz::check;
 using Util::Records::DataRun;
+using Util::Records::DigitCase;
 using Util::Records::Portable;
 using Vectors = Util::Records::Codec;
 using Bytes = std::vector<std::uint8_t>;
@@ -22,11 +23,11 @@ Bytes roomFor(std::string_view text) {
 }
 
 template <class Decode>
-std::size_t checkDecoded(std::string_view text, Decode portable, Decode vectors) {
+std::size_t checkDecoded(std::string_view text, DigitCase digits, Decode portable, Decode vectors) {
     Bytes expected = roomFor(text);
     Bytes found = roomFor(text);
-    const DataRun wanted = portable(text, expected.data());
-    const DataRun run = vectors(text, found.data());
+    const DataRun wanted = portable(text, expected.data(), digits);
+    const DataRun run = vectors(text, found.data(), digits);
     check(run.textSize == wanted.textSize && run.address == wanted.address &&
               run.dataSize == wanted.dataSize && run.count == wanted.count,
           "both find the same records");
@@ -36,10 +37,11 @@ std::size_t checkDecoded(std::string_view text, Decode portable, Decode vectors)
 }
 
 /// The records at the front of each line, as readers take them.
-void checkDecoded(std::string_view text) {
+void checkDecoded(std::string_view text, DigitCase digits) {
     while (!text.empty()) {
-        std::size_t size = checkDecoded(text, &Portable::decodeIntel, &Vectors::decodeIntel);
-        if (size == 0) size = checkDecoded(text, &Portable::decodeS, &Vectors::decodeS);
+        std::size_t size =
+            checkDecoded(text, digits, &Portable::decodeIntel, &Vectors::decodeIntel);
+        if (size == 0) size = checkDecoded(text, digits, &Portable::decodeS, &Vectors::decodeS);
         if (size == 0) size = std::min(text.find('\n'), text.size() - 1) + 1;
         text.remove_prefix(size);
     }
@@ -74,7 +76,8 @@ void checkEncoded(std::span<const std::uint8_t> all) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::vector<char> exact(data, data + size);
-    checkDecoded({exact.data(), exact.size()});
+    for (const DigitCase digits : {DigitCase::Upper, DigitCase::Any})
+        checkDecoded({exact.data(), exact.size()}, digits);
     checkEncoded(Bytes(data, data + size));
     return 0;
 }

@@ -42,6 +42,9 @@ protected:
     /// Takes a line that begins as a record does. False if it does not.
     virtual bool takeRecord(std::string_view line) = 0;
 
+    /// Lines with lower-case digits are counted, so they are taken one by one.
+    static constexpr Util::Records::DigitCase upperCase = Util::Records::DigitCase::Upper;
+
     /// Takes perfect data records off the front of `text`, see Util::Records.
     virtual Util::Records::DataRun decodeRun(std::string_view text, std::uint8_t* out) const = 0;
 

@@ -26,7 +26,7 @@ public:
 private:
     bool takeRecord(std::string_view line) override;
     Util::Records::DataRun decodeRun(std::string_view text, std::uint8_t* out) const override {
-        return Util::Records::Codec::decodeS(text, out);
+        return Util::Records::Codec::decodeS(text, out, upperCase);
     }
     std::uint64_t useRun(const Util::Records::DataRun& run, std::string_view text) override;
     bool takeOther(std::string_view line) override;

@@ -12,6 +12,7 @@
 #include "io/Backoff.hpp"
 #include "io/TextLines.hpp"
 #include "io/import/ParsedData.hpp"
+#include "util/records/Records.hpp"
 
 namespace Io::Import {
 
@@ -84,8 +85,9 @@ protected:
         std::string_view text = all;
         std::uint64_t count = 0;
         try {
-            for (auto run = decode(text, parsed_.data.room()); run.count != 0;
-                 run = decode(text, parsed_.data.room())) {
+            constexpr auto digits = Util::Records::DigitCase::Any;
+            for (auto run = decode(text, parsed_.data.room(), digits); run.count != 0;
+                 run = decode(text, parsed_.data.room(), digits)) {
                 parsed_.data.appendInPlace(base + run.address, run.dataSize);
                 text.remove_prefix(run.textSize);
                 count += run.count;

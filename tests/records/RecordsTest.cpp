@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <cstdio>
 #include <numeric>
 #include <string>
@@ -14,6 +15,7 @@
 namespace {
 
 using Util::Records::DataRun;
+using Util::Records::DigitCase;
 using Bytes = std::vector<std::uint8_t>;
 
 std::string digitsOf(const Bytes& bytes) {
@@ -47,8 +49,8 @@ struct Form {
     }
 
     template <class Codec>
-    DataRun decode(std::string_view text, std::uint8_t* out) const {
-        return isIntel ? Codec::decodeIntel(text, out) : Codec::decodeS(text, out);
+    DataRun decode(std::string_view text, std::uint8_t* out, DigitCase digits) const {
+        return isIntel ? Codec::decodeIntel(text, out, digits) : Codec::decodeS(text, out, digits);
     }
 
     template <class Codec>
@@ -67,6 +69,13 @@ Bytes dataOf(std::size_t size) {
     return data;
 }
 
+/// The record with lower-case digits.
+std::string lowerCase(std::string record) {
+    for (std::size_t i = 1; i < record.size(); ++i)
+        record[i] = static_cast<char>(std::tolower(static_cast<unsigned char>(record[i])));
+    return record;
+}
+
 const std::string following(Util::Records::textSlack, ':');
 
 template <class Codec>
@@ -74,16 +83,17 @@ class Records : public testing::Test {
 protected:
     /// Decodes from and to places with nothing beyond what the functions may touch, so that
     /// sanitizers see them reach further.
-    DataRun decode(const Form& form, const std::string& text) {
+    DataRun decode(const Form& form, const std::string& text, DigitCase digits = DigitCase::Upper) {
         const std::vector<char> exact(text.begin(), text.end());
         data_.assign(exact.size() / 2 + Util::Records::dataSlack, 0);
-        const DataRun run = form.decode<Codec>({exact.data(), exact.size()}, data_.data());
+        const DataRun run = form.decode<Codec>({exact.data(), exact.size()}, data_.data(), digits);
         data_.resize(run.dataSize);
         return run;
     }
 
-    void expectDecoded(const Form& form, const Bytes& data, const std::string& line) {
-        const DataRun run = decode(form, line + following);
+    void expectDecoded(const Form& form, const Bytes& data, const std::string& line,
+                       DigitCase digits = DigitCase::Upper) {
+        const DataRun run = decode(form, line + following, digits);
         EXPECT_EQ(run.textSize, line.size()) << line;
         EXPECT_EQ(run.address, form.address()) << line;
         EXPECT_EQ(data_, data) << line;
@@ -106,6 +116,8 @@ TYPED_TEST(Records, AreDecodedInEveryLengthWithBothLineEnds) {
             const std::string record = form.record(data);
             this->expectDecoded(form, data, record + "\n");
             this->expectDecoded(form, data, record + "\r\n");
+            this->expectDecoded(form, data, record + "\n", DigitCase::Any);
+            this->expectDecoded(form, data, lowerCase(record) + "\n", DigitCase::Any);
         }
     }
 }
@@ -138,10 +150,10 @@ TYPED_TEST(Records, AreEncodedInEveryLength) {
     }
 }
 
-/// All these characters, lower-case digits among them, make a record imperfect wherever they are,
-/// in the place of any digit: they are neighbours of digits in the character set, or digits with
-/// the highest bit. The last one stands for the digit with its lowest bit changed, which the
-/// checksum reveals.
+/// All these characters make a record imperfect wherever they are, in the place of any digit: they
+/// are neighbours of digits in the character set, or digits with the highest bit. Lower-case digits
+/// do so unless they are asked for: then they are the wrong digits for the checksum. The last one
+/// is the digit with its lowest bit changed, which the checksum reveals as well.
 TYPED_TEST(Records, AreRejectedWithADamagedCharacter) {
     constexpr std::string_view others{"/:@G`afg \n\r\0\xB0\xC1\xE6\xFF", 16};
     for (const Form& form : forms) {
@@ -153,6 +165,10 @@ TYPED_TEST(Records, AreRejectedWithADamagedCharacter) {
                 for (const char other : others) {
                     text[at] = other;
                     EXPECT_EQ(this->decode(form, text + following).textSize, 0U) << at << text;
+                    // The lower-case form of the right digit is no fault then.
+                    if (std::toupper(static_cast<unsigned char>(other)) == right) continue;
+                    EXPECT_EQ(this->decode(form, text + following, DigitCase::Any).textSize, 0U)
+                        << at << text;
                 }
                 text[at] = right == '9' ? '8' : static_cast<char>(right ^ 1);
                 if (text[at] != '@' && text[at] != 'G') {

@@ -8,6 +8,7 @@ namespace Util::Records {
 
 namespace {
 
+template <DigitCase Case>
 class PortableLanes {
 public:
     template <std::size_t Bytes>
@@ -49,7 +50,7 @@ private:
     void read(std::uint8_t* out, const char* digits, std::size_t count) {
         const auto isLower = [](char digit) { return digit >= 'a'; };
         areDigits_ = areDigits_ && readHex(out, digits, count) &&
-                     std::none_of(digits, digits + 2 * count, isLower);
+                     (Case == DigitCase::Any || std::none_of(digits, digits + 2 * count, isLower));
     }
 
     void add(std::span<const std::uint8_t> bytes) {
@@ -62,22 +63,22 @@ private:
 
 }  // namespace
 
-DataRun Portable::decodeIntel(std::string_view text, std::uint8_t* out) {
-    return decodeIntelBy<PortableLanes>(text, out);
+DataRun Portable::decodeIntel(std::string_view text, std::uint8_t* out, DigitCase digits) {
+    return decodeIntelBy<PortableLanes>(text, out, digits);
 }
 
-DataRun Portable::decodeS(std::string_view text, std::uint8_t* out) {
-    return decodeSBy<PortableLanes>(text, out);
+DataRun Portable::decodeS(std::string_view text, std::uint8_t* out, DigitCase digits) {
+    return decodeSBy<PortableLanes>(text, out, digits);
 }
 
 char* Portable::encodeIntel(char* out, std::uint16_t address, std::uint8_t typeByte,
                             std::span<const std::uint8_t> data) {
-    return encodeIntelBy<PortableLanes>(out, address, typeByte, data);
+    return encodeIntelBy<PortableLanes<DigitCase::Upper>>(out, address, typeByte, data);
 }
 
 char* Portable::encodeS(char* out, char typeDigit, std::uint32_t address, std::size_t addressSize,
                         std::span<const std::uint8_t> data) {
-    return encodeSBy<PortableLanes>(out, typeDigit, address, addressSize, data);
+    return encodeSBy<PortableLanes<DigitCase::Upper>>(out, typeDigit, address, addressSize, data);
 }
 
 }  // namespace Util::Records

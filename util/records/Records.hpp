@@ -22,6 +22,12 @@ inline constexpr std::size_t textSlack = 32;
 /// Bytes beyond the data that a decoder may overwrite.
 inline constexpr std::size_t dataSlack = 16;
 
+/// Which hexadecimal digits a record may have.
+enum class DigitCase : std::uint8_t {
+    Upper,  ///< no lower-case ones
+    Any     ///< upper-case and lower-case ones
+};
+
 /// Data records at the front of a text, each at the address one past the data of the one before.
 struct DataRun {
     std::uint32_t address = 0;  ///< of the first one: 16 bits in Intel HEX, up to 32 in S-records
@@ -33,17 +39,18 @@ struct DataRun {
 /// The functions in portable C++, the reference for those in vectors.
 ///
 /// `decodeIntel` takes records of type 00 off the front of `text`, `decodeS` records of one of the
-/// types S1, S2 and S3. Each of them is perfect: upper-case digits, a count that fits, at least one
-/// byte of data, a correct checksum, a line feed or a carriage return and a line feed right after
-/// it, and at least `textSlack` characters after its checksum. Their data goes to `out`, which has
-/// room for half the text and for `dataSlack` more; beyond the data, its content is unspecified.
+/// types S1, S2 and S3. Each of them is perfect: digits of the case that is asked for, a count that
+/// fits, at least one byte of data, a correct checksum, a line feed or a carriage return and a line
+/// feed right after it, and at least `textSlack` characters after its checksum. Their data goes to
+/// `out`, which has room for half the text and for `dataSlack` more; beyond the data, its content
+/// is unspecified.
 ///
 /// `encodeIntel` and `encodeS` write a record and a line feed to `out`, which has room for it and
 /// for `textSlack` more, and return the position after it. The count field takes the low eight bits
 /// of the count.
 struct Portable {
-    static DataRun decodeIntel(std::string_view text, std::uint8_t* out);
-    static DataRun decodeS(std::string_view text, std::uint8_t* out);
+    static DataRun decodeIntel(std::string_view text, std::uint8_t* out, DigitCase digits);
+    static DataRun decodeS(std::string_view text, std::uint8_t* out, DigitCase digits);
 
     /// @param typeByte  00 to 05, as in the file
     static char* encodeIntel(char* out, std::uint16_t address, std::uint8_t typeByte,
@@ -60,8 +67,8 @@ struct Portable {
 /// The same functions in vectors of 16 bytes. Every x86-64 processor has SSE2, so nothing is
 /// detected at run time.
 struct Sse2 {
-    static DataRun decodeIntel(std::string_view text, std::uint8_t* out);
-    static DataRun decodeS(std::string_view text, std::uint8_t* out);
+    static DataRun decodeIntel(std::string_view text, std::uint8_t* out, DigitCase digits);
+    static DataRun decodeS(std::string_view text, std::uint8_t* out, DigitCase digits);
     static char* encodeIntel(char* out, std::uint16_t address, std::uint8_t typeByte,
                              std::span<const std::uint8_t> data);
     static char* encodeS(char* out, char typeDigit, std::uint32_t address, std::size_t addressSize,

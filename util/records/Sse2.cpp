@@ -41,14 +41,19 @@ __m128i onlyDigits(__m128i characters, __m128i mask) {
                         _mm_andnot_si128(mask, _mm_set1_epi8('0')));
 }
 
-/// The values of 16 upper-case digits, above 15 in each lane without a digit.
+/// The values of 16 digits, above 15 in each lane without a digit of the case.
+template <DigitCase Case>
 __m128i valuesOf(__m128i digits) {
     // 0 to 9 become 0xF6 to 0xFF, where whatever is lower saturates to values above 15.
     const __m128i high = _mm_add_epi8(digits, _mm_set1_epi8(static_cast<char>(0xFF - '9')));
     const __m128i decimal =
         _mm_sub_epi8(_mm_subs_epu8(high, _mm_set1_epi8(6)), _mm_set1_epi8(static_cast<char>(0xF0)));
+    // One bit distinguishes a letter from its capital.
+    constexpr char caseBit = 'a' ^ 'A';
+    const bool isAny = Case == DigitCase::Any;
+    const __m128i small = isAny ? _mm_or_si128(digits, _mm_set1_epi8(caseBit)) : digits;
     const __m128i letter =
-        _mm_adds_epu8(_mm_sub_epi8(digits, _mm_set1_epi8('A')), _mm_set1_epi8(10));
+        _mm_adds_epu8(_mm_sub_epi8(small, _mm_set1_epi8(isAny ? 'a' : 'A')), _mm_set1_epi8(10));
     return _mm_min_epu8(decimal, letter);
 }
 
@@ -83,6 +88,7 @@ __m128i loadFirst(const std::uint8_t* bytes, std::size_t size) {
     return _mm_set_epi64x(static_cast<long long>(high), static_cast<long long>(low));
 }
 
+template <DigitCase Case>
 class Sse2Lanes {
 public:
     template <std::size_t Bytes>
@@ -142,7 +148,7 @@ private:
     static __m128i highValues(__m128i bytes) { return lowValues(_mm_srli_epi16(bytes, 4)); }
 
     __m128i read(__m128i digits) {
-        const __m128i values = valuesOf(digits);
+        const __m128i values = valuesOf<Case>(digits);
         greatest_ = _mm_max_epu8(greatest_, values);
         return values;
     }
@@ -171,22 +177,22 @@ private:
 
 }  // namespace
 
-DataRun Sse2::decodeIntel(std::string_view text, std::uint8_t* out) {
-    return decodeIntelBy<Sse2Lanes>(text, out);
+DataRun Sse2::decodeIntel(std::string_view text, std::uint8_t* out, DigitCase digits) {
+    return decodeIntelBy<Sse2Lanes>(text, out, digits);
 }
 
-DataRun Sse2::decodeS(std::string_view text, std::uint8_t* out) {
-    return decodeSBy<Sse2Lanes>(text, out);
+DataRun Sse2::decodeS(std::string_view text, std::uint8_t* out, DigitCase digits) {
+    return decodeSBy<Sse2Lanes>(text, out, digits);
 }
 
 char* Sse2::encodeIntel(char* out, std::uint16_t address, std::uint8_t typeByte,
                         std::span<const std::uint8_t> data) {
-    return encodeIntelBy<Sse2Lanes>(out, address, typeByte, data);
+    return encodeIntelBy<Sse2Lanes<DigitCase::Upper>>(out, address, typeByte, data);
 }
 
 char* Sse2::encodeS(char* out, char typeDigit, std::uint32_t address, std::size_t addressSize,
                     std::span<const std::uint8_t> data) {
-    return encodeSBy<Sse2Lanes>(out, typeDigit, address, addressSize, data);
+    return encodeSBy<Sse2Lanes<DigitCase::Upper>>(out, typeDigit, address, addressSize, data);
 }
 
 }  // namespace Util::Records
