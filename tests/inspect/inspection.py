@@ -202,7 +202,8 @@ class Inspection(unittest.TestCase):
         tessaron("convert", "a.hex", "out.s37", "--crop", "0x8000000,0x2000", "--fill", "0xFF",
                  "--offset", "-0x1000")
         srec_cat("a.hex", "-intel", "-crop", "0x8000000", "0x8002000", "-fill", "0xFF",
-                 "0x8000000", "0x8002000", "-offset", "-0x1000", "-disable=data-count", "-o", "want.s37", "-motorola",
+                 "0x8000000", "0x8002000", "-offset", "-0x1000", "-disable=data-count",
+                 "-o", "want.s37", "-motorola",
                  "-execution-start-address", hex(FLASH + 0x131))
         self.assertEqual(tessaron("diff", "out.s37", "want.s37"), "")
         self.assertTrue(pathlib.Path("out.s37").read_text().rstrip().splitlines()[-1]
@@ -239,3 +240,29 @@ if __name__ == "__main__":
         os.chdir(folder)
         unittest.main(verbosity=1, exit=False).result.wasSuccessful() or sys.exit(1)
         os.chdir("/")
+    def test_printed_scripts(self):
+        """The script of each pair of formats, with and without options, writes the same bytes."""
+        write("in.hex", {FLASH: b"first" * 9, FLASH + 0x100: b"second"})
+        write("in.s37", {FLASH: b"first" * 9, FLASH + 0x100: b"second"})
+        srec_cat("in.hex", "-intel", "-o", "in.txt", "-ti_txt")
+        pathlib.Path("in.bin").write_bytes(bytes(range(200)))
+        tessaron("convert", "in.hex", "in.uf2", "--format", "Uf2_0xE48BFF56")
+        elf = pathlib.Path(__file__).resolve().parents[1] / "data/elf/arm.elf"
+        pathlib.Path("in.elf").write_bytes(elf.read_bytes())
+        outputs = [["out" + ending] for ending in (".hex", ".s19", ".bin", ".txt", ".dfu")]
+        outputs += [["out.x", "--format", name] for name in
+                    ("IntelHexSegment", "MotorolaS_24", "Uf2_0xE48BFF56", "Vmem_4", "CArray_8")]
+        starts = {"in.bin": 0, "in.elf": 0x8000}
+        for name in ("in.hex", "in.s37", "in.txt", "in.bin", "in.uf2", "in.elf"):
+            crop = "--crop=%d,20" % (starts.get(name, FLASH) + 4)
+            # Segments and the records of 24 bits have lower addresses.
+            low = "--offset=%d" % (0x10000 - starts.get(name, FLASH))
+            for (path, *choice) in outputs:
+                for options in ([low], [low, crop, "--fill=1,2"]):
+                    command = ["convert", name, path, *choice, *options]
+                    tessaron(*command)
+                    converted = pathlib.Path(path).read_bytes()
+                    pathlib.Path(path).unlink()
+                    tessaron("run", "-", standard_input=tessaron(*command, "--print-script"))
+                    self.assertEqual(pathlib.Path(path).read_bytes(), converted, command)
+
