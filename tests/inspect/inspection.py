@@ -207,6 +207,10 @@ class Inspection(unittest.TestCase):
                  "-execution-start-address", hex(FLASH + 0x131))
         self.assertEqual(tessaron("diff", "out.s37", "want.s37"), "")
         self.assertTrue(pathlib.Path("out.s37").read_text().rstrip().splitlines()[-1]
+        # Many areas, most of them short, share one scale: cuts would hide where they are.
+        write("many.hex", {0x40000 * i: bytes(100 if i < 5 else 0x30000) for i in range(10)})
+        bars = [row for row in tessaron("map", "many.hex", "--ascii").splitlines() if "|" in row]
+        self.assertEqual(len(bars), 1)
                         .startswith("S70508000131"))
         script = tessaron("convert", "a.hex", "by script.bin", "--crop", "0x8000000,0x2000",
                           "--fill", "1,2", "--print-script")
