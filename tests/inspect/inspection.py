@@ -164,9 +164,11 @@ class Inspection(unittest.TestCase):
         start = FLASH + 0x1000
         old, new = (" ".join("%02X" % byte for byte in image[start][:8])
                     for image in (self.image, self.other))
-        self.assertRegex(text, r"\n0x%08X \[%s\]%s  .{8} \|\[%s\]%s  " %
+        self.assertRegex(text, r"\n0x%08X \[%s\]%s  .{8}\|\[%s\]%s  " %
                          (start, old[:8], old[9:], new[:8], new[9:]))
-        wide = tessaron("diff", "a.hex", "b.s19", "--width", "150", code=1)
+        wide = tessaron("diff", "a.hex", "b.s19", "--width", "144", code=1)
+        for width, dump in ((80, text), (144, wide)):
+            self.assertEqual(max(len(row) for row in dump.splitlines() if "|" in row), width)
         self.assertIn("%s " % " ".join("%02X" % b for b in self.image[start][3:16]), wide)
         self.assertNotIn("\033", text)
         colored = tessaron("diff", "a.hex", "b.s19", "--color=always", code=1)
