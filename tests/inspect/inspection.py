@@ -108,9 +108,12 @@ class Inspection(unittest.TestCase):
         info, = json.loads(tessaron("info", "--json", "many.s19"))
         self.assertEqual([(entry["start"], entry["length"]) for entry in info["areas"]],
                          [("0x%08X" % at, len(data)) for at, data in image.items()])
-        table = tessaron("info", "--width", "100", "many.s19").split("\n\n")[1].splitlines()
-        self.assertEqual(len(table), 101)
-        self.assertLessEqual(max(map(len, table)), 100)
+        for width, digest in ((80, "SHA-256"), (60, "CRC-32")):
+            text = tessaron("info", "--width", str(width), "many.s19")
+            table = text.split("\n\n")[1].splitlines()
+            self.assertEqual(len(table), 101)
+            self.assertLessEqual(max(map(len, text.splitlines())), max(width, 76), text)
+            self.assertEqual(table[0].split()[-1], digest)
 
     def test_info_of_an_odd_file(self):
         text = pathlib.Path("a.hex").read_text().replace("\n", "\r")
@@ -120,6 +123,18 @@ class Inspection(unittest.TestCase):
         self.assertEqual({r["name"] for r in odd["remarks"]}, {"tolerated"})
         for name in ("records", "recordLengths", "areas", "sha256", "startAddress"):
             self.assertEqual(odd[name], plain[name])
+        # In the order of the lines, whatever the order in which they are found.
+        pathlib.Path("order.hex").write_text("# one\n\n" + text.replace("\r", " \n").lower())
+        order, = json.loads(tessaron("info", "--json", "order.hex"))
+        self.assertEqual([r["line"] for r in order["remarks"]], [1, 2, 3, 3])
+
+    def test_info_of_an_empty_file(self):
+        for name, text in (("none.hex", ""), ("end.hex", ":00000001FF\n")):
+            pathlib.Path(name).write_text(text)
+            info, = json.loads(tessaron("info", "--json", name, code=1))
+            self.assertEqual([r["name"] for r in info["remarks"]], ["empty-image"])
+            self.assertIn("  data      0 bytes\n", tessaron("info", name, code=1))
+            tessaron("info", "--warn", "empty-image", name)
 
     def test_info_of_a_damaged_file(self):
         text = pathlib.Path("a.hex").read_text().splitlines()
@@ -128,6 +143,7 @@ class Inspection(unittest.TestCase):
         info, = json.loads(tessaron("info", "--json", "bad.hex", code=1))
         self.assertEqual([(r["severity"], r["name"], r["line"]) for r in info["remarks"]],
                          [("error", "record-checksum", 5)])
+        self.assertIn("  data      not read\n", tessaron("info", "bad.hex", code=1))
         tessaron("info", "missing.hex", code=1)
         piped = subprocess.run([PROGRAM, "info", "--json", "/dev/stdin"], capture_output=True,
                                input=pathlib.Path("a.hex").read_bytes(), check=True).stdout
@@ -191,6 +207,10 @@ class Inspection(unittest.TestCase):
         self.assertIn(" map.hex|##########................##########|\n", both)
         self.assertIn(" far.hex|..........################..........|\n", both)
         self.assertIn(" far.hex|#####|\n", both)
+        # Many areas, most of them short, share one scale: cuts would hide where they are.
+        write("many.hex", {0x40000 * i: bytes(100 if i < 5 else 0x30000) for i in range(10)})
+        bars = [row for row in tessaron("map", "many.hex", "--ascii").splitlines() if "|" in row]
+        self.assertEqual(len(bars), 1)
         self.assertLessEqual(max(map(len, both.splitlines())), 47)
         tessaron("map", "map.hex", "--svg", "map.svg")
         picture = xml.etree.ElementTree.parse("map.svg")
@@ -209,10 +229,6 @@ class Inspection(unittest.TestCase):
                  "-execution-start-address", hex(FLASH + 0x131))
         self.assertEqual(tessaron("diff", "out.s37", "want.s37"), "")
         self.assertTrue(pathlib.Path("out.s37").read_text().rstrip().splitlines()[-1]
-        # Many areas, most of them short, share one scale: cuts would hide where they are.
-        write("many.hex", {0x40000 * i: bytes(100 if i < 5 else 0x30000) for i in range(10)})
-        bars = [row for row in tessaron("map", "many.hex", "--ascii").splitlines() if "|" in row]
-        self.assertEqual(len(bars), 1)
                         .startswith("S70508000131"))
         script = tessaron("convert", "a.hex", "by script.bin", "--crop", "0x8000000,0x2000",
                           "--fill", "1,2", "--print-script")
@@ -239,13 +255,6 @@ class Inspection(unittest.TestCase):
         tessaron("convert", "a.hex", "out.hex", "--offset", "0xF0000000", code=1)
         tessaron("convert", "a.hex", "out.hex", "--offset", "0x8000000000000000", code=2)
 
-
-if __name__ == "__main__":
-    with tempfile.TemporaryDirectory() as folder:
-        import os
-        os.chdir(folder)
-        unittest.main(verbosity=1, exit=False).result.wasSuccessful() or sys.exit(1)
-        os.chdir("/")
     def test_printed_scripts(self):
         """The script of each pair of formats, with and without options, writes the same bytes."""
         write("in.hex", {FLASH: b"first" * 9, FLASH + 0x100: b"second"})
@@ -272,3 +281,10 @@ if __name__ == "__main__":
                     tessaron("run", "-", standard_input=tessaron(*command, "--print-script"))
                     self.assertEqual(pathlib.Path(path).read_bytes(), converted, command)
 
+
+if __name__ == "__main__":
+    with tempfile.TemporaryDirectory() as folder:
+        import os
+        os.chdir(folder)
+        unittest.main(verbosity=1, exit=False).result.wasSuccessful() or sys.exit(1)
+        os.chdir("/")
