@@ -174,6 +174,10 @@ class Inspection(unittest.TestCase):
         self.assertEqual(piped["changed"], found["changed"])
         self.assertEqual(piped["left"]["format"], "Intel HEX")
         tessaron("diff", "a.hex", "missing.hex", code=2)
+        said = subprocess.run([PROGRAM, "diff", "a.hex", "missing"], capture_output=True, text=True,
+                              check=False).stderr
+        self.assertEqual(said, "tessaron: error: cannot open missing: No such file or directory "
+                               "[cannot-open]\n")
 
     def test_dump(self):
         text = tessaron("diff", "a.hex", "b.s19", "--context", "0", code=1)
