@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <span>
 #include <string_view>
 
 #include "inspect/Image.hpp"
@@ -19,30 +20,32 @@ struct Ending {
     std::string_view ending;
     const char* source;  ///< of NEW_BUFFER
     const char* format;  ///< of WRITE_FILE; null for a format that is read only
-    bool hasStart;       ///< the format has a start address
-    bool hasAddresses;   ///< the format can leave gaps
 };
 
 constexpr std::array endings{
-    Ending{".hex", "FROM_FILE", "IntelHexExtended", true, true},
-    Ending{".ihx", "FROM_FILE", "IntelHexExtended", true, true},
-    Ending{".ihex", "FROM_FILE", "IntelHexExtended", true, true},
-    Ending{".mot", "FROM_FILE", "MotorolaS_32", true, true},
-    Ending{".s19", "FROM_FILE", "MotorolaS_32", true, true},
-    Ending{".s28", "FROM_FILE", "MotorolaS_32", true, true},
-    Ending{".s37", "FROM_FILE", "MotorolaS_32", true, true},
-    Ending{".srec", "FROM_FILE", "MotorolaS_32", true, true},
-    Ending{".sre", "FROM_FILE", "MotorolaS_32", true, true},
-    Ending{".elf", "FROM_ELF", nullptr, false, false},
-    Ending{".axf", "FROM_ELF", nullptr, false, false},
-    Ending{".out", "FROM_ELF", nullptr, false, false},
-    Ending{".uf2", "FROM_UF2", nullptr, false, false},
-    Ending{".txt", "FROM_TI_TXT", "TiTxt", false, true},
-    Ending{".dfu", "FROM_FILE", "DfuSe", false, true},
-    Ending{".bin", "FROM_FILE_BINARY", "RawBinary", false, false},
-    Ending{".raw", "FROM_FILE_BINARY", "RawBinary", false, false},
-    Ending{".img", "FROM_FILE_BINARY", "RawBinary", false, false},
+    Ending{".hex", "FROM_FILE", "IntelHexExtended"},
+    Ending{".ihx", "FROM_FILE", "IntelHexExtended"},
+    Ending{".ihex", "FROM_FILE", "IntelHexExtended"},
+    Ending{".mot", "FROM_FILE", "MotorolaS_32"},
+    Ending{".s19", "FROM_FILE", "MotorolaS_32"},
+    Ending{".s28", "FROM_FILE", "MotorolaS_32"},
+    Ending{".s37", "FROM_FILE", "MotorolaS_32"},
+    Ending{".srec", "FROM_FILE", "MotorolaS_32"},
+    Ending{".sre", "FROM_FILE", "MotorolaS_32"},
+    Ending{".elf", "FROM_ELF", nullptr},
+    Ending{".axf", "FROM_ELF", nullptr},
+    Ending{".out", "FROM_ELF", nullptr},
+    Ending{".uf2", "FROM_UF2", nullptr},
+    Ending{".txt", "FROM_TI_TXT", "TiTxt"},
+    Ending{".dfu", "FROM_FILE", "DfuSe"},
+    Ending{".bin", "FROM_FILE_BINARY", "RawBinary"},
+    Ending{".raw", "FROM_FILE_BINARY", "RawBinary"},
+    Ending{".img", "FROM_FILE_BINARY", "RawBinary"},
 };
+
+/// The beginnings of the formats' keywords of which each is true.
+constexpr std::array<std::string_view, 2> withStart{"IntelHex", "MotorolaS"};
+constexpr std::array<std::string_view, 3> withoutAddresses{"RawBinary", "CArray", "EmbeddedC"};
 
 const Ending* endingOf(std::string path) {
     std::ranges::transform(path, path.begin(),
@@ -86,14 +89,10 @@ std::optional<std::string> formatOf(const Conversion& conversion, Strict::Printe
     return std::nullopt;
 }
 
-/// Whether the keyword is that of a format with the property, which its ending has.
-bool has(const std::string& format, bool Ending::*property) {
-    const std::string word = format.substr(0, format.find('_'));
-    const auto* const found = std::ranges::find_if(endings, [&word](const Ending& ending) {
-        return ending.format != nullptr &&
-               std::string_view(ending.format).substr(0, word.size()) == word;
-    });
-    return found == endings.end() || found->*property;
+/// Whether the keyword is that of one of the formats.
+bool isOneOf(std::span<const std::string_view> formats, const std::string& keyword) {
+    return std::ranges::any_of(
+        formats, [&keyword](std::string_view format) { return keyword.starts_with(format); });
 }
 
 /// The address that the image begins with after it was moved; nothing after a diagnostic.
@@ -140,9 +139,9 @@ std::optional<std::string> scriptFor(const Conversion& conversion, Strict::Print
         script += "}\n";
     }
     script += "WRITE_FILE " + *output + " WITH_BUFFERS {@Image}";
-    if (image->startAddress && has(*format, &Ending::hasStart))
+    if (image->startAddress && isOneOf(withStart, *format))
         script += " " + Inspect::addressText(*image->startAddress);
-    if (conversion.fill.empty() && has(*format, &Ending::hasAddresses)) script += " -skipUnwritten";
+    if (conversion.fill.empty() && !isOneOf(withoutAddresses, *format)) script += " -skipUnwritten";
     return script + " -setFormat=" + *format + "\n";
 }
 

@@ -1,5 +1,6 @@
 #include "cli/Inspection.hpp"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -54,12 +55,20 @@ ExitCode info(const Inspection& inspection, Printer& printer, const Strict::Poli
     for (const std::string& file : inspection.files) {
         Strict::RemarkList remarks(policy);
         auto info = Strict::readInfo(file, inspection.withSymbols, remarks);
+        if (info && info->isRead && info->areas.empty())
+            remarks.take({Strict::Severity::Error,
+                          "empty-image",
+                          file + " has no data",
+                          std::nullopt,
+                          "",
+                          {}});
         isGood = isGood && info && !remarks.hasErrors();
         if (!info) {
             Strict::readImage(file, printer);
             continue;
         }
         info->remarks = std::move(remarks.remarks);
+        std::ranges::stable_sort(info->remarks, {}, &Inspect::Remark::line);
         files.push_back(std::move(*info));
     }
     if (inspection.isJson) output << Inspect::jsonOf(files);

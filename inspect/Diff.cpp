@@ -112,7 +112,7 @@ public:
 
 private:
     using Byte = std::optional<std::uint8_t>;
-    static constexpr std::size_t widest = 143;
+    static constexpr std::size_t widest = 144;
 
     std::vector<Hunk> hunks() const {
         std::vector<Hunk> all;
@@ -138,7 +138,7 @@ private:
             left.push_back(byteAt(diff_->left->parts, row * perRow_ + i));
             right.push_back(byteAt(diff_->right->parts, row * perRow_ + i));
         }
-        return addressText(row * perRow_) + " " + side(left, right, "\033[31m") + " |" +
+        return addressText(row * perRow_) + " " + side(left, right, "\033[31m") + "|" +
                side(right, left, "\033[32m");
     }
 

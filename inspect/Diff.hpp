@@ -29,7 +29,7 @@ Diff compare(const Image& left, const Image& right, const Buffer::AreaList& igno
 struct DiffStyle {
     std::size_t context = 1;      ///< rows around a changed range
     std::size_t mostLines = 200;  ///< 0 for all
-    std::size_t width = 80;  ///< of the terminal: from 143 on a row has sixteen bytes, not eight
+    std::size_t width = 80;  ///< of the terminal: from 144 on a row has sixteen bytes, not eight
     bool hasColor = false;
 };
 

@@ -1,6 +1,7 @@
 #include "inspect/Info.hpp"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <future>
 #include <system_error>
@@ -27,27 +28,31 @@ std::string left(std::string text, std::size_t width) {
     return text;
 }
 
-/// One row of the table of areas, whose widths fit 32-bit addresses.
-std::string row(const std::string& number, const std::string& start, const std::string& last,
-                const std::string& bytes, const std::string& size, const std::string& gap,
-                const std::string& crc) {
-    return right(number, 6) + "  " + left(start, 10) + "  " + left(last, 10) + right(bytes, 13) +
-           right(size, 12) + right(gap, 12) + "  " + left(crc, 8) + "  ";
-}
-
 /// The digits of a digest that fit into `room` columns.
 std::string cut(const std::string& digits, std::size_t room) {
-    constexpr std::size_t fewest = 8;
-    if (room >= digits.size()) return digits;
-    return digits.substr(0, std::max(fewest, room < 2 ? 0 : room - 2)) + "..";
+    return room >= digits.size() ? digits : digits.substr(0, room - 2) + "..";
 }
 
-std::string recordsText(const Records& records) {
-    std::string text = grouped(records.total()) + ": ";
+/// The items after `line`, with commas, in lines of up to `width` columns, unless it is 0.
+std::string listText(std::string line, const std::vector<std::string>& items, std::size_t width) {
+    const std::string indent(11, ' ');
+    std::string text;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const std::string item = items[i] + (i + 1 == items.size() ? "" : ",");
+        if (i != 0 && width != 0 && line.size() + 1 + item.size() > width) {
+            text += line + "\n";
+            line = indent;
+        }
+        line += " " + item;
+    }
+    return text + line + "\n";
+}
+
+std::string recordsText(const Records& records, std::size_t width) {
+    std::vector<std::string> kinds;
     for (const Records::Kind& kind : records.kinds)
-        text +=
-            (&kind == &records.kinds.front() ? "" : ", ") + grouped(kind.count) + " " + kind.name;
-    text += "\n";
+        kinds.push_back(grouped(kind.count) + " " + kind.name);
+    std::string text = listText("  records   " + grouped(records.total()) + ":", kinds, width);
     if (records.dataLengths.empty()) return text;
     // Most files have one length and a rest; a file of many lengths shows the frequent ones.
     std::vector<std::pair<unsigned, std::uint64_t>> lengths(records.dataLengths.begin(),
@@ -55,13 +60,13 @@ std::string recordsText(const Records& records) {
     std::ranges::stable_sort(lengths, std::ranges::greater{},
                              &decltype(lengths)::value_type::second);
     constexpr std::size_t mostShown = 6;
-    text += "  lengths   ";
+    std::vector<std::string> shown;
     for (std::size_t i = 0; i < lengths.size() && i < mostShown; ++i)
-        text += (i == 0 ? "" : ", ") + countText(lengths[i].second, "record") + " of " +
-                countText(lengths[i].first, "byte");
+        shown.push_back(countText(lengths[i].second, "record") + " of " +
+                        countText(lengths[i].first, "byte"));
     if (lengths.size() > mostShown)
-        text += ", and " + countText(lengths.size() - mostShown, "other length");
-    return text + "\n";
+        shown.push_back("and " + countText(lengths.size() - mostShown, "other length"));
+    return text + listText("  lengths  ", shown, width);
 }
 
 std::string remarkText(const Remark& remark) {
@@ -70,7 +75,68 @@ std::string remarkText(const Remark& remark) {
     if (remark.line != 0) text += "line " + std::to_string(remark.line) + ": ";
     text += remark.text;
     if (!remark.name.empty()) text += " [" + remark.name + "]";
+    if (!remark.hint.empty()) text += "\n" + std::string(12, ' ') + remark.hint;
     return text + "\n";
+}
+
+/// One row of the table of areas: number, start, last, bytes, size, gap, CRC-32 and SHA-256.
+using Row = std::array<std::string, 8>;
+
+/// A row for each area, below that of the heads.
+std::vector<Row> rowsOf(const std::vector<AreaInfo>& areas) {
+    std::vector<Row> rows{
+        {"area", "start", "last", "bytes", "size", "gap before", "CRC-32", "SHA-256"}};
+    std::uint64_t end = areas.front().area.start;
+    for (const auto& [area, digest] : areas) {
+        rows.push_back({std::to_string(rows.size()), addressText(area.start),
+                        addressText(area.end() - 1), grouped(area.length), sizeText(area.length),
+                        area.start == end ? "" : sizeText(area.start - end),
+                        Util::hexWord(digest.crc32), digest.sha256});
+        end = area.end();
+    }
+    return rows;
+}
+
+/// The table, each column as wide as its widest text. The last one takes what is left of `width`,
+/// and is left out if that is too little.
+std::string areasText(const std::vector<AreaInfo>& areas, std::size_t width) {
+    constexpr std::array isNumber{true, false, false, true, true, true, false};
+    constexpr std::size_t fewestDigits = 8;
+    const std::vector<Row> rows = rowsOf(areas);
+    std::array<std::size_t, isNumber.size()> widths{};
+    for (const Row& row : rows)
+        for (std::size_t i = 0; i < widths.size(); ++i)
+            widths[i] = std::max(widths[i], row[i].size());
+    std::size_t used = 0;
+    for (const std::size_t columns : widths) used += columns + 2;
+    const std::size_t room = width == 0     ? rows.back().back().size()
+                             : width > used ? width - used
+                                            : 0;
+    std::string text;
+    for (const Row& row : rows) {
+        std::string line;
+        for (std::size_t i = 0; i < widths.size(); ++i)
+            line += (i == 0 ? "" : "  ") +
+                    (isNumber[i] ? right(row[i], widths[i]) : left(row[i], widths[i]));
+        if (room >= fewestDigits) line += "  " + cut(row.back(), room);
+        text += line + "\n";
+    }
+    return text;
+}
+
+/// What the file has in it, in a word.
+std::string dataText(const Info& info) {
+    if (!info.isRead) return "not read";
+    std::uint64_t bytes = 0;
+    for (const AreaInfo& area : info.areas) bytes += area.area.length;
+    std::string text = countText(bytes, "byte");
+    constexpr std::uint64_t shortest = 1024;
+    if (bytes >= shortest) text += " (" + sizeText(bytes) + ")";
+    if (!info.areas.empty())
+        text += " in " + countText(info.areas.size(), "area") + ", " +
+                rangeText({info.areas.front().area.start,
+                           info.areas.back().area.end() - info.areas.front().area.start});
+    return text;
 }
 
 std::string wordFor(Io::Import::ElfSymbol::Kind kind) {
@@ -132,48 +198,32 @@ Info infoAbout(const std::string& path, bool withSymbols) {
     const auto image = openImage(path);
     info.records = records.get();
     if (!image) return info;
+    info.isRead = true;
     if (info.format == "ELF") addLoaded(info, withSymbols);
     info.startAddress = image->startAddress;
     const AreaList areas = image->areas();
+    // The digest of all areas takes as long as those of each, and is computed beside them.
+    std::future<Digest> whole;
+    if (areas.size() != 1)
+        whole = std::async(std::launch::async | std::launch::deferred,
+                           [&image, &areas] { return digestOf(image->parts, areas); });
     for (const Area& area : areas) info.areas.push_back({area, digestOf(image->parts, area)});
-    info.digest = areas.size() == 1 ? info.areas.front().digest : digestOf(image->parts, areas);
+    info.digest = whole.valid() ? whole.get() : info.areas.front().digest;
     return info;
 }
 
 std::string textOf(const Info& info, std::size_t width) {
     std::string text =
         info.path + ": " + info.format + ", " + countText(info.fileSize, "byte") + "\n";
-    if (info.records.total() != 0) text += "  records   " + recordsText(info.records);
+    if (info.records.total() != 0) text += recordsText(info.records, width);
     if (info.startAddress) text += "  start     " + addressText(*info.startAddress) + "\n";
     text += segmentsText(info.segments);
-    std::uint64_t bytes = 0;
-    for (const AreaInfo& area : info.areas) bytes += area.area.length;
-    text += "  data      " + countText(bytes, "byte");
-    constexpr std::uint64_t shortest = 1024;
-    if (bytes >= shortest) text += " (" + sizeText(bytes) + ")";
-    if (!info.areas.empty())
-        text += " in " + countText(info.areas.size(), "area") + ", " +
-                rangeText({info.areas.front().area.start,
-                           info.areas.back().area.end() - info.areas.front().area.start});
-    text += "\n";
+    text += "  data      " + dataText(info) + "\n";
     if (!info.areas.empty())
         text += "  CRC-32    " + Util::hexWord(info.digest.crc32) + "\n  SHA-256   " +
                 info.digest.sha256 + "\n";
     for (const Remark& remark : info.remarks) text += remarkText(remark);
-    if (info.areas.empty()) return text + symbolsText(info.symbols);
-    text +=
-        "\n" + row("area", "start", "last", "bytes", "size", "gap before", "CRC-32") + "SHA-256\n";
-    std::uint64_t end = info.areas.front().area.start;
-    for (std::size_t i = 0; i < info.areas.size(); ++i) {
-        const auto& [area, digest] = info.areas[i];
-        const std::string line =
-            row(std::to_string(i + 1), addressText(area.start), addressText(area.end() - 1),
-                grouped(area.length), sizeText(area.length),
-                area.start == end ? "" : sizeText(area.start - end), Util::hexWord(digest.crc32));
-        const std::size_t room = width > line.size() ? width - line.size() : 0;
-        text += line + (width == 0 ? digest.sha256 : cut(digest.sha256, room)) + "\n";
-        end = area.end();
-    }
+    if (!info.areas.empty()) text += "\n" + areasText(info.areas, width);
     return text + symbolsText(info.symbols);
 }
 

@@ -43,6 +43,7 @@ struct Info {
     std::string format;
     std::uint64_t fileSize = 0;
     Records records;
+    bool isRead = false;  ///< false for a damaged file, which has no areas
     std::vector<AreaInfo> areas;
     Digest digest;  ///< of the data of all areas, ascending
     std::optional<std::uint64_t> startAddress;
@@ -51,15 +52,15 @@ struct Info {
     std::vector<Remark> remarks;
 };
 
-/// Reads a file and computes all but the remarks; what is odd goes to the listener in force. A
-/// damaged file has no areas.
+/// Reads a file and computes all but the remarks; what is odd goes to the listener in force.
 ///
 /// @param withSymbols  also lists the symbols of an ELF file
 /// @throws Io::bad_open
 /// @throws Io::Import::Malformed  after a report
 Info infoAbout(const std::string& path, bool withSymbols);
 
-/// A table for a terminal of `width` columns; digests that do not fit are cut, unless it is 0.
+/// A table for a terminal of `width` columns: digests are cut to fit, or left out where too little
+/// of them would remain. With 0, nothing is cut.
 std::string textOf(const Info& info, std::size_t width);
 
 /// A JSON array with one object a file.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <set>
+#include <span>
 #include <utility>
 
 namespace Inspect {
@@ -33,29 +34,40 @@ const Look& lookOf(MapKind kind) {
     return looks[static_cast<std::size_t>(kind)];
 }
 
-/// A gap from here on, and longer than all that is in front of it or after it, cuts the map.
+/// Gaps from here on may cut the map.
 constexpr std::uint64_t shortestCut = std::uint64_t{1} << 16U;
+/// The part of what is drawn on one scale that a cut takes out of it at least.
+constexpr std::uint64_t leastPart = 8;
 
-/// The ranges that any row has, joined over short gaps.
+/// Appends what the ascending `areas` span. A gap in them that is longer than all of them together
+/// cuts it, unless it is one of many: cuts would hide how such areas lie to each other.
+void appendPanels(std::span<const Area> areas, AreaList& panels) {
+    const Area span{areas.front().start, areas.back().end() - areas.front().start};
+    std::uint64_t bytes = areas.front().length;
+    std::uint64_t longest = 0;
+    std::size_t cut = 0;
+    for (std::size_t i = 1; i < areas.size(); ++i) {
+        bytes += areas[i].length;
+        const std::uint64_t gap = areas[i].start - areas[i - 1].end();
+        if (gap <= longest) continue;
+        longest = gap;
+        cut = i;
+    }
+    if (longest < shortestCut || longest < bytes || longest < span.length / leastPart) {
+        panels.push_back(span);
+        return;
+    }
+    appendPanels(areas.first(cut), panels);
+    appendPanels(areas.subspan(cut), panels);
+}
+
+/// The ranges that any row has, on one scale each.
 AreaList panelsOf(const std::vector<MapRow>& rows) {
     AreaList all;
     for (const MapRow& row : rows)
         for (const MapRange& range : row.ranges) all.push_back(range.area);
-    std::ranges::sort(all, {}, &Area::start);
     AreaList panels;
-    for (const Area& area : all) {
-        if (panels.empty()) {
-            panels.push_back(area);
-            continue;
-        }
-        Area& last = panels.back();
-        const bool isApart = area.start > last.end();
-        const std::uint64_t longest = std::max(shortestCut, 2 * last.length);
-        if (isApart && area.start - last.end() > longest)
-            panels.push_back(area);
-        else
-            last.length = std::max(last.end(), area.end()) - last.start;
-    }
+    if (!all.empty()) appendPanels(joined(std::move(all), shortestCut - 1), panels);
     return panels;
 }
 

@@ -52,9 +52,10 @@ public:
             hash_.take(bytes);
             return;
         }
-        std::unique_lock lock(mutex_);
-        changed_.wait(lock, [this] { return pieces_.size() < mostWaiting; });
-        pieces_.emplace_back(bytes);
+        std::string piece = emptyPiece();
+        piece.assign(bytes);
+        const std::scoped_lock lock(mutex_);
+        pieces_.push_back(std::move(piece));
         changed_.notify_all();
     }
 
@@ -64,7 +65,18 @@ public:
     }
 
 private:
-    static constexpr std::size_t mostWaiting = 64;
+    static constexpr std::size_t mostWaiting = 16;
+
+    /// Waits until a piece may be added. Its memory is that of a piece that has been taken: the
+    /// pages of a new one would have to be cleared.
+    std::string emptyPiece() {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [this] { return pieces_.size() < mostWaiting; });
+        if (taken_.empty()) return {};
+        std::string piece = std::move(taken_.back());
+        taken_.pop_back();
+        return piece;
+    }
 
     void end() {
         if (!thread_.joinable()) return;
@@ -81,18 +93,20 @@ private:
         for (;;) {
             changed_.wait(lock, [this] { return isOver_ || !pieces_.empty(); });
             if (pieces_.empty()) return;
-            const std::string piece = std::move(pieces_.front());
+            std::string piece = std::move(pieces_.front());
             pieces_.pop_front();
             changed_.notify_all();
             lock.unlock();
             hash_.take(piece);
             lock.lock();
+            taken_.push_back(std::move(piece));
         }
     }
 
     std::mutex mutex_;
     std::condition_variable changed_;
     std::deque<std::string> pieces_;
+    std::vector<std::string> taken_;  ///< whose bytes are in the digest
     bool isOver_ = false;
     std::uint64_t size_ = 0;
     Inspect::Sha256 hash_;

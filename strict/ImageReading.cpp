@@ -43,7 +43,18 @@ auto readWith(Read read, const std::string& path, DiagnosticSink& sink) -> declt
     try {
         return read(path);
     } catch (const Io::bad_open&) {
-        listener.hear(Facts::FileNotOpened{path});
+        const std::string reason = files.reasonFor(path);
+        if (reason.empty()) {
+            listener.hear(Facts::FileNotOpened{path});
+            return std::nullopt;
+        }
+        // Advice on the names of a script would mislead: this one is of the command line.
+        sink.take({Severity::Error,
+                   "cannot-open",
+                   "cannot open " + path + ": " + reason,
+                   std::nullopt,
+                   "",
+                   {}});
         return std::nullopt;
     } catch (const Io::Import::Malformed&) {
         return std::nullopt;

@@ -331,7 +331,7 @@ ExitCode run(const RunOptions& requested, Printer& printer, std::ostream& output
                       &execution.context(),
                       &execution.provenance(),
                       &files};
-        Inspect::RunRecord record = recordOf(ran, !options.report.empty());
+        Inspect::RunRecord record = recordOf(ran, !options.report.empty() || options.comparesDisk);
         record.remarks = std::move(remarks.remarks);
         if (!useRecord(options, record, files, printer)) return ExitCode::Failed;
     }

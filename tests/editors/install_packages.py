@@ -12,7 +12,10 @@ import require  # noqa: E402
 COMMAND = ["npm", "ci", "--ignore-scripts", "--no-audit", "--no-fund", "--prefer-offline",
            "--loglevel=error", "--fetch-retries=0", "--fetch-timeout=15000"]
 UNREACHABLE = ("ECONNREFUSED", "ECONNRESET", "EAI_AGAIN", "ENOTFOUND", "EHOSTUNREACH",
-               "ENETUNREACH", "ETIMEDOUT", "ERR_SOCKET_TIMEOUT", "E502", "E503", "E504")
+               "ENETUNREACH", "ETIMEDOUT", "ERR_SOCKET_TIMEOUT", "ENOTCACHED",
+               # A proxy answers, or a mirror that does not have the packages.
+               "E403", "E404", "E407", "E500", "E502", "E503", "E504",
+               "SELF_SIGNED_CERT_IN_CHAIN", "UNABLE_TO_GET_ISSUER_CERT_LOCALLY")
 
 
 def main():

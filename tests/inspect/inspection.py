@@ -108,9 +108,12 @@ class Inspection(unittest.TestCase):
         info, = json.loads(tessaron("info", "--json", "many.s19"))
         self.assertEqual([(entry["start"], entry["length"]) for entry in info["areas"]],
                          [("0x%08X" % at, len(data)) for at, data in image.items()])
-        table = tessaron("info", "--width", "100", "many.s19").split("\n\n")[1].splitlines()
-        self.assertEqual(len(table), 101)
-        self.assertLessEqual(max(map(len, table)), 100)
+        for width, digest in ((80, "SHA-256"), (60, "CRC-32")):
+            text = tessaron("info", "--width", str(width), "many.s19")
+            table = text.split("\n\n")[1].splitlines()
+            self.assertEqual(len(table), 101)
+            self.assertLessEqual(max(map(len, text.splitlines())), max(width, 76), text)
+            self.assertEqual(table[0].split()[-1], digest)
 
     def test_info_of_an_odd_file(self):
         text = pathlib.Path("a.hex").read_text().replace("\n", "\r")
@@ -120,6 +123,18 @@ class Inspection(unittest.TestCase):
         self.assertEqual({r["name"] for r in odd["remarks"]}, {"tolerated"})
         for name in ("records", "recordLengths", "areas", "sha256", "startAddress"):
             self.assertEqual(odd[name], plain[name])
+        # In the order of the lines, whatever the order in which they are found.
+        pathlib.Path("order.hex").write_text("# one\n\n" + text.replace("\r", " \n").lower())
+        order, = json.loads(tessaron("info", "--json", "order.hex"))
+        self.assertEqual([r["line"] for r in order["remarks"]], [1, 2, 3, 3])
+
+    def test_info_of_an_empty_file(self):
+        for name, text in (("none.hex", ""), ("end.hex", ":00000001FF\n")):
+            pathlib.Path(name).write_text(text)
+            info, = json.loads(tessaron("info", "--json", name, code=1))
+            self.assertEqual([r["name"] for r in info["remarks"]], ["empty-image"])
+            self.assertIn("  data      0 bytes\n", tessaron("info", name, code=1))
+            tessaron("info", "--warn", "empty-image", name)
 
     def test_info_of_a_damaged_file(self):
         text = pathlib.Path("a.hex").read_text().splitlines()
@@ -128,6 +143,7 @@ class Inspection(unittest.TestCase):
         info, = json.loads(tessaron("info", "--json", "bad.hex", code=1))
         self.assertEqual([(r["severity"], r["name"], r["line"]) for r in info["remarks"]],
                          [("error", "record-checksum", 5)])
+        self.assertIn("  data      not read\n", tessaron("info", "bad.hex", code=1))
         tessaron("info", "missing.hex", code=1)
         piped = subprocess.run([PROGRAM, "info", "--json", "/dev/stdin"], capture_output=True,
                                input=pathlib.Path("a.hex").read_bytes(), check=True).stdout
@@ -158,15 +174,21 @@ class Inspection(unittest.TestCase):
         self.assertEqual(piped["changed"], found["changed"])
         self.assertEqual(piped["left"]["format"], "Intel HEX")
         tessaron("diff", "a.hex", "missing.hex", code=2)
+        said = subprocess.run([PROGRAM, "diff", "a.hex", "missing"], capture_output=True, text=True,
+                              check=False).stderr
+        self.assertEqual(said, "tessaron: error: cannot open missing: No such file or directory "
+                               "[cannot-open]\n")
 
     def test_dump(self):
         text = tessaron("diff", "a.hex", "b.s19", "--context", "0", code=1)
         start = FLASH + 0x1000
         old, new = (" ".join("%02X" % byte for byte in image[start][:8])
                     for image in (self.image, self.other))
-        self.assertRegex(text, r"\n0x%08X \[%s\]%s  .{8} \|\[%s\]%s  " %
+        self.assertRegex(text, r"\n0x%08X \[%s\]%s  .{8}\|\[%s\]%s  " %
                          (start, old[:8], old[9:], new[:8], new[9:]))
-        wide = tessaron("diff", "a.hex", "b.s19", "--width", "150", code=1)
+        wide = tessaron("diff", "a.hex", "b.s19", "--width", "144", code=1)
+        for width, dump in ((80, text), (144, wide)):
+            self.assertEqual(max(len(row) for row in dump.splitlines() if "|" in row), width)
         self.assertIn("%s " % " ".join("%02X" % b for b in self.image[start][3:16]), wide)
         self.assertNotIn("\033", text)
         colored = tessaron("diff", "a.hex", "b.s19", "--color=always", code=1)
@@ -189,6 +211,10 @@ class Inspection(unittest.TestCase):
         self.assertIn(" map.hex|##########................##########|\n", both)
         self.assertIn(" far.hex|..........################..........|\n", both)
         self.assertIn(" far.hex|#####|\n", both)
+        # Many areas, most of them short, share one scale: cuts would hide where they are.
+        write("many.hex", {0x40000 * i: bytes(100 if i < 5 else 0x30000) for i in range(10)})
+        bars = [row for row in tessaron("map", "many.hex", "--ascii").splitlines() if "|" in row]
+        self.assertEqual(len(bars), 1)
         self.assertLessEqual(max(map(len, both.splitlines())), 47)
         tessaron("map", "map.hex", "--svg", "map.svg")
         picture = xml.etree.ElementTree.parse("map.svg")
@@ -202,7 +228,8 @@ class Inspection(unittest.TestCase):
         tessaron("convert", "a.hex", "out.s37", "--crop", "0x8000000,0x2000", "--fill", "0xFF",
                  "--offset", "-0x1000")
         srec_cat("a.hex", "-intel", "-crop", "0x8000000", "0x8002000", "-fill", "0xFF",
-                 "0x8000000", "0x8002000", "-offset", "-0x1000", "-disable=data-count", "-o", "want.s37", "-motorola",
+                 "0x8000000", "0x8002000", "-offset", "-0x1000", "-disable=data-count",
+                 "-o", "want.s37", "-motorola",
                  "-execution-start-address", hex(FLASH + 0x131))
         self.assertEqual(tessaron("diff", "out.s37", "want.s37"), "")
         self.assertTrue(pathlib.Path("out.s37").read_text().rstrip().splitlines()[-1]
@@ -231,6 +258,32 @@ class Inspection(unittest.TestCase):
         tessaron("convert", "a.hex", 'a"b.bin', code=1)
         tessaron("convert", "a.hex", "out.hex", "--offset", "0xF0000000", code=1)
         tessaron("convert", "a.hex", "out.hex", "--offset", "0x8000000000000000", code=2)
+
+    def test_printed_scripts(self):
+        """The script of each pair of formats, with and without options, writes the same bytes."""
+        write("in.hex", {FLASH: b"first" * 9, FLASH + 0x100: b"second"})
+        write("in.s37", {FLASH: b"first" * 9, FLASH + 0x100: b"second"})
+        srec_cat("in.hex", "-intel", "-o", "in.txt", "-ti_txt")
+        pathlib.Path("in.bin").write_bytes(bytes(range(200)))
+        tessaron("convert", "in.hex", "in.uf2", "--format", "Uf2_0xE48BFF56")
+        elf = pathlib.Path(__file__).resolve().parents[1] / "data/elf/arm.elf"
+        pathlib.Path("in.elf").write_bytes(elf.read_bytes())
+        outputs = [["out" + ending] for ending in (".hex", ".s19", ".bin", ".txt", ".dfu")]
+        outputs += [["out.x", "--format", name] for name in
+                    ("IntelHexSegment", "MotorolaS_24", "Uf2_0xE48BFF56", "Vmem_4", "CArray_8")]
+        starts = {"in.bin": 0, "in.elf": 0x8000}
+        for name in ("in.hex", "in.s37", "in.txt", "in.bin", "in.uf2", "in.elf"):
+            crop = "--crop=%d,20" % (starts.get(name, FLASH) + 4)
+            # Segments and the records of 24 bits have lower addresses.
+            low = "--offset=%d" % (0x10000 - starts.get(name, FLASH))
+            for (path, *choice) in outputs:
+                for options in ([low], [low, crop, "--fill=1,2"]):
+                    command = ["convert", name, path, *choice, *options]
+                    tessaron(*command)
+                    converted = pathlib.Path(path).read_bytes()
+                    pathlib.Path(path).unlink()
+                    tessaron("run", "-", standard_input=tessaron(*command, "--print-script"))
+                    self.assertEqual(pathlib.Path(path).read_bytes(), converted, command)
 
 
 if __name__ == "__main__":

@@ -145,6 +145,59 @@ class Manifest(unittest.TestCase):
         pathlib.Path("out.json").write_text("{}")
         self.assertIn("no manifest", self.check(1))
 
+    def test_proof_in_every_format(self):
+        """A byte of each of two images, changed in the file, is found by its place in the format."""
+        app = bytes(range(0x20, 0x60))
+        pathlib.Path("two.bin").write_bytes(app)
+        subprocess.run(["srec_cat", "two.bin", "-binary", "-offset", "0x1000", "-o", "two.hex",
+                        "-intel", "-line-length", "43"], check=True)
+        line = next(number for number, record in
+                    enumerate(pathlib.Path("two.hex").read_text().split(), 1)
+                    if record[3:9] == "101000")
+        for keyword, search in (("RawBinary", bytes), ("DfuSe", bytes), ("Uf2_0xE48BFF56", bytes),
+                                ("TiTxt", lambda data: data.hex(" ").upper().encode())):
+            pathlib.Path("two.tsn").write_text(
+                "NEW_BUFFER @App FROM_FILE two.hex\n"
+                "NEW_BUFFER @More EMPTY -useBufferRange={0x8000, 4}\n"
+                "FILL_BUFFER @More WITH_VALUES {0x91, 0x92, 0x93, 0x94} -useAreas={{0x8000, 4}}\n"
+                "WRITE_FILE two.out WITH_BUFFERS {@App, @More} -setFormat=" + keyword + "\n")
+            tessaron("run", "two.tsn", "--manifest", "two.json")
+            good = pathlib.Path("two.out").read_bytes()
+            for old, new, note in (
+                    (app[17:19], b"\x7F\x32", "two.tsn:1: note: 0x1011 of @App is 7F in the file and "
+                     "31 in the image, from two.hex, line %d\n" % line),
+                    (b"\x92\x93", b"\x92\x7F", "two.tsn:3: note: 0x8002 of @More is 7F in the file and "
+                     "93 in the image")):
+                self.assertEqual(good.count(search(old)), 1, keyword)
+                pathlib.Path("two.out").write_bytes(good.replace(search(old), search(new)))
+                said = tessaron("check", "two.tsn", "--against-disk", "--manifest", "two.json",
+                                code=1)
+                self.assertIn(note, said, keyword)
+            pathlib.Path("two.out").write_bytes(good)
+            tessaron("check", "two.tsn", "--against-disk", "--manifest", "two.json")
+
+    def test_proof_of_a_text_without_addresses(self):
+        pathlib.Path("text.tsn").write_text(
+            "NEW_BUFFER @App FROM_FILE app.hex\n"
+            "WRITE_FILE out.mem WITH_BUFFERS {@App} -setFormat=Vmem_4\n")
+        tessaron("run", "text.tsn")
+        text = pathlib.Path("out.mem").read_bytes()
+        pathlib.Path("out.mem").write_bytes(text[:300] + b"!" + text[301:])
+        said = tessaron("check", "text.tsn", "--against-disk", code=1)
+        self.assertIn("offset 0x12c is 21 in the file", said)
+        self.assertNotIn("@App", said)
+
+    def test_proof_of_a_damaged_file(self):
+        lines = pathlib.Path("out.hex").read_text().splitlines(keepends=True)
+        # The fifth data record, behind one with the upper half of the address.
+        at = next(i for i, line in enumerate(lines) if line[7:9] == "00") + 4
+        lines[at] = lines[at][:20] + ("0" if lines[at][20] != "0" else "1") + lines[at][21:]
+        pathlib.Path("out.hex").write_text("".join(lines))
+        said = self.check(1)
+        self.assertIn("the first line that differs is line %d\n" % (at + 1), said)
+        self.assertIn("note: the line begins with 0x%x of @App, from app.hex, line " %
+                      int(lines[at][3:7], 16), said)
+
     def test_outputs_of_a_called_program(self):
         pathlib.Path("release.tsn").write_text(
             SCRIPT + "CALL_APP sh WITH_ARGUMENTS {-c 'echo signed >> out.bin'}\n")

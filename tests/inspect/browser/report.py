@@ -91,6 +91,10 @@ def main():
         make_inputs()
         subprocess.run([PROGRAM, "run", "release.tsn", "--report", "report.html"], check=True)
         wanted = list(expectations())
+        data = pathlib.Path("app.bin").read_bytes()
+        keyed = ["0x%08X: %02X, data of app.hex line 2, read by line 4: " % (START + at, data[at])
+                 for at in (0, 2)] + [text for (image, at), text in wanted
+                                      if (image, at) == (1, START + 0xFFFF)]
         seen = visit(modules, PICTURES or folder, [question for question, _ in wanted])
         os.chdir(modules)
     faults = []
@@ -105,6 +109,13 @@ def main():
                for text in found]
     faults += ["%s: the page is %d pixels too wide" % entry for entry in seen["widths"].items()
                if entry[1] > 0]
+    faults += ["by keyboard: %s, not %s" % (got, text)
+               for text, answer in zip(keyed, seen["keyed"], strict=True)
+               for got in answer if not got.startswith(text)]
+    faults += ["%s: a line of the script begins below its number" % name
+               for name, is_beside in seen["beside"].items() if not is_beside]
+    faults += ["%s: paper is %s" % entry for entry in seen["paper"].items()
+               if entry[1] != "rgb(255, 255, 255)"]
     if seen["drawn"] != ["k3", "k3"]:
         faults.append("short values are drawn as %s" % seen["drawn"])
     if seen["step"] != 1:

@@ -41,7 +41,8 @@ async function main() {
     "--headless", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage", "--no-first-run",
     "--disable-background-networking", "--disable-component-update", "--disable-sync",
     "--host-resolver-rules=MAP * ~NOTFOUND"]});
-  const seen = {errors: [], requests: [], answers: [], violations: {}, widths: {}};
+  const seen = {errors: [], requests: [], answers: [], keyed: [], violations: {}, widths: {},
+                beside: {}, paper: {}};
   for (const [name, options] of Object.entries({
     wide: {viewport: {width: 1280, height: 900}},
     dark: {viewport: {width: 1280, height: 900}, colorScheme: "dark"},
@@ -71,13 +72,28 @@ async function main() {
       await page.keyboard.press("Shift+ArrowRight");
       const after = await page.locator("#map-0").getAttribute("aria-valuenow");
       seen.step = Number(after) - Number(before);
+      // By keyboard alone: the ends of the second image, and an address by its distance from there.
+      await page.locator("#map-1").focus();
+      for (const keys of [["Home"], ["Home", "Shift+ArrowRight", "Shift+ArrowUp"], ["End"]]) {
+        for (const key of keys) await page.keyboard.press(key);
+        seen.keyed.push([await page.locator("#at-1").textContent(),
+                         await page.locator("#map-1").getAttribute("aria-valuetext")]);
+      }
       seen.pages = (await page.pdf()).length;
       await page.locator('[data-act="all"]').first().click();
     }
     seen.violations[name] = await violations(page);
     seen.widths[name] = await page.evaluate(
       () => document.documentElement.scrollWidth - document.documentElement.clientWidth);
+    // A line of the script begins beside its number, however narrow the page is.
+    seen.beside[name] = await page.evaluate(() => {
+      const [number, text] = [".no", ".text"].map(
+        (part) => document.querySelector("#line-4 " + part).getBoundingClientRect().top);
+      return Math.abs(text - number) < 5;
+    });
     await page.screenshot({path: path.join(folder, name + ".png"), fullPage: name !== "phone"});
+    await page.emulateMedia({media: "print"});
+    seen.paper[name] = await page.evaluate(() => getComputedStyle(document.body).backgroundColor);
     await context.close();
   }
   await browser.close();
