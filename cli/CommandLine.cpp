@@ -137,7 +137,11 @@ void apply(Request& request, const Texts& texts) {
     };
     for (const std::string& text : texts.ignoredAreas)
         request.inspection.ignored.push_back(areaIn("--ignore", text));
-    if (!texts.crop.empty()) request.conversion.crop = areaIn("--crop", texts.crop);
+    if (!texts.crop.empty()) {
+        request.conversion.crop = areaIn("--crop", texts.crop);
+        // What the user asks for needs no warning.
+        set({"cropped"}, Strict::Severity::Ignored);
+    }
     if (!texts.fill.empty()) {
         for (const std::uint64_t byte : numbersIn("--fill", texts.fill)) {
             if (byte > 0xFF) throw CLI::ValidationError("--fill", texts.fill + " is above 0xFF");

@@ -20,6 +20,8 @@ struct Ending {
     std::string_view ending;
     const char* source;  ///< of NEW_BUFFER
     const char* format;  ///< of WRITE_FILE; null for a format that is read only
+    /// What the user has to choose from, where `format` is only the first part of the keyword.
+    const char* choice = nullptr;
 };
 
 constexpr std::array endings{
@@ -35,12 +37,14 @@ constexpr std::array endings{
     Ending{".elf", "FROM_ELF", nullptr},
     Ending{".axf", "FROM_ELF", nullptr},
     Ending{".out", "FROM_ELF", nullptr},
-    Ending{".uf2", "FROM_UF2", nullptr},
+    Ending{".uf2", "FROM_UF2", "Uf2_", "a family, such as Uf2_RP2040"},
     Ending{".txt", "FROM_TI_TXT", "TiTxt"},
     Ending{".dfu", "FROM_FILE", "DfuSe"},
     Ending{".bin", "FROM_FILE_BINARY", "RawBinary"},
     Ending{".raw", "FROM_FILE_BINARY", "RawBinary"},
     Ending{".img", "FROM_FILE_BINARY", "RawBinary"},
+    Ending{".h", "FROM_FILE", "CArray"},
+    Ending{".vmem", "FROM_FILE", "Vmem_", "Vmem_1, Vmem_2, Vmem_4 or Vmem_8"},
 };
 
 /// The beginnings of the formats' keywords of which each is true.
@@ -79,10 +83,15 @@ std::optional<std::string> quoted(const std::string& path, Strict::Printer& prin
 std::optional<std::string> formatOf(const Conversion& conversion, Strict::Printer& printer) {
     if (!conversion.format.empty()) return conversion.format;
     const Ending* const named = endingOf(conversion.output);
+    if (named != nullptr && named->choice != nullptr) {
+        fail("wrong-format", "the ending of " + conversion.output + " names several formats",
+             "give one of them by --format: " + std::string(named->choice), printer);
+        return std::nullopt;
+    }
     if (named != nullptr && named->format != nullptr) return named->format;
     std::string known;
     for (const Ending& ending : endings)
-        if (ending.format != nullptr)
+        if (ending.format != nullptr && ending.choice == nullptr)
             known += (known.empty() ? "" : ", ") + std::string(ending.ending);
     fail("wrong-format", "the ending of " + conversion.output + " names no format",
          "give --format, or one of the endings " + known, printer);

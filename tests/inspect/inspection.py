@@ -26,6 +26,11 @@ def tessaron(*arguments, code=0, standard_input=None):
     return done.stdout
 
 
+def complaint(*arguments):
+    """What is said of arguments that fail, or of a run that only warns."""
+    return subprocess.run([PROGRAM, *arguments], capture_output=True, text=True, check=False).stderr
+
+
 def srec_cat(*arguments):
     subprocess.run(["srec_cat", *arguments], check=True, stderr=subprocess.DEVNULL)
 
@@ -174,10 +179,9 @@ class Inspection(unittest.TestCase):
         self.assertEqual(piped["changed"], found["changed"])
         self.assertEqual(piped["left"]["format"], "Intel HEX")
         tessaron("diff", "a.hex", "missing.hex", code=2)
-        said = subprocess.run([PROGRAM, "diff", "a.hex", "missing"], capture_output=True, text=True,
-                              check=False).stderr
-        self.assertEqual(said, "tessaron: error: cannot open missing: No such file or directory "
-                               "[cannot-open]\n")
+        self.assertEqual(complaint("diff", "a.hex", "missing"),
+                         "tessaron: error: cannot open missing: No such file or directory "
+                         "[cannot-open]\n")
 
     def test_dump(self):
         text = tessaron("diff", "a.hex", "b.s19", "--context", "0", code=1)
@@ -234,6 +238,12 @@ class Inspection(unittest.TestCase):
         self.assertEqual(tessaron("diff", "out.s37", "want.s37"), "")
         self.assertTrue(pathlib.Path("out.s37").read_text().rstrip().splitlines()[-1]
                         .startswith("S70508000131"))
+        # The crop that was asked for is no news.
+        self.assertEqual(complaint("convert", "a.hex", "out.h", "--crop", "0x8000000,16"), "")
+        self.assertIn("0x08000000", pathlib.Path("out.h").read_text())
+        for name, choice in (("out.uf2", "Uf2_"), ("out.vmem", "Vmem_4")):
+            self.assertIn(choice, complaint("convert", "a.hex", name))
+            self.assertFalse(pathlib.Path(name).exists())
         script = tessaron("convert", "a.hex", "by script.bin", "--crop", "0x8000000,0x2000",
                           "--fill", "1,2", "--print-script")
         self.assertFalse(pathlib.Path("by script.bin").exists())
