@@ -1,6 +1,7 @@
 #!/bin/sh
 # Installs the Debian packages that a purpose needs, if they are not there yet.
-#   scripts/setup.sh build|test|demo|bench|package ...
+# For aarch64 and windows, it fetches the source of CUnit as well.
+#   scripts/setup.sh build|test|demo|bench|package|aarch64|windows ...
 set -eu
 
 build="g++ cmake ninja-build libboost-dev libcunit1-dev libcli11-dev nlohmann-json3-dev"
@@ -11,16 +12,22 @@ test="$build clang clang-format clang-tidy git libgtest-dev python3 valgrind gco
 demo="$build python3 srecord"
 bench="$build libbenchmark-dev libgcrypt20-dev libcrypto++-dev libssl-dev zlib1g-dev python3
        python3-intelhex srecord binutils openssl"
-package="$build dpkg-dev file"
+cross="$build git libgtest-dev googletest dpkg-dev python3 srecord"
+aarch64="$cross g++-aarch64-linux-gnu libc6-dev-arm64-cross qemu-user-static"
+windows="$cross g++-mingw-w64-x86-64-posix wine64"
+package="$aarch64 $windows dpkg-dev file lintian nsis"
 
 wanted=""
+sources=no
 for purpose in "$@"; do
     case $purpose in
         build) wanted="$wanted $build" ;;
         test) wanted="$wanted $test" ;;
         demo) wanted="$wanted $demo" ;;
         bench) wanted="$wanted $bench" ;;
-        package) wanted="$wanted $package" ;;
+        package) wanted="$wanted $package"; sources=yes ;;
+        aarch64) wanted="$wanted $aarch64"; sources=yes ;;
+        windows) wanted="$wanted $windows"; sources=yes ;;
         *) echo "setup.sh: what is '$purpose'?" >&2; exit 2 ;;
     esac
 done
@@ -38,7 +45,10 @@ missing=""
 for package in $wanted; do
     has "$package" || missing="$missing $package"
 done
-[ -n "$missing" ] || exit 0
+if [ -z "$missing" ]; then
+    [ $sources = no ] || "$(dirname "$0")/fetch-sources.sh"
+    exit 0
+fi
 
 root=""
 if [ "$(id -u)" != 0 ]; then
@@ -58,3 +68,4 @@ if ! { $root apt-get update && $root apt-get install -y --no-install-recommends 
     cat "$log"
     exit 1
 fi
+[ $sources = no ] || "$(dirname "$0")/fetch-sources.sh"
