@@ -68,8 +68,8 @@ function(tessaron_executable name)
   tessaron_settings(${name})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(${name} PRIVATE ${arg_DEPENDS})
-  # The machine that runs the tests has no shared library of the target.
-  if(CMAKE_CROSSCOMPILING)
+  # The folder of a test program has none of the compiler's DLLs.
+  if(MINGW)
     target_link_options(${name} PRIVATE -static)
   endif()
   tessaron_declare(${name} ${ARGN})
