@@ -3,7 +3,8 @@ include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 set(TESSARON_PACKAGE cmdtessaron)
-set(TESSARON_CONTACT "The Tessaron developers <tessaron@localhost.localdomain>"
+# The domain .invalid never exists (RFC 2606, section 2): whoever publishes packages names an address.
+set(TESSARON_CONTACT "The Tessaron developers <developers@tessaron.invalid>"
     CACHE STRING "Name and address of those who answer for the packages")
 if(WIN32)
   set(documents doc)

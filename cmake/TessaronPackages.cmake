@@ -5,10 +5,7 @@ set(CPACK_PACKAGE_CONTACT "${TESSARON_CONTACT}")
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 string(TOLOWER ${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR} CPACK_SYSTEM_NAME)
 set(CPACK_STRIP_FILES ON)
-set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/PackageTimes.cmake)
-# Every user can read the installed files, whatever the umask of the user who builds the package.
-set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
-    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/PackageFiles.cmake)
 
 if(WIN32)
   set(CPACK_GENERATOR ZIP NSIS)
@@ -25,8 +22,9 @@ else()
   set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
   set(CPACK_DEBIAN_PACKAGE_SECTION devel)
   set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-      "Loads Intel HEX, S-record and raw files into memory images, lays fillers,
-writes values, CRCs and hashes into chosen areas, and writes the images out again.")
+      "Loads Intel HEX, S-record, ELF, UF2, TI-TXT and raw files into images, fills
+gaps, writes values, CRCs and hashes into chosen areas, and writes the images
+out again.")
   if(CMAKE_CROSSCOMPILING AND CMAKE_SYSTEM_PROCESSOR STREQUAL aarch64)
     set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE arm64)
   endif()

