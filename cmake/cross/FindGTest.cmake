@@ -1,0 +1,10 @@
+# Makes GTest::gtest and GTest::gtest_main of the sources that Debian's googletest installs.
+set(sources /usr/src/googletest/googletest)
+if(NOT EXISTS ${sources}/CMakeLists.txt)
+  message(FATAL_ERROR "There is no ${sources}: scripts/setup.sh windows installs it")
+endif()
+if(NOT TARGET GTest::gtest)
+  set(INSTALL_GTEST OFF)
+  add_subdirectory(${sources} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+endif()
+set(GTest_FOUND TRUE)

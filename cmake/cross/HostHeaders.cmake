@@ -1,0 +1,17 @@
+# tessaron_host_headers(target name...)
+# Makes an interface target of libraries that are headers only, from those of the host. Links to
+# them are in a folder of their own: /usr/include itself has the C library of the host.
+function(tessaron_host_headers target)
+  set(folder ${PROJECT_BINARY_DIR}/host-headers)
+  file(MAKE_DIRECTORY ${folder})
+  foreach(name IN LISTS ARGN)
+    if(NOT EXISTS /usr/include/${name})
+      message(FATAL_ERROR "There is no /usr/include/${name}: scripts/setup.sh windows installs it")
+    endif()
+    file(CREATE_LINK /usr/include/${name} ${folder}/${name} SYMBOLIC)
+  endforeach()
+  if(NOT TARGET ${target})
+    add_library(${target} INTERFACE IMPORTED GLOBAL)
+    target_include_directories(${target} SYSTEM INTERFACE ${folder})
+  endif()
+endfunction()
