@@ -1,6 +1,9 @@
 # What the programs and tests are built from when the compiler makes programs for another platform:
 # the modules in cmake/cross take the place of those that find what is installed for the host.
 enable_language(C)
+if(WIN32)
+  enable_language(RC)
+endif()
 list(PREPEND CMAKE_MODULE_PATH ${CMAKE_CURRENT_LIST_DIR}/cross)
 
 # Libraries that are headers serve every platform. They are reached through links in a folder of

@@ -8,6 +8,7 @@
 #include "platform/Files.hpp"
 #include "platform/Limits.hpp"
 #include "platform/Memory.hpp"
+#include "platform/Paths.hpp"
 #include "platform/Process.hpp"
 #include "platform/Streams.hpp"
 #include "platform/Version.hpp"
@@ -70,6 +71,10 @@ namespace Platform {
 
 const char pathSeparator = '/';
 
+bool isRegularFile(const std::string& /*path*/) {
+    return true;
+}
+
 std::optional<VersionInfo> versionInfo(const char* /*programPath*/) {
     return std::nullopt;
 }
@@ -92,6 +97,10 @@ std::optional<InputFile> InputFile::open(const std::string& path) {
     InputFile file(descriptor);
     file.size_ = Fuzz::machine->contents(descriptor).size();
     return file;
+}
+
+std::optional<InputFile> InputFile::openStandardInput() {
+    return std::nullopt;
 }
 
 InputFile::~InputFile() = default;
@@ -126,7 +135,9 @@ bool OutputFile::close() {
     return true;
 }
 
-void guardStreams() {}
+StreamGuard::StreamGuard() = default;
+
+StreamGuard::~StreamGuard() = default;
 
 bool showsColor(StandardStream /*stream*/) {
     return false;

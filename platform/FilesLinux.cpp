@@ -14,8 +14,6 @@
 
 namespace Platform {
 
-const char pathSeparator = '/';
-
 namespace {
 
 std::chrono::nanoseconds changeTime(const struct stat& status) {
@@ -32,11 +30,19 @@ bool isAnonymousPipe(int descriptor) {
 }  // namespace
 
 std::optional<InputFile> InputFile::open(const std::string& path) {
-    constexpr std::size_t longestStream = std::size_t{1} << 30U;
-    constexpr std::size_t longestOfDevice = std::size_t{1} << 26U;
     // Without O_NONBLOCK, opening a pipe waits for its other end.
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) return std::nullopt;
+    return ofDescriptor(descriptor);
+}
+
+std::optional<InputFile> InputFile::openStandardInput() {
+    return open("/dev/stdin");
+}
+
+std::optional<InputFile> InputFile::ofDescriptor(int descriptor) {
+    constexpr std::size_t longestStream = std::size_t{1} << 30U;
+    constexpr std::size_t longestOfDevice = std::size_t{1} << 26U;
     InputFile file(descriptor);
     struct stat status {};
     if (::fstat(descriptor, &status) != 0) return std::nullopt;

@@ -1,30 +1,32 @@
 #!/bin/sh
-# Fetches the source of CUnit, of which Debian has no package for the targets of cross compilers,
-# from the Debian mirror that the machine uses, and unpacks it in build/sources/cunit.
-# It needs dpkg-dev. The machine's package lists need no deb-src lines and remain as they are.
+# Fetches the source of CUnit into build/sources/cunit from the Debian mirror of this machine: no
+# package has the library for the targets of cross compilers. The machine's package lists need no
+# deb-src lines and remain as they are.
 set -eu
 cd "$(dirname "$0")/.."
-target=build/sources/cunit
-[ ! -e $target/CUnit/Headers/CUnit.h.in ] || exit 0
+target=$PWD/build/sources/cunit
+[ ! -e "$target/VERSION" ] || exit 0
 
-state=$(mktemp -d)
-trap 'rm -rf "$state"' EXIT
-chmod 755 "$state"
-mkdir -p "$state/lists/partial" "$state/cache/archives/partial" "$state/source" build/sources
-mirror=$(apt-get indextargets --format '$(CODENAME) $(SITE)' 'Created-By: Packages' |
-    sed -n 's/^bookworm //p' | head -n 1)
-echo "deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg]" \
-    "${mirror:-http://deb.debian.org/debian} bookworm main" >"$state/sources.list"
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+mkdir -p "$work/lists/partial" "$work/cache/archives/partial" "$work/unpacked"
+# The mirror and the release of the packages that the machine installs.
+keys=/usr/share/keyrings/debian-archive-keyring.gpg
+apt-get indextargets --format '$(REPO_URI) $(CODENAME)' 'Created-By: Packages' 'Component: main' \
+    'Origin: Debian' | grep -vE -e '-(updates|security|backports)$' | sort -u |
+    sed "s|.*|deb-src [signed-by=$keys] & main|" >"$work/sources.list"
 apt() {
-    apt-get -o Dir::Etc::sourcelist="$state/sources.list" -o Dir::Etc::sourceparts=- \
-        -o Dir::State::lists="$state/lists" -o Dir::Cache="$state/cache" "$@"
+    apt-get -o Dir::Etc::sourcelist="$work/sources.list" -o Dir::Etc::sourceparts=/dev/null \
+        -o Dir::State::lists="$work/lists" -o Dir::Cache="$work/cache" \
+        -o APT::Sandbox::User="$(id -un)" "$@"
 }
 echo "fetching the source of cunit"
-root=$PWD
-if ! { apt update && cd "$state/source" && apt source cunit=2.1-3-dfsg-2.6; } >"$state/log" 2>&1; then
-    cat "$state/log" >&2
+cd "$work"
+if ! { apt update && apt source --only-source --download-only cunit; } >log 2>&1; then
+    cat log >&2
     exit 1
 fi
-cd "$root"
-rm -rf $target
-mv "$state"/source/cunit-*/ $target
+tar -xf cunit_*.orig.tar.* -C unpacked --strip-components 1
+mkdir -p "${target%/*}"
+rm -rf "$target"
+mv unpacked "$target"

@@ -12,7 +12,7 @@ test="$build clang clang-format clang-tidy git libgtest-dev python3 valgrind gco
 demo="$build python3 srecord"
 bench="$build libbenchmark-dev libgcrypt20-dev libcrypto++-dev libssl-dev zlib1g-dev python3
        python3-intelhex srecord binutils openssl"
-cross="$build git libgtest-dev googletest dpkg-dev python3 srecord"
+cross="$build git libgtest-dev googletest python3 srecord"
 aarch64="$cross g++-aarch64-linux-gnu libc6-dev-arm64-cross qemu-user-static"
 windows="$cross g++-mingw-w64-x86-64-posix wine64"
 package="$aarch64 $windows dpkg-dev file lintian nsis"
