@@ -8,14 +8,14 @@ build="g++ cmake ninja-build libboost-dev libcunit1-dev libcli11-dev nlohmann-js
 test="$build clang clang-format clang-tidy git libgtest-dev python3 valgrind gcovr srecord binutils dfu-util
       gcc-arm-none-eabi
       openssl xxd libclang-rt-14-dev libdigest-crc-perl make nodejs npm groff-base mandoc vim strace
-      zsh fish python3-jsonschema chromium"
+      zsh fish python3-jsonschema chromium dpkg-dev lintian"
 demo="$build python3 srecord"
 bench="$build libbenchmark-dev libgcrypt20-dev libcrypto++-dev libssl-dev zlib1g-dev python3
        python3-intelhex srecord binutils openssl"
 cross="$build git libgtest-dev googletest python3 srecord"
 aarch64="$cross g++-aarch64-linux-gnu libc6-dev-arm64-cross qemu-user-static"
-windows="$cross g++-mingw-w64-x86-64-posix wine64"
-package="$aarch64 $windows dpkg-dev file lintian nsis"
+windows="$cross g++-mingw-w64-x86-64-posix wine64 nsis file"
+package="$aarch64 $windows dpkg-dev lintian"
 
 wanted=""
 sources=no
@@ -45,27 +45,27 @@ missing=""
 for package in $wanted; do
     has "$package" || missing="$missing $package"
 done
-if [ -z "$missing" ]; then
-    [ $sources = no ] || "$(dirname "$0")/fetch-sources.sh"
-    exit 0
-fi
 
-root=""
-if [ "$(id -u)" != 0 ]; then
-    root=sudo
-    if ! command -v sudo >/dev/null; then
-        echo "setup.sh: you are not root and there is no sudo; ask an administrator to run:" \
-            "apt-get install --no-install-recommends$missing" >&2
+install() {
+    root=""
+    if [ "$(id -u)" != 0 ]; then
+        root=sudo
+        if ! command -v sudo >/dev/null; then
+            echo "setup.sh: you are not root and there is no sudo; ask an administrator to run:" \
+                "apt-get install --no-install-recommends$missing" >&2
+            exit 1
+        fi
+    fi
+    echo "installing:$missing"
+    log=$(mktemp)
+    trap 'rm -f "$log"' EXIT
+    export DEBIAN_FRONTEND=noninteractive
+    if ! { $root apt-get update && $root apt-get install -y --no-install-recommends $missing; } \
+        >"$log" 2>&1; then
+        cat "$log"
         exit 1
     fi
-fi
-echo "installing:$missing"
-log=$(mktemp)
-trap 'rm -f "$log"' EXIT
-export DEBIAN_FRONTEND=noninteractive
-if ! { $root apt-get update && $root apt-get install -y --no-install-recommends $missing; } \
-    >"$log" 2>&1; then
-    cat "$log"
-    exit 1
-fi
+}
+
+[ -z "$missing" ] || install
 [ $sources = no ] || "$(dirname "$0")/fetch-sources.sh"

@@ -1,6 +1,6 @@
 #!/bin/sh
 # Builds everything and runs all tests, after setting up what that needs.
-#   scripts/test.sh [preset ...]     dev (default), asan, debug, clang, coverage
+#   scripts/test.sh [preset ...]     dev (default), asan, debug, clang, coverage, aarch64, windows
 # Tests whose tools are missing are skipped; with TESSARON_REQUIRE_ALL=1 they fail.
 set -eu
 cd "$(dirname "$0")/.."
@@ -10,6 +10,9 @@ log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 for preset in "$@"; do
     echo "== preset $preset"
+    case $preset in
+        aarch64 | windows) scripts/setup.sh "$preset" ;;
+    esac
     cmake --preset "$preset" >"$log" 2>&1 || { cat "$log"; exit 1; }
     cmake --build --preset "$preset"
     ctest --preset "$preset" --parallel "$(nproc)"
