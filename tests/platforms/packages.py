@@ -36,12 +36,11 @@ def run(*command, code=0, **options):
     return text
 
 
-def make_packages(folder, zone):
-    """Makes the packages as a user whose files others may not read."""
+def make_packages(folder, zone, mask):
     environment = dict(os.environ, TZ=zone)
     environment.setdefault("SOURCE_DATE_EPOCH", run("git", "-C", ROOT, "log", "-1", "--format=%ct"))
     environment["SOURCE_DATE_EPOCH"] = environment["SOURCE_DATE_EPOCH"].strip()
-    before = os.umask(0o077)
+    before = os.umask(mask)
     run(CPACK, "--config", pathlib.Path(BUILD) / "CPackConfig.cmake", "-B", folder, env=environment)
     os.umask(before)
     return {path.name: path for path in sorted(folder.iterdir()) if path.is_file()}
@@ -80,8 +79,12 @@ class Packages:
     def setUpClass(cls):
         cls.work = pathlib.Path(tempfile.mkdtemp(prefix="tessaron-packages-"))
         cls.addClassCleanup(shutil.rmtree, cls.work)
-        cls.packages = make_packages(cls.work / "first", "UTC")
-        cls.again = make_packages(cls.work / "second", "Asia/Tokyo")
+        cls.packages = make_packages(cls.work / "first", "Asia/Tokyo", 0o077)
+        # File systems list the files of a folder in different orders.
+        memory = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
+        cls.other = pathlib.Path(tempfile.mkdtemp(prefix="tessaron-packages-", dir=memory))
+        cls.addClassCleanup(shutil.rmtree, cls.other)
+        cls.again = make_packages(cls.other, "UTC", 0o022)
         cls.unpack()
 
     @classmethod
