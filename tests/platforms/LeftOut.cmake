@@ -48,10 +48,16 @@ endfunction()
 function(tessaron_command path target)
   set(command $<TARGET_FILE:${target}>)
   if(CMAKE_CROSSCOMPILING)
+    set(TESSARON_TARGET ${target})
+    set(TESSARON_TARGET_FILE ${command})
+    list(JOIN TESSARON_EMULATOR "' '" TESSARON_EMULATOR)
+    set(template emulated.sh.in)
+    if(WIN32)
+      set(template emulated-windows.sh.in)
+    endif()
     set(command ${PROJECT_BINARY_DIR}/launch/${target})
-    list(JOIN TESSARON_EMULATOR "' '" emulator)
-    file(GENERATE OUTPUT ${command}
-         CONTENT "#!/bin/sh\nexec '${emulator}' '$<TARGET_FILE:${target}>' \"$@\"\n"
+    configure_file(${PROJECT_SOURCE_DIR}/tests/platforms/${template} ${command}.in @ONLY)
+    file(GENERATE OUTPUT ${command} INPUT ${command}.in
          FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
                           WORLD_READ WORLD_EXECUTE)
   endif()
