@@ -1,6 +1,7 @@
 #!/bin/sh
 # Installs the Debian packages that a purpose needs, if they are not there yet.
-#   scripts/setup.sh build|test|demo|bench|package ...
+#   scripts/setup.sh build|test|demo|bench|package|windows ...
+# windows: also unpacks the sources of CUnit, which has no package for that target.
 set -eu
 
 build="g++ cmake ninja-build libboost-dev libcunit1-dev libcli11-dev nlohmann-json3-dev"
@@ -12,8 +13,11 @@ demo="$build python3 srecord"
 bench="$build libbenchmark-dev libgcrypt20-dev libcrypto++-dev libssl-dev zlib1g-dev python3
        python3-intelhex srecord binutils openssl"
 package="$build dpkg-dev file"
+windows="cmake ninja-build git g++-mingw-w64-x86-64-posix wine64 libboost-dev libcli11-dev
+         nlohmann-json3-dev googletest python3 python3-jsonschema srecord binutils"
 
 wanted=""
+sources=""
 for purpose in "$@"; do
     case $purpose in
         build) wanted="$wanted $build" ;;
@@ -21,6 +25,7 @@ for purpose in "$@"; do
         demo) wanted="$wanted $demo" ;;
         bench) wanted="$wanted $bench" ;;
         package) wanted="$wanted $package" ;;
+        windows) wanted="$wanted $windows" sources=yes ;;
         *) echo "setup.sh: what is '$purpose'?" >&2; exit 2 ;;
     esac
 done
@@ -38,23 +43,25 @@ missing=""
 for package in $wanted; do
     has "$package" || missing="$missing $package"
 done
-[ -n "$missing" ] || exit 0
-
-root=""
-if [ "$(id -u)" != 0 ]; then
-    root=sudo
-    if ! command -v sudo >/dev/null; then
-        echo "setup.sh: you are not root and there is no sudo; ask an administrator to run:" \
-            "apt-get install --no-install-recommends$missing" >&2
+install() {
+    root=""
+    if [ "$(id -u)" != 0 ]; then
+        root=sudo
+        if ! command -v sudo >/dev/null; then
+            echo "setup.sh: you are not root and there is no sudo; ask an administrator to run:" \
+                "apt-get install --no-install-recommends$missing" >&2
+            exit 1
+        fi
+    fi
+    echo "installing:$missing"
+    log=$(mktemp)
+    trap 'rm -f "$log"' EXIT
+    export DEBIAN_FRONTEND=noninteractive
+    if ! { $root apt-get update && $root apt-get install -y --no-install-recommends $missing; } \
+        >"$log" 2>&1; then
+        cat "$log"
         exit 1
     fi
-fi
-echo "installing:$missing"
-log=$(mktemp)
-trap 'rm -f "$log"' EXIT
-export DEBIAN_FRONTEND=noninteractive
-if ! { $root apt-get update && $root apt-get install -y --no-install-recommends $missing; } \
-    >"$log" 2>&1; then
-    cat "$log"
-    exit 1
-fi
+}
+[ -z "$missing" ] || install
+[ -z "$sources" ] || "$(dirname "$0")/cunit.sh"
