@@ -17,7 +17,8 @@ list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES CMAKE_FIND_ROOT_PATH)
 # GCC may move vectors to the stack as if it were aligned to 32 bytes, which the calling convention
 # of Windows does not promise (https://gcc.gnu.org/bugzilla/show_bug.cgi?id=54412). The assembler
 # turns these moves into unaligned ones, which are as fast where the address is aligned.
-set(CMAKE_CXX_FLAGS_INIT "-Wa,-muse-unaligned-vector-move")
+# Templates make more sections than the plain format of object files can number.
+set(CMAKE_CXX_FLAGS_INIT "-Wa,-muse-unaligned-vector-move -Wa,-mbig-obj")
 # As much stack as Linux gives to a main thread, instead of 2 MiB.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -Wl,--stack,8388608")
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../scripts/wine.sh)

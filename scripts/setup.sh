@@ -12,10 +12,10 @@ test="$build clang clang-format clang-tidy git libgtest-dev python3 valgrind gco
 demo="$build python3 srecord"
 bench="$build libbenchmark-dev libgcrypt20-dev libcrypto++-dev libssl-dev zlib1g-dev python3
        python3-intelhex srecord binutils openssl"
-cross="$build git libgtest-dev googletest python3 srecord"
-aarch64="$cross g++-aarch64-linux-gnu libc6-dev-arm64-cross qemu-user-static"
+cross="$build git googletest python3 python3-jsonschema srecord"
+aarch64="$cross g++-aarch64-linux-gnu libc6-dev-arm64-cross qemu-user-static dpkg-dev lintian"
 windows="$cross g++-mingw-w64-x86-64-posix wine64 nsis file"
-package="$aarch64 $windows dpkg-dev lintian"
+package="$aarch64 $windows"
 
 wanted=""
 sources=no
@@ -45,7 +45,6 @@ missing=""
 for package in $wanted; do
     has "$package" || missing="$missing $package"
 done
-
 install() {
     root=""
     if [ "$(id -u)" != 0 ]; then
@@ -66,6 +65,5 @@ install() {
         exit 1
     fi
 }
-
 [ -z "$missing" ] || install
 [ $sources = no ] || "$(dirname "$0")/fetch-sources.sh"

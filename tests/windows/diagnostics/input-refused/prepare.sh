@@ -1,6 +1,8 @@
 mkdir folder
 : > script.tsn
-for path in missing.hex folder 'in\a.hex' "$(printf '%0300d' 0)" CON 'Q:\no drive.hex' 'a?b.hex' NUL
+number=0
+for path in missing.hex folder 'in\a.hex' "$(printf '%0300d' 0)" 'Q:\no drive.hex' 'a?b.hex' NUL
 do
-    printf 'NEW_BUFFER A FROM_FILE "%s"\n' "$path" >> script.tsn
+    number=$((number + 1))
+    printf 'NEW_BUFFER A%d FROM_FILE "%s"\n' $number "$path" >> script.tsn
 done

@@ -1,8 +1,6 @@
 mkdir folder
-echo kept > locked.hex
-chmod a-w locked.hex
 echo 'NEW_BUFFER A FROM_VALUES {65}' > script.tsn
-for path in folder 'no\such\folder.hex' locked.hex "$(printf '%0300d' 0)" 'Q:\no drive.hex' 'a?b.hex' NUL
+for path in folder 'no\such\folder.hex' 'Q:\no drive.hex' 'a?b.hex' NUL
 do
     printf 'WRITE_FILE "%s" WITH_BUFFERS {A}\n' "$path" >> script.tsn
 done

@@ -1,6 +1,7 @@
 mkdir folder
 printf ':0100000041BE\n:00000001FF\n' > in.hex
 : > script.tsn
+# A console, if there is one, and what never is there.
 for path in missing.hex folder 'folder\' 'in.hex\a.hex' "$(printf '%0300d' 0)" "" \
             CON 'Q:\no drive.hex' 'a?b.hex' '\\no-server\no-share\in.hex'
 do
