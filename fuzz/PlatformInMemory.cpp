@@ -119,10 +119,10 @@ Reading InputFile::reading() const {
                                                                 : Reading::Changed;
 }
 
-std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode /*mode*/) {
+std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode mode) {
     const int descriptor = Fuzz::machine->create(path);
     if (descriptor < 0) return std::nullopt;
-    return OutputFile(descriptor);
+    return OutputFile(descriptor, mode);
 }
 
 OutputFile::~OutputFile() = default;

@@ -74,6 +74,6 @@ void translateText(FileContents& contents) {
 }
 
 OutputFile::OutputFile(OutputFile&& other) noexcept
-    : descriptor_(std::exchange(other.descriptor_, -1)) {}
+    : descriptor_(std::exchange(other.descriptor_, -1)), mode_(other.mode_) {}
 
 }  // namespace Platform

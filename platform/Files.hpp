@@ -121,8 +121,9 @@ public:
     bool close();
 
 private:
-    explicit OutputFile(int descriptor) : descriptor_(descriptor) {}
+    OutputFile(int descriptor, FileMode mode) : descriptor_(descriptor), mode_(mode) {}
     int descriptor_;
+    FileMode mode_;
 };
 
 }  // namespace Platform

@@ -124,12 +124,12 @@ Reading InputFile::reading() const {
     return isSame ? Reading::Complete : Reading::Changed;
 }
 
-std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode /*mode*/) {
+std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode mode) {
     // Without O_NONBLOCK, opening a pipe that nobody reads never returns.
     const int descriptor =
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
     if (descriptor < 0) return std::nullopt;
-    OutputFile file(descriptor);
+    OutputFile file(descriptor, mode);
     if (::fcntl(descriptor, F_SETFL, 0) != 0) return std::nullopt;
     return file;
 }
@@ -138,7 +138,7 @@ std::optional<OutputFile> OutputFile::createNew(const std::string& path, bool is
     const int descriptor =
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, isPrivate ? 0600 : 0666);
     if (descriptor < 0) return std::nullopt;
-    return OutputFile(descriptor);
+    return OutputFile(descriptor, FileMode::Binary);
 }
 
 OutputFile::~OutputFile() {

@@ -5,10 +5,12 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <utility>
 
+#include "platform/ByteWords.hpp"
 #include "platform/WideText.hpp"
 
 namespace Platform {
@@ -25,8 +27,7 @@ HANDLE handleOf(int descriptor) {
 }
 
 /// Opens a file and returns its descriptor of the runtime; -1 with the reason in `errno`.
-int openDescriptor(const std::string& path, unsigned long access, unsigned long disposition,
-                   int mode) {
+int openDescriptor(const std::string& path, unsigned long access, unsigned long disposition) {
     const std::wstring wide = systemPath(path);
     const HANDLE handle = ::CreateFileW(wide.c_str(), access, shared, nullptr, disposition,
                                         FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -39,7 +40,7 @@ int openDescriptor(const std::string& path, unsigned long access, unsigned long 
         return -1;
     }
     const int descriptor =
-        ::_open_osfhandle(reinterpret_cast<std::intptr_t>(handle), mode | _O_NOINHERIT);
+        ::_open_osfhandle(reinterpret_cast<std::intptr_t>(handle), _O_BINARY | _O_NOINHERIT);
     if (descriptor < 0) ::CloseHandle(handle);
     return descriptor;
 }
@@ -66,7 +67,7 @@ bool isInteractive(HANDLE handle) {
 }  // namespace
 
 std::optional<InputFile> InputFile::open(const std::string& path) {
-    const int descriptor = openDescriptor(path, GENERIC_READ, OPEN_EXISTING, _O_BINARY);
+    const int descriptor = openDescriptor(path, GENERIC_READ, OPEN_EXISTING);
     if (descriptor < 0) return std::nullopt;
     return ofDescriptor(descriptor);
 }
@@ -162,34 +163,72 @@ Reading InputFile::reading() const {
 }
 
 std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode mode) {
-    // In text mode the runtime writes CR LF for each line feed.
-    const int descriptor = openDescriptor(path, GENERIC_WRITE, CREATE_ALWAYS,
-                                          mode == FileMode::Text ? _O_TEXT : _O_BINARY);
+    const int descriptor = openDescriptor(path, GENERIC_WRITE, CREATE_ALWAYS);
     if (descriptor < 0) return std::nullopt;
-    return OutputFile(descriptor);
+    return OutputFile(descriptor, mode);
 }
 
 std::optional<OutputFile> OutputFile::createNew(const std::string& path, bool /*isPrivate*/) {
     // The rights are those that the folder gives.
-    const int descriptor = openDescriptor(path, GENERIC_WRITE, CREATE_NEW, _O_BINARY);
+    const int descriptor = openDescriptor(path, GENERIC_WRITE, CREATE_NEW);
     if (descriptor < 0) return std::nullopt;
-    return OutputFile(descriptor);
+    return OutputFile(descriptor, FileMode::Binary);
 }
 
 OutputFile::~OutputFile() {
     if (descriptor_ >= 0) ::_close(descriptor_);
 }
 
-bool OutputFile::write(std::string_view bytes) const {
+namespace {
+
+bool writeAll(int descriptor, std::string_view bytes) {
     while (!bytes.empty()) {
         const std::string_view piece = bytes.substr(0, longestCall);
-        const int count = ::_write(descriptor_, piece.data(), static_cast<unsigned>(piece.size()));
+        const int count = ::_write(descriptor, piece.data(), static_cast<unsigned>(piece.size()));
         if (count < 0) return false;
         if (static_cast<std::size_t>(count) != piece.size()) {
             errno = ENOSPC;
             return false;
         }
         bytes.remove_prefix(piece.size());
+    }
+    return true;
+}
+
+/// Moves the beginning of `text` to `out`, with CR LF for each line feed, until one of them is used
+/// up. Returns the bytes in `out`.
+std::size_t translate(std::string_view& text, std::span<char> out) {
+    constexpr std::size_t step = sizeof(std::uint64_t);
+    const char* from = text.data();
+    const char* const end = from + text.size();
+    char* to = out.data();
+    char* const full = to + out.size();
+    while (from != end && full - to >= 2) {
+        if (end - from >= std::ptrdiff_t{step} && full - to >= std::ptrdiff_t{step} &&
+            bytesEqual(wordAt(from), '\n') == 0) {
+            std::memcpy(to, from, step);
+            from += step;
+            to += step;
+            continue;
+        }
+        // Up to the line feed that was found, or one byte where there are not eight.
+        if (*from == '\n') *to++ = '\r';
+        *to++ = *from++;
+    }
+    text.remove_prefix(static_cast<std::size_t>(from - text.data()));
+    return static_cast<std::size_t>(to - out.data());
+}
+
+}  // namespace
+
+bool OutputFile::write(std::string_view bytes) const {
+    if (mode_ == FileMode::Binary) return writeAll(descriptor_, bytes);
+    // The text mode of the runtime does the same, in smaller pieces and byte by byte. No memory is
+    // needed: the file has been touched already.
+    std::array<char, std::size_t{1} << 15U> piece;
+    while (!bytes.empty()) {
+        const std::size_t size = translate(bytes, piece);
+        if (!writeAll(descriptor_, {piece.data(), size})) return false;
     }
     return true;
 }

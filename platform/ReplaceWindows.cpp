@@ -39,6 +39,14 @@ std::wstring realPlace(const std::wstring& path) {
     return real;
 }
 
+/// There is a folder for the file of a path.
+bool hasFolder(const std::string& path) {
+    const std::wstring full = fullPath(path);
+    const std::wstring folder = full.substr(0, full.find_last_of(L'\\') + 1);
+    const DWORD attributes = ::GetFileAttributesW(systemPath(narrowText(folder)).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
 bool isDevice(const std::string& path) {
     return fullPath(path).starts_with(L"\\\\.\\");
 }
@@ -55,8 +63,7 @@ OutputTarget outputTarget(const std::string& path) {
     const DWORD attributes = ::GetFileAttributesW(wide.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES) {
         const DWORD error = ::GetLastError();
-        // With another error it is the folder that is missing.
-        if (error == ERROR_FILE_NOT_FOUND && fileNameStart(path) != path.size())
+        if (error == ERROR_FILE_NOT_FOUND && fileNameStart(path) != path.size() && hasFolder(path))
             target.kind = TargetKind::Missing;
         else
             target.error = errorOf(path.empty() ? ENOENT : errorNumber(error));
