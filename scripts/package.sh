@@ -1,6 +1,6 @@
 #!/bin/sh
-# Makes the packages in build/packages: .deb and .tar.gz for x86-64 and for ARM, .zip and an installer
-# for Windows.
+# Makes the packages in build/packages, in place of those that are there: .deb and .tar.gz for x86-64
+# and for ARM, .zip and an installer for Windows.
 #   scripts/package.sh [preset ...]     release, aarch64 and windows without one
 # All dates in them are that of the last commit, or SOURCE_DATE_EPOCH, so the packages of a commit are
 # the same wherever they are made with the same compilers.
