@@ -15,6 +15,11 @@ keys=/usr/share/keyrings/debian-archive-keyring.gpg
 apt-get indextargets --format '$(REPO_URI) $(CODENAME)' 'Created-By: Packages' 'Component: main' \
     'Origin: Debian' | grep -vE -e '-(updates|security|backports)$' | sort -u |
     sed "s|.*|deb-src [signed-by=$keys] & main|" >"$work/sources.list"
+# A machine whose package lists were removed, as in images of containers, does not know its release.
+[ -s "$work/sources.list" ] || (
+    . /etc/os-release
+    echo "deb-src [signed-by=$keys] http://deb.debian.org/debian $VERSION_CODENAME main"
+) >"$work/sources.list"
 apt() {
     apt-get -o Dir::Etc::sourcelist="$work/sources.list" -o Dir::Etc::sourceparts=/dev/null \
         -o Dir::State::lists="$work/lists" -o Dir::Cache="$work/cache" \
