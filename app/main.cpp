@@ -7,6 +7,7 @@
 #include "classic/ClassicWords.hpp"
 #include "facts/Listener.hpp"
 #include "parser/ScriptParser.hpp"
+#include "platform/Arguments.hpp"
 #include "platform/Streams.hpp"
 #include "platform/Version.hpp"
 #include "selftest/SelfTest.hpp"
@@ -45,13 +46,13 @@ int run(Classic::ClassicWords& words, std::span<const char* const> arguments) {
 
 }  // namespace
 
-int main(int argumentCount, char** arguments) {
-    Platform::guardStreams();
+int main(int argumentCount, char** argumentValues) {
+    const Platform::StreamGuard streams;
     Classic::ClassicWords words(std::cout, std::cerr);
     const Facts::ListenerScope scope(words);
     try {
-        const int code = run(words, std::span<const char* const>(
-                                        arguments, static_cast<std::size_t>(argumentCount)));
+        const Platform::Arguments arguments(argumentCount, argumentValues);
+        const int code = run(words, arguments.values());
         // The reports of failed statements may be among what was lost.
         words.reportLostOutput();
         return code;

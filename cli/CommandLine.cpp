@@ -242,9 +242,11 @@ void addConvert(CLI::App& app, Request& request, Texts& texts) {
 
 }  // namespace
 
-int read(int argumentCount, char** arguments, Request& request) {
+int read(std::span<const char* const> arguments, Request& request) {
     CLI::App app("Prepares flash images under a script; a failure is a failure.", "tessaron");
     app.footer("Example: tessaron run release.tsn inFile=app.hex outFile=release.hex");
+    // A path may begin with a slash on every system.
+    app.allow_windows_style_options(false);
     app.set_version_flag("--version", version());
     app.require_subcommand(1);
     Texts texts;
@@ -277,7 +279,7 @@ int read(int argumentCount, char** arguments, Request& request) {
     addMap(app, request, texts);
     addConvert(app, request, texts);
     try {
-        app.parse(argumentCount, arguments);
+        app.parse(static_cast<int>(arguments.size()), arguments.data());
         apply(request, texts);
         request.run.isCheck = check->parsed();
     } catch (const CLI::Success& help) {

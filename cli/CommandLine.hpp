@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -33,8 +34,9 @@ struct Request {
 ///
 /// Prints help and version on standard output, errors of usage on standard error.
 ///
-/// @param request  filled in if the program is to go on
+/// @param arguments  the program's name and what follows it
+/// @param request    filled in if the program is to go on
 /// @return the exit code if it is not, or -1
-int read(int argumentCount, char** arguments, Request& request);
+int read(std::span<const char* const> arguments, Request& request);
 
 }  // namespace CommandLine

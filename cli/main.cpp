@@ -1,7 +1,9 @@
 #include <exception>
 #include <iostream>
+#include <span>
 
 #include "cli/CommandLine.hpp"
+#include "platform/Arguments.hpp"
 #include "platform/Streams.hpp"
 #include "strict/Printer.hpp"
 #include "strict/Run.hpp"
@@ -24,9 +26,9 @@ Strict::ExitCode execute(const CommandLine::Request& request, Strict::Printer& p
     return Strict::run(request.run, printer, std::cout);
 }
 
-int run(int argumentCount, char** arguments) {
+int run(std::span<const char* const> arguments) {
     CommandLine::Request request;
-    const int code = CommandLine::read(argumentCount, arguments, request);
+    const int code = CommandLine::read(arguments, request);
     if (code >= 0) return code;
     if (!request.folder.empty()) {
         if (const auto error = Platform::changeFolder(request.folder)) {
@@ -46,10 +48,11 @@ int run(int argumentCount, char** arguments) {
 
 }  // namespace
 
-int main(int argumentCount, char** arguments) {
-    Platform::guardStreams();
+int main(int argumentCount, char** argumentValues) {
+    const Platform::StreamGuard streams;
     try {
-        return run(argumentCount, arguments);
+        const Platform::Arguments arguments(argumentCount, argumentValues);
+        return run(arguments.values());
     } catch (const std::exception& error) {
         std::cerr << "tessaron: error: " << error.what() << std::endl;
         return static_cast<int>(Strict::ExitCode::Failed);

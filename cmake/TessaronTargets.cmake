@@ -70,3 +70,25 @@ function(tessaron_executable name)
   target_link_libraries(${name} PRIVATE ${arg_DEPENDS})
   tessaron_declare(${name} ${ARGN})
 endfunction()
+
+# tessaron_program(name description)
+# Makes an executable one that ships: in the build folder itself, static if the option says so, and
+# on Windows with its version data as a resource.
+function(tessaron_program name description)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+  if(TESSARON_STATIC)
+    target_link_options(${name} PRIVATE -static)
+  endif()
+  if(WIN32)
+    set(TESSARON_PROGRAM ${name})
+    set(TESSARON_DESCRIPTION ${description})
+    set(folder ${PROJECT_SOURCE_DIR}/platform)
+    set(resource ${CMAKE_CURRENT_BINARY_DIR}/${name}.rc)
+    configure_file(${folder}/Program.rc.in ${resource} @ONLY)
+    target_sources(${name} PRIVATE ${resource})
+    set_source_files_properties(${resource} PROPERTIES
+        INCLUDE_DIRECTORIES "${PROJECT_BINARY_DIR}/platform;${folder}"
+        # The resource compiler reports nothing that ninja could learn these from.
+        OBJECT_DEPENDS "${folder}/Program.manifest;${PROJECT_BINARY_DIR}/platform/VersionData.hpp")
+  endif()
+endfunction()

@@ -8,6 +8,7 @@
 #include "platform/Files.hpp"
 #include "platform/Limits.hpp"
 #include "platform/Memory.hpp"
+#include "platform/Paths.hpp"
 #include "platform/Process.hpp"
 #include "platform/Streams.hpp"
 #include "platform/Version.hpp"
@@ -70,6 +71,10 @@ namespace Platform {
 
 const char pathSeparator = '/';
 
+bool isRegularFile(const std::string& /*path*/) {
+    return true;
+}
+
 std::optional<VersionInfo> versionInfo(const char* /*programPath*/) {
     return std::nullopt;
 }
@@ -94,6 +99,10 @@ std::optional<InputFile> InputFile::open(const std::string& path) {
     return file;
 }
 
+std::optional<InputFile> InputFile::openStandardInput() {
+    return std::nullopt;
+}
+
 InputFile::~InputFile() = default;
 
 std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> out) const {
@@ -110,10 +119,10 @@ Reading InputFile::reading() const {
                                                                 : Reading::Changed;
 }
 
-std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode /*mode*/) {
+std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode mode) {
     const int descriptor = Fuzz::machine->create(path);
     if (descriptor < 0) return std::nullopt;
-    return OutputFile(descriptor);
+    return OutputFile(descriptor, mode);
 }
 
 OutputFile::~OutputFile() = default;
@@ -126,7 +135,9 @@ bool OutputFile::close() {
     return true;
 }
 
-void guardStreams() {}
+StreamGuard::StreamGuard() = default;
+
+StreamGuard::~StreamGuard() = default;
 
 bool showsColor(StandardStream /*stream*/) {
     return false;

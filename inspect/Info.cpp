@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <future>
 #include <system_error>
 #include <utility>
@@ -10,6 +9,7 @@
 #include "inspect/Json.hpp"
 #include "io/InFile.hpp"
 #include "io/import/elf/ElfFile.hpp"
+#include "platform/Paths.hpp"
 #include "util/Hex.hpp"
 
 namespace Inspect {
@@ -190,8 +190,7 @@ Info infoAbout(const std::string& path, bool withSymbols) {
     info.fileSize = Io::openInput(path).size();
     // Both take about as long, and a machine has more than one core. What is no regular file is
     // only in the host of this thread.
-    std::error_code error;
-    const bool isRegular = std::filesystem::is_regular_file(path, error);
+    const bool isRegular = Platform::isRegularFile(path);
     auto records =
         std::async(isRegular ? std::launch::async | std::launch::deferred : std::launch::deferred,
                    &countRecords, path, info.format);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "io/InFile.hpp"
+#include "platform/Bytes.hpp"
 
 namespace Io {
 
@@ -40,11 +41,8 @@ bool TextLines::findLineEnd() {
     for (;;) {
         const std::size_t from = lineBegin_ + searched;
         const auto* const text = reinterpret_cast<const char*>(piece_.data());
-        const void* const feed =
-            from == end_ ? nullptr : std::memchr(text + from, '\n', end_ - from);
-        next_ = feed == nullptr
-                    ? end_
-                    : static_cast<std::size_t>(static_cast<const char*>(feed) - text) + 1;
+        const char* const feed = Platform::findByte({text + from, end_ - from}, '\n');
+        next_ = feed == nullptr ? end_ : static_cast<std::size_t>(feed - text) + 1;
         if (isTextRead_ || next_ != end_) return feed != nullptr;
         searched = next_ - lineBegin_ - (feed == nullptr ? 0 : 1);
         readOn();
@@ -72,10 +70,10 @@ void TextLines::readOn() {
     const auto wanted =
         static_cast<std::size_t>(std::min<std::uint64_t>(piece_.size() - kept, fileRest));
     const std::size_t got = file_.readAt(pieceStart_ + kept, {out, wanted});
-    const void* const stop = got == 0 || !endsAtMark_ ? nullptr : std::memchr(out, endOfText, got);
-    if (!endsAtMark_ && !mayHaveReturns_ && got != 0)
-        mayHaveReturns_ = std::memchr(out, '\r', got) != nullptr;
-    end_ += stop == nullptr ? got : static_cast<std::size_t>(static_cast<const char*>(stop) - out);
+    const char* const stop = endsAtMark_ ? Platform::findByte({out, got}, endOfText) : nullptr;
+    if (!endsAtMark_ && !mayHaveReturns_)
+        mayHaveReturns_ = Platform::findByte({out, got}, '\r') != nullptr;
+    end_ += stop == nullptr ? got : static_cast<std::size_t>(stop - out);
     isTextRead_ = stop != nullptr || got == fileRest || got < wanted;
 }
 

@@ -21,14 +21,25 @@ InputFile InputFile::ofMemory(PageBlock contents, std::size_t size) {
     return file;
 }
 
-std::optional<FileContents> readFile(const std::string& path) {
-    const auto file = InputFile::open(path);
+namespace {
+
+std::optional<FileContents> contentsOf(const std::optional<InputFile>& file) {
     if (!file) return std::nullopt;
     FileContents contents{PageBlock(static_cast<std::size_t>(file->size())), 0};
     contents.size =
         file->readAt(0, {reinterpret_cast<char*>(contents.block.data()), contents.block.size()});
     contents.reading = file->reading();
     return contents;
+}
+
+}  // namespace
+
+std::optional<FileContents> readFile(const std::string& path) {
+    return contentsOf(InputFile::open(path));
+}
+
+std::optional<FileContents> readStandardInput() {
+    return contentsOf(InputFile::openStandardInput());
 }
 
 std::string_view FileContents::text() const {
@@ -63,6 +74,6 @@ void translateText(FileContents& contents) {
 }
 
 OutputFile::OutputFile(OutputFile&& other) noexcept
-    : descriptor_(std::exchange(other.descriptor_, -1)) {}
+    : descriptor_(std::exchange(other.descriptor_, -1)), mode_(other.mode_) {}
 
 }  // namespace Platform

@@ -13,9 +13,6 @@
 /// Files of the operating system.
 namespace Platform {
 
-/// Separator between the folders of a path.
-extern const char pathSeparator;
-
 /// How completely the bytes that were read represent a file.
 enum class Reading {
     Complete,
@@ -35,6 +32,9 @@ public:
     ///
     /// @throws std::bad_alloc  if the machine cannot hold what is no regular file
     static std::optional<InputFile> open(const std::string& path);
+
+    /// The same for standard input.
+    static std::optional<InputFile> openStandardInput();
     ~InputFile();
     InputFile(InputFile&& other) noexcept;
     InputFile& operator=(InputFile&& other) = delete;
@@ -56,6 +56,9 @@ public:
 
 private:
     explicit InputFile(int descriptor) : descriptor_(descriptor) {}
+
+    /// The file of an open descriptor, which it closes.
+    static std::optional<InputFile> ofDescriptor(int descriptor);
 
     /// Reads at most `most` bytes to memory, up to the end of the file. False if there are more, or
     /// none from a named pipe. Waits for the writer of a pipe and for nothing else.
@@ -84,10 +87,14 @@ struct FileContents {
 /// read.
 std::optional<FileContents> readFile(const std::string& path);
 
+/// The same for standard input.
+std::optional<FileContents> readStandardInput();
+
 /// Translates what was read as bytes as text mode does: drops one carriage return before each line
 /// feed and ends the text at a byte 0x1A.
 void translateText(FileContents& contents);
 
+/// In text mode the file gets the line ends of the platform for line feeds: CR LF on Windows.
 enum class FileMode { Text, Binary };
 
 /// A file opened for writing; an existing one is cut to length zero. Closed by its destructor.
@@ -114,8 +121,9 @@ public:
     bool close();
 
 private:
-    explicit OutputFile(int descriptor) : descriptor_(descriptor) {}
+    OutputFile(int descriptor, FileMode mode) : descriptor_(descriptor), mode_(mode) {}
     int descriptor_;
+    FileMode mode_;
 };
 
 }  // namespace Platform

@@ -14,8 +14,6 @@
 
 namespace Platform {
 
-const char pathSeparator = '/';
-
 namespace {
 
 std::chrono::nanoseconds changeTime(const struct stat& status) {
@@ -32,11 +30,19 @@ bool isAnonymousPipe(int descriptor) {
 }  // namespace
 
 std::optional<InputFile> InputFile::open(const std::string& path) {
-    constexpr std::size_t longestStream = std::size_t{1} << 30U;
-    constexpr std::size_t longestOfDevice = std::size_t{1} << 26U;
     // Without O_NONBLOCK, opening a pipe waits for its other end.
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) return std::nullopt;
+    return ofDescriptor(descriptor);
+}
+
+std::optional<InputFile> InputFile::openStandardInput() {
+    return open("/dev/stdin");
+}
+
+std::optional<InputFile> InputFile::ofDescriptor(int descriptor) {
+    constexpr std::size_t longestStream = std::size_t{1} << 30U;
+    constexpr std::size_t longestOfDevice = std::size_t{1} << 26U;
     InputFile file(descriptor);
     struct stat status {};
     if (::fstat(descriptor, &status) != 0) return std::nullopt;
@@ -118,12 +124,12 @@ Reading InputFile::reading() const {
     return isSame ? Reading::Complete : Reading::Changed;
 }
 
-std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode /*mode*/) {
+std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode mode) {
     // Without O_NONBLOCK, opening a pipe that nobody reads never returns.
     const int descriptor =
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
     if (descriptor < 0) return std::nullopt;
-    OutputFile file(descriptor);
+    OutputFile file(descriptor, mode);
     if (::fcntl(descriptor, F_SETFL, 0) != 0) return std::nullopt;
     return file;
 }
@@ -132,7 +138,7 @@ std::optional<OutputFile> OutputFile::createNew(const std::string& path, bool is
     const int descriptor =
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, isPrivate ? 0600 : 0666);
     if (descriptor < 0) return std::nullopt;
-    return OutputFile(descriptor);
+    return OutputFile(descriptor, FileMode::Binary);
 }
 
 OutputFile::~OutputFile() {

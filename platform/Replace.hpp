@@ -29,8 +29,12 @@ struct OutputTarget {
 /// Finds out what is at `path`.
 OutputTarget outputTarget(const std::string& path);
 
-/// The real place of an existing file, or `path` itself.
-std::string realPath(const std::string& path);
+/// The place of a target, which is equal for paths of one file that look different. Only its folder
+/// is looked up, since the file itself may not exist yet.
+std::string placeOf(const OutputTarget& target);
+
+/// The number of this process.
+int processNumber();
 
 /// Creates a new file for `target` in the folder of the target, under a name that nothing else
 /// has and that says what it is. With an error nothing is created.
@@ -42,6 +46,9 @@ std::optional<OutputFile> createTemporary(const OutputTarget& target, unsigned& 
 
 /// Lets the file `temporary` take the place of `target`, with the mode and, if that is permitted,
 /// the owner of the file that it replaces. With an error the target is as it was.
+///
+/// Windows refuses this while another program holds one of the files, as virus scanners do for a
+/// moment: it is tried again for up to three seconds.
 std::error_code replaceTarget(const std::string& temporary, const OutputTarget& target);
 
 /// Removes a file, if it is there.
@@ -53,7 +60,8 @@ std::error_code lastError();
 void clearLastError();
 
 /// Removes the named files when the process is interrupted (SIGHUP, SIGINT, SIGQUIT, SIGTERM,
-/// SIGXCPU), and then lets the signal end it. One at a time may exist in a process.
+/// SIGXCPU; on Windows Ctrl+C, Ctrl+Break, a closed console, the end of the session), and then lets
+/// the interrupt end it. One at a time may exist in a process.
 class InterruptGuard {
 public:
     InterruptGuard();

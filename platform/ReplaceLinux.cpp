@@ -36,6 +36,15 @@ std::string linkTarget(const std::string& path) {
     return target.front() == '/' ? target : folderOf(path) + "/" + target;
 }
 
+/// The real place of an existing file, or `path` itself.
+std::string realPath(const std::string& path) {
+    char* const real = ::realpath(path.c_str(), nullptr);
+    if (real == nullptr) return path;
+    std::string text = real;
+    std::free(real);
+    return text;
+}
+
 }  // namespace
 
 OutputTarget outputTarget(const std::string& path) {
@@ -75,35 +84,14 @@ OutputTarget outputTarget(const std::string& path) {
     return target;
 }
 
-std::string realPath(const std::string& path) {
-    char* const real = ::realpath(path.c_str(), nullptr);
-    if (real == nullptr) return path;
-    std::string text = real;
-    std::free(real);
-    return text;
+std::string placeOf(const OutputTarget& target) {
+    const std::size_t slash = target.path.rfind('/');
+    if (slash == std::string::npos) return realPath(".") + "/" + target.path;
+    return realPath(target.path.substr(0, slash + 1)) + target.path.substr(slash);
 }
 
-std::optional<OutputFile> createTemporary(const OutputTarget& target, unsigned& number,
-                                          std::string& path, std::error_code& error) {
-    const std::size_t slash = target.path.rfind('/');
-    const std::size_t name = slash == std::string::npos ? 0 : slash + 1;
-    // A long name leaves room for what is added.
-    constexpr std::size_t longestName = 200;
-    const std::string start = target.path.substr(0, name) + "." +
-                              target.path.substr(name, longestName) + ".tessaron-" +
-                              std::to_string(::getpid()) + "-";
-    // The target may be one that others must not read.
-    const bool isPrivate = target.kind == TargetKind::Regular;
-    // A killed run may have left a file of this name: process numbers come again.
-    constexpr unsigned mostTries = 10'000;
-    for (unsigned i = 0; i < mostTries; ++i) {
-        path = start + std::to_string(number++) + ".tmp";
-        clearLastError();
-        auto file = OutputFile::createNew(path, isPrivate);
-        error = file ? std::error_code() : lastError();
-        if (file || error != std::errc::file_exists) return file;
-    }
-    return std::nullopt;
+int processNumber() {
+    return ::getpid();
 }
 
 namespace {

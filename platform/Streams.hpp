@@ -7,15 +7,21 @@
 /// The standard streams of the process.
 namespace Platform {
 
-/// Prepares the process for faults of its standard streams and files; called once, before anything
-/// is opened.
+/// Prepares the process for faults of its standard streams and files, and its console for texts in
+/// UTF-8. Created once, before anything is opened; its destructor sets the console back.
 ///
 /// A closed standard stream is replaced by a descriptor that refuses reads and writes: otherwise
 /// the next file opened would get its number, and messages would go into that file. A write to a
 /// pipe that nobody reads any more, or beyond the limit for the size of a file, becomes an error of
 /// that write instead of a signal that ends the program. Programs started by `runProgram` get the
 /// signals as this one got them.
-void guardStreams();
+class StreamGuard {
+public:
+    StreamGuard();
+    ~StreamGuard();
+    StreamGuard(const StreamGuard&) = delete;
+    StreamGuard& operator=(const StreamGuard&) = delete;
+};
 
 enum class StandardStream : unsigned char { Output, Error };
 
@@ -25,7 +31,8 @@ bool showsColor(StandardStream stream = StandardStream::Error);
 /// Columns of the terminal that standard output is, or 0 if it is none.
 std::size_t terminalWidth();
 
-/// The locale of the user's environment encodes texts in UTF-8.
+/// Texts on standard output are shown as UTF-8: by the locale of the user's environment or, on
+/// Windows, by the console or the code page of the machine.
 bool showsUnicode();
 
 /// Makes a folder the one that relative paths begin in.

@@ -12,7 +12,7 @@
 
 namespace Platform {
 
-void guardStreams() {
+StreamGuard::StreamGuard() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         // The lowest number that is free is the one that a new descriptor gets.
         if (::fcntl(stream, F_GETFD) < 0) static_cast<void>(::open("/", O_PATH));
@@ -27,6 +27,8 @@ void guardStreams() {
             ::sigaction(signal, &handled, nullptr);
     }
 }
+
+StreamGuard::~StreamGuard() = default;
 
 bool showsColor(StandardStream stream) {
     const char* const without = std::getenv("NO_COLOR");

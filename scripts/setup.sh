@@ -1,26 +1,33 @@
 #!/bin/sh
 # Installs the Debian packages that a purpose needs, if they are not there yet.
-#   scripts/setup.sh build|test|demo|bench|package ...
+# For aarch64 and windows, it fetches the source of CUnit as well.
+#   scripts/setup.sh build|test|demo|bench|package|aarch64|windows ...
 set -eu
 
 build="g++ cmake ninja-build libboost-dev libcunit1-dev libcli11-dev nlohmann-json3-dev"
 test="$build clang clang-format clang-tidy git libgtest-dev python3 valgrind gcovr srecord binutils dfu-util
       gcc-arm-none-eabi
       openssl xxd libclang-rt-14-dev libdigest-crc-perl make nodejs npm groff-base mandoc vim strace
-      zsh fish python3-jsonschema chromium"
+      zsh fish python3-jsonschema chromium dpkg-dev lintian"
 demo="$build python3 srecord"
 bench="$build libbenchmark-dev libgcrypt20-dev libcrypto++-dev libssl-dev zlib1g-dev python3
        python3-intelhex srecord binutils openssl"
-package="$build dpkg-dev file"
+cross="$build git googletest python3 python3-jsonschema srecord"
+aarch64="$cross g++-aarch64-linux-gnu libc6-dev-arm64-cross qemu-user-static dpkg-dev lintian"
+windows="$cross g++-mingw-w64-x86-64-posix wine64 nsis file"
+package="$aarch64 $windows"
 
 wanted=""
+sources=no
 for purpose in "$@"; do
     case $purpose in
         build) wanted="$wanted $build" ;;
         test) wanted="$wanted $test" ;;
         demo) wanted="$wanted $demo" ;;
         bench) wanted="$wanted $bench" ;;
-        package) wanted="$wanted $package" ;;
+        package) wanted="$wanted $package"; sources=yes ;;
+        aarch64) wanted="$wanted $aarch64"; sources=yes ;;
+        windows) wanted="$wanted $windows"; sources=yes ;;
         *) echo "setup.sh: what is '$purpose'?" >&2; exit 2 ;;
     esac
 done
@@ -38,23 +45,25 @@ missing=""
 for package in $wanted; do
     has "$package" || missing="$missing $package"
 done
-[ -n "$missing" ] || exit 0
-
-root=""
-if [ "$(id -u)" != 0 ]; then
-    root=sudo
-    if ! command -v sudo >/dev/null; then
-        echo "setup.sh: you are not root and there is no sudo; ask an administrator to run:" \
-            "apt-get install --no-install-recommends$missing" >&2
+install() {
+    root=""
+    if [ "$(id -u)" != 0 ]; then
+        root=sudo
+        if ! command -v sudo >/dev/null; then
+            echo "setup.sh: you are not root and there is no sudo; ask an administrator to run:" \
+                "apt-get install --no-install-recommends$missing" >&2
+            exit 1
+        fi
+    fi
+    echo "installing:$missing"
+    log=$(mktemp)
+    trap 'rm -f "$log"' EXIT
+    export DEBIAN_FRONTEND=noninteractive
+    if ! { $root apt-get update && $root apt-get install -y --no-install-recommends $missing; } \
+        >"$log" 2>&1; then
+        cat "$log"
         exit 1
     fi
-fi
-echo "installing:$missing"
-log=$(mktemp)
-trap 'rm -f "$log"' EXIT
-export DEBIAN_FRONTEND=noninteractive
-if ! { $root apt-get update && $root apt-get install -y --no-install-recommends $missing; } \
-    >"$log" 2>&1; then
-    cat "$log"
-    exit 1
-fi
+}
+[ -z "$missing" ] || install
+[ $sources = no ] || "$(dirname "$0")/fetch-sources.sh"

@@ -11,6 +11,7 @@
 #include "io/TextLines.hpp"
 #include "parser/ScriptParser.hpp"
 #include "platform/Files.hpp"
+#include "platform/Paths.hpp"
 #include "selftest/LineTables.hpp"
 
 namespace SelfTest {

@@ -2,7 +2,6 @@
 
 #include <condition_variable>
 #include <deque>
-#include <filesystem>
 #include <mutex>
 #include <optional>
 #include <system_error>
@@ -11,6 +10,7 @@
 #include <vector>
 
 #include "inspect/Digest.hpp"
+#include "platform/Paths.hpp"
 
 namespace Strict {
 
@@ -131,8 +131,7 @@ FileDigest digestOfFile(const std::string& path) {
 
 void FileDigests::addInput(const std::string& path, const Platform::InputFile& file) {
     if (inputs_.contains(path)) return;
-    std::error_code error;
-    if (std::filesystem::is_regular_file(path, error)) {
+    if (Platform::isRegularFile(path)) {
         // The policy lets the machine put the work off if it has no thread for it.
         inputs_.emplace(path, std::async(std::launch::async | std::launch::deferred,
                                          [path] { return digestOfFile(path); }));

@@ -1,6 +1,5 @@
 #include "strict/ImageReading.hpp"
 
-#include <filesystem>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -9,6 +8,7 @@
 #include "io/File.hpp"
 #include "io/import/Malformed.hpp"
 #include "platform/Files.hpp"
+#include "platform/Paths.hpp"
 #include "strict/OutputSet.hpp"
 #include "strict/RunListener.hpp"
 
@@ -24,8 +24,7 @@ const char* wordFor(Severity severity) {
 /// A pipe can be read only once, but a file is opened several times: its bytes are kept as if the
 /// run had written them.
 void keepStream(OutputSet& files, const std::string& path) {
-    std::error_code error;
-    if (std::filesystem::is_regular_file(path, error)) return;
+    if (Platform::isRegularFile(path)) return;
     const auto contents = Platform::readFile(path);
     if (!contents) return;
     const auto copy = files.createOutput(path, Platform::FileMode::Binary);

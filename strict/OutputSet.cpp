@@ -6,18 +6,6 @@
 
 namespace Strict {
 
-namespace {
-
-/// The place of a target, for comparing paths that look different. Only its folder is looked up,
-/// since the file itself may not exist yet.
-std::string placeOf(const Platform::OutputTarget& target) {
-    const std::size_t slash = target.path.rfind('/');
-    if (slash == std::string::npos) return Platform::realPath(".") + "/" + target.path;
-    return Platform::realPath(target.path.substr(0, slash + 1)) + target.path.substr(slash);
-}
-
-}  // namespace
-
 /// Writes to the temporary file of an output, or to memory.
 class OutputSet::Stream final : public Io::OutputStream {
 public:
@@ -77,12 +65,12 @@ std::string OutputSet::reasonFor(std::string_view path) const {
 
 const OutputSet::Output* OutputSet::find(const std::string& path) const {
     if (newest_.empty()) return nullptr;
-    const auto found = newest_.find(placeOf(Platform::outputTarget(path)));
+    const auto found = newest_.find(Platform::placeOf(Platform::outputTarget(path)));
     return found == newest_.end() ? nullptr : found->second;
 }
 
 void OutputSet::add(Output output) {
-    const std::string place = placeOf(output.target);
+    const std::string place = Platform::placeOf(output.target);
     all_.push_back(std::move(output));
     newest_.insert_or_assign(place, &all_.back());
 }

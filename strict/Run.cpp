@@ -45,12 +45,12 @@ constexpr std::size_t mostSyntaxErrors = 20;
 std::optional<std::string> read(const RunOptions& options, DiagnosticSink& sink) {
     if (options.text) return options.text;
     const bool isStandardInput = options.script == "-";
-    const std::string path = isStandardInput ? "/dev/stdin" : options.script;
     Platform::clearLastError();
-    auto contents = Platform::readFile(path);
+    auto contents =
+        isStandardInput ? Platform::readStandardInput() : Platform::readFile(options.script);
     if (!contents) {
         std::error_code error = Platform::lastError();
-        if (!error) error = Platform::outputTarget(path).error;
+        if (!error && !isStandardInput) error = Platform::outputTarget(options.script).error;
         sink.take({Severity::Error,
                    "cannot-open",
                    "cannot open the script " + options.script + ": " +

@@ -9,7 +9,7 @@
 
 #include "classic/FormatFaultWords.hpp"
 #include "parser/grammar/ScriptSyntax.hpp"
-#include "platform/Files.hpp"
+#include "platform/Paths.hpp"
 #include "strict/Arithmetic.hpp"
 #include "strict/FieldWords.hpp"
 

@@ -1,7 +1,6 @@
 #include "strict/RunRecording.hpp"
 
 #include <algorithm>
-#include <filesystem>
 #include <map>
 #include <set>
 #include <string_view>
@@ -13,6 +12,7 @@
 #include "parser/commands/CmdNewBuffer.hpp"
 #include "parser/commands/CmdNewValue.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
+#include "platform/Paths.hpp"
 #include "util/Hex.hpp"
 
 namespace Strict {
@@ -23,21 +23,12 @@ using namespace Parser::WrapperLib;
 using Inspect::MapKind;
 using Inspect::OriginRange;
 
-/// The path without what depends on where the folders of the user are.
-std::string portable(const std::string& path) {
-    const std::filesystem::path given(path);
-    if (!given.is_absolute()) return path;
-    std::error_code error;
-    const auto folder = std::filesystem::current_path(error);
-    return error ? path : given.lexically_proximate(folder).generic_string();
-}
-
 class Recorder {
 public:
     Recorder(const Ran& ran, bool withLines) : ran_(&ran), withLines_(withLines) {}
 
     Inspect::RunRecord record() {
-        record_.scriptPath = portable(ran_->script->file());
+        record_.scriptPath = Platform::portablePath(ran_->script->file());
         record_.scriptText = ran_->script->written();
         const bool isFile = ran_->options->script != "-" && !ran_->options->text;
         record_.scriptSha256 = isFile ? digestOfFile(ran_->options->script).sha256
@@ -59,14 +50,14 @@ private:
         std::set<std::string> paths(ran_->files->inputs().begin(), ran_->files->inputs().end());
         paths.insert(ran_->files->outputs().begin(), ran_->files->outputs().end());
         for (const auto& [name, value] : ran_->options->variables)
-            record_.variables[name] = paths.contains(value) ? portable(value) : value;
+            record_.variables[name] = paths.contains(value) ? Platform::portablePath(value) : value;
     }
 
     void addInputs() {
         for (const std::string& path : ran_->files->inputs()) {
             const FileDigest digest = ran_->files->inputDigest(path);
             Inspect::FileRecord file;
-            file.path = portable(path);
+            file.path = Platform::portablePath(path);
             file.size = digest.size;
             file.sha256 = digest.sha256;
             for (const Provenance::Input& input : ran_->provenance->inputs()) {
@@ -123,9 +114,13 @@ private:
     OriginRange writtenRange(const OriginMap::Range& range) {
         const Provenance::Source& source = ran_->provenance->sources()[range.source];
         const MapKind kind = source.file.empty() ? MapKind::Value : MapKind::Data;
-        OriginRange entry{
-            range.area,      kind, source.statement.line, portable(source.file), source.firstLine,
-            source.lastLine, {}};
+        OriginRange entry{range.area,
+                          kind,
+                          source.statement.line,
+                          Platform::portablePath(source.file),
+                          source.firstLine,
+                          source.lastLine,
+                          {}};
         if (withLines_ && source.firstLine != 0) addLines(entry, source, range.moved);
         return entry;
     }
@@ -187,7 +182,7 @@ private:
     }
 
     void addOutput(const CmdWriteFile& statement, std::size_t line) {
-        const std::string path = portable(statement.fileName());
+        const std::string path = Platform::portablePath(statement.fileName());
         // A later statement replaces what an earlier one wrote.
         std::erase_if(record_.outputs, [&](const auto& other) { return other.path == path; });
         Inspect::FileRecord file;

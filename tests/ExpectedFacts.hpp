@@ -31,13 +31,15 @@ public:
 
 private:
     static bool isSame(const Facts::Fact& left, const Facts::Fact& right) {
-        const auto compare = [](const auto& a, const auto& b) {
-            if constexpr (std::is_same_v<decltype(a), decltype(b)> && requires { a == b; })
-                return a == b;
+        // A visitor of both would have a function for each pair of alternatives.
+        const auto isRight = [&right](const auto& a) {
+            const auto* const b = std::get_if<std::remove_cvref_t<decltype(a)>>(&right);
+            if constexpr (requires { a == *b; })
+                return b != nullptr && a == *b;
             else
                 return false;
         };
-        return std::visit(compare, left, right);
+        return std::visit(isRight, left);
     }
 
     std::vector<Facts::Fact> wanted_;

@@ -1,6 +1,7 @@
+#include "tests/TemporaryFolder.hpp"
+
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -11,9 +12,7 @@ namespace {
 class TemporaryFolder : public testing::Environment {
 public:
     void SetUp() override {
-        path_ = testing::TempDir() + "tessaron-test-XXXXXX";
-        ASSERT_NE(::mkdtemp(path_.data()), nullptr) << path_;
-        ::setenv("TEST_TMPDIR", (path_ + "/").c_str(), 1);
+        path_ = Tests::makeTemporaryFolder(testing::TempDir() + "tessaron-test-");
     }
 
     void TearDown() override {

@@ -75,12 +75,12 @@ protected:
 /// The bytes of data of a file whose first line was read before `change`.
 template <class Parser, class Reader>
 std::uint64_t textLength(const fs::path& path, const std::function<void()>& change) {
-    Io::TextLines lines(path);
+    Io::TextLines lines(path.string());
     Parser parser(lines.fileSize());
     if (lines.next()) parser.take(lines);
     change();
     while (lines.next()) parser.take(lines);
-    return Reader(path, std::move(lines), std::move(parser)).getMemory().getDataLength();
+    return Reader(path.string(), std::move(lines), std::move(parser)).getMemory().getDataLength();
 }
 
 std::uint64_t lengthRead(const Format& format, const fs::path& path,
@@ -88,10 +88,10 @@ std::uint64_t lengthRead(const Format& format, const fs::path& path,
     using namespace Io::Import;
     if (&format == &formats[0]) return textLength<IntelHexParser, IntelHexInFile>(path, change);
     if (&format == &formats[1]) return textLength<MotorolaS_Parser, MotorolaS_InFile>(path, change);
-    Io::TextLines lines(path);
+    Io::TextLines lines(path.string());
     lines.next();
     change();
-    return RawBinaryInFile(path, lines.takeFile()).getMemory().getDataLength();
+    return RawBinaryInFile(path.string(), lines.takeFile()).getMemory().getDataLength();
 }
 
 TEST_F(ChangingFileTest, AnInputThatChangesIsRefused) {

@@ -18,7 +18,7 @@ int main(int argumentCount, char** arguments) {
             std::ifstream file(entry.path(), std::ios::binary);
             const std::string input{std::istreambuf_iterator<char>(file), {}};
             // Named before it runs: what ends the process here names its input.
-            std::printf("%s\n", entry.path().c_str());
+            std::printf("%s\n", entry.path().string().c_str());
             std::fflush(stdout);
             LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.data()),
                                    input.size());

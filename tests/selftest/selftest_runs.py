@@ -1,5 +1,8 @@
 #!/usr/bin/env python3
-"""Runs `PROGRAM test` as a user does: unchanged, with a damaged reference, without its folder."""
+"""Runs `PROGRAM test` as a user does: unchanged, with a damaged reference, without its folder.
+
+    selftest_runs.py PROGRAM [EMULATOR...]
+"""
 import os
 import pathlib
 import re
@@ -9,7 +12,9 @@ import sys
 import tempfile
 import unittest
 
-PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
+PROGRAM = pathlib.Path(sys.argv[1]).resolve()
+EMULATOR = sys.argv[2:]
+del sys.argv[1:]
 DATA = pathlib.Path(__file__).resolve().parents[2] / "selftest" / "data"
 REFERENCE = (DATA / "reference_output.hex").read_text()
 # The image ends with the digest (16 bytes) and the CRC (4 bytes).
@@ -31,7 +36,7 @@ class SelfTestRuns(unittest.TestCase):
         self.output = self.samples / "__output_ref_app_all.hex"
 
     def run_test(self, program=PROGRAM, arguments=("test",)):
-        done = subprocess.run([program, *arguments], cwd=self.root / "work", capture_output=True,
+        done = subprocess.run([*EMULATOR, program, *arguments], cwd=self.root / "work", capture_output=True,
                               text=True, timeout=60)
         self.assertEqual(done.returncode, 0)
         self.assertEqual(done.stdout.splitlines()[-1], NO_PROBLEM)

@@ -28,6 +28,7 @@ OUTSIDE = ("tests", "bench", "fuzz")
 # Libraries of others whose includes are followed, by the beginning of what is included.
 OTHERS = {"boost/": "Boost::headers", "CUnit/": "CUnit::CUnit", "CLI/": "CLI11::CLI11",
           "nlohmann/": "nlohmann_json::nlohmann_json"}
+OTHER_SYSTEM = "Windows.cpp"
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)
 
 
@@ -62,6 +63,10 @@ class Tree:
         self.program = [target for target in self.targets if target.is_of_program]
         owners = [one for one in self.targets if one.is_of_program or one.is_library]
         self.owners = sorted(owners, key=lambda target: -len(target.folder))
+        # Sources for another system than that of the build.
+        for target in self.program:
+            target.sources += [path for path in self.own_files(target, OTHER_SYSTEM)
+                               if path not in target.sources]
 
     def owner(self, path):
         """The target of the innermost folder around a file; None for files of tests alone."""

@@ -1,0 +1,2 @@
+# Run by CPack before it installs for a package. A zip has local times.
+set(ENV{TZ} UTC)

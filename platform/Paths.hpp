@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+/// What paths of the operating system mean.
+namespace Platform {
+
+/// Separator between the folders of a path.
+extern const char pathSeparator;
+
+/// Where the name of the file begins in a path, behind its folders.
+std::size_t fileNameStart(const std::string& path);
+
+/// The path leads to a regular file.
+bool isRegularFile(const std::string& path);
+
+/// The path without what depends on where the folders of the user are: an absolute path as seen
+/// from the current folder, with '/' between folders; any other one unchanged.
+std::string portablePath(const std::string& path);
+
+}  // namespace Platform

@@ -1,0 +1,46 @@
+#include "platform/Replace.hpp"
+
+#include <algorithm>
+
+#include "platform/Paths.hpp"
+
+namespace Platform {
+
+namespace {
+
+/// The name of a file, cut so that there is room for what is added to it. No character of UTF-8 is
+/// cut in two.
+std::string_view shortened(std::string_view name) {
+    constexpr std::size_t longestName = 200;
+    constexpr unsigned mask = 0xC0;
+    constexpr unsigned continuation = 0x80;
+    std::size_t size = std::min(name.size(), longestName);
+    while (size != 0 && size < name.size() &&
+           (static_cast<unsigned char>(name[size]) & mask) == continuation)
+        --size;
+    return name.substr(0, size);
+}
+
+}  // namespace
+
+std::optional<OutputFile> createTemporary(const OutputTarget& target, unsigned& number,
+                                          std::string& path, std::error_code& error) {
+    const std::size_t name = fileNameStart(target.path);
+    std::string start = target.path.substr(0, name) + ".";
+    start += shortened(std::string_view(target.path).substr(name));
+    start += ".tessaron-" + std::to_string(processNumber()) + "-";
+    // The target may be one that others must not read.
+    const bool isPrivate = target.kind == TargetKind::Regular;
+    // A killed run may have left a file of this name: process numbers come again.
+    constexpr unsigned mostTries = 10'000;
+    for (unsigned i = 0; i < mostTries; ++i) {
+        path = start + std::to_string(number++) + ".tmp";
+        clearLastError();
+        auto file = OutputFile::createNew(path, isPrivate);
+        error = file ? std::error_code() : lastError();
+        if (file || error != std::errc::file_exists) return file;
+    }
+    return std::nullopt;
+}
+
+}  // namespace Platform

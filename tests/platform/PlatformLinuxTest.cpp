@@ -1,0 +1,112 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <new>
+#include <string>
+#include <thread>
+
+#include "platform/Files.hpp"
+#include "platform/Memory.hpp"
+#include "platform/Process.hpp"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A path of the running test alone.
+fs::path ownPath(const std::string& name) {
+    const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
+    return fs::path(testing::TempDir()) / (test->name() + ("-" + name));
+}
+
+TEST(PlatformLinuxTest, WhatNeverEndsIsNoInput) {
+    const fs::path folder = fs::path(testing::TempDir());
+    const fs::path pipe = ownPath("pipe");
+    fs::remove(pipe);
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string& path :
+         {folder.string(), pipe.string(), std::string("/dev/zero"), std::string("/dev/ptmx"),
+          (folder / "missing").string(), std::string()})
+        EXPECT_FALSE(Platform::readFile(path)) << path;
+    EXPECT_FALSE(Platform::OutputFile::create(pipe, Platform::FileMode::Binary));
+    EXPECT_FALSE(Platform::OutputFile::create(folder, Platform::FileMode::Text));
+    fs::remove(pipe);
+}
+
+TEST(PlatformLinuxTest, PipesAndDevicesAreReadToTheirEnd) {
+    EXPECT_EQ(Platform::readFile("/dev/null")->text(), "");
+    // More than a pipe holds, so that the reader waits for the writer again and again.
+    const std::string contents(300'000, 'x');
+    for (const std::string& text : {std::string(), std::string("short"), contents}) {
+        std::array<int, 2> ends{};
+        ASSERT_EQ(::pipe(ends.data()), 0);
+        const std::jthread writer([&text, end = ends[1]] {
+            EXPECT_EQ(::write(end, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+            ::close(end);
+        });
+        EXPECT_EQ(Platform::readFile("/dev/fd/" + std::to_string(ends[0]))->text(), text);
+        ::close(ends[0]);
+    }
+    const fs::path pipe = ownPath("pipe");
+    fs::remove(pipe);
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    // The first descriptor, for both directions, opens at once; the second one then finds a reader.
+    const int both = ::open(pipe.c_str(), O_RDWR | O_CLOEXEC);
+    const int end = ::open(pipe.c_str(), O_WRONLY | O_CLOEXEC);
+    ::close(both);
+    const std::jthread writer([&contents, end] {
+        // A pipe without a reader is in error.
+        pollfd state{end, POLLOUT, 0};
+        do {
+            ::poll(&state, 1, -1);
+        } while ((state.revents & POLLERR) != 0);
+        EXPECT_EQ(::write(end, contents.data(), 1000), 1000);
+        ::close(end);
+    });
+    EXPECT_EQ(Platform::readFile(pipe)->text(), contents.substr(0, 1000));
+    fs::remove(pipe);
+}
+
+TEST(PlatformLinuxTest, UntouchedBlocksCountAsUsed) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer's shadow memory hides what is untouched";
+#endif
+    // Each block alone would fit; pages that were promised to the first are gone for the second.
+    std::size_t size = std::size_t{1} << 30U;
+    const auto fits = [](std::size_t bytes) {
+        try {
+            return Platform::PageBlock(bytes).size() == bytes;
+        } catch (const std::bad_alloc&) {
+            return false;
+        }
+    };
+    while (fits(size * 2)) size *= 2;
+    const Platform::PageBlock first(size);
+    EXPECT_FALSE(fits(size));
+}
+
+TEST(PlatformLinuxTest, AProgramRunsWhateverItsPathHolds) {
+    const fs::path folder = ownPath("a b$HOME'\"`c");
+    fs::create_directories(folder);
+    const fs::path program = folder / "it's;run.sh";
+    const fs::path output = ownPath("output");
+    std::ofstream(program) << "#!/bin/sh\necho \"$#:$1:$2\" > \"$3\"\n";
+    fs::permissions(program, fs::perms::owner_all);
+    Platform::runProgram(program, "one 'two  words' '" + output.string() + "'");
+    EXPECT_EQ(Platform::readFile(output)->text(), "3:one:two  words\n");
+    fs::remove_all(folder);
+}
+
+TEST(PlatformLinuxTest, AFullDeviceSaysSo) {
+    auto full = Platform::OutputFile::create("/dev/full", Platform::FileMode::Binary);
+    ASSERT_TRUE(full);
+    EXPECT_FALSE(full->write("a"));
+}
+
+}  // namespace

@@ -1,0 +1,1 @@
+[ "$(cat 'Übung.bin')" = A ] || ls
