@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <future>
-#include <system_error>
 #include <utility>
 
 #include "inspect/Json.hpp"
