@@ -10,6 +10,10 @@ namespace Io::Import {
 
 namespace {
 
+Util::Records::DataRun decode(std::string_view text, std::uint8_t* out) {
+    return Util::Records::Codec::decodeIntel(text, out, Util::Records::DigitCase::Any);
+}
+
 /// The type digits of an end-of-file record are in their place, whatever else the line holds.
 bool isEndOfFile(std::string_view line) {
     constexpr std::size_t typePosition = 7;
@@ -59,7 +63,7 @@ void IntelHexParser::takeRecord(const TextLines& lines) {
 }
 
 void IntelHexParser::takeAhead(TextLines& lines) {
-    takeDataAhead(lines, &Util::Records::Codec::decodeIntel, segmentBase_);
+    takeDataAhead(lines, &decode, segmentBase_);
 }
 
 LineFault IntelHexParser::parseRecord(std::string_view line) {

@@ -52,6 +52,10 @@ struct MotorolaS_Parser::Record {
 
 namespace {
 
+Util::Records::DataRun decode(std::string_view text, std::uint8_t* out) {
+    return Util::Records::Codec::decodeS(text, out, Util::Records::DigitCase::Any);
+}
+
 template <class Record>
 auto recordSyntax(Record& record) {
     using Digit = Spirit::uint_parser<std::uint32_t, 16, 1, 1>;
@@ -97,7 +101,7 @@ void MotorolaS_Parser::takeRecord(const TextLines& lines) {
 }
 
 std::uint64_t MotorolaS_Parser::takeAhead(TextLines& lines) {
-    const std::uint64_t count = takeDataAhead(lines, &Util::Records::Codec::decodeS, 0);
+    const std::uint64_t count = takeDataAhead(lines, &decode, 0);
     dataRecordCount_ += static_cast<std::uint32_t>(count);
     return count;
 }

@@ -12,7 +12,6 @@
 #include "io/Backoff.hpp"
 #include "io/TextLines.hpp"
 #include "io/import/ParsedData.hpp"
-#include "util/records/Records.hpp"
 
 namespace Io::Import {
 
@@ -76,7 +75,7 @@ protected:
     /// Takes the perfect data records at the front of the text ahead, which need no grammar, and
     /// returns their number. Their addresses are relative to `base`.
     ///
-    /// @param decode  of Util::Records
+    /// @param decode  of Util::Records, for digits of any case
     template <class Decode>
     std::uint64_t takeDataAhead(TextLines& lines, Decode decode, std::uint64_t base) {
         // The first data record reserves the memory.
@@ -85,9 +84,8 @@ protected:
         std::string_view text = all;
         std::uint64_t count = 0;
         try {
-            constexpr auto digits = Util::Records::DigitCase::Any;
-            for (auto run = decode(text, parsed_.data.room(), digits); run.count != 0;
-                 run = decode(text, parsed_.data.room(), digits)) {
+            for (auto run = decode(text, parsed_.data.room()); run.count != 0;
+                 run = decode(text, parsed_.data.room())) {
                 parsed_.data.appendInPlace(base + run.address, run.dataSize);
                 text.remove_prefix(run.textSize);
                 count += run.count;
