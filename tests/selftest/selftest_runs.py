@@ -10,6 +10,10 @@ import tempfile
 import unittest
 
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
+# For Windows, the program itself and what runs it follow.
+EXECUTABLE, *EMULATOR = (pathlib.Path(one).resolve() for one in sys.argv[1:] or [PROGRAM])
+IS_WINDOWS = bool(EMULATOR)
+del sys.argv[1:]
 DATA = pathlib.Path(__file__).resolve().parents[2] / "selftest" / "data"
 REFERENCE = (DATA / "reference_output.hex").read_text()
 # The image ends with the digest (16 bytes) and the CRC (4 bytes).
@@ -31,7 +35,8 @@ class SelfTestRuns(unittest.TestCase):
         self.output = self.samples / "__output_ref_app_all.hex"
 
     def run_test(self, program=PROGRAM, arguments=("test",)):
-        done = subprocess.run([program, *arguments], cwd=self.root / "work", capture_output=True,
+        emulator = EMULATOR if program != PROGRAM else []
+        done = subprocess.run([*emulator, program, *arguments], cwd=self.root / "work", capture_output=True,
                               text=True, timeout=60)
         self.assertEqual(done.returncode, 0)
         self.assertEqual(done.stdout.splitlines()[-1], NO_PROBLEM)
@@ -73,16 +78,19 @@ class SelfTestRuns(unittest.TestCase):
                               "__output_ref_app_all.hex", "__output_ref_app_all.hexSrec"])
             for name, table in (("__input_ref_app.hex", "sample_input.hex"),
                                 ("__input_tessaron_script.tsn", "sample_script.tsn")):
-                self.assertEqual((self.samples / name).read_bytes(), (DATA / table).read_bytes())
+                wanted = (DATA / table).read_bytes()
+                if IS_WINDOWS:
+                    wanted = wanted.replace(b"\n", b"\r\n")
+                self.assertEqual((self.samples / name).read_bytes(), wanted)
 
     def test_names_the_line_of_a_changed_byte(self):
-        program = PROGRAM.read_bytes()
+        program = EXECUTABLE.read_bytes()
         lines = REFERENCE.splitlines()
         # Lines in no other table: the end of the firmware, the digest, and its end with the CRC.
         for number in (3508, 8193, 8194):
             line = lines[number - 1].encode()
             self.assertIn(line, program)
-            changed = self.root / "changed"
+            changed = self.root / "changed.exe"
             changed.write_bytes(program.replace(line, line[:-1] + b"?"))
             changed.chmod(0o755)
             self.assert_failed(self.run_test(changed), [number])
@@ -91,8 +99,10 @@ class SelfTestRuns(unittest.TestCase):
         shutil.rmtree(self.root / "KvTessaron")
         done = self.run_test()
         self.assert_failed(done, [])
-        self.assertEqual(done.stderr, "Could not open input file: "
-                         "../KvTessaron/__sample_files/__input_tessaron_script.tsn\n")
+        script = "../KvTessaron/__sample_files/__input_tessaron_script.tsn"
+        if IS_WINDOWS:
+            script = script.replace("/", "\\")
+        self.assertEqual(done.stderr, "Could not open input file: %s\n" % script)
         self.assertFalse((self.root / "KvTessaron").exists())
 
     def test_fails_when_the_output_is_right_but_the_script_did_not_run(self):

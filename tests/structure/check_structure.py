@@ -130,7 +130,14 @@ def faults_of_folders(tree):
                 yield "%s depends on %s, which is not declared before it" % (target.name, name)
         if target.folder in (one.folder for one in tree.program[:index]):
             yield "%s is a folder of two targets" % target.folder
-        for path in sorted({*tree.own_files(target, ".cpp")} ^ {*target.sources}):
+        own = {*tree.own_files(target, ".cpp")}
+        # Of a source for each system, the target has that of its own.
+        systems = [name for name in ("Linux.cpp", "Windows.cpp")
+                   if any(path.endswith(name) for path in target.sources)]
+        foreign = {path for path in own if systems and path not in target.sources
+                   and path.endswith(("Linux.cpp", "Windows.cpp"))
+                   and not path.endswith(tuple(systems))}
+        for path in sorted((own - foreign) ^ {*target.sources}):
             yield "%s is not one of the sources of %s, or not of its folder" % (path, target.name)
 
 
