@@ -34,6 +34,15 @@ inline std::string contentsOf(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
+/// The contents of a text file, with LF for the line ends that this system has in texts.
+inline std::string textOf(const std::string& path) {
+    std::string text = contentsOf(path);
+    if constexpr (TESSARON_TEXT_MODE)
+        for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos; ++at)
+            text.erase(at, 1);
+    return text;
+}
+
 /// An image of written bytes.
 inline Buffer::MemoryBuffer imageOf(std::uint64_t start, const std::vector<std::uint8_t>& bytes) {
     Buffer::MemoryBuffer image(start, bytes.size());

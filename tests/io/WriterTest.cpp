@@ -10,10 +10,10 @@ namespace {
 
 using namespace Io::Export;
 using Buffer::MemoryBuffer;
-using Tests::contentsOf;
 using Tests::ExpectedFacts;
 using Tests::imageOf;
 using Tests::temporaryPath;
+using Tests::textOf;
 
 /// What a writer leaves on the disk.
 std::string written(TessaronExportApi&& writer, const std::vector<MemoryBuffer>& images,
@@ -21,7 +21,7 @@ std::string written(TessaronExportApi&& writer, const std::vector<MemoryBuffer>&
     for (const MemoryBuffer& image : images) writer.insertMemoryBuffer(image);
     if (execution) writer.setExecutionAddress(*execution);
     writer.saveToFile();
-    return contentsOf(temporaryPath());
+    return textOf(temporaryPath());
 }
 
 IntelHexOutFile intelHex(bool useSegments = false, std::uint32_t length = 16) {
@@ -135,7 +135,7 @@ TEST(MotorolaS_OutFileTest, CountsItsRecordsInThreeWidths) {
         for (int i = 0; i < 65534; ++i) writer.insertMemoryBuffer(empty);
         writer.insertMemoryBuffer(last);
         writer.saveToFile();
-        const std::string text = contentsOf(temporaryPath());
+        const std::string text = textOf(temporaryPath());
         // Due after record 65535, which is the first of the last image.
         const std::size_t at = text.find(count);
         ASSERT_NE(at, std::string::npos);
@@ -155,7 +155,7 @@ TEST(MotorolaS_OutFileTest, ReportsAndCorrects) {
     MotorolaSOutputStyle style{"abc", "short", 1, 2, 32};
     MotorolaS_OutFile named(temporaryPath(), style);
     named.saveToFile();
-    EXPECT_EQ(contentsOf(temporaryPath()).substr(0, 72),
+    EXPECT_EQ(textOf(temporaryPath()).substr(0, 72),
               "S021000020202020202020616263010273686F727420202020202020202020202020"
               "05\nS");
 }

@@ -14,6 +14,7 @@ import unittest
 
 PROGRAM = pathlib.Path(sys.argv[1]).resolve()
 EMULATOR = sys.argv[2:]
+IS_WINDOWS = PROGRAM.suffix == ".exe"
 del sys.argv[1:]
 DATA = pathlib.Path(__file__).resolve().parents[2] / "selftest" / "data"
 REFERENCE = (DATA / "reference_output.hex").read_text()
@@ -78,7 +79,10 @@ class SelfTestRuns(unittest.TestCase):
                               "__output_ref_app_all.hex", "__output_ref_app_all.hexSrec"])
             for name, table in (("__input_ref_app.hex", "sample_input.hex"),
                                 ("__input_tessaron_script.tsn", "sample_script.tsn")):
-                self.assertEqual((self.samples / name).read_bytes(), (DATA / table).read_bytes())
+                wanted = (DATA / table).read_bytes()
+                if IS_WINDOWS:
+                    wanted = wanted.replace(b"\n", b"\r\n")
+                self.assertEqual((self.samples / name).read_bytes(), wanted)
 
     def test_names_the_line_of_a_changed_byte(self):
         program = PROGRAM.read_bytes()
@@ -87,7 +91,7 @@ class SelfTestRuns(unittest.TestCase):
         for number in (3508, 8193, 8194):
             line = lines[number - 1].encode()
             self.assertIn(line, program)
-            changed = self.root / "changed"
+            changed = self.root / "changed.exe"
             changed.write_bytes(program.replace(line, line[:-1] + b"?"))
             changed.chmod(0o755)
             self.assert_failed(self.run_test(changed), [number])
@@ -96,8 +100,10 @@ class SelfTestRuns(unittest.TestCase):
         shutil.rmtree(self.root / "KvTessaron")
         done = self.run_test()
         self.assert_failed(done, [])
-        self.assertEqual(done.stderr, "Could not open input file: "
-                         "../KvTessaron/__sample_files/__input_tessaron_script.tsn\n")
+        script = "../KvTessaron/__sample_files/__input_tessaron_script.tsn"
+        if IS_WINDOWS:
+            script = script.replace("/", "\\")
+        self.assertEqual(done.stderr, "Could not open input file: %s\n" % script)
         self.assertFalse((self.root / "KvTessaron").exists())
 
     def test_fails_when_the_output_is_right_but_the_script_did_not_run(self):

@@ -28,7 +28,6 @@ OUTSIDE = ("tests", "bench", "fuzz")
 # Libraries of others whose includes are followed, by the beginning of what is included.
 OTHERS = {"boost/": "Boost::headers", "CUnit/": "CUnit::CUnit", "CLI/": "CLI11::CLI11",
           "nlohmann/": "nlohmann_json::nlohmann_json"}
-OTHER_SYSTEM = "Windows.cpp"
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)
 
 
@@ -63,10 +62,6 @@ class Tree:
         self.program = [target for target in self.targets if target.is_of_program]
         owners = [one for one in self.targets if one.is_of_program or one.is_library]
         self.owners = sorted(owners, key=lambda target: -len(target.folder))
-        # Sources for another system than that of the build.
-        for target in self.program:
-            target.sources += [path for path in self.own_files(target, OTHER_SYSTEM)
-                               if path not in target.sources]
 
     def owner(self, path):
         """The target of the innermost folder around a file; None for files of tests alone."""
@@ -135,7 +130,14 @@ def faults_of_folders(tree):
                 yield "%s depends on %s, which is not declared before it" % (target.name, name)
         if target.folder in (one.folder for one in tree.program[:index]):
             yield "%s is a folder of two targets" % target.folder
-        for path in sorted({*tree.own_files(target, ".cpp")} ^ {*target.sources}):
+        own = {*tree.own_files(target, ".cpp")}
+        # Of a source for each system, the target has that of its own.
+        systems = [name for name in ("Linux.cpp", "Windows.cpp")
+                   if any(path.endswith(name) for path in target.sources)]
+        foreign = {path for path in own if systems and path not in target.sources
+                   and path.endswith(("Linux.cpp", "Windows.cpp"))
+                   and not path.endswith(tuple(systems))}
+        for path in sorted((own - foreign) ^ {*target.sources}):
             yield "%s is not one of the sources of %s, or not of its folder" % (path, target.name)
 
 
