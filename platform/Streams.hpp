@@ -18,6 +18,7 @@ namespace Platform {
 class StreamGuard {
 public:
     StreamGuard();
+    // NOLINTNEXTLINE(performance-trivially-destructible): only Linux has nothing to set back.
     ~StreamGuard();
     StreamGuard(const StreamGuard&) = delete;
     StreamGuard& operator=(const StreamGuard&) = delete;

@@ -16,7 +16,7 @@ import xml.etree.ElementTree
 import zlib
 
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
-# A program for Windows knows no /dev/stdin.
+# A program for Windows knows no /dev/stdin and no /dev/fd.
 IS_WINDOWS = sys.argv[1:] == ["--windows"]
 del sys.argv[1:]
 FLASH, FAR = 0x08000000, 0x1FFF7800
@@ -157,12 +157,14 @@ class Inspection(unittest.TestCase):
                                    "--ignore", "{%d, 1}" % (start + 1), code=1))
         self.assertEqual([(a["start"], a["length"]) for a in part["changed"]],
                          [("0x%08X" % (start + at), 1) for at in (0, 2, 0x20)])
+        tessaron("diff", "a.hex", "missing.hex", code=2)
+        if IS_WINDOWS:
+            return
         shell = 'exec "$0" diff --json <(cat a.hex) <(cat b.s19)'
         piped = json.loads(subprocess.run(["bash", "-c", shell, PROGRAM], capture_output=True,
                                           text=True, check=False).stdout)
         self.assertEqual(piped["changed"], found["changed"])
         self.assertEqual(piped["left"]["format"], "Intel HEX")
-        tessaron("diff", "a.hex", "missing.hex", code=2)
 
     def test_dump(self):
         text = tessaron("diff", "a.hex", "b.s19", "--context", "0", code=1)
