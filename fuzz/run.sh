@@ -41,11 +41,25 @@ run() {
     sed -n "s|^#\([0-9]*\)\tDONE *\(.*\) lim:.*|fuzz_$target $work: \1 runs, \2|p" $log
 }
 
+fuzz() {
+    for target in "$@"; do
+        mkdir -p $build/found/$target
+        run $target replayed -runs=0
+        # The accounts that libFuzzer keeps to choose inputs take a third of the time of whole runs.
+        [ $target = run ] && choice=-entropic=0 || choice=-entropic=1
+        [ "$seconds" = 0 ] ||
+            run $target searched $choice -max_total_time="$seconds" -dict=fuzz/tessaron.dict
+    done
+}
+
+# A target uses one core, so two of them run at a time.
+even=""
+odd=""
 for target in "$@"; do
-    mkdir -p $build/found/$target
-    run $target replayed -runs=0
-    # The accounts that libFuzzer keeps to choose inputs take a third of the time of whole runs.
-    [ $target = run ] && choice=-entropic=0 || choice=-entropic=1
-    [ "$seconds" = 0 ] ||
-        run $target searched $choice -max_total_time="$seconds" -dict=fuzz/tessaron.dict
+    next="$odd $target"
+    odd=$even
+    even=$next
 done
+fuzz $even &
+fuzz $odd
+wait $!
