@@ -11,6 +11,7 @@ the conversion: it is the cost of moving the bytes without a look at them.
 import os
 import pathlib
 import random
+import shutil
 import statistics
 import subprocess
 import sys
@@ -283,6 +284,32 @@ def runs(bench):
         print("| %s | %s |" % (name, " | ".join(map(cell, result.values()))), flush=True)
 
 
+def inspection(bench, size):
+    """What shows a file, beside reading it: map and info of one file, diff of two equal ones, and a
+    conversion with its manifest beside one without."""
+    inputs = make_inputs(bench, size)
+    strict = str(pathlib.Path(bench.program).with_name("tessaron"))
+    source, out = inputs["hex"], bench.path("out.hex")
+    other = shutil.copy(source, bench.path("other.hex"))
+    read = bench.script("read.tsn", "NEW_BUFFER @B FROM_FILE {%s}\n" % source)
+    both = bench.script("both.tsn", "NEW_BUFFER @A FROM_FILE {%s}\nNEW_BUFFER @B FROM_FILE {%s}\n"
+                        % (source, other))
+    convert = bench.script("manifest.tsn", "NEW_BUFFER @B FROM_FILE {%s}\nWRITE_FILE {%s} "
+                           "WITH_BUFFERS { @B }\n" % (source, out))
+    manifest = ["--manifest", bench.path("manifest.json")]
+    pairs = (("map", ["map", source], ["run", read]), ("info", ["info", source], ["run", read]),
+             ("diff", ["diff", source, other], ["run", both]),
+             ("run --manifest", ["run", convert] + manifest, ["run", convert]))
+    print("\n### Looking at files\n\n| item | MiB | tessaron | the same without it | times, in "
+          "processor and wall time |")
+    print("| --- | ---: | ---: | ---: | ---: |")
+    for name, with_it, without in pairs:
+        result = bench.compare({"with": [strict] + with_it, "without": [strict] + without}, 11)
+        cells = [cell(result["with"]), cell(result["without"])]
+        times = ["%.2f" % (result["with"][i] / result["without"][i]) for i in (0, 1)]
+        print("| %s | %d | %s | %s |" % (name, size, " | ".join(cells), ", ".join(times)), flush=True)
+
+
 def machine():
     model = [line.split(":")[1].strip() for line in open("/proc/cpuinfo") if "model name" in line]
     version = lambda command: subprocess.run(command, capture_output=True, text=True).stdout.splitlines()[0]
@@ -301,6 +328,7 @@ def main():
         checksums(bench)
         statements(bench)
         runs(bench)
+        inspection(bench, 16)
 
 
 if __name__ == "__main__":
