@@ -12,7 +12,7 @@ test="$build clang clang-format clang-tidy git libgtest-dev python3 valgrind gco
 demo="$build python3 srecord"
 bench="$build libbenchmark-dev libgcrypt20-dev libcrypto++-dev libssl-dev zlib1g-dev python3
        python3-intelhex srecord binutils openssl"
-cross="$build git googletest python3 python3-jsonschema srecord"
+cross="$build git googletest python3 python3-jsonschema srecord xxd"
 aarch64="$cross g++-aarch64-linux-gnu libc6-dev-arm64-cross qemu-user-static dpkg-dev lintian"
 windows="$cross g++-mingw-w64-x86-64-posix wine64 nsis file"
 package="$aarch64 $windows"
