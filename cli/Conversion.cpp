@@ -18,7 +18,7 @@ using Strict::ExitCode;
 /// What an ending of a file's name says about its contents.
 struct Ending {
     std::string_view ending;
-    const char* source;  ///< of NEW_BUFFER
+    const char* source;  ///< of NEW_BUFFER; null for a format that is written only
     const char* format;  ///< of WRITE_FILE; null for a format that is read only
     /// What the user has to choose from, where `format` is only the first part of the keyword.
     const char* choice = nullptr;
@@ -39,12 +39,12 @@ constexpr std::array endings{
     Ending{".out", "FROM_ELF", nullptr},
     Ending{".uf2", "FROM_UF2", "Uf2_", "a family, such as Uf2_RP2040"},
     Ending{".txt", "FROM_TI_TXT", "TiTxt"},
-    Ending{".dfu", "FROM_FILE", "DfuSe"},
+    Ending{".dfu", nullptr, "DfuSe"},
     Ending{".bin", "FROM_FILE_BINARY", "RawBinary"},
     Ending{".raw", "FROM_FILE_BINARY", "RawBinary"},
     Ending{".img", "FROM_FILE_BINARY", "RawBinary"},
-    Ending{".h", "FROM_FILE", "CArray"},
-    Ending{".vmem", "FROM_FILE", "Vmem_", "Vmem_1, Vmem_2, Vmem_4 or Vmem_8"},
+    Ending{".h", nullptr, "CArray"},
+    Ending{".vmem", nullptr, "Vmem_", "Vmem_1, Vmem_2, Vmem_4 or Vmem_8"},
 };
 
 /// The beginnings of the formats' keywords of which each is true.
@@ -77,6 +77,17 @@ std::optional<std::string> quoted(const std::string& path, Strict::Printer& prin
     for (const char c : path)
         if (c != '/' || text.back() != '/') text += c;
     return text + "\"";
+}
+
+/// The source of NEW_BUFFER for a file, by its ending; nothing after a diagnostic.
+std::optional<std::string> sourceOf(const std::string& input, Strict::Printer& printer) {
+    const Ending* const named = endingOf(input);
+    if (named == nullptr) return "FROM_FILE";
+    if (named->source != nullptr) return named->source;
+    // Read as raw bytes, it would put heads and digits of the format into the image.
+    fail("wrong-format", "files with the ending of " + input + " are written and not read", "",
+         printer);
+    return std::nullopt;
 }
 
 /// The format's keyword, given or of the ending; nothing after a diagnostic.
@@ -125,13 +136,12 @@ std::optional<std::uint64_t> movedStart(const Conversion& conversion, const Insp
 std::optional<std::string> scriptFor(const Conversion& conversion, Strict::Printer& printer) {
     const auto input = quoted(conversion.input, printer);
     const auto output = quoted(conversion.output, printer);
+    const auto source = sourceOf(conversion.input, printer);
     const auto format = formatOf(conversion, printer);
     const auto image = Strict::readImage(conversion.input, printer);
-    if (!input || !output || !format || !image || printer.errors() != 0) return std::nullopt;
-    const Ending* const ending = endingOf(conversion.input);
-    std::string script = "NEW_BUFFER @Image " +
-                         std::string(ending == nullptr ? "FROM_FILE" : ending->source) + " " +
-                         *input;
+    if (!input || !output || !source || !format || !image || printer.errors() != 0)
+        return std::nullopt;
+    std::string script = "NEW_BUFFER @Image " + *source + " " + *input;
     if (conversion.crop)
         script += " -useBufferRange={" + Inspect::addressText(conversion.crop->start) + ", " +
                   Inspect::addressText(conversion.crop->length) + "}";

@@ -248,6 +248,10 @@ class Inspection(unittest.TestCase):
         # The crop that was asked for is no news.
         self.assertEqual(complaint("convert", "a.hex", "out.h", "--crop", "0x8000000,16"), "")
         self.assertIn("0x08000000", pathlib.Path("out.h").read_text())
+        tessaron("convert", "a.hex", "out.dfu", "--crop", "0x8000000,16")
+        for name in ("out.dfu", "out.h"):
+            self.assertIn("[wrong-format]", complaint("convert", name, "back.hex"))
+            self.assertFalse(pathlib.Path("back.hex").exists())
         for name, choice in (("out.uf2", "Uf2_"), ("out.vmem", "Vmem_4")):
             self.assertIn(choice, complaint("convert", "a.hex", name))
             self.assertFalse(pathlib.Path(name).exists())
