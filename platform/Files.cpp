@@ -1,5 +1,6 @@
 #include "platform/Files.hpp"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -19,6 +20,21 @@ InputFile InputFile::ofMemory(PageBlock contents, std::size_t size) {
     file.size_ = size;
     file.isStream_ = true;
     return file;
+}
+
+std::size_t InputFile::copyOfStream(std::uint64_t offset, std::span<char> out) const {
+    if (offset >= size_ || out.empty()) return 0;
+    const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(out.size(), size_ - offset));
+    std::memcpy(out.data(), stream_.data() + offset, size);
+    return size;
+}
+
+void InputFile::makeRoom(std::size_t size) {
+    if (stream_.size() - size_ >= size) return;
+    // Twice the size each time, so that the copies cost linear time.
+    PageBlock larger(std::max(2 * stream_.size(), size));
+    if (size_ != 0) std::memcpy(larger.data(), stream_.data(), size_);
+    stream_ = std::move(larger);
 }
 
 namespace {

@@ -60,6 +60,12 @@ private:
     /// The file of an open descriptor, which it closes.
     static std::optional<InputFile> ofDescriptor(int descriptor);
 
+    /// `readAt` of what has been read to memory.
+    std::size_t copyOfStream(std::uint64_t offset, std::span<char> out) const;
+
+    /// Makes room in memory for at least `size` bytes more.
+    void makeRoom(std::size_t size);
+
     /// Reads at most `most` bytes to memory, up to the end of the file. False if there are more, or
     /// none from a named pipe. Waits for the writer of a pipe and for nothing else.
     bool readStream(std::size_t most, bool isPipe, bool isNamed);

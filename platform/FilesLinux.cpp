@@ -7,9 +7,7 @@
 #include <sys/vfs.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
 namespace Platform {
@@ -67,12 +65,7 @@ bool InputFile::readStream(std::size_t most, bool isPipe, bool isNamed) {
     isStream_ = true;
     bool hasWriter = !isNamed;
     for (;;) {
-        if (stream_.size() - size_ < pieceSize) {
-            // Twice the size each time, so that the copies cost linear time.
-            PageBlock larger(std::max(2 * stream_.size(), pieceSize));
-            if (size_ != 0) std::memcpy(larger.data(), stream_.data(), size_);
-            stream_ = std::move(larger);
-        }
+        makeRoom(pieceSize);
         const ssize_t count = ::read(descriptor_, stream_.data() + size_, stream_.size() - size_);
         if (count > 0) {
             size_ += static_cast<std::size_t>(count);
@@ -97,12 +90,8 @@ InputFile::~InputFile() {
 }
 
 std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> out) const {
+    if (isStream_) return copyOfStream(offset, out);
     std::size_t size = 0;
-    if (isStream_) {
-        if (offset < size_) size = std::min<std::uint64_t>(out.size(), size_ - offset);
-        if (size != 0) std::memcpy(out.data(), stream_.data() + offset, size);
-        return size;
-    }
     while (size < out.size()) {
         const ssize_t count = ::pread(descriptor_, out.data() + size, out.size() - size,
                                       static_cast<off_t>(offset + size));

@@ -107,12 +107,7 @@ bool InputFile::readStream(std::size_t most, bool isPipe, bool /*isNamed*/) {
     constexpr std::size_t pieceSize = std::size_t{1} << 16U;
     isStream_ = true;
     for (;;) {
-        if (stream_.size() - size_ < pieceSize) {
-            // Twice the size each time, so that the copies cost linear time.
-            PageBlock larger(std::max(2 * stream_.size(), pieceSize));
-            if (size_ != 0) std::memcpy(larger.data(), stream_.data(), size_);
-            stream_ = std::move(larger);
-        }
+        makeRoom(pieceSize);
         unsigned long count = 0;
         const bool isRead = ::ReadFile(handleOf(descriptor_), stream_.data() + size_, pieceSize,
                                        &count, nullptr) != 0;
@@ -130,12 +125,8 @@ InputFile::~InputFile() {
 }
 
 std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> out) const {
+    if (isStream_) return copyOfStream(offset, out);
     std::size_t size = 0;
-    if (isStream_) {
-        if (offset < size_) size = std::min<std::uint64_t>(out.size(), size_ - offset);
-        if (size != 0) std::memcpy(out.data(), stream_.data() + offset, size);
-        return size;
-    }
     while (size < out.size()) {
         OVERLAPPED place{};
         place.Offset = static_cast<DWORD>(offset + size);
