@@ -1,6 +1,6 @@
 #include "parser/text/Pattern.hpp"
 
-#include <ranges>
+#include <iterator>
 #include <utility>
 
 namespace Parser {
@@ -23,7 +23,8 @@ std::uint32_t Pattern::addTerm(const Term& term, std::uint32_t next) {
     const auto number = static_cast<std::uint32_t>(term.number);
     switch (term.kind) {
         case Term::Kind::Sequence:
-            for (const Term& part : std::views::reverse(term.parts)) next = addTerm(part, next);
+            for (auto part = term.parts.rbegin(); part != term.parts.rend(); ++part)
+                next = addTerm(*part, next);
             return next;
         case Term::Kind::Alternatives:
             return addAlternatives(term, next);
@@ -50,8 +51,8 @@ std::uint32_t Pattern::addTerm(const Term& term, std::uint32_t next) {
 
 std::uint32_t Pattern::addAlternatives(const Term& term, std::uint32_t next) {
     std::uint32_t rest = addTerm(term.parts.back(), next);
-    for (const Term& part : term.parts | std::views::reverse | std::views::drop(1))
-        rest = add({PatternState::Kind::Alternatives, false, 0, rest, addTerm(part, next)});
+    for (auto part = std::next(term.parts.rbegin()); part != term.parts.rend(); ++part)
+        rest = add({PatternState::Kind::Alternatives, false, 0, rest, addTerm(*part, next)});
     return rest;
 }
 
