@@ -159,10 +159,6 @@ int runProgram(const std::string& /*location*/, const std::string& /*arguments*/
     return 0;
 }
 
-std::size_t usableStackBytes() {
-    return std::size_t{4} << 20U;
-}
-
 std::uint64_t usableSteps() {
     // Steps are slow under the sanitizers and with comparisons traced.
     return 200'000;

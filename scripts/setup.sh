@@ -12,6 +12,7 @@ test="$build clang clang-format clang-tidy git libgtest-dev python3 valgrind gco
 demo="$build python3 srecord"
 bench="$build libbenchmark-dev libgcrypt20-dev libcrypto++-dev libssl-dev zlib1g-dev python3
        python3-intelhex srecord binutils openssl"
+libcxx="$build clang-16 libc++-16-dev libc++abi-16-dev python3"
 cross="$build git googletest python3 python3-jsonschema srecord xxd"
 aarch64="$cross g++-aarch64-linux-gnu libc6-dev-arm64-cross qemu-user-static dpkg-dev lintian"
 windows="$cross g++-mingw-w64-x86-64-posix wine64 nsis file"
@@ -25,6 +26,7 @@ for purpose in "$@"; do
         test) wanted="$wanted $test" ;;
         demo) wanted="$wanted $demo" ;;
         bench) wanted="$wanted $bench" ;;
+        libcxx) wanted="$wanted $libcxx" ;;
         package) wanted="$wanted $package"; sources=yes ;;
         aarch64) wanted="$wanted $aarch64"; sources=yes ;;
         windows) wanted="$wanted $windows"; sources=yes ;;

@@ -9,9 +9,9 @@ namespace Parser {
 
 /// What the evaluations of all patterns of one script may take together, beyond the little that
 /// each may take for every character of the script.
-struct RegexAllowance {
+struct PatternAllowance {
     /// @param length  of the script and its variables, in characters
-    explicit RegexAllowance(std::size_t length);
+    explicit PatternAllowance(std::size_t length);
 
     std::size_t scriptLength;
     std::uint64_t steps;
@@ -25,16 +25,12 @@ using ReplacementWatch = std::function<void(std::size_t copied, std::size_t firs
 /// Replaces in `text` what `pattern`, a regular expression of ECMAScript grammar, matches by the
 /// replacement format `format`. `^` and `$` match at the ends of lines.
 ///
-/// The standard library's engine recurses for every character that it takes and may backtrack
-/// without end. Here it ends in an exception before it uses up the stack or more than moments.
-///
 /// @param allowance  what is left of it; less afterwards
 /// @param watch      may be empty
-/// @throws std::regex_error  for an invalid pattern, with an error code other than the following;
-///         with `error_stack` or `error_complexity` if the evaluation takes too much
+/// @throws PatternError  for a pattern that is not valid, or that takes too much
 /// @throws std::length_error  if the result would be longer than `longest` bytes
-std::string replaceBounded(const std::string& text, const std::string& pattern,
+std::string replacePattern(const std::string& text, const std::string& pattern,
                            const std::string& format, std::size_t longest,
-                           RegexAllowance& allowance, const ReplacementWatch& watch = {});
+                           PatternAllowance& allowance, const ReplacementWatch& watch = {});
 
 }  // namespace Parser
