@@ -38,8 +38,7 @@ def run(*command, code=0, **options):
 
 def make_packages(folder, zone, mask):
     environment = dict(os.environ, TZ=zone)
-    environment.setdefault("SOURCE_DATE_EPOCH", run("git", "-C", ROOT, "log", "-1", "--format=%ct"))
-    environment["SOURCE_DATE_EPOCH"] = environment["SOURCE_DATE_EPOCH"].strip()
+    environment.setdefault("SOURCE_DATE_EPOCH", run(ROOT / "scripts/commit-date.sh").strip())
     before = os.umask(mask)
     run(CPACK, "--config", pathlib.Path(BUILD) / "CPackConfig.cmake", "-B", folder, env=environment)
     os.umask(before)
@@ -52,7 +51,10 @@ def files_below(folder):
 
 
 def tracked(folder):
-    return run("git", "-C", ROOT, "ls-files", folder).splitlines()
+    """The files of the project in a folder; without a checkout, all that are there."""
+    if (ROOT / ".git").exists():
+        return run("git", "-C", ROOT, "ls-files", folder).splitlines()
+    return [folder + "/" + name for name in files_below(ROOT / folder)]
 
 
 def from_source(documents, support):
