@@ -31,6 +31,7 @@ for preset in "$@"; do
     echo "== packages of preset $preset"
     case $preset in
         source) package_source; continue ;;
+        aarch64 | windows) scripts/setup.sh "$preset" ;;
         *) scripts/setup.sh package ;;
     esac
     # Without the tests, a build makes what is packaged and nothing else.
