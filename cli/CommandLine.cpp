@@ -140,7 +140,7 @@ void apply(Request& request, const Texts& texts) {
     if (!texts.crop.empty()) {
         request.conversion.crop = areaIn("--crop", texts.crop);
         // What the user asks for needs no warning.
-        set({"cropped"}, Strict::Severity::Ignored);
+        request.policy.set(Strict::Kind::Cropped, Strict::Severity::Ignored);
     }
     if (!texts.fill.empty()) {
         for (const std::uint64_t byte : numbersIn("--fill", texts.fill)) {

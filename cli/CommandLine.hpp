@@ -6,9 +6,9 @@
 
 #include "cli/Conversion.hpp"
 #include "cli/Inspection.hpp"
-#include "strict/Policy.hpp"
-#include "strict/Printer.hpp"
 #include "strict/Run.hpp"
+#include "strict/diagnostics/Policy.hpp"
+#include "strict/diagnostics/Printer.hpp"
 
 /// The command line of `tessaron`.
 namespace CommandLine {

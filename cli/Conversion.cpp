@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "inspect/Image.hpp"
+#include "inspect/Words.hpp"
 #include "strict/ImageReading.hpp"
 
 namespace CommandLine {
@@ -59,9 +60,8 @@ const Ending* endingOf(std::string path) {
     return found == endings.end() ? nullptr : found;
 }
 
-void fail(const char* kind, std::string text, std::string hint, Strict::Printer& printer) {
-    printer.take(
-        {Strict::Severity::Error, kind, std::move(text), std::nullopt, std::move(hint), {}});
+void fail(Strict::Kind kind, std::string text, std::string hint, Strict::Printer& printer) {
+    printer.take({kind, std::move(text), std::nullopt, std::move(hint), {}});
 }
 
 /// The path as a script names it; nothing if none can.
@@ -69,7 +69,8 @@ std::optional<std::string> quoted(const std::string& path, Strict::Printer& prin
     const bool hasDelimiter = path.find_first_of("\"'{}\n\r\x1A") != std::string::npos;
     const bool hasBlankAtEnd = path.empty() || path.front() == ' ' || path.back() == ' ';
     if (hasDelimiter || hasBlankAtEnd) {
-        fail("cannot-open", "a script cannot name the file " + path, "rename it", printer);
+        fail(Strict::Kind::CannotOpen, "a script cannot name the file " + path, "rename it",
+             printer);
         return std::nullopt;
     }
     std::string text = "\"";
@@ -85,8 +86,8 @@ std::optional<std::string> sourceOf(const std::string& input, Strict::Printer& p
     if (named == nullptr) return "FROM_FILE";
     if (named->source != nullptr) return named->source;
     // Read as raw bytes, it would put heads and digits of the format into the image.
-    fail("wrong-format", "files with the ending of " + input + " are written and not read", "",
-         printer);
+    fail(Strict::Kind::WrongFormat,
+         "files with the ending of " + input + " are written and not read", "", printer);
     return std::nullopt;
 }
 
@@ -95,7 +96,8 @@ std::optional<std::string> formatOf(const Conversion& conversion, Strict::Printe
     if (!conversion.format.empty()) return conversion.format;
     const Ending* const named = endingOf(conversion.output);
     if (named != nullptr && named->choice != nullptr) {
-        fail("wrong-format", "the ending of " + conversion.output + " names several formats",
+        fail(Strict::Kind::WrongFormat,
+             "the ending of " + conversion.output + " names several formats",
              "give one of them by --format: " + std::string(named->choice), printer);
         return std::nullopt;
     }
@@ -104,7 +106,7 @@ std::optional<std::string> formatOf(const Conversion& conversion, Strict::Printe
     for (const Ending& ending : endings)
         if (ending.format != nullptr && ending.choice == nullptr)
             known += (known.empty() ? "" : ", ") + std::string(ending.ending);
-    fail("wrong-format", "the ending of " + conversion.output + " names no format",
+    fail(Strict::Kind::WrongFormat, "the ending of " + conversion.output + " names no format",
          "give --format, or one of the endings " + known, printer);
     return std::nullopt;
 }
@@ -124,7 +126,7 @@ std::optional<std::uint64_t> movedStart(const Conversion& conversion, const Insp
                                                       : image.parts.front().getStartAddress();
     const auto moved = static_cast<std::int64_t>(start) + conversion.offset;
     if (moved >= 0 && moved <= highest) return static_cast<std::uint64_t>(moved);
-    fail("outside",
+    fail(Strict::Kind::Outside,
          "the offset moves the start " + Inspect::addressText(start) +
              " out of the 32-bit address space",
          "", printer);

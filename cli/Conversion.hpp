@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "buffer/Area.hpp"
-#include "strict/Printer.hpp"
 #include "strict/Run.hpp"
+#include "strict/diagnostics/Printer.hpp"
 
 namespace CommandLine {
 

@@ -9,7 +9,8 @@
 #include "inspect/Map.hpp"
 #include "platform/Streams.hpp"
 #include "strict/ImageReading.hpp"
-#include "strict/WholeFile.hpp"
+#include "strict/diagnostics/RemarkList.hpp"
+#include "strict/files/WholeFile.hpp"
 
 namespace CommandLine {
 
@@ -29,12 +30,7 @@ std::size_t widthOf(const Inspection& inspection) {
 ExitCode ended(std::ostream& output, Printer& printer, ExitCode good) {
     output.flush();
     if (output) return good;
-    printer.take({Strict::Severity::Error,
-                  "short-write",
-                  "standard output could not be written completely",
-                  std::nullopt,
-                  "",
-                  {}});
+    printer.take({Strict::Kind::ShortWrite, "standard output could not be written completely"});
     return good == ExitCode::Good ? ExitCode::Failed : ExitCode::Unusable;
 }
 
@@ -56,12 +52,7 @@ ExitCode info(const Inspection& inspection, Printer& printer, const Strict::Poli
         Strict::RemarkList remarks(policy);
         auto info = Strict::readInfo(file, inspection.withSymbols, remarks);
         if (info && info->isRead && info->areas.empty())
-            remarks.take({Strict::Severity::Error,
-                          "empty-image",
-                          file + " has no data",
-                          std::nullopt,
-                          "",
-                          {}});
+            remarks.take({Strict::Kind::EmptyImage, file + " has no data"});
         isGood = isGood && info && !remarks.hasErrors();
         if (!info) {
             Strict::readImage(file, printer);

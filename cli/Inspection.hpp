@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "buffer/Area.hpp"
-#include "strict/Policy.hpp"
-#include "strict/Printer.hpp"
 #include "strict/Run.hpp"
+#include "strict/diagnostics/Policy.hpp"
+#include "strict/diagnostics/Printer.hpp"
 
 namespace CommandLine {
 

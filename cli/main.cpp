@@ -5,8 +5,8 @@
 #include "cli/CommandLine.hpp"
 #include "platform/Arguments.hpp"
 #include "platform/Streams.hpp"
-#include "strict/Printer.hpp"
 #include "strict/Run.hpp"
+#include "strict/diagnostics/Printer.hpp"
 
 namespace {
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "inspect/Json.hpp"
+#include "inspect/Words.hpp"
 #include "util/Hex.hpp"
 
 namespace Inspect {

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "buffer/Area.hpp"
@@ -47,26 +46,5 @@ std::uint64_t byteCount(const Buffer::AreaList& areas);
 
 /// The part that has all of `area`, or null.
 const Buffer::MemoryBuffer* partWith(const Parts& parts, const Buffer::Area& area);
-
-/// "0x" and at least eight digits.
-std::string addressText(std::uint64_t address);
-
-/// "0x08000000 to 0x08000FFF": the first and the last address, or the only one.
-std::string rangeText(const Buffer::Area& area);
-
-/// "line 3", "lines 3 to 1,024".
-std::string linesText(std::uint64_t first, std::uint64_t last);
-
-/// "1 byte", "2 bytes"; thousands are separated by commas.
-std::string countText(std::uint64_t count, const char* noun);
-
-/// The number with commas between thousands.
-std::string grouped(std::uint64_t number);
-
-/// "16 bytes", "1.5 KiB", "3.0 MiB": a number of bytes for a quick look.
-std::string sizeText(std::uint64_t bytes);
-
-/// The text in HTML and SVG: marks are replaced, and control characters that XML does not have.
-std::string escaped(std::string_view text);
 
 }  // namespace Inspect

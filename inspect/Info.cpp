@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "inspect/Json.hpp"
+#include "inspect/Words.hpp"
 #include "io/InFile.hpp"
 #include "io/import/elf/ElfFile.hpp"
 #include "platform/Paths.hpp"

@@ -5,6 +5,7 @@
 
 #include "inspect/Image.hpp"
 #include "inspect/Info.hpp"
+#include "inspect/Words.hpp"
 
 /// What the JSON outputs have in common. Addresses are texts, "0x08000000", since people compare
 /// them; numbers of bytes are numbers.

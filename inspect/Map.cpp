@@ -1,4 +1,5 @@
 #include "inspect/Map.hpp"
+#include "inspect/Words.hpp"
 
 #include <algorithm>
 #include <array>

@@ -10,6 +10,7 @@
 #include "inspect/Json.hpp"
 #include "inspect/PageParts.hpp"
 #include "inspect/RunRecord.hpp"
+#include "inspect/Words.hpp"
 #include "util/Hex.hpp"
 
 namespace Inspect {

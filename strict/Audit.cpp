@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "inspect/Words.hpp"
 #include "parser/commands/CmdFillBuffer.hpp"
 #include "parser/commands/CmdNewValue.hpp"
 #include "parser/commands/CmdPrintBuffer.hpp"
-#include "strict/Arithmetic.hpp"
 
 namespace Strict {
 
@@ -15,12 +15,10 @@ namespace {
 
 using namespace Parser::WrapperLib;
 
-/// "(0x100 to 0x1ff)"
+/// "(0x00000100 to 0x000001FF)"
 std::string addresses(const Area& image) {
     if (image.length == 0) return "(no addresses)";
-    std::string text = "(";
-    text += hexadecimal(image.start) + " to " + hexadecimal(image.end() - 1) + ")";
-    return text;
+    return std::string("(").append(Inspect::rangeText(image)).append(")");
 }
 
 void checkAreas(const AreaList& areas, const std::vector<std::string>& names,

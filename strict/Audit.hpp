@@ -1,8 +1,8 @@
 #pragma once
 
 #include "parser/commands/CmdApi.hpp"
-#include "strict/Provenance.hpp"
-#include "strict/RunListener.hpp"
+#include "strict/record/Provenance.hpp"
+#include "strict/script/RunListener.hpp"
 
 namespace Strict {
 

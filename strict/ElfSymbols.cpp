@@ -8,11 +8,11 @@
 
 #include "classic/FormatFaultWords.hpp"
 #include "facts/Listener.hpp"
+#include "inspect/Words.hpp"
 #include "io/File.hpp"
 #include "io/import/Malformed.hpp"
 #include "io/import/elf/ElfFile.hpp"
-#include "strict/Arithmetic.hpp"
-#include "strict/Suggestion.hpp"
+#include "strict/diagnostics/Suggestion.hpp"
 
 namespace Strict {
 
@@ -21,8 +21,8 @@ namespace {
 using Io::Import::ElfFile;
 using Io::Import::ElfSymbol;
 
-void report(DiagnosticSink& sink, const char* kind, std::string text, std::string hint = {}) {
-    sink.take({Severity::Error, kind, std::move(text), std::nullopt, std::move(hint), {}});
+void report(DiagnosticSink& sink, Kind kind, std::string text, std::string hint = {}) {
+    sink.take({kind, std::move(text), std::nullopt, std::move(hint), {}});
 }
 
 /// Reports what is wrong with a file.
@@ -32,11 +32,11 @@ public:
 
     void hear(const Facts::Fact& fact) override {
         if (const auto* const malformed = std::get_if<Facts::FileMalformed>(&fact))
-            report(*sink_, "wrong-format",
+            report(*sink_, Kind::WrongFormat,
                    std::string(malformed->file) +
                        " is no ELF file that can be read: " + Classic::wordsFor(*malformed));
         if (const auto* const incomplete = std::get_if<Facts::FileReadIncomplete>(&fact))
-            report(*sink_, "short-read",
+            report(*sink_, Kind::ShortRead,
                    std::string(incomplete->file) + " could not be read completely");
     }
 
@@ -53,7 +53,7 @@ std::optional<std::vector<ElfSymbol>> read(const std::string& path, const Output
         return ElfFile(path).symbols();
     } catch (const Io::Import::Malformed&) {
     } catch (const Io::bad_open&) {
-        report(sink, "cannot-open", "cannot open " + path + ": " + files.reasonFor(path));
+        report(sink, Kind::CannotOpen, "cannot open " + path + ": " + files.reasonFor(path));
     }
     return std::nullopt;
 }
@@ -67,7 +67,7 @@ std::optional<std::uint64_t> addressOf(const std::vector<ElfSymbol>& symbols,
         if (symbol.name != name || address == symbol.address) continue;
         if (address) {
             std::string text = path;
-            report(sink, "unknown-name", text.append(" has several symbols ").append(name));
+            report(sink, Kind::UnknownName, text.append(" has several symbols ").append(name));
             return std::nullopt;
         }
         address = symbol.address;
@@ -77,12 +77,13 @@ std::optional<std::uint64_t> addressOf(const std::vector<ElfSymbol>& symbols,
         names.reserve(symbols.size());
         for (const ElfSymbol& symbol : symbols) names.push_back(symbol.name);
         const auto close = nearest(name, names);
-        report(sink, "unknown-name", path + " has no symbol " + name,
+        report(sink, Kind::UnknownName, path + " has no symbol " + name,
                close ? "did you mean " + *close + "?"
                      : (names.empty() ? "it has no symbols at all: was it stripped?" : ""));
     } else if (*address > std::numeric_limits<std::uint32_t>::max()) {
-        report(sink, "outside",
-               "the address of " + name + ", " + hexadecimal(*address) + ", has more than 32 bits");
+        report(sink, Kind::Outside,
+               "the address of " + name + ", " + Inspect::addressText(*address) +
+                   ", has more than 32 bits");
         return std::nullopt;
     }
     return address;
@@ -106,7 +107,8 @@ bool resolveSymbols(const std::vector<std::string>& requests, OutputSet& files,
             continue;
         }
         const auto address = addressOf(*file->second, path, request.substr(colon + 1), sink);
-        if (address) variables.try_emplace(request.substr(0, equals), hexadecimal(*address));
+        if (address)
+            variables.try_emplace(request.substr(0, equals), Inspect::addressText(*address));
         isGood = isGood && address.has_value();
     }
     return isGood;

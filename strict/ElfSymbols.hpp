@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "strict/Diagnostic.hpp"
-#include "strict/OutputSet.hpp"
+#include "strict/diagnostics/Diagnostic.hpp"
+#include "strict/files/OutputSet.hpp"
 
 namespace Strict {
 

@@ -9,17 +9,12 @@
 #include "io/import/Malformed.hpp"
 #include "platform/Files.hpp"
 #include "platform/Paths.hpp"
-#include "strict/OutputSet.hpp"
-#include "strict/RunListener.hpp"
+#include "strict/files/OutputSet.hpp"
+#include "strict/script/RunListener.hpp"
 
 namespace Strict {
 
 namespace {
-
-const char* wordFor(Severity severity) {
-    if (severity == Severity::Error) return "error";
-    return severity == Severity::Warning ? "warning" : "note";
-}
 
 /// A pipe can be read only once, but a file is opened several times: its bytes are kept as if the
 /// run had written them.
@@ -48,12 +43,7 @@ auto readWith(Read read, const std::string& path, DiagnosticSink& sink) -> declt
             return std::nullopt;
         }
         // Advice on the names of a script would mislead: this one is of the command line.
-        sink.take({Severity::Error,
-                   "cannot-open",
-                   "cannot open " + path + ": " + reason,
-                   std::nullopt,
-                   "",
-                   {}});
+        sink.take({Kind::CannotOpen, "cannot open " + path + ": " + reason});
         return std::nullopt;
     } catch (const Io::Import::Malformed&) {
         return std::nullopt;
@@ -73,25 +63,6 @@ std::optional<Inspect::Info> readInfo(const std::string& path, bool withSymbols,
             return std::optional(Inspect::infoAbout(file, withSymbols));
         },
         path, sink);
-}
-
-void RemarkList::take(const Diagnostic& diagnostic) {
-    const Severity severity = diagnostic.severity == Severity::Note
-                                  ? Severity::Note
-                                  : policy_->severityOf(diagnostic.name);
-    if (severity == Severity::Ignored) return;
-    hasErrors_ = hasErrors_ || severity == Severity::Error;
-    Inspect::Remark remark;
-    remark.severity = wordFor(severity);
-    remark.name = diagnostic.name;
-    remark.text = diagnostic.text;
-    remark.hint = diagnostic.hint;
-    if (diagnostic.place) {
-        remark.file = diagnostic.place->file;
-        remark.line = diagnostic.place->line;
-        remark.column = diagnostic.place->column;
-    }
-    remarks.push_back(std::move(remark));
 }
 
 }  // namespace Strict

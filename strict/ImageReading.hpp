@@ -2,12 +2,10 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "inspect/Image.hpp"
 #include "inspect/Info.hpp"
-#include "strict/Diagnostic.hpp"
-#include "strict/Policy.hpp"
+#include "strict/diagnostics/Diagnostic.hpp"
 
 namespace Strict {
 
@@ -20,20 +18,5 @@ std::optional<Inspect::Image> readImage(const std::string& path, DiagnosticSink&
 /// @param withSymbols  also lists the symbols of an ELF file
 std::optional<Inspect::Info> readInfo(const std::string& path, bool withSymbols,
                                       DiagnosticSink& sink);
-
-/// Collects diagnostics, as the policy judges them, for outputs that include them.
-class RemarkList final : public DiagnosticSink {
-public:
-    explicit RemarkList(const Policy& policy) : policy_(&policy) {}
-
-    void take(const Diagnostic& diagnostic) override;
-
-    bool hasErrors() const { return hasErrors_; }
-    std::vector<Inspect::Remark> remarks;
-
-private:
-    const Policy* policy_;
-    bool hasErrors_ = false;
-};
 
 }  // namespace Strict

@@ -19,20 +19,20 @@
 #include "platform/Replace.hpp"
 #include "platform/Streams.hpp"
 #include "strict/Audit.hpp"
-#include "strict/Comparison.hpp"
-#include "strict/DependencyFile.hpp"
 #include "strict/ElfSymbols.hpp"
-#include "strict/ImageReading.hpp"
-#include "strict/OutputSet.hpp"
-#include "strict/Proof.hpp"
-#include "strict/Provenance.hpp"
-#include "strict/RunListener.hpp"
-#include "strict/RunRecording.hpp"
-#include "strict/ScriptCheck.hpp"
-#include "strict/ScriptText.hpp"
-#include "strict/Suggestion.hpp"
-#include "strict/SyntaxErrors.hpp"
-#include "strict/WholeFile.hpp"
+#include "strict/diagnostics/RemarkList.hpp"
+#include "strict/diagnostics/Suggestion.hpp"
+#include "strict/files/DependencyFile.hpp"
+#include "strict/files/OutputSet.hpp"
+#include "strict/files/WholeFile.hpp"
+#include "strict/record/Comparison.hpp"
+#include "strict/record/Proof.hpp"
+#include "strict/record/Provenance.hpp"
+#include "strict/record/RunRecording.hpp"
+#include "strict/script/RunListener.hpp"
+#include "strict/script/ScriptCheck.hpp"
+#include "strict/script/ScriptText.hpp"
+#include "strict/script/SyntaxErrors.hpp"
 
 namespace Strict {
 
@@ -51,22 +51,13 @@ std::optional<std::string> read(const RunOptions& options, DiagnosticSink& sink)
     if (!contents) {
         std::error_code error = Platform::lastError();
         if (!error && !isStandardInput) error = Platform::outputTarget(options.script).error;
-        sink.take({Severity::Error,
-                   "cannot-open",
-                   "cannot open the script " + options.script + ": " +
-                       (error ? error.message() : "it has no end to wait for"),
-                   std::nullopt,
-                   "",
-                   {}});
+        sink.take({Kind::CannotOpen, "cannot open the script " + options.script + ": " +
+                                         (error ? error.message() : "it has no end to wait for")});
         return std::nullopt;
     }
     if (contents->reading != Platform::Reading::Complete) {
-        sink.take({Severity::Error,
-                   "short-read",
-                   "the script " + options.script + " could not be read completely",
-                   std::nullopt,
-                   "",
-                   {}});
+        sink.take(
+            {Kind::ShortRead, "the script " + options.script + " could not be read completely"});
         return std::nullopt;
     }
     Platform::translateText(*contents);
@@ -94,12 +85,8 @@ std::unique_ptr<ScriptText> prepare(const RunOptions& options, std::string text,
     try {
         return std::make_unique<ScriptText>(name, std::move(text), options.variables);
     } catch (const Parser::VariableError& error) {
-        sink.take({Severity::Error,
-                   "syntax",
-                   "the variable name " + error.name() + " " + wordsFor(error.fault()),
-                   std::nullopt,
-                   "",
-                   {}});
+        sink.take(
+            {Kind::Syntax, "the variable name " + error.name() + " " + wordsFor(error.fault())});
     }
     return nullptr;
 }
@@ -114,12 +101,7 @@ bool parse(const ScriptText& script, Parser::ScriptSyntax& syntax, ScriptCheck& 
         at += syntax.parse(text.substr(at));
         if (at == text.size()) return errors == 0;
         if (++errors > mostSyntaxErrors) {
-            sink.take({Severity::Error,
-                       "syntax",
-                       "there are more syntax errors than are shown",
-                       std::nullopt,
-                       "",
-                       {}});
+            sink.take({Kind::Syntax, "there are more syntax errors than are shown"});
             return false;
         }
         // Once more, now with a note of what is missing. The last statement that is finished may
@@ -167,22 +149,19 @@ bool hasLoneDollar(std::string_view value) {
 void checkVariables(const RunOptions& options, const ScriptText& script, DiagnosticSink& sink) {
     for (const auto& variable : script.map().variables()) {
         if (!variable.isUsed && options.variables.contains(variable.name))
-            sink.take({Severity::Error,
-                       "unused-variable",
+            sink.take({Kind::UnusedVariable,
                        "the variable " + variable.name + " does not occur in the script",
                        std::nullopt,
                        likeWord(script, variable.name),
                        {}});
         if (variable.inWord)
-            sink.take({Severity::Error,
-                       "variable-in-word",
+            sink.take({Kind::VariableInWord,
                        "the variable " + variable.name + " is replaced within a longer word",
                        script.placeInFile(*variable.inWord, variable.name.size()),
                        "",
                        {}});
         if (hasLoneDollar(variable.value))
-            sink.take({Severity::Error,
-                       "variable-dollar",
+            sink.take({Kind::VariableDollar,
                        "the value of the variable " + variable.name +
                            " holds a $, which has a meaning of its own in a replacement",
                        std::nullopt,
@@ -248,12 +227,8 @@ void noteOutputsInPlace(const OutputSet& files, DiagnosticSink& sink) {
     if (files.inPlace().empty()) return;
     std::string names;
     for (const std::string& path : files.inPlace()) names += (names.empty() ? "" : ", ") + path;
-    sink.take({Severity::Note,
-               "",
-               "these outputs are in place already, since a program was called: " + names,
-               std::nullopt,
-               "",
-               {}});
+    sink.take(
+        {std::nullopt, "these outputs are in place already, since a program was called: " + names});
 }
 
 /// The final images: a picture if the path is that of one, or text.
@@ -313,18 +288,15 @@ ExitCode run(const RunOptions& requested, Printer& printer, std::ostream& output
     Execution execution(options, *script, check, printer, output, files);
     execution.run(syntax, check.statements());
     if (!execution.isPrinted())
-        printer.take({Severity::Error,
-                      "short-write",
-                      "standard output could not be written completely",
-                      std::nullopt,
-                      "",
-                      {}});
+        printer.take({Kind::ShortWrite, "standard output could not be written completely"});
     if (printer.errors() != 0) {
         noteOutputsInPlace(files, printer);
         return ExitCode::Failed;
     }
     if (needsRecord(options)) {
-        const Ran ran{&options,
+        const bool isFile = options.script != "-" && !options.text;
+        const Ran ran{isFile ? options.script : "",
+                      &options.variables,
                       script.get(),
                       &syntax.state().statement.commands(),
                       &check.statements(),
@@ -336,7 +308,7 @@ ExitCode run(const RunOptions& requested, Printer& printer, std::ostream& output
         if (!useRecord(options, record, files, printer)) return ExitCode::Failed;
     }
     if (!options.dependencyFile.empty() && !options.isCheck)
-        writeDependencyFile(options, files, printer);
+        writeDependencyFile(options.dependencyFile, options.script, files, printer);
     commit(files, printer);
     return printer.errors() == 0 ? ExitCode::Good : ExitCode::Failed;
 }

@@ -1,29 +1,11 @@
 #pragma once
 
 #include <iosfwd>
-#include <map>
-#include <optional>
-#include <string>
-#include <vector>
 
-#include "strict/Printer.hpp"
+#include "strict/RunOptions.hpp"
+#include "strict/diagnostics/Printer.hpp"
 
 namespace Strict {
-
-/// What a run is to do.
-struct RunOptions {
-    std::string script;               ///< a path; "-" is standard input
-    std::optional<std::string> text;  ///< of the script, if it is in no file
-    std::map<std::string, std::string> variables;
-    std::vector<std::string> symbols;  ///< variables of ELF symbols, "NAME=file:symbol"
-    bool isCheck = false;              ///< runs in memory, writes nothing and starts no program
-    bool comparesDisk = false;   ///< with `isCheck`: compares the outputs with the files on disk
-    bool keepsGoing = false;     ///< goes on after a statement that failed
-    std::string dependencyFile;  ///< empty for none
-    std::string manifest;        ///< a file to write, or with `isCheck` to compare with
-    std::string map;             ///< of the images, to write: a picture if it ends in .svg, or text
-    std::string report;          ///< a page to write; empty for none
-};
 
 /// Exit codes of the program.
 enum class ExitCode : int {

@@ -2,10 +2,10 @@
 
 #include <iostream>
 
-#include "strict/Policy.hpp"
+#include "strict/diagnostics/Kinds.hpp"
 
 int main() {
-    for (const Strict::Kind& kind : Strict::kinds()) {
+    for (const Strict::KindRow& kind : Strict::kinds()) {
         const bool isError = kind.severity == Strict::Severity::Error;
         std::cout << kind.name << " " << (kind.isFixed ? "always " : "")
                   << (isError ? "an error" : "a warning") << "\n";

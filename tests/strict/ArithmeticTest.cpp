@@ -1,4 +1,4 @@
-#include "strict/Arithmetic.hpp"
+#include "strict/script/Arithmetic.hpp"
 
 #include <gtest/gtest.h>
 
@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "parser/grammar/ScriptSyntax.hpp"
+#include "util/Hex.hpp"
 
 namespace {
 
@@ -50,7 +51,8 @@ private:
     std::string operand(unsigned depth) {
         if (depth > 0 && below(4) == 0)
             return std::string("(").append(expression(depth - 1)).append(")");
-        return below(2) == 0 ? std::to_string(below(1000)) : Strict::hexadecimal(1 + below(70000));
+        return below(2) == 0 ? std::to_string(below(1000))
+                             : "0x" + Util::hexNumber(1 + below(70000), 1);
     }
     std::mt19937 random_{5};
 };

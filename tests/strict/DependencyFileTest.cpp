@@ -1,4 +1,4 @@
-#include "strict/DependencyFile.hpp"
+#include "strict/files/DependencyFile.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "strict/OriginMap.hpp"
+#include "strict/record/OriginMap.hpp"
 
 #include <gtest/gtest.h>
 

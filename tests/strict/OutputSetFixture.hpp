@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "strict/OutputSet.hpp"
+#include "strict/files/OutputSet.hpp"
 
 namespace Tests {
 

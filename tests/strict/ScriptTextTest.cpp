@@ -1,4 +1,4 @@
-#include "strict/ScriptText.hpp"
+#include "strict/script/ScriptText.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "strict/Suggestion.hpp"
+#include "strict/diagnostics/Suggestion.hpp"
 
 #include <gtest/gtest.h>
 

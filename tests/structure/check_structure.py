@@ -160,7 +160,10 @@ def faults_of_page(tree):
         if not purpose(target.folder).endswith("."):
             yield "%s/CMakeLists.txt does not begin with a sentence" % target.folder
     begin, end = MARKS
-    if begin + table(tree) + end not in PAGE.read_text():
+    page = PAGE.read_text()
+    yield from ("%s has %s %d times" % (PAGE.name, mark.strip(), page.count(mark))
+                for mark in MARKS if page.count(mark) != 1)
+    if begin + table(tree) + end not in page:
         yield "%s does not show the table that --table prints" % PAGE.name
 
 

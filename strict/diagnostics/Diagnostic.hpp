@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "strict/diagnostics/Kinds.hpp"
+
+namespace Strict {
+
+/// A place in a file as its author wrote it.
+struct Place {
+    std::string file;
+    std::size_t line = 0;         ///< counted from 1; 0 for the file as a whole
+    std::size_t column = 0;       ///< in characters, counted from 1; 0 for the whole line
+    std::string excerpt;          ///< the line, or the part of a long one around the column
+    std::size_t caret = 0;        ///< characters of the excerpt before the column
+    std::size_t caretLength = 0;  ///< characters that the place covers, of the excerpt's
+};
+
+/// What a diagnostic adds to its text.
+struct Note {
+    std::string text;
+    std::optional<Place> place = {};
+};
+
+/// One thing that is wrong, or may be.
+struct Diagnostic {
+    std::optional<Kind> kind;  ///< none for a note, which adds to the diagnostics before it
+    std::string text;
+    std::optional<Place> place = {};
+    std::string hint = {};  ///< what to do, shown beside the caret; may be empty
+    std::vector<Note> notes = {};
+};
+
+/// Takes diagnostics in the order in which they come up.
+class DiagnosticSink {
+public:
+    DiagnosticSink() = default;
+    virtual ~DiagnosticSink() = default;
+    DiagnosticSink(const DiagnosticSink&) = delete;
+    DiagnosticSink& operator=(const DiagnosticSink&) = delete;
+
+    virtual void take(const Diagnostic& diagnostic) = 0;
+};
+
+}  // namespace Strict

@@ -1,0 +1,132 @@
+#include "strict/diagnostics/Printer.hpp"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace Strict {
+
+namespace {
+
+constexpr const char* bold = "\033[1m";
+constexpr const char* red = "\033[1;31m";
+constexpr const char* magenta = "\033[1;35m";
+constexpr const char* cyan = "\033[1;36m";
+constexpr const char* green = "\033[1;32m";
+constexpr const char* plain = "\033[0m";
+
+const char* colorOf(Severity severity) {
+    if (severity == Severity::Error) return red;
+    return severity == Severity::Warning ? magenta : cyan;
+}
+
+/// "file:line:column: ", as far as the place goes.
+std::string prefix(const Place& place) {
+    std::string text = place.file + ":";
+    if (place.line != 0) text += std::to_string(place.line) + ":";
+    if (place.column != 0) text += std::to_string(place.column) + ":";
+    return text + " ";
+}
+
+/// The text with a blank for each control character: a terminal obeys some of them, and others
+/// take no column.
+std::string shown(std::string text) {
+    const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; };
+    std::ranges::replace_if(text, isControl, ' ');
+    return text;
+}
+
+/// A place as an object of JSON. Bytes that are no UTF-8 are replaced when it is printed.
+nlohmann::ordered_json toJson(const Place& place) {
+    nlohmann::ordered_json json{{"file", place.file}};
+    if (place.line != 0) json["line"] = place.line;
+    if (place.column != 0) {
+        json["column"] = place.column;
+        json["length"] = place.caretLength;
+    }
+    if (!place.excerpt.empty()) json["source"] = place.excerpt;
+    return json;
+}
+
+}  // namespace
+
+void Printer::take(const Diagnostic& diagnostic) {
+    if (other_ != nullptr) other_->take(diagnostic);
+    const Severity severity = policy_->severityOf(diagnostic);
+    errors_ += severity == Severity::Error ? 1U : 0U;
+    if (severity == Severity::Ignored) return;
+    if (severity == Severity::Warning && isQuiet_) return;
+    const bool isJson = format_ == DiagnosticFormat::Json;
+    // In one piece, since standard error has no buffer of its own.
+    *out_ << (isJson ? jsonOf(diagnostic, severity) : textOf(diagnostic, severity)) << std::flush;
+}
+
+std::string Printer::textOf(const Place& place, const std::string& hint) const {
+    if (place.line == 0 || (place.excerpt.empty() && hint.empty()))
+        return hint.empty() ? "" : "    " + shown(hint) + "\n";
+    constexpr std::size_t narrowest = 4;
+    const std::string number = std::to_string(place.line);
+    const std::size_t width = std::max(number.size(), narrowest) + 1;
+    std::string text(width - number.size(), ' ');
+    text += number;
+    text += " | ";
+    text += shown(place.excerpt);
+    text += '\n';
+    if (place.column == 0 && hint.empty()) return text;
+    text.append(width, ' ');
+    if (place.column == 0) {
+        text += "   ";
+    } else {
+        text += " | ";
+        text.append(place.caret, ' ');
+        text += color(green);
+        text += '^';
+        text.append(place.caretLength - 1, '~');
+        if (!hint.empty()) text += ' ';
+    }
+    text += shown(hint);
+    text += place.column == 0 ? "" : color(plain);
+    text += '\n';
+    return text;
+}
+
+std::string Printer::textOf(const Diagnostic& diagnostic, Severity severity) const {
+    std::string text = color(bold);
+    text += diagnostic.place ? prefix(*diagnostic.place) : "tessaron: ";
+    text += color(colorOf(severity));
+    text += wordFor(severity);
+    text += ": ";
+    text += color(plain);
+    text += color(bold) + shown(diagnostic.text) + color(plain);
+    if (diagnostic.kind) text.append(" [").append(nameOf(*diagnostic.kind)).append("]");
+    text += '\n';
+    if (diagnostic.place)
+        text += textOf(*diagnostic.place, diagnostic.hint);
+    else if (!diagnostic.hint.empty())
+        text += "    " + shown(diagnostic.hint) + "\n";
+    for (const Note& note : diagnostic.notes) {
+        text += color(bold);
+        text += note.place ? prefix(*note.place) : "    ";
+        text += color(cyan);
+        text += "note: ";
+        text += color(plain) + shown(note.text) + "\n";
+        if (note.place) text += textOf(*note.place, {});
+    }
+    return text;
+}
+
+std::string Printer::jsonOf(const Diagnostic& diagnostic, Severity severity) {
+    nlohmann::ordered_json json{{"severity", wordFor(severity)}};
+    if (diagnostic.kind) json["name"] = nameOf(*diagnostic.kind);
+    json["text"] = diagnostic.text;
+    if (diagnostic.place) json.update(toJson(*diagnostic.place));
+    if (!diagnostic.hint.empty()) json["hint"] = diagnostic.hint;
+    for (const Note& note : diagnostic.notes) {
+        nlohmann::ordered_json entry{{"text", note.text}};
+        if (note.place) entry.update(toJson(*note.place));
+        json["notes"].push_back(entry);
+    }
+    return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace Strict

@@ -1,0 +1,97 @@
+#include "strict/record/OriginMap.hpp"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace Strict {
+
+using Buffer::Area;
+using Buffer::AreaList;
+
+/// The first range that ends beyond the start of `area`.
+OriginMap::Ranges::const_iterator OriginMap::firstIn(const Area& area) const {
+    auto next = ranges_.upper_bound(area.start);
+    if (next != ranges_.begin() && std::prev(next)->second.area.end() > area.start) --next;
+    return next;
+}
+
+void OriginMap::set(const Range& range) {
+    if (range.area.length == 0) return;
+    erase(range.area);
+    const auto entry = ranges_.emplace(range.area.start, range).first;
+    if (entry == ranges_.begin()) return;
+    Range& before = std::prev(entry)->second;
+    const bool isContinued = before.area.end() == range.area.start &&
+                             before.source == range.source && before.moved == range.moved;
+    if (!isContinued) return;
+    before.area.length += range.area.length;
+    ranges_.erase(entry);
+}
+
+void OriginMap::erase(const Area& area) {
+    if (area.length == 0) return;
+    auto at = ranges_.erase(firstIn(area), firstIn(area));  // not const any more
+    while (at != ranges_.end() && at->second.area.start < area.end()) {
+        const Range old = at->second;
+        at = ranges_.erase(at);
+        if (old.area.start < area.start) {
+            Range head = old;
+            head.area.length = area.start - old.area.start;
+            ranges_.emplace(head.area.start, head);
+        }
+        if (old.area.end() > area.end()) {
+            Range tail = old;
+            tail.area = {area.end(), old.area.end() - area.end()};
+            at = ranges_.emplace(tail.area.start, tail).first;
+        }
+    }
+}
+
+void OriginMap::lay(const OriginMap& other, const Area& area) {
+    for (auto at = other.firstIn(area);
+         at != other.ranges_.end() && at->second.area.start < area.end(); ++at) {
+        Range part = at->second;
+        const std::uint64_t start = std::max(part.area.start, area.start);
+        part.area = {start, std::min(part.area.end(), area.end()) - start};
+        set(part);
+    }
+}
+
+void OriginMap::move(std::uint64_t distance) {
+    if (distance == 0) return;
+    Ranges moved;
+    for (auto& [start, range] : ranges_) {
+        range.area.start += distance;
+        range.moved += distance;
+        moved.emplace(range.area.start, range);
+    }
+    ranges_ = std::move(moved);
+}
+
+const OriginMap::Range* OriginMap::find(std::uint64_t address) const {
+    const auto at = firstIn({address, 1});
+    return at == ranges_.end() || at->second.area.start > address ? nullptr : &at->second;
+}
+
+std::uint64_t OriginMap::size() const {
+    std::uint64_t count = 0;
+    for (const auto& [start, range] : ranges_) count += range.area.length;
+    return count;
+}
+
+AreaList uncovered(const Area& area, const OriginMap& one, const OriginMap& other) {
+    OriginMap both;
+    both.lay(one, area);
+    both.lay(other, area);
+    AreaList gaps;
+    std::uint64_t at = area.start;
+    for (const auto& [start, range] : both.ranges()) {
+        if (start != at) gaps.push_back({at, start - at});
+        at = range.area.end();
+    }
+    if (at != area.end()) gaps.push_back({at, area.end() - at});
+    return gaps;
+}
+
+}  // namespace Strict

@@ -1,0 +1,282 @@
+#include "strict/record/Provenance.hpp"
+
+#include <algorithm>
+#include <exception>
+#include <memory>
+#include <span>
+#include <utility>
+
+#include "buffer/Overlap.hpp"
+#include "facts/Listener.hpp"
+#include "inspect/Image.hpp"
+#include "inspect/Words.hpp"
+#include "parser/commands/CmdFillBuffer.hpp"
+#include "util/Hex.hpp"
+
+namespace Strict {
+
+namespace {
+
+using namespace Parser::WrapperLib;
+using Buffer::MemoryBuffer;
+using Buffer::Overlap;
+using Buffer::OverlapRule;
+using Io::Import::TessaronImportApi;
+
+/// Ranges that are reported one by one; of the others only the number is.
+constexpr std::size_t mostReported = 20;
+
+const std::vector<std::string_view> inputFile{"SetFileAsSource -> ", "SetRawFileAsSource -> ",
+                                              "SetElfFileAsSource -> ", "SetUf2FileAsSource -> ",
+                                              "SetTiTxtFileAsSource -> "};
+
+std::string range(const Area& area) {
+    return (area.length == 1 ? "at " : "from ") + Inspect::rangeText(area);
+}
+
+/// "from 0x00000010 to 0x0000001F, at 0x00000030 and in 2 more ranges"
+std::string list(const AreaList& areas) {
+    constexpr std::size_t mostListed = 3;
+    std::string text;
+    for (std::size_t i = 0; i < std::min(areas.size(), mostListed); ++i)
+        text += (text.empty() ? "" : ", ") + range(areas[i]);
+    if (areas.size() > mostListed)
+        text += " and in " + Inspect::countText(areas.size() - mostListed, "more range");
+    return text;
+}
+
+/// The first addresses at which the bytes differ, with both of them.
+std::string firstDifferences(const MemoryBuffer& earlier, const MemoryBuffer& later,
+                             const Overlap& overlap) {
+    constexpr std::size_t mostShown = 3;
+    const std::uint64_t length = overlap.area.end() - overlap.firstDifference;
+    const Buffer::ElementView one = earlier.viewRange(overlap.firstDifference, length);
+    const Buffer::ElementView other = later.viewRange(overlap.firstDifference, length);
+    std::string text;
+    std::size_t shown = 0;
+    for (std::size_t i = 0; i < one.size() && shown < mostShown; ++i) {
+        if (one.values()[i] == other.values()[i]) continue;
+        text += (shown++ == 0 ? "" : ", ") + Inspect::addressText(overlap.firstDifference + i) +
+                " has " + Util::hexByte(one.values()[i]) + " and then " +
+                Util::hexByte(other.values()[i]);
+    }
+    return text;
+}
+
+}  // namespace
+
+void Provenance::enter(const CmdApi& statement) {
+    making_ = dynamic_cast<const CmdNewBuffer*>(&statement);
+    const auto* const fill = dynamic_cast<const CmdFillBuffer*>(&statement);
+    filling_ = fill == nullptr ? "" : fill->bufferName();
+    statement_.reset();
+    current_ = {};
+}
+
+/// The number of the source that the statement itself is.
+std::size_t Provenance::thisStatement() {
+    if (!statement_) {
+        statement_ = sources_.size();
+        sources_.push_back({"", 0, 0, listener_->statementPlace()});
+    }
+    return *statement_;
+}
+
+OriginMap Provenance::originsIn(const TessaronImportApi& reader) {
+    std::vector<Io::Import::SourceRun> runs = reader.getSourceRuns();
+    if (runs.empty())
+        for (const Area& area : reader.getDataAreas()) runs.push_back({area, 0, 0});
+    // Of several sources the one that is set last counts.
+    if (making_->overlapRule() == OverlapRule::First) std::ranges::reverse(runs);
+    OriginMap all;
+    for (const auto& run : runs) {
+        all.set(run.area, sources_.size());
+        sources_.push_back(
+            {making_->fileName(), run.firstLine, run.lastLine, listener_->statementPlace()});
+    }
+    return all;
+}
+
+void Provenance::onRead(const TessaronImportApi& reader, const Area& range) {
+    const OriginMap all = originsIn(reader);
+    AreaList areas;
+    for (const auto& [start, entry] : all.ranges()) areas.push_back(entry.area);
+    inputs_.push_back({making_->fileName(), making_->isRawFile(), std::move(areas),
+                       listener_->statementPlace().line});
+    if (making_->areas().empty()) current_.written.lay(all, range);
+    for (const Area& area : making_->areas())
+        if (const auto part = area.clippedTo(range)) current_.written.lay(all, *part);
+    if (reader.hasStartAddress()) current_.startAddress = reader.getStartAddress();
+    const std::string& file = making_->fileName();
+    if (all.empty()) {
+        listener_->report(Kind::EmptyImage, file + " has no data", inputFile);
+    } else if (current_.written.empty()) {
+        const auto& first = all.ranges().begin()->second.area;
+        const auto& last = all.ranges().rbegin()->second.area;
+        listener_->report(Kind::EmptyImage,
+                          "nothing of the " + Inspect::countText(all.size(), "byte") + " of " +
+                              file + ", which are " +
+                              Strict::range({first.start, last.end() - first.start}) +
+                              ", lies where the image is",
+                          inputFile);
+    } else {
+        reportCropped(all, current_.written);
+    }
+}
+
+void Provenance::reportCropped(const OriginMap& all, const OriginMap& kept) {
+    AreaList cropped;
+    for (const auto& [start, entry] : all.ranges())
+        for (const Area& area : uncovered(entry.area, kept, {})) {
+            if (!cropped.empty() && cropped.back().end() == area.start)
+                cropped.back().length += area.length;
+            else
+                cropped.push_back(area);
+        }
+    if (cropped.empty()) return;
+    listener_->report(Kind::Cropped,
+                      Inspect::countText(Inspect::byteCount(cropped), "byte") + " of " +
+                          making_->fileName() + " are left out: " + list(cropped),
+                      inputFile);
+}
+
+void Provenance::onOverlay(const MemoryBuffer& image, const std::string& name,
+                           const MemoryBuffer& part) {
+    const Image& source = images_[name];
+    const bool isFirst = making_->overlapRule() == OverlapRule::First;
+    if (making_->overlapRule() == OverlapRule::NotSet) {
+        reportOverlaps(image, name, part);
+        reportWiped(image, name, part);
+    }
+    const auto common = part.getArea().clippedTo(image.getArea());
+    if (!common || part.getDataLength() == 0 || image.getDataLength() == 0) return;
+    if (making_->overlapRule() == OverlapRule::NotSet) {
+        current_.written.erase(*common);
+        current_.fillers.erase(*common);
+    }
+    OriginMap written;
+    written.lay(source.written, *common);
+    if (isFirst) written.lay(current_.written, *common);
+    current_.written.lay(written, *common);
+    OriginMap fillers;
+    fillers.lay(source.fillers, *common);
+    fillers.lay(current_.fillers, *common);
+    current_.fillers.lay(fillers, *common);
+}
+
+/// The line of an input file that gave the byte which is at `address` in the file; 0 if that is
+/// not known.
+std::uint64_t Provenance::lineOf(const Source& source, std::uint64_t address) const {
+    if (source.firstLine == source.lastLine) return source.firstLine;
+    Facts::Unheard unheard;
+    const Facts::ListenerScope listening(unheard);
+    try {
+        const auto reader = reading_->open(source.file, OverlapRule::Last);
+        return reader ? reader->findLine(address) : 0;
+    } catch (const std::exception&) {
+        return 0;
+    }
+}
+
+Note Provenance::originNote(const char* what, const OriginMap& origins,
+                            std::uint64_t address) const {
+    const OriginMap::Range* const found = origins.find(address);
+    if (found == nullptr) return {what, std::nullopt};
+    const Source& source = sources_[found->source];
+    if (source.file.empty()) return {what, source.statement};
+    const std::uint64_t line = lineOf(source, address - found->moved);
+    Note note{what, Place{source.file, static_cast<std::size_t>(line), 0, "", 0, 0}};
+    if (line == 0) note.text += " " + source.file;
+    return note;
+}
+
+void Provenance::reportOverlaps(const MemoryBuffer& image, const std::string& name,
+                                const MemoryBuffer& part) const {
+    const auto source = images_.find(name);
+    const std::vector<Overlap> found = Buffer::overlaps(image, part);
+    for (std::size_t i = 0; i < std::min(found.size(), mostReported); ++i) {
+        const Overlap& overlap = found[i];
+        const bool isConflict = overlap.differences != 0;
+        const std::uint64_t address = isConflict ? overlap.firstDifference : overlap.area.start;
+        const std::string where =
+            Inspect::countText(overlap.area.length, "byte") + " " + range(overlap.area);
+        std::vector<Note> notes{
+            originNote("the earlier byte comes from", current_.written, address),
+            originNote("the later byte comes from", source->second.written, address)};
+        std::string text = name;
+        if (isConflict)
+            text.append(" replaces ")
+                .append(where)
+                .append(" of the images before it, ")
+                .append(std::to_string(overlap.differences))
+                .append(" of them by other bytes: ")
+                .append(firstDifferences(image, part, overlap));
+        else
+            text.append(" has the same ").append(where).append(" as the images before it");
+        listener_->reportName(isConflict ? Kind::Conflict : Kind::Overlap, name, std::move(text),
+                              "-onOverlap= says which byte counts", std::move(notes));
+    }
+    if (found.size() > mostReported)
+        listener_->reportName(
+            std::ranges::any_of(found, [](const Overlap& o) { return o.differences != 0; })
+                ? Kind::Conflict
+                : Kind::Overlap,
+            name,
+            name + " overlaps in " + Inspect::countText(found.size() - mostReported, "more range"),
+            "", {});
+}
+
+void Provenance::reportWiped(const MemoryBuffer& image, const std::string& name,
+                             const MemoryBuffer& part) const {
+    const AreaList wiped = Buffer::wipedAreas(image, part);
+    if (wiped.empty()) return;
+    listener_->reportName(
+        Kind::Wiped, name,
+        "addresses that " + name + " did not write replace " +
+            Inspect::countText(Inspect::byteCount(wiped), "byte") +
+            " of the images before it: " + list(wiped),
+        "-onOverlap=Last lets only written addresses take part",
+        {originNote("the first of them comes from", current_.written, wiped.front().start)});
+}
+
+void Provenance::onWrite(const MemoryBuffer& /*image*/, const Area& area) {
+    OriginMap& written = making_ != nullptr ? current_.written : images_[filling_].written;
+    written.set(area, thisStatement());
+}
+
+void Provenance::onFill(const MemoryBuffer& /*image*/, const Area& area) {
+    images_[filling_].fillers.set(area, thisStatement());
+}
+
+void Provenance::onMade(const std::string& name, const MemoryBuffer& /*image*/,
+                        std::uint64_t distance) {
+    current_.written.move(distance);
+    current_.fillers.move(distance);
+    images_.insert_or_assign(name, std::move(current_));
+    current_ = {};
+}
+
+void Provenance::checkCovered(const CmdNewValue& statement, const CmdContext& context) const {
+    for (const std::string& name : statement.fromBuffers()) {
+        const auto image = context.buffers.find(name);
+        const auto origins = images_.find(name);
+        if (image == context.buffers.end() || origins == images_.end()) continue;
+        AreaList areas = statement.areas();
+        if (areas.empty()) areas.push_back(image->second.getArea());
+        AreaList gaps;
+        for (const Area& area : areas) {
+            if (!image->second.getArea().contains(area)) continue;
+            const AreaList found =
+                uncovered(area, origins->second.written, origins->second.fillers);
+            gaps.insert(gaps.end(), found.begin(), found.end());
+        }
+        if (gaps.empty()) continue;
+        listener_->reportName(
+            Kind::Unwritten, name,
+            "nothing gave a byte to " + Inspect::grouped(Inspect::byteCount(gaps)) +
+                " of the addresses that are covered: " + list(gaps),
+            "lay a filler under them: FILL_BUFFER " + name + " WITH_FILLER { 0xFF }", {});
+    }
+}
+
+}  // namespace Strict

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "inspect/RunRecord.hpp"
+#include "parser/commands/CmdApi.hpp"
+#include "strict/files/OutputSet.hpp"
+#include "strict/record/Provenance.hpp"
+#include "strict/script/ScriptCheck.hpp"
+#include "strict/script/ScriptText.hpp"
+
+namespace Strict {
+
+/// A run that has ended well, borrowed.
+struct Ran {
+    std::string scriptPath;                               ///< empty for a script that is in no file
+    const std::map<std::string, std::string>* variables;  ///< of the command line
+    const ScriptText* script;
+    const std::deque<std::unique_ptr<Parser::WrapperLib::CmdApi>>* statements;
+    const std::vector<ScriptCheck::Range>* ranges;  ///< of the statements, in the prepared text
+    const Parser::WrapperLib::CmdContext* context;
+    const Provenance* provenance;
+    OutputSet* files;  ///< which keeps digests
+};
+
+/// What went into the run and what came out of it. The remarks are left to the caller, and the
+/// images are those of the run.
+///
+/// @param withLines  whether to find out which line of an input file gave which address, which
+///                   reads the file once more
+Inspect::RunRecord recordOf(const Ran& ran, bool withLines);
+
+}  // namespace Strict

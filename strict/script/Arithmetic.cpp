@@ -1,0 +1,131 @@
+#include "strict/script/Arithmetic.hpp"
+
+#include <charconv>
+#include <cstddef>
+#include <vector>
+
+namespace Strict {
+
+namespace {
+
+/// A number, an operator or a parenthesis.
+struct Token {
+    char kind;  ///< '0' for a number
+    std::uint32_t value = 0;
+};
+
+std::vector<Token> tokensOf(std::string_view text) {
+    std::vector<Token> tokens;
+    while (!text.empty()) {
+        const char first = text.front();
+        const bool isDigit = (first >= '0' && first <= '9') || first == 'x' || first == 'X';
+        if (!isDigit) {
+            if (std::string_view("+-*/%()").find(first) != std::string_view::npos)
+                tokens.push_back({first});
+            text.remove_prefix(1);
+            continue;
+        }
+        const std::size_t mark = text.find_first_not_of('0');
+        const bool isHex =
+            mark != std::string_view::npos && (text[mark] == 'x' || text[mark] == 'X');
+        if (isHex) text.remove_prefix(mark + 1);
+        Token token{'0'};
+        const auto end =
+            std::from_chars(text.data(), text.data() + text.size(), token.value, isHex ? 16 : 10);
+        const auto length = static_cast<std::size_t>(end.ptr - text.data());
+        text.remove_prefix(length == 0 ? 1 : length);
+        tokens.push_back(token);
+    }
+    return tokens;
+}
+
+std::uint32_t applied(char sign, std::uint32_t left, std::uint32_t right) {
+    switch (sign) {
+        case '+':
+            return left + right;
+        case '-':
+            return left - right;
+        case '*':
+            return left * right;
+        case '/':
+            return right == 0 ? left : left / right;
+        default:
+            return right == 0 ? left : left % right;
+    }
+}
+
+bool isProduct(char sign) {
+    return sign == '*' || sign == '/' || sign == '%';
+}
+
+/// Evaluates a token list. The grammar bounds the depth of parentheses.
+class Evaluation {
+public:
+    Evaluation(const std::vector<Token>& tokens, bool isUsual)
+        : tokens_(&tokens), isUsual_(isUsual) {}
+
+    std::uint32_t value() { return isUsual_ ? sum() : chain(); }
+
+private:
+    char kind() const { return at_ < tokens_->size() ? (*tokens_)[at_].kind : '\0'; }
+
+    std::uint32_t operand() {
+        if (kind() == '(') {
+            ++at_;
+            const std::uint32_t inner = value();
+            if (kind() == ')') ++at_;
+            return inner;
+        }
+        return at_ < tokens_->size() ? (*tokens_)[at_++].value : 0;
+    }
+
+    std::uint32_t product() {
+        std::uint32_t left = operand();
+        while (isProduct(kind())) {
+            const char sign = (*tokens_)[at_++].kind;
+            left = applied(sign, left, operand());
+        }
+        return left;
+    }
+
+    std::uint32_t sum() {
+        std::uint32_t left = product();
+        while (kind() == '+' || kind() == '-') {
+            const char sign = (*tokens_)[at_++].kind;
+            left = applied(sign, left, product());
+        }
+        return left;
+    }
+
+    /// Each operator takes the rest.
+    std::uint32_t chain() {
+        std::vector<std::uint32_t> operands{operand()};
+        std::vector<char> signs;
+        while (kind() == '+' || kind() == '-' || isProduct(kind())) {
+            signs.push_back((*tokens_)[at_++].kind);
+            operands.push_back(operand());
+        }
+        std::uint32_t right = operands.back();
+        for (std::size_t i = signs.size(); i-- > 0;) right = applied(signs[i], operands[i], right);
+        return right;
+    }
+
+    const std::vector<Token>* tokens_;
+    bool isUsual_;
+    std::size_t at_ = 0;
+};
+
+}  // namespace
+
+Arithmetic::Arithmetic(std::string_view text) {
+    const std::vector<Token> tokens = tokensOf(text);
+    for (std::size_t i = 1; i < tokens.size(); ++i) {
+        const char before = tokens[i - 1].kind;
+        const char now = tokens[i].kind;
+        hasPair_ = hasPair_ || ((before == '0' || before == ')') && (now == '0' || now == '('));
+    }
+    language_ = Evaluation(tokens, false).value();
+    usual_ = Evaluation(tokens, true).value();
+}
+
+}  // namespace Strict

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace Strict {
+
+/// An expression that the language accepts, evaluated in its own order and in the usual one.
+class Arithmetic {
+public:
+    explicit Arithmetic(std::string_view text);
+
+    /// The value that the language gives it: each operator takes everything to its right.
+    std::uint32_t language() const { return language_; }
+
+    /// The value by the usual precedence, operators of one rank from left to right.
+    std::uint32_t usual() const { return usual_; }
+
+    /// Two numbers are side by side.
+    bool hasPair() const { return hasPair_; }
+
+private:
+    std::uint32_t language_ = 0;
+    std::uint32_t usual_ = 0;
+    bool hasPair_ = false;
+};
+
+}  // namespace Strict
