@@ -125,6 +125,7 @@ std::optional<OutputFile> openDevice(const OutputTarget& target) {
 }
 
 std::string placeOf(const OutputTarget& target) {
+    if (target.descriptor >= 0) return "/dev/fd/" + std::to_string(target.descriptor);
     const std::size_t slash = target.path.rfind('/');
     if (slash == std::string::npos) return realPath(".") + "/" + target.path;
     return realPath(target.path.substr(0, slash + 1)) + target.path.substr(slash);

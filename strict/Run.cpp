@@ -1,8 +1,9 @@
 #include "strict/Run.hpp"
 
 #include <algorithm>
-#include <exception>
+#include <deque>
 #include <memory>
+#include <new>
 #include <optional>
 #include <ostream>
 #include <set>
@@ -11,8 +12,11 @@
 #include <vector>
 
 #include "classic/ClassicWords.hpp"
+#include "inspect/Digest.hpp"
 #include "io/field/FieldReading.hpp"
 #include "parser/ScriptParser.hpp"
+#include "parser/commands/CmdNewBuffer.hpp"
+#include "parser/commands/CmdWriteFile.hpp"
 #include "parser/grammar/ScriptSyntax.hpp"
 #include "parser/text/VariableExpansion.hpp"
 #include "platform/Files.hpp"
@@ -23,7 +27,7 @@
 #include "strict/diagnostics/RemarkList.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
 #include "strict/files/DependencyFile.hpp"
-#include "strict/files/OutputSet.hpp"
+#include "strict/files/RunFiles.hpp"
 #include "strict/files/WholeFile.hpp"
 #include "strict/record/Comparison.hpp"
 #include "strict/record/Proof.hpp"
@@ -41,9 +45,20 @@ namespace {
 /// Syntax errors that are reported in one run.
 constexpr std::size_t mostSyntaxErrors = 20;
 
+/// A script as it was read.
+struct ScriptBytes {
+    std::string text;    ///< with line feeds alone
+    std::string sha256;  ///< of its file
+};
+
 /// The script's own text, or nothing after a diagnostic.
-std::optional<std::string> read(const RunOptions& options, DiagnosticSink& sink) {
-    if (options.text) return options.text;
+///
+/// @param withDigest  whether the digest is wanted
+std::optional<ScriptBytes> read(const RunOptions& options, bool withDigest, DiagnosticSink& sink) {
+    const auto digestOf = [withDigest](std::string_view text) {
+        return withDigest ? Inspect::sha256Of(text) : std::string();
+    };
+    if (options.text) return ScriptBytes{*options.text, digestOf(*options.text)};
     const bool isStandardInput = options.script == "-";
     Platform::clearLastError();
     auto contents =
@@ -60,8 +75,11 @@ std::optional<std::string> read(const RunOptions& options, DiagnosticSink& sink)
             {Kind::ShortRead, "the script " + options.script + " could not be read completely"});
         return std::nullopt;
     }
+    ScriptBytes script;
+    script.sha256 = digestOf(contents->text());
     Platform::translateText(*contents);
-    return std::string(contents->text());
+    script.text = contents->text();
+    return script;
 }
 
 std::string wordsFor(Facts::VariableFault fault) {
@@ -170,11 +188,13 @@ void checkVariables(const RunOptions& options, const ScriptText& script, Diagnos
     }
 }
 
+using Commands = std::deque<std::unique_ptr<Parser::WrapperLib::CmdApi>>;
+
 /// Runs the statements. False if one of them failed, or was reported as an error.
 class Execution {
 public:
     Execution(const RunOptions& options, const ScriptText& script, const ScriptCheck& check,
-              Printer& printer, std::ostream& output, OutputSet& files)
+              Printer& printer, std::ostream& output, RunFiles& files)
         : options_(&options),
           printer_(&printer),
           files_(&files),
@@ -186,6 +206,21 @@ public:
           provenance_(listener_, reading_) {
         context_.reading = &reading_;
         context_.observer = &provenance_;
+    }
+
+    /// Names the files of all statements. False if two that exclude each other have one place.
+    bool nameFiles(const Commands& commands, const std::vector<ScriptCheck::Range>& ranges) {
+        using namespace Parser::WrapperLib;
+        bool isGood = true;
+        for (std::size_t i = 0; i < commands.size(); ++i) {
+            listener_.enter(ranges[i].first, ranges[i].last);
+            const auto* const statement = commands[i].get();
+            if (const auto* const image = dynamic_cast<const CmdNewBuffer*>(statement))
+                isGood = nameFile(image->fileName(), FileRole::Input) && isGood;
+            else if (const auto* const file = dynamic_cast<const CmdWriteFile*>(statement))
+                isGood = nameFile(file->fileName(), FileRole::Output) && isGood;
+        }
+        return isGood;
     }
 
     bool run(Parser::ScriptSyntax& syntax, const std::vector<ScriptCheck::Range>& ranges) {
@@ -201,6 +236,7 @@ public:
                 printer_->errors() == before ? commands[i]->execute(context_) : false;
             const bool isGood = isDone && printer_->errors() == before;
             if (!isGood && !options_->keepsGoing) return false;
+            if (!isGood) files_->stopEffects();
         }
         return true;
     }
@@ -212,9 +248,19 @@ public:
     const Provenance& provenance() const { return provenance_; }
 
 private:
+    bool nameFile(const std::string& path, FileRole role) {
+        if (path.empty()) return true;
+        const auto collision = files_->name(path, role);
+        if (!collision) return true;
+        listener_.report(Kind::SameFile, wordsFor(*collision, path, role),
+                         role == FileRole::Input ? RunListener::inputFile : RunListener::outputFile,
+                         "one would overwrite the other");
+        return false;
+    }
+
     const RunOptions* options_;
     Printer* printer_;
-    OutputSet* files_;
+    RunFiles* files_;
     Classic::ClassicWords printed_;
     RunListener listener_;
     Io::Field::FieldReading reading_;
@@ -222,8 +268,11 @@ private:
     Parser::WrapperLib::CmdContext context_;
 };
 
-/// A program that was called needed the outputs before the run failed.
-void noteOutputsInPlace(const OutputSet& files, DiagnosticSink& sink) {
+/// What a run that failed has done, or not done, to the machine: a program that was called needed
+/// the outputs before.
+void noteEffects(const RunFiles& files, DiagnosticSink& sink) {
+    if (files.hasLeftOutProgram())
+        sink.take({std::nullopt, "no program was started after the first error"});
     if (files.inPlace().empty()) return;
     std::string names;
     for (const std::string& path : files.inPlace()) names += (names.empty() ? "" : ", ") + path;
@@ -245,8 +294,35 @@ bool needsRecord(const RunOptions& options) {
            !options.map.empty();
 }
 
+/// Names the files that options give. False after a diagnostic.
+bool nameFiles(const RunOptions& options, RunFiles& files, DiagnosticSink& sink) {
+    struct Row {
+        const std::string* path;
+        FileRole role;
+    };
+    const bool isFile = options.script != "-" && !options.text;
+    if (isFile) nameFile(files, options.script, FileRole::Script, sink);
+    if (options.isCheck) return true;
+    bool isGood = true;
+    for (const Row& row :
+         {Row{&options.dependencyFile, FileRole::DependencyFile},
+          Row{&options.manifest, FileRole::Manifest}, Row{&options.map, FileRole::Map},
+          Row{&options.report, FileRole::Report}})
+        if (!row.path->empty()) isGood = nameFile(files, *row.path, row.role, sink) && isGood;
+    return isGood;
+}
+
+/// The digests of a record are those of the bytes that the statements have read. False after a
+/// diagnostic if that is not certain.
+bool checkInputs(RunFiles& files, DiagnosticSink& sink) {
+    const std::vector<std::string> changed = files.changedInputs();
+    for (const std::string& path : changed)
+        sink.take({Kind::ShortRead, path + " changed during the run, or could not be read twice"});
+    return changed.empty();
+}
+
 /// Compares the record with what is on disk, or adds it to the outputs. False if anything differs.
-bool useRecord(const RunOptions& options, const Inspect::RunRecord& record, OutputSet& files,
+bool useRecord(const RunOptions& options, const Inspect::RunRecord& record, RunFiles& files,
                DiagnosticSink& sink) {
     if (options.isCheck) {
         const bool isAsListed =
@@ -262,19 +338,20 @@ bool useRecord(const RunOptions& options, const Inspect::RunRecord& record, Outp
 
 }  // namespace
 
-ExitCode run(const RunOptions& requested, Printer& printer, std::ostream& output) {
-    RunOptions options = requested;
-    OutputSet files(options.isCheck ? OutputSet::Mode::Memory : OutputSet::Mode::Disk);
+namespace {
+
+ExitCode runWith(RunFiles& files, RunOptions options, Printer& printer, std::ostream& output) {
     RemarkList remarks(printer.policy());
     if (needsRecord(options)) {
         files.keepDigests();
         printer.copyTo(remarks);
     }
+    if (!nameFiles(options, files, printer)) return ExitCode::Failed;
     if (!resolveSymbols(options.symbols, files, options.variables, printer))
         return ExitCode::Failed;
-    auto written = read(options, printer);
+    auto written = read(options, needsRecord(options), printer);
     if (!written) return ExitCode::Failed;
-    const auto script = prepare(options, std::move(*written), printer);
+    const auto script = prepare(options, std::move(written->text), printer);
     if (!script) return ExitCode::Unusable;
     Parser::ScriptSyntax syntax(&Parser::ScriptParser::calculated);
     ScriptCheck check(*script, syntax.state(), printer);
@@ -283,19 +360,22 @@ ExitCode run(const RunOptions& requested, Printer& printer, std::ostream& output
     check.finish();
     if (!isParsed) return ExitCode::Unusable;
     checkVariables(options, *script, printer);
-    if (printer.errors() != 0 && !options.keepsGoing) return ExitCode::Failed;
-
     Execution execution(options, *script, check, printer, output, files);
+    const bool hasPlaces =
+        execution.nameFiles(syntax.state().statement.commands(), check.statements());
+    if (!hasPlaces || (printer.errors() != 0 && !options.keepsGoing)) return ExitCode::Failed;
+
+    if (printer.errors() != 0) files.stopEffects();
     execution.run(syntax, check.statements());
     if (!execution.isPrinted())
         printer.take({Kind::ShortWrite, "standard output could not be written completely"});
     if (printer.errors() != 0) {
-        noteOutputsInPlace(files, printer);
+        noteEffects(files, printer);
         return ExitCode::Failed;
     }
     if (needsRecord(options)) {
-        const bool isFile = options.script != "-" && !options.text;
-        const Ran ran{isFile ? options.script : "",
+        if (!checkInputs(files, printer)) return ExitCode::Failed;
+        const Ran ran{written->sha256,
                       &options.variables,
                       script.get(),
                       &syntax.state().statement.commands(),
@@ -311,6 +391,19 @@ ExitCode run(const RunOptions& requested, Printer& printer, std::ostream& output
         writeDependencyFile(options.dependencyFile, options.script, files, printer);
     commit(files, printer);
     return printer.errors() == 0 ? ExitCode::Good : ExitCode::Failed;
+}
+
+}  // namespace
+
+ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) {
+    RunFiles files(options.isCheck ? RunFiles::Mode::Memory : RunFiles::Mode::Disk);
+    try {
+        return runWith(files, options, printer, output);
+    } catch (const std::bad_alloc&) {
+        printer.take({Kind::OutOfMemory, "there is not enough memory for this run"});
+        noteEffects(files, printer);
+        return ExitCode::Failed;
+    }
 }
 
 }  // namespace Strict

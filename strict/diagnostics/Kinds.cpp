@@ -22,6 +22,8 @@ constexpr std::array allKinds{
             "a record whose checksum is wrong"},
     KindRow{Kind::RecordLine, "record-line", Error, true, "a line that is not a record"},
     KindRow{Kind::Differs, "differs", Error, true, "a file that is not what the script makes"},
+    KindRow{Kind::SameFile, "same-file", Error, true,
+            "two files of the run that cannot be in one place are"},
     KindRow{Kind::NoEnd, "no-end", Error, false, "a text file without its end record"},
     KindRow{Kind::UnknownName, "unknown-name", Error, false,
             "a name that no statement before it makes"},

@@ -28,6 +28,7 @@ enum class Kind : unsigned char {
     RecordChecksum,
     RecordLine,
     Differs,
+    SameFile,
     NoEnd,
     UnknownName,
     DuplicateName,

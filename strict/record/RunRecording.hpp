@@ -8,7 +8,7 @@
 
 #include "inspect/RunRecord.hpp"
 #include "parser/commands/CmdApi.hpp"
-#include "strict/files/OutputSet.hpp"
+#include "strict/files/RunFiles.hpp"
 #include "strict/record/Provenance.hpp"
 #include "strict/script/ScriptCheck.hpp"
 #include "strict/script/ScriptText.hpp"
@@ -17,14 +17,14 @@ namespace Strict {
 
 /// A run that has ended well, borrowed.
 struct Ran {
-    std::string scriptPath;                               ///< empty for a script that is in no file
+    std::string scriptSha256;                             ///< of its file, or of its text
     const std::map<std::string, std::string>* variables;  ///< of the command line
     const ScriptText* script;
     const std::deque<std::unique_ptr<Parser::WrapperLib::CmdApi>>* statements;
     const std::vector<ScriptCheck::Range>* ranges;  ///< of the statements, in the prepared text
     const Parser::WrapperLib::CmdContext* context;
     const Provenance* provenance;
-    OutputSet* files;  ///< which keeps digests
+    RunFiles* files;  ///< which keeps digests
 };
 
 /// What went into the run and what came out of it. The remarks are left to the caller, and the

@@ -95,10 +95,6 @@ std::string areaText(std::uint64_t start, std::uint64_t length) {
     return text;
 }
 
-const std::vector<std::string_view> inputFile{"SetFileAsSource -> ", "SetRawFileAsSource -> ",
-                                              "SetElfFileAsSource -> ", "SetUf2FileAsSource -> ",
-                                              "SetTiTxtFileAsSource -> "};
-const std::vector<std::string_view> outputFile{"SetFileName -> "};
 const std::vector<std::string_view> anyArea{"AddArea -> ", "SetBufferRange -> ",
                                             "SetStartAddress -> "};
 
@@ -142,6 +138,11 @@ template <class... Functions>
 Overloaded(Functions...) -> Overloaded<Functions...>;
 
 }  // namespace
+
+const std::vector<std::string_view> RunListener::inputFile{
+    "SetFileAsSource -> ", "SetRawFileAsSource -> ", "SetElfFileAsSource -> ",
+    "SetUf2FileAsSource -> ", "SetTiTxtFileAsSource -> "};
+const std::vector<std::string_view> RunListener::outputFile{"SetFileName -> "};
 
 void RunListener::report(Kind kind, std::string text, const std::vector<std::string_view>& traces,
                          std::string hint) {

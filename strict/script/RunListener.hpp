@@ -34,6 +34,10 @@ public:
           reason_(std::move(reason)),
           isMade_(std::move(isMade)) {}
 
+    /// The traces of the arguments that name an input and an output.
+    static const std::vector<std::string_view> inputFile;
+    static const std::vector<std::string_view> outputFile;
+
     /// For files that are read outside any script.
     RunListener(DiagnosticSink& sink, Reason reason) : sink_(&sink), reason_(std::move(reason)) {}
 
