@@ -22,11 +22,14 @@ void reportUnwritten(const std::string& path, const std::string& reason, Diagnos
 
 std::string wordsFor(const RunFiles::Collision& collision, const std::string& path, FileRole role) {
     const std::string other = nameOf(collision.role);
-    if (collision.role == role && collision.path == path)
-        return path + " is named twice as " + other;
-    const std::string text =
-        "the " + std::string(nameOf(role)) + " " + path + " is also the " + other;
-    return collision.path == path ? text : text + " " + collision.path;
+    if (role == FileRole::Output && collision.role == role && collision.path == path)
+        return "two statements write " + path;
+    const std::string text = "the " + std::string(nameOf(role)) + " " + path + " is also ";
+    if (collision.path != path) return text + "the " + other + " " + collision.path;
+    // One of several, or the only one.
+    const bool isOneOfMany =
+        collision.role == FileRole::Input || collision.role == FileRole::Output;
+    return text + (isOneOfMany ? "an " : "the ") + other;
 }
 
 bool nameFile(RunFiles& files, const std::string& path, FileRole role, DiagnosticSink& sink) {

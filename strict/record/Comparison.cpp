@@ -235,18 +235,19 @@ bool haveSameLines(std::string_view one, std::string_view other) {
 /// Adds where an output that the script makes differs from the file on disk, whose text is `text`.
 void explain(Diagnostic& diagnostic, RunFiles& files, const Inspect::FileRecord& output,
              const std::string& path, std::string_view text, const Inspect::RunRecord& record) {
+    const std::string format = Inspect::formatOf(path);
     const std::optional<Contents> disk = contentsOf(path);
     const Io::HostScope hosting(files);
     const std::optional<Contents> contents = contentsOf(path);
     if (!contents) return;
     const Made made{&*contents, &output.format, imagesOf(output, record)};
+    if (format != contents->format) {
+        diagnostic.hint = "the formats differ";
+        return;
+    }
     if (!disk) {
         explainDamage(diagnostic, firstDifferentLine(text, files.contentsOf(path)), made, path,
                       record);
-        return;
-    }
-    if (disk->format != contents->format) {
-        diagnostic.hint = "the formats differ";
         return;
     }
     const Buffer::AreaList areas = Buffer::differences(disk->image, contents->image);

@@ -315,6 +315,21 @@ TEST_F(RunFilesLinuxTest, AnAppendedStreamIsWrittenWhereItIs) {
     EXPECT_EQ(contentsOf(at("log")), "line\nfirstsecond");
 }
 
+TEST_F(RunFilesLinuxTest, AFileThatEndsBeforeItsSizeIsNotComplete) {
+    // The files there have the size of a page, and a few bytes.
+    const std::string path = "/sys/devices/system/cpu/online";
+    if (!fs::exists(path)) GTEST_SKIP() << "there is no " << path;
+    RunFiles files(RunFiles::Mode::Disk);
+    const auto file = files.openInput(path);
+    ASSERT_TRUE(file);
+    std::string text(static_cast<std::size_t>(file->size()), '\0');
+    EXPECT_LT(file->readAt(0, text), text.size());
+    EXPECT_EQ(file->reading(), Platform::Reading::Failed);
+    const auto whole = Platform::InputFile::open(path);
+    EXPECT_LT(whole->readAt(0, text), text.size());
+    EXPECT_EQ(whole->reading(), Platform::Reading::Complete) << "for those who do not ask";
+}
+
 TEST_F(RunFilesLinuxTest, DigestsOutliveWhatAProgramDoesToAnInput) {
     put("in", "abc");
     RunFiles files(RunFiles::Mode::Disk);
