@@ -2,6 +2,7 @@
 
 #include <array>
 #include <csignal>
+#include <cstring>
 
 #include "platform/Interrupts.hpp"
 
@@ -23,19 +24,20 @@ void removeAll(int signal) {
 
 }  // namespace
 
-struct InterruptsHeld::Before {
-    sigset_t mask;
-};
-
-InterruptsHeld::InterruptsHeld() : before_(std::make_unique<Before>()) {
+InterruptsHeld::InterruptsHeld() {
+    static_assert(sizeof(sigset_t) <= sizeof(before_));
     sigset_t held;
+    sigset_t before;
     ::sigemptyset(&held);
     for (const int signal : interrupts) ::sigaddset(&held, signal);
-    ::pthread_sigmask(SIG_BLOCK, &held, &before_->mask);
+    ::pthread_sigmask(SIG_BLOCK, &held, &before);
+    std::memcpy(before_.data(), &before, sizeof(before));
 }
 
 InterruptsHeld::~InterruptsHeld() {
-    ::pthread_sigmask(SIG_SETMASK, &before_->mask, nullptr);
+    sigset_t before;
+    std::memcpy(&before, before_.data(), sizeof(before));
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
 InterruptGuard::InterruptGuard() {

@@ -24,13 +24,13 @@ BOOL WINAPI removeAll(DWORD /*event*/) {
 
 }  // namespace
 
-struct InterruptsHeld::Before {
-    std::lock_guard<std::recursive_mutex> lock{heldMutex};
-};
+InterruptsHeld::InterruptsHeld() {
+    heldMutex.lock();
+}
 
-InterruptsHeld::InterruptsHeld() : before_(std::make_unique<Before>()) {}
-
-InterruptsHeld::~InterruptsHeld() = default;
+InterruptsHeld::~InterruptsHeld() {
+    heldMutex.unlock();
+}
 
 InterruptGuard::InterruptGuard() {
     const InterruptsHeld held;

@@ -202,6 +202,8 @@ public:
         for (std::size_t i = 0; i < items_.size(); ++i)
             if (const std::error_code error = openFolder(items_[i])) return Failure{i, error};
         for (auto& [identity, folder] : folders_) lock(folder);
+        // No memory is needed from the first rename on.
+        left_.reserve(items_.size());
         // What was tried before the locks may no longer be true.
         if (const auto failure = tryAll()) return failure;
         for (std::size_t i = 0; i < items_.size(); ++i)
@@ -220,12 +222,11 @@ public:
     }
 
     std::vector<std::size_t> takeBack() {
-        std::vector<std::size_t> left;
         for (std::size_t i = items_.size(); i-- != 0;)
-            if (items_[i].isInPlace && takeBack(items_[i])) left.push_back(i);
+            if (items_[i].isInPlace && takeBack(items_[i])) left_.push_back(i);
         keep();
-        std::ranges::reverse(left);
-        return left;
+        std::ranges::reverse(left_);
+        return std::move(left_);
     }
 
     void keep() {
@@ -236,7 +237,7 @@ public:
         for (Item& item : items_) {
             if (item.second.empty()) continue;
             ::unlinkat(item.folder, item.second.c_str(), 0);
-            guard_->remove(secondPath(item));
+            guard_->remove(item.secondPath);
             item.second.clear();
         }
     }
@@ -254,6 +255,7 @@ private:
         std::string name;    ///< of the temporary file in the folder
         std::string target;  ///< the name that it is to have
         std::string second;  ///< another name of the file that it replaces; empty if it has none
+        std::string secondPath;
         std::string folderPath;
         int folder = -1;
         bool replaces = false;
@@ -266,10 +268,6 @@ private:
     };
 
     static std::string nameOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
-
-    static std::string secondPath(const Item& item) {
-        return item.file.path.substr(0, item.file.path.rfind('/') + 1) + item.second;
-    }
 
     /// Opens the folder of an item, unless an item before it has the same.
     std::error_code openFolder(Item& item) {
@@ -360,14 +358,17 @@ private:
             item.second = item.name;
             if (i != 0) item.second.append("-").append(std::to_string(i));
             item.second += ".old";
+            item.secondPath = item.file.path.substr(0, item.file.path.rfind('/') + 1);
+            item.secondPath += item.second;
             // As with temporary files, a name of somebody else must not be removed.
             const InterruptsHeld held;
-            guard_->add(secondPath(item));
+            guard_->add(item.secondPath);
             if (::linkat(item.folder, item.target.c_str(), item.folder, item.second.c_str(), 0) ==
                 0)
                 return;
-            guard_->remove(secondPath(item));
-            if (errno != EEXIST) break;
+            const int reason = errno;
+            guard_->remove(item.secondPath);
+            if (reason != EEXIST) break;
         }
         item.second.clear();
     }
@@ -379,7 +380,7 @@ private:
         const auto error =
             outcome(::renameat(item.folder, item.second.c_str(), item.folder, item.target.c_str()));
         if (error) return error;
-        guard_->remove(secondPath(item));
+        guard_->remove(item.secondPath);
         item.second.clear();
         return {};
     }
@@ -388,6 +389,7 @@ private:
     std::vector<Item> items_;
     std::map<FileIdentity, Folder> folders_;  ///< in an order in which no two runs block each other
     std::map<std::string, int> folderNumbers_;  ///< their descriptors, by paths
+    std::vector<std::size_t> left_;             ///< what could not be taken back
     std::optional<InterruptsHeld> held_;
 };
 

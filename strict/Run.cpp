@@ -1,7 +1,6 @@
 #include "strict/Run.hpp"
 
 #include <algorithm>
-#include <deque>
 #include <memory>
 #include <new>
 #include <optional>
@@ -14,16 +13,14 @@
 #include "classic/ClassicWords.hpp"
 #include "inspect/Digest.hpp"
 #include "io/field/FieldReading.hpp"
-#include "parser/ScriptParser.hpp"
-#include "parser/commands/CmdNewBuffer.hpp"
-#include "parser/commands/CmdWriteFile.hpp"
-#include "parser/grammar/ScriptSyntax.hpp"
+#include "parser/commands/Conventions.hpp"
 #include "parser/text/VariableExpansion.hpp"
 #include "platform/Files.hpp"
 #include "platform/Replace.hpp"
 #include "platform/Streams.hpp"
 #include "strict/Audit.hpp"
 #include "strict/ElfSymbols.hpp"
+#include "strict/RunListener.hpp"
 #include "strict/diagnostics/RemarkList.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
 #include "strict/files/DependencyFile.hpp"
@@ -33,17 +30,13 @@
 #include "strict/record/Proof.hpp"
 #include "strict/record/Provenance.hpp"
 #include "strict/record/RunRecording.hpp"
-#include "strict/script/RunListener.hpp"
+#include "strict/script/ParsedScript.hpp"
 #include "strict/script/ScriptCheck.hpp"
 #include "strict/script/ScriptText.hpp"
-#include "strict/script/SyntaxErrors.hpp"
 
 namespace Strict {
 
 namespace {
-
-/// Syntax errors that are reported in one run.
-constexpr std::size_t mostSyntaxErrors = 20;
 
 /// A script as it was read.
 struct ScriptBytes {
@@ -109,35 +102,6 @@ std::unique_ptr<ScriptText> prepare(const RunOptions& options, std::string text,
     return nullptr;
 }
 
-/// Parses as many statements as there are and reports what is none. True if everything parsed.
-bool parse(const ScriptText& script, Parser::ScriptSyntax& syntax, ScriptCheck& check,
-           DiagnosticSink& sink) {
-    const std::string_view text = script.prepared();
-    std::size_t errors = 0;
-    std::size_t resumed = 0;  ///< where the parse went on after the last error
-    for (std::size_t at = 0;;) {
-        at += syntax.parse(text.substr(at));
-        if (at == text.size()) return errors == 0;
-        if (++errors > mostSyntaxErrors) {
-            sink.take({Kind::Syntax, "there are more syntax errors than are shown"});
-            return false;
-        }
-        // Once more, now with a note of what is missing. The last statement that is finished may
-        // be the broken one, without the option that broke it.
-        const auto& finished = check.statements();
-        const bool isFirst = finished.empty() || finished.back().last < resumed;
-        const std::size_t from = isFirst ? at : finished.back().first;
-        Parser::ScriptSyntax explainer(nullptr);
-        Parser::Expectations missed;
-        explainer.state().expectations = &missed;
-        explainer.parse(text.substr(from));
-        check.abandon(at);
-        sink.take(syntaxError(script, text.substr(from), missed, syntax.statementKeywords()));
-        at = resumed = nextStatement(text, at, syntax.statementKeywords());
-        if (at == text.size()) return false;
-    }
-}
-
 /// "did you mean X?" for a word of the script that is like `name`.
 std::string likeWord(const ScriptText& script, const std::string& name) {
     constexpr std::size_t mostWords = 10'000;
@@ -188,57 +152,55 @@ void checkVariables(const RunOptions& options, const ScriptText& script, Diagnos
     }
 }
 
-using Commands = std::deque<std::unique_ptr<Parser::WrapperLib::CmdApi>>;
-
-/// Runs the statements. False if one of them failed, or was reported as an error.
+/// Runs the statements of a script.
 class Execution {
 public:
-    Execution(const RunOptions& options, const ScriptText& script, const ScriptCheck& check,
-              Printer& printer, std::ostream& output, RunFiles& files)
-        : options_(&options),
-          printer_(&printer),
+    Execution(const ScriptText& script, const ScriptCheck& check, Printer& printer,
+              std::ostream& output, RunFiles& files)
+        : printer_(&printer),
           files_(&files),
           printed_(output, output),
-          listener_(
-              script, printer, printed_,
-              [&files](std::string_view path) { return files.reasonFor(path); },
-              [&check](std::string_view name) { return check.isMade(name); }),
-          provenance_(listener_, reading_) {
+          reports_(&script, printer),
+          listener_(reports_, &printed_,
+                    {[&files](std::string_view path) { return files.reasonFor(path); },
+                     [&check](std::string_view name) { return check.isMade(name); }}),
+          provenance_(reports_, reading_) {
         context_.reading = &reading_;
         context_.observer = &provenance_;
     }
 
     /// Names the files of all statements. False if two that exclude each other have one place.
-    bool nameFiles(const Commands& commands, const std::vector<ScriptCheck::Range>& ranges) {
-        using namespace Parser::WrapperLib;
+    bool nameFiles(const ParsedScript& parsed) {
         bool isGood = true;
-        for (std::size_t i = 0; i < commands.size(); ++i) {
-            listener_.enter(ranges[i].first, ranges[i].last);
-            const auto* const statement = commands[i].get();
-            if (const auto* const image = dynamic_cast<const CmdNewBuffer*>(statement))
-                isGood = nameFile(image->fileName(), FileRole::Input) && isGood;
-            else if (const auto* const file = dynamic_cast<const CmdWriteFile*>(statement))
-                isGood = nameFile(file->fileName(), FileRole::Output) && isGood;
+        for (const Parser::Statement& statement : parsed.statements()) {
+            reports_.enter(statement);
+            if (const auto* const input = statement.last(Parser::Role::InputFile))
+                isGood = nameFile(*input, FileRole::Input) && isGood;
+            if (const auto* const output = statement.last(Parser::Role::OutputFile))
+                isGood = nameFile(*output, FileRole::Output) && isGood;
         }
         return isGood;
     }
 
-    bool run(Parser::ScriptSyntax& syntax, const std::vector<ScriptCheck::Range>& ranges) {
+    /// False if a statement did not do its work, or reported an error. Unless `keepsGoing`, the
+    /// first one that fails is the last one that runs.
+    bool run(const ParsedScript& parsed, bool keepsGoing) {
         const Facts::ListenerScope listening(listener_);
         const Io::HostScope hosting(*files_);
-        const auto& commands = syntax.state().statement.commands();
-        for (std::size_t i = 0; i < commands.size(); ++i) {
-            const std::size_t before = printer_->errors();
-            listener_.enter(ranges[i].first, ranges[i].last);
-            provenance_.enter(*commands[i]);
-            auditBefore(*commands[i], context_, provenance_, listener_);
-            const bool isDone =
-                printer_->errors() == before ? commands[i]->execute(context_) : false;
-            const bool isGood = isDone && printer_->errors() == before;
-            if (!isGood && !options_->keepsGoing) return false;
-            if (!isGood) files_->stopEffects();
+        const Parser::Statement* failed = nullptr;
+        for (std::size_t i = 0; i < parsed.statements().size(); ++i) {
+            const Parser::Statement& statement = parsed.statements()[i];
+            if (execute(statement, *parsed.commands()[i])) continue;
+            if (failed == nullptr) failed = &statement;
+            if (!keepsGoing) break;
+            files_->stopEffects();
         }
-        return true;
+        if (failed == nullptr) return true;
+        // A policy may have silenced the diagnostic; it does not undo what happened.
+        reports_.enter(*failed);
+        if (printer_->errors() == 0)
+            reports_.note("this statement did not do its work, so the run fails");
+        return false;
     }
 
     /// Whether all that the statements printed has arrived.
@@ -248,20 +210,30 @@ public:
     const Provenance& provenance() const { return provenance_; }
 
 private:
-    bool nameFile(const std::string& path, FileRole role) {
-        if (path.empty()) return true;
+    bool nameFile(const Parser::Part& part, FileRole role) {
+        const std::string path = Parser::WrapperLib::cleanedPath(std::string(part.text));
         const auto collision = files_->name(path, role);
-        if (!collision) return true;
-        listener_.report(Kind::SameFile, wordsFor(*collision, path, role),
-                         role == FileRole::Input ? RunListener::inputFile : RunListener::outputFile,
-                         "one would overwrite the other");
-        return false;
+        if (collision)
+            reports_.report(Kind::SameFile, wordsFor(*collision, path, role), part,
+                            "one would overwrite the other");
+        return !collision;
     }
 
-    const RunOptions* options_;
+    bool execute(const Parser::Statement& statement, Parser::WrapperLib::CmdApi& command) {
+        const std::size_t before = printer_->errors();
+        reports_.enter(statement);
+        listener_.enter();
+        provenance_.enter();
+        auditBefore(statement, context_, provenance_, reports_);
+        if (printer_->errors() != before) return false;
+        const bool isDone = command.execute(context_) && !listener_.hasRefused();
+        return isDone && printer_->errors() == before;
+    }
+
     Printer* printer_;
     RunFiles* files_;
     Classic::ClassicWords printed_;
+    StatementReports reports_;
     RunListener listener_;
     Io::Field::FieldReading reading_;
     Provenance provenance_;
@@ -336,10 +308,6 @@ bool useRecord(const RunOptions& options, const Inspect::RunRecord& record, RunF
     return true;
 }
 
-}  // namespace
-
-namespace {
-
 ExitCode runWith(RunFiles& files, RunOptions options, Printer& printer, std::ostream& output) {
     RemarkList remarks(printer.policy());
     if (needsRecord(options)) {
@@ -353,36 +321,28 @@ ExitCode runWith(RunFiles& files, RunOptions options, Printer& printer, std::ost
     if (!written) return ExitCode::Failed;
     const auto script = prepare(options, std::move(written->text), printer);
     if (!script) return ExitCode::Unusable;
-    Parser::ScriptSyntax syntax(&Parser::ScriptParser::calculated);
-    ScriptCheck check(*script, syntax.state(), printer);
-    syntax.state().statement.setObserver(&check);
-    const bool isParsed = parse(*script, syntax, check, printer);
-    check.finish();
-    if (!isParsed) return ExitCode::Unusable;
+    const ParsedScript parsed(*script);
+    ScriptCheck check(*script, printer);
+    check.check(parsed);
+    if (!parsed.isWhole()) return ExitCode::Unusable;
     checkVariables(options, *script, printer);
-    Execution execution(options, *script, check, printer, output, files);
-    const bool hasPlaces =
-        execution.nameFiles(syntax.state().statement.commands(), check.statements());
+    Execution execution(*script, check, printer, output, files);
+    const bool hasPlaces = execution.nameFiles(parsed);
     if (!hasPlaces || (printer.errors() != 0 && !options.keepsGoing)) return ExitCode::Failed;
 
     if (printer.errors() != 0) files.stopEffects();
-    execution.run(syntax, check.statements());
+    const bool isGood = execution.run(parsed, options.keepsGoing);
     if (!execution.isPrinted())
         printer.take({Kind::ShortWrite, "standard output could not be written completely"});
-    if (printer.errors() != 0) {
+    if (!isGood || printer.errors() != 0) {
         noteEffects(files, printer);
         return ExitCode::Failed;
     }
     if (needsRecord(options)) {
         if (!checkInputs(files, printer)) return ExitCode::Failed;
-        const Ran ran{written->sha256,
-                      &options.variables,
-                      script.get(),
-                      &syntax.state().statement.commands(),
-                      &check.statements(),
-                      &execution.context(),
-                      &execution.provenance(),
-                      &files};
+        const Ran ran{
+            written->sha256,      &options.variables,      script.get(), &parsed.statements(),
+            &execution.context(), &execution.provenance(), &files};
         Inspect::RunRecord record = recordOf(ran, !options.report.empty() || options.comparesDisk);
         record.remarks = std::move(remarks.remarks);
         if (!useRecord(options, record, files, printer)) return ExitCode::Failed;

@@ -28,7 +28,6 @@ enum class Kind : unsigned char {
     RecordChecksum,
     RecordLine,
     Differs,
-    SameFile,
     NoEnd,
     UnknownName,
     DuplicateName,
@@ -63,6 +62,7 @@ enum class Kind : unsigned char {
     Conflict,
     Overlap,
     Tolerated,
+    SameFile,
 };
 
 /// What the program knows of a kind.
