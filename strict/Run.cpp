@@ -1,8 +1,8 @@
 #include "strict/Run.hpp"
 
 #include <algorithm>
-#include <exception>
 #include <memory>
+#include <new>
 #include <optional>
 #include <ostream>
 #include <set>
@@ -11,7 +11,9 @@
 #include <vector>
 
 #include "classic/ClassicWords.hpp"
+#include "inspect/Digest.hpp"
 #include "io/field/FieldReading.hpp"
+#include "parser/commands/Conventions.hpp"
 #include "parser/text/VariableExpansion.hpp"
 #include "platform/Files.hpp"
 #include "platform/Replace.hpp"
@@ -22,7 +24,7 @@
 #include "strict/diagnostics/RemarkList.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
 #include "strict/files/DependencyFile.hpp"
-#include "strict/files/OutputSet.hpp"
+#include "strict/files/RunFiles.hpp"
 #include "strict/files/WholeFile.hpp"
 #include "strict/record/Comparison.hpp"
 #include "strict/record/Proof.hpp"
@@ -36,9 +38,20 @@ namespace Strict {
 
 namespace {
 
+/// A script as it was read.
+struct ScriptBytes {
+    std::string text;    ///< with line feeds alone
+    std::string sha256;  ///< of its file
+};
+
 /// The script's own text, or nothing after a diagnostic.
-std::optional<std::string> read(const RunOptions& options, DiagnosticSink& sink) {
-    if (options.text) return options.text;
+///
+/// @param withDigest  whether the digest is wanted
+std::optional<ScriptBytes> read(const RunOptions& options, bool withDigest, DiagnosticSink& sink) {
+    const auto digestOf = [withDigest](std::string_view text) {
+        return withDigest ? Inspect::sha256Of(text) : std::string();
+    };
+    if (options.text) return ScriptBytes{*options.text, digestOf(*options.text)};
     const bool isStandardInput = options.script == "-";
     Platform::clearLastError();
     auto contents =
@@ -55,8 +68,11 @@ std::optional<std::string> read(const RunOptions& options, DiagnosticSink& sink)
             {Kind::ShortRead, "the script " + options.script + " could not be read completely"});
         return std::nullopt;
     }
+    ScriptBytes script;
+    script.sha256 = digestOf(contents->text());
     Platform::translateText(*contents);
-    return std::string(contents->text());
+    script.text = contents->text();
+    return script;
 }
 
 std::string wordsFor(Facts::VariableFault fault) {
@@ -140,7 +156,7 @@ void checkVariables(const RunOptions& options, const ScriptText& script, Diagnos
 class Execution {
 public:
     Execution(const ScriptText& script, const ScriptCheck& check, Printer& printer,
-              std::ostream& output, OutputSet& files)
+              std::ostream& output, RunFiles& files)
         : printer_(&printer),
           files_(&files),
           printed_(output, output),
@@ -151,6 +167,19 @@ public:
           provenance_(reports_, reading_) {
         context_.reading = &reading_;
         context_.observer = &provenance_;
+    }
+
+    /// Names the files of all statements. False if two that exclude each other have one place.
+    bool nameFiles(const ParsedScript& parsed) {
+        bool isGood = true;
+        for (const Parser::Statement& statement : parsed.statements()) {
+            reports_.enter(statement);
+            if (const auto* const input = statement.last(Parser::Role::InputFile))
+                isGood = nameFile(*input, FileRole::Input) && isGood;
+            if (const auto* const output = statement.last(Parser::Role::OutputFile))
+                isGood = nameFile(*output, FileRole::Output) && isGood;
+        }
+        return isGood;
     }
 
     /// False if a statement did not do its work, or reported an error. Unless `keepsGoing`, the
@@ -164,6 +193,7 @@ public:
             if (execute(statements[i], *parsed.commands()[i])) continue;
             failed = std::min(failed, i);
             if (!keepsGoing) break;
+            files_->stopEffects();
         }
         if (failed == statements.size()) return true;
         // A policy may have silenced the diagnostic; it does not undo what happened.
@@ -180,6 +210,15 @@ public:
     const Provenance& provenance() const { return provenance_; }
 
 private:
+    bool nameFile(const Parser::Part& part, FileRole role) {
+        const std::string path = Parser::WrapperLib::cleanedPath(std::string(part.text));
+        const auto collision = files_->name(path, role);
+        if (collision)
+            reports_.report(Kind::SameFile, wordsFor(*collision, path, role), part,
+                            "one would overwrite the other");
+        return !collision;
+    }
+
     bool execute(const Parser::Statement& statement, Parser::WrapperLib::CmdApi& command) {
         const std::size_t before = printer_->errors();
         reports_.enter(statement);
@@ -192,7 +231,7 @@ private:
     }
 
     Printer* printer_;
-    OutputSet* files_;
+    RunFiles* files_;
     Classic::ClassicWords printed_;
     StatementReports reports_;
     RunListener listener_;
@@ -201,8 +240,11 @@ private:
     Parser::WrapperLib::CmdContext context_;
 };
 
-/// A program that was called needed the outputs before the run failed.
-void noteOutputsInPlace(const OutputSet& files, DiagnosticSink& sink) {
+/// What a run that failed has done, or not done, to the machine: a program that was called needed
+/// the outputs before.
+void noteEffects(const RunFiles& files, DiagnosticSink& sink) {
+    if (files.hasLeftOutProgram())
+        sink.take({std::nullopt, "no program was started after the first error"});
     if (files.inPlace().empty()) return;
     std::string names;
     for (const std::string& path : files.inPlace()) names += (names.empty() ? "" : ", ") + path;
@@ -224,8 +266,35 @@ bool needsRecord(const RunOptions& options) {
            !options.map.empty();
 }
 
+/// Names the files that options give. False after a diagnostic.
+bool nameFiles(const RunOptions& options, RunFiles& files, DiagnosticSink& sink) {
+    struct Row {
+        const std::string* path;
+        FileRole role;
+    };
+    const bool isFile = options.script != "-" && !options.text;
+    if (isFile) nameFile(files, options.script, FileRole::Script, sink);
+    if (options.isCheck) return true;
+    bool isGood = true;
+    for (const Row& row :
+         {Row{&options.dependencyFile, FileRole::DependencyFile},
+          Row{&options.manifest, FileRole::Manifest}, Row{&options.map, FileRole::Map},
+          Row{&options.report, FileRole::Report}})
+        if (!row.path->empty()) isGood = nameFile(files, *row.path, row.role, sink) && isGood;
+    return isGood;
+}
+
+/// The digests of a record are those of the bytes that the statements have read. False after a
+/// diagnostic if that is not certain.
+bool checkInputs(RunFiles& files, DiagnosticSink& sink) {
+    const std::vector<std::string> changed = files.changedInputs();
+    for (const std::string& path : changed)
+        sink.take({Kind::ShortRead, path + " changed during the run, or could not be read twice"});
+    return changed.empty();
+}
+
 /// Compares the record with what is on disk, or adds it to the outputs. False if anything differs.
-bool useRecord(const RunOptions& options, const Inspect::RunRecord& record, OutputSet& files,
+bool useRecord(const RunOptions& options, const Inspect::RunRecord& record, RunFiles& files,
                DiagnosticSink& sink) {
     if (options.isCheck) {
         const bool isAsListed =
@@ -239,46 +308,41 @@ bool useRecord(const RunOptions& options, const Inspect::RunRecord& record, Outp
     return true;
 }
 
-}  // namespace
-
-ExitCode run(const RunOptions& requested, Printer& printer, std::ostream& output) {
-    RunOptions options = requested;
-    OutputSet files(options.isCheck ? OutputSet::Mode::Memory : OutputSet::Mode::Disk);
+ExitCode runWith(RunFiles& files, RunOptions options, Printer& printer, std::ostream& output) {
     RemarkList remarks(printer.policy());
     if (needsRecord(options)) {
         files.keepDigests();
         printer.copyTo(remarks);
     }
+    if (!nameFiles(options, files, printer)) return ExitCode::Failed;
     if (!resolveSymbols(options.symbols, files, options.variables, printer))
         return ExitCode::Failed;
-    auto written = read(options, printer);
+    auto written = read(options, needsRecord(options), printer);
     if (!written) return ExitCode::Failed;
-    const auto script = prepare(options, std::move(*written), printer);
+    const auto script = prepare(options, std::move(written->text), printer);
     if (!script) return ExitCode::Unusable;
     const ParsedScript parsed(*script);
     ScriptCheck check(*script, printer);
     check.check(parsed);
     if (!parsed.isWhole()) return ExitCode::Unusable;
     checkVariables(options, *script, printer);
-    if (printer.errors() != 0 && !options.keepsGoing) return ExitCode::Failed;
-
     Execution execution(*script, check, printer, output, files);
+    const bool hasPlaces = execution.nameFiles(parsed);
+    if (!hasPlaces || (printer.errors() != 0 && !options.keepsGoing)) return ExitCode::Failed;
+
+    if (printer.errors() != 0) files.stopEffects();
     const bool isGood = execution.run(parsed, options.keepsGoing);
     if (!execution.isPrinted())
         printer.take({Kind::ShortWrite, "standard output could not be written completely"});
     if (!isGood || printer.errors() != 0) {
-        noteOutputsInPlace(files, printer);
+        noteEffects(files, printer);
         return ExitCode::Failed;
     }
     if (needsRecord(options)) {
-        const bool isFile = options.script != "-" && !options.text;
-        const Ran ran{isFile ? options.script : "",
-                      &options.variables,
-                      script.get(),
-                      &parsed.statements(),
-                      &execution.context(),
-                      &execution.provenance(),
-                      &files};
+        if (!checkInputs(files, printer)) return ExitCode::Failed;
+        const Ran ran{
+            written->sha256,      &options.variables,      script.get(), &parsed.statements(),
+            &execution.context(), &execution.provenance(), &files};
         Inspect::RunRecord record = recordOf(ran, !options.report.empty() || options.comparesDisk);
         record.remarks = std::move(remarks.remarks);
         if (!useRecord(options, record, files, printer)) return ExitCode::Failed;
@@ -287,6 +351,19 @@ ExitCode run(const RunOptions& requested, Printer& printer, std::ostream& output
         writeDependencyFile(options.dependencyFile, options.script, files, printer);
     commit(files, printer);
     return printer.errors() == 0 ? ExitCode::Good : ExitCode::Failed;
+}
+
+}  // namespace
+
+ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) {
+    RunFiles files(options.isCheck ? RunFiles::Mode::Memory : RunFiles::Mode::Disk);
+    try {
+        return runWith(files, options, printer, output);
+    } catch (const std::bad_alloc&) {
+        printer.take({Kind::OutOfMemory, "there is not enough memory for this run"});
+        noteEffects(files, printer);
+        return ExitCode::Failed;
+    }
 }
 
 }  // namespace Strict

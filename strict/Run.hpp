@@ -17,6 +17,6 @@ enum class ExitCode : int {
 /// Runs a script: all of it, or nothing but diagnostics.
 ///
 /// @param output  what PRINT_* statements print
-ExitCode run(const RunOptions& requested, Printer& printer, std::ostream& output);
+ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output);
 
 }  // namespace Strict

@@ -10,12 +10,12 @@
 #include <string_view>
 #include <vector>
 
-#include "strict/files/OutputSet.hpp"
+#include "strict/files/RunFiles.hpp"
 
 namespace Tests {
 
 namespace fs = std::filesystem;
-using Strict::OutputSet;
+using Strict::RunFiles;
 
 constexpr auto binary = Platform::FileMode::Binary;
 
@@ -25,7 +25,7 @@ inline std::string contentsOf(const fs::path& path) {
 }
 
 /// A folder of the running test alone, empty at first.
-class OutputSetTest : public testing::Test {
+class RunFilesTest : public testing::Test {
 protected:
     void SetUp() override {
         const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
@@ -51,14 +51,14 @@ protected:
     }
 
     /// Writes an output in one piece. False if it cannot be created or not all of it arrives.
-    static bool write(OutputSet& files, const std::string& path, std::string_view contents) {
+    static bool write(RunFiles& files, const std::string& path, std::string_view contents) {
         const auto stream = files.createOutput(path, binary);
         if (stream == nullptr) return false;
         const bool isWritten = stream->write(contents);
         return stream->close() && isWritten;
     }
 
-    static std::string read(OutputSet& files, const std::string& path) {
+    static std::string read(RunFiles& files, const std::string& path) {
         const auto file = files.openInput(path);
         if (!file) return "not opened";
         std::string text(static_cast<std::size_t>(file->size()), '\0');
