@@ -49,8 +49,7 @@ public:
         InputsAsRead inputs(*ran_->files);
         const Io::HostScope hosting(inputs);
         addInputs();
-        for (std::size_t i = 0; i < ran_->statements->size(); ++i)
-            addStatement((*ran_->statements)[i]);
+        for (const Statement& statement : *ran_->statements) addStatement(statement);
         addVariables();
         return std::move(record_);
     }
