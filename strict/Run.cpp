@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "classic/ClassicWords.hpp"
-#include "io/field/FieldReading.hpp"
+#include "io/formats/FieldReading.hpp"
 #include "parser/ScriptParser.hpp"
 #include "parser/grammar/ScriptSyntax.hpp"
 #include "parser/text/VariableExpansion.hpp"
@@ -183,7 +183,7 @@ public:
               script, printer, printed_,
               [&files](std::string_view path) { return files.reasonFor(path); },
               [&check](std::string_view name) { return check.isMade(name); }),
-          provenance_(listener_, reading_) {
+          provenance_(listener_) {
         context_.reading = &reading_;
         context_.observer = &provenance_;
     }
@@ -217,7 +217,7 @@ private:
     OutputSet* files_;
     Classic::ClassicWords printed_;
     RunListener listener_;
-    Io::Field::FieldReading reading_;
+    Io::Formats::FieldReading reading_;
     Provenance provenance_;
     Parser::WrapperLib::CmdContext context_;
 };

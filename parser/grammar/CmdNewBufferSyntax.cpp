@@ -1,17 +1,23 @@
+#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "io/formats/InputFormats.hpp"
 #include "parser/commands/CmdNewBuffer.hpp"
+#include "parser/grammar/InputFileTraces.hpp"
 #include "parser/grammar/Statements.hpp"
 
 namespace Parser {
 
 using Buffer::OverlapRule;
+using Io::Formats::InputFormatRow;
 using WrapperLib::CmdNewBuffer;
-using WrapperLib::FileKind;
 
 namespace {
+
+constexpr const char* detectedFileTrace = "SetFileAsSource -> ";
 
 /// NEW_BUFFER name source [option ...]
 struct NewBufferRules final : StatementRules {
@@ -21,24 +27,9 @@ struct NewBufferRules final : StatementRules {
                    rules.name[on.text("SetName -> ", &CmdNewBuffer::setBufferName)] >> newSource >>
                    newOptions)[on.end()] >>
                   rules.ws;
-        const auto fileOf = [&](const char* trace, FileKind kind) {
-            return on.with(trace, [kind](CmdNewBuffer& image, std::string_view text) {
-                image.setFileOf(std::string(text), kind);
-            });
-        };
         newSource =
             rules.ws >>
-            ((rules.keyword("FROM_FILE_BINARY") >> rules.ws >>
-              rules.textArg[on.text("SetRawFileAsSource -> ", &CmdNewBuffer::setRawFile)]) |
-             (rules.keyword("FROM_FILE") >> rules.ws >>
-              rules.textArg[on.text("SetFileAsSource -> ", &CmdNewBuffer::setFile)]) |
-             (rules.keyword("FROM_ELF") >> rules.ws >>
-              rules.textArg[fileOf("SetElfFileAsSource -> ", FileKind::Elf)]) |
-             (rules.keyword("FROM_UF2") >> rules.ws >>
-              rules.textArg[fileOf("SetUf2FileAsSource -> ", FileKind::Uf2)]) |
-             (rules.keyword("FROM_TI_TXT") >> rules.ws >>
-              rules.textArg[fileOf("SetTiTxtFileAsSource -> ", FileKind::TiTxt)]) |
-             rules.keyword("EMPTY") |
+            (FirstOf(fileRules(rules, state)) | rules.keyword("EMPTY") |
              (rules.keyword("FROM_VALUES") >> rules.ws >>
               rules.valueList[on.values("SetHexList -> ", &CmdNewBuffer::setValues)]) |
              buffersSource(rules, on, "AddBufferAsSource -> ", &CmdNewBuffer::addSourceBuffer)) >>
@@ -65,11 +56,41 @@ struct NewBufferRules final : StatementRules {
                         rules.ws;
     }
 
+    /// A rule for each source that is a file.
+    std::vector<const Rule*> fileRules(CommonRules& rules, ParserState& state) {
+        const StatementActions<CmdNewBuffer> on(state);
+        std::vector<const Rule*> alternatives;
+        const auto add = [&](const char* keyword, const auto& action) {
+            Rule& rule = files.emplace_back();
+            rule = rules.keyword(keyword) >> rules.ws >> rules.textArg[action];
+            alternatives.push_back(&rule);
+        };
+        for (const InputFormatRow& format : Io::Formats::inputFormats()) {
+            if (format.keyword == nullptr) continue;
+            add(format.keyword,
+                on.with(format.trace, [&format](CmdNewBuffer& image, std::string_view text) {
+                    image.setFileOf(std::string(text), format);
+                }));
+            // It is the beginning of the keyword for raw bytes, so it comes after that.
+            if (format.format == Facts::InputFormat::RawBinary)
+                add("FROM_FILE", on.text(detectedFileTrace, &CmdNewBuffer::setFile));
+        }
+        return alternatives;
+    }
+
     Rule newSource, newOptions, newStartAddressOption, startAddressSetting, newByteOrderOption,
         newAreasOption, bufferRangeOption, overlapOption;
+    std::deque<Rule> files;
 };
 
 }  // namespace
+
+std::vector<std::string_view> inputFileTraces() {
+    std::vector<std::string_view> traces{detectedFileTrace};
+    for (const InputFormatRow& format : Io::Formats::inputFormats())
+        if (format.trace != nullptr) traces.emplace_back(format.trace);
+    return traces;
+}
 
 std::unique_ptr<const StatementRules> newBufferCmd(CommonRules& rules, ParserState& state) {
     return std::make_unique<NewBufferRules>(rules, state);

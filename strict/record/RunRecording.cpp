@@ -64,17 +64,9 @@ private:
                 if (input.file != path) continue;
                 file.line = file.line == 0 ? input.line : file.line;
                 file.areas = Inspect::joined(input.areas, 0);
-                file.format = formatOf(path, input.isRaw);
+                file.format = Inspect::formatText(input.format);
             }
             record_.inputs.push_back(std::move(file));
-        }
-    }
-
-    static std::string formatOf(const std::string& path, bool isRaw) {
-        try {
-            return isRaw ? "raw bytes" : Inspect::formatOf(path);
-        } catch (const Io::bad_open&) {
-            return "";
         }
     }
 
@@ -108,18 +100,20 @@ private:
     }
 
     std::size_t lineOfSource(std::size_t number) const {
-        return ran_->provenance->sources()[number].statement.line;
+        const Provenance& provenance = *ran_->provenance;
+        return provenance.originOf(provenance.sources()[number]).statement.line;
     }
 
     OriginRange writtenRange(const OriginMap::Range& range) {
         const Provenance::Source& source = ran_->provenance->sources()[range.source];
-        const MapKind kind = source.file.empty() ? MapKind::Value : MapKind::Data;
+        const Provenance::Origin& origin = ran_->provenance->originOf(source);
+        const Provenance::Lines lines = ran_->provenance->linesOf(range);
         OriginRange entry{range.area,
-                          kind,
-                          source.statement.line,
-                          Platform::portablePath(source.file),
-                          source.firstLine,
-                          source.lastLine,
+                          origin.file.empty() ? MapKind::Value : MapKind::Data,
+                          origin.statement.line,
+                          Platform::portablePath(origin.file),
+                          lines.first,
+                          lines.last,
                           {}};
         if (withLines_ && source.firstLine != 0) addLines(entry, source, range.moved);
         return entry;
@@ -127,7 +121,7 @@ private:
 
     /// Adds the lines that gave the addresses, which were moved by `moved`.
     void addLines(OriginRange& entry, const Provenance::Source& source, std::uint64_t moved) {
-        const auto& runs = linesOf(source.file);
+        const auto& runs = ran_->provenance->lineRunsOf(source);
         // Runs are in the order of the file.
         auto run =
             std::ranges::lower_bound(runs, source.firstLine, {}, &Inspect::LineRun::firstLine);
@@ -146,16 +140,6 @@ private:
         area = {area.start + skipped * run.bytesPerLine,
                 end - area.start - skipped * run.bytesPerLine};
         entry.lines.push_back({area, run.firstLine + skipped, run.bytesPerLine});
-    }
-
-    const std::vector<Inspect::LineRun>& linesOf(const std::string& path) {
-        const auto found = lines_.find(path);
-        if (found != lines_.end()) return found->second;
-        try {
-            return lines_[path] = Inspect::lineRunsOf(path, Inspect::formatOf(path));
-        } catch (const Io::bad_open&) {
-            return lines_[path];
-        }
     }
 
     void addValue(const CmdNewValue& statement, std::size_t line) {
@@ -200,8 +184,7 @@ private:
     const Ran* ran_;
     bool withLines_;
     Inspect::RunRecord record_;
-    std::map<std::string, std::vector<Inspect::LineRun>> lines_;  ///< by path
-    std::map<std::string, FileDigest> digests_;                   ///< of outputs
+    std::map<std::string, FileDigest> digests_;  ///< of outputs
 };
 
 }  // namespace

@@ -9,6 +9,8 @@
 
 #include "classic/FormatFaultWords.hpp"
 #include "inspect/Words.hpp"
+#include "io/formats/InputFormats.hpp"
+#include "parser/grammar/InputFileTraces.hpp"
 #include "parser/grammar/ScriptSyntax.hpp"
 #include "platform/Paths.hpp"
 #include "strict/diagnostics/FieldWords.hpp"
@@ -95,9 +97,7 @@ std::string areaText(std::uint64_t start, std::uint64_t length) {
     return text;
 }
 
-const std::vector<std::string_view> inputFile{"SetFileAsSource -> ", "SetRawFileAsSource -> ",
-                                              "SetElfFileAsSource -> ", "SetUf2FileAsSource -> ",
-                                              "SetTiTxtFileAsSource -> "};
+const std::vector<std::string_view> inputFile = Parser::inputFileTraces();
 const std::vector<std::string_view> outputFile{"SetFileName -> "};
 const std::vector<std::string_view> anyArea{"AddArea -> ", "SetBufferRange -> ",
                                             "SetStartAddress -> "};
@@ -303,7 +303,8 @@ void RunListener::hear(const Fact& fact) {
                 report(isCut     ? Kind::NoEnd
                        : isEmpty ? Kind::EmptyImage
                                  : Kind::WrongFormat,
-                       std::string(f.file) + " is no " + Classic::nameOfFormat(f.format) +
+                       std::string(f.file) + " is no " +
+                           std::string(Io::Formats::rowOf(f.format).name) +
                            " file that can be read: " + Classic::wordsFor(f),
                        inputFile);
             },

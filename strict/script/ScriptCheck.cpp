@@ -7,6 +7,7 @@
 
 #include "inspect/Words.hpp"
 #include "parser/commands/CmdApi.hpp"
+#include "parser/grammar/InputFileTraces.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
 #include "strict/script/Arithmetic.hpp"
 
@@ -174,10 +175,9 @@ void ScriptCheck::use(const Names& names, std::string_view name, const char* wha
 }
 
 void ScriptCheck::checkTexts(std::uint32_t type, std::string_view statement) {
-    constexpr std::array<std::string_view, 9> textSteps{
-        "SetRawFileAsSource -> ", "SetFileAsSource -> ",      "SetElfFileAsSource -> ",
-        "SetUf2FileAsSource -> ", "SetTiTxtFileAsSource -> ", "SetFileName -> ",
-        "SetAppLocation -> ",     "SetArguments -> ",         ""};
+    std::vector<std::string_view> textSteps = Parser::inputFileTraces();
+    textSteps.insert(textSteps.end(),
+                     {"SetFileName -> ", "SetAppLocation -> ", "SetArguments -> ", ""});
     for (const Step& step : steps_) {
         const bool isText = std::ranges::find(textSteps, step.trace) != textSteps.end();
         // The last step of a PRINT_TEXT covers all of it.
