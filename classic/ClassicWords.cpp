@@ -5,6 +5,7 @@
 #include <string>
 
 #include "facts/FormatFaultWords.hpp"
+#include "io/formats/InputFormats.hpp"
 #include "util/Hex.hpp"
 
 namespace Classic {
@@ -12,24 +13,6 @@ namespace Classic {
 namespace {
 
 using namespace Facts;
-
-const char* nameOf(InputFormat reader) {
-    switch (reader) {
-        case InputFormat::IntelHex:
-            return "IntelHexInFile";
-        case InputFormat::MotorolaS:
-            return "MotorolaS_InFile";
-        case InputFormat::Elf:
-            return "ElfInFile";
-        case InputFormat::Uf2:
-            return "Uf2InFile";
-        case InputFormat::TiTxt:
-            return "TiTxtInFile";
-        case InputFormat::RawBinary:
-            break;
-    }
-    return "RawBinaryInFile";
-}
 
 const char* nameOf(OutputFormat writer) {
     switch (writer) {
@@ -136,7 +119,7 @@ public:
 
     void operator()(const ReadRangeOutside& fact) const {
         const bool isFill = fact.operation == ReadOperation::FillMemoryBuffer;
-        line(nameOf(fact.reader), isFill ? "(fillMemoryBuffer" : "(getMemory",
+        line(Facts::readerName(fact.reader), isFill ? "(fillMemoryBuffer" : "(getMemory",
              "-Operation). The requested extraction range from int address [", fact.start, " to ",
              fact.end, "] was out of range. ",
              isFill ? "Nothing was filled" : "Empty buffer was returned.");
@@ -199,7 +182,7 @@ public:
     }
 
     void operator()(const FileMalformed& fact) const {
-        line("file: ", fact.file, " has no ", Facts::nameOfFormat(fact.format), " format (",
+        line("file: ", fact.file, " has no ", Io::Formats::rowOf(fact.format).name, " format (",
              Facts::textOf(fact), "). Execution aboarded. The file was not parsed.");
     }
 

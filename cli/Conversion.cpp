@@ -1,64 +1,20 @@
 #include "cli/Conversion.hpp"
 
-#include <algorithm>
-#include <array>
-#include <cctype>
-#include <span>
 #include <string_view>
 
 #include "inspect/Image.hpp"
 #include "inspect/Words.hpp"
+#include "io/formats/InputFormats.hpp"
+#include "parser/commands/CmdWriteFile.hpp"
 #include "strict/ImageReading.hpp"
 
 namespace CommandLine {
 
 namespace {
 
+using Parser::WrapperLib::CmdWriteFile;
+using Parser::WrapperLib::ExportFormat;
 using Strict::ExitCode;
-
-/// What an ending of a file's name says about its contents.
-struct Ending {
-    std::string_view ending;
-    const char* source;  ///< of NEW_BUFFER; null for a format that is written only
-    const char* format;  ///< of WRITE_FILE; null for a format that is read only
-    /// What the user has to choose from, where `format` is only the first part of the keyword.
-    const char* choice = nullptr;
-};
-
-constexpr std::array endings{
-    Ending{".hex", "FROM_FILE", "IntelHexExtended"},
-    Ending{".ihx", "FROM_FILE", "IntelHexExtended"},
-    Ending{".ihex", "FROM_FILE", "IntelHexExtended"},
-    Ending{".mot", "FROM_FILE", "MotorolaS_32"},
-    Ending{".s19", "FROM_FILE", "MotorolaS_32"},
-    Ending{".s28", "FROM_FILE", "MotorolaS_32"},
-    Ending{".s37", "FROM_FILE", "MotorolaS_32"},
-    Ending{".srec", "FROM_FILE", "MotorolaS_32"},
-    Ending{".sre", "FROM_FILE", "MotorolaS_32"},
-    Ending{".elf", "FROM_ELF", nullptr},
-    Ending{".axf", "FROM_ELF", nullptr},
-    Ending{".out", "FROM_ELF", nullptr},
-    Ending{".uf2", "FROM_UF2", "Uf2_", "a family, such as Uf2_RP2040"},
-    Ending{".txt", "FROM_TI_TXT", "TiTxt"},
-    Ending{".dfu", nullptr, "DfuSe"},
-    Ending{".bin", "FROM_FILE_BINARY", "RawBinary"},
-    Ending{".raw", "FROM_FILE_BINARY", "RawBinary"},
-    Ending{".img", "FROM_FILE_BINARY", "RawBinary"},
-    Ending{".h", nullptr, "CArray"},
-    Ending{".vmem", nullptr, "Vmem_", "Vmem_1, Vmem_2, Vmem_4 or Vmem_8"},
-};
-
-/// The beginnings of the formats' keywords of which each is true.
-constexpr std::array<std::string_view, 2> withStart{"IntelHex", "MotorolaS"};
-constexpr std::array<std::string_view, 3> withoutAddresses{"RawBinary", "CArray", "EmbeddedC"};
-
-const Ending* endingOf(std::string path) {
-    std::ranges::transform(path, path.begin(),
-                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    const auto* const found = std::ranges::find_if(
-        endings, [&path](const Ending& known) { return path.ends_with(known.ending); });
-    return found == endings.end() ? nullptr : found;
-}
 
 void fail(Strict::Kind kind, std::string text, std::string hint, Strict::Printer& printer) {
     printer.take({kind, std::move(text), std::nullopt, std::move(hint), {}});
@@ -82,9 +38,9 @@ std::optional<std::string> quoted(const std::string& path, Strict::Printer& prin
 
 /// The source of NEW_BUFFER for a file, by its ending; nothing after a diagnostic.
 std::optional<std::string> sourceOf(const std::string& input, Strict::Printer& printer) {
-    const Ending* const named = endingOf(input);
-    if (named == nullptr) return "FROM_FILE";
-    if (named->source != nullptr) return named->source;
+    if (const auto* const named = Io::Formats::rowByEnding(input))
+        return std::string(Io::Formats::sourceOf(*named));
+    if (CmdWriteFile::formatByEnding(input) == nullptr) return "FROM_FILE";
     // Read as raw bytes, it would put heads and digits of the format into the image.
     fail(Strict::Kind::WrongFormat,
          "files with the ending of " + input + " are written and not read", "", printer);
@@ -94,27 +50,22 @@ std::optional<std::string> sourceOf(const std::string& input, Strict::Printer& p
 /// The format's keyword, given or of the ending; nothing after a diagnostic.
 std::optional<std::string> formatOf(const Conversion& conversion, Strict::Printer& printer) {
     if (!conversion.format.empty()) return conversion.format;
-    const Ending* const named = endingOf(conversion.output);
+    const ExportFormat* const named = CmdWriteFile::formatByEnding(conversion.output);
     if (named != nullptr && named->choice != nullptr) {
         fail(Strict::Kind::WrongFormat,
              "the ending of " + conversion.output + " names several formats",
              "give one of them by --format: " + std::string(named->choice), printer);
         return std::nullopt;
     }
-    if (named != nullptr && named->format != nullptr) return named->format;
+    if (named != nullptr) return named->usualForm == nullptr ? named->keyword : named->usualForm;
     std::string known;
-    for (const Ending& ending : endings)
-        if (ending.format != nullptr && ending.choice == nullptr)
-            known += (known.empty() ? "" : ", ") + std::string(ending.ending);
+    for (const ExportFormat& format : CmdWriteFile::formats())
+        for (const std::string_view ending : format.endings)
+            if (format.choice == nullptr)
+                known += (known.empty() ? "" : ", ") + std::string(ending);
     fail(Strict::Kind::WrongFormat, "the ending of " + conversion.output + " names no format",
          "give --format, or one of the endings " + known, printer);
     return std::nullopt;
-}
-
-/// Whether the keyword is that of one of the formats.
-bool isOneOf(std::span<const std::string_view> formats, const std::string& keyword) {
-    return std::ranges::any_of(
-        formats, [&keyword](std::string_view format) { return keyword.starts_with(format); });
 }
 
 /// The address that the image begins with after it was moved; nothing after a diagnostic.
@@ -160,9 +111,11 @@ std::optional<std::string> scriptFor(const Conversion& conversion, Strict::Print
         script += "}\n";
     }
     script += "WRITE_FILE " + *output + " WITH_BUFFERS {@Image}";
-    if (image->startAddress && isOneOf(withStart, *format))
+    const ExportFormat* const row = CmdWriteFile::formatNamed(*format);
+    if (image->startAddress && row != nullptr && row->hasStartAddress)
         script += " " + Inspect::addressText(*image->startAddress);
-    if (conversion.fill.empty() && !isOneOf(withoutAddresses, *format)) script += " -skipUnwritten";
+    const bool hasAddresses = row == nullptr || row->hasAddresses;
+    if (conversion.fill.empty() && hasAddresses) script += " -skipUnwritten";
     return script + " -setFormat=" + *format + "\n";
 }
 

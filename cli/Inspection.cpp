@@ -34,6 +34,19 @@ ExitCode ended(std::ostream& output, Printer& printer, ExitCode good) {
     return good == ExitCode::Good ? ExitCode::Failed : ExitCode::Unusable;
 }
 
+/// Keeps diagnostics until it is known where they belong.
+class Kept final : public Strict::DiagnosticSink {
+public:
+    void take(const Strict::Diagnostic& diagnostic) override { diagnostics_.push_back(diagnostic); }
+
+    void pass(Strict::DiagnosticSink& sink) const {
+        for (const Strict::Diagnostic& diagnostic : diagnostics_) sink.take(diagnostic);
+    }
+
+private:
+    std::vector<Strict::Diagnostic> diagnostics_;
+};
+
 /// The images of the files that can be read.
 std::vector<Inspect::Image> imagesOf(const Inspection& inspection, Printer& printer) {
     std::vector<Inspect::Image> images;
@@ -49,13 +62,15 @@ ExitCode info(const Inspection& inspection, Printer& printer, const Strict::Poli
     std::vector<Inspect::Info> files;
     bool isGood = true;
     for (const std::string& file : inspection.files) {
+        Kept kept;
+        auto info = Strict::readInfo(file, inspection.withSymbols, kept);
         Strict::RemarkList remarks(policy);
-        auto info = Strict::readInfo(file, inspection.withSymbols, remarks);
+        kept.pass(remarks);
         if (info && info->isRead && info->areas.empty())
             remarks.take({Strict::Kind::EmptyImage, file + " has no data"});
         isGood = isGood && info && !remarks.hasErrors();
         if (!info) {
-            Strict::readImage(file, printer);
+            kept.pass(printer);
             continue;
         }
         info->remarks = std::move(remarks.remarks);

@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "facts/FieldFacts.hpp"
+#include "facts/InputFormat.hpp"
 
 /// What a run has to report, as values without words.
 ///
@@ -77,7 +78,6 @@ struct ExtractTooLong {
 
 // Input files
 
-enum class InputFormat : std::uint8_t { IntelHex, MotorolaS, RawBinary, Elf, Uf2, TiTxt };
 enum class ReadOperation : std::uint8_t { GetMemory, FillMemoryBuffer };
 
 /// A reader was asked for a range that its file does not have; nothing was read.

@@ -2,35 +2,38 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <variant>
+
+#include "facts/InputFormat.hpp"
 
 /// What readers of text formats report of files as they are in the field. Texts are views that are
 /// valid during the report; lines are counted from 1.
 namespace Facts {
 
-enum class RecordFormat : std::uint8_t { IntelHex, SRecords };
-
 /// What is wrong with a line, and what its `found` and `expected` are.
 enum class RecordFault : std::uint8_t {
-    NotARecord,   ///< nothing
-    ForeignText,  ///< characters of a text's end with text after them: the first one
-    OtherFormat,  ///< a record of the other format
-    Digit,        ///< no hexadecimal digit: the character, and the column from 1 on
-    Digits,       ///< the number of digits of the line, and that of its count
-    CountTooLow,  ///< the count, and the lowest one for the kind of record
-    DataSize,     ///< the number of data bytes, and that of the kind of record
-    Checksum,     ///< the checksum of the record, and that of its bytes
-    Type,         ///< the type byte of Intel HEX, the type character of an S-record
-    Address,      ///< the address field of a record that has none
-    AfterEnd,     ///< the number of data bytes after the end record
-    RecordCount   ///< the count of the record, and the number of data records before it
+    NotARecord,    ///< nothing
+    ForeignText,   ///< characters of a text's end with text after them: the first one
+    OtherFormat,   ///< a record of the other format
+    Digit,         ///< no hexadecimal digit: the character, and the column from 1 on
+    Digits,        ///< the number of digits of the line, and that of its count
+    CountTooLow,   ///< the count, and the lowest one for the kind of record
+    DataSize,      ///< the number of data bytes, and that of the kind of record
+    Checksum,      ///< the checksum of the record, and that of its bytes
+    Type,          ///< the type byte of Intel HEX, the type character of an S-record
+    Address,       ///< the address field of a record that has none
+    AddressSpace,  ///< the address of data that passes the end of the address space
+    AfterEnd,      ///< the number of data bytes after the end record
+    RecordCount,   ///< the count of the record, and the number of data records before it
+    InRemark       ///< a remark that is a whole record but for its mark: nothing
 };
 
 /// A line of a file is damaged; no image is made of the file.
 struct LineDamaged {
     std::string_view file;
-    RecordFormat format;
+    InputFormat format;
     std::uint64_t lineNumber;
     std::string_view line;
     RecordFault fault;
@@ -76,18 +79,25 @@ struct LinesTolerated {
 /// A file has no end record; all its data is used.
 struct EndMissing {
     std::string_view file;
-    RecordFormat format;
+    InputFormat format;
     bool operator==(const EndMissing&) const = default;
 };
-
-/// Formats that are recognised and not read, and texts without a record.
-enum class ForeignFormat : std::uint8_t { Elf, Uf2, TiTxt, NoRecords };
 
 /// A file is neither Intel HEX nor S-records; no image is made of it.
 struct FormatForeign {
     std::string_view file;
-    ForeignFormat format;
+    std::optional<InputFormat> format;  ///< nothing for a text without a record
     bool operator==(const FormatForeign&) const = default;
+};
+
+/// A file names two start addresses, of which the later one is used.
+struct StartAddressesDiffer {
+    std::string_view file;
+    std::uint64_t earlier;
+    std::uint64_t earlierLine;
+    std::uint64_t later;
+    std::uint64_t laterLine;
+    bool operator==(const StartAddressesDiffer&) const = default;
 };
 
 /// A file gives a range of addresses, which ends before `end`, a second time.
@@ -121,7 +131,8 @@ struct FurtherOverlaps {
     bool operator==(const FurtherOverlaps&) const = default;
 };
 
-using FieldFact = std::variant<LineDamaged, LinesDamaged, LinesTolerated, EndMissing, FormatForeign,
-                               RecordsOverlap, RecordsConflict, FurtherOverlaps>;
+using FieldFact =
+    std::variant<LineDamaged, LinesDamaged, LinesTolerated, EndMissing, FormatForeign,
+                 StartAddressesDiffer, RecordsOverlap, RecordsConflict, FurtherOverlaps>;
 
 }  // namespace Facts

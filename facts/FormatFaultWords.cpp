@@ -18,11 +18,6 @@ std::string hexadecimal(std::uint64_t number) {
 
 }  // namespace
 
-std::string nameOfFormat(InputFormat format) {
-    constexpr std::array names{"Intel HEX", "S-record", "raw", "ELF", "UF2", "TI-TXT"};
-    return names.at(static_cast<std::size_t>(format));
-}
-
 std::string textOf(const FileMalformed& fact) {
     const std::string where = std::to_string(fact.where);
     const std::string number = std::to_string(fact.number);

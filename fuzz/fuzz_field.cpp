@@ -12,8 +12,10 @@
 #include "facts/Listener.hpp"
 #include "fuzz/Check.hpp"
 #include "fuzz/PlatformInMemory.hpp"
+#include "io/InFile.hpp"
 #include "io/field/FieldInFile.hpp"
-#include "io/field/FieldReading.hpp"
+#include "io/formats/FieldReading.hpp"
+#include "io/formats/InputFormats.hpp"
 #include "io/import/GenericInFile.hpp"
 
 namespace {
@@ -73,11 +75,36 @@ void checkSame(const TessaronImportApi& field, const GenericInFile& classic) {
     }
 }
 
-/// Every address comes from a line, and an area crops wherever it begins.
+/// Takes the data records that a walk over a file finds for runs of lines.
+class Runs final : public Io::Import::RecordVisitor {
+public:
+    void visit(const Io::Import::RecordLines& records) override {
+        if (records.size == 0) return;
+        check(records.firstLine > lastLine_ && records.isData, "lines of data come in their order");
+        lastLine_ = records.firstLine + records.count - 1;
+        const Area area{records.address, records.count * records.size};
+        if (runs_.empty() || runs_.back().area.end() != area.start)
+            runs_.push_back({area, records.firstLine, lastLine_});
+        else
+            runs_.back() = {{runs_.back().area.start, runs_.back().area.length + area.length},
+                            runs_.back().firstLine,
+                            lastLine_};
+    }
+
+    const std::vector<Io::Import::SourceRun>& runs() const { return runs_; }
+
+private:
+    std::vector<Io::Import::SourceRun> runs_;
+    std::uint64_t lastLine_ = 0;
+};
+
+/// A walk over the records finds the lines that the reader kept, and an area crops wherever it
+/// begins.
 void checkLines(const TessaronImportApi& field) {
-    for (const auto& run : field.getSourceRuns()) {
-        const std::uint64_t line = field.findLine(run.area.start);
-        check(line != 0 && run.firstLine <= run.lastLine, "a byte comes from a line");
+    if (const auto walk = Io::Formats::rowOf(field.getFormat()).walk) {
+        Runs walked;
+        walk(inputPath, Io::openInput(inputPath), walked);
+        check(walked.runs() == field.getSourceRuns(), "a walk finds the lines that were read");
     }
     const std::uint64_t start = field.getMinAddress();
     const std::uint64_t before = std::min<std::uint64_t>(start, 3);
@@ -98,7 +125,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::unique_ptr<TessaronImportApi> field;
     {
         const Facts::ListenerScope scope(heard);
-        field = Io::Field::FieldReading().open(inputPath, Buffer::OverlapRule::NotSet);
+        field = Io::Formats::FieldReading().open(inputPath, Buffer::OverlapRule::NotSet);
     }
     check((field == nullptr) == heard.isDamaged, "a file is refused for a reason and only for one");
     if (!field) return 0;

@@ -7,6 +7,7 @@
 
 #include "inspect/Json.hpp"
 #include "inspect/Words.hpp"
+#include "io/formats/InputFormats.hpp"
 #include "util/Hex.hpp"
 
 namespace Inspect {
@@ -188,8 +189,9 @@ std::string startText(const Image& image) {
 
 std::string headText(const char* mark, const Image& image) {
     const AreaList areas = image.areas();
-    return mark + image.path + "  " + image.format + ", " + countText(byteCount(areas), "byte") +
-           " in " + countText(areas.size(), "area") + ", start address " + startText(image) + "\n";
+    return mark + image.path + "  " + formatText(image.format) + ", " +
+           countText(byteCount(areas), "byte") + " in " + countText(areas.size(), "area") +
+           ", start address " + startText(image) + "\n";
 }
 
 /// The written bytes of `area`, the first ones of a long one.
@@ -203,9 +205,18 @@ std::string hexOf(const Parts& parts, const Area& area) {
 
 Json sideJson(const Image& image) {
     const AreaList areas = image.areas();
-    Json json{{"file", image.path}, {"format", image.format}, {"bytes", byteCount(areas)}};
+    Json json{
+        {"file", image.path}, {"format", formatText(image.format)}, {"bytes", byteCount(areas)}};
     if (image.startAddress) json["startAddress"] = addressText(*image.startAddress);
     return json;
+}
+
+/// The file says what the start address is, or that there is none. An S-record file without one
+/// ends with a record for address 0 all the same.
+bool saysStart(const Image& image) {
+    using enum Io::Formats::StartAddress;
+    const auto form = Io::Formats::rowOf(image.format).startAddress;
+    return form == Optional || (form == Always && image.startAddress.value_or(0) != 0);
 }
 
 }  // namespace
@@ -225,10 +236,8 @@ Diff compare(const Image& left, const Image& right, const AreaList& ignored) {
         for (AreaList* const areas :
              {&diff.where.changed, &diff.where.onlyLeft, &diff.where.onlyRight})
             *areas = without(*areas, holes);
-    // An S-record file without a start address ends with a record for address 0.
-    const std::uint64_t one = left.startAddress.value_or(0);
-    const std::uint64_t other = right.startAddress.value_or(0);
-    diff.hasOtherStart = one != 0 && other != 0 && one != other;
+    diff.hasOtherStart = saysStart(left) && saysStart(right) &&
+                         left.startAddress.value_or(0) != right.startAddress.value_or(0);
     return diff;
 }
 

@@ -14,7 +14,8 @@ struct Diff {
     const Image* left;
     const Image* right;
     Buffer::Differences where;
-    bool hasOtherStart = false;  ///< both have a start address other than 0, and not the same
+    /// Both files say what the start address is, and it is not the same. None counts as 0.
+    bool hasOtherStart = false;
 
     bool isEqual() const {
         return where.changed.empty() && where.onlyLeft.empty() && where.onlyRight.empty() &&

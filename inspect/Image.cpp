@@ -1,16 +1,10 @@
 #include "inspect/Image.hpp"
 
 #include <algorithm>
-#include <memory>
 
 #include "buffer/Overlap.hpp"
-#include "io/InFile.hpp"
-#include "io/field/FieldFormat.hpp"
-#include "io/field/FieldReading.hpp"
-#include "io/import/elf/ElfInFile.hpp"
-#include "io/import/titxt/TiTxtInFile.hpp"
-#include "io/import/uf2/Uf2InFile.hpp"
-#include "util/Hex.hpp"
+#include "io/formats/AnyFile.hpp"
+#include "io/formats/InputFormats.hpp"
 
 namespace Inspect {
 
@@ -34,15 +28,6 @@ Parts partsOf(Io::Import::TessaronImportApi& file) {
     for (const Area& area : joined(file.getDataAreas(), dividingGap))
         parts.push_back(file.getMemory(area.start, area.length));
     return parts;
-}
-
-/// A reader for what the file is; null after a report.
-std::unique_ptr<Io::Import::TessaronImportApi> readerOf(const std::string& path) {
-    const std::string format = formatOf(path);
-    if (format == "ELF") return std::make_unique<Io::Import::ElfInFile>(path);
-    if (format == "UF2") return std::make_unique<Io::Import::Uf2InFile>(path);
-    if (format == "TI-TXT") return std::make_unique<Io::Import::TiTxtInFile>(path);
-    return Io::Field::FieldReading().open(path, Buffer::OverlapRule::NotSet);
 }
 
 }  // namespace
@@ -70,33 +55,21 @@ AreaList joined(AreaList areas, std::uint64_t gap) {
     return wide;
 }
 
-std::string formatOf(const std::string& path) {
-    const Io::Field::FieldFormat format = Io::Field::fieldFormatOf(path, Io::openInput(path));
-    if (const auto* const records = std::get_if<Facts::RecordFormat>(&format))
-        return *records == Facts::RecordFormat::IntelHex ? "Intel HEX" : "S-records";
-    if (std::holds_alternative<Io::Field::RawFormat>(format)) return "raw bytes";
-    switch (std::get<Facts::ForeignFormat>(format)) {
-        case Facts::ForeignFormat::Elf:
-            return "ELF";
-        case Facts::ForeignFormat::Uf2:
-            return "UF2";
-        case Facts::ForeignFormat::TiTxt:
-            return "TI-TXT";
-        case Facts::ForeignFormat::NoRecords:
-            break;
-    }
-    return "no image";
+std::string formatText(std::optional<Facts::InputFormat> format) {
+    return format ? std::string(Io::Formats::rowOf(*format).name) : "no image";
+}
+
+Image imageOf(const std::string& path, Io::Import::TessaronImportApi& reader) {
+    Image image{path, reader.getFormat(), {}, std::nullopt};
+    if (reader.hasStartAddress()) image.startAddress = reader.getStartAddress();
+    image.parts = partsOf(reader);
+    return image;
 }
 
 std::optional<Image> openImage(const std::string& path) {
-    const auto file = readerOf(path);
-    if (file == nullptr) return std::nullopt;
-    Image image;
-    image.path = path;
-    image.format = formatOf(path);
-    if (file->hasStartAddress()) image.startAddress = file->getStartAddress();
-    image.parts = partsOf(*file);
-    return image;
+    const Io::Formats::AnyFile file = Io::Formats::openAny(path);
+    if (file.reader == nullptr) return std::nullopt;
+    return imageOf(path, *file.reader);
 }
 
 std::uint64_t byteCount(const AreaList& areas) {

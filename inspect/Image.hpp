@@ -7,6 +7,8 @@
 
 #include "buffer/Area.hpp"
 #include "buffer/MemoryBuffer.hpp"
+#include "facts/InputFormat.hpp"
+#include "io/import/TessaronImportApi.hpp"
 
 namespace Inspect {
 
@@ -18,8 +20,8 @@ using Parts = std::vector<Buffer::MemoryBuffer>;
 
 /// A file as it was read.
 struct Image {
-    std::string path;    ///< as given
-    std::string format;  ///< "Intel HEX", "S-records", "ELF", "UF2", "TI-TXT", "raw bytes"
+    std::string path;  ///< as given
+    Facts::InputFormat format;
     Parts parts;
     std::optional<std::uint64_t> startAddress;
 
@@ -31,12 +33,14 @@ struct Image {
 /// listener in force; nothing is returned for a damaged file.
 ///
 /// @throws Io::bad_open
+/// @throws Io::Import::Malformed  after a report
 std::optional<Image> openImage(const std::string& path);
 
-/// The format of a file's contents, in words: see `Image::format`.
-///
-/// @throws Io::bad_open
-std::string formatOf(const std::string& path);
+/// What `reader` has read of the file `path`, which it gives away.
+Image imageOf(const std::string& path, Io::Import::TessaronImportApi& reader);
+
+/// The name of a format for people; "no image" for a text without a record.
+std::string formatText(std::optional<Facts::InputFormat> format);
 
 /// The areas in ascending order, joined where they overlap or less than `gap` lies between them.
 Buffer::AreaList joined(Buffer::AreaList areas, std::uint64_t gap);

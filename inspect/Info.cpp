@@ -7,9 +7,8 @@
 
 #include "inspect/Json.hpp"
 #include "inspect/Words.hpp"
-#include "io/InFile.hpp"
-#include "io/import/elf/ElfFile.hpp"
-#include "platform/Paths.hpp"
+#include "io/formats/AnyFile.hpp"
+#include "io/import/Malformed.hpp"
 #include "util/Hex.hpp"
 
 namespace Inspect {
@@ -55,8 +54,8 @@ std::string recordsText(const Records& records, std::size_t width) {
     std::string text = listText("  records   " + grouped(records.total()) + ":", kinds, width);
     if (records.dataLengths.empty()) return text;
     // Most files have one length and a rest; a file of many lengths shows the frequent ones.
-    std::vector<std::pair<unsigned, std::uint64_t>> lengths(records.dataLengths.begin(),
-                                                            records.dataLengths.end());
+    std::vector<std::pair<std::size_t, std::uint64_t>> lengths(records.dataLengths.begin(),
+                                                               records.dataLengths.end());
     std::ranges::stable_sort(lengths, std::ranges::greater{},
                              &decltype(lengths)::value_type::second);
     constexpr std::size_t mostShown = 6;
@@ -139,26 +138,30 @@ std::string dataText(const Info& info) {
     return text;
 }
 
-std::string wordFor(Io::Import::ElfSymbol::Kind kind) {
+std::string wordFor(Io::Import::Symbol::Kind kind) {
     switch (kind) {
-        case Io::Import::ElfSymbol::Kind::Data:
+        case Io::Import::Symbol::Kind::Data:
             return "data";
-        case Io::Import::ElfSymbol::Kind::Function:
+        case Io::Import::Symbol::Kind::Function:
             return "function";
-        case Io::Import::ElfSymbol::Kind::Other:
+        case Io::Import::Symbol::Kind::Other:
             break;
     }
     return "label";
 }
 
-/// Adds what only an ELF file has.
-void addLoaded(Info& info, bool withSymbols) {
-    const Io::Import::ElfFile file(info.path);
-    for (const auto& segment : file.segments())
-        info.segments.push_back({{segment.address, segment.length}, "", ""});
+/// Adds what only some formats have. Damaged symbols, which were reported, are left out.
+void addLoaded(Info& info, const Io::Import::TessaronImportApi& file, bool withSymbols) {
+    info.devices = file.getDevices();
+    for (const Area& area : file.getSegments()) info.segments.push_back({area, "", ""});
     if (!withSymbols) return;
-    for (const auto& symbol : file.symbols())
-        info.symbols.push_back({{symbol.address, symbol.size}, wordFor(symbol.kind), symbol.name});
+    try {
+        for (const Io::Import::Symbol& symbol : file.getSymbols())
+            info.symbols.push_back(
+                {{symbol.address, symbol.size}, wordFor(symbol.kind), symbol.name});
+    } catch (const Io::Import::Malformed&) {
+        return;
+    }
     std::ranges::stable_sort(info.symbols, {},
                              [](const Loaded& symbol) { return symbol.area.start; });
 }
@@ -186,36 +189,33 @@ std::string symbolsText(const std::vector<Loaded>& symbols) {
 Info infoAbout(const std::string& path, bool withSymbols) {
     Info info;
     info.path = path;
-    info.format = formatOf(path);
-    info.fileSize = Io::openInput(path).size();
-    // Both take about as long, and a machine has more than one core. What is no regular file is
-    // only in the host of this thread.
-    const bool isRegular = Platform::isRegularFile(path);
-    auto records =
-        std::async(isRegular ? std::launch::async | std::launch::deferred : std::launch::deferred,
-                   &countRecords, path, info.format);
-    const auto image = openImage(path);
-    info.records = records.get();
-    if (!image) return info;
+    RecordCounter counter;
+    const Io::Formats::AnyFile file = Io::Formats::openAny(path, &counter);
+    info.format = file.format;
+    info.fileSize = file.size;
+    if (info.format) info.records = counter.result(*info.format);
+    if (file.reader == nullptr) return info;
     info.isRead = true;
-    if (info.format == "ELF") addLoaded(info, withSymbols);
-    info.startAddress = image->startAddress;
-    const AreaList areas = image->areas();
+    addLoaded(info, *file.reader, withSymbols);
+    const Image image = imageOf(path, *file.reader);
+    info.startAddress = image.startAddress;
+    const AreaList areas = image.areas();
     // The digest of all areas takes as long as those of each, and is computed beside them.
     std::future<Digest> whole;
     if (areas.size() != 1)
         whole = std::async(std::launch::async | std::launch::deferred,
-                           [&image, &areas] { return digestOf(image->parts, areas); });
-    for (const Area& area : areas) info.areas.push_back({area, digestOf(image->parts, area)});
+                           [&image, &areas] { return digestOf(image.parts, areas); });
+    for (const Area& area : areas) info.areas.push_back({area, digestOf(image.parts, area)});
     info.digest = whole.valid() ? whole.get() : info.areas.front().digest;
     return info;
 }
 
 std::string textOf(const Info& info, std::size_t width) {
     std::string text =
-        info.path + ": " + info.format + ", " + countText(info.fileSize, "byte") + "\n";
+        info.path + ": " + formatText(info.format) + ", " + countText(info.fileSize, "byte") + "\n";
     if (info.records.total() != 0) text += recordsText(info.records, width);
     if (info.startAddress) text += "  start     " + addressText(*info.startAddress) + "\n";
+    for (const std::string& device : info.devices) text += "  device    " + device + "\n";
     text += segmentsText(info.segments);
     text += "  data      " + dataText(info) + "\n";
     if (!info.areas.empty())
@@ -229,12 +229,14 @@ std::string textOf(const Info& info, std::size_t width) {
 std::string jsonOf(const std::vector<Info>& files) {
     Json list = Json::array();
     for (const Info& info : files) {
-        Json json{{"file", info.path}, {"format", info.format}, {"size", info.fileSize}};
+        Json json{
+            {"file", info.path}, {"format", formatText(info.format)}, {"size", info.fileSize}};
         for (const Records::Kind& kind : info.records.kinds)
             json["records"][kind.name] = kind.count;
         for (const auto& [length, count] : info.records.dataLengths)
             json["recordLengths"][std::to_string(length)] = count;
         if (info.startAddress) json["startAddress"] = addressText(*info.startAddress);
+        for (const std::string& device : info.devices) json["devices"].push_back(device);
         std::uint64_t bytes = 0;
         AreaList gaps;
         Json areas = Json::array();

@@ -40,15 +40,16 @@ struct Loaded {
 /// What there is to know of a file.
 struct Info {
     std::string path;
-    std::string format;
+    std::optional<Facts::InputFormat> format;  ///< nothing for a text without a record
     std::uint64_t fileSize = 0;
     Records records;
     bool isRead = false;  ///< false for a damaged file, which has no areas
     std::vector<AreaInfo> areas;
     Digest digest;  ///< of the data of all areas, ascending
     std::optional<std::uint64_t> startAddress;
-    std::vector<Loaded> segments;  ///< of an ELF file, in the order of its program headers
-    std::vector<Loaded> symbols;   ///< of an ELF file, by address, if they were asked for
+    std::vector<std::string> devices;  ///< that the file says it is for
+    std::vector<Loaded> segments;      ///< of an ELF file, in the order of its program headers
+    std::vector<Loaded> symbols;       ///< of an ELF file, by address, if they were asked for
     std::vector<Remark> remarks;
 };
 

@@ -1,96 +1,67 @@
 #include "inspect/LineRuns.hpp"
 
-#include <array>
-#include <cstddef>
-#include <cstdint>
-#include <string_view>
+#include <algorithm>
+#include <iterator>
+#include <utility>
 
 #include "io/InFile.hpp"
-#include "io/field/FieldLines.hpp"
-#include "util/Hex.hpp"
+#include "io/formats/InputFormats.hpp"
 
 namespace Inspect {
 
 namespace {
 
-/// The bytes of a record's first fields, those in front of its data.
-struct Head {
-    std::array<std::uint8_t, 8> bytes{};
-    bool isRead = false;
-
-    /// The big-endian number of `count` bytes from `at` on.
-    std::uint64_t number(std::size_t at, std::size_t count) const {
-        std::uint64_t value = 0;
-        for (std::size_t i = 0; i < count; ++i) value = value << 8U | bytes[at + i];
-        return value;
-    }
-};
-
-/// `count` bytes of two digits each from column `at` on.
-Head headOf(std::string_view line, std::size_t at, std::size_t count) {
-    Head head;
-    head.isRead =
-        line.size() >= at + 2 * count && Util::readHex(head.bytes.data(), line.data() + at, count);
-    return head;
-}
-
-/// The area of the data record that `line` is, or an empty one. Keeps the base address in force.
-class RecordAreas {
+/// Collects the lines that have data.
+class Collector final : public Io::Import::RecordVisitor {
 public:
-    explicit RecordAreas(bool isIntel) : isIntel_(isIntel) {}
+    void visit(const Io::Import::RecordLines& records) override {
+        if (records.size == 0) return;
+        const Buffer::Area area{records.address, records.count * records.size};
+        if (!extend(records, area)) runs_.push_back({area, records.firstLine, records.size});
+    }
 
-    Buffer::Area next(std::string_view line) { return isIntel_ ? intel(line) : motorola(line); }
+    std::vector<LineRun> takeRuns() { return std::move(runs_); }
 
 private:
-    Buffer::Area intel(std::string_view line) {
-        const Head head = headOf(line, 1, 4);
-        if (!line.starts_with(':') || !head.isRead) return {};
-        const std::uint8_t type = head.bytes[3];
-        if (type == 0) return {base_ + head.number(1, 2), head.bytes[0]};
-        if (type == 2 || type == 4) {
-            const Head address = headOf(line, 9, 2);
-            base_ = address.number(0, 2) << (type == 2 ? 4U : 16U);
-        }
-        return {};
+    /// Lets lines that go on where the last run ends, and have as many bytes as its lines, belong
+    /// to it. A shorter one does so as its last line.
+    bool extend(const Io::Import::RecordLines& records, const Buffer::Area& area) {
+        if (runs_.empty()) return false;
+        LineRun& run = runs_.back();
+        const std::uint64_t lines = run.area.length / run.bytesPerLine;
+        const bool isNext = area.start == run.area.end() &&
+                            records.firstLine == run.firstLine + lines &&
+                            run.area.length % run.bytesPerLine == 0;
+        const bool fits = records.size == run.bytesPerLine ||
+                          (records.count == 1 && records.size < run.bytesPerLine);
+        if (!isNext || !fits) return false;
+        run.area.length += area.length;
+        return true;
     }
 
-    static Buffer::Area motorola(std::string_view line) {
-        if (line.size() < 2 || line[0] != 'S' || line[1] < '1' || line[1] > '3') return {};
-        const auto addressBytes = static_cast<std::size_t>(line[1] - '0') + 1;
-        const Head head = headOf(line, 2, 1 + addressBytes);
-        const std::size_t others = addressBytes + 1;
-        if (!head.isRead || head.bytes[0] < others) return {};
-        return {head.number(1, addressBytes), head.bytes[0] - others};
-    }
-
-    bool isIntel_;
-    std::uint64_t base_ = 0;
+    std::vector<LineRun> runs_;
 };
-
-/// Lets a line that goes on where the run ends, and has as many bytes as the lines before it,
-/// belong to the run. A shorter one does so as its last line.
-bool extend(LineRun& run, const Buffer::Area& area, std::uint64_t line) {
-    const std::uint64_t lines = run.area.length / run.bytesPerLine;
-    const bool isNext = area.start == run.area.end() && line == run.firstLine + lines &&
-                        run.area.length % run.bytesPerLine == 0;
-    if (!isNext || area.length > run.bytesPerLine) return false;
-    run.area.length += area.length;
-    return true;
-}
 
 }  // namespace
 
-std::vector<LineRun> lineRunsOf(const std::string& path, const std::string& format) {
-    std::vector<LineRun> runs;
-    if (format != "Intel HEX" && format != "S-records") return runs;
-    RecordAreas areas(format == "Intel HEX");
-    for (Io::Field::FieldLines lines(Io::openInput(path)); lines.next();) {
-        const Buffer::Area area = areas.next(lines.line());
-        if (area.length == 0) continue;
-        if (runs.empty() || !extend(runs.back(), area, lines.number()))
-            runs.push_back({area, lines.number(), area.length});
+std::vector<LineRun> lineRunsOf(const std::string& path, Facts::InputFormat format) {
+    Collector collector;
+    if (const auto walk = Io::Formats::rowOf(format).walk)
+        walk(path, Io::openInput(path), collector);
+    return collector.takeRuns();
+}
+
+std::uint64_t lineAt(const std::vector<LineRun>& runs, std::uint64_t address,
+                     std::uint64_t firstLine, std::uint64_t lastLine) {
+    // Runs are in the order of the file, and the first line may lie within one of them.
+    auto run = std::ranges::upper_bound(runs, firstLine, {}, &LineRun::firstLine);
+    if (run != runs.begin()) --run;
+    for (; run != runs.end() && run->firstLine <= lastLine; ++run) {
+        const std::uint64_t line = run->firstLine + (address - run->area.start) / run->bytesPerLine;
+        const bool isIn = run->area.contains({address, 1}) && line >= firstLine && line <= lastLine;
+        if (isIn) return line;
     }
-    return runs;
+    return 0;
 }
 
 }  // namespace Inspect

@@ -1,16 +1,25 @@
 #pragma once
 
+#include <cstdint>
+#include <limits>
 #include <string>
 #include <vector>
 
+#include "facts/InputFormat.hpp"
 #include "inspect/RunRecord.hpp"
 
 namespace Inspect {
 
-/// Which line of a sound file in Intel HEX or S-records gave which addresses, in the order of the
-/// file. None for another format.
+/// Which line of a sound text file gave which addresses, in the order of the file. None for a
+/// format without lines.
 ///
 /// @throws Io::bad_open
-std::vector<LineRun> lineRunsOf(const std::string& path, const std::string& format);
+std::vector<LineRun> lineRunsOf(const std::string& path, Facts::InputFormat format);
+
+/// The line among those from `firstLine` to `lastLine` that gave an address; 0 if none did. Of a
+/// file that gives the address twice, they are the lines of one of its runs.
+std::uint64_t lineAt(const std::vector<LineRun>& runs, std::uint64_t address,
+                     std::uint64_t firstLine = 0,
+                     std::uint64_t lastLine = std::numeric_limits<std::uint64_t>::max());
 
 }  // namespace Inspect

@@ -1,9 +1,13 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
+
+#include "facts/InputFormat.hpp"
+#include "io/import/RecordVisitor.hpp"
 
 namespace Inspect {
 
@@ -15,15 +19,24 @@ struct Records {
     };
     std::vector<Kind> kinds;  ///< those that occur, by their number in the format
     /// How many data records have how many data bytes.
-    std::map<unsigned, std::uint64_t> dataLengths;
+    std::map<std::size_t, std::uint64_t> dataLengths;
 
     std::uint64_t total() const;
 };
 
-/// Counts the records of a file in Intel HEX or S-records by the digits that name their kind and
-/// length; whether a record is sound is for the readers to say. None for another format.
-///
-/// @throws Io::bad_open
-Records countRecords(const std::string& path, const std::string& format);
+/// Counts the sound records of a file while it is read.
+class RecordCounter final : public Io::Import::RecordVisitor {
+public:
+    void visit(const Io::Import::RecordLines& records) override;
+
+    /// What was counted; nothing of a format whose records have no names.
+    Records result(Facts::InputFormat format) const;
+
+private:
+    static constexpr std::size_t byteValues = 256;
+
+    std::array<std::uint64_t, byteValues> counts_{};   ///< by the number of the kind
+    std::array<std::uint64_t, byteValues> lengths_{};  ///< of data records
+};
 
 }  // namespace Inspect

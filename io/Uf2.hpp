@@ -4,7 +4,8 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <string_view>
+
+#include "io/NamedNumber.hpp"
 
 /// Blocks of UF2 files and the families of devices (Microsoft, "USB Flashing Format (UF2)",
 /// https://github.com/microsoft/uf2).
@@ -42,10 +43,7 @@ void writeBlock(std::span<std::uint8_t> out, const Block& block,
                 std::span<const std::uint8_t> data);
 
 /// A kind of device.
-struct Family {
-    std::string_view name;
-    std::uint32_t number;
-};
+using Family = NamedNumber;
 
 /// The families of the published list, in its order.
 std::span<const Family> families();

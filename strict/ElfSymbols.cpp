@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <variant>
 
@@ -12,6 +13,7 @@
 #include "io/File.hpp"
 #include "io/import/Malformed.hpp"
 #include "io/import/elf/ElfFile.hpp"
+#include "platform/Paths.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
 
 namespace Strict {
@@ -19,7 +21,7 @@ namespace Strict {
 namespace {
 
 using Io::Import::ElfFile;
-using Io::Import::ElfSymbol;
+using Io::Import::Symbol;
 
 void report(DiagnosticSink& sink, Kind kind, std::string text, std::string hint = {}) {
     sink.take({kind, std::move(text), std::nullopt, std::move(hint), {}});
@@ -45,8 +47,8 @@ private:
 };
 
 /// The symbols of a file, or nothing after a diagnostic.
-std::optional<std::vector<ElfSymbol>> read(const std::string& path, const RunFiles& files,
-                                           DiagnosticSink& sink) {
+std::optional<std::vector<Symbol>> read(const std::string& path, const RunFiles& files,
+                                        DiagnosticSink& sink) {
     FileListener listener(sink);
     const Facts::ListenerScope listening(listener);
     try {
@@ -59,12 +61,16 @@ std::optional<std::vector<ElfSymbol>> read(const std::string& path, const RunFil
 }
 
 /// The address of the symbol `name` of the file `path`, or nothing after a diagnostic.
-std::optional<std::uint64_t> addressOf(const std::vector<ElfSymbol>& symbols,
-                                       const std::string& path, const std::string& name,
-                                       DiagnosticSink& sink) {
+std::optional<std::uint64_t> addressOf(const std::vector<Symbol>& symbols, const std::string& path,
+                                       const std::string& name, DiagnosticSink& sink) {
     std::optional<std::uint64_t> address;
-    for (const ElfSymbol& symbol : symbols) {
+    // A name that all files of a program share means more than one that a single file has for
+    // itself.
+    const bool hasGlobal = std::ranges::any_of(
+        symbols, [&name](const Symbol& symbol) { return symbol.isGlobal && symbol.name == name; });
+    for (const Symbol& symbol : symbols) {
         if (symbol.name != name || address == symbol.address) continue;
+        if (hasGlobal && !symbol.isGlobal) continue;
         if (address) {
             std::string text = path;
             report(sink, Kind::UnknownName, text.append(" has several symbols ").append(name));
@@ -75,7 +81,7 @@ std::optional<std::uint64_t> addressOf(const std::vector<ElfSymbol>& symbols,
     if (!address) {
         std::vector<std::string> names;
         names.reserve(symbols.size());
-        for (const ElfSymbol& symbol : symbols) names.push_back(symbol.name);
+        for (const Symbol& symbol : symbols) names.push_back(symbol.name);
         const auto close = nearest(name, names);
         report(sink, Kind::UnknownName, path + " has no symbol " + name,
                close ? "did you mean " + *close + "?"
@@ -89,26 +95,57 @@ std::optional<std::uint64_t> addressOf(const std::vector<ElfSymbol>& symbols,
     return address;
 }
 
+/// A request for the address of a symbol.
+struct Request {
+    std::string variable;
+    std::string path;
+    std::string symbol;
+};
+
+/// The places of the colons that may part a path from a symbol: pairs of them belong to names of
+/// C++, and one after the first letter may be that of a drive.
+std::vector<std::size_t> partingColons(std::string_view text) {
+    std::vector<std::size_t> colons;
+    for (std::size_t at = text.find(':'); at != std::string_view::npos; at = text.find(':', at)) {
+        const std::size_t end = std::min(text.find_first_not_of(':', at), text.size());
+        const bool isDrive = at == 1 && end < text.size() && (text[2] == '/' || text[2] == '\\');
+        if (end - at != 2 && !isDrive) colons.push_back(at);
+        at = end;
+    }
+    return colons;
+}
+
+/// The parts of a text "NAME=file:symbol". Of several possible files it is the first that exists.
+Request requestOf(const std::string& text) {
+    const std::size_t equals = text.find('=');
+    const std::string source = text.substr(equals + 1);
+    const std::vector<std::size_t> colons = partingColons(source);
+    const auto exists = std::ranges::find_if(colons, [&source](std::size_t colon) {
+        return Platform::isRegularFile(source.substr(0, colon));
+    });
+    const std::size_t colon = exists != colons.end() ? *exists
+                              : colons.empty()       ? source.rfind(':')
+                                                     : colons.front();
+    return {text.substr(0, equals), source.substr(0, colon), source.substr(colon + 1)};
+}
+
 }  // namespace
 
 bool resolveSymbols(const std::vector<std::string>& requests, RunFiles& files,
                     std::map<std::string, std::string>& variables, DiagnosticSink& sink) {
     const Io::HostScope hosting(files);
-    std::map<std::string, std::optional<std::vector<ElfSymbol>>> known;
+    std::map<std::string, std::optional<std::vector<Symbol>>> known;
     bool isGood = true;
-    for (const std::string& request : requests) {
-        const std::size_t equals = request.find('=');
-        const std::size_t colon = request.rfind(':');
-        const std::string path = request.substr(equals + 1, colon - equals - 1);
-        const auto [file, isNew] = known.try_emplace(path);
-        if (isNew) file->second = read(path, files, sink);
+    for (const std::string& text : requests) {
+        const Request request = requestOf(text);
+        const auto [file, isNew] = known.try_emplace(request.path);
+        if (isNew) file->second = read(request.path, files, sink);
         if (!file->second) {
             isGood = false;
             continue;
         }
-        const auto address = addressOf(*file->second, path, request.substr(colon + 1), sink);
-        if (address)
-            variables.try_emplace(request.substr(0, equals), Inspect::addressText(*address));
+        const auto address = addressOf(*file->second, request.path, request.symbol, sink);
+        if (address) variables.try_emplace(request.variable, Inspect::addressText(*address));
         isGood = isGood && address.has_value();
     }
     return isGood;

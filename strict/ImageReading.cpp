@@ -7,24 +7,12 @@
 #include "facts/Listener.hpp"
 #include "io/File.hpp"
 #include "io/import/Malformed.hpp"
-#include "platform/Files.hpp"
-#include "platform/Paths.hpp"
 #include "strict/RunListener.hpp"
 #include "strict/files/RunFiles.hpp"
 
 namespace Strict {
 
 namespace {
-
-/// A pipe can be read only once, but a file is opened several times: its bytes are kept as if the
-/// run had written them.
-void keepStream(RunFiles& files, const std::string& path) {
-    if (Platform::isRegularFile(path)) return;
-    const auto contents = Platform::readFile(path);
-    if (!contents) return;
-    const auto copy = files.createOutput(path, Platform::FileMode::Binary);
-    if (copy != nullptr && copy->write(contents->text())) copy->close();
-}
 
 /// What `read` returns for the path, or nothing after a diagnostic.
 template <class Read>
@@ -34,7 +22,6 @@ auto readWith(Read read, const std::string& path, DiagnosticSink& sink) -> declt
     RunListener listener(reports, nullptr,
                          {[&files](std::string_view file) { return files.reasonFor(file); },
                           [](std::string_view /*name*/) { return true; }});
-    keepStream(files, path);
     const Facts::ListenerScope listening(listener);
     const Io::HostScope hosting(files);
     try {

@@ -12,7 +12,7 @@
 
 #include "classic/ClassicWords.hpp"
 #include "inspect/Digest.hpp"
-#include "io/field/FieldReading.hpp"
+#include "io/formats/FieldReading.hpp"
 #include "parser/commands/Conventions.hpp"
 #include "parser/text/VariableExpansion.hpp"
 #include "platform/Files.hpp"
@@ -164,7 +164,7 @@ public:
           listener_(reports_, &printed_,
                     {[&files](std::string_view path) { return files.reasonFor(path); },
                      [&check](std::string_view name) { return check.isMade(name); }}),
-          provenance_(reports_, reading_) {
+          provenance_(reports_) {
         context_.reading = &reading_;
         context_.observer = &provenance_;
     }
@@ -235,7 +235,7 @@ private:
     Classic::ClassicWords printed_;
     StatementReports reports_;
     RunListener listener_;
-    Io::Field::FieldReading reading_;
+    Io::Formats::FieldReading reading_;
     Provenance provenance_;
     Parser::WrapperLib::CmdContext context_;
 };

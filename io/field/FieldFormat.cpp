@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -13,12 +12,10 @@ namespace Io::Field {
 
 namespace {
 
-using Facts::ForeignFormat;
-using Facts::RecordFormat;
+using Facts::InputFormat;
 
 constexpr std::string_view digits = "0123456789ABCDEFabcdef";
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
-constexpr std::string_view blanks = " \t\r\n\f\v";
 /// Digits after the first characters of a record that tell it from other text.
 constexpr std::size_t recordDigits = 8;
 constexpr std::size_t longestStart = 2 + recordDigits;
@@ -32,23 +29,6 @@ bool isDecimal(char c) {
     return c >= '0' && c <= '9';
 }
 
-/// ELF (System V ABI, chapter 4) and UF2 (its specification, "File format") by their first bytes,
-/// TI-TXT by "@", an address and bytes that blanks separate.
-std::optional<ForeignFormat> foreignFormatOf(std::string_view head) {
-    using namespace std::string_view_literals;
-    if (head.starts_with("\x7F\x45LF"sv)) return ForeignFormat::Elf;
-    if (head.starts_with("UF2\n\x57\x51\x5D\x9E"sv)) return ForeignFormat::Uf2;
-    if (head.starts_with(utf8Mark)) head.remove_prefix(utf8Mark.size());
-    head.remove_prefix(std::min(head.find_first_not_of(blanks), head.size()));
-    if (!head.starts_with('@')) return std::nullopt;
-    const std::size_t addressEnd = std::min(head.find_first_not_of(digits, 1), head.size());
-    std::string_view bytes = head.substr(addressEnd);
-    bytes.remove_prefix(std::min(bytes.find_first_not_of(blanks), bytes.size()));
-    const bool isByte = areDigits(bytes, 2) && !areDigits(bytes, 3);
-    if (addressEnd == 1 || !(isByte || bytes.starts_with('q'))) return std::nullopt;
-    return ForeignFormat::TiTxt;
-}
-
 /// The place of the first record in a piece of a text that begins with `first`, and at the
 /// beginning of a line.
 std::size_t findRecord(std::string_view piece, char first, std::size_t most) {
@@ -59,8 +39,17 @@ std::size_t findRecord(std::string_view piece, char first, std::size_t most) {
     return most;
 }
 
-/// The format of the first record of a file.
-std::optional<RecordFormat> firstRecord(const Platform::InputFile& file) {
+}  // namespace
+
+std::optional<InputFormat> recordFormatOf(std::string_view line) {
+    if (line.starts_with(':') && areDigits(line.substr(1), recordDigits))
+        return InputFormat::IntelHex;
+    const bool isS = line.size() > 2 && (line[0] == 'S' || line[0] == 's') && isDecimal(line[1]);
+    if (isS && areDigits(line.substr(2), recordDigits)) return InputFormat::MotorolaS;
+    return std::nullopt;
+}
+
+std::optional<InputFormat> firstRecordFormatOf(const Platform::InputFile& file) {
     constexpr std::size_t pieceSize = std::size_t{1} << 17U;
     std::vector<char> buffer(
         static_cast<std::size_t>(std::min<std::uint64_t>(pieceSize, file.size())));
@@ -79,7 +68,6 @@ std::optional<RecordFormat> firstRecord(const Platform::InputFile& file) {
     return std::nullopt;
 }
 
-/// Every line begins as a record does, or is a remark or empty.
 bool beginsAsRecords(const Platform::InputFile& file) {
     std::array<char, 4096> head{};
     Import::FormatScan scan;
@@ -90,35 +78,6 @@ bool beginsAsRecords(const Platform::InputFile& file) {
         text.remove_prefix(std::min(end + 1, text.size()));
     }
     return scan.type() != Import::InFileType::RawBinary;
-}
-
-bool hasTextName(const std::string& path) {
-    constexpr std::array<std::string_view, 9> endings{".hex", ".ihex", ".ihx",  ".mot", ".s19",
-                                                      ".s28", ".s37",  ".srec", ".sre"};
-    std::string lower = path;
-    for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return std::ranges::any_of(endings,
-                               [&](std::string_view ending) { return lower.ends_with(ending); });
-}
-
-}  // namespace
-
-std::optional<RecordFormat> recordFormatOf(std::string_view line) {
-    if (line.starts_with(':') && areDigits(line.substr(1), recordDigits))
-        return RecordFormat::IntelHex;
-    const bool isS = line.size() > 2 && (line[0] == 'S' || line[0] == 's') && isDecimal(line[1]);
-    if (isS && areDigits(line.substr(2), recordDigits)) return RecordFormat::SRecords;
-    return std::nullopt;
-}
-
-FieldFormat fieldFormatOf(const std::string& path, const Platform::InputFile& file) {
-    if (file.size() == 0) return RawFormat{};
-    std::array<char, 256> head{};
-    const std::size_t size = file.readAt(0, head);
-    if (const auto foreign = foreignFormatOf({head.data(), size})) return *foreign;
-    if (const auto format = firstRecord(file)) return *format;
-    if (beginsAsRecords(file) || hasTextName(path)) return ForeignFormat::NoRecords;
-    return RawFormat{};
 }
 
 }  // namespace Io::Field

@@ -1,7 +1,6 @@
 #include "io/field/FieldInFile.hpp"
 
 #include <algorithm>
-#include <ranges>
 #include <utility>
 
 #include "facts/Listener.hpp"
@@ -13,22 +12,51 @@ namespace Io::Field {
 
 namespace {
 
-std::unique_ptr<FieldParser> makeParser(const std::string& path, Facts::RecordFormat format,
+std::unique_ptr<FieldParser> makeParser(const std::string& path, Facts::InputFormat format,
                                         std::uint64_t fileSize) {
-    if (format == Facts::RecordFormat::IntelHex)
+    if (format == Facts::InputFormat::IntelHex)
         return std::make_unique<IntelHexFieldParser>(path, fileSize);
     return std::make_unique<SRecordFieldParser>(path, fileSize);
 }
 
+/// Finds the lines that gave bytes, by their places among all bytes of the file.
+class LineSearch final : public Import::RecordVisitor {
+public:
+    explicit LineSearch(const std::vector<std::size_t>& offsets) : lines_(offsets.size()) {
+        for (std::size_t i = 0; i < offsets.size(); ++i) wanted_.emplace_back(offsets[i], i);
+        std::ranges::sort(wanted_);
+        next_ = wanted_.begin();
+    }
+
+    void visit(const Import::RecordLines& records) override {
+        const std::size_t end = read_ + static_cast<std::size_t>(records.count) * records.size;
+        for (; next_ != wanted_.end() && next_->first < end; ++next_)
+            lines_[next_->second] = records.firstLine + (next_->first - read_) / records.size;
+        read_ = end;
+    }
+
+    std::vector<std::uint64_t> takeLines() { return std::move(lines_); }
+
+private:
+    using Wanted = std::vector<std::pair<std::size_t, std::size_t>>;
+
+    std::vector<std::uint64_t> lines_;
+    Wanted wanted_;  ///< a place and where its line goes in the list
+    Wanted::const_iterator next_;
+    std::size_t read_ = 0;
+};
+
 }  // namespace
 
 FieldInFile::FieldInFile(const std::string& path, Platform::InputFile file,
-                         Facts::RecordFormat format, Buffer::OverlapRule rule)
+                         Facts::InputFormat format, Buffer::OverlapRule rule,
+                         Import::RecordVisitor* visitor)
     : TextInFile(path), parser_(makeParser(path, format, file.size())) {
     FieldLines lines(std::move(file));
-    parser_->parse(lines);
+    parser_->parse(lines, visitor);
     close(lines.textLines());
-    if (rule == Buffer::OverlapRule::NotSet && bytes().hasOverlaps()) reportOverlaps();
+    if (rule == Buffer::OverlapRule::NotSet && bytes().hasOverlaps())
+        reportOverlaps(lines.takeFile());
 }
 
 Buffer::MemoryBuffer FieldInFile::getMemory(std::uint64_t start, std::uint64_t length) const {
@@ -36,14 +64,14 @@ Buffer::MemoryBuffer FieldInFile::getMemory(std::uint64_t start, std::uint64_t l
     return bytes().imageOf({start, length});
 }
 
-void FieldInFile::reportOverlaps() const {
+void FieldInFile::reportOverlaps(Platform::InputFile file) const {
     const Import::OverlapSearch search(bytes(), FieldReports::mostListed);
     std::vector<std::size_t> offsets;
     for (const auto* found : {&search.different(), &search.equal()})
         for (const Import::RecordOverlap& overlap : found->kept)
             for (const std::size_t offset : {overlap.earlier, overlap.later})
                 offsets.push_back(offset + overlap.difference.value_or(0));
-    const std::vector<std::uint64_t> lines = linesOf(offsets);
+    const std::vector<std::uint64_t> lines = linesOf(offsets, std::move(file));
     auto line = lines.begin();
     const auto byteAt = [this](std::size_t offset) { return bytes().bytesOf({{0, 1}, offset})[0]; };
     for (const Import::RecordOverlap& overlap : search.different().kept) {
@@ -68,32 +96,20 @@ void FieldInFile::reportOverlaps() const {
 
 /// The lines that gave the bytes of the given places among all bytes of the file. One more pass
 /// over the file finds them all.
-std::vector<std::uint64_t> FieldInFile::linesOf(const std::vector<std::size_t>& offsets) const {
-    std::vector<std::pair<std::size_t, std::size_t>>
-        wanted;  // the offset and its place in the list
-    for (std::size_t i = 0; i < offsets.size(); ++i) wanted.emplace_back(offsets[i], i);
-    std::ranges::sort(wanted);
-    std::vector<std::uint64_t> numbers(offsets.size());
-    FieldLines lines(openInput(fileName_));
-    std::size_t read = 0;
-    auto next = wanted.begin();
-    while (next != wanted.end() && lines.next()) {
-        read += parser_->dataSizeOf(lines.line());
-        for (; next != wanted.end() && next->first < read; ++next)
-            numbers[next->second] = lines.number();
-    }
-    return numbers;
+std::vector<std::uint64_t> FieldInFile::linesOf(const std::vector<std::size_t>& offsets,
+                                                Platform::InputFile file) const {
+    LineSearch search(offsets);
+    walkRecords(fileName_, std::move(file), getFormat(), search);
+    return search.takeLines();
 }
 
-std::uint64_t FieldInFile::findLine(std::uint64_t address) const {
-    std::size_t offset = 0;
-    std::optional<std::size_t> found;
-    for (const Import::SourceRun& run : parser_->data().sources()) {
-        if (address - run.area.start < run.area.length)
-            found = offset + static_cast<std::size_t>(address - run.area.start);
-        offset += static_cast<std::size_t>(run.area.length);
-    }
-    return found ? linesOf({*found}).front() : 0;
+void walkRecords(const std::string& path, Platform::InputFile file, Facts::InputFormat format,
+                 Import::RecordVisitor& visitor) {
+    Facts::Unheard unheard;
+    const Facts::ListenerScope listening(unheard);
+    const auto parser = makeParser(path, format, file.size());
+    FieldLines lines(std::move(file));
+    parser->walk(lines, visitor);
 }
 
 }  // namespace Io::Field

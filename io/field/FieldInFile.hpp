@@ -18,14 +18,17 @@ namespace Io::Field {
 class FieldInFile final : public TextInFile, public Import::TessaronImportApi {
 public:
     /// @param file  the open file `path`
-    /// @param rule  overlaps are reported unless it is set
+    /// @param format   Intel HEX or S-records
+    /// @param rule     overlaps are reported unless it is set
+    /// @param visitor  learns which sound records the file has; null for nobody
     /// @throws Io::bad_open  if the file has changed since it was opened
-    FieldInFile(const std::string& path, Platform::InputFile file, Facts::RecordFormat format,
-                Buffer::OverlapRule rule);
+    FieldInFile(const std::string& path, Platform::InputFile file, Facts::InputFormat format,
+                Buffer::OverlapRule rule, Import::RecordVisitor* visitor = nullptr);
 
     /// A line is damaged, so that the file has no data.
     bool isDamaged() const { return parser_->isDamaged(); }
 
+    Facts::InputFormat getFormat() const override { return bytes().format(); }
     std::uint64_t getMinAddress() const override { return bytes().minAddress(); }
     std::uint64_t getDataLength() const override { return bytes().dataLength(); }
     Buffer::MemoryBuffer getMemory() const override {
@@ -51,14 +54,18 @@ public:
     std::vector<Import::SourceRun> getSourceRuns() const override {
         return parser_->data().sources();
     }
-    std::uint64_t findLine(std::uint64_t address) const override;
 
 private:
     const Import::ParsedData& bytes() const { return std::as_const(*parser_).data().bytes(); }
-    void reportOverlaps() const;
-    std::vector<std::uint64_t> linesOf(const std::vector<std::size_t>& offsets) const;
+    void reportOverlaps(Platform::InputFile file) const;
+    std::vector<std::uint64_t> linesOf(const std::vector<std::size_t>& offsets,
+                                       Platform::InputFile file) const;
 
     std::unique_ptr<FieldParser> parser_;
 };
+
+/// Visits the records of a file that has been read before, without a report.
+void walkRecords(const std::string& path, Platform::InputFile file, Facts::InputFormat format,
+                 Import::RecordVisitor& visitor);
 
 }  // namespace Io::Field

@@ -50,6 +50,9 @@ public:
     /// The current line ends with a carriage return that no line feed follows.
     bool endsWithReturn() const { return endsWithReturn_; }
 
+    /// The open file, for a caller that wants to read it once more.
+    Platform::InputFile takeFile() { return lines_.takeFile(); }
+
     /// The lines of the file as line feeds end them, for what concerns the file as a whole.
     const TextLines& textLines() const { return lines_; }
 

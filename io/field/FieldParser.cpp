@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <numeric>
 
 #include "facts/Listener.hpp"
+#include "io/IntelHexRecord.hpp"
 #include "io/field/FieldFormat.hpp"
 #include "util/Hex.hpp"
 
@@ -17,15 +19,40 @@ using Facts::Tolerance;
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr char endMark = 0x1A;
 
-Facts::InputFormat inputFormat(Facts::RecordFormat format) {
-    return format == Facts::RecordFormat::IntelHex ? Facts::InputFormat::IntelHex
-                                                   : Facts::InputFormat::MotorolaS;
+/// Characters of the mark that makes a line a remark; 0 if it is none.
+std::size_t remarkMark(std::string_view line) {
+    constexpr std::string_view marks = "#;*!";
+    if (marks.find(line.front()) != std::string_view::npos) return 1;
+    return line.starts_with("//") || line.starts_with("/*") ? 2 : 0;
 }
 
-bool isRemark(std::string_view line) {
-    constexpr std::string_view marks = "#;*!";
-    return marks.find(line.front()) != std::string_view::npos || line.starts_with("//") ||
-           line.starts_with("/*");
+/// Bytes of two digits each whose sum, with the first one as their number less `uncounted`, is
+/// `sum`: a record without its first characters.
+bool isRecordBody(std::string_view digits, std::size_t uncounted, std::uint8_t sum) {
+    std::array<std::uint8_t, 260> bytes{};
+    const std::size_t size = digits.size() / 2;
+    const bool isRead = size != 0 && size <= bytes.size() && digits.size() % 2 == 0 &&
+                        Util::readHex(bytes.data(), digits.data(), size);
+    return isRead && bytes[0] + uncounted == size &&
+           static_cast<std::uint8_t>(std::accumulate(bytes.begin(), bytes.end(), 0U)) == sum;
+}
+
+/// What follows the mark of a remark is a whole record of one of the formats. The mark may be what
+/// damage made of a colon: ";" and "*" differ from it in one bit.
+bool isMarkedRecord(std::string_view text) {
+    constexpr std::string_view blanks = " \t";
+    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+    if (text.size() > 2 && text[0] == 'S' && text[1] >= '0' && text[1] <= '9')
+        return isRecordBody(text.substr(2), 1, 0xFF);
+    if (text.starts_with(':')) text.remove_prefix(1);
+    return isRecordBody(text, IntelRecord::frameSize, 0);
+}
+
+/// The last line of a text that ends with a line end, without it.
+std::string_view lastLine(std::string_view text) {
+    text.remove_suffix(1);
+    if (text.ends_with('\r')) text.remove_suffix(1);
+    return text.substr(text.rfind('\n') + 1);
 }
 
 /// Of hexadecimal digits only the lower-case ones have the bits 0x40 and 0x20. They are looked at
@@ -50,13 +77,28 @@ bool hasLowerCase(std::string_view digits) {
 
 }  // namespace
 
-FieldParser::FieldParser(const std::string& file, Facts::RecordFormat format,
-                         std::uint64_t fileSize)
+FieldParser::FieldParser(const std::string& file, Facts::InputFormat format, std::uint64_t fileSize)
     : reports_(file, format),
       // Two digits make a byte, so there are no more bytes than half the characters.
-      data_(inputFormat(format), static_cast<std::size_t>(fileSize / 2)) {}
+      data_(format, static_cast<std::size_t>(fileSize / 2)) {}
 
-void FieldParser::parse(FieldLines& lines) {
+void FieldParser::parse(FieldLines& lines, Import::RecordVisitor* visitor) {
+    visitor_ = visitor;
+    takeAll(lines);
+    reports_.finish();
+    if (!isEnded_ && !isWhole())
+        Facts::report(Facts::EndMissing{reports_.file(), reports_.format()});
+    if (isDamaged()) data_.clear();
+    data_.bytes().finish();
+}
+
+void FieldParser::walk(FieldLines& lines, Import::RecordVisitor& visitor) {
+    visitor_ = &visitor;
+    keepsData_ = false;
+    takeAll(lines);
+}
+
+void FieldParser::takeAll(FieldLines& lines) {
     while (lines.next()) {
         line_ = lines.line();
         number_ = lines.number();
@@ -65,11 +107,6 @@ void FieldParser::parse(FieldLines& lines) {
         takeAhead(lines);
     }
     line_ = {};
-    reports_.finish();
-    if (!isEnded_ && !isWhole())
-        Facts::report(Facts::EndMissing{reports_.file(), reports_.format()});
-    if (isDamaged()) data_.clear();
-    data_.bytes().finish();
 }
 
 void FieldParser::takeLine(std::string_view line) {
@@ -91,7 +128,8 @@ void FieldParser::takeLine(std::string_view line) {
 /// these there is nothing to report, unless data is out of place or follows what is wrong.
 void FieldParser::takeAhead(FieldLines& lines) {
     // The first data record reserves the memory.
-    if (isEnded_ || isDamaged() || textEndLine_ != 0 || data_.bytes().empty() || !ahead_.isDue())
+    if (isEnded_ || !keepsData_ || isDamaged() || textEndLine_ != 0 || data_.bytes().empty() ||
+        !ahead_.isDue())
         return;
     const std::uint64_t before = number_;
     for (;;) {
@@ -101,9 +139,50 @@ void FieldParser::takeAhead(FieldLines& lines) {
         lines.skip(run.textSize, run.count);
         const std::uint64_t first = number_ + 1;
         number_ = lines.number();
-        data_.appendInPlace(useRun(run, text), run.dataSize, first, number_);
+        line_ = lastLine(text.substr(0, run.textSize));
+        const std::uint64_t address = useRun(run, text);
+        if (visitor_ != nullptr) visitRun(run, text, first, address);
+        data_.appendInPlace(address, run.dataSize, first, number_);
     }
     ahead_.note(number_ != before);
+}
+
+/// Hands the records of a run to the visitor, those of equal size together. All of them are
+/// perfect, so that the count of one says where the next one begins.
+void FieldParser::visitRun(const Util::Records::DataRun& run, std::string_view text,
+                           std::uint64_t firstLine, std::uint64_t address) {
+    const RunForm form = formOf(text);
+    const std::size_t others = form.frame.headSize + 1;
+    Import::RecordLines records{firstLine, 0, form.kind, true, address, 0};
+    const char* at = text.data();
+    std::array<char, 2> digits{};
+    std::size_t textSize = 0;
+    for (std::size_t i = 0; i < run.count; ++i) {
+        const char* const count = at + form.frame.digitsAt;
+        if (i == 0 || count[0] != digits[0] || count[1] != digits[1]) {
+            if (i != 0) visitor_->visit(records);
+            std::uint8_t number = 0;
+            Util::readHex(&number, count, 1);
+            digits = {count[0], count[1]};
+            const std::size_t bytes = number + form.frame.uncounted;
+            textSize = form.frame.digitsAt + 2 * bytes;
+            records = {
+                firstLine + i, 0, form.kind, true, records.address + records.count * records.size,
+                bytes - others};
+        }
+        ++records.count;
+        at += textSize;
+        at += *at == '\r' ? 2 : 1;
+    }
+    visitor_->visit(records);
+}
+
+void FieldParser::setStartAddress(std::uint64_t address) {
+    if (startAddress_.value_or(address) != address)
+        Facts::report(Facts::StartAddressesDiffer{reports_.file(), *startAddress_, startLine_,
+                                                  address, number_});
+    startAddress_ = address;
+    startLine_ = number_;
 }
 
 /// Removes what may be at the end of a line, and notes what it was.
@@ -128,8 +207,11 @@ std::string_view FieldParser::trimmed(std::string_view line) {
 }
 
 void FieldParser::takeText(std::string_view text) {
-    if (isRemark(text)) {
-        tolerate(Tolerance::Remark);
+    if (const std::size_t mark = remarkMark(text)) {
+        if (isMarkedRecord(text.substr(mark)))
+            damage(RecordFault::InRemark);
+        else
+            tolerate(Tolerance::Remark);
         return;
     }
     if (recordFormatOf(text).value_or(reports_.format()) != reports_.format())

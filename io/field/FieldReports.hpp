@@ -17,7 +17,7 @@ public:
     /// Lines and ranges that are reported one by one.
     static constexpr std::uint64_t mostListed = 20;
 
-    FieldReports(std::string file, Facts::RecordFormat format)
+    FieldReports(std::string file, Facts::InputFormat format)
         : file_(std::move(file)), format_(format) {}
 
     /// A line is damaged. See Facts::RecordFault for `found` and `expected`.
@@ -36,7 +36,7 @@ public:
     void finish() const;
 
     const std::string& file() const { return file_; }
-    Facts::RecordFormat format() const { return format_; }
+    Facts::InputFormat format() const { return format_; }
 
 private:
     struct Tally {
@@ -45,7 +45,7 @@ private:
     };
 
     std::string file_;
-    Facts::RecordFormat format_;
+    Facts::InputFormat format_;
     std::uint64_t damaged_ = 0;
     Facts::RecordFault firstUnlisted_{};
     std::array<Tally, Facts::toleranceCount> tallies_{};

@@ -1,25 +1,13 @@
 #include "io/field/IntelHexFieldParser.hpp"
 
-#include <algorithm>
-
-#include "util/Hex.hpp"
-
 namespace Io::Field {
 
 using Facts::RecordFault;
 using Facts::Tolerance;
 
-std::size_t IntelHexFieldParser::dataSizeOf(std::string_view line) const {
-    constexpr std::size_t typeAt = 7;
-    line.remove_prefix(std::min(line.find(':'), line.size()));
-    std::uint8_t count = 0;
-    const bool isData = line.size() > typeAt + 2 && line.substr(typeAt, 2) == "00";
-    return isData && Util::readHex(&count, line.data() + 1, 1) ? count : 0;
-}
-
 bool IntelHexFieldParser::takeRecord(std::string_view line) {
     if (line.front() != ':') return false;
-    const auto bytes = bytesOf(line, {1, IntelRecord::frameSize, IntelRecord::headSize});
+    const auto bytes = bytesOf(line, frame);
     if (bytes.empty()) return true;
     const IntelRecord record{bytes.first(bytes.size() - 1), bytes.back()};
     const std::uint8_t checksum = record.computedChecksum();
@@ -33,8 +21,11 @@ bool IntelHexFieldParser::takeRecord(std::string_view line) {
 }
 
 void IntelHexFieldParser::useData(const IntelRecord& record) {
+    const std::uint64_t address = base_ + record.address();
     noteBorder(record.address() + record.length());
-    store(base_ + record.address(), record.data());
+    if (passesEnd(address, record.length())) return;
+    visitData(record.bytes[3], address, record.length());
+    store(address, record.data());
 }
 
 void IntelHexFieldParser::noteBorder(std::uint64_t end) {
@@ -45,6 +36,7 @@ void IntelHexFieldParser::noteBorder(std::uint64_t end) {
 std::uint64_t IntelHexFieldParser::useRun(const Util::Records::DataRun& run,
                                           std::string_view /*text*/) {
     noteBorder(run.address + run.dataSize);
+    passesEnd(base_ + run.address, run.dataSize);
     return base_ + run.address;
 }
 
@@ -64,6 +56,7 @@ bool IntelHexFieldParser::isSound(const IntelRecord& record) {
 }
 
 void IntelHexFieldParser::use(const IntelRecord& record) {
+    visit(record.bytes[3]);
     switch (record.type()) {
         case IntelRecordType::EndOfFile:
             if (record.address() != 0) tolerate(Tolerance::EndAddress);

@@ -14,15 +14,16 @@ namespace Io::Field {
 class IntelHexFieldParser final : public FieldParser {
 public:
     IntelHexFieldParser(const std::string& file, std::uint64_t fileSize)
-        : FieldParser(file, Facts::RecordFormat::IntelHex, fileSize) {}
-
-    std::size_t dataSizeOf(std::string_view line) const override;
+        : FieldParser(file, Facts::InputFormat::IntelHex, fileSize) {}
 
 private:
+    static constexpr Frame frame{1, IntelRecord::frameSize, IntelRecord::headSize};
+
     bool takeRecord(std::string_view line) override;
     Util::Records::DataRun decodeRun(std::string_view text, std::uint8_t* out) const override {
         return Util::Records::Codec::decodeIntel(text, out, upperCase);
     }
+    RunForm formOf(std::string_view /*text*/) const override { return {frame, 0}; }
     std::uint64_t useRun(const Util::Records::DataRun& run, std::string_view text) override;
     bool isSound(const IntelRecord& record);
     /// Data of the current line ends at `end` of a segment.

@@ -1,9 +1,6 @@
 #include "io/field/SRecordFieldParser.hpp"
 
-#include <algorithm>
-
 #include "util/BigEndian.hpp"
-#include "util/Hex.hpp"
 
 namespace Io::Field {
 
@@ -27,12 +24,9 @@ bool isSymbol(std::string_view line) {
 
 }  // namespace
 
-std::size_t SRecordFieldParser::dataSizeOf(std::string_view line) const {
-    line.remove_prefix(std::min(line.find('S'), line.size()));
-    if (line.size() < 4 || line[1] < '1' || line[1] > '3') return 0;
-    std::uint8_t count = 0;
-    Util::readHex(&count, line.data() + 2, 1);
-    return count - sRecordAddressSize(sRecordType(static_cast<std::uint32_t>(line[1] - '0'))) - 1;
+FieldParser::RunForm SRecordFieldParser::formOf(std::string_view text) const {
+    const auto digit = static_cast<std::uint8_t>(text[1] - '0');
+    return {{2, 1, 1 + sRecordAddressSize(sRecordType(digit))}, digit};
 }
 
 bool SRecordFieldParser::takeRecord(std::string_view line) {
@@ -42,7 +36,8 @@ bool SRecordFieldParser::takeRecord(std::string_view line) {
         ++records_;
         isCounted_ = false;
     }
-    const SRecordType type = sRecordType(static_cast<std::uint32_t>(line[1] - '0'));
+    const auto kind = static_cast<std::uint8_t>(line[1] - '0');
+    const SRecordType type = sRecordType(kind);
     const bool isCount = isCountDigit(line[1]);
     // All of a count record is the number, so its bytes count as data.
     const std::size_t addressSize = isCount ? 0 : sRecordAddressSize(type);
@@ -55,11 +50,11 @@ bool SRecordFieldParser::takeRecord(std::string_view line) {
     else if (const std::uint8_t checksum = record.computedChecksum(); checksum != record.checksum())
         damage(RecordFault::Checksum, record.checksum(), checksum);
     else if (isCount)
-        useCount(record);
+        useCount(record, kind);
     else if (type == SRecordType::Unknown)
         damage(RecordFault::Type, static_cast<unsigned char>(line[1]));
     else
-        use(type, record);
+        use(type, kind, record);
     return true;
 }
 
@@ -75,13 +70,16 @@ bool SRecordFieldParser::takeOther(std::string_view line) {
     return true;
 }
 
-void SRecordFieldParser::use(SRecordType type, const SRecord& record) {
+void SRecordFieldParser::use(SRecordType type, std::uint8_t kind, const SRecord& record) {
     const std::uint64_t address = Util::bigEndian(record.address());
+    const std::size_t size = record.data().size();
     switch (type) {
         case SRecordType::S1:
         case SRecordType::S2:
         case SRecordType::S3:
-            noteBorder(address + record.data().size(), record.addressSize);
+            if (passesEnd(address, size)) return;
+            noteBorder(address + size, record.addressSize);
+            visitData(kind, address, size);
             store(address, record.data());
             return;
         case SRecordType::S7:
@@ -91,12 +89,14 @@ void SRecordFieldParser::use(SRecordType type, const SRecord& record) {
                 damage(RecordFault::DataSize, record.data().size(), 0);
                 return;
             }
+            visit(kind);
             setStartAddress(address);
             end();
             return;
         case SRecordType::S0:
         case SRecordType::S5:
         case SRecordType::Unknown:
+            visit(kind);
             noteEmptyRecord();
             break;
     }
@@ -109,16 +109,19 @@ void SRecordFieldParser::noteBorder(std::uint64_t end, std::size_t addressSize) 
 std::uint64_t SRecordFieldParser::useRun(const Util::Records::DataRun& run, std::string_view text) {
     records_ += run.count;
     const auto digit = static_cast<std::uint32_t>(text[1] - '0');
+    if (passesEnd(run.address, run.dataSize)) return run.address;
     noteBorder(run.address + run.dataSize, sRecordAddressSize(sRecordType(digit)));
     return run.address;
 }
 
-void SRecordFieldParser::useCount(const SRecord& record) {
+void SRecordFieldParser::useCount(const SRecord& record, std::uint8_t kind) {
     const std::uint64_t count = Util::bigEndian(record.data());
-    if (count != records_ && count != records_ - countedRecords_)
+    if (count != records_ && count != records_ - countedRecords_) {
         damage(RecordFault::RecordCount, count, records_);
-    else
+    } else {
+        visit(kind);
         noteEmptyRecord();
+    }
     countedRecords_ = records_;
     isCounted_ = count == records_ && count != 0;
 }

@@ -19,22 +19,21 @@ namespace Io::Field {
 class SRecordFieldParser final : public FieldParser {
 public:
     SRecordFieldParser(const std::string& file, std::uint64_t fileSize)
-        : FieldParser(file, Facts::RecordFormat::SRecords, fileSize) {}
-
-    std::size_t dataSizeOf(std::string_view line) const override;
+        : FieldParser(file, Facts::InputFormat::MotorolaS, fileSize) {}
 
 private:
     bool takeRecord(std::string_view line) override;
     Util::Records::DataRun decodeRun(std::string_view text, std::uint8_t* out) const override {
         return Util::Records::Codec::decodeS(text, out, upperCase);
     }
+    RunForm formOf(std::string_view text) const override;
     std::uint64_t useRun(const Util::Records::DataRun& run, std::string_view text) override;
     bool takeOther(std::string_view line) override;
     bool isWhole() const override { return isCounted_; }
-    void use(SRecordType type, const SRecord& record);
+    void use(SRecordType type, std::uint8_t kind, const SRecord& record);
     /// Data of the current line ends at `end`, with addresses of so many bytes.
     void noteBorder(std::uint64_t end, std::size_t addressSize);
-    void useCount(const SRecord& record);
+    void useCount(const SRecord& record, std::uint8_t kind);
 
     std::uint64_t records_ = 0;         ///< data records so far
     std::uint64_t countedRecords_ = 0;  ///< those before the last count record

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "io/import/OverlapSearch.hpp"
 #include "io/import/ParsedData.hpp"
@@ -14,6 +15,7 @@ namespace Io::Import {
 /// area takes what the file has in it, also one that begins below the data.
 class AddressedData : public TessaronImportApi {
 public:
+    Facts::InputFormat getFormat() const override { return data_.format(); }
     std::uint64_t getMinAddress() const override { return data_.minAddress(); }
     std::uint64_t getDataLength() const override { return data_.dataLength(); }
     Buffer::MemoryBuffer getMemory() const override {
@@ -34,14 +36,20 @@ public:
         data_.fillMemoryBuffer(buffer);
     }
 
+    std::vector<SourceRun> getSourceRuns() const override { return sources_; }
+
 protected:
     /// The file's data, finished.
-    AddressedData(ParsedData data, std::optional<std::uint64_t> startAddress)
-        : data_(std::move(data)), startAddress_(startAddress) {}
+    ///
+    /// @param sources  the lines of the data, if its format has lines
+    AddressedData(ParsedData data, std::optional<std::uint64_t> startAddress,
+                  std::vector<SourceRun> sources = {})
+        : data_(std::move(data)), startAddress_(startAddress), sources_(std::move(sources)) {}
 
 private:
     ParsedData data_;
     std::optional<std::uint64_t> startAddress_;
+    std::vector<SourceRun> sources_;
 };
 
 }  // namespace Io::Import

@@ -27,6 +27,7 @@ public:
     /// @throws Io::bad_open
     GenericInFile(std::string path, RawBinaryTag tag);
 
+    Facts::InputFormat getFormat() const override { return reader_->getFormat(); }
     std::uint64_t getMinAddress() const override { return reader_->getMinAddress(); }
     std::uint64_t getDataLength() const override { return reader_->getDataLength(); }
     Buffer::MemoryBuffer getMemory() const override { return reader_->getMemory(); }

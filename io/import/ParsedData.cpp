@@ -123,16 +123,32 @@ Buffer::AreaList ParsedData::getDataAreas() const {
         for (const Run& run : runs_) areas.push_back(run.area);
         return areas;
     }
-    std::vector<std::uint64_t> addresses;
-    addresses.reserve(size_);
-    for (const Run& run : runs_)
-        for (std::uint64_t i = 0; i < run.area.length; ++i) addresses.push_back(run.area.start + i);
-    std::ranges::sort(addresses);
-    for (const std::uint64_t address : addresses) {
-        if (!areas.empty() && areas.back().end() == address)
-            ++areas.back().length;
+    const auto add = [&areas](const Buffer::Area& area) {
+        if (!areas.empty() && areas.back().end() == area.start)
+            areas.back().length += area.length;
         else
-            areas.push_back({address, 1});
+            areas.push_back(area);
+    };
+    if (!hasOverlaps()) {
+        for (const Run& part : visible_) add(part.area);
+        return areas;
+    }
+    // Between two borders of runs, all addresses are given equally often.
+    std::vector<std::pair<std::uint64_t, int>> borders;
+    borders.reserve(2 * runs_.size());
+    for (const Run& run : runs_) {
+        borders.emplace_back(run.area.start, 1);
+        borders.emplace_back(run.area.end(), -1);
+    }
+    std::ranges::sort(borders);
+    std::uint64_t from = 0;
+    int times = 0;
+    for (const auto& [address, change] : borders) {
+        if (times == 1 && address != from) add({from, address - from});
+        for (std::uint64_t at = from; times > 1 && at < address; ++at)
+            for (int i = 0; i < times; ++i) add({at, 1});
+        from = address;
+        times += change;
     }
     return areas;
 }

@@ -65,6 +65,7 @@ public:
     /// Ends the parse: fixes the length of the span and which of the bytes are visible.
     void finish();
 
+    Facts::InputFormat format() const { return reader_; }
     bool empty() const { return runs_.empty(); }
     std::uint64_t minAddress() const { return minAddress_; }
     std::uint64_t maxAddress() const { return maxAddress_; }

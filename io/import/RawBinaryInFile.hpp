@@ -18,6 +18,7 @@ public:
     /// The file has been opened already.
     RawBinaryInFile(const std::string& path, Platform::InputFile file);
 
+    Facts::InputFormat getFormat() const override { return Facts::InputFormat::RawBinary; }
     std::uint64_t getMinAddress() const override { return minAddress; }
     std::uint64_t getDataLength() const override { return dataLength_; }
     Buffer::MemoryBuffer getMemory() const override { return getMemory(minAddress, dataLength_); }

@@ -1,16 +1,12 @@
 #include "io/import/ReaderReports.hpp"
 
-#include <array>
-
 #include "facts/Listener.hpp"
 
 namespace Io::Import {
 
 std::string informationAbout(Facts::InputFormat reader, std::uint64_t dataLength,
                              std::uint64_t minAddress, std::uint64_t maxAddress) {
-    constexpr std::array names{"IntelHexInFile", "MotorolaS_InFile", "RawBinaryInFile",
-                               "ElfInFile",      "Uf2InFile",        "TiTxtInFile"};
-    return "Information about current " + std::string(names.at(static_cast<std::size_t>(reader))) +
+    return "Information about current " + std::string(Facts::readerName(reader)) +
            " Object\ndataLength: (int)" + std::to_string(dataLength) + "\nminAddress: (int)" +
            std::to_string(minAddress) + "\nmaxAddress: (int)" + std::to_string(maxAddress) + "\n";
 }

@@ -16,6 +16,7 @@ namespace Io::Import {
 /// file has left, and the answers to all questions about its data.
 class RecordInFile : public TextInFile, public TessaronImportApi {
 public:
+    Facts::InputFormat getFormat() const override { return parsedData_.format(); }
     std::uint64_t getMinAddress() const override { return parsedData_.minAddress(); }
     std::uint64_t getDataLength() const override { return parsedData_.dataLength(); }
     Buffer::MemoryBuffer getMemory() const override {

@@ -2,11 +2,13 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "buffer/Area.hpp"
 #include "buffer/MemoryBuffer.hpp"
 #include "buffer/Overlap.hpp"
+#include "facts/InputFormat.hpp"
 
 namespace Io::Import {
 
@@ -18,6 +20,16 @@ struct SourceRun {
     bool operator==(const SourceRun&) const = default;
 };
 
+/// A name of a file with what it stands for.
+struct Symbol {
+    enum class Kind : std::uint8_t { Other, Data, Function };
+    std::string name;
+    std::uint64_t address;
+    std::uint64_t size;
+    Kind kind;
+    bool isGlobal;  ///< known to all files that were linked, not to one alone
+};
+
 /// A file as a set of addressed bytes, whatever its format. A reader parses the whole file in its
 /// constructor, which reports what is wrong with it; all other operations are queries. A reader of
 /// a faulty file holds less data, or none: length 0 at address 0.
@@ -26,6 +38,9 @@ public:
     TessaronImportApi() = default;
     TessaronImportApi(const TessaronImportApi&) = delete;
     TessaronImportApi& operator=(const TessaronImportApi&) = delete;
+
+    /// The format that the file was read in.
+    virtual Facts::InputFormat getFormat() const = 0;
 
     /// The lowest address of the file's data.
     virtual std::uint64_t getMinAddress() const = 0;
@@ -72,9 +87,16 @@ public:
     /// Lets the first of several bytes for one address count from now on, in place of the last one.
     virtual void preferFirst() {}
 
-    /// The line that gave the byte that counts at `address`, counted from 1; 0 if none did or the
-    /// reader keeps no lines. Reads a part of the file once more.
-    virtual std::uint64_t findLine(std::uint64_t /*address*/) const { return 0; }
+    /// The parts that the file names of its data, in its order; none if its format has no parts.
+    virtual Buffer::AreaList getSegments() const { return {}; }
+
+    /// The symbols of the file; none if it has none.
+    ///
+    /// @throws Malformed  after a report
+    virtual std::vector<Symbol> getSymbols() const { return {}; }
+
+    /// The devices that the file says it is for, in words.
+    virtual std::vector<std::string> getDevices() const { return {}; }
 
     virtual ~TessaronImportApi() = default;
 };

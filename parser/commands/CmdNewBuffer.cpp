@@ -6,11 +6,8 @@
 #include <memory>
 #include <utility>
 
-#include "io/import/GenericInFile.hpp"
+#include "io/InFile.hpp"
 #include "io/import/Malformed.hpp"
-#include "io/import/elf/ElfInFile.hpp"
-#include "io/import/titxt/TiTxtInFile.hpp"
-#include "io/import/uf2/Uf2InFile.hpp"
 #include "parser/commands/Conventions.hpp"
 
 namespace Parser::WrapperLib {
@@ -19,7 +16,6 @@ namespace {
 
 using Buffer::MemoryBuffer;
 using Buffer::OverlapRule;
-using Io::Import::GenericInFile;
 using Io::Import::TessaronImportApi;
 
 /// Longest range that FROM_FILE takes; a file beyond it is more likely two far apart records.
@@ -83,13 +79,9 @@ void CmdNewBuffer::setFile(std::string argument) {
     sourceKind_ = BufferSourceKind::SourceFile;
 }
 
-void CmdNewBuffer::setRawFile(std::string argument) {
-    setFileOf(std::move(argument), FileKind::Raw);
-}
-
-void CmdNewBuffer::setFileOf(std::string argument, FileKind kind) {
+void CmdNewBuffer::setFileOf(std::string argument, const Io::Formats::InputFormatRow& format) {
     setFile(std::move(argument));
-    fileKind_ = kind;
+    format_ = &format;
 }
 
 void CmdNewBuffer::setValues(std::vector<std::uint32_t> list) {
@@ -201,36 +193,25 @@ std::optional<MemoryBuffer> CmdNewBuffer::fromFile(const CmdContext& context, Ar
     }
 }
 
-/// The file is of a format that is read as a whole or not at all, so that, unless the statement has
-/// a rule, nothing is lost where it contradicts itself.
+/// The format has a source of its own and is read as a whole or not at all, so that, unless the
+/// statement has a rule, nothing is lost where the file contradicts itself.
 bool CmdNewBuffer::isWhole() const {
-    const bool isOwnSource = fileKind_ != FileKind::Detected && fileKind_ != FileKind::Raw;
-    return isOwnSource && overlapRule_ == OverlapRule::NotSet;
+    return format_ != nullptr && overlapRule_ == OverlapRule::NotSet;
 }
 
 std::unique_ptr<TessaronImportApi> CmdNewBuffer::openFile(const CmdContext& context) const {
     // For the system a path ends at a zero byte.
     const std::string path = fileName_.substr(0, fileName_.find('\0'));
-    switch (fileKind_) {
-        case FileKind::Raw:
-            return std::make_unique<GenericInFile>(path, Io::Import::rawBinary);
-        case FileKind::Elf:
-            return std::make_unique<Io::Import::ElfInFile>(path);
-        case FileKind::Uf2:
-            return std::make_unique<Io::Import::Uf2InFile>(path);
-        case FileKind::TiTxt:
-            return std::make_unique<Io::Import::TiTxtInFile>(path);
-        case FileKind::Detected:
-            break;
-    }
-    return context.reading->open(path, overlapRule_);
+    if (format_ == nullptr) return context.reading->open(path, overlapRule_);
+    return format_->open(path, Io::openInput(path), overlapRule_, nullptr);
 }
 
 std::optional<MemoryBuffer> CmdNewBuffer::readFile(const CmdContext& context, Area range) const {
     const std::unique_ptr<TessaronImportApi> reader = openFile(context);
     if (!reader) return std::nullopt;
     if (!isGiven(range)) range = {reader->getMinAddress(), reader->getDataLength()};
-    if (fileKind_ != FileKind::Raw && range.length > longestFile) {
+    const bool isRaw = format_ != nullptr && format_->format == Facts::InputFormat::RawBinary;
+    if (!isRaw && range.length > longestFile) {
         Facts::report(Facts::FileSpanTooLong{range.length});
         return std::nullopt;
     }

@@ -8,6 +8,7 @@
 
 #include "buffer/MemoryBuffer.hpp"
 #include "buffer/Overlap.hpp"
+#include "io/formats/InputFormats.hpp"
 #include "io/import/TessaronImportApi.hpp"
 #include "parser/commands/CmdApi.hpp"
 
@@ -20,9 +21,6 @@ enum class BufferSourceKind : std::uint32_t {
     SourceBuffers = 3
 };
 
-/// How a source file is read.
-enum class FileKind : std::uint32_t { Detected, Raw, Elf, Uf2, TiTxt };
-
 /// NEW_BUFFER: makes an image from a file, from values, from other images or from nothing, cut to
 /// areas or a range, and keeps it under a name.
 class CmdNewBuffer final : public CmdApi {
@@ -34,11 +32,8 @@ public:
     /// @param argument  the path as written in the script, delimiters included
     void setFile(std::string argument);
 
-    /// A file taken byte for byte.
-    void setRawFile(std::string argument);
-
-    /// A file of the format `kind`, whatever its contents look like.
-    void setFileOf(std::string argument, FileKind kind);
+    /// A file of the format `format`, a row of the table, whatever its contents look like.
+    void setFileOf(std::string argument, const Io::Formats::InputFormatRow& format);
 
     void setValues(std::vector<std::uint32_t> list);
     void addSourceBuffer(std::string name);
@@ -50,7 +45,6 @@ public:
 
     const std::string& bufferName() const { return bufferName_; }
     BufferSourceKind sourceKind() const { return sourceKind_; }
-    bool isRawFile() const { return fileKind_ == FileKind::Raw; }
     const std::string& fileName() const { return fileName_; }
     const AreaList& areas() const { return areas_; }
     Buffer::OverlapRule overlapRule() const { return overlapRule_; }
@@ -82,7 +76,7 @@ private:
     std::uint64_t newStartAddress_ = 0;
     bool hasNewStartAddress_ = false;
     std::string fileName_;
-    FileKind fileKind_ = FileKind::Detected;
+    const Io::Formats::InputFormatRow* format_ = nullptr;  ///< null if the contents decide
     BufferSourceKind sourceKind_ = BufferSourceKind::SourceEmpty;
     Buffer::ByteOrder byteOrder_ = Buffer::ByteOrder::NotSet;
     Area bufferRange_;

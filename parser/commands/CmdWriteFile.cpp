@@ -1,10 +1,12 @@
 #include "parser/commands/CmdWriteFile.hpp"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <exception>
 #include <utility>
 
+#include "io/Uf2.hpp"
 #include "io/export/EmbeddedC_AssemblerOutFile.hpp"
 #include "io/export/IntelHexOutFile.hpp"
 #include "io/export/MotorolaS_OutFile.hpp"
@@ -14,6 +16,7 @@
 #include "io/export/titxt/TiTxtOutFile.hpp"
 #include "io/export/uf2/Uf2OutFile.hpp"
 #include "io/export/vmem/VmemOutFile.hpp"
+#include "io/formats/InputFormats.hpp"
 #include "parser/commands/Conventions.hpp"
 
 namespace Parser::WrapperLib {
@@ -89,26 +92,104 @@ constexpr std::uint32_t largestWord = 8;
 
 using enum FormatNumber;
 
-constexpr std::array<ExportFormat, 10> exportFormats{{
-    {"RawBinary", "SetExportFormatOptionRawBinary -> ", nullptr, &makeRawBinary, None, false},
-    {"IntelHexExtended", "SetExportFormatOptionIntelHexExtended -> ", &setRecordLength,
-     &makeIntelHex, Optional},
-    {"IntelHexSegment", "SetExportFormatOptionIntelHexSegment -> ", &setRecordLength, &makeIntelHex,
-     Optional, true, true},
-    {"EmbeddedC_Assembler", "SetExportFormatOptionEmbeddedC_Assembler -> ", &setElementsPerLine,
-     &makeEmbedded, Optional, false},
-    {"MotorolaS", "SetExportFormatOptionMotorolaS -> ", &setRecordSize, &makeMotorola, Optional},
-    {"TiTxt", "SetExportFormatOptionTiTxt -> ", nullptr, &makeTiTxt},
-    {"Uf2", "SetExportFormatOptionUf2 -> ", &setFamily, &makeUf2, Family},
-    {"Vmem", "SetExportFormatOptionVmem -> ", &setWordBytes, &makeVmem, Required},
-    {"CArray", "SetExportFormatOptionCArray -> ", &setArrayLine, &makeArray, Optional, false},
-    {"DfuSe", "SetExportFormatOptionDfuSe -> ", nullptr, &makeDfuSe},
-}};
+constexpr auto hexEndings = std::to_array<std::string_view>({".hex", ".ihx", ".ihex"});
+constexpr auto sRecordEndings =
+    std::to_array<std::string_view>({".mot", ".s19", ".s28", ".s37", ".srec", ".sre"});
+constexpr auto rawEndings = std::to_array<std::string_view>({".bin", ".raw", ".img"});
+constexpr auto tiTxtEndings = std::to_array<std::string_view>({".txt"});
+constexpr auto uf2Endings = std::to_array<std::string_view>({".uf2"});
+constexpr auto vmemEndings = std::to_array<std::string_view>({".vmem"});
+constexpr auto arrayEndings = std::to_array<std::string_view>({".h"});
+constexpr auto dfuSeEndings = std::to_array<std::string_view>({".dfu"});
+
+constexpr auto exportFormats = std::to_array<ExportFormat>({
+    {.keyword = "RawBinary",
+     .trace = "SetExportFormatOptionRawBinary -> ",
+     .makeWriter = &makeRawBinary,
+     .hasAddresses = false,
+     .isImageItself = true,
+     .endings = rawEndings},
+    {.keyword = "IntelHexExtended",
+     .trace = "SetExportFormatOptionIntelHexExtended -> ",
+     .makeWriter = &makeIntelHex,
+     .numberForm = Optional,
+     .setNumber = &setRecordLength,
+     .hasStartAddress = true,
+     .endings = hexEndings},
+    {.keyword = "IntelHexSegment",
+     .trace = "SetExportFormatOptionIntelHexSegment -> ",
+     .makeWriter = &makeIntelHex,
+     .numberForm = Optional,
+     .setNumber = &setRecordLength,
+     .hasStartAddress = true,
+     .useSegmentAddressing = true},
+    {.keyword = "EmbeddedC_Assembler",
+     .trace = "SetExportFormatOptionEmbeddedC_Assembler -> ",
+     .makeWriter = &makeEmbedded,
+     .numberForm = Optional,
+     .setNumber = &setElementsPerLine,
+     .hasAddresses = false},
+    {.keyword = "MotorolaS",
+     .trace = "SetExportFormatOptionMotorolaS -> ",
+     .makeWriter = &makeMotorola,
+     .numberForm = Optional,
+     .setNumber = &setRecordSize,
+     .hasStartAddress = true,
+     .endings = sRecordEndings,
+     .usualForm = "MotorolaS_32"},
+    {.keyword = "TiTxt",
+     .trace = "SetExportFormatOptionTiTxt -> ",
+     .makeWriter = &makeTiTxt,
+     .endings = tiTxtEndings},
+    {.keyword = "Uf2",
+     .trace = "SetExportFormatOptionUf2 -> ",
+     .makeWriter = &makeUf2,
+     .numberForm = Named,
+     .setNumber = &setFamily,
+     .names = &Io::Uf2::families,
+     .endings = uf2Endings,
+     .choice = "a family, such as Uf2_RP2040"},
+    {.keyword = "Vmem",
+     .trace = "SetExportFormatOptionVmem -> ",
+     .makeWriter = &makeVmem,
+     .numberForm = Required,
+     .setNumber = &setWordBytes,
+     .endings = vmemEndings,
+     .choice = "Vmem_1, Vmem_2, Vmem_4 or Vmem_8"},
+    {.keyword = "CArray",
+     .trace = "SetExportFormatOptionCArray -> ",
+     .makeWriter = &makeArray,
+     .numberForm = Optional,
+     .setNumber = &setArrayLine,
+     .hasAddresses = false,
+     .endings = arrayEndings},
+    {.keyword = "DfuSe",
+     .trace = "SetExportFormatOptionDfuSe -> ",
+     .makeWriter = &makeDfuSe,
+     .endings = dfuSeEndings,
+     .addressAt = &Io::Export::DfuSeOutFile::addressAt},
+});
 
 }  // namespace
 
 std::span<const ExportFormat> CmdWriteFile::formats() {
     return exportFormats;
+}
+
+const ExportFormat* CmdWriteFile::formatNamed(std::string_view text) {
+    const auto* const found = std::ranges::find_if(exportFormats, [text](const ExportFormat& row) {
+        const std::string_view keyword = row.keyword;
+        return text == keyword ||
+               (text.starts_with(keyword) && text.substr(keyword.size()).starts_with('_'));
+    });
+    return found == exportFormats.end() ? nullptr : found;
+}
+
+const ExportFormat* CmdWriteFile::formatByEnding(std::string_view path) {
+    const auto* const found = std::ranges::find_if(exportFormats, [path](const ExportFormat& row) {
+        return Io::Formats::hasEnding(path, row.endings);
+    });
+    return found == exportFormats.end() ? nullptr : found;
 }
 
 CmdWriteFile::CmdWriteFile() {

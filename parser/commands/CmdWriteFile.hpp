@@ -5,9 +5,12 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "buffer/MemoryBuffer.hpp"
+#include "io/NamedNumber.hpp"
 #include "io/export/OutputStyles.hpp"
 #include "io/export/TessaronExportApi.hpp"
 #include "parser/commands/CmdApi.hpp"
@@ -31,20 +34,34 @@ enum class FormatNumber : std::uint8_t {
     None,
     Optional,  ///< an underscore and a number, or nothing
     Required,  ///< an underscore and a number
-    Family     ///< an underscore and the name of a family of devices or its number
+    Named      ///< an underscore and one of the format's names or a number
 };
 
-/// A `-setFormat` keyword, the trace text of its parser action and the writer that it chooses.
+/// What the system knows of a format of output files. Grammar, statement, conversion and the
+/// comparison of outputs take everything from these rows.
 struct ExportFormat {
-    const char* keyword;
-    const char* trace;
-    /// Takes the number of the underscore form; null if the format has no such form.
-    void (*setNumber)(OutputStyles& styles, std::uint32_t number);
-    std::unique_ptr<Io::Export::TessaronExportApi> (*makeWriter)(const std::string& path,
-                                                                 const OutputStyles& styles);
+    const char* keyword = nullptr;  ///< of `-setFormat`
+    const char* trace = nullptr;    ///< the trace text of its parser action
+    std::unique_ptr<Io::Export::TessaronExportApi> (*makeWriter)(
+        const std::string& path, const OutputStyles& styles) = nullptr;
     FormatNumber numberForm = FormatNumber::None;
+    /// Takes the number of the underscore form; null if the format has no such form.
+    void (*setNumber)(OutputStyles& styles, std::uint32_t number) = nullptr;
+    /// The names of the form `Named`.
+    std::span<const Io::NamedNumber> (*names)() = nullptr;
     bool hasAddresses = true;           ///< it can express gaps
+    bool hasStartAddress = false;       ///< it writes the execution address
     bool useSegmentAddressing = false;  ///< of Intel HEX, for this and all later formats
+    bool isImageItself = false;         ///< the bytes of the images, one image after the other
+    std::span<const std::string_view> endings = {};  ///< of its files' names, in lower case
+    /// What an ending means, as `-setFormat` takes it; null for the keyword.
+    const char* usualForm = nullptr;
+    /// What the user has to choose from where an ending does not say enough; null otherwise.
+    const char* choice = nullptr;
+    /// The address of the byte at an offset of a file that was written, where a reader takes the
+    /// file for raw bytes and it has addresses nevertheless.
+    std::optional<std::uint64_t> (*addressAt)(const Buffer::MemoryBuffer& file,
+                                              std::uint64_t offset) = nullptr;
 };
 
 /// WRITE_FILE: writes images into one file. Without a format that is Intel HEX with linear
@@ -55,6 +72,12 @@ public:
 
     /// The formats that a script can name, in the order in which the grammar tries them.
     static std::span<const ExportFormat> formats();
+
+    /// The format of which `text` is the keyword, or the keyword and a number; null if it is none.
+    static const ExportFormat* formatNamed(std::string_view text);
+
+    /// The format whose files end as `path` does, in either case, or null.
+    static const ExportFormat* formatByEnding(std::string_view path);
 
     /// @param argument  the path as written in the script, delimiters included
     void setFileName(std::string argument);
@@ -83,7 +106,7 @@ public:
     void setSection(std::string name);
 
     /// The keyword of the format of a statement that names none.
-    static constexpr const char* usualFormat() { return "IntelHexExtended"; }
+    static constexpr const char* usualFormat = "IntelHexExtended";
 
     bool execute(CmdContext& context) override;
     std::uint32_t getCmdType() const override { return number(CmdType::WriteFile); }

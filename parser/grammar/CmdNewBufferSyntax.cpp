@@ -1,17 +1,22 @@
+#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "io/formats/InputFormats.hpp"
 #include "parser/commands/CmdNewBuffer.hpp"
 #include "parser/grammar/Statements.hpp"
 
 namespace Parser {
 
 using Buffer::OverlapRule;
+using Io::Formats::InputFormatRow;
 using WrapperLib::CmdNewBuffer;
-using WrapperLib::FileKind;
 
 namespace {
+
+constexpr const char* detectedFileTrace = "SetFileAsSource -> ";
 
 /// NEW_BUFFER name source [option ...]
 struct NewBufferRules final : StatementRules {
@@ -22,28 +27,9 @@ struct NewBufferRules final : StatementRules {
              rules.name[on.text("SetName -> ", Role::MakesImage, &CmdNewBuffer::setBufferName)] >>
              newSource >> newOptions)[on.end()] >>
             rules.ws;
-        const auto fileOf = [&](const char* trace, FileKind kind) {
-            const auto set = [kind](CmdNewBuffer& image, std::string_view text) {
-                image.setFileOf(std::string(text), kind);
-            };
-            return on.with(trace, Role::InputFile, set, static_cast<std::uint32_t>(kind));
-        };
         newSource =
             rules.ws >>
-            ((rules.keyword("FROM_FILE_BINARY") >> rules.ws >>
-              rules.textArg[on.text("SetRawFileAsSource -> ", Role::InputFile,
-                                    &CmdNewBuffer::setRawFile,
-                                    static_cast<std::uint32_t>(FileKind::Raw))]) |
-             (rules.keyword("FROM_FILE") >> rules.ws >>
-              rules.textArg[on.text("SetFileAsSource -> ", Role::InputFile,
-                                    &CmdNewBuffer::setFile)]) |
-             (rules.keyword("FROM_ELF") >> rules.ws >>
-              rules.textArg[fileOf("SetElfFileAsSource -> ", FileKind::Elf)]) |
-             (rules.keyword("FROM_UF2") >> rules.ws >>
-              rules.textArg[fileOf("SetUf2FileAsSource -> ", FileKind::Uf2)]) |
-             (rules.keyword("FROM_TI_TXT") >> rules.ws >>
-              rules.textArg[fileOf("SetTiTxtFileAsSource -> ", FileKind::TiTxt)]) |
-             rules.keyword("EMPTY") |
+            (FirstOf(fileRules(rules, state)) | rules.keyword("EMPTY") |
              (rules.keyword("FROM_VALUES") >> rules.ws >>
               rules.valueList[on.values("SetHexList -> ", Role::Bytes, &CmdNewBuffer::setValues)]) |
              buffersSource(rules, on, "AddBufferAsSource -> ", &CmdNewBuffer::addSourceBuffer)) >>
@@ -73,8 +59,32 @@ struct NewBufferRules final : StatementRules {
                         rules.ws;
     }
 
+    /// A rule for each source that is a file.
+    std::vector<const Rule*> fileRules(CommonRules& rules, ParserState& state) {
+        const StatementActions<CmdNewBuffer> on(state);
+        std::vector<const Rule*> alternatives;
+        const auto add = [&](const char* keyword, const auto& action) {
+            Rule& rule = files.emplace_back();
+            rule = rules.keyword(keyword) >> rules.ws >> rules.textArg[action];
+            alternatives.push_back(&rule);
+        };
+        for (const InputFormatRow& format : Io::Formats::inputFormats()) {
+            if (format.keyword == nullptr) continue;
+            const auto set = [&format](CmdNewBuffer& image, std::string_view text) {
+                image.setFileOf(std::string(text), format);
+            };
+            add(format.keyword, on.with(format.trace, Role::InputFile, set));
+            // It is the beginning of the keyword for raw bytes, so it comes after that.
+            if (format.format == Facts::InputFormat::RawBinary)
+                add("FROM_FILE",
+                    on.text(detectedFileTrace, Role::InputFile, &CmdNewBuffer::setFile));
+        }
+        return alternatives;
+    }
+
     Rule newSource, newOptions, newStartAddressOption, startAddressSetting, newByteOrderOption,
         newAreasOption, bufferRangeOption, overlapOption;
+    std::deque<Rule> files;
 };
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "io/Uf2.hpp"
+#include "io/NamedNumber.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
 #include "parser/grammar/Statements.hpp"
 
@@ -22,34 +22,36 @@ using WrapperLib::FormatNumber;
 
 namespace {
 
-/// The name of a family of devices of the UF2 format, as a whole word.
-class FamilyName : public Spirit::parser<FamilyName> {
+/// One of the names of a format, as a whole word.
+class FormatName : public Spirit::parser<FormatName> {
 public:
-    /// @param family  set to the number of the last match
-    FamilyName(ParserState& state, std::uint32_t& family) : state_(&state), family_(&family) {}
+    /// @param number  set to the number of the last match
+    FormatName(ParserState& state, const ExportFormat& format, std::uint32_t& number)
+        : state_(&state), format_(&format), number_(&number) {}
 
     template <class ScannerT>
-    typename Spirit::parser_result<FamilyName, ScannerT>::type parse(const ScannerT& scan) const {
+    typename Spirit::parser_result<FormatName, ScannerT>::type parse(const ScannerT& scan) const {
         constexpr std::string_view letters =
             "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-";
         const Position first = scan.first;
         std::string_view word(first, static_cast<std::size_t>(scan.last - first));
         word = word.substr(0, word.find_first_not_of(letters));
-        const auto families = Io::Uf2::families();
-        const auto found = std::ranges::find(families, word, &Io::Uf2::Family::name);
-        if (found == families.end()) {
+        const auto names = format_->names();
+        const auto found = std::ranges::find(names, word, &Io::NamedNumber::name);
+        if (found == names.end()) {
             if (state_->expectations != nullptr)
-                for (const auto& known : families) state_->expectations->miss(first, known.name);
+                for (const auto& known : names) state_->expectations->miss(first, known.name);
             return scan.no_match();
         }
-        *family_ = found->number;
+        *number_ = found->number;
         scan.first = first + word.size();
         return scan.create_match(word.size(), Spirit::nil_t(), first, scan.first);
     }
 
 private:
     ParserState* state_;
-    std::uint32_t* family_;
+    const ExportFormat* format_;
+    std::uint32_t* number_;
 };
 
 /// WRITE_FILE path WITH_BUFFERS { name ... } [option ...]
@@ -119,12 +121,12 @@ struct WriteFileRules final : StatementRules {
             else if (format.numberForm == FormatNumber::Required)
                 rule = rules.keyword(format.keyword) >> rules.expected("_", ch_p('_')) >>
                        rules.notedValue[numbered];
-            else if (format.numberForm == FormatNumber::Family)
+            else if (format.numberForm == FormatNumber::Named)
                 rule = rules.keyword(format.keyword) >> rules.expected("_", ch_p('_')) >>
-                       (FamilyName(state, family)[on.with(
+                       (FormatName(state, format, named)[on.with(
                             format.trace, Role::Format,
                             [this, &format](CmdWriteFile& write, std::string_view) {
-                                write.setFormat(format, family);
+                                write.setFormat(format, named);
                             },
                             choice)] |
                         rules.notedValue[numbered]);
@@ -137,7 +139,7 @@ struct WriteFileRules final : StatementRules {
         return alternatives;
     }
 
-    std::uint32_t family = 0;  ///< whose name was read last
+    std::uint32_t named = 0;  ///< the number whose name was read last
     Rule writeBuffers, writeOptions, formatOption, skipUnwrittenOption, executionAddressOption,
         arrayNameOption, idOption;
     std::deque<Rule> formats;

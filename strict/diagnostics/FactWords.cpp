@@ -9,6 +9,7 @@
 
 #include "facts/FormatFaultWords.hpp"
 #include "inspect/Words.hpp"
+#include "io/formats/InputFormats.hpp"
 #include "platform/Paths.hpp"
 #include "util/Hex.hpp"
 
@@ -124,10 +125,10 @@ Words words(const FileMalformed& f, const Circumstances& /*c*/) {
     const Kind kind = f.fault == FormatFault::EndMissing      ? Kind::NoEnd
                       : f.fault == FormatFault::NothingToLoad ? Kind::EmptyImage
                                                               : Kind::WrongFormat;
-    return {
-        {kind,
-         std::string(f.file) + " cannot be read as " + nameOfFormat(f.format) + ": " + textOf(f),
-         {Role::InputFile}}};
+    return {{kind,
+             std::string(f.file) + " cannot be read as " +
+                 std::string(Io::Formats::rowOf(f.format).name) + ": " + textOf(f),
+             {Role::InputFile}}};
 }
 
 Words words(const FileReadIncomplete& f, const Circumstances& /*c*/) {

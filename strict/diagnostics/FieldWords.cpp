@@ -1,9 +1,11 @@
 #include "strict/diagnostics/FieldWords.hpp"
 
 #include <cstdint>
+#include <utility>
 #include <variant>
 
 #include "inspect/Words.hpp"
+#include "io/formats/InputFormats.hpp"
 #include "util/Hex.hpp"
 
 namespace Strict {
@@ -16,6 +18,7 @@ Kind kindOf(RecordFault fault) {
     switch (fault) {
         case RecordFault::NotARecord:
         case RecordFault::ForeignText:
+        case RecordFault::InRemark:
             return Kind::RecordLine;
         case RecordFault::OtherFormat:
             return Kind::WrongFormat;
@@ -30,6 +33,7 @@ Kind kindOf(RecordFault fault) {
         case RecordFault::Type:
             return Kind::RecordType;
         case RecordFault::Address:
+        case RecordFault::AddressSpace:
             return Kind::RecordAddress;
         case RecordFault::AfterEnd:
             return Kind::AfterEnd;
@@ -50,7 +54,7 @@ std::string characterText(std::uint64_t byte) {
 }
 
 std::string wordsForType(const LineDamaged& fact) {
-    if (fact.format == RecordFormat::IntelHex)
+    if (fact.format == InputFormat::IntelHex)
         return "Intel HEX has no record of type " +
                Util::hexByte(static_cast<std::uint8_t>(fact.found));
     if (fact.found == 's') return "an S-record begins with S, not with s";
@@ -58,7 +62,7 @@ std::string wordsForType(const LineDamaged& fact) {
 }
 
 std::string textOf(const LineDamaged& fact) {
-    const bool isHex = fact.format == RecordFormat::IntelHex;
+    const bool isHex = fact.format == InputFormat::IntelHex;
     switch (fact.fault) {
         case RecordFault::NotARecord:
             return "the line is no record";
@@ -89,6 +93,11 @@ std::string textOf(const LineDamaged& fact) {
         case RecordFault::Address:
             return "the address field is " + Inspect::hexText(fact.found) +
                    ", in a record of this type it is 0";
+        case RecordFault::AddressSpace:
+            return "the data from " + Inspect::addressText(fact.found) +
+                   " on goes beyond 0xFFFFFFFF";
+        case RecordFault::InRemark:
+            return "the remark is a whole record: take the line out, or its mark";
         case RecordFault::AfterEnd:
             return counted(fact.found, "data byte", "data bytes") + " after the end record";
         case RecordFault::RecordCount:
@@ -156,7 +165,7 @@ struct WordsFor {
     }
 
     FieldWords operator()(const EndMissing& fact) const {
-        const bool isHex = fact.format == RecordFormat::IntelHex;
+        const bool isHex = fact.format == InputFormat::IntelHex;
         return {Kind::NoEnd,
                 std::string(fact.file) + " has no " +
                     (isHex ? "end-of-file record" : "S7, S8 or S9 record") +
@@ -165,20 +174,22 @@ struct WordsFor {
     }
 
     FieldWords operator()(const FormatForeign& fact) const {
-        const std::string file(fact.file);
-        switch (fact.format) {
-            case ForeignFormat::Elf:
-                return {Kind::WrongFormat, file + " is an ELF file", "use FROM_ELF", fact.file};
-            case ForeignFormat::Uf2:
-                return {Kind::WrongFormat, file + " is a UF2 file", "use FROM_UF2", fact.file};
-            case ForeignFormat::TiTxt:
-                return {Kind::WrongFormat, file + " is a TI-TXT file", "use FROM_TI_TXT",
-                        fact.file};
-            case ForeignFormat::NoRecords:
-                break;
-        }
-        return {Kind::WrongFormat, file + " has no record of Intel HEX and no S-record",
-                "FROM_FILE_BINARY takes a file byte for byte", fact.file};
+        std::string text(fact.file);
+        if (!fact.format)
+            return {Kind::WrongFormat, text + " has no record of Intel HEX and no S-record",
+                    "FROM_FILE_BINARY takes a file byte for byte", fact.file};
+        const Io::Formats::InputFormatRow& row = Io::Formats::rowOf(*fact.format);
+        text.append(" has the format ").append(row.name);
+        std::string hint = "use ";
+        return {Kind::WrongFormat, std::move(text), hint.append(row.keyword), fact.file};
+    }
+
+    FieldWords operator()(const StartAddressesDiffer& fact) const {
+        return {Kind::StartAddress,
+                "a second start address, " + Inspect::addressText(fact.later) + ": line " +
+                    std::to_string(fact.earlierLine) + " names " +
+                    Inspect::addressText(fact.earlier),
+                "", fact.file, fact.laterLine};
     }
 
     FieldWords operator()(const RecordsOverlap& fact) const {

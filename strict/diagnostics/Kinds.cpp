@@ -75,6 +75,8 @@ constexpr std::array allKinds{
     KindRow{Kind::WrongFormat, "wrong-format", Error, true,
             "a file of another format than the statement names"},
     KindRow{Kind::Conflict, "conflict", Error, false, "two different bytes for one address"},
+    KindRow{Kind::StartAddress, "start-address", Error, false,
+            "two different start addresses in a file"},
     KindRow{Kind::Overlap, "overlap", Warning, false, "the same byte twice for one address"},
     KindRow{Kind::Tolerated, "tolerated", Warning, false, "an oddity of a file that loses no data"},
     KindRow{Kind::SameFile, "same-file", Error, true,

@@ -60,6 +60,7 @@ enum class Kind : unsigned char {
     RecordCount,
     WrongFormat,
     Conflict,
+    StartAddress,
     Overlap,
     Tolerated,
     SameFile,

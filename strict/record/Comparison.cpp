@@ -9,12 +9,13 @@
 
 #include "buffer/Difference.hpp"
 #include "facts/Listener.hpp"
+#include "inspect/Diff.hpp"
 #include "inspect/Image.hpp"
 #include "inspect/LineRuns.hpp"
 #include "inspect/Words.hpp"
 #include "io/File.hpp"
-#include "io/import/GenericInFile.hpp"
 #include "io/import/Malformed.hpp"
+#include "parser/commands/CmdWriteFile.hpp"
 #include "platform/Files.hpp"
 #include "platform/Paths.hpp"
 #include "util/Hex.hpp"
@@ -23,31 +24,18 @@ namespace Strict {
 
 namespace {
 
-/// A file read as an image.
-struct Contents {
-    std::string format;  ///< as Inspect::formatOf has it
-    Buffer::MemoryBuffer image;
-
-    /// Positions in the image are offsets in the file.
-    bool isRaw() const { return format == rawFormat; }
-    static constexpr const char* rawFormat = "raw bytes";
-};
+/// Positions in the image are offsets in the file.
+bool isRaw(const Inspect::Image& image) {
+    return image.format == Facts::InputFormat::RawBinary;
+}
 
 /// The file as the host in force has it; nothing if it cannot be opened or is damaged.
-std::optional<Contents> contentsOf(const std::string& path) {
+std::optional<Inspect::Image> contentsOf(const std::string& path) {
     Facts::Unheard unheard;
     const Facts::ListenerScope silence(unheard);
     try {
-        // What `info` reads is not damaged.
-        const std::string format = Inspect::formatOf(path);
         auto image = Inspect::openImage(path);
-        if (!image) return std::nullopt;
-        if (image->parts.size() == 1) return Contents{format, std::move(image->parts.front())};
-        // An empty file, or one whose areas are far apart.
-        Io::Import::GenericInFile file(path);
-        const bool isRaw = file.type() == Io::Import::InFileType::RawBinary;
-        if (!isRaw && file.getDataLength() == 0) return std::nullopt;
-        return Contents{isRaw ? Contents::rawFormat : format, file.takeMemory()};
+        return image && image->parts.empty() ? std::nullopt : std::move(image);
     } catch (const Io::bad_open&) {
         return std::nullopt;
     } catch (const Io::Import::Malformed&) {
@@ -56,10 +44,20 @@ std::optional<Contents> contentsOf(const std::string& path) {
 }
 
 /// The written byte of an image as two digits, or "no byte".
-std::string byteText(const Buffer::MemoryBuffer& image, std::uint64_t address) {
-    const Buffer::ElementView element = image.viewRange(address, 1);
-    if (element.empty() || element[0].hasValue == 0) return "no byte";
-    return Util::hexByte(*element.values());
+std::string byteText(const Inspect::Image& image, std::uint64_t address) {
+    const Buffer::MemoryBuffer* const part = Inspect::partWith(image.parts, {address, 1});
+    if (part == nullptr) return "no byte";
+    const Buffer::ElementView element = part->viewRange(address, 1);
+    return element[0].hasValue == 0 ? "no byte" : Util::hexByte(*element.values());
+}
+
+/// The ranges at which the images differ, ascending.
+Buffer::AreaList differences(const Inspect::Image& left, const Inspect::Image& right) {
+    const Buffer::Differences where = Inspect::compare(left, right, {}).where;
+    Buffer::AreaList all = where.changed;
+    for (const Buffer::AreaList* const some : {&where.onlyLeft, &where.onlyRight})
+        all.insert(all.end(), some->begin(), some->end());
+    return Inspect::joined(std::move(all), 0);
 }
 
 std::string textOf(const Buffer::AreaList& areas) {
@@ -115,49 +113,22 @@ std::optional<Where> whereInRaw(const Images& images, std::uint64_t offset) {
     return std::nullopt;
 }
 
-/// The same for an offset in a DfuSe file with one target, by the elements of the target: each is
-/// an address and a length of four bytes, and data (UM0391 of ST, section 2.3).
-std::optional<Where> whereInDfuSe(const Images& images, const Buffer::MemoryBuffer& file,
-                                  std::uint64_t offset) {
-    constexpr std::uint64_t firstElement = 11 + 274;  // after the prefixes of file and target
-    constexpr std::uint64_t prefix = 8;
-    const auto numberAt = [&file](std::uint64_t at) {
-        std::uint64_t number = 0;
-        const Buffer::ElementView bytes = file.viewRange(at, 4);
-        for (std::size_t i = bytes.size(); i-- != 0;) number = number << 8U | bytes.values()[i];
-        return number;
-    };
-    std::uint64_t at = firstElement;
-    while (at + prefix <= offset && at + prefix < file.getDataLength()) {
-        const std::uint64_t length = numberAt(at + 4);
-        if (offset - at - prefix < length)
-            return whereIs(images, numberAt(at) + offset - at - prefix);
-        at += prefix + length;
-    }
-    return std::nullopt;
-}
-
 /// What the script makes of an output, beside the record of the run.
 struct Made {
-    const Contents* contents;
-    const std::string* format;  ///< the keyword
+    const Inspect::Image* contents;
+    const Parser::WrapperLib::ExportFormat* format;
     Images images;
 
     /// The origin of a position in the contents; nothing where the format has no addresses.
     std::optional<Where> whereOf(std::uint64_t position) const {
-        if (*format == "RawBinary") return whereInRaw(images, position);
-        if (*format == "DfuSe") return whereInDfuSe(images, contents->image, position);
-        return contents->isRaw() ? std::nullopt : whereIs(images, position);
+        if (format != nullptr && format->isImageItself) return whereInRaw(images, position);
+        if (format != nullptr && format->addressAt != nullptr) {
+            const auto address = format->addressAt(contents->parts.front(), position);
+            return address ? whereIs(images, *address) : std::nullopt;
+        }
+        return isRaw(*contents) ? std::nullopt : whereIs(images, position);
     }
 };
-
-/// The line among `runs` that gave an address; 0 if none did.
-std::uint64_t lineAt(const std::vector<Inspect::LineRun>& runs, std::uint64_t address) {
-    for (const Inspect::LineRun& run : runs)
-        if (run.area.contains({address, 1}))
-            return run.firstLine + (address - run.area.start) / run.bytesPerLine;
-    return 0;
-}
 
 /// A note with the statement, and the line of the input, that a byte comes from.
 Note noteOn(std::string text, const std::optional<Where>& where, const Inspect::RunRecord& record) {
@@ -165,7 +136,7 @@ Note noteOn(std::string text, const std::optional<Where>& where, const Inspect::
     const Inspect::OriginRange* const origin = where ? originOf(*where) : nullptr;
     if (origin == nullptr) return note;
     if (!origin->file.empty()) note.text += ", from " + origin->file;
-    if (const std::uint64_t line = lineAt(origin->lines, where->address))
+    if (const std::uint64_t line = Inspect::lineAt(origin->lines, where->address))
         note.text += ", " + Inspect::linesText(line, line);
     else if (origin->firstLine != 0)
         note.text += ", " + Inspect::linesText(origin->firstLine, origin->lastLine);
@@ -174,8 +145,8 @@ Note noteOn(std::string text, const std::optional<Where>& where, const Inspect::
 }
 
 /// Notes on the first areas: what each file has there, and where the script's byte comes from.
-std::vector<Note> notesOn(const Buffer::AreaList& areas, const Contents& disk, const Made& made,
-                          const Inspect::RunRecord& record) {
+std::vector<Note> notesOn(const Buffer::AreaList& areas, const Inspect::Image& disk,
+                          const Made& made, const Inspect::RunRecord& record) {
     constexpr std::size_t mostNotes = 4;
     std::vector<Note> notes;
     for (std::size_t i = 0; i < areas.size() && i < mostNotes; ++i) {
@@ -183,10 +154,9 @@ std::vector<Note> notesOn(const Buffer::AreaList& areas, const Contents& disk, c
         const std::optional<Where> where = made.whereOf(position);
         const std::string what =
             where ? Inspect::addressText(where->address) + " of " + where->image->name
-                  : (disk.isRaw() ? "offset " : "") + Inspect::addressText(position);
-        notes.push_back(noteOn(what + " is " + byteText(disk.image, position) +
-                                   " in the file and " + byteText(made.contents->image, position) +
-                                   " in the image",
+                  : (isRaw(disk) ? "offset " : "") + Inspect::addressText(position);
+        notes.push_back(noteOn(what + " is " + byteText(disk, position) + " in the file and " +
+                                   byteText(*made.contents, position) + " in the image",
                                where, record));
     }
     return notes;
@@ -235,22 +205,22 @@ bool haveSameLines(std::string_view one, std::string_view other) {
 /// Adds where an output that the script makes differs from the file on disk, whose text is `text`.
 void explain(Diagnostic& diagnostic, RunFiles& files, const Inspect::FileRecord& output,
              const std::string& path, std::string_view text, const Inspect::RunRecord& record) {
-    const std::string format = Inspect::formatOf(path);
-    const std::optional<Contents> disk = contentsOf(path);
+    const std::optional<Inspect::Image> disk = contentsOf(path);
     const Io::HostScope hosting(files);
-    const std::optional<Contents> contents = contentsOf(path);
+    const std::optional<Inspect::Image> contents = contentsOf(path);
     if (!contents) return;
-    const Made made{&*contents, &output.format, imagesOf(output, record)};
-    if (format != contents->format) {
-        diagnostic.hint = "the formats differ";
-        return;
-    }
+    const Made made{&*contents, Parser::WrapperLib::CmdWriteFile::formatNamed(output.format),
+                    imagesOf(output, record)};
     if (!disk) {
         explainDamage(diagnostic, firstDifferentLine(text, files.contentsOf(path)), made, path,
                       record);
         return;
     }
-    const Buffer::AreaList areas = Buffer::differences(disk->image, contents->image);
+    if (disk->format != contents->format) {
+        diagnostic.hint = "the formats differ";
+        return;
+    }
+    const Buffer::AreaList areas = differences(*disk, *contents);
     if (areas.empty()) {
         diagnostic.hint = haveSameLines(text, files.contentsOf(path))
                               ? "only the line ends differ"
@@ -258,7 +228,7 @@ void explain(Diagnostic& diagnostic, RunFiles& files, const Inspect::FileRecord&
         return;
     }
     diagnostic.hint =
-        (disk->isRaw() ? "they differ at the offsets " : "they differ at the addresses ") +
+        (isRaw(*disk) ? "they differ at the offsets " : "they differ at the addresses ") +
         textOf(areas);
     diagnostic.notes = notesOn(areas, *disk, made, record);
 }

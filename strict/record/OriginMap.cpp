@@ -18,8 +18,11 @@ OriginMap::Ranges::const_iterator OriginMap::firstIn(const Area& area) const {
 
 void OriginMap::set(const Range& range) {
     if (range.area.length == 0) return;
-    erase(range.area);
-    const auto entry = ranges_.emplace(range.area.start, range).first;
+    // Most ranges come in the order of their addresses.
+    const bool isLast = ranges_.empty() || ranges_.rbegin()->second.area.end() <= range.area.start;
+    if (!isLast) erase(range.area);
+    const auto entry = isLast ? ranges_.emplace_hint(ranges_.end(), range.area.start, range)
+                              : ranges_.emplace(range.area.start, range).first;
     if (entry == ranges_.begin()) return;
     Range& before = std::prev(entry)->second;
     const bool isContinued = before.area.end() == range.area.start &&

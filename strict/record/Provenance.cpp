@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <exception>
-#include <memory>
 #include <span>
 #include <utility>
 
 #include "buffer/Overlap.hpp"
 #include "facts/Listener.hpp"
 #include "inspect/Image.hpp"
+#include "inspect/LineRuns.hpp"
 #include "inspect/Words.hpp"
 #include "util/Hex.hpp"
 
@@ -70,7 +70,8 @@ void Provenance::enter() {
 std::size_t Provenance::thisStatement() {
     if (!statement_) {
         statement_ = sources_.size();
-        sources_.push_back({"", 0, 0, reports_->statementPlace()});
+        sources_.push_back({origins_.size(), {}});
+        origins_.push_back({"", Facts::InputFormat::RawBinary, reports_->statementPlace()});
     }
     return *statement_;
 }
@@ -84,9 +85,9 @@ OriginMap Provenance::originsIn(const CmdNewBuffer& statement, const TessaronImp
     OriginMap all;
     for (const auto& run : runs) {
         all.set(run.area, sources_.size());
-        sources_.push_back(
-            {statement.fileName(), run.firstLine, run.lastLine, reports_->statementPlace()});
+        sources_.push_back({origins_.size(), run.area, run.firstLine, run.lastLine});
     }
+    origins_.push_back({statement.fileName(), reader.getFormat(), reports_->statementPlace()});
     return all;
 }
 
@@ -95,7 +96,7 @@ void Provenance::onRead(const CmdNewBuffer& statement, const TessaronImportApi& 
     const OriginMap all = originsIn(statement, reader);
     AreaList areas;
     for (const auto& [start, entry] : all.ranges()) areas.push_back(entry.area);
-    inputs_.push_back({statement.fileName(), statement.isRawFile(), std::move(areas),
+    inputs_.push_back({statement.fileName(), reader.getFormat(), std::move(areas),
                        reports_->statementPlace().line});
     if (statement.areas().empty()) current_.written.lay(all, range);
     for (const Area& area : statement.areas())
@@ -120,6 +121,8 @@ void Provenance::onRead(const CmdNewBuffer& statement, const TessaronImportApi& 
 
 void Provenance::reportCropped(const std::string& file, const OriginMap& all,
                                const OriginMap& kept) {
+    // Most files are taken as a whole.
+    if (all.size() == kept.size()) return;
     AreaList cropped;
     for (const auto& [start, entry] : all.ranges())
         for (const Area& area : uncovered(entry.area, kept, {})) {
@@ -159,29 +162,42 @@ void Provenance::onOverlay(const CmdNewBuffer& statement, const MemoryBuffer& im
     current_.fillers.lay(fillers, *common);
 }
 
-/// The line of an input file that gave the byte which is at `address` in the file; 0 if that is
-/// not known.
-std::uint64_t Provenance::lineOf(const Source& source, std::uint64_t address) const {
-    if (source.firstLine == source.lastLine) return source.firstLine;
+const std::vector<Inspect::LineRun>& Provenance::lineRunsOf(const Source& source) const {
+    const Origin& origin = originOf(source);
+    const auto [lines, isNew] = lines_.try_emplace(origin.file);
+    if (!isNew) return lines->second;
     Facts::Unheard unheard;
     const Facts::ListenerScope listening(unheard);
     try {
-        const auto reader = reading_->open(source.file, OverlapRule::Last);
-        return reader ? reader->findLine(address) : 0;
+        lines->second = Inspect::lineRunsOf(origin.file, origin.format);
     } catch (const std::exception&) {
-        return 0;
+        // The file is gone, or is another one by now.
+        lines->second.clear();
     }
+    return lines->second;
+}
+
+Provenance::Lines Provenance::linesOf(const OriginMap::Range& range) const {
+    const Source& source = sources_[range.source];
+    const Area area{range.area.start - range.moved, range.area.length};
+    if (area == source.area || source.firstLine == source.lastLine)
+        return {source.firstLine, source.lastLine};
+    const auto lineAt = [&](std::uint64_t address) {
+        return Inspect::lineAt(lineRunsOf(source), address, source.firstLine, source.lastLine);
+    };
+    const Lines lines{lineAt(area.start), lineAt(area.end() - 1)};
+    return lines.first == 0 || lines.last == 0 ? Lines{} : lines;
 }
 
 Note Provenance::originNote(const char* what, const OriginMap& origins,
                             std::uint64_t address) const {
     const OriginMap::Range* const found = origins.find(address);
     if (found == nullptr) return {what, std::nullopt};
-    const Source& source = sources_[found->source];
-    if (source.file.empty()) return {what, source.statement};
-    const std::uint64_t line = lineOf(source, address - found->moved);
-    Note note{what, Place{source.file, static_cast<std::size_t>(line), 0, "", 0, 0}};
-    if (line == 0) note.text += " " + source.file;
+    const Origin& origin = originOf(sources_[found->source]);
+    if (origin.file.empty()) return {what, origin.statement};
+    const std::uint64_t line = linesOf({{address, 1}, found->source, found->moved}).first;
+    Note note{what, Place{origin.file, static_cast<std::size_t>(line), 0, "", 0, 0}};
+    if (line == 0) note.text += " " + origin.file;
     return note;
 }
 

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "facts/InputFormat.hpp"
+#include "inspect/RunRecord.hpp"
 #include "parser/commands/CmdNewBuffer.hpp"
 #include "parser/commands/ImageObserver.hpp"
 #include "parser/grammar/Statement.hpp"
@@ -20,12 +22,26 @@ namespace Strict {
 /// covers though nothing gave them a byte.
 class Provenance final : public Parser::WrapperLib::ImageObserver {
 public:
-    /// What gave bytes to images: lines of an input file, or a statement by itself.
+    /// A statement that gave bytes to images, by itself or from a file that it read.
+    struct Origin {
+        std::string file;           ///< as the script names it; empty for a statement by itself
+        Facts::InputFormat format;  ///< of the file
+        Place statement;
+    };
+
+    /// Bytes that follow each other in a file and in the address space, or all of a statement.
+    /// There are as many as a file has areas, so they are small.
     struct Source {
-        std::string file;             ///< as the script names it; empty for a statement
+        std::size_t origin;           ///< its place among `origins`
+        Buffer::Area area;            ///< in the file; of length 0 for a statement by itself
         std::uint64_t firstLine = 0;  ///< 0 in a file without lines
         std::uint64_t lastLine = 0;
-        Place statement;
+    };
+
+    /// Lines of an input file; 0 and 0 for one without lines.
+    struct Lines {
+        std::uint64_t first = 0;
+        std::uint64_t last = 0;
     };
 
     /// The origins of one image.
@@ -38,14 +54,12 @@ public:
     /// A file that became a part of an image.
     struct Input {
         std::string file;  ///< as the script names it
-        bool isRaw;        ///< taken byte for byte, whatever its format
+        Facts::InputFormat format;
         Buffer::AreaList areas;
         std::size_t line;  ///< of the statement
     };
 
-    /// @param reading  reads an input file once more, if a line of it is to be named
-    Provenance(StatementReports& reports, const Io::Import::InputReading& reading)
-        : reports_(&reports), reading_(&reading) {}
+    explicit Provenance(StatementReports& reports) : reports_(&reports) {}
 
     /// A statement is about to run.
     void enter();
@@ -56,7 +70,14 @@ public:
 
     const std::map<std::string, Image>& images() const { return images_; }
     const std::vector<Source>& sources() const { return sources_; }
+    const Origin& originOf(const Source& source) const { return origins_[source.origin]; }
     const std::vector<Input>& inputs() const { return inputs_; }
+
+    /// The lines of the file that gave a range of an image.
+    Lines linesOf(const OriginMap::Range& range) const;
+
+    /// All lines of a source's file. The first call for a file reads it once more.
+    const std::vector<Inspect::LineRun>& lineRunsOf(const Source& source) const;
 
     void onRead(const Parser::WrapperLib::CmdNewBuffer& statement,
                 const Io::Import::TessaronImportApi& reader, const Buffer::Area& range) override;
@@ -77,15 +98,15 @@ private:
                         const Buffer::MemoryBuffer& part) const;
     void reportWiped(const Buffer::MemoryBuffer& image, const std::string& name,
                      const Buffer::MemoryBuffer& part) const;
-    std::uint64_t lineOf(const Source& source, std::uint64_t address) const;
     Note originNote(const char* what, const OriginMap& origins, std::uint64_t address) const;
 
     StatementReports* reports_;
-    const Io::Import::InputReading* reading_;
     std::optional<std::size_t> statement_;  ///< the source that the statement is, once needed
     Image current_;                         ///< the image that is being made
     std::map<std::string, Image> images_;
+    std::vector<Origin> origins_;
     std::vector<Source> sources_;
+    mutable std::map<std::string, std::vector<Inspect::LineRun>> lines_;  ///< by path
     std::vector<Input> inputs_;
 };
 

@@ -73,7 +73,7 @@ private:
             Inspect::FileRecord& file = uses[ran_->files->inputName(input.file)];
             file.line = file.line == 0 ? input.line : file.line;
             file.areas = Inspect::joined(input.areas, 0);
-            file.format = formatOf(input.file, input.isRaw);
+            file.format = Inspect::formatText(input.format);
         }
         return uses;
     }
@@ -91,18 +91,10 @@ private:
         }
     }
 
-    static std::string formatOf(const std::string& path, bool isRaw) {
-        try {
-            return isRaw ? "raw bytes" : Inspect::formatOf(path);
-        } catch (const Io::bad_open&) {
-            return "";
-        }
-    }
-
     /// The keyword of the format that counts.
     static std::string formatOf(const Statement& statement) {
         const Part* const format = statement.last(Role::Format);
-        return format == nullptr ? CmdWriteFile::usualFormat()
+        return format == nullptr ? CmdWriteFile::usualFormat
                                  : CmdWriteFile::formats()[format->choice].keyword;
     }
 
@@ -135,18 +127,20 @@ private:
     }
 
     std::size_t lineOfSource(std::size_t number) const {
-        return ran_->provenance->sources()[number].statement.line;
+        const Provenance& provenance = *ran_->provenance;
+        return provenance.originOf(provenance.sources()[number]).statement.line;
     }
 
     OriginRange writtenRange(const OriginMap::Range& range) {
         const Provenance::Source& source = ran_->provenance->sources()[range.source];
-        const MapKind kind = source.file.empty() ? MapKind::Value : MapKind::Data;
+        const Provenance::Origin& origin = ran_->provenance->originOf(source);
+        const Provenance::Lines lines = ran_->provenance->linesOf(range);
         OriginRange entry{range.area,
-                          kind,
-                          source.statement.line,
-                          Platform::portablePath(source.file),
-                          source.firstLine,
-                          source.lastLine,
+                          origin.file.empty() ? MapKind::Value : MapKind::Data,
+                          origin.statement.line,
+                          Platform::portablePath(origin.file),
+                          lines.first,
+                          lines.last,
                           {}};
         if (withLines_ && source.firstLine != 0) addLines(entry, source, range.moved);
         return entry;
@@ -154,7 +148,7 @@ private:
 
     /// Adds the lines that gave the addresses, which were moved by `moved`.
     void addLines(OriginRange& entry, const Provenance::Source& source, std::uint64_t moved) {
-        const auto& runs = linesOf(source.file);
+        const auto& runs = ran_->provenance->lineRunsOf(source);
         // Runs are in the order of the file.
         auto run =
             std::ranges::lower_bound(runs, source.firstLine, {}, &Inspect::LineRun::firstLine);
@@ -173,16 +167,6 @@ private:
         area = {area.start + skipped * run.bytesPerLine,
                 end - area.start - skipped * run.bytesPerLine};
         entry.lines.push_back({area, run.firstLine + skipped, run.bytesPerLine});
-    }
-
-    const std::vector<Inspect::LineRun>& linesOf(const std::string& path) {
-        const auto found = lines_.find(path);
-        if (found != lines_.end()) return found->second;
-        try {
-            return lines_[path] = Inspect::lineRunsOf(path, Inspect::formatOf(path));
-        } catch (const Io::bad_open&) {
-            return lines_[path];
-        }
     }
 
     void addValue(const std::string& name, bool isCrc, const Statement& statement) {
@@ -228,7 +212,6 @@ private:
     const Ran* ran_;
     bool withLines_;
     Inspect::RunRecord record_;
-    std::map<std::string, std::vector<Inspect::LineRun>> lines_;  ///< by path
 };
 
 }  // namespace

@@ -81,7 +81,9 @@ std::vector<Case> newBufferCases() {
     return {
         {"hex", from([](CmdNewBuffer& c) { c.setFile(inFolder("in.hex")); })},
         {"srec", from([](CmdNewBuffer& c) { c.setFile(inFolder("in.s19")); })},
-        {"raw", from([](CmdNewBuffer& c) { c.setRawFile(inFolder("in.hex")); })},
+        {"raw", from([](CmdNewBuffer& c) {
+             c.setFileOf(inFolder("in.hex"), Io::Formats::rowOf(Facts::InputFormat::RawBinary));
+         })},
         {"values", from([](CmdNewBuffer& c) {
              c.setValues({1, 2, 3});
          })},

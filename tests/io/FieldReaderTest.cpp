@@ -5,17 +5,16 @@
 #include <variant>
 #include <vector>
 
-#include "io/InFile.hpp"
-#include "io/field/FieldFormat.hpp"
-#include "io/field/FieldReading.hpp"
+#include "io/formats/FieldReading.hpp"
 #include "tests/io/IoFixtures.hpp"
 
 namespace {
 
 using namespace Facts;
 using Buffer::Area;
-using Io::Field::FieldReading;
+using Io::Formats::FieldReading;
 using Io::Import::SourceRun;
+using Tests::ExpectedFacts;
 using Tests::temporaryFile;
 
 /// Takes what a reader reports of one kind.
@@ -36,45 +35,6 @@ std::unique_ptr<Io::Import::TessaronImportApi> openField(const std::string& path
     return FieldReading().open(path, Buffer::OverlapRule::NotSet);
 }
 
-TEST(FieldReadingTest, FindsTheFormatByTheFirstRecordWhereverItIs) {
-    struct Row {
-        std::string name;
-        std::string contents;
-        Io::Field::FieldFormat format;
-    };
-    using Io::Field::RawFormat;
-    constexpr std::size_t piece = std::size_t{1} << 17U;
-    const std::string record = ":00000001FF\n";
-    // A record across the border of two pieces that are read one after the other, at each place.
-    std::vector<Row> rows;
-    for (std::size_t at = piece - record.size() - 1; at <= piece + 1; ++at)
-        rows.push_back({"input", std::string(at, 'x') + "\n" + record, RecordFormat::IntelHex});
-    for (const Row& row :
-         std::initializer_list<Row>{{"input", "", RawFormat{}},
-                                    {"x.HEX", "", RawFormat{}},
-                                    {"input", "x\n:0000000", RawFormat{}},
-                                    {"input", "x:00000001FF\n", RawFormat{}},
-                                    {"input", ":0000000\n", ForeignFormat::NoRecords},
-                                    {"input", "\n\nSome text\n", ForeignFormat::NoRecords},
-                                    {"x.HEX", "text", ForeignFormat::NoRecords},
-                                    {"x.sre", std::string(4, '\0'), ForeignFormat::NoRecords},
-                                    {"input", "\xEF\xBB\xBF:00000001FF", RecordFormat::IntelHex},
-                                    {"input", "junk\rS9030000FC", RecordFormat::SRecords},
-                                    {"input", "s9030000FC", RecordFormat::SRecords},
-                                    {"input", "\x7F\x45LF\n:00000001FF\n", ForeignFormat::Elf},
-                                    {"input", "\x7F\x45L\n:00000001FF\n", RecordFormat::IntelHex},
-                                    {"input", "UF2\n\x57\x51\x5D\x9E", ForeignFormat::Uf2},
-                                    {"input", "UF2\n", RawFormat{}},
-                                    {"input", "\n@F000\r\n31 40\nq\n", ForeignFormat::TiTxt},
-                                    {"input", "@F000\n314\n", RawFormat{}},
-                                    {"input", "@\n31 40\nq\n", RawFormat{}}})
-        rows.push_back(row);
-    for (const Row& row : rows)
-        EXPECT_EQ(Io::Field::fieldFormatOf(row.name, Io::openInput(temporaryFile(row.contents))),
-                  row.format)
-            << row.name << row.contents.substr(0, 20);
-}
-
 /// A data record of one byte. Its checksum makes the sum of its bytes 0.
 std::string oneByte(unsigned address, unsigned value) {
     const unsigned sum = 1 + (address >> 8U) + (address & 0xFFU) + value;
@@ -91,9 +51,6 @@ TEST(FieldReadingTest, NamesTheLinesOfEveryByte) {
     EXPECT_EQ(reader->getSourceRuns(), runs);
     EXPECT_EQ(Tests::bytesOf(reader->takeMemory()), (std::vector<std::uint8_t>{4, 0, 0, 0, 1, 5}));
     EXPECT_EQ(reader->getSourceRuns(), runs) << "after the image was taken";
-    for (const auto& [address, line] : std::initializer_list<std::pair<unsigned, unsigned>>{
-             {2, 0}, {3, 5}, {4, 0}, {7, 2}, {8, 6}, {9, 0}})
-        EXPECT_EQ(reader->findLine(address), line) << address;
 }
 
 TEST(FieldReadingTest, ListsTwentyRangesOfEachKindAndCountsTheOthers) {
@@ -144,6 +101,75 @@ TEST(FieldReadingTest, ReadsEveryWayToCountSRecords) {
         for (const LineDamaged& fact : damage.facts)
             EXPECT_EQ(fact.fault, RecordFault::RecordCount) << row.counts;
         EXPECT_EQ(reader == nullptr, row.wrong != 0) << row.counts;
+    }
+}
+
+TEST(FieldReadingTest, RefusesDataBeyondTheAddressSpace) {
+    const std::string page = ":02000004FFFFFC\n";
+    const std::string run = ":04FFFB0001020304F8\n";
+    const std::string end = ":00000001FF\n# what a decoder of whole records may look at\n";
+    const std::string sEnd = "S70500000000FA\n# what a decoder of whole records may look at\n";
+    struct Row {
+        std::string contents;
+        std::uint64_t line;  ///< that is damaged, and alone
+        std::string text;
+    };
+    for (const Row& row : {Row{page + ":02FFFF000102FD\n" + end, 2, ":02FFFF000102FD"},
+                           Row{page + run + ":02FFFF000102FD\n" + end, 3, ":02FFFF000102FD"},
+                           Row{"S307FFFFFFFF0102F9\n" + sEnd, 1, "S307FFFFFFFF0102F9"}}) {
+        SCOPED_TRACE(row.contents);
+        const std::string path = temporaryFile(row.contents);
+        const ExpectedFacts expected(
+            {FieldFact{LineDamaged{
+                 path, row.contents[0] == 'S' ? InputFormat::MotorolaS : InputFormat::IntelHex,
+                 row.line, row.text, RecordFault::AddressSpace, 0xFFFFFFFF, 0}},
+             FieldFact{LinesTolerated{path, Tolerance::Remark, 1, row.line + 2}}});
+        EXPECT_EQ(openField(path), nullptr);
+    }
+    for (const std::string& sound :
+         {page + run + ":01FFFF0005FC\n:00000001FF\n", std::string("S307FFFFFFFE0102FA\n") + sEnd})
+        EXPECT_EQ(openField(temporaryFile(sound))->getDataAreas().back().end(), 0x100000000U);
+}
+
+TEST(FieldReadingTest, ReportsTwoStartAddressesThatDiffer) {
+    const std::string linear = ":040000050000800077\n";
+    const std::string sameSegment = ":0400000308000000F1\n";
+    const std::string otherLinear = ":040000050000900067\n";
+    struct Row {
+        std::string contents;
+        std::vector<StartAddressesDiffer> facts;
+    };
+    for (const Row& row :
+         {Row{linear + linear + sameSegment + ":00000001FF\n", {}},
+          Row{linear + otherLinear + ":00000001FF\n", {{{}, 0x8000, 1, 0x9000, 2}}},
+          Row{"S9030100FB\nS9030100FB\n", {}},
+          Row{"S9030100FB\nS9030200FA\n", {{{}, 0x100, 1, 0x200, 2}}}, Row{"S9030000FC\n", {}}}) {
+        Collected<StartAddressesDiffer> found;
+        openField(temporaryFile(row.contents));
+        for (StartAddressesDiffer& fact : found.facts) fact.file = {};
+        EXPECT_EQ(found.facts, row.facts) << row.contents;
+    }
+}
+
+TEST(FieldReadingTest, TakesARemarkThatIsAWholeRecordForDamage) {
+    const std::string record = "020000001122CB";
+    struct Row {
+        std::string line;
+        bool isDamage;
+    };
+    for (const Row& row :
+         {Row{";" + record, true}, Row{"*" + record, true}, Row{"# :" + record, true},
+          Row{"//:" + record + " \t", true}, Row{"; S1060100010203F2", true},
+          Row{"/* 00000001FF", true}, Row{"; S1060100010203F3", false},
+          Row{"#020000001122CC", false}, Row{"; 020000001122CB and text", false},
+          Row{"# 00", false}, Row{"!", false}, Row{"; built 20240131", false}}) {
+        Collected<LineDamaged> damage;
+        const auto reader =
+            openField(temporaryFile(":" + record + "\n" + row.line + "\n:00000001FF\n"));
+        EXPECT_EQ(reader == nullptr, row.isDamage) << row.line;
+        EXPECT_EQ(damage.facts.size(), row.isDamage ? 1U : 0U) << row.line;
+        for (const LineDamaged& fact : damage.facts)
+            EXPECT_EQ(fact.fault, RecordFault::InRemark) << row.line;
     }
 }
 

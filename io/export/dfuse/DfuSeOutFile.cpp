@@ -102,4 +102,22 @@ void DfuSeOutFile::saveToFile() {
     file.finish();
 }
 
+std::optional<std::uint64_t> DfuSeOutFile::addressAt(const Buffer::MemoryBuffer& file,
+                                                     std::uint64_t offset) {
+    const auto numberAt = [&file](std::uint64_t at) {
+        std::uint64_t number = 0;
+        const Buffer::ElementView bytes = file.viewRange(at, 4);
+        for (std::size_t i = bytes.size(); i-- != 0;) number = number << 8U | bytes.values()[i];
+        return number;
+    };
+    std::uint64_t at = prefixSize + targetPrefixSize;
+    while (at + elementPrefixSize <= offset && at + elementPrefixSize < file.getDataLength()) {
+        const std::uint64_t length = numberAt(at + 4);
+        if (offset - at - elementPrefixSize < length)
+            return numberAt(at) + offset - at - elementPrefixSize;
+        at += elementPrefixSize + length;
+    }
+    return std::nullopt;
+}
+
 }  // namespace Io::Export

@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <deque>
+#include <optional>
 #include <string>
 #include <utility>
 
+#include "buffer/MemoryBuffer.hpp"
 #include "io/OutFile.hpp"
 #include "io/export/OutputStyles.hpp"
 #include "io/export/TessaronExportApi.hpp"
@@ -24,6 +26,11 @@ public:
     void insert(const ImageView& image) override { images_.push_back(image); }
     void saveToFile() override;
     void setExecutionAddress(std::uint64_t /*address*/) override {}
+
+    /// The address of the byte at an offset of a file that this class has written; nothing for one
+    /// that does not belong to an image.
+    static std::optional<std::uint64_t> addressAt(const Buffer::MemoryBuffer& file,
+                                                  std::uint64_t offset);
 
 private:
     struct Contents {

@@ -18,17 +18,28 @@ constexpr std::size_t classAt = 4;
 constexpr std::size_t byteOrderAt = 5;
 constexpr std::size_t versionAt = 6;
 
+/// "$a", "$d", "$t" or "$x", and anything after a dot. RISC-V puts the instruction set after "$x".
+bool isMappingName(std::string_view name) {
+    constexpr std::string_view letters = "adtx";
+    if (name.size() < 2 || name[0] != '$' || letters.find(name[1]) == std::string_view::npos)
+        return false;
+    return name.size() == 2 || name[2] == '.' || name.starts_with("$xrv");
+}
+
 }  // namespace
 
 void ElfFile::refuse(FormatFault fault, std::uint64_t where, std::uint64_t number) const {
     Import::refuse(Facts::InputFormat::Elf, fileName_, fault, where, number);
 }
 
-ElfFile::ElfFile(const std::string& path) : BinaryInFile(path) {
+ElfFile::ElfFile(const std::string& path, Platform::InputFile file)
+    : BinaryInFile(path, std::move(file)) {
     const std::vector<std::uint8_t> header = readHeader();
     const auto number = [&](Elf::Field field) { return numbers_.of(field, header); };
     entry_ = number(layout_->header.entry);
-    isArm_ = number(layout_->header.machine) == Elf::machineArm;
+    const std::uint64_t machine = number(layout_->header.machine);
+    isArm_ = machine == Elf::machineArm;
+    hasMappingSymbols_ = isArm_ || machine == Elf::machineAArch64 || machine == Elf::machineRiscV;
     readTables(header);
     findSegments();
 }
@@ -164,22 +175,26 @@ ElfFile::Table ElfFile::tableOf(std::span<const std::uint8_t> section, std::uint
 }
 
 /// The symbol of a table's entry, or nothing if it is none of the program.
-std::optional<ElfSymbol> ElfFile::symbolOf(std::span<const std::uint8_t> entry,
-                                           std::span<const std::uint8_t> names) const {
+std::optional<Symbol> ElfFile::symbolOf(std::span<const std::uint8_t> entry,
+                                        std::span<const std::uint8_t> names) const {
     const auto number = [&](Elf::Field field) { return numbers_.of(field, entry); };
     const Elf::SymbolFields& fields = layout_->symbol;
     const std::uint64_t type = number(fields.info) & 0xFU;
     const bool isDefined = number(fields.section) != 0 && number(fields.name) != 0;
     if (!isDefined || type == Elf::sectionSymbol || type == Elf::fileSymbol) return std::nullopt;
-    ElfSymbol symbol{nameAt(names, number(fields.name)), number(fields.value),
-                     number(fields.symbolSize), ElfSymbol::Kind::Other};
-    if (type == Elf::dataSymbol) symbol.kind = ElfSymbol::Kind::Data;
-    if (type == Elf::functionSymbol) symbol.kind = ElfSymbol::Kind::Function;
+    constexpr unsigned bindingShift = 4;
+    const bool isGlobal = number(fields.info) >> bindingShift != Elf::localBinding;
+    Symbol symbol{nameAt(names, number(fields.name)), number(fields.value),
+                  number(fields.symbolSize), Symbol::Kind::Other, isGlobal};
+    const bool isMapping = hasMappingSymbols_ && !isGlobal && isMappingName(symbol.name);
+    if (isMapping) return std::nullopt;
+    if (type == Elf::dataSymbol) symbol.kind = Symbol::Kind::Data;
+    if (type == Elf::functionSymbol) symbol.kind = Symbol::Kind::Function;
     if (type == Elf::functionSymbol && isArm_) symbol.address &= ~std::uint64_t{1};
     return symbol;
 }
 
-std::vector<ElfSymbol> ElfFile::symbols() const {
+std::vector<Symbol> ElfFile::symbols() const {
     const Elf::SectionFields& fields = layout_->section;
     std::uint64_t index = 0;
     while (index < sections_.count &&
@@ -195,7 +210,7 @@ std::vector<ElfSymbol> ElfFile::symbols() const {
     // Names that share their characters would let a small file fill the memory.
     constexpr std::size_t mostCharacters = std::size_t{1} << 28U;
     std::size_t characters = 0;
-    std::vector<ElfSymbol> found;
+    std::vector<Symbol> found;
     // The first entry means no symbol.
     for (std::uint64_t i = 1; i < table.count; ++i) {
         auto symbol = symbolOf(table.entry(i), names.bytes);

@@ -5,10 +5,12 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "facts/Facts.hpp"
 #include "io/InFile.hpp"
+#include "io/import/TessaronImportApi.hpp"
 #include "io/import/elf/ElfLayout.hpp"
 
 namespace Io::Import {
@@ -20,15 +22,6 @@ struct ElfSegment {
     std::uint64_t length;      ///< in bytes; zeros that only the memory has are left out
 };
 
-/// A name of an ELF file with what it stands for.
-struct ElfSymbol {
-    enum class Kind : std::uint8_t { Other, Data, Function };
-    std::string name;
-    std::uint64_t address;
-    std::uint64_t size;
-    Kind kind;
-};
-
 /// An ELF file of 32 or 64 bits in either byte order. Every offset and size in it is checked
 /// against the file before it is used.
 class ElfFile final : public BinaryInFile {
@@ -37,7 +30,10 @@ public:
     ///
     /// @throws Io::bad_open
     /// @throws Malformed  after a report
-    explicit ElfFile(const std::string& path);
+    explicit ElfFile(const std::string& path) : ElfFile(path, openInput(path)) {}
+
+    /// The file `path` has been opened already.
+    ElfFile(const std::string& path, Platform::InputFile file);
 
     /// The entry point; 0 counts as none.
     std::uint64_t entry() const { return entry_; }
@@ -52,10 +48,12 @@ public:
 
     /// The symbols that have a name and a section or a value of their own, in the order of the
     /// symbol table; none if the file was stripped. The address of an Arm function is even: the low
-    /// bit of its value only selects the instruction set.
+    /// bit of its value only selects the instruction set. Mapping symbols, which mark where code
+    /// and data begin for Arm and RISC-V tools ("ELF for the Arm Architecture", section 5.5.5), are
+    /// left out.
     ///
     /// @throws Malformed  after a report
-    std::vector<ElfSymbol> symbols() const;
+    std::vector<Symbol> symbols() const;
 
     /// Reads the file from byte `start` on, to the end of `out`.
     ///
@@ -87,14 +85,15 @@ private:
     std::uint64_t firstSectionIn(std::uint64_t offset, std::uint64_t end) const;
     Table tableOf(std::span<const std::uint8_t> section, std::uint64_t entrySize,
                   std::size_t smallestEntry) const;
-    std::optional<ElfSymbol> symbolOf(std::span<const std::uint8_t> entry,
-                                      std::span<const std::uint8_t> names) const;
+    std::optional<Symbol> symbolOf(std::span<const std::uint8_t> entry,
+                                   std::span<const std::uint8_t> names) const;
     std::string nameAt(std::span<const std::uint8_t> names, std::uint64_t offset) const;
 
     const Elf::Layout* layout_ = nullptr;
     Elf::Numbers numbers_;
     std::uint64_t entry_ = 0;
     bool isArm_ = false;
+    bool hasMappingSymbols_ = false;
     Table programs_;
     Table sections_;
     std::vector<ElfSegment> segments_;

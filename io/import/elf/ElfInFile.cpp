@@ -21,7 +21,16 @@ ParsedData dataOf(const ElfFile& file) {
 
 }  // namespace
 
-ElfInFile::ElfInFile(const ElfFile& file)
-    : AddressedData(dataOf(file), file.entry() == 0 ? std::nullopt : std::optional(file.entry())) {}
+ElfInFile::ElfInFile(std::unique_ptr<const ElfFile> file)
+    : AddressedData(dataOf(*file),
+                    file->entry() == 0 ? std::nullopt : std::optional(file->entry())),
+      file_(std::move(file)) {}
+
+Buffer::AreaList ElfInFile::getSegments() const {
+    Buffer::AreaList areas;
+    for (const ElfSegment& segment : file_->segments())
+        areas.push_back({segment.address, segment.length});
+    return areas;
+}
 
 }  // namespace Io::Import

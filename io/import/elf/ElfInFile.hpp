@@ -1,6 +1,10 @@
 #pragma once
 
+#include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "io/import/AddressedData.hpp"
 #include "io/import/elf/ElfFile.hpp"
@@ -12,8 +16,22 @@ class ElfInFile final : public AddressedData {
 public:
     /// @throws Io::bad_open
     /// @throws Malformed  after a report
-    explicit ElfInFile(const std::string& path) : ElfInFile(ElfFile(path)) {}
-    explicit ElfInFile(const ElfFile& file);
+    explicit ElfInFile(const std::string& path) : ElfInFile(path, openInput(path)) {}
+
+    /// The file `path` has been opened already.
+    ElfInFile(const std::string& path, Platform::InputFile file)
+        : ElfInFile(std::make_unique<ElfFile>(path, std::move(file))) {}
+
+    /// A file that begins with `head` is an ELF file (System V ABI, chapter 4).
+    static bool looksLike(std::string_view head) { return head.starts_with("\x7F\x45LF"); }
+
+    Buffer::AreaList getSegments() const override;
+    std::vector<Symbol> getSymbols() const override { return file_->symbols(); }
+
+private:
+    explicit ElfInFile(std::unique_ptr<const ElfFile> file);
+
+    std::unique_ptr<const ElfFile> file_;
 };
 
 }  // namespace Io::Import

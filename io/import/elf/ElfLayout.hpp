@@ -58,7 +58,10 @@ inline constexpr std::uint64_t dataSymbol = 1;           ///< STT_OBJECT
 inline constexpr std::uint64_t functionSymbol = 2;       ///< STT_FUNC
 inline constexpr std::uint64_t sectionSymbol = 3;        ///< STT_SECTION
 inline constexpr std::uint64_t fileSymbol = 4;           ///< STT_FILE
+inline constexpr std::uint64_t localBinding = 0;         ///< STB_LOCAL
 inline constexpr std::uint64_t machineArm = 40;          ///< EM_ARM
+inline constexpr std::uint64_t machineAArch64 = 183;     ///< EM_AARCH64
+inline constexpr std::uint64_t machineRiscV = 243;       ///< EM_RISCV
 
 /// Numbers of structures in the byte order of the file.
 class Numbers {

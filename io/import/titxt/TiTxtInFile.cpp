@@ -1,14 +1,17 @@
 #include "io/import/titxt/TiTxtInFile.hpp"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <optional>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "io/InFile.hpp"
 #include "io/TextLines.hpp"
+#include "io/import/LinedData.hpp"
 #include "io/import/Malformed.hpp"
 
 namespace Io::Import {
@@ -17,6 +20,7 @@ namespace {
 
 using Facts::FormatFault;
 
+constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr std::uint8_t noDigit = 0xFF;
 
 constexpr std::array<std::uint8_t, 256> digitValues = [] {
@@ -34,18 +38,19 @@ constexpr bool isBlank(char c) {
 /// Takes the lines of a file one after the other.
 class Parser final : public TextInFile {
 public:
-    explicit Parser(const std::string& path)
+    Parser(const std::string& path, Platform::InputFile file, RecordVisitor* visitor)
         : TextInFile(path),
-          lines_(path),
+          lines_(std::move(file)),
+          visitor_(visitor),
           data_(Facts::InputFormat::TiTxt, static_cast<std::size_t>(lines_.fileSize() / 2 + 1)) {}
 
-    ParsedData parse() {
+    LinedData parse() {
         while (lines_.next()) take(lines_.line());
         close(lines_);
         if (!isEnded_) refuseLine(FormatFault::EndMissing);
-        if (data_.empty())
+        if (data_.bytes().empty())
             refuse(Facts::InputFormat::TiTxt, fileName_, FormatFault::NothingToLoad, 0);
-        data_.finish();
+        data_.bytes().finish();
         return std::move(data_);
     }
 
@@ -55,6 +60,7 @@ private:
     }
 
     void take(std::string_view line) {
+        if (lines_.number() == 1 && line.starts_with(utf8Mark)) line.remove_prefix(utf8Mark.size());
         while (!line.empty() && isBlank(line.back())) line.remove_suffix(1);
         while (!line.empty() && isBlank(line.front())) line.remove_prefix(1);
         if (line.empty()) return;
@@ -95,12 +101,14 @@ private:
         }
         constexpr std::uint64_t addressSpaceEnd = std::uint64_t{1} << 32U;
         if (count > addressSpaceEnd - *address_) refuseLine(FormatFault::AddressTooHigh, *address_);
-        data_.append(*address_, std::span(bytes_).first(count));
+        data_.append(*address_, std::span(bytes_).first(count), lines_.number());
+        if (visitor_ != nullptr) visitor_->visit({lines_.number(), 1, 0, true, *address_, count});
         *address_ += count;
     }
 
     TextLines lines_;
-    ParsedData data_;
+    RecordVisitor* visitor_;
+    LinedData data_;
     std::optional<std::uint64_t> address_;  ///< of the next byte
     bool isEnded_ = false;
     std::vector<std::uint8_t> bytes_;
@@ -108,7 +116,35 @@ private:
 
 }  // namespace
 
-TiTxtInFile::TiTxtInFile(const std::string& path)
-    : AddressedData(Parser(path).parse(), std::nullopt) {}
+TiTxtInFile::TiTxtInFile(LinedData data)
+    : AddressedData(std::move(data.bytes()), std::nullopt, data.takeSources()) {}
+
+TiTxtInFile::TiTxtInFile(const std::string& path) : TiTxtInFile(path, openInput(path)) {}
+
+TiTxtInFile::TiTxtInFile(const std::string& path, Platform::InputFile file, RecordVisitor* visitor)
+    : TiTxtInFile(Parser(path, std::move(file), visitor).parse()) {}
+
+bool TiTxtInFile::looksLike(std::string_view head) {
+    constexpr std::string_view blanks = " \t\r\n\f\v";
+    const auto isDigit = [](char c) {
+        return digitValues[static_cast<unsigned char>(c)] != noDigit;
+    };
+    const auto skipBlanks = [&head] {
+        head.remove_prefix(std::min(head.find_first_not_of(blanks), head.size()));
+    };
+    const auto skipDigits = [&] {
+        const auto end = std::ranges::find_if_not(head, isDigit);
+        const auto count = static_cast<std::size_t>(end - head.begin());
+        head.remove_prefix(count);
+        return count;
+    };
+    if (head.starts_with(utf8Mark)) head.remove_prefix(utf8Mark.size());
+    skipBlanks();
+    if (!head.starts_with('@')) return false;
+    head.remove_prefix(1);
+    if (skipDigits() == 0) return false;
+    skipBlanks();
+    return head.starts_with('q') || skipDigits() == 2;
+}
 
 }  // namespace Io::Import

@@ -1,13 +1,12 @@
 #include "io/import/uf2/Uf2InFile.hpp"
 
 #include <algorithm>
-#include <limits>
-#include <optional>
-#include <vector>
+#include <utility>
 
 #include "io/InFile.hpp"
 #include "io/Uf2.hpp"
 #include "io/import/Malformed.hpp"
+#include "util/Hex.hpp"
 
 namespace Io::Import {
 
@@ -25,15 +24,22 @@ bool isSacrificed(const Block& block, std::span<const std::uint8_t> data) {
            std::ranges::all_of(data, [](std::uint8_t byte) { return byte == filling; });
 }
 
+}  // namespace
+
+struct Uf2InFile::Contents {
+    ParsedData data;
+    std::optional<std::uint32_t> family;
+};
+
 /// Takes the blocks of a file one after the other.
-class Parser final : public BinaryInFile {
+class Uf2InFile::Parser final : public BinaryInFile {
 public:
-    explicit Parser(const std::string& path)
-        : BinaryInFile(path),
+    Parser(const std::string& path, Platform::InputFile file)
+        : BinaryInFile(path, std::move(file)),
           blocks_(fileSize() / Uf2::blockSize),
           data_(Facts::InputFormat::Uf2, static_cast<std::size_t>(blocks_) * Uf2::largestPayload) {}
 
-    ParsedData parse() {
+    Uf2InFile::Contents parse() {
         if (fileSize() % Uf2::blockSize != 0 || fileSize() == 0)
             refuseFile(FormatFault::SizeNotWhole, fileSize(), Uf2::blockSize);
         constexpr std::size_t pieceBlocks = 2048;
@@ -48,7 +54,7 @@ public:
         if (seen_ != count_) refuseFile(FormatFault::BlockCountWrong, seen_, count_);
         if (data_.empty()) refuseFile(FormatFault::NothingToLoad, 0);
         data_.finish();
-        return std::move(data_);
+        return {std::move(data_), hasFamily_ ? family_ : std::nullopt};
     }
 
 private:
@@ -68,9 +74,11 @@ private:
         count(*block);
         if ((block->flags & (Uf2::notMainFlash | Uf2::fileContainer)) != 0) return;
         if (!family_) family_ = hasFamily ? block->family : 0;
+        hasFamily_ = hasFamily;
         if (*family_ != (hasFamily ? block->family : 0))
             refuseFile(FormatFault::FamiliesMixed, index_, block->family);
-        if (block->address > std::numeric_limits<std::uint32_t>::max() - block->size)
+        constexpr std::uint64_t addressSpaceEnd = std::uint64_t{1} << 32U;
+        if (block->address + std::uint64_t{block->size} > addressSpaceEnd)
             refuseFile(FormatFault::AddressTooHigh, index_, block->address);
         data_.append(block->address, data);
     }
@@ -92,14 +100,27 @@ private:
     std::uint64_t blocks_;  ///< that the file has
     ParsedData data_;
     std::uint64_t index_ = 0;
-    std::optional<std::uint32_t> family_;
+    std::optional<std::uint32_t> family_;  ///< of the blocks so far, 0 without one
+    bool hasFamily_ = false;
     std::uint32_t count_ = 0;  ///< that each block gives
     std::vector<bool> numbers_;
     std::uint64_t seen_ = 0;
 };
 
-}  // namespace
+Uf2InFile::Uf2InFile(const std::string& path) : Uf2InFile(path, openInput(path)) {}
 
-Uf2InFile::Uf2InFile(const std::string& path) : AddressedData(Parser(path).parse(), std::nullopt) {}
+Uf2InFile::Uf2InFile(const std::string& path, Platform::InputFile file)
+    : Uf2InFile(Parser(path, std::move(file)).parse()) {}
+
+Uf2InFile::Uf2InFile(Contents contents)
+    : AddressedData(std::move(contents.data), std::nullopt), family_(contents.family) {}
+
+std::vector<std::string> Uf2InFile::getDevices() const {
+    if (!family_) return {};
+    const std::string number = "0x" + Util::hexWord(*family_);
+    const auto known = std::ranges::find(Uf2::families(), *family_, &Uf2::Family::number);
+    if (known == Uf2::families().end()) return {number};
+    return {std::string(known->name) + " (" + number + ")"};
+}
 
 }  // namespace Io::Import

@@ -3,17 +3,18 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "io/import/ParsedData.hpp"
 #include "io/import/TessaronImportApi.hpp"
 
-namespace Io::Field {
+namespace Io::Import {
 
 /// The data of a file and the lines that gave it.
-class FieldData {
+class LinedData {
 public:
-    FieldData(Facts::InputFormat format, std::size_t capacity) : bytes_(format, capacity) {}
+    LinedData(Facts::InputFormat format, std::size_t capacity) : bytes_(format, capacity) {}
 
     /// Appends `bytes`, which line `number` has for the addresses from `address` on.
     void append(std::uint64_t address, std::span<const std::uint8_t> bytes, std::uint64_t number) {
@@ -36,11 +37,12 @@ public:
         sources_ = {};
     }
 
-    Import::ParsedData& bytes() { return bytes_; }
-    const Import::ParsedData& bytes() const { return bytes_; }
+    ParsedData& bytes() { return bytes_; }
+    const ParsedData& bytes() const { return bytes_; }
 
     /// The runs of the data in the order of the file; they stay when the bytes are taken.
-    const std::vector<Import::SourceRun>& sources() const { return sources_; }
+    const std::vector<SourceRun>& sources() const { return sources_; }
+    std::vector<SourceRun> takeSources() { return std::move(sources_); }
 
 private:
     void noteLines(std::uint64_t address, std::size_t size, std::uint64_t first,
@@ -51,8 +53,8 @@ private:
         sources_.back().lastLine = last;
     }
 
-    Import::ParsedData bytes_;
-    std::vector<Import::SourceRun> sources_;
+    ParsedData bytes_;
+    std::vector<SourceRun> sources_;
 };
 
-}  // namespace Io::Field
+}  // namespace Io::Import

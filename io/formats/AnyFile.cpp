@@ -1,0 +1,23 @@
+#include "io/formats/AnyFile.hpp"
+
+#include <utility>
+
+#include "facts/Listener.hpp"
+#include "io/InFile.hpp"
+#include "io/formats/FormatDetection.hpp"
+#include "io/formats/InputFormats.hpp"
+
+namespace Io::Formats {
+
+AnyFile openAny(const std::string& path, Import::RecordVisitor* visitor) {
+    Platform::InputFile file = openInput(path);
+    AnyFile any{formatOf(path, file), file.size(), nullptr};
+    if (any.format)
+        any.reader =
+            rowOf(*any.format).open(path, std::move(file), Buffer::OverlapRule::NotSet, visitor);
+    else
+        Facts::report(Facts::FormatForeign{path, std::nullopt});
+    return any;
+}
+
+}  // namespace Io::Formats

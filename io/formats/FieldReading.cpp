@@ -1,0 +1,25 @@
+#include "io/formats/FieldReading.hpp"
+
+#include <utility>
+
+#include "facts/Listener.hpp"
+#include "io/InFile.hpp"
+#include "io/formats/FormatDetection.hpp"
+#include "io/formats/InputFormats.hpp"
+
+namespace Io::Formats {
+
+std::unique_ptr<Import::TessaronImportApi> FieldReading::open(const std::string& path,
+                                                              Buffer::OverlapRule rule) const {
+    Platform::InputFile file = openInput(path);
+    const auto format = formatOf(path, file);
+    const bool isOwn =
+        format && (rowOf(*format).keyword == nullptr || *format == Facts::InputFormat::RawBinary);
+    if (!isOwn) {
+        Facts::report(Facts::FormatForeign{path, format});
+        return nullptr;
+    }
+    return rowOf(*format).open(path, std::move(file), rule, nullptr);
+}
+
+}  // namespace Io::Formats

@@ -1,0 +1,152 @@
+#include "io/formats/InputFormats.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstddef>
+#include <utility>
+
+#include "io/field/FieldInFile.hpp"
+#include "io/import/RawBinaryInFile.hpp"
+#include "io/import/elf/ElfInFile.hpp"
+#include "io/import/titxt/TiTxtInFile.hpp"
+#include "io/import/uf2/Uf2InFile.hpp"
+
+namespace Io::Formats {
+
+namespace {
+
+using Facts::InputFormat;
+using Import::RecordVisitor;
+using Import::TessaronImportApi;
+using Platform::InputFile;
+using Pointer = std::unique_ptr<TessaronImportApi>;
+
+template <InputFormat format>
+Pointer openRecords(const std::string& path, InputFile file, Buffer::OverlapRule rule,
+                    RecordVisitor* visitor) {
+    auto reader =
+        std::make_unique<Field::FieldInFile>(path, std::move(file), format, rule, visitor);
+    return reader->isDamaged() ? nullptr : std::move(reader);
+}
+
+template <InputFormat format>
+void walkRecords(const std::string& path, InputFile file, RecordVisitor& visitor) {
+    Field::walkRecords(path, std::move(file), format, visitor);
+}
+
+/// Reads a file of a format that has no lines.
+template <class Reader>
+Pointer openBinary(const std::string& path, InputFile file, Buffer::OverlapRule /*rule*/,
+                   RecordVisitor* /*visitor*/) {
+    return std::make_unique<Reader>(path, std::move(file));
+}
+
+Pointer openTiTxt(const std::string& path, InputFile file, Buffer::OverlapRule /*rule*/,
+                  RecordVisitor* visitor) {
+    return std::make_unique<Import::TiTxtInFile>(path, std::move(file), visitor);
+}
+
+void walkTiTxt(const std::string& path, InputFile file, RecordVisitor& visitor) {
+    const Import::TiTxtInFile walked(path, std::move(file), &visitor);
+}
+
+constexpr auto hexEndings = std::to_array<std::string_view>({".hex", ".ihx", ".ihex"});
+constexpr auto sRecordEndings =
+    std::to_array<std::string_view>({".mot", ".s19", ".s28", ".s37", ".srec", ".sre"});
+constexpr auto rawEndings = std::to_array<std::string_view>({".bin", ".raw", ".img"});
+constexpr auto elfEndings = std::to_array<std::string_view>({".elf", ".axf", ".out"});
+constexpr auto uf2Endings = std::to_array<std::string_view>({".uf2"});
+constexpr auto tiTxtEndings = std::to_array<std::string_view>({".txt"});
+
+constexpr auto hexKinds = std::to_array<std::string_view>(
+    {"data", "end of file", "extended segment address", "start segment address",
+     "extended linear address", "start linear address"});
+constexpr auto sRecordKinds =
+    std::to_array<std::string_view>({"S0 header", "S1 data", "S2 data", "S3 data", "S4", "S5 count",
+                                     "S6 count", "S7 end", "S8 end", "S9 end"});
+
+constexpr std::array<InputFormatRow, Facts::inputFormatCount> rows{{
+    {.format = InputFormat::IntelHex,
+     .name = "Intel HEX",
+     .endings = hexEndings,
+     .startAddress = StartAddress::Optional,
+     .open = &openRecords<InputFormat::IntelHex>,
+     .walk = &walkRecords<InputFormat::IntelHex>,
+     .recordKinds = hexKinds},
+    {.format = InputFormat::MotorolaS,
+     .name = "S-records",
+     .endings = sRecordEndings,
+     .startAddress = StartAddress::Always,
+     .open = &openRecords<InputFormat::MotorolaS>,
+     .walk = &walkRecords<InputFormat::MotorolaS>,
+     .recordKinds = sRecordKinds},
+    {.format = InputFormat::RawBinary,
+     .name = "raw bytes",
+     .keyword = "FROM_FILE_BINARY",
+     .trace = "SetRawFileAsSource -> ",
+     .endings = rawEndings,
+     .open = &openBinary<Import::RawBinaryInFile>},
+    {.format = InputFormat::Elf,
+     .name = "ELF",
+     .keyword = "FROM_ELF",
+     .trace = "SetElfFileAsSource -> ",
+     .endings = elfEndings,
+     .startAddress = StartAddress::Always,
+     .looksLike = &Import::ElfInFile::looksLike,
+     .open = &openBinary<Import::ElfInFile>},
+    {.format = InputFormat::Uf2,
+     .name = "UF2",
+     .keyword = "FROM_UF2",
+     .trace = "SetUf2FileAsSource -> ",
+     .endings = uf2Endings,
+     .looksLike = &Import::Uf2InFile::looksLike,
+     .open = &openBinary<Import::Uf2InFile>},
+    {.format = InputFormat::TiTxt,
+     .name = "TI-TXT",
+     .keyword = "FROM_TI_TXT",
+     .trace = "SetTiTxtFileAsSource -> ",
+     .endings = tiTxtEndings,
+     .looksLike = &Import::TiTxtInFile::looksLike,
+     .open = &openTiTxt,
+     .walk = &walkTiTxt},
+}};
+
+constexpr bool areInOrder() {
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        if (static_cast<std::size_t>(rows[i].format) != i || rows[i].open == nullptr) return false;
+    return true;
+}
+static_assert(areInOrder(), "each format has a row, at the place of its number");
+
+}  // namespace
+
+std::span<const InputFormatRow> inputFormats() {
+    return rows;
+}
+
+const InputFormatRow& rowOf(InputFormat format) {
+    return rows[static_cast<std::size_t>(format)];
+}
+
+std::string_view sourceOf(const InputFormatRow& row) {
+    return row.keyword == nullptr ? "FROM_FILE" : row.keyword;
+}
+
+const InputFormatRow* rowByEnding(std::string_view path) {
+    const auto* const found = std::ranges::find_if(
+        rows, [path](const InputFormatRow& row) { return hasEnding(path, row.endings); });
+    return found == rows.end() ? nullptr : found;
+}
+
+bool hasEnding(std::string_view path, std::span<const std::string_view> endings) {
+    const auto isSame = [](char one, char other) {
+        return std::tolower(static_cast<unsigned char>(one)) == other;
+    };
+    return std::ranges::any_of(endings, [&](std::string_view ending) {
+        return path.size() >= ending.size() &&
+               std::ranges::equal(path.substr(path.size() - ending.size()), ending, isSame);
+    });
+}
+
+}  // namespace Io::Formats
