@@ -49,7 +49,8 @@ public:
         InputsAsRead inputs(*ran_->files);
         const Io::HostScope hosting(inputs);
         addInputs();
-        for (const Statement& statement : *ran_->statements) addStatement(statement);
+        for (std::size_t i = 0; i < ran_->statements->size(); ++i)
+            addStatement((*ran_->statements)[i]);
         addVariables();
         return std::move(record_);
     }

@@ -18,7 +18,7 @@ struct Ran {
     std::string scriptSha256;                             ///< of its file, or of its text
     const std::map<std::string, std::string>* variables;  ///< of the command line
     const ScriptText* script;
-    const std::vector<Parser::Statement>* statements;
+    const Parser::StatementList* statements;
     const Parser::WrapperLib::CmdContext* context;
     const Provenance* provenance;
     RunFiles* files;  ///< which keeps digests
