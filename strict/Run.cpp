@@ -172,7 +172,8 @@ public:
     /// Names the files of all statements. False if two that exclude each other have one place.
     bool nameFiles(const ParsedScript& parsed) {
         bool isGood = true;
-        for (const Parser::Statement& statement : parsed.statements()) {
+        for (std::size_t i = 0; i < parsed.statements().size(); ++i) {
+            const Parser::Statement statement = parsed.statements()[i];
             reports_.enter(statement);
             if (const auto* const input = statement.last(Parser::Role::InputFile))
                 isGood = nameFile(*input, FileRole::Input) && isGood;
