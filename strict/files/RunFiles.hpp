@@ -180,6 +180,7 @@ private:
     };
 
     File& fileAt(const std::string& path);
+    File& fileAt(const std::string& path, const Platform::OutputTarget& target);
     void noteContent(File& file, const Platform::InputFile& opened);
     std::optional<Platform::InputFile> openWritten(const Output& output);
     std::unique_ptr<Io::OutputStream> addOutput(Output output,
