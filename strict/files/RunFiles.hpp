@@ -157,7 +157,7 @@ private:
     };
     /// A state of a file that was read.
     struct Content {
-        std::optional<Platform::FileState> state;  ///< none for what is no regular file
+        std::optional<Platform::FileState> state;  ///< none for a file that is not regular
         unsigned programs;                         ///< that had been started before
         std::shared_ptr<DigestThread::Digest> digest;
     };
