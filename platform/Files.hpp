@@ -62,7 +62,7 @@ public:
     static InputFile ofMemory(PageBlock contents, std::size_t size);
 
     /// The same open file once more: nothing if the process may have no further descriptor, or if
-    /// it is no regular file.
+    /// it is not a regular file.
     std::optional<InputFile> again() const;
 
     /// Bytes of the file when it was opened.
@@ -104,7 +104,7 @@ private:
     }
 
     int descriptor_;
-    FileState state_;   ///< when it was opened; of what is no regular file only the size
+    FileState state_;   ///< when it was opened; of other files than regular ones only the size
     PageBlock stream_;  ///< the contents of what is no regular file
     bool isStream_ = false;
     bool refusesEarlyEnd_ = false;

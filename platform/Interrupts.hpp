@@ -34,8 +34,10 @@ public:
     InterruptGuard(const InterruptGuard&) = delete;
     InterruptGuard& operator=(const InterruptGuard&) = delete;
 
-    void add(const std::string& path);
-    void remove(const std::string& path);
+    /// @param held  keeps an interrupt from finding the list half changed, and a file that is made
+    ///              or removed beside it named or not
+    void add(const std::string& path, const InterruptsHeld& held);
+    void remove(const std::string& path, const InterruptsHeld& held);
 
 private:
     std::set<std::string> files_;

@@ -39,7 +39,7 @@ std::optional<OutputFile> createTemporary(const OutputTarget& target, InterruptG
         // The guard must know the file when an interrupt comes, and must not remove a file of that
         // name that somebody else has made.
         const InterruptsHeld held;
-        guard.add(file.path);
+        guard.add(file.path, held);
         clearLastError();
         auto created = OutputFile::createNew(file.path, isReplaced);
         error = created ? std::error_code() : lastError();
@@ -49,7 +49,7 @@ std::optional<OutputFile> createTemporary(const OutputTarget& target, InterruptG
             return created;
         }
         if (created) removeFile(file.path);
-        guard.remove(file.path);
+        guard.remove(file.path, held);
         if (error != std::errc::file_exists) return std::nullopt;
     }
     return std::nullopt;

@@ -206,9 +206,7 @@ public:
         left_.reserve(items_.size());
         // What was tried before the locks may no longer be true.
         if (const auto failure = tryAll()) return failure;
-        for (std::size_t i = 0; i < items_.size(); ++i)
-            if (items_[i].replaces && (canFailLater || i + 1 < items_.size()))
-                makeSecondName(items_[i]);
+        makeSecondNames(canFailLater);
         held_.emplace();
         for (std::size_t i = 0; i < items_.size(); ++i) {
             Item& item = items_[i];
@@ -216,7 +214,7 @@ public:
                     ::renameat(item.folder, item.name.c_str(), item.folder, item.target.c_str())))
                 return Failure{i, error};
             item.isInPlace = true;
-            guard_->remove(item.file.path);
+            guard_->remove(item.file.path, *held_);
         }
         return std::nullopt;
     }
@@ -234,10 +232,11 @@ public:
         held_.reset();
         // The blocks of the old files are given free when nobody waits any more.
         for (auto& [identity, folder] : folders_) ::flock(folder.descriptor.number(), LOCK_UN);
+        for (const Item& item : items_)
+            if (!item.second.empty()) ::unlinkat(item.folder, item.second.c_str(), 0);
+        const InterruptsHeld held;
         for (Item& item : items_) {
-            if (item.second.empty()) continue;
-            ::unlinkat(item.folder, item.second.c_str(), 0);
-            guard_->remove(item.secondPath);
+            guard_->remove(item.secondPath, held);
             item.second.clear();
         }
     }
@@ -351,8 +350,16 @@ private:
         return file->takeAttributesOf(item.folderPath + "/" + item.target);
     }
 
-    /// Gives the file that is replaced a second name, where the file system has that.
-    void makeSecondName(Item& item) {
+    /// Gives the files that are replaced second names, where the file system has that.
+    void makeSecondNames(bool canFailLater) {
+        // As with temporary files, a name of somebody else must not be removed.
+        const InterruptsHeld held;
+        for (std::size_t i = 0; i < items_.size(); ++i)
+            if (items_[i].replaces && (canFailLater || i + 1 < items_.size()))
+                makeSecondName(items_[i], held);
+    }
+
+    void makeSecondName(Item& item, const InterruptsHeld& held) const {
         constexpr unsigned mostTries = 1000;
         for (unsigned i = 0; i < mostTries; ++i) {
             item.second = item.name;
@@ -360,14 +367,12 @@ private:
             item.second += ".old";
             item.secondPath = item.file.path.substr(0, item.file.path.rfind('/') + 1);
             item.secondPath += item.second;
-            // As with temporary files, a name of somebody else must not be removed.
-            const InterruptsHeld held;
-            guard_->add(item.secondPath);
+            guard_->add(item.secondPath, held);
             if (::linkat(item.folder, item.target.c_str(), item.folder, item.second.c_str(), 0) ==
                 0)
                 return;
             const int reason = errno;
-            guard_->remove(item.secondPath);
+            guard_->remove(item.secondPath, held);
             if (reason != EEXIST) break;
         }
         item.second.clear();
@@ -379,10 +384,9 @@ private:
         if (item.second.empty()) return errorOf(EPERM);
         const auto error =
             outcome(::renameat(item.folder, item.second.c_str(), item.folder, item.target.c_str()));
-        if (error) return error;
-        guard_->remove(item.secondPath);
-        item.second.clear();
-        return {};
+        // The name leads to nothing any more, and `keep` takes it from the guard.
+        if (!error) item.second.clear();
+        return error;
     }
 
     InterruptGuard* guard_;

@@ -214,11 +214,11 @@ public:
         held_.emplace();
         for (std::size_t i = 0; i < items_.size(); ++i) {
             Item& item = items_[i];
-            guard_->add(item.second);
+            guard_->add(item.second, *held_);
             if (const auto error = patiently([&item] { return move(item); }))
                 return Failure{i, error};
             item.isInPlace = true;
-            guard_->remove(item.file.path);
+            guard_->remove(item.file.path, *held_);
         }
         return std::nullopt;
     }
@@ -237,10 +237,12 @@ public:
         for (Item& item : items_) item.isInPlace = false;
         held_.reset();
         for (FolderLock& lock : locks_) lock.unlock();
-        for (Item& item : items_) {
+        for (const Item& item : items_)
             if (item.hasSecond) removeFile(item.second);
+        const InterruptsHeld held;
+        for (Item& item : items_) {
             item.hasSecond = false;
-            guard_->remove(item.second);
+            guard_->remove(item.second, held);
         }
     }
 

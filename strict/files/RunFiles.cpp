@@ -78,11 +78,8 @@ private:
 };
 
 RunFiles::~RunFiles() {
-    for (const Output& output : all_) {
-        if (!output.temporary || output.isInPlace) continue;
-        Platform::removeFile(output.temporary->path);
-        guard_.remove(output.temporary->path);
-    }
+    for (const Output& output : all_)
+        if (output.temporary && !output.isInPlace) Platform::removeFile(output.temporary->path);
 }
 
 void RunFiles::noteFailure(const std::string& path, std::error_code error) {
@@ -96,8 +93,11 @@ std::string RunFiles::reasonFor(std::string_view path) const {
 
 RunFiles::File& RunFiles::fileAt(const std::string& path) {
     if (const auto known = spellings_.find(path); known != spellings_.end()) return *known->second;
-    const std::string place = Platform::placeOf(Platform::outputTarget(path));
-    File*& file = places_[place];
+    return fileAt(path, Platform::outputTarget(path));
+}
+
+RunFiles::File& RunFiles::fileAt(const std::string& path, const Platform::OutputTarget& target) {
+    File*& file = places_[Platform::placeOf(target)];
     // A file system that takes upper case for lower case, or one that is mounted twice, has one
     // file at places that look different.
     const auto identity = Platform::soleFileAt(path);
@@ -111,8 +111,9 @@ RunFiles::File& RunFiles::fileAt(const std::string& path) {
 }
 
 std::optional<RunFiles::Collision> RunFiles::name(const std::string& path, FileRole role) {
-    File& file = fileAt(path);
-    const bool isDevice = Platform::outputTarget(path).kind == Platform::TargetKind::Device;
+    const Platform::OutputTarget target = Platform::outputTarget(path);
+    File& file = fileAt(path, target);
+    const bool isDevice = target.kind == Platform::TargetKind::Device;
     const auto other = std::ranges::find_if(file.uses, [role, isDevice](const Use& use) {
         return !canBeBoth(use.role, role) && !(use.isDevice && isDevice);
     });

@@ -157,7 +157,7 @@ private:
     };
     /// A state of a file that was read.
     struct Content {
-        std::optional<Platform::FileState> state;  ///< none for what is no regular file
+        std::optional<Platform::FileState> state;  ///< none for a file that is not regular
         unsigned programs;                         ///< that had been started before
         std::shared_ptr<DigestThread::Digest> digest;
     };
@@ -180,6 +180,7 @@ private:
     };
 
     File& fileAt(const std::string& path);
+    File& fileAt(const std::string& path, const Platform::OutputTarget& target);
     void noteContent(File& file, const Platform::InputFile& opened);
     std::optional<Platform::InputFile> openWritten(const Output& output);
     std::unique_ptr<Io::OutputStream> addOutput(Output output,

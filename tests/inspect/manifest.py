@@ -129,7 +129,7 @@ class Manifest(unittest.TestCase):
         out.write_bytes(good[:0x11] + bytes([good[0x11] ^ 0x0F]) + good[0x12:])
         said = self.check(1)
         self.assertIn("out.bin is not the one of out.json", said)
-        self.assertIn("release.tsn:6: note: 0x8011 of @Moved is 0D in the file and 02 in the image",
+        self.assertIn("release.tsn:6: note: 0x00008011 of @Moved is 0D in the file and 02 in the image",
                       said)
         out.write_bytes(good)
         for path, what in (("app.hex", "the input app.hex is not"),
@@ -229,10 +229,10 @@ class Manifest(unittest.TestCase):
             tessaron("run", "two.tsn", "--manifest", "two.json")
             good = pathlib.Path("two.out").read_bytes()
             for old, new, note in (
-                    (app[17:19], b"\x7F\x32", "two.tsn:1: note: 0x1011 of @App is 7F in the file and "
-                     "31 in the image, from two.hex, line %d\n" % line),
-                    (b"\x92\x93", b"\x92\x7F", "two.tsn:3: note: 0x8002 of @More is 7F in the file and "
-                     "93 in the image")):
+                    (app[17:19], b"\x7F\x32", "two.tsn:1: note: 0x00001011 of @App is 7F in the "
+                     "file and 31 in the image, from two.hex, line %d\n" % line),
+                    (b"\x92\x93", b"\x92\x7F", "two.tsn:3: note: 0x00008002 of @More is 7F in the "
+                     "file and 93 in the image")):
                 self.assertEqual(good.count(search(old)), 1, keyword)
                 pathlib.Path("two.out").write_bytes(good.replace(search(old), search(new)))
                 said = tessaron("check", "two.tsn", "--against-disk", "--manifest", "two.json",
@@ -249,7 +249,7 @@ class Manifest(unittest.TestCase):
         text = pathlib.Path("out.mem").read_bytes()
         pathlib.Path("out.mem").write_bytes(text[:300] + b"!" + text[301:])
         said = tessaron("check", "text.tsn", "--against-disk", code=1)
-        self.assertIn("offset 0x12c is 21 in the file", said)
+        self.assertIn("offset 0x0000012C is 21 in the file", said)
         self.assertNotIn("@App", said)
 
     def test_proof_of_a_damaged_file(self):
@@ -260,7 +260,7 @@ class Manifest(unittest.TestCase):
         pathlib.Path("out.hex").write_text("".join(lines))
         said = self.check(1)
         self.assertIn("the first line that differs is line %d\n" % (at + 1), said)
-        self.assertIn("note: the line begins with 0x%x of @App, from app.hex, line " %
+        self.assertIn("note: the line begins with 0x%08X of @App, from app.hex, line " %
                       int(lines[at][3:7], 16), said)
 
     def test_outputs_of_a_called_program(self):
