@@ -58,8 +58,9 @@ ExitCode info(const Inspection& inspection, Printer& printer, const Strict::Poli
             Strict::readImage(file, printer);
             continue;
         }
+        std::ranges::stable_sort(remarks.remarks, {}, &Inspect::Remark::line);
+        remarks.finish();
         info->remarks = std::move(remarks.remarks);
-        std::ranges::stable_sort(info->remarks, {}, &Inspect::Remark::line);
         files.push_back(std::move(*info));
     }
     if (inspection.isJson) output << Inspect::jsonOf(files);

@@ -7,6 +7,7 @@
 #include "platform/Streams.hpp"
 #include "strict/Run.hpp"
 #include "strict/diagnostics/Printer.hpp"
+#include "util/Printable.hpp"
 
 namespace {
 
@@ -32,8 +33,8 @@ int run(std::span<const char* const> arguments) {
     if (code >= 0) return code;
     if (!request.folder.empty()) {
         if (const auto error = Platform::changeFolder(request.folder)) {
-            std::cerr << "tessaron: cannot work in " << request.folder << ": " << error.message()
-                      << std::endl;
+            std::cerr << "tessaron: cannot work in " << Util::printable(request.folder) << ": "
+                      << error.message() << std::endl;
             return static_cast<int>(Strict::ExitCode::Unusable);
         }
     }
@@ -43,7 +44,9 @@ int run(std::span<const char* const> arguments) {
     Strict::Printer printer(std::cerr, request.policy, request.format, hasColor, request.isQuiet);
     request.inspection.hasColor =
         isAuto ? Platform::showsColor(Platform::StandardStream::Output) : hasColor;
-    return static_cast<int>(execute(request, printer));
+    const Strict::ExitCode result = execute(request, printer);
+    printer.finish();
+    return static_cast<int>(result);
 }
 
 }  // namespace
@@ -54,7 +57,7 @@ int main(int argumentCount, char** argumentValues) {
         const Platform::Arguments arguments(argumentCount, argumentValues);
         return run(arguments.values());
     } catch (const std::exception& error) {
-        std::cerr << "tessaron: error: " << error.what() << std::endl;
+        std::cerr << "tessaron: error: " << Util::printable(error.what()) << std::endl;
         return static_cast<int>(Strict::ExitCode::Failed);
     }
 }

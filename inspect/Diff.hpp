@@ -15,6 +15,7 @@ struct Diff {
     const Image* right;
     Buffer::Differences where;
     bool hasOtherStart = false;  ///< both have a start address other than 0, and not the same
+    Buffer::AreaList ignored;    ///< ascending, without overlap
 
     bool isEqual() const {
         return where.changed.empty() && where.onlyLeft.empty() && where.onlyRight.empty() &&

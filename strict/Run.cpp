@@ -304,6 +304,7 @@ ExitCode run(const RunOptions& requested, Printer& printer, std::ostream& output
                       &execution.provenance(),
                       &files};
         Inspect::RunRecord record = recordOf(ran, !options.report.empty() || options.comparesDisk);
+        remarks.finish();
         record.remarks = std::move(remarks.remarks);
         if (!useRecord(options, record, files, printer)) return ExitCode::Failed;
     }

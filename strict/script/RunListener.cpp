@@ -144,9 +144,9 @@ Overloaded(Functions...) -> Overloaded<Functions...>;
 }  // namespace
 
 void RunListener::report(Kind kind, std::string text, const std::vector<std::string_view>& traces,
-                         std::string hint) {
+                         std::string hint, std::uint64_t count) {
     if (script_ == nullptr) {
-        sink_->take({kind, std::move(text), std::nullopt, std::move(hint), {}});
+        sink_->take({kind, std::move(text), std::nullopt, std::move(hint), {}, count});
         return;
     }
     const std::string_view statement = script_->prepared().substr(first_, last_ - first_);
@@ -154,7 +154,7 @@ void RunListener::report(Kind kind, std::string text, const std::vector<std::str
     std::string_view part = trimmed(arguments.textOf(traces));
     if (part.empty()) part = statement.substr(0, 1);
     sink_->take({kind, std::move(text), script_->placeOf(part), std::move(hint),
-                 script_->variableNotes(part)});
+                 script_->variableNotes(part), count});
 }
 
 void RunListener::reportOutside(std::uint64_t start, std::uint64_t length,
@@ -192,7 +192,7 @@ void RunListener::reportField(const FieldFact& fact) {
     constexpr std::size_t longestShown = 160;
     FieldWords words = wordsFor(fact);
     if (words.line == 0) {
-        report(words.kind, std::move(words.text), inputFile, std::move(words.hint));
+        report(words.kind, std::move(words.text), inputFile, std::move(words.hint), words.count);
         return;
     }
     Place place{std::string(words.file),

@@ -50,7 +50,7 @@ public:
 
     /// Reports something about the argument of the statement whose action has one of the traces.
     void report(Kind kind, std::string text, const std::vector<std::string_view>& traces,
-                std::string hint = {});
+                std::string hint = {}, std::uint64_t count = 1);
 
     /// Reports something about an image that the statement names.
     void reportName(Kind kind, std::string_view name, std::string text, std::string hint,

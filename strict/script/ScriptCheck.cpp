@@ -34,7 +34,7 @@ bool isNumber(std::string_view text) {
 void ScriptCheck::onStep(const char* trace, Parser::Position first, Parser::Position last) {
     const std::string_view name = trace;
     if (name.ends_with("Begin -> ")) {
-        flush();
+        pending_.moveTo(*sink_);
         steps_.clear();
         values_.clear();
         bytesFrom_ = 0;
@@ -81,11 +81,6 @@ void ScriptCheck::onStatement(Parser::Position first, Parser::Position last) {
     checkValues();
 }
 
-void ScriptCheck::flush() {
-    for (const Diagnostic& diagnostic : pending_) sink_->take(diagnostic);
-    pending_.clear();
-}
-
 void ScriptCheck::abandon(std::size_t offset) {
     if (!statements_.empty()) {
         const std::string_view text = script_->prepared();
@@ -96,7 +91,7 @@ void ScriptCheck::abandon(std::size_t offset) {
             offset <= end || text.substr(end, offset - end).find('\n') == std::string_view::npos;
         if (isSameLine) pending_.clear();
     }
-    flush();
+    pending_.moveTo(*sink_);
     const Step* const name = stepOf("SetName -> ");
     if (name != nullptr && stepOf("CmdNewBuffer: Begin -> ") != nullptr)
         buffers_.try_emplace(std::string(name->text), name->text);
@@ -147,7 +142,7 @@ void ScriptCheck::checkNames(std::uint32_t type) {
 
 void ScriptCheck::define(Names& names, std::string_view name, const char* what) {
     const auto [entry, isNew] = names.try_emplace(std::string(name), name);
-    if (isNew) return;
+    if (isNew || !pending_.wants(Kind::DuplicateName)) return;
     Diagnostic diagnostic{Kind::DuplicateName,
                           "there is already a" + std::string(*what == 'i' ? "n " : " ") + what +
                               " called " + std::string(name),
@@ -155,7 +150,7 @@ void ScriptCheck::define(Names& names, std::string_view name, const char* what) 
                           "this one would be dropped",
                           {}};
     diagnostic.notes.push_back({"the first one is made here", script_->placeOf(entry->second)});
-    pending_.push_back(std::move(diagnostic));
+    pending_.add(std::move(diagnostic));
 }
 
 void ScriptCheck::use(const Names& names, std::string_view name, const char* what) {
@@ -258,10 +253,10 @@ void ScriptCheck::checkExpression(const Value& value) {
 }
 
 void ScriptCheck::report(Kind kind, std::string text, std::string_view part, std::string hint) {
+    if (!pending_.wants(kind)) return;
     part = part.substr(0, part.find_last_not_of(" \t\n\v\f\r") + 1);
-    Diagnostic diagnostic{kind, std::move(text), script_->placeOf(part), std::move(hint),
-                          script_->variableNotes(part)};
-    pending_.push_back(std::move(diagnostic));
+    pending_.add({kind, std::move(text), script_->placeOf(part), std::move(hint),
+                  script_->variableNotes(part)});
 }
 
 }  // namespace Strict

@@ -8,6 +8,7 @@
 
 #include "parser/grammar/ParserState.hpp"
 #include "strict/diagnostics/Diagnostic.hpp"
+#include "strict/diagnostics/PendingList.hpp"
 #include "strict/script/ScriptText.hpp"
 
 namespace Strict {
@@ -39,7 +40,7 @@ public:
     void abandon(std::size_t offset);
 
     /// Reports what is left. Called once, after the last statement.
-    void finish() { flush(); }
+    void finish() { pending_.moveTo(*sink_); }
 
     /// A statement makes something of that name, whether it will succeed or not.
     bool isMade(std::string_view name) const {
@@ -69,7 +70,6 @@ private:
     void use(const Names& names, std::string_view name, const char* what);
     void report(Kind kind, std::string text, std::string_view part, std::string hint = {});
     const Step* stepOf(std::string_view trace) const;
-    void flush();
 
     const ScriptText* script_;
     const Parser::ParserState* state_;
@@ -80,7 +80,7 @@ private:
     std::size_t suggestions_ = 0;  ///< that were looked for
     std::vector<Range> statements_;
     /// What was found in the last statement, which may yet turn out to be broken.
-    std::vector<Diagnostic> pending_;
+    PendingList pending_;
     Names buffers_, crcs_, hashes_;
 };
 

@@ -5,10 +5,13 @@
 
 #include "parser/text/ScriptText.hpp"
 #include "parser/text/VariableExpansion.hpp"
+#include "util/Printable.hpp"
 
 namespace Strict {
 
 namespace {
+
+using Util::characters;
 
 /// Bytes of a long line that are shown on either side of a place.
 constexpr std::size_t shownBefore = 60;
@@ -18,11 +21,6 @@ bool isContinuation(char c) {
     constexpr unsigned mask = 0xC0;
     constexpr unsigned continuation = 0x80;
     return (static_cast<unsigned char>(c) & mask) == continuation;
-}
-
-/// The characters of a text in UTF-8.
-std::size_t characters(std::string_view text) {
-    return text.size() - static_cast<std::size_t>(std::ranges::count_if(text, &isContinuation));
 }
 
 }  // namespace
