@@ -4,7 +4,7 @@
 #include <ios>
 #include <string>
 
-#include "classic/FormatFaultWords.hpp"
+#include "facts/FormatFaultWords.hpp"
 #include "util/Hex.hpp"
 
 namespace Classic {
@@ -199,8 +199,8 @@ public:
     }
 
     void operator()(const FileMalformed& fact) const {
-        line("file: ", fact.file, " has no ", nameOfFormat(fact.format), " format (",
-             Classic::wordsFor(fact), "). Execution aboarded. The file was not parsed.");
+        line("file: ", fact.file, " has no ", Facts::nameOfFormat(fact.format), " format (",
+             Facts::textOf(fact), "). Execution aboarded. The file was not parsed.");
     }
 
     void operator()(const FileReadIncomplete& fact) const {

@@ -108,7 +108,7 @@ void checkParse(const std::string& text) {
 }
 
 void checkCalculate(const std::string& text) {
-    const std::string calculated = Parser::ScriptParser().calculate(text);
+    const std::string calculated = Parser::calculated(text);
     if (calculated == text) return;
     check(text.find('[') != std::string::npos, "only brackets are calculated");
     check(calculated.find('[') == std::string::npos, "one value takes every bracket's place");

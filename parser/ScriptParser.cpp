@@ -11,7 +11,6 @@
 #include "parser/text/ScriptText.hpp"
 #include "parser/text/VariableExpansion.hpp"
 #include "platform/Files.hpp"
-#include "util/Hex.hpp"
 
 namespace Parser {
 
@@ -36,9 +35,7 @@ typename Spirit::parser_result<ScriptParser, ScannerT>::type ScriptParser::parse
 ScriptParser::ScriptParser() : ScriptParser({}, {}) {}
 
 ScriptParser::ScriptParser(std::string path, std::map<std::string, std::string> variables)
-    : state_(&ScriptParser::calculated),
-      initialVariables_(std::move(variables)),
-      scriptPath_(std::move(path)) {}
+    : state_(&calculated), initialVariables_(std::move(variables)), scriptPath_(std::move(path)) {}
 
 ScriptParser::~ScriptParser() = default;
 
@@ -89,35 +86,6 @@ ScriptParser::ParseResult ScriptParser::parseScript(std::string_view text) {
     const Position first = text.data();
     const auto info = Spirit::parse(first, first + text.size(), *this);
     return {info.stop, info.hit, info.full, static_cast<std::size_t>(info.length)};
-}
-
-std::string ScriptParser::calculated(const std::string& text) {
-    // Without a bracket there is nothing to evaluate, and no grammar need be built to find that
-    // out.
-    if (text.find('[') == std::string::npos) return text;
-    return ScriptParser().calculate(text);
-}
-
-std::string ScriptParser::calculate(const std::string& text) {
-    state_.reset();
-    // What counts is what the actions left behind, not whether the parse went through.
-    parseScript("CALCULATE " + text);
-    const auto& values = state_.statement.collectedValues();
-    const auto brackets = static_cast<std::size_t>(std::ranges::count(text, '['));
-    if (values.empty() || brackets != values.size()) return text;
-    const std::string number = " 0x" + Util::hexWord(values.front());
-    std::string valued = text;
-    std::size_t from = 0;
-    for (std::size_t open = valued.find('['); open != std::string::npos;
-         open = valued.find('[', from)) {
-        const std::size_t close = valued.find(']', open);
-        if (close == std::string::npos) return text;
-        // The number brings a blank, which replaces the character before the bracket.
-        const std::size_t first = open > from ? open - 1 : open;
-        valued.replace(first, close + 1 - first, number);
-        from = first + number.size();
-    }
-    return valued;
 }
 
 }  // namespace Parser

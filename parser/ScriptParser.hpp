@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "parser/commands/CmdContext.hpp"
+#include "parser/grammar/Calculation.hpp"
 #include "parser/grammar/ParserState.hpp"
 
 namespace Parser {
@@ -31,7 +32,7 @@ public:
         std::size_t length;  ///< characters matched
     };
 
-    /// A parser for `calculate`, with no variables and no script.
+    /// A parser for `parseScript` and `calculate`, with no variables and no script.
     ScriptParser();
 
     /// @param path       the script file
@@ -44,13 +45,8 @@ public:
     /// True if the script was read and parsed in full, whatever its statements then reported.
     bool run();
 
-    /// Replaces the one bracket expression that `text` may hold, and the character before it, by
-    /// " 0x" and the value in eight digits. A text with any other number of brackets, or with one
-    /// that has no value, is returned unchanged.
-    std::string calculate(const std::string& text);
-
-    /// `calculate` on a parser made for this one text.
-    static std::string calculated(const std::string& text);
+    /// The text with the value of its bracket expression; see `calculated`.
+    static std::string calculate(const std::string& text) { return calculated(text); }
 
     /// Parses `text` as a script: queues its statements, executes nothing.
     ParseResult parseScript(std::string_view text);

@@ -2,59 +2,83 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "inspect/Words.hpp"
-#include "parser/commands/CmdFillBuffer.hpp"
-#include "parser/commands/CmdNewValue.hpp"
-#include "parser/commands/CmdPrintBuffer.hpp"
 
 namespace Strict {
 
 namespace {
 
-using namespace Parser::WrapperLib;
+using Buffer::Area;
+using Parser::Part;
+using Parser::Role;
+using Parser::Statement;
+using Parser::WrapperLib::CmdContext;
 
-/// "(0x00000100 to 0x000001FF)"
-std::string addresses(const Area& image) {
-    if (image.length == 0) return "(no addresses)";
-    return std::string("(").append(Inspect::rangeText(image)).append(")");
+using Images = std::vector<std::pair<std::string, Area>>;
+
+/// The images that a statement works on, as far as there are any: one that is missing is reported
+/// on its own.
+Images imagesOf(const Statement& statement, const CmdContext& context) {
+    Images images;
+    for (const Part& part : statement.parts) {
+        if (part.role != Role::UsesImage && part.role != Role::ChangesImage) continue;
+        const auto image = context.buffers.find(std::string(part.text));
+        if (image == context.buffers.end()) return {};
+        images.emplace_back(image->first, image->second.getArea());
+    }
+    return images;
 }
 
-void checkAreas(const AreaList& areas, const std::vector<std::string>& names,
-                const CmdContext& context, RunListener& listener) {
-    std::string images;
-    for (const std::string& name : names) {
-        const auto image = context.buffers.find(name);
-        images += (images.empty() ? "" : " or ") + name;
-        if (image != context.buffers.end())
-            images.append(1, ' ').append(addresses(image->second.getArea()));
+/// "@App (0x00000100 to 0x000001FF) or @Boot (no addresses)"
+std::string textOf(const Images& images) {
+    std::string text;
+    for (const auto& [name, area] : images) {
+        if (!text.empty()) text += " or ";
+        text += name;
+        text += " (";
+        text += area.length == 0 ? "no addresses" : Inspect::rangeText(area);
+        text += ")";
     }
-    for (const Area& area : areas) {
-        const auto holds = [&](const std::string& name) {
-            const auto image = context.buffers.find(name);
-            // A missing image is reported on its own.
-            return image == context.buffers.end() || image->second.getArea().contains(area);
-        };
-        if (!std::ranges::any_of(names, holds))
-            listener.reportOutside(area.start, area.length, images);
+    return text;
+}
+
+std::string areaText(const Area& area) {
+    std::string text(1, '{');
+    text += Inspect::addressText(area.start);
+    text += ", ";
+    text += Inspect::hexText(area.length);
+    text += '}';
+    return text;
+}
+
+void checkAreas(const Statement& statement, const Images& images, StatementReports& reports) {
+    for (const Part& part : statement.all(Role::Area)) {
+        const Area area = statement.areaOf(part);
+        if (std::ranges::any_of(images,
+                                [&](const auto& image) { return image.second.contains(area); }))
+            continue;
+        reports.report(Kind::Outside,
+                       "the area " + areaText(area) + " does not lie in " + textOf(images), part);
     }
+}
+
+/// The areas of a new image crop what it is made of, and a string does not look at the length of
+/// its area.
+bool takesAreasAsTheyAre(const Statement& statement) {
+    return !statement.has(Role::MakesImage) && !statement.has(Role::String);
 }
 
 }  // namespace
 
-void auditBefore(const CmdApi& statement, const CmdContext& context, const Provenance& provenance,
-                 RunListener& listener) {
-    if (const auto* fill = dynamic_cast<const CmdFillBuffer*>(&statement)) {
-        // A string does not look at the length of its area.
-        if (fill->fillKind() != FillKind::FillString)
-            checkAreas(fill->areas(), {fill->bufferName()}, context, listener);
-    } else if (const auto* value = dynamic_cast<const CmdNewValue*>(&statement)) {
-        checkAreas(value->areas(), value->fromBuffers(), context, listener);
-        provenance.checkCovered(*value, context);
-    } else if (const auto* print = dynamic_cast<const CmdPrintBuffer*>(&statement)) {
-        checkAreas(print->areas(), {print->bufferName()}, context, listener);
-    }
+void auditBefore(const Statement& statement, const CmdContext& context,
+                 const Provenance& provenance, StatementReports& reports) {
+    const Images images = imagesOf(statement, context);
+    if (!images.empty() && takesAreasAsTheyAre(statement)) checkAreas(statement, images, reports);
+    if (statement.has(Role::MakesCrc) || statement.has(Role::MakesHash))
+        provenance.checkCovered(statement, context);
 }
 
 }  // namespace Strict

@@ -6,7 +6,7 @@
 #include <utility>
 #include <variant>
 
-#include "classic/FormatFaultWords.hpp"
+#include "facts/FormatFaultWords.hpp"
 #include "facts/Listener.hpp"
 #include "inspect/Words.hpp"
 #include "io/File.hpp"
@@ -34,7 +34,7 @@ public:
         if (const auto* const malformed = std::get_if<Facts::FileMalformed>(&fact))
             report(*sink_, Kind::WrongFormat,
                    std::string(malformed->file) +
-                       " is no ELF file that can be read: " + Classic::wordsFor(*malformed));
+                       " cannot be read as ELF: " + Facts::textOf(*malformed));
         if (const auto* const incomplete = std::get_if<Facts::FileReadIncomplete>(&fact))
             report(*sink_, Kind::ShortRead,
                    std::string(incomplete->file) + " could not be read completely");

@@ -9,8 +9,8 @@
 #include "io/import/Malformed.hpp"
 #include "platform/Files.hpp"
 #include "platform/Paths.hpp"
+#include "strict/RunListener.hpp"
 #include "strict/files/OutputSet.hpp"
-#include "strict/script/RunListener.hpp"
 
 namespace Strict {
 
@@ -30,7 +30,10 @@ void keepStream(OutputSet& files, const std::string& path) {
 template <class Read>
 auto readWith(Read read, const std::string& path, DiagnosticSink& sink) -> decltype(read(path)) {
     OutputSet files(OutputSet::Mode::Memory);
-    RunListener listener(sink, [&files](std::string_view file) { return files.reasonFor(file); });
+    StatementReports reports(nullptr, sink);
+    RunListener listener(reports, nullptr,
+                         {[&files](std::string_view file) { return files.reasonFor(file); },
+                          [](std::string_view /*name*/) { return true; }});
     keepStream(files, path);
     const Facts::ListenerScope listening(listener);
     const Io::HostScope hosting(files);

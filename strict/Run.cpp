@@ -12,14 +12,13 @@
 
 #include "classic/ClassicWords.hpp"
 #include "io/field/FieldReading.hpp"
-#include "parser/ScriptParser.hpp"
-#include "parser/grammar/ScriptSyntax.hpp"
 #include "parser/text/VariableExpansion.hpp"
 #include "platform/Files.hpp"
 #include "platform/Replace.hpp"
 #include "platform/Streams.hpp"
 #include "strict/Audit.hpp"
 #include "strict/ElfSymbols.hpp"
+#include "strict/RunListener.hpp"
 #include "strict/diagnostics/RemarkList.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
 #include "strict/files/DependencyFile.hpp"
@@ -29,17 +28,13 @@
 #include "strict/record/Proof.hpp"
 #include "strict/record/Provenance.hpp"
 #include "strict/record/RunRecording.hpp"
-#include "strict/script/RunListener.hpp"
+#include "strict/script/ParsedScript.hpp"
 #include "strict/script/ScriptCheck.hpp"
 #include "strict/script/ScriptText.hpp"
-#include "strict/script/SyntaxErrors.hpp"
 
 namespace Strict {
 
 namespace {
-
-/// Syntax errors that are reported in one run.
-constexpr std::size_t mostSyntaxErrors = 20;
 
 /// The script's own text, or nothing after a diagnostic.
 std::optional<std::string> read(const RunOptions& options, DiagnosticSink& sink) {
@@ -50,6 +45,12 @@ std::optional<std::string> read(const RunOptions& options, DiagnosticSink& sink)
         isStandardInput ? Platform::readStandardInput() : Platform::readFile(options.script);
     if (!contents) {
         std::error_code error = Platform::lastError();
+        if (isStandardInput && error == std::errc::is_a_directory) {
+            sink.take({Kind::CannotOpen,
+                       "cannot read the script from standard input: it is closed "
+                       "or a folder"});
+            return std::nullopt;
+        }
         if (!error && !isStandardInput) error = Platform::outputTarget(options.script).error;
         sink.take({Kind::CannotOpen, "cannot open the script " + options.script + ": " +
                                          (error ? error.message() : "it has no end to wait for")});
@@ -82,6 +83,11 @@ std::unique_ptr<ScriptText> prepare(const RunOptions& options, std::string text,
     constexpr std::string_view mark = "\xEF\xBB\xBF";
     if (text.starts_with(mark)) text.erase(0, mark.size());
     const std::string name = options.script == "-" ? "<stdin>" : options.script;
+    if (const char* const encoding = wideEncodingOf(text)) {
+        sink.take({Kind::Syntax, "the script " + name + " is in " + encoding, std::nullopt,
+                   "save it as UTF-8"});
+        return nullptr;
+    }
     try {
         return std::make_unique<ScriptText>(name, std::move(text), options.variables);
     } catch (const Parser::VariableError& error) {
@@ -89,35 +95,6 @@ std::unique_ptr<ScriptText> prepare(const RunOptions& options, std::string text,
             {Kind::Syntax, "the variable name " + error.name() + " " + wordsFor(error.fault())});
     }
     return nullptr;
-}
-
-/// Parses as many statements as there are and reports what is none. True if everything parsed.
-bool parse(const ScriptText& script, Parser::ScriptSyntax& syntax, ScriptCheck& check,
-           DiagnosticSink& sink) {
-    const std::string_view text = script.prepared();
-    std::size_t errors = 0;
-    std::size_t resumed = 0;  ///< where the parse went on after the last error
-    for (std::size_t at = 0;;) {
-        at += syntax.parse(text.substr(at));
-        if (at == text.size()) return errors == 0;
-        if (++errors > mostSyntaxErrors) {
-            sink.take({Kind::Syntax, "there are more syntax errors than are shown"});
-            return false;
-        }
-        // Once more, now with a note of what is missing. The last statement that is finished may
-        // be the broken one, without the option that broke it.
-        const auto& finished = check.statements();
-        const bool isFirst = finished.empty() || finished.back().last < resumed;
-        const std::size_t from = isFirst ? at : finished.back().first;
-        Parser::ScriptSyntax explainer(nullptr);
-        Parser::Expectations missed;
-        explainer.state().expectations = &missed;
-        explainer.parse(text.substr(from));
-        check.abandon(at);
-        sink.take(syntaxError(script, text.substr(from), missed, syntax.statementKeywords()));
-        at = resumed = nextStatement(text, at, syntax.statementKeywords());
-        if (at == text.size()) return false;
-    }
 }
 
 /// "did you mean X?" for a word of the script that is like `name`.
@@ -170,39 +147,41 @@ void checkVariables(const RunOptions& options, const ScriptText& script, Diagnos
     }
 }
 
-/// Runs the statements. False if one of them failed, or was reported as an error.
+/// Runs the statements of a script.
 class Execution {
 public:
-    Execution(const RunOptions& options, const ScriptText& script, const ScriptCheck& check,
-              Printer& printer, std::ostream& output, OutputSet& files)
-        : options_(&options),
-          printer_(&printer),
+    Execution(const ScriptText& script, const ScriptCheck& check, Printer& printer,
+              std::ostream& output, OutputSet& files)
+        : printer_(&printer),
           files_(&files),
           printed_(output, output),
-          listener_(
-              script, printer, printed_,
-              [&files](std::string_view path) { return files.reasonFor(path); },
-              [&check](std::string_view name) { return check.isMade(name); }),
-          provenance_(listener_, reading_) {
+          reports_(&script, printer),
+          listener_(reports_, &printed_,
+                    {[&files](std::string_view path) { return files.reasonFor(path); },
+                     [&check](std::string_view name) { return check.isMade(name); }}),
+          provenance_(reports_, reading_) {
         context_.reading = &reading_;
         context_.observer = &provenance_;
     }
 
-    bool run(Parser::ScriptSyntax& syntax, const std::vector<ScriptCheck::Range>& ranges) {
+    /// False if a statement did not do its work, or reported an error. Unless `keepsGoing`, the
+    /// first one that fails is the last one that runs.
+    bool run(const ParsedScript& parsed, bool keepsGoing) {
         const Facts::ListenerScope listening(listener_);
         const Io::HostScope hosting(*files_);
-        const auto& commands = syntax.state().statement.commands();
-        for (std::size_t i = 0; i < commands.size(); ++i) {
-            const std::size_t before = printer_->errors();
-            listener_.enter(ranges[i].first, ranges[i].last);
-            provenance_.enter(*commands[i]);
-            auditBefore(*commands[i], context_, provenance_, listener_);
-            const bool isDone =
-                printer_->errors() == before ? commands[i]->execute(context_) : false;
-            const bool isGood = isDone && printer_->errors() == before;
-            if (!isGood && !options_->keepsGoing) return false;
+        const Parser::Statement* failed = nullptr;
+        for (std::size_t i = 0; i < parsed.statements().size(); ++i) {
+            const Parser::Statement& statement = parsed.statements()[i];
+            if (execute(statement, *parsed.commands()[i])) continue;
+            if (failed == nullptr) failed = &statement;
+            if (!keepsGoing) break;
         }
-        return true;
+        if (failed == nullptr) return true;
+        // A policy may have silenced the diagnostic; it does not undo what happened.
+        reports_.enter(*failed);
+        if (printer_->errors() == 0)
+            reports_.note("this statement did not do its work, so the run fails");
+        return false;
     }
 
     /// Whether all that the statements printed has arrived.
@@ -212,10 +191,21 @@ public:
     const Provenance& provenance() const { return provenance_; }
 
 private:
-    const RunOptions* options_;
+    bool execute(const Parser::Statement& statement, Parser::WrapperLib::CmdApi& command) {
+        const std::size_t before = printer_->errors();
+        reports_.enter(statement);
+        listener_.enter();
+        provenance_.enter();
+        auditBefore(statement, context_, provenance_, reports_);
+        if (printer_->errors() != before) return false;
+        const bool isDone = command.execute(context_) && !listener_.hasRefused();
+        return isDone && printer_->errors() == before;
+    }
+
     Printer* printer_;
     OutputSet* files_;
     Classic::ClassicWords printed_;
+    StatementReports reports_;
     RunListener listener_;
     Io::Field::FieldReading reading_;
     Provenance provenance_;
@@ -276,20 +266,18 @@ ExitCode run(const RunOptions& requested, Printer& printer, std::ostream& output
     if (!written) return ExitCode::Failed;
     const auto script = prepare(options, std::move(*written), printer);
     if (!script) return ExitCode::Unusable;
-    Parser::ScriptSyntax syntax(&Parser::ScriptParser::calculated);
-    ScriptCheck check(*script, syntax.state(), printer);
-    syntax.state().statement.setObserver(&check);
-    const bool isParsed = parse(*script, syntax, check, printer);
-    check.finish();
-    if (!isParsed) return ExitCode::Unusable;
+    const ParsedScript parsed(*script);
+    ScriptCheck check(*script, printer);
+    check.check(parsed);
+    if (!parsed.isWhole()) return ExitCode::Unusable;
     checkVariables(options, *script, printer);
     if (printer.errors() != 0 && !options.keepsGoing) return ExitCode::Failed;
 
-    Execution execution(options, *script, check, printer, output, files);
-    execution.run(syntax, check.statements());
+    Execution execution(*script, check, printer, output, files);
+    const bool isGood = execution.run(parsed, options.keepsGoing);
     if (!execution.isPrinted())
         printer.take({Kind::ShortWrite, "standard output could not be written completely"});
-    if (printer.errors() != 0) {
+    if (!isGood || printer.errors() != 0) {
         noteOutputsInPlace(files, printer);
         return ExitCode::Failed;
     }
@@ -298,8 +286,7 @@ ExitCode run(const RunOptions& requested, Printer& printer, std::ostream& output
         const Ran ran{isFile ? options.script : "",
                       &options.variables,
                       script.get(),
-                      &syntax.state().statement.commands(),
-                      &check.statements(),
+                      &parsed.statements(),
                       &execution.context(),
                       &execution.provenance(),
                       &files};

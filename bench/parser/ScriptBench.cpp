@@ -57,8 +57,7 @@ void prepare(benchmark::State& state) {
 BENCHMARK(prepare)->Arg(1000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 void calculate(benchmark::State& state) {
-    for (auto _ : state)
-        benchmark::DoNotOptimize(Parser::ScriptParser::calculated("length [0x100 + 4] bytes"));
+    for (auto _ : state) benchmark::DoNotOptimize(Parser::calculated("length [0x100 + 4] bytes"));
 }
 BENCHMARK(calculate);
 

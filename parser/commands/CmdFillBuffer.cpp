@@ -103,14 +103,14 @@ void CmdFillBuffer::writeUnclipped(CmdContext& context, Buffer::MemoryBuffer& bu
 
 /// Does the operation, and shows it to the observer unless the image refuses it.
 void CmdFillBuffer::put(CmdContext& context, Buffer::MemoryBuffer& buffer, Fill operation,
-                        const ByteList& pattern, const Area& area) {
+                        const ByteList& pattern, const Area& area) const {
     (buffer.*operation)(pattern, area.start, area.length);
     const bool isDone = !pattern.empty() && buffer.getArea().contains(area);
     if (!isDone || context.observer == nullptr) return;
     if (operation == static_cast<Fill>(&Buffer::MemoryBuffer::fillPattern))
-        context.observer->onFill(buffer, area);
+        context.observer->onFill(bufferName_, area);
     else
-        context.observer->onWrite(buffer, area);
+        context.observer->onWrite(bufferName_, area);
 }
 
 ByteList CmdFillBuffer::inOrderOf(const Buffer::MemoryBuffer& buffer, ByteList crc) const {

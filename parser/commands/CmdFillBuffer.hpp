@@ -32,12 +32,6 @@ public:
     void setByteOrder(Buffer::ByteOrder order) { byteOrder_ = order; }
     void addArea(const Area& area) { areas_.push_back(area); }
 
-    const std::string& bufferName() const { return bufferName_; }
-    /// The CRC or the hash that the statement writes; empty if it writes none.
-    const std::string& valueName() const { return crcName_.empty() ? hashName_ : crcName_; }
-    FillKind fillKind() const { return fillKind_; }
-    const AreaList& areas() const { return areas_; }
-
     bool execute(CmdContext& context) override;
     std::uint32_t getCmdType() const override { return number(CmdType::FillBuffer); }
 
@@ -50,8 +44,8 @@ private:
     void writeOnce(CmdContext& context, Buffer::MemoryBuffer& buffer) const;
     void writeUnclipped(CmdContext& context, Buffer::MemoryBuffer& buffer,
                         const ByteList& pattern) const;
-    static void put(CmdContext& context, Buffer::MemoryBuffer& buffer, Fill operation,
-                    const ByteList& pattern, const Area& area);
+    void put(CmdContext& context, Buffer::MemoryBuffer& buffer, Fill operation,
+             const ByteList& pattern, const Area& area) const;
     ByteList inOrderOf(const Buffer::MemoryBuffer& buffer, ByteList crc) const;
 
     std::string bufferName_;

@@ -161,7 +161,7 @@ std::optional<MemoryBuffer> CmdNewBuffer::fromBuffers(CmdContext& context, Area 
     MemoryBuffer result(range.start, range.length);
     for (std::size_t i = 0; i < parts.size(); ++i) {
         if (context.observer != nullptr)
-            context.observer->onOverlay(result, sourceBuffers_[i], *parts[i]);
+            context.observer->onOverlay(*this, result, sourceBuffers_[i], *parts[i]);
         if (!lay(result, *parts[i], sourceBuffers_[i])) return std::nullopt;
     }
     return result;
@@ -238,7 +238,7 @@ std::optional<MemoryBuffer> CmdNewBuffer::readFile(const CmdContext& context, Ar
     if (isRefusing() || isWhole())
         if (const auto overlap = reader->findOverlap(overlapRule_ != OverlapRule::Error))
             if (refuses(*overlap, fileName_)) return std::nullopt;
-    if (context.observer != nullptr) context.observer->onRead(*reader, range);
+    if (context.observer != nullptr) context.observer->onRead(*this, *reader, range);
     MemoryBuffer result(range.start, range.length);
     if (areas_.empty()) overlayOrReplace(result, reader->takeMemory());
     for (const Area& area : areas_)
@@ -253,7 +253,7 @@ MemoryBuffer CmdNewBuffer::fromValues(const CmdContext& context, Area range) con
     MemoryBuffer result = extractAreas(source, areas_, range);
     if (context.observer != nullptr)
         for (const Area& area : Buffer::writtenAreas(result, result.getArea()))
-            context.observer->onWrite(result, area);
+            context.observer->onWrite({}, area);
     return result;
 }
 

@@ -36,8 +36,6 @@ public:
     void setWordSize(std::uint32_t bytes) { wordSize_ = bytes; }
 
     const std::string& name() const { return name_; }
-    const std::vector<std::string>& fromBuffers() const { return fromBuffers_; }
-    const AreaList& areas() const { return areas_; }
 
     bool execute(CmdContext& context) override;
 

@@ -82,13 +82,8 @@ public:
     /// section of the embedded format.
     void setSection(std::string name);
 
-    const std::string& fileName() const { return fileName_; }
-    const std::vector<std::string>& bufferNames() const { return bufferNames_; }
-
-    /// The keyword of the format that counts.
-    std::string formatKeyword() const {
-        return format_ == nullptr ? "IntelHexExtended" : format_->keyword;
-    }
+    /// The keyword of the format of a statement that names none.
+    static constexpr const char* usualFormat() { return "IntelHexExtended"; }
 
     bool execute(CmdContext& context) override;
     std::uint32_t getCmdType() const override { return number(CmdType::WriteFile); }

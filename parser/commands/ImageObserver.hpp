@@ -9,6 +9,8 @@
 
 namespace Parser::WrapperLib {
 
+class CmdNewBuffer;
+
 /// Learns what the statements of a run put into images, in the order in which they do it. A front
 /// end that wants to know where each byte came from gives one to the run; every function is called
 /// in the statement that does the work, and does nothing unless overridden.
@@ -20,18 +22,20 @@ public:
     ImageObserver& operator=(const ImageObserver&) = delete;
 
     /// The data of a file is about to go into a new image that has the addresses of `range`.
-    virtual void onRead(const Io::Import::TessaronImportApi& /*reader*/,
+    virtual void onRead(const CmdNewBuffer& /*statement*/,
+                        const Io::Import::TessaronImportApi& /*reader*/,
                         const Buffer::Area& /*range*/) {}
 
     /// `part`, which is an image of that name or an area of one, is about to be laid over `image`.
-    virtual void onOverlay(const Buffer::MemoryBuffer& /*image*/, const std::string& /*name*/,
-                           const Buffer::MemoryBuffer& /*part*/) {}
+    virtual void onOverlay(const CmdNewBuffer& /*statement*/, const Buffer::MemoryBuffer& /*image*/,
+                           const std::string& /*name*/, const Buffer::MemoryBuffer& /*part*/) {}
 
-    /// The bytes of `area` were written by the statement itself.
-    virtual void onWrite(const Buffer::MemoryBuffer& /*image*/, const Buffer::Area& /*area*/) {}
+    /// The bytes of `area` of the image `name` were written by the statement itself. The image that
+    /// a NEW_BUFFER is making has no name yet.
+    virtual void onWrite(const std::string& /*name*/, const Buffer::Area& /*area*/) {}
 
     /// The fillers of `area` were set by the statement itself.
-    virtual void onFill(const Buffer::MemoryBuffer& /*image*/, const Buffer::Area& /*area*/) {}
+    virtual void onFill(const std::string& /*name*/, const Buffer::Area& /*area*/) {}
 
     /// A new image has its name; it was moved by `distance` addresses, modulo 2^64, at the end.
     virtual void onMade(const std::string& /*name*/, const Buffer::MemoryBuffer& /*image*/,

@@ -14,12 +14,14 @@ struct CallAppRules final : StatementRules {
     CallAppRules(CommonRules& rules, ParserState& state) {
         const StatementActions<CmdCallApp> on(state);
         command = (rules.keyword("CALL_APP")[on.begin("CmdCallApp: Begin -> ")] >> rules.ws >>
-                   rules.textArg[on.text("SetAppLocation -> ", &CmdCallApp::setAppLocation)] >>
+                   rules.textArg[on.text("SetAppLocation -> ", Role::Program,
+                                         &CmdCallApp::setAppLocation)] >>
                    callAppArguments >> callAppOptions)[on.end()] >>
                   rules.ws;
-        callAppArguments = rules.ws >> rules.keyword("WITH_ARGUMENTS") >> rules.ws >>
-                           rules.textArg[on.text("SetArguments -> ", &CmdCallApp::setArguments)] >>
-                           rules.ws;
+        callAppArguments =
+            rules.ws >> rules.keyword("WITH_ARGUMENTS") >> rules.ws >>
+            rules.textArg[on.text("SetArguments -> ", Role::Text, &CmdCallApp::setArguments)] >>
+            rules.ws;
         callAppOptions = symbolsOption(rules, on);
     }
 

@@ -25,6 +25,7 @@ struct Words {
     const char* keyword;
     const char* beginTrace;
     const char* nameTrace;
+    Role role;  ///< of the name
 };
 
 /// NEW_CRC name source [option ...], and NEW_HASH
@@ -34,8 +35,8 @@ struct NewValueRules : StatementRules {
         const StatementActions<CmdNewValue> on(state);
         const StatementActions<Command> onKeyword(state);
         command = (rules.keyword(words.keyword)[onKeyword.begin(words.beginTrace)] >> rules.ws >>
-                   rules.name[on.text(words.nameTrace, &CmdNewValue::setName)] >> source >>
-                   options)[on.end()] >>
+                   rules.name[on.text(words.nameTrace, words.role, &CmdNewValue::setName)] >>
+                   source >> options)[on.end()] >>
                   rules.ws;
         source = rules.ws >>
                  buffersSource(rules, on, "AddFromBuffer -> ", &CmdNewValue::addFromBuffer) >>
@@ -44,15 +45,17 @@ struct NewValueRules : StatementRules {
         ownAreasOption = areasOption(rules, on);
         typeOption =
             rules.keyword("-setType") >> rules.equals >> (namedType | describedType) >> rules.ws;
-        namedType = KeywordOf(Command::types(), type, rules)[on.row(type, &CmdNewValue::setType)];
+        namedType = KeywordOf(Command::types(), type,
+                              rules)[on.row(type, Role::Type, &CmdNewValue::setType)];
         const auto setWordSize = [](CmdNewValue& statement, std::string_view digit) {
             statement.setWordSize(static_cast<std::uint32_t>(digit.front() - '0'));
         };
         wordSizeOption =
             rules.keyword("-useWordSize") >> rules.equals >>
-            rules.expected("2, 4 or 8",
-                           (ch_p('2') | ch_p('4') | ch_p('8')) >>
-                               ~eps_p(alnum_p))[on.with("SetWordSize -> ", setWordSize)] >>
+            rules.expected(
+                "2, 4 or 8",
+                (ch_p('2') | ch_p('4') | ch_p('8')) >>
+                    ~eps_p(alnum_p))[on.with("SetWordSize -> ", Role::WordSize, setWordSize)] >>
             rules.ws;
     }
 
@@ -104,11 +107,12 @@ struct NewCrcRules final : NewValueRules<CmdNewCrc> {
         };
         describedType =
             (rules.keyword("Catalogue") >> rules.openBrace >>
-             CatalogueName(entry, rules)[on.with("SetCrc_Catalogue -> ", setEntry)] >>
+             CatalogueName(entry, rules)[on.with("SetCrc_Catalogue -> ", Role::Type, setEntry)] >>
              rules.closeBrace) |
             (rules.keyword("Custom") >> rules.openBrace >> number >> number >> number >> flag >>
              flag >> rules.listedValue >>
-             rules.closeBrace)[on.values("SetCrc_Custom -> ", &CmdNewCrc::setCustomCrc)];
+             rules
+                 .closeBrace)[on.values("SetCrc_Custom -> ", Role::Type, &CmdNewCrc::setCustomCrc)];
         number = rules.listedValue >> rules.separator;
         flag = (rules.keyword("true")[collect(1)] | rules.keyword("false")[collect(0)]) >>
                rules.separator;
@@ -121,12 +125,12 @@ struct NewCrcRules final : NewValueRules<CmdNewCrc> {
 }  // namespace
 
 std::unique_ptr<const StatementRules> newCrcCmd(CommonRules& rules, ParserState& state) {
-    const Words words{"NEW_CRC", "CmdNewCrc: Begin -> ", "SetCrcName -> "};
+    const Words words{"NEW_CRC", "CmdNewCrc: Begin -> ", "SetCrcName -> ", Role::MakesCrc};
     return std::make_unique<NewCrcRules>(rules, state, words);
 }
 
 std::unique_ptr<const StatementRules> newHashCmd(CommonRules& rules, ParserState& state) {
-    const Words words{"NEW_HASH", "CmdNewHash: Begin -> ", "SetHashName -> "};
+    const Words words{"NEW_HASH", "CmdNewHash: Begin -> ", "SetHashName -> ", Role::MakesHash};
     return std::make_unique<NewValueRules<CmdNewHash>>(rules, state, words);
 }
 

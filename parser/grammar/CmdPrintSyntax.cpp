@@ -18,10 +18,11 @@ namespace {
 struct PrintBufferRules final : StatementRules {
     PrintBufferRules(CommonRules& rules, ParserState& state) {
         const StatementActions<CmdPrintBuffer> on(state);
-        command = (rules.keyword("PRINT_BUFFER")[on.begin("CmdPrintBuffer: Begin -> ")] >>
-                   rules.ws >> rules.name[on.text("SetName -> ", &CmdPrintBuffer::setBufferName)] >>
-                   rules.ws >> printBufferOptions)[on.end()] >>
-                  rules.ws;
+        command =
+            (rules.keyword("PRINT_BUFFER")[on.begin("CmdPrintBuffer: Begin -> ")] >> rules.ws >>
+             rules.name[on.text("SetName -> ", Role::UsesImage, &CmdPrintBuffer::setBufferName)] >>
+             rules.ws >> printBufferOptions)[on.end()] >>
+            rules.ws;
         printBufferOptions = rules.ws >> *areasOption(rules, on) >> rules.ws;
     }
 
@@ -32,10 +33,10 @@ struct PrintBufferRules final : StatementRules {
 template <class Command>
 struct PrintValueRules final : StatementRules {
     PrintValueRules(CommonRules& rules, ParserState& state, const char* keyword,
-                    const char* beginTrace, void (Command::*setName)(std::string)) {
+                    const char* beginTrace, Role role, void (Command::*setName)(std::string)) {
         const StatementActions<Command> on(state);
         command = (rules.keyword(keyword)[on.begin(beginTrace)] >> rules.ws >>
-                   rules.name[on.text("SetName -> ", setName)] >> rules.ws)[on.end()] >>
+                   rules.name[on.text("SetName -> ", role, setName)] >> rules.ws)[on.end()] >>
                   rules.ws;
     }
 };
@@ -47,13 +48,15 @@ std::unique_ptr<const StatementRules> printBufferCmd(CommonRules& rules, ParserS
 }
 
 std::unique_ptr<const StatementRules> printCrcCmd(CommonRules& rules, ParserState& state) {
-    return std::make_unique<PrintValueRules<CmdPrintCrc>>(
-        rules, state, "PRINT_CRC", "CmdPrintCrc_Begin: Begin -> ", &CmdPrintCrc::setCrcName);
+    return std::make_unique<PrintValueRules<CmdPrintCrc>>(rules, state, "PRINT_CRC",
+                                                          "CmdPrintCrc_Begin: Begin -> ",
+                                                          Role::UsesCrc, &CmdPrintCrc::setCrcName);
 }
 
 std::unique_ptr<const StatementRules> printHashCmd(CommonRules& rules, ParserState& state) {
     return std::make_unique<PrintValueRules<CmdPrintHash>>(
-        rules, state, "PRINT_HASH", "CmdPrintHash_Begin: Begin -> ", &CmdPrintHash::setHashName);
+        rules, state, "PRINT_HASH", "CmdPrintHash_Begin: Begin -> ", Role::UsesHash,
+        &CmdPrintHash::setHashName);
 }
 
 }  // namespace Parser

@@ -22,10 +22,11 @@ struct PrintTextRules final : StatementRules {
         const auto takeText = [&state](CmdPrintText& print, std::string_view) {
             print.setText(state.statement.text());
         };
-        command = (rules.keyword("PRINT_TEXT")[on.begin("CmdPrintText_Begin: Begin -> ")] >>
-                   rules.ws >> rules.textArg[noteText] >> rules.ws >>
-                   printTextOptions)[on.with("SetFileAsSource -> ", takeText)][on.end()] >>
-                  rules.ws;
+        command =
+            (rules.keyword("PRINT_TEXT")[on.begin("CmdPrintText_Begin: Begin -> ")] >> rules.ws >>
+             rules.textArg[noteText] >> rules.ws >>
+             printTextOptions)[on.with("SetFileAsSource -> ", Role::None, takeText)][on.end()] >>
+            rules.ws;
         printTextOptions = symbolsOption(rules, on);
     }
 

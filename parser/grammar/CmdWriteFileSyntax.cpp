@@ -57,29 +57,32 @@ struct WriteFileRules final : StatementRules {
     WriteFileRules(CommonRules& rules, ParserState& state) {
         const StatementActions<CmdWriteFile> on(state);
         command = (rules.keyword("WRITE_FILE")[on.begin("CmdWriteFile: Begin -> ")] >> rules.ws >>
-                   rules.textArg[on.text("SetFileName -> ", &CmdWriteFile::setFileName)] >>
+                   rules.textArg[on.text("SetFileName -> ", Role::OutputFile,
+                                         &CmdWriteFile::setFileName)] >>
                    writeBuffers >> writeOptions)[on.end()] >>
                   rules.ws;
-        writeBuffers =
-            rules.ws >> rules.keyword("WITH_BUFFERS") >> rules.ws >> rules.openBrace >>
-            *(rules.name[on.text("AddBufferToExportList -> ", &CmdWriteFile::addBuffer)] >>
-              rules.separator) >>
-            rules.closeBrace >> rules.ws;
+        writeBuffers = rules.ws >> rules.keyword("WITH_BUFFERS") >> rules.ws >> rules.openBrace >>
+                       *(rules.name[on.text("AddBufferToExportList -> ", Role::UsesImage,
+                                            &CmdWriteFile::addBuffer)] >>
+                         rules.separator) >>
+                       rules.closeBrace >> rules.ws;
         writeOptions = *(formatOption | skipUnwrittenOption | arrayNameOption | idOption |
                          executionAddressOption);
         arrayNameOption =
             rules.keyword("-setArrayName") >> rules.equals >>
             rules.expected("a name of C", (alpha_p | ch_p('_')) >> *(alnum_p | ch_p('_')))[on.text(
-                "SetArrayName -> ", &CmdWriteFile::setArrayName)] >>
+                "SetArrayName -> ", Role::Option, &CmdWriteFile::setArrayName)] >>
             rules.ws;
         idOption = ((rules.keyword("-setVendorId") >> rules.equals >>
-                     rules.value[on.number("SetVendorId -> ", &CmdWriteFile::setVendorId)]) |
+                     rules.notedValue[on.number("SetVendorId -> ", Role::Option,
+                                                &CmdWriteFile::setVendorId)]) |
                     (rules.keyword("-setProductId") >> rules.equals >>
-                     rules.value[on.number("SetProductId -> ", &CmdWriteFile::setProductId)])) >>
+                     rules.notedValue[on.number("SetProductId -> ", Role::Option,
+                                                &CmdWriteFile::setProductId)])) >>
                    rules.ws;
         skipUnwrittenOption =
             rules.keyword("-skipUnwritten")[on.with(
-                "SetSkipUnwritten -> ",
+                "SetSkipUnwritten -> ", Role::Gaps,
                 [](CmdWriteFile& write, std::string_view) { write.skipUnwritten(); })] >>
             rules.ws;
         formatOption = rules.keyword("-setFormat") >> rules.equals >>
@@ -87,10 +90,10 @@ struct WriteFileRules final : StatementRules {
         // A bare number is the execution address; the keyword takes a name, digits or not.
         executionAddressOption =
             ((rules.keyword("-setExecutionAddress") >> rules.equals >>
-              ((ch_p('.') | eps_p) >>
-               rules.name)[on.text("SetExecutionStartAddress -> ", &CmdWriteFile::setSection)]) |
-             rules.value[on.number("SetExecutionStartAddress -> ",
-                                   &CmdWriteFile::setExecutionStartAddress)]) >>
+              ((ch_p('.') | eps_p) >> rules.name)[on.text(
+                  "SetExecutionStartAddress -> ", Role::Section, &CmdWriteFile::setSection)]) |
+             rules.notedValue[on.number("SetExecutionStartAddress -> ", Role::Start,
+                                        &CmdWriteFile::setExecutionStartAddress)]) >>
             rules.ws;
     }
 
@@ -98,34 +101,38 @@ struct WriteFileRules final : StatementRules {
     std::vector<const Rule*> formatRules(CommonRules& rules, ParserState& state) {
         const StatementActions<CmdWriteFile> on(state);
         std::vector<const Rule*> alternatives;
+        std::uint32_t choice = 0;  // the row of the table
         for (const ExportFormat& format : CmdWriteFile::formats()) {
             const auto set = [&state, &format](CmdWriteFile& write, bool hasNumber) {
                 const std::uint32_t number = state.expression.currentValue();
                 write.setFormat(format, hasNumber ? std::optional(number) : std::nullopt);
             };
             const auto bare = on.with(
-                format.trace, [set](CmdWriteFile& write, std::string_view) { set(write, false); });
+                format.trace, Role::Format,
+                [set](CmdWriteFile& write, std::string_view) { set(write, false); }, choice);
             const auto numbered = on.with(
-                format.trace, [set](CmdWriteFile& write, std::string_view) { set(write, true); });
+                format.trace, Role::Format,
+                [set](CmdWriteFile& write, std::string_view) { set(write, true); }, choice);
             Rule& rule = formats.emplace_back();
             if (format.numberForm == FormatNumber::None)
                 rule = rules.keyword(format.keyword)[bare];
             else if (format.numberForm == FormatNumber::Required)
                 rule = rules.keyword(format.keyword) >> rules.expected("_", ch_p('_')) >>
-                       rules.value[numbered];
+                       rules.notedValue[numbered];
             else if (format.numberForm == FormatNumber::Family)
                 rule = rules.keyword(format.keyword) >> rules.expected("_", ch_p('_')) >>
-                       (FamilyName(
-                            state,
-                            family)[on.with(format.trace,
-                                            [this, &format](CmdWriteFile& write, std::string_view) {
-                                                write.setFormat(format, family);
-                                            })] |
-                        rules.value[numbered]);
+                       (FamilyName(state, family)[on.with(
+                            format.trace, Role::Format,
+                            [this, &format](CmdWriteFile& write, std::string_view) {
+                                write.setFormat(format, family);
+                            },
+                            choice)] |
+                        rules.notedValue[numbered]);
             else
-                rule = (rules.keyword(format.keyword) >> ch_p('_') >> rules.value[numbered]) |
+                rule = (rules.keyword(format.keyword) >> ch_p('_') >> rules.notedValue[numbered]) |
                        rules.keyword(format.keyword)[bare];
             alternatives.push_back(&rule);
+            ++choice;
         }
         return alternatives;
     }

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "parser/grammar/ParseObserver.hpp"
+#include "parser/grammar/Position.hpp"
 
 namespace Parser {
 

@@ -4,7 +4,7 @@
 
 #include "parser/grammar/Expectations.hpp"
 #include "parser/grammar/Expression.hpp"
-#include "parser/grammar/ParseObserver.hpp"
+#include "parser/grammar/Position.hpp"
 #include "parser/grammar/StatementBuilder.hpp"
 
 namespace Parser {

@@ -92,6 +92,9 @@ auto takingValue(ParserState& state, void (StatementBuilder::*take)(std::uint32_
 }
 
 void defineLists(CommonRules& rules, ParserState& state) {
+    rules.notedValue = rules.value[([&state](Position first, Position last) {
+        state.statement.noteValue(state.expression.currentValue(), first, last);
+    })];
     rules.listedValue = rules.value[takingValue(state, &StatementBuilder::collectValue)];
     rules.valueList =
         rules.openBrace >> *(rules.listedValue >> rules.separator) >> rules.closeBrace;
@@ -109,7 +112,7 @@ CommonRules::CommonRules(ParserState& state) : state_(&state) {
     defineLists(*this, state);
 }
 
-/// CALCULATE makes no statement: `ScriptParser::calculate` has its expression evaluated by it.
+/// CALCULATE makes no statement: `calculated` has its expression evaluated by it.
 ScriptRules::ScriptRules(ParserState& state) : CommonRules(state) {
     std::vector<const Rule*> alternatives;
     for (const StatementDefinition define : statementDefinitions) {

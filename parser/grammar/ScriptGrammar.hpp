@@ -93,6 +93,7 @@ struct CommonRules {
 
     Rule ws, openBrace, closeBrace, equals, separator, quote, name, textArg;
     Rule hexPrefix, number, expression, value, listedValue, valueList, area;
+    Rule notedValue;  ///< a value that is a part of a statement by itself
 
     /// The words that the rules compare a script with, in the order of their definition.
     std::vector<std::string_view> keywords;
@@ -198,8 +199,8 @@ private:
     Expectations* const* expectations_;
 };
 
-/// The actions of a statement of kind `Command`. Each appends its trace text and then does its
-/// work.
+/// The actions of a statement of kind `Command`. Each appends its trace text, notes what the
+/// matched text is to the statement, and then does its work.
 template <class Command>
 class StatementActions {
 public:
@@ -220,37 +221,43 @@ public:
     }
 
     /// Hands the matched text to a setter.
-    auto text(const char* traceText, void (Command::*setter)(std::string)) const {
-        return with(traceText, [setter](Command& command, std::string_view matched) {
+    auto text(const char* traceText, Role role, void (Command::*setter)(std::string),
+              std::uint32_t choice = 0) const {
+        const auto set = [setter](Command& command, std::string_view matched) {
             (command.*setter)(std::string(matched));
-        });
+        };
+        return with(traceText, role, set, choice);
     }
 
-    /// Hands a fixed value to a setter.
+    /// Hands a fixed value, the choice of the part, to a setter.
     template <class Value>
-    auto constant(const char* traceText, void (Command::*setter)(Value), Value value) const {
-        return with(traceText, [setter, value](Command& command, std::string_view) {
+    auto constant(const char* traceText, Role role, void (Command::*setter)(Value),
+                  Value value) const {
+        const auto set = [setter, value](Command& command, std::string_view) {
             (command.*setter)(value);
-        });
+        };
+        return with(traceText, role, set, static_cast<std::uint32_t>(value));
     }
 
     /// Hands the last number to a setter.
-    auto number(const char* traceText, void (Command::*setter)(std::uint32_t)) const {
-        return with(traceText, [state = state_, setter](Command& command, std::string_view) {
+    auto number(const char* traceText, Role role, void (Command::*setter)(std::uint32_t)) const {
+        return with(traceText, role, [state = state_, setter](Command& command, std::string_view) {
             (command.*setter)(state->expression.currentValue());
         });
     }
 
     /// Hands the last value list to a setter.
-    auto values(const char* traceText, void (Command::*setter)(std::vector<std::uint32_t>)) const {
-        return with(traceText, [state = state_, setter](Command& command, std::string_view) {
+    auto values(const char* traceText, Role role,
+                void (Command::*setter)(std::vector<std::uint32_t>)) const {
+        return with(traceText, role, [state = state_, setter](Command& command, std::string_view) {
             (command.*setter)(state->statement.takeCollectedValues());
         });
     }
 
     /// Hands the last area to a setter.
-    auto area(const char* traceText, void (Command::*setter)(const Buffer::Area&)) const {
-        return with(traceText, [state = state_, setter](Command& command, std::string_view) {
+    auto area(const char* traceText, Role role,
+              void (Command::*setter)(const Buffer::Area&)) const {
+        return with(traceText, role, [state = state_, setter](Command& command, std::string_view) {
             (command.*setter)(state->statement.area());
         });
     }
@@ -259,19 +266,19 @@ public:
     ///
     /// @param matched  where KeywordOf leaves the row
     template <class Row>
-    auto row(const Row* const& matched, void (Command::*setter)(const Row&)) const {
-        return [state = state_, &matched, setter](Position first, Position last) {
-            state->statement.step(matched->trace, first, last);
-            (state->statement.current<Command>().*setter)(*matched);
+    auto row(const Row* const& matched, Role role, void (Command::*setter)(const Row&)) const {
+        return [state = state_, &matched, role, setter](Position first, Position last) {
+            state->statement.step(matched->trace, role, first, last);
+            (state->statement.command<Command>().*setter)(*matched);
         };
     }
 
     /// Lets `work` do something with the command and the matched text.
     template <class Work>
-    auto with(const char* traceText, Work work) const {
-        return [state = state_, traceText, work](Position first, Position last) {
-            state->statement.step(traceText, first, last);
-            work(state->statement.current<Command>(),
+    auto with(const char* traceText, Role role, Work work, std::uint32_t choice = 0) const {
+        return [state = state_, traceText, role, work, choice](Position first, Position last) {
+            state->statement.step(traceText, role, first, last, choice);
+            work(state->statement.command<Command>(),
                  std::string_view(first, static_cast<std::size_t>(last - first)));
         };
     }
@@ -284,7 +291,8 @@ private:
 template <class Command>
 auto areasOption(CommonRules& rules, const StatementActions<Command>& on) {
     return rules.keyword("-useAreas") >> rules.equals >> rules.openBrace >>
-           *(rules.area[on.area("AddArea -> ", &Command::addArea)] >> rules.separator) >>
+           *(rules.area[on.area("AddArea -> ", Role::Area, &Command::addArea)] >>
+             rules.separator) >>
            rules.closeBrace >> rules.ws;
 }
 
@@ -293,21 +301,24 @@ template <class Command>
 auto byteOrderOption(CommonRules& rules, const StatementActions<Command>& on) {
     using Buffer::ByteOrder;
     return rules.keyword("-setByteOrder") >> rules.equals >>
-           (rules.keyword("LittleEndian")[on.constant(
-                "SetByteOrder_LittleEndian -> ", &Command::setByteOrder, ByteOrder::LittleEndian)] |
-            rules.keyword("BigEndian")[on.constant(
-                "SetByteOrder_BigEndian -> ", &Command::setByteOrder, ByteOrder::BigEndian)]) >>
+           (rules.keyword(
+                "LittleEndian")[on.constant("SetByteOrder_LittleEndian -> ", Role::ByteOrder,
+                                            &Command::setByteOrder, ByteOrder::LittleEndian)] |
+            rules.keyword(
+                "BigEndian")[on.constant("SetByteOrder_BigEndian -> ", Role::ByteOrder,
+                                         &Command::setByteOrder, ByteOrder::BigEndian)]) >>
            rules.ws;
 }
 
 /// [-resolveSymbolsAsHexValue = { name ... }] ...
 template <class Command>
 auto symbolsOption(CommonRules& rules, const StatementActions<Command>& on) {
-    return rules.ws >> *(rules.keyword("-resolveSymbolsAsHexValue") >> rules.equals >> rules.ws >>
-                         rules.openBrace >>
-                         *(rules.name[on.text("AddResolveSymbolName -> ", &Command::addSymbol)] >>
-                           rules.separator) >>
-                         rules.closeBrace) >>
+    return rules.ws >>
+           *(rules.keyword("-resolveSymbolsAsHexValue") >> rules.equals >> rules.ws >>
+             rules.openBrace >> *(rules.name[on.text("AddResolveSymbolName -> ", Role::UsesValue,
+                                                     &Command::addSymbol)] >>
+                                  rules.separator) >>
+             rules.closeBrace) >>
            rules.ws;
 }
 
@@ -316,8 +327,10 @@ template <class Command>
 auto buffersSource(CommonRules& rules, const StatementActions<Command>& on, const char* traceText,
                    void (Command::*setter)(std::string)) {
     return (rules.keyword("FROM_BUFFERS") >> rules.ws >> rules.openBrace >>
-            *(rules.name[on.text(traceText, setter)] >> rules.separator) >> rules.closeBrace) |
-           (rules.keyword("FROM_BUFFER") >> rules.ws >> rules.name[on.text(traceText, setter)]);
+            *(rules.name[on.text(traceText, Role::UsesImage, setter)] >> rules.separator) >>
+            rules.closeBrace) |
+           (rules.keyword("FROM_BUFFER") >> rules.ws >>
+            rules.name[on.text(traceText, Role::UsesImage, setter)]);
 }
 
 }  // namespace Parser

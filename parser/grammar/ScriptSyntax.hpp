@@ -28,6 +28,7 @@ public:
     std::size_t parse(std::string_view text);
 
     ParserState& state() { return state_; }
+    const ParserState& state() const { return state_; }
 
     /// The first words of all statements.
     const std::vector<std::string_view>& statementKeywords() const;

@@ -11,7 +11,8 @@
 
 #include "parser/commands/CmdApi.hpp"
 #include "parser/commands/CmdPrintText.hpp"
-#include "parser/grammar/ParseObserver.hpp"
+#include "parser/grammar/Position.hpp"
+#include "parser/grammar/Statement.hpp"
 
 namespace Parser {
 
@@ -32,7 +33,8 @@ public:
     template <class Command>
     void begin(const char* traceText, Position first, Position last) {
         reset();
-        step(traceText, first, last);
+        if (keepsStatements_) current_ = {};
+        step(traceText, Role::Keyword, first, last);
         if constexpr (std::is_constructible_v<Command, WrapperLib::TextCalculator>)
             currentCmd_ = std::make_unique<Command>(calculator_);
         else
@@ -42,31 +44,39 @@ public:
     /// Finishes the statement [`first`, `last`) and queues it.
     void end(Position first, Position last);
 
-    /// Shows each step to `observer`, or to nobody if it is null.
-    void setObserver(ParseObserver* observer) { observer_ = observer; }
+    /// Keeps what the statements of later parses say, for a front end that asks.
+    void keepStatements() { keepsStatements_ = true; }
 
-    /// Notes that an action ran on the text [`first`, `last`).
-    void step(const char* traceText, Position first, Position last) {
+    /// What each of `commands` says, if that is kept.
+    const std::vector<Statement>& statements() const { return statements_; }
+
+    /// As much of the statement that began last as was read, if that is kept.
+    const Statement& current() const { return current_; }
+
+    /// Notes that an action ran on the text [`first`, `last`), and what that is to the statement.
+    void step(const char* traceText, Role role, Position first, Position last,
+              std::uint32_t choice = 0) {
         lastTokens_ += traceText;
-        if (observer_ != nullptr) observer_->onStep(traceText, first, last);
+        if (keepsStatements_ && role != Role::None) addPart(role, choice, first, last);
     }
 
     /// The statement being parsed, which is of kind `Command`.
     template <class Command>
-    Command& current() {
+    Command& command() {
         return static_cast<Command&>(*currentCmd_);
     }
 
     /// Notes the text argument of a PRINT_TEXT, which has no trace text.
     void setText(Position first, Position last) {
         currentText_.assign(first, last);
-        step("", first, last);
+        step("", Role::Text, first, last);
     }
     const std::string& text() const { return currentText_; }
 
-    /// Shows the number that the text [`first`, `last`) means.
-    void noteValue(std::uint32_t value, Position first, Position last) const {
-        if (observer_ != nullptr) observer_->onValue(value, first, last);
+    /// Notes the number that the text [`first`, `last`) means, for the part that comes next.
+    void noteValue(std::uint32_t value, Position first, Position last) {
+        if (keepsStatements_)
+            current_.numbers.push_back({value, {first, static_cast<std::size_t>(last - first)}});
     }
 
     void collectValue(std::uint32_t value) { valueCollection_.push_back(value); }
@@ -90,8 +100,12 @@ public:
     const std::string& lastTokens() const { return lastTokens_; }
 
 private:
+    void addPart(Role role, std::uint32_t choice, Position first, Position last);
+
     WrapperLib::TextCalculator calculator_;
-    ParseObserver* observer_ = nullptr;
+    bool keepsStatements_ = false;
+    std::vector<Statement> statements_;
+    Statement current_;
     std::unique_ptr<WrapperLib::CmdApi> currentCmd_;
     std::deque<std::unique_ptr<WrapperLib::CmdApi>> commands_;
     std::string currentText_;

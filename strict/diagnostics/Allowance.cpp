@@ -5,13 +5,13 @@
 namespace Strict {
 
 bool Allowance::admits(const Diagnostic& diagnostic) {
-    if (!diagnostic.kind) return true;
-    std::uint64_t& shown = shown_[*diagnostic.kind];
+    if (!diagnostic.kind && !diagnostic.place) return true;
+    std::uint64_t& shown = shown_[diagnostic.kind];
     if (shown < perKind + (diagnostic.count > 1 ? 1 : 0)) {
         ++shown;
         return true;
     }
-    rest_[*diagnostic.kind] += diagnostic.count;
+    rest_[diagnostic.kind] += diagnostic.count;
     return false;
 }
 
@@ -20,8 +20,8 @@ std::string Allowance::restText() const {
     for (const auto& [kind, count] : rest_)
         text.append(text.empty() ? "not shown: " : ", ")
             .append(Inspect::grouped(count))
-            .append(" more of ")
-            .append(nameOf(kind));
+            .append(" more ")
+            .append(kind ? std::string("of ") + nameOf(*kind) : "notes");
     return text;
 }
 

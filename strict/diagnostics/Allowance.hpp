@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "strict/diagnostics/Diagnostic.hpp"
@@ -13,8 +14,10 @@ namespace Strict {
 /// that a person can use, and a damaged file has millions.
 class Allowance {
 public:
+    using Counts = std::map<std::optional<Kind>, std::uint64_t>;
+
     /// Diagnostics of each kind that are shown, and one after them if it sums up the rest of a file
-    /// that has so many. A note without a kind always is.
+    /// that has so many. A note that has no place, since it is about the run, always is.
     static constexpr std::size_t perKind = 20;
 
     /// True if the diagnostic is shown; counts it if not.
@@ -23,15 +26,15 @@ public:
     /// Counts more of a kind, which are not shown.
     void countMore(Kind kind, std::uint64_t count) { rest_[kind] += count; }
 
-    /// How many of which kind were not shown, in the order of the kinds.
-    const std::map<Kind, std::uint64_t>& rest() const { return rest_; }
+    /// How many of which kind, or notes, were not shown, in the order of the kinds.
+    const Counts& rest() const { return rest_; }
 
     /// The same in words, "not shown: 3 more of conflict, 1,980 more of overlap", or nothing.
     std::string restText() const;
 
 private:
-    std::map<Kind, std::uint64_t> shown_;
-    std::map<Kind, std::uint64_t> rest_;
+    Counts shown_;
+    Counts rest_;
 };
 
 }  // namespace Strict

@@ -78,7 +78,8 @@ void Printer::finish() {
         return;
     }
     nlohmann::ordered_json json{{"severity", wordFor(Severity::Note)}, {"text", rest}};
-    for (const auto& [kind, count] : allowance_.rest()) json["notShown"][nameOf(kind)] = count;
+    for (const auto& [kind, count] : allowance_.rest())
+        json["notShown"][kind ? nameOf(*kind) : "note"] = count;
     *out_ << lineOf(json) << std::flush;
 }
 

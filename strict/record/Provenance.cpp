@@ -10,7 +10,6 @@
 #include "facts/Listener.hpp"
 #include "inspect/Image.hpp"
 #include "inspect/Words.hpp"
-#include "parser/commands/CmdFillBuffer.hpp"
 #include "util/Hex.hpp"
 
 namespace Strict {
@@ -22,13 +21,10 @@ using Buffer::MemoryBuffer;
 using Buffer::Overlap;
 using Buffer::OverlapRule;
 using Io::Import::TessaronImportApi;
+using Parser::Role;
 
 /// Ranges that are reported one by one; of the others only the number is.
 constexpr std::size_t mostReported = 20;
-
-const std::vector<std::string_view> inputFile{"SetFileAsSource -> ", "SetRawFileAsSource -> ",
-                                              "SetElfFileAsSource -> ", "SetUf2FileAsSource -> ",
-                                              "SetTiTxtFileAsSource -> "};
 
 std::string range(const Area& area) {
     return (area.length == 1 ? "at " : "from ") + Inspect::rangeText(area);
@@ -65,10 +61,7 @@ std::string firstDifferences(const MemoryBuffer& earlier, const MemoryBuffer& la
 
 }  // namespace
 
-void Provenance::enter(const CmdApi& statement) {
-    making_ = dynamic_cast<const CmdNewBuffer*>(&statement);
-    const auto* const fill = dynamic_cast<const CmdFillBuffer*>(&statement);
-    filling_ = fill == nullptr ? "" : fill->bufferName();
+void Provenance::enter() {
     statement_.reset();
     current_ = {};
 }
@@ -77,54 +70,56 @@ void Provenance::enter(const CmdApi& statement) {
 std::size_t Provenance::thisStatement() {
     if (!statement_) {
         statement_ = sources_.size();
-        sources_.push_back({"", 0, 0, listener_->statementPlace()});
+        sources_.push_back({"", 0, 0, reports_->statementPlace()});
     }
     return *statement_;
 }
 
-OriginMap Provenance::originsIn(const TessaronImportApi& reader) {
+OriginMap Provenance::originsIn(const CmdNewBuffer& statement, const TessaronImportApi& reader) {
     std::vector<Io::Import::SourceRun> runs = reader.getSourceRuns();
     if (runs.empty())
         for (const Area& area : reader.getDataAreas()) runs.push_back({area, 0, 0});
     // Of several sources the one that is set last counts.
-    if (making_->overlapRule() == OverlapRule::First) std::ranges::reverse(runs);
+    if (statement.overlapRule() == OverlapRule::First) std::ranges::reverse(runs);
     OriginMap all;
     for (const auto& run : runs) {
         all.set(run.area, sources_.size());
         sources_.push_back(
-            {making_->fileName(), run.firstLine, run.lastLine, listener_->statementPlace()});
+            {statement.fileName(), run.firstLine, run.lastLine, reports_->statementPlace()});
     }
     return all;
 }
 
-void Provenance::onRead(const TessaronImportApi& reader, const Area& range) {
-    const OriginMap all = originsIn(reader);
+void Provenance::onRead(const CmdNewBuffer& statement, const TessaronImportApi& reader,
+                        const Area& range) {
+    const OriginMap all = originsIn(statement, reader);
     AreaList areas;
     for (const auto& [start, entry] : all.ranges()) areas.push_back(entry.area);
-    inputs_.push_back({making_->fileName(), making_->isRawFile(), std::move(areas),
-                       listener_->statementPlace().line});
-    if (making_->areas().empty()) current_.written.lay(all, range);
-    for (const Area& area : making_->areas())
+    inputs_.push_back({statement.fileName(), statement.isRawFile(), std::move(areas),
+                       reports_->statementPlace().line});
+    if (statement.areas().empty()) current_.written.lay(all, range);
+    for (const Area& area : statement.areas())
         if (const auto part = area.clippedTo(range)) current_.written.lay(all, *part);
     if (reader.hasStartAddress()) current_.startAddress = reader.getStartAddress();
-    const std::string& file = making_->fileName();
+    const std::string& file = statement.fileName();
     if (all.empty()) {
-        listener_->report(Kind::EmptyImage, file + " has no data", inputFile);
+        reports_->report(Kind::EmptyImage, file + " has no data", {Role::InputFile});
     } else if (current_.written.empty()) {
         const auto& first = all.ranges().begin()->second.area;
         const auto& last = all.ranges().rbegin()->second.area;
-        listener_->report(Kind::EmptyImage,
-                          "nothing of the " + Inspect::countText(all.size(), "byte") + " of " +
-                              file + ", which are " +
-                              Strict::range({first.start, last.end() - first.start}) +
-                              ", lies where the image is",
-                          inputFile);
+        reports_->report(Kind::EmptyImage,
+                         "nothing of the " + Inspect::countText(all.size(), "byte") + " of " +
+                             file + ", which are " +
+                             Strict::range({first.start, last.end() - first.start}) +
+                             ", lies where the image is",
+                         {Role::InputFile});
     } else {
-        reportCropped(all, current_.written);
+        reportCropped(file, all, current_.written);
     }
 }
 
-void Provenance::reportCropped(const OriginMap& all, const OriginMap& kept) {
+void Provenance::reportCropped(const std::string& file, const OriginMap& all,
+                               const OriginMap& kept) {
     AreaList cropped;
     for (const auto& [start, entry] : all.ranges())
         for (const Area& area : uncovered(entry.area, kept, {})) {
@@ -134,23 +129,23 @@ void Provenance::reportCropped(const OriginMap& all, const OriginMap& kept) {
                 cropped.push_back(area);
         }
     if (cropped.empty()) return;
-    listener_->report(Kind::Cropped,
-                      Inspect::countText(Inspect::byteCount(cropped), "byte") + " of " +
-                          making_->fileName() + " are left out: " + list(cropped),
-                      inputFile);
+    reports_->report(Kind::Cropped,
+                     Inspect::countText(Inspect::byteCount(cropped), "byte") + " of " + file +
+                         " are left out: " + list(cropped),
+                     {Role::InputFile});
 }
 
-void Provenance::onOverlay(const MemoryBuffer& image, const std::string& name,
-                           const MemoryBuffer& part) {
+void Provenance::onOverlay(const CmdNewBuffer& statement, const MemoryBuffer& image,
+                           const std::string& name, const MemoryBuffer& part) {
     const Image& source = images_[name];
-    const bool isFirst = making_->overlapRule() == OverlapRule::First;
-    if (making_->overlapRule() == OverlapRule::NotSet) {
+    const bool isFirst = statement.overlapRule() == OverlapRule::First;
+    if (statement.overlapRule() == OverlapRule::NotSet) {
         reportOverlaps(image, name, part);
         reportWiped(image, name, part);
     }
     const auto common = part.getArea().clippedTo(image.getArea());
     if (!common || part.getDataLength() == 0 || image.getDataLength() == 0) return;
-    if (making_->overlapRule() == OverlapRule::NotSet) {
+    if (statement.overlapRule() == OverlapRule::NotSet) {
         current_.written.erase(*common);
         current_.fillers.erase(*common);
     }
@@ -213,11 +208,11 @@ void Provenance::reportOverlaps(const MemoryBuffer& image, const std::string& na
                 .append(firstDifferences(image, part, overlap));
         else
             text.append(" has the same ").append(where).append(" as the images before it");
-        listener_->reportName(isConflict ? Kind::Conflict : Kind::Overlap, name, std::move(text),
-                              "-onOverlap= says which byte counts", std::move(notes));
+        reports_->reportName(isConflict ? Kind::Conflict : Kind::Overlap, name, std::move(text),
+                             "-onOverlap= says which byte counts", std::move(notes));
     }
     if (found.size() > mostReported)
-        listener_->reportName(
+        reports_->reportName(
             std::ranges::any_of(found, [](const Overlap& o) { return o.differences != 0; })
                 ? Kind::Conflict
                 : Kind::Overlap,
@@ -230,7 +225,7 @@ void Provenance::reportWiped(const MemoryBuffer& image, const std::string& name,
                              const MemoryBuffer& part) const {
     const AreaList wiped = Buffer::wipedAreas(image, part);
     if (wiped.empty()) return;
-    listener_->reportName(
+    reports_->reportName(
         Kind::Wiped, name,
         "addresses that " + name + " did not write replace " +
             Inspect::countText(Inspect::byteCount(wiped), "byte") +
@@ -239,13 +234,13 @@ void Provenance::reportWiped(const MemoryBuffer& image, const std::string& name,
         {originNote("the first of them comes from", current_.written, wiped.front().start)});
 }
 
-void Provenance::onWrite(const MemoryBuffer& /*image*/, const Area& area) {
-    OriginMap& written = making_ != nullptr ? current_.written : images_[filling_].written;
+void Provenance::onWrite(const std::string& name, const Area& area) {
+    OriginMap& written = name.empty() ? current_.written : images_[name].written;
     written.set(area, thisStatement());
 }
 
-void Provenance::onFill(const MemoryBuffer& /*image*/, const Area& area) {
-    images_[filling_].fillers.set(area, thisStatement());
+void Provenance::onFill(const std::string& name, const Area& area) {
+    images_[name].fillers.set(area, thisStatement());
 }
 
 void Provenance::onMade(const std::string& name, const MemoryBuffer& /*image*/,
@@ -256,8 +251,9 @@ void Provenance::onMade(const std::string& name, const MemoryBuffer& /*image*/,
     current_ = {};
 }
 
-void Provenance::checkCovered(const CmdNewValue& statement, const CmdContext& context) const {
-    for (const std::string& name : statement.fromBuffers()) {
+void Provenance::checkCovered(const Parser::Statement& statement, const CmdContext& context) const {
+    for (const Parser::Part& part : statement.all(Role::UsesImage)) {
+        const std::string name(part.text);
         const auto image = context.buffers.find(name);
         const auto origins = images_.find(name);
         if (image == context.buffers.end() || origins == images_.end()) continue;
@@ -271,7 +267,7 @@ void Provenance::checkCovered(const CmdNewValue& statement, const CmdContext& co
             gaps.insert(gaps.end(), found.begin(), found.end());
         }
         if (gaps.empty()) continue;
-        listener_->reportName(
+        reports_->reportName(
             Kind::Unwritten, name,
             "nothing gave a byte to " + Inspect::grouped(Inspect::byteCount(gaps)) +
                 " of the addresses that are covered: " + list(gaps),

@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "parser/commands/CmdNewBuffer.hpp"
-#include "parser/commands/CmdNewValue.hpp"
 #include "parser/commands/ImageObserver.hpp"
+#include "parser/grammar/Statement.hpp"
 #include "strict/record/OriginMap.hpp"
-#include "strict/script/RunListener.hpp"
+#include "strict/script/StatementReports.hpp"
 
 namespace Strict {
 
@@ -44,32 +44,35 @@ public:
     };
 
     /// @param reading  reads an input file once more, if a line of it is to be named
-    Provenance(RunListener& listener, const Io::Import::InputReading& reading)
-        : listener_(&listener), reading_(&reading) {}
+    Provenance(StatementReports& reports, const Io::Import::InputReading& reading)
+        : reports_(&reports), reading_(&reading) {}
 
     /// A statement is about to run.
-    void enter(const Parser::WrapperLib::CmdApi& statement);
+    void enter();
 
     /// Reports the addresses without a byte or a filler that a CRC or hash is going to cover.
-    void checkCovered(const Parser::WrapperLib::CmdNewValue& statement,
+    void checkCovered(const Parser::Statement& statement,
                       const Parser::WrapperLib::CmdContext& context) const;
 
     const std::map<std::string, Image>& images() const { return images_; }
     const std::vector<Source>& sources() const { return sources_; }
     const std::vector<Input>& inputs() const { return inputs_; }
 
-    void onRead(const Io::Import::TessaronImportApi& reader, const Buffer::Area& range) override;
-    void onOverlay(const Buffer::MemoryBuffer& image, const std::string& name,
+    void onRead(const Parser::WrapperLib::CmdNewBuffer& statement,
+                const Io::Import::TessaronImportApi& reader, const Buffer::Area& range) override;
+    void onOverlay(const Parser::WrapperLib::CmdNewBuffer& statement,
+                   const Buffer::MemoryBuffer& image, const std::string& name,
                    const Buffer::MemoryBuffer& part) override;
-    void onWrite(const Buffer::MemoryBuffer& image, const Buffer::Area& area) override;
-    void onFill(const Buffer::MemoryBuffer& image, const Buffer::Area& area) override;
+    void onWrite(const std::string& name, const Buffer::Area& area) override;
+    void onFill(const std::string& name, const Buffer::Area& area) override;
     void onMade(const std::string& name, const Buffer::MemoryBuffer& image,
                 std::uint64_t distance) override;
 
 private:
     std::size_t thisStatement();
-    OriginMap originsIn(const Io::Import::TessaronImportApi& reader);
-    void reportCropped(const OriginMap& all, const OriginMap& kept);
+    OriginMap originsIn(const Parser::WrapperLib::CmdNewBuffer& statement,
+                        const Io::Import::TessaronImportApi& reader);
+    void reportCropped(const std::string& file, const OriginMap& all, const OriginMap& kept);
     void reportOverlaps(const Buffer::MemoryBuffer& image, const std::string& name,
                         const Buffer::MemoryBuffer& part) const;
     void reportWiped(const Buffer::MemoryBuffer& image, const std::string& name,
@@ -77,10 +80,8 @@ private:
     std::uint64_t lineOf(const Source& source, std::uint64_t address) const;
     Note originNote(const char* what, const OriginMap& origins, std::uint64_t address) const;
 
-    RunListener* listener_;
+    StatementReports* reports_;
     const Io::Import::InputReading* reading_;
-    const Parser::WrapperLib::CmdNewBuffer* making_ = nullptr;
-    std::string filling_;                   ///< the image of the FILL_BUFFER that runs
     std::optional<std::size_t> statement_;  ///< the source that the statement is, once needed
     Image current_;                         ///< the image that is being made
     std::map<std::string, Image> images_;

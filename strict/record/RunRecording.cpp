@@ -1,6 +1,7 @@
 #include "strict/record/RunRecording.hpp"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <set>
 #include <string_view>
@@ -8,10 +9,8 @@
 
 #include "inspect/LineRuns.hpp"
 #include "io/File.hpp"
-#include "parser/commands/CmdFillBuffer.hpp"
-#include "parser/commands/CmdNewBuffer.hpp"
-#include "parser/commands/CmdNewValue.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
+#include "parser/commands/Conventions.hpp"
 #include "platform/Paths.hpp"
 #include "util/Hex.hpp"
 
@@ -22,6 +21,9 @@ namespace {
 using namespace Parser::WrapperLib;
 using Inspect::MapKind;
 using Inspect::OriginRange;
+using Parser::Part;
+using Parser::Role;
+using Parser::Statement;
 
 class Recorder {
 public:
@@ -34,15 +36,14 @@ public:
         record_.scriptSha256 = isFile ? digestOfFile(ran_->scriptPath).sha256
                                       : Inspect::sha256Of(ran_->script->written());
         addInputs();
-        for (std::size_t i = 0; i < ran_->statements->size(); ++i) addStatement(i);
+        for (const Statement& statement : *ran_->statements) addStatement(statement);
         addVariables();
         return std::move(record_);
     }
 
 private:
-    std::size_t lineOf(std::size_t statement) const {
-        const ScriptCheck::Range& range = (*ran_->ranges)[statement];
-        return ran_->script->placeOf(range.first, range.last).line;
+    std::size_t lineOf(const Statement& statement) const {
+        return ran_->script->placeOf(statement.text).line;
     }
 
     /// A value that names a file of the run is a path.
@@ -78,16 +79,22 @@ private:
         }
     }
 
-    void addStatement(std::size_t number) {
-        const CmdApi* const statement = (*ran_->statements)[number].get();
-        if (const auto* const image = dynamic_cast<const CmdNewBuffer*>(statement))
-            addImage(image->bufferName());
-        else if (const auto* const value = dynamic_cast<const CmdNewValue*>(statement))
-            addValue(*value, lineOf(number));
-        else if (const auto* const fill = dynamic_cast<const CmdFillBuffer*>(statement))
-            addPlaces(*fill, lineOf(number));
-        else if (const auto* const file = dynamic_cast<const CmdWriteFile*>(statement))
-            addOutput(*file, lineOf(number));
+    /// The keyword of the format that counts.
+    static std::string formatOf(const Statement& statement) {
+        const Part* const format = statement.last(Role::Format);
+        return format == nullptr ? CmdWriteFile::usualFormat()
+                                 : CmdWriteFile::formats()[format->choice].keyword;
+    }
+
+    void addStatement(const Statement& statement) {
+        if (const Part* const image = statement.last(Role::MakesImage))
+            addImage(std::string(image->text));
+        if (const Part* const crc = statement.last(Role::MakesCrc))
+            addValue(std::string(crc->text), true, statement);
+        if (const Part* const hash = statement.last(Role::MakesHash))
+            addValue(std::string(hash->text), false, statement);
+        if (statement.has(Role::ChangesImage)) addPlaces(statement);
+        if (statement.has(Role::OutputFile)) addOutput(statement);
     }
 
     void addImage(const std::string& name) {
@@ -158,42 +165,46 @@ private:
         }
     }
 
-    void addValue(const CmdNewValue& statement, std::size_t line) {
-        const bool isCrc = statement.getCmdType() == static_cast<std::uint32_t>(CmdType::NewCrc);
+    void addValue(const std::string& name, bool isCrc, const Statement& statement) {
         const auto& values = isCrc ? ran_->context->crcs : ran_->context->hashes;
-        const auto value = values.find(statement.name());
+        const auto value = values.find(name);
         if (value == values.end()) return;
         ByteList bytes = value->second;
         if (isCrc) std::ranges::reverse(bytes);
-        Inspect::ValueRecord entry{statement.name(), isCrc ? "crc" : "hash", "", line, {}};
+        Inspect::ValueRecord entry{name, isCrc ? "crc" : "hash", "", lineOf(statement), {}};
         Util::appendHex(entry.bytes, bytes);
         record_.values.push_back(std::move(entry));
     }
 
-    void addPlaces(const CmdFillBuffer& statement, std::size_t line) {
+    void addPlaces(const Statement& statement) {
+        constexpr std::array values{Role::UsesCrc, Role::UsesHash};
+        const Part* const stored = statement.last(values);
+        if (stored == nullptr) return;
+        const std::string name(statement.textOf(Role::ChangesImage));
         const auto value =
-            std::ranges::find(record_.values, statement.valueName(), &Inspect::ValueRecord::name);
-        const auto image = ran_->context->buffers.find(statement.bufferName());
+            std::ranges::find(record_.values, stored->text, &Inspect::ValueRecord::name);
+        const auto image = ran_->context->buffers.find(name);
         if (value == record_.values.end() || image == ran_->context->buffers.end()) return;
         AreaList areas = statement.areas();
         if (areas.empty()) areas.push_back(image->second.getArea());
-        for (const Area& area : areas)
-            value->places.push_back({statement.bufferName(), area, line});
+        const std::size_t line = lineOf(statement);
+        for (const Area& area : areas) value->places.push_back({name, area, line});
     }
 
-    void addOutput(const CmdWriteFile& statement, std::size_t line) {
-        const std::string path = Platform::portablePath(statement.fileName());
+    void addOutput(const Statement& statement) {
+        const std::string name = cleanedPath(std::string(statement.textOf(Role::OutputFile)));
+        const std::string path = Platform::portablePath(name);
         // A later statement replaces what an earlier one wrote.
         std::erase_if(record_.outputs, [&](const auto& other) { return other.path == path; });
         Inspect::FileRecord file;
         file.path = path;
-        file.format = statement.formatKeyword();
-        file.images = statement.bufferNames();
-        file.line = line;
-        if (!digests_.contains(statement.fileName()))
-            digests_[statement.fileName()] = ran_->files->outputDigest(statement.fileName());
-        file.size = digests_[statement.fileName()].size;
-        file.sha256 = digests_[statement.fileName()].sha256;
+        file.format = formatOf(statement);
+        for (const Part& image : statement.all(Role::UsesImage))
+            file.images.emplace_back(image.text);
+        file.line = lineOf(statement);
+        if (!digests_.contains(name)) digests_[name] = ran_->files->outputDigest(name);
+        file.size = digests_[name].size;
+        file.sha256 = digests_[name].sha256;
         record_.outputs.push_back(std::move(file));
     }
 

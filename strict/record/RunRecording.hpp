@@ -1,16 +1,14 @@
 #pragma once
 
-#include <deque>
 #include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "inspect/RunRecord.hpp"
-#include "parser/commands/CmdApi.hpp"
+#include "parser/commands/CmdContext.hpp"
+#include "parser/grammar/Statement.hpp"
 #include "strict/files/OutputSet.hpp"
 #include "strict/record/Provenance.hpp"
-#include "strict/script/ScriptCheck.hpp"
 #include "strict/script/ScriptText.hpp"
 
 namespace Strict {
@@ -20,8 +18,7 @@ struct Ran {
     std::string scriptPath;                               ///< empty for a script that is in no file
     const std::map<std::string, std::string>* variables;  ///< of the command line
     const ScriptText* script;
-    const std::deque<std::unique_ptr<Parser::WrapperLib::CmdApi>>* statements;
-    const std::vector<ScriptCheck::Range>* ranges;  ///< of the statements, in the prepared text
+    const std::vector<Parser::Statement>* statements;
     const Parser::WrapperLib::CmdContext* context;
     const Provenance* provenance;
     OutputSet* files;  ///< which keeps digests

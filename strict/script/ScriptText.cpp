@@ -25,6 +25,21 @@ bool isContinuation(char c) {
 
 }  // namespace
 
+const char* wideEncodingOf(std::string_view text) {
+    using namespace std::string_view_literals;
+    const auto hasZeros = [text](std::size_t from, std::size_t count) {
+        const std::string_view part = text.substr(std::min(from, text.size()), count);
+        return part.size() == count && part.find_first_not_of('\0') == std::string_view::npos;
+    };
+    if (text.starts_with("\xFF\xFE\0\0"sv) || text.starts_with("\0\0\xFE\xFF"sv) ||
+        hasZeros(0, 3) || hasZeros(1, 3))
+        return "UTF-32";
+    if (text.starts_with("\xFF\xFE"sv) || text.starts_with("\xFE\xFF"sv) ||
+        (hasZeros(0, 1) && hasZeros(2, 1)) || (hasZeros(1, 1) && hasZeros(3, 1)))
+        return "UTF-16";
+    return nullptr;
+}
+
 ScriptText::ScriptText(std::string file, std::string written,
                        const std::map<std::string, std::string>& variables)
     : file_(std::move(file)), written_(std::move(written)), prepared_(written_) {

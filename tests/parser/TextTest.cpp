@@ -83,7 +83,7 @@ TEST(TextTest, OneBracketIsCalculatedWithTheCharacterBeforeIt) {
              {"[1] [2]", "[1] [2]"},
              {"x [-1]", "x [-1]"},
          })
-        EXPECT_EQ(Parser::ScriptParser::calculated(row.text), row.calculated) << row.text;
+        EXPECT_EQ(Parser::calculated(row.text), row.calculated) << row.text;
 }
 
 }  // namespace

@@ -13,24 +13,13 @@ namespace {
 using Strict::Arithmetic;
 
 /// The value that the parser gives to an expression.
-class ParsedValue final : public Parser::ParseObserver {
-public:
-    explicit ParsedValue(const std::string& expression) {
-        const std::string statement = "NEW_BUFFER a FROM_VALUES {" + expression + "}";
-        Parser::ScriptSyntax syntax(nullptr);
-        syntax.state().statement.setObserver(this);
-        EXPECT_EQ(syntax.parse(statement), statement.size()) << statement;
-    }
-    void onStep(const char*, Parser::Position, Parser::Position) override {}
-    void onStatement(Parser::Position, Parser::Position) override {}
-    void onValue(std::uint32_t value, Parser::Position, Parser::Position) override {
-        value_ = value;
-    }
-    std::uint32_t value() const { return value_; }
-
-private:
-    std::uint32_t value_ = 0;
-};
+std::uint32_t parsedValue(const std::string& expression) {
+    const std::string statement = "NEW_BUFFER a FROM_VALUES {" + expression + "}";
+    Parser::ScriptSyntax syntax(nullptr);
+    syntax.state().statement.keepStatements();
+    EXPECT_EQ(syntax.parse(statement), statement.size()) << statement;
+    return syntax.state().statement.statements().at(0).numbers.at(0).value;
+}
 
 class RandomExpressions {
 public:
@@ -61,7 +50,7 @@ TEST(ArithmeticTest, GivesTheLanguagesValueToAnyExpression) {
     RandomExpressions random;
     for (int i = 0; i < 2000; ++i) {
         const std::string text = random.expression(3);
-        ASSERT_EQ(Arithmetic(text).language(), ParsedValue(text).value()) << text;
+        ASSERT_EQ(Arithmetic(text).language(), parsedValue(text)) << text;
     }
 }
 

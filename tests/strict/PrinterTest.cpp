@@ -61,8 +61,24 @@ TEST(PrinterTest, TheSumOfAFilesOthersIsPrintedOnce) {
     }
     printer.finish();
     EXPECT_EQ(linesOf(out.str()), most + 2);
-    EXPECT_TRUE(out.str().ends_with("error: 980 more [conflict]\n"
-                                    "tessaron: note: not shown: 1,000 more of conflict\n"))
+    EXPECT_TRUE(
+        out.str().ends_with("error: 980 more [conflict]\n"
+                            "tessaron: note: not shown: 1,000 more of conflict\n"))
+        << out.str();
+}
+
+TEST(PrinterTest, NotesOfStatementsAreBoundedAndThoseOfTheRunAreNot) {
+    std::ostringstream out;
+    const Policy policy;
+    Printer printer(out, policy, DiagnosticFormat::Text, false, false);
+    for (std::size_t i = 0; i < most + 2; ++i)
+        printer.take({std::nullopt, "x", Place{"s.tsn", 1, 0, "", 0, 0}});
+    printer.take({std::nullopt, "the run"});
+    printer.finish();
+    EXPECT_EQ(linesOf(out.str()), most + 2);
+    EXPECT_TRUE(
+        out.str().ends_with("tessaron: note: the run\n"
+                            "tessaron: note: not shown: 2 more notes\n"))
         << out.str();
 }
 

@@ -4,13 +4,13 @@
 
 #include "facts/Facts.hpp"
 
-namespace Classic {
+namespace Facts {
 
 /// The name of a format in messages.
-std::string nameOfFormat(Facts::InputFormat format);
+std::string nameOfFormat(InputFormat format);
 
 /// What is wrong with the file, as the end of a sentence; numbers in decimal, addresses and sizes
 /// of the file in hexadecimal.
-std::string wordsFor(const Facts::FileMalformed& fact);
+std::string textOf(const FileMalformed& fact);
 
-}  // namespace Classic
+}  // namespace Facts

@@ -1,14 +1,12 @@
-#include "classic/FormatFaultWords.hpp"
+#include "facts/FormatFaultWords.hpp"
 
 #include <array>
 #include <charconv>
 #include <utility>
 
-namespace Classic {
+namespace Facts {
 
 namespace {
-
-using Facts::FormatFault;
 
 std::string hexadecimal(std::uint64_t number) {
     constexpr int base = 16;
@@ -20,12 +18,12 @@ std::string hexadecimal(std::uint64_t number) {
 
 }  // namespace
 
-std::string nameOfFormat(Facts::InputFormat format) {
+std::string nameOfFormat(InputFormat format) {
     constexpr std::array names{"Intel HEX", "S-record", "raw", "ELF", "UF2", "TI-TXT"};
     return names.at(static_cast<std::size_t>(format));
 }
 
-std::string wordsFor(const Facts::FileMalformed& fact) {
+std::string textOf(const FileMalformed& fact) {
     const std::string where = std::to_string(fact.where);
     const std::string number = std::to_string(fact.number);
     switch (fact.fault) {
@@ -70,4 +68,4 @@ std::string wordsFor(const Facts::FileMalformed& fact) {
     return "line " + where + " comes after the end";
 }
 
-}  // namespace Classic
+}  // namespace Facts

@@ -1,0 +1,73 @@
+#include "strict/RunListener.hpp"
+
+#include <cstddef>
+#include <string>
+#include <type_traits>
+#include <variant>
+
+#include "strict/diagnostics/FieldWords.hpp"
+
+namespace Strict {
+
+namespace {
+
+using namespace Facts;
+
+template <class Fact>
+constexpr bool isPrinted =
+    std::is_same_v<Fact, BufferPrinted> || std::is_same_v<Fact, ContentPrinted> ||
+    std::is_same_v<Fact, CrcPrinted> || std::is_same_v<Fact, HashPrinted> ||
+    std::is_same_v<Fact, TextPrinted>;
+
+/// The place in an input file.
+Place placeOf(const FieldWords& words) {
+    constexpr std::size_t longestShown = 160;
+    Place place{std::string(words.file),
+                static_cast<std::size_t>(words.line),
+                0,
+                std::string(words.excerpt.substr(0, longestShown)),
+                0,
+                0};
+    if (words.column != 0 && words.column <= place.excerpt.size()) {
+        place.column = words.column;
+        place.caret = words.column - 1;
+        place.caretLength = 1;
+    }
+    return place;
+}
+
+}  // namespace
+
+void RunListener::reportField(const FieldFact& fact) {
+    FieldWords words = wordsFor(fact);
+    if (words.line == 0)
+        reports_->report(words.kind, std::move(words.text), {Parser::Role::InputFile},
+                         std::move(words.hint), {}, words.count);
+    else
+        reports_->reportInput(
+            {words.kind, std::move(words.text), placeOf(words), std::move(words.hint)});
+}
+
+void RunListener::hear(const Fact& fact) {
+    if (const auto* const field = std::get_if<FieldFact>(&fact)) {
+        reportField(*field);
+        return;
+    }
+    hasRefused_ = hasRefused_ || isRefusal(fact);
+    if (auto words = wordsFor(fact, circumstances_)) {
+        if (words->name.empty())
+            reports_->report(words->kind, std::move(words->text), words->roles,
+                             std::move(words->hint));
+        else
+            reports_->reportName(words->kind, words->name, std::move(words->text),
+                                 std::move(words->hint));
+    }
+    if (printed_ == nullptr) return;
+    std::visit(
+        [this](const auto& f) {
+            if constexpr (isPrinted<std::decay_t<decltype(f)>>) printed_->hear(f);
+        },
+        fact);
+}
+
+}  // namespace Strict

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <utility>
+
+#include "classic/ClassicWords.hpp"
+#include "facts/Listener.hpp"
+#include "strict/diagnostics/FactWords.hpp"
+#include "strict/script/StatementReports.hpp"
+
+namespace Strict {
+
+/// Turns the facts of a run into diagnostics of the statement that runs, and passes on what PRINT_*
+/// statements print.
+class RunListener final : public Facts::Listener {
+public:
+    /// @param reports  at the statement that runs
+    /// @param printed  where the output of PRINT_* statements goes; null where there are none
+    RunListener(StatementReports& reports, Classic::ClassicWords* printed,
+                Circumstances circumstances)
+        : reports_(&reports), printed_(printed), circumstances_(std::move(circumstances)) {}
+
+    void hear(const Facts::Fact& fact) override;
+
+    /// The next statement is about to run.
+    void enter() { hasRefused_ = false; }
+
+    /// Something that the statement asked for was not done.
+    bool hasRefused() const { return hasRefused_; }
+
+private:
+    void reportField(const Facts::FieldFact& fact);
+
+    StatementReports* reports_;
+    Classic::ClassicWords* printed_;
+    Circumstances circumstances_;
+    bool hasRefused_ = false;
+};
+
+}  // namespace Strict

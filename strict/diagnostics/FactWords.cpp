@@ -1,0 +1,310 @@
+#include "strict/diagnostics/FactWords.hpp"
+
+#include <array>
+#include <cstddef>
+#include <system_error>
+#include <type_traits>
+#include <utility>
+#include <variant>
+
+#include "facts/FormatFaultWords.hpp"
+#include "inspect/Words.hpp"
+#include "platform/Paths.hpp"
+#include "util/Hex.hpp"
+
+namespace Strict {
+
+namespace {
+
+using namespace Facts;
+using Inspect::addressesText;
+using Inspect::addressText;
+using Inspect::hexText;
+using Parser::Role;
+using Words = std::optional<FactWords>;
+
+/// The parts that say which addresses a statement works on.
+const std::vector<Role> anyArea{Role::Area, Role::Range, Role::Address};
+
+/// How a program ended that did not end well.
+std::string outcome(int status) {
+    constexpr int notRunnable = 126;
+    constexpr int notFound = 127;
+    if (status < 0) return " could not be started";
+    if (status == notFound) return " was not found";
+    if (status == notRunnable) return " cannot be run";
+    return " ended with code " + std::to_string(status);
+}
+
+/// The system's words for a path that leads nowhere.
+std::string noSuchFile() {
+    return std::make_error_code(std::errc::no_such_file_or_directory).message();
+}
+
+/// ": " and the reason, if there is one.
+std::string afterColon(const std::string& reason) {
+    return reason.empty() ? "" : ": " + reason;
+}
+
+/// What may be wrong with the name of a file that cannot be opened.
+std::string adviceOn(std::string_view file) {
+    if (!file.empty() && file.find_first_of("./\\") == std::string_view::npos)
+        return "was the variable " + std::string(file) + " given?";
+    if (file.ends_with(';')) return "a statement has no semicolon at its end";
+    const bool isForeign =
+        file.find('\\') != std::string_view::npos && Platform::pathSeparator != '\\';
+    return isForeign ? "write / between folders" : "";
+}
+
+Words words(const ImageNotAddressable& f, const Circumstances& /*c*/) {
+    return {{Kind::Outside,
+             "an image of " + hexText(f.length) + " bytes at " + addressText(f.start) +
+                 " passes the end of the address space",
+             anyArea}};
+}
+
+Words words(const ImageTooLong& f, const Circumstances& /*c*/) {
+    return {{Kind::Outside,
+             "an image has less than " + hexText(f.limit) + " bytes, not " + hexText(f.length),
+             anyArea, "an area is {start, length}"}};
+}
+
+Words words(const MoveTooFar& f, const Circumstances& /*c*/) {
+    return {{Kind::Outside,
+             "the image does not fit at " + addressText(f.start) + ": its highest start is " +
+                 addressText(f.highestStart),
+             anyArea}};
+}
+
+Words words(const FillPatternEmpty& /*f*/, const Circumstances& /*c*/) {
+    return {{Kind::NoEffect,
+             "there are no bytes, so nothing is done",
+             {Role::Bytes, Role::Filler, Role::String, Role::UsesHash, Role::Area}}};
+}
+
+/// What filling and extracting say alike.
+template <class Fact>
+Words startOutside(const Fact& f) {
+    return {{Kind::Outside,
+             "an area that begins at " + addressText(f.start) +
+                 " does not lie in the image, which has " +
+                 addressesText({f.imageStart, f.imageEnd - f.imageStart}),
+             anyArea}};
+}
+
+Words words(const FillStartOutside& f, const Circumstances& /*c*/) {
+    return startOutside(f);
+}
+
+Words words(const ExtractStartOutside& f, const Circumstances& /*c*/) {
+    return startOutside(f);
+}
+
+Words words(const FillTooLong& f, const Circumstances& /*c*/) {
+    return {{Kind::Outside,
+             hexText(f.length) + " bytes from " + addressText(f.start) +
+                 " on do not fit into the image, which ends before " + addressText(f.imageEnd),
+             anyArea}};
+}
+
+Words words(const ExtractTooLong& f, const Circumstances& /*c*/) {
+    return {{Kind::Outside,
+             hexText(f.length) + " bytes from " + addressText(f.start) +
+                 " on leave the image, which ends before " + addressText(f.imageEnd),
+             anyArea}};
+}
+
+Words words(const RawFileTooLong& f, const Circumstances& /*c*/) {
+    return {{Kind::Outside,
+             "the file has more than " + hexText(f.mostBytes) + " bytes",
+             {Role::InputFile}}};
+}
+
+Words words(const FileMalformed& f, const Circumstances& /*c*/) {
+    const Kind kind = f.fault == FormatFault::EndMissing      ? Kind::NoEnd
+                      : f.fault == FormatFault::NothingToLoad ? Kind::EmptyImage
+                                                              : Kind::WrongFormat;
+    return {
+        {kind,
+         std::string(f.file) + " cannot be read as " + nameOfFormat(f.format) + ": " + textOf(f),
+         {Role::InputFile}}};
+}
+
+Words words(const FileReadIncomplete& f, const Circumstances& /*c*/) {
+    return {{Kind::ShortRead,
+             std::string(f.file) + " could not be read completely",
+             {Role::InputFile}}};
+}
+
+Words words(const RecordLengthCorrected& f, const Circumstances& /*c*/) {
+    const bool isMinimum = f.bound == Bound::Minimum;
+    return {{Kind::LengthCorrected,
+             "a record has at " + std::string(isMinimum ? "least " : "most ") +
+                 Inspect::countText(f.allowed, "data byte") + ", which is used instead of " +
+                 std::to_string(f.length),
+             {Role::Format}}};
+}
+
+Words words(const AddressNotExpressible& f, const Circumstances& /*c*/) {
+    return {{Kind::Outside,
+             "Intel HEX cannot express the address " + addressText(f.address) + " in this mode",
+             {Role::OutputFile}}};
+}
+
+Words words(const RecordTypeUnknown& /*f*/, const Circumstances& /*c*/) {
+    return {{Kind::Outside, "Intel HEX has no such record", {Role::OutputFile}}};
+}
+
+Words words(const ImageBeyondSRecords& f, const Circumstances& /*c*/) {
+    return {{Kind::Outside,
+             "S-records cannot express addresses above " + addressText(f.highestAddress),
+             {Role::OutputFile}}};
+}
+
+Words words(const TooManyBytes& f, const Circumstances& /*c*/) {
+    return {{Kind::Outside,
+             "the images have more than " + hexText(f.mostBytes) + " bytes together",
+             {Role::OutputFile}}};
+}
+
+Words words(const GapsNotExpressible& f, const Circumstances& /*c*/) {
+    return {{Kind::Outside,
+             std::string(f.format) + " has no addresses, so it cannot skip unwritten ones",
+             {Role::Gaps},
+             "choose a format with addresses, or leave the option out"}};
+}
+
+Words words(const AddressBeyondFormat& f, const Circumstances& /*c*/) {
+    return {{Kind::Outside,
+             std::string(f.format) + " has no addresses above " + addressText(f.highest),
+             {Role::OutputFile}}};
+}
+
+Words words(const FormatNumberWrong& f, const Circumstances& /*c*/) {
+    return {{Kind::Outside,
+             std::string(f.format) + " does not take the number " + std::to_string(f.number),
+             {Role::Format},
+             "a word has 1, 2, 4 or 8 bytes"}};
+}
+
+Words words(const FileWriteIncomplete& f, const Circumstances& c) {
+    return {
+        {Kind::ShortWrite,
+         std::string(f.file) + " could not be written completely" + afterColon(c.reason(f.file)),
+         {Role::OutputFile}}};
+}
+
+/// A name that no statement makes was reported before the run.
+Words words(const NameNotFound& f, const Circumstances& c) {
+    if (!c.isMade(f.name)) return std::nullopt;
+    return {{Kind::UnknownName,
+             "there is no " + std::string(f.name) + ": the statement that makes it failed",
+             {},
+             {},
+             std::string(f.name)}};
+}
+
+Words words(const OverlapRefused& f, const Circumstances& /*c*/) {
+    const std::string range = addressesText({f.start, f.end - f.start});
+    if (!f.isDifferent)
+        return {{Kind::Conflict,
+                 std::string(f.source) + " writes " + range + " a second time, with equal bytes",
+                 {Role::Overlap},
+                 "-onOverlap=Same lets equal bytes pass"}};
+    return {{Kind::Conflict,
+             std::string(f.source) + " has " + Util::hexByte(f.later) + " at " +
+                 addressText(f.address) + ", written before as " + Util::hexByte(f.earlier) +
+                 ", within " + range,
+             {Role::Overlap}}};
+}
+
+Words words(const StatementExhausted& /*f*/, const Circumstances& /*c*/) {
+    return {{Kind::OutOfMemory, "there is not enough memory for this statement", {}}};
+}
+
+Words words(const CrcParameterRefused& f, const Circumstances& /*c*/) {
+    constexpr std::array names{"", "polynomial", "initial value", "final xor"};
+    if (f.parameter == CrcParameter::Width)
+        return {{Kind::CrcParameter, "the width is not 1 to 32 bits", {Role::Type}}};
+    return {{Kind::CrcParameter,
+             std::string("the ") + names.at(static_cast<std::size_t>(f.parameter)) +
+                 " has more bits than the width",
+             {Role::Type}}};
+}
+
+Words words(const WordIncomplete& f, const Circumstances& /*c*/) {
+    return {{Kind::WordSize,
+             "the data has " + std::to_string(f.length) + " bytes, which is not a multiple of " +
+                 std::to_string(f.wordSize),
+             {Role::WordSize}}};
+}
+
+Words words(const FileNotOpened& f, const Circumstances& c) {
+    const std::string file(f.file);
+    const std::string reason = c.reason(f.file);
+    if (reason.empty())
+        return {{Kind::OutOfMemory, "there is not enough memory for " + file, {Role::InputFile}}};
+    return {{Kind::CannotOpen,
+             "cannot open " + file + ": " + reason,
+             {Role::InputFile},
+             adviceOn(f.file)}};
+}
+
+Words words(const FileNotWritten& f, const Circumstances& c) {
+    const std::string reason = c.reason(f.file);
+    return {{Kind::CannotWrite,
+             "cannot write " + std::string(f.file) + afterColon(reason),
+             {Role::OutputFile},
+             reason == noSuchFile() ? "its folder does not exist" : ""}};
+}
+
+Words words(const FileSpanTooLong& f, const Circumstances& /*c*/) {
+    return {{Kind::Outside,
+             "the data of the file spans " + hexText(f.length) + " bytes, more than 0xFFFFFFF",
+             {Role::InputFile},
+             "name a part of it with -useBufferRange={start, length}"}};
+}
+
+Words words(const ProgramEnded& f, const Circumstances& c) {
+    if (f.status == 0) return std::nullopt;
+    return {{Kind::CallFailed,
+             std::string(f.location) + outcome(f.status) +
+                 (f.status >= 0 ? "" : afterColon(c.reason(f.location))),
+             {Role::Program}}};
+}
+
+/// A fact that is one of these has no words.
+template <class Fact, class... Facts>
+concept OneOf = (std::is_same_v<Fact, Facts> || ...);
+
+/// The classic readers, of which the strict program has its own, report the first of these. It
+/// reads and parses the script itself, and shows the words of an input file and the output of a
+/// PRINT_* another way.
+template <class Fact>
+requires OneOf<Fact, ReadRangeOutside, TextFileEmpty, LastLineMismatched, RecordContradictory,
+               LineNotARecord, RecordCountTooLow, DataSpanTooLong, FieldFact, ScriptNotOpened,
+               VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, BufferPrinted,
+               ContentPrinted, CrcPrinted, HashPrinted, TextPrinted, ProgramCalled>
+    Words words(const Fact& /*f*/, const Circumstances& /*c*/) {
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<FactWords> wordsFor(const Fact& fact, const Circumstances& circumstances) {
+    return std::visit([&](const auto& f) { return words(f, circumstances); }, fact);
+}
+
+bool isRefusal(const Fact& fact) {
+    return std::visit(
+        []<class F>(const F& /*f*/) {
+            return OneOf<F, ImageNotAddressable, ImageTooLong, MoveTooFar, FillStartOutside,
+                         FillTooLong, ExtractStartOutside, ExtractTooLong, RawFileTooLong,
+                         FileReadIncomplete, AddressNotExpressible, RecordTypeUnknown,
+                         ImageBeyondSRecords, TooManyBytes, AddressBeyondFormat,
+                         FileWriteIncomplete>;
+        },
+        fact);
+}
+
+}  // namespace Strict

@@ -1,0 +1,51 @@
+#include "strict/script/ParsedScript.hpp"
+
+#include <utility>
+
+#include "parser/grammar/Calculation.hpp"
+#include "strict/script/SyntaxErrors.hpp"
+
+namespace Strict {
+
+ParsedScript::ParsedScript(const ScriptText& script) : syntax_(&Parser::calculated) {
+    constexpr std::size_t mostErrors = 20;
+    Parser::StatementBuilder& statement = syntax_.state().statement;
+    statement.keepStatements();
+    const std::string_view text = script.prepared();
+    std::size_t resumed = 0;  // where the parse went on after the last error
+    for (std::size_t at = 0;;) {
+        at += syntax_.parse(text.substr(at));
+        if (at == text.size()) return;
+        BrokenText broken{at, statements().size(), {}, {}};
+        if (broken_.size() == mostErrors) {
+            broken.diagnostic = {Kind::Syntax, "there are more syntax errors than are shown"};
+            broken_.push_back(std::move(broken));
+            return;
+        }
+        broken.begun = statement.current();
+        broken.diagnostic = explain(script, at, resumed);
+        broken_.push_back(std::move(broken));
+        at = resumed = nextStatement(text, at, keywords());
+        if (at == text.size()) return;
+    }
+}
+
+/// Parses once more, now with a note of what is missing. The last statement that is finished may be
+/// the broken one, without the option that broke it.
+Diagnostic ParsedScript::explain(const ScriptText& script, std::size_t at,
+                                 std::size_t resumed) const {
+    const std::string_view text = script.prepared();
+    const auto lastEnd = [&] {
+        const std::string_view last = statements().back().text;
+        return script.offsetOf(last) + last.size();
+    };
+    const bool isFirst = statements().empty() || lastEnd() < resumed;
+    const std::size_t from = isFirst ? at : script.offsetOf(statements().back().text);
+    Parser::ScriptSyntax explainer(nullptr);
+    Parser::Expectations missed;
+    explainer.state().expectations = &missed;
+    explainer.parse(text.substr(from));
+    return syntaxError(script, text.substr(from), missed, keywords());
+}
+
+}  // namespace Strict

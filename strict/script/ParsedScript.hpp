@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "parser/grammar/ScriptSyntax.hpp"
+#include "parser/grammar/Statement.hpp"
+#include "strict/diagnostics/Diagnostic.hpp"
+#include "strict/script/ScriptText.hpp"
+
+namespace Strict {
+
+/// A text that does not parse.
+struct BrokenText {
+    std::size_t offset;            ///< in the prepared text, of what could not be read
+    std::size_t statementsBefore;  ///< that were finished before it
+    Parser::Statement begun;       ///< as much of a statement as was read
+    Diagnostic diagnostic;
+};
+
+/// The statements of a script, as values and as commands, and what is not a statement.
+///
+/// After a text that does not parse, the parse goes on at the next line that begins with the
+/// keyword of a statement, up to twenty times.
+class ParsedScript {
+public:
+    /// @param script  lives as long as this
+    explicit ParsedScript(const ScriptText& script);
+
+    /// Everything parsed.
+    bool isWhole() const { return broken_.empty(); }
+
+    const std::vector<BrokenText>& broken() const { return broken_; }
+
+    const std::vector<Parser::Statement>& statements() const { return builder().statements(); }
+
+    /// What executes each of `statements`.
+    const std::deque<std::unique_ptr<Parser::WrapperLib::CmdApi>>& commands() const {
+        return builder().commands();
+    }
+
+    /// The words that begin a statement.
+    const std::vector<std::string_view>& keywords() const { return syntax_.statementKeywords(); }
+
+private:
+    const Parser::StatementBuilder& builder() const { return syntax_.state().statement; }
+    Diagnostic explain(const ScriptText& script, std::size_t at, std::size_t resumed) const;
+
+    Parser::ScriptSyntax syntax_;
+    std::vector<BrokenText> broken_;
+};
+
+}  // namespace Strict
