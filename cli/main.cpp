@@ -1,9 +1,11 @@
+#include <cstddef>
 #include <exception>
 #include <iostream>
 #include <span>
 
 #include "cli/CommandLine.hpp"
 #include "platform/Arguments.hpp"
+#include "platform/Limits.hpp"
 #include "platform/Streams.hpp"
 #include "strict/Run.hpp"
 #include "strict/diagnostics/Printer.hpp"
@@ -53,6 +55,14 @@ int run(std::span<const char* const> arguments) {
 
 int main(int argumentCount, char** argumentValues) {
     const Platform::StreamGuard streams;
+    // The deepest expression takes less than this. A stack that ends stops a program without a
+    // word.
+    constexpr std::size_t neededStack = std::size_t{128} << 10U;
+    if (Platform::freeStackBytes() < neededStack) {
+        std::cerr << "tessaron: error: less than 128 KiB of stack are left; ulimit -s sets its "
+                     "limit" << std::endl;
+        return static_cast<int>(Strict::ExitCode::Failed);
+    }
     try {
         const Platform::Arguments arguments(argumentCount, argumentValues);
         return run(arguments.values());

@@ -9,6 +9,9 @@ namespace Platform {
 /// Bytes of stack that a deep recursion may use up, counted from the frame of `main`.
 std::size_t usableStackBytes();
 
+/// Bytes of stack that are left. To be called in the thread that runs `main`.
+std::size_t freeStackBytes();
+
 /// Steps of a few nanoseconds, such as a copy or a comparison, that a search of unpredictable
 /// length may take before it counts as hung.
 std::uint64_t usableSteps();

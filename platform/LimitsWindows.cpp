@@ -14,6 +14,11 @@ std::size_t usableStackBytes() {
     return std::min<std::size_t>(usual, high - low) / 2;
 }
 
+std::size_t freeStackBytes() {
+    // The linker sets its size, and nobody else does.
+    return usableStackBytes();
+}
+
 std::uint64_t usableSteps() {
     return 50'000'000;
 }

@@ -14,6 +14,7 @@
 #include "io/field/FieldReading.hpp"
 #include "parser/text/VariableExpansion.hpp"
 #include "platform/Files.hpp"
+#include "platform/Paths.hpp"
 #include "platform/Replace.hpp"
 #include "platform/Streams.hpp"
 #include "strict/Audit.hpp"
@@ -293,6 +294,9 @@ ExitCode run(const RunOptions& requested, Printer& printer, std::ostream& output
         Inspect::RunRecord record = recordOf(ran, !options.report.empty() || options.comparesDisk);
         remarks.finish();
         record.remarks = std::move(remarks.remarks);
+        // The record names all files by portable paths, its links lead from one to the other.
+        for (Inspect::Remark& remark : record.remarks)
+            remark.file = Platform::portablePath(remark.file);
         if (!useRecord(options, record, files, printer)) return ExitCode::Failed;
     }
     if (!options.dependencyFile.empty() && !options.isCheck)

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""Compares what bash, fish and zsh complete with what the help of the program TESSARON lists:
-completions.py TESSARON
+"""Compares what bash, fish and zsh complete with what the help of the program TESSARON lists, and
+with the kinds of diagnostics that LIST_KINDS prints; and the man page with the help:
+completions.py TESSARON LIST_KINDS
 
 Shells that are not installed are not run; the options that the files name are compared anyway."""
 import os
@@ -13,8 +14,13 @@ import subprocess
 import sys
 import unittest
 
-PROGRAM = sys.argv.pop(1)
+PROGRAM, LIST_KINDS = sys.argv[1:3]
+del sys.argv[1:3]
 FOLDER = pathlib.Path(__file__).resolve().parents[2] / "completions"
+# Those that the options can change.
+KINDS = {line.split()[0] for line in subprocess.run(
+    [LIST_KINDS], stdout=subprocess.PIPE, text=True, check=True).stdout.splitlines()
+    if " always " not in line}
 COMMANDS = ("run", "check", "info", "diff", "map", "convert")
 EDITS = "\x1b[?2004h"  # what zsh prints when it begins to read a line
 BASH = """source "$1"; COMP_WORDS=("${@:2}"); COMP_CWORD=$(($# - 2)); _tessaron
@@ -80,7 +86,12 @@ class Completions(unittest.TestCase):
                     self.assertEqual(complete(command, "--"), listed(command))
                     self.assertEqual(complete(command, "--color", "a"), {"auto", "always"})
                     self.assertEqual(complete(command, "--diagnostics", ""), {"text", "json"})
-                    self.assertEqual(complete(command, "--error", "x"), set())
+                    self.assertEqual(complete(command, "--error", "zz"), set())
+                    for option in ("--error", "--warn"):
+                        self.assertEqual(complete(command, option, ""), KINDS)
+                for command in ("run", "check"):
+                    self.assertEqual(complete(command, "--ignore", ""), KINDS)
+                self.assertFalse(complete("diff", "--ignore", "") & KINDS)
         self.assertEqual(in_bash("run", "--color", "=", "n"), {"never"})
 
     def test_files_name_the_options_of_the_help(self):
@@ -90,6 +101,17 @@ class Completions(unittest.TestCase):
         text = (FOLDER / "tessaron.fish").read_text()
         names = re.findall(r"^complete .* -l ([\w-]+)", text, re.MULTILINE)
         self.assertEqual({"--" + name for name in names}, options)
+        page = (FOLDER.parent / "docs" / "tessaron.1").read_text()
+        heads = re.findall(r"^\.T[PQ]\n(.*)$", page, re.MULTILINE)
+        described = re.findall(r"--[a-z][\w-]*", "\n".join(heads).replace("\\-", "-"))
+        self.assertEqual(set(described), options)
+
+    def test_files_name_the_kinds(self):
+        for name, pattern in (("_tessaron", r"kinds=\(([^)]*)\)"),
+                              ("tessaron.bash", r"kinds='([^']*)'"),
+                              ("tessaron.fish", r"set -l kinds ((?:.*\\\n)*.*)")):
+            found = re.search(pattern, (FOLDER / name).read_text())[1]
+            self.assertEqual(set(found.replace("\\", " ").split()), KINDS, name)
 
     @unittest.skipUnless(shutil.which("zsh"), "there is no zsh")
     def test_words_in_zsh(self):
