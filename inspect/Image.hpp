@@ -38,7 +38,7 @@ std::optional<Image> openImage(const std::string& path);
 /// @throws Io::bad_open
 std::string formatOf(const std::string& path);
 
-/// The areas in ascending order, joined where they overlap or less than `gap` lies between them.
+/// The areas in ascending order, joined where they overlap or at most `gap` addresses lie between them.
 Buffer::AreaList joined(Buffer::AreaList areas, std::uint64_t gap);
 
 /// The number of addresses in `areas`.
