@@ -1,3 +1,4 @@
+#include <cstddef>
 #include <exception>
 #include <iostream>
 #include <span>
@@ -8,6 +9,7 @@
 #include "facts/Listener.hpp"
 #include "parser/ScriptParser.hpp"
 #include "platform/Arguments.hpp"
+#include "platform/Limits.hpp"
 #include "platform/Streams.hpp"
 #include "platform/Version.hpp"
 #include "selftest/SelfTest.hpp"
@@ -50,6 +52,13 @@ int main(int argumentCount, char** argumentValues) {
     const Platform::StreamGuard streams;
     Classic::ClassicWords words(std::cout, std::cerr);
     const Facts::ListenerScope scope(words);
+    // The deepest expression takes less than this. A stack that ends stops a program without a
+    // word.
+    constexpr std::size_t neededStack = std::size_t{64} << 10U;
+    if (Platform::freeStackBytes() < neededStack) {
+        words.printUnexpected("less than 64 KiB of stack are left");
+        return exitWithoutRun;
+    }
     try {
         const Platform::Arguments arguments(argumentCount, argumentValues);
         const int code = run(words, arguments.values());

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdint>
 #include <iostream>
@@ -9,7 +10,10 @@
 #include <map>
 #include <string_view>
 
+#include "platform/Paths.hpp"
 #include "platform/Version.hpp"
+#include "strict/diagnostics/Suggestion.hpp"
+#include "util/Printable.hpp"
 
 namespace CommandLine {
 
@@ -38,7 +42,7 @@ std::uint64_t numberIn(const std::string& option, std::string_view text) {
     const auto end =
         std::from_chars(digits.data(), digits.data() + digits.size(), number, isHex ? 16 : 10);
     if (end.ec != std::errc() || end.ptr != digits.data() + digits.size())
-        throw CLI::ValidationError(option, std::string(text) + " is no number");
+        throw CLI::ValidationError(option, std::string(text) + " is not a number");
     return number;
 }
 
@@ -57,7 +61,8 @@ std::vector<std::uint64_t> numbersIn(const std::string& option, std::string text
 Buffer::Area areaIn(const std::string& option, const std::string& text) {
     const auto numbers = numbersIn(option, text);
     if (numbers.size() != 2 || numbers[0] + numbers[1] < numbers[0])
-        throw CLI::ValidationError(option, text + " is no area START,LENGTH");
+        throw CLI::ValidationError(option, text + " is not an area START,LENGTH");
+    if (numbers[1] == 0) throw CLI::ValidationError(option, text + " has no address");
     return {numbers[0], numbers[1]};
 }
 
@@ -68,30 +73,48 @@ std::string version() {
            info->commit + ")";
 }
 
+/// Refuses an empty text, such as that of a variable of a shell that is not set: it would count as
+/// if the option were not there.
+std::string faultIfEmpty(const std::string& text) {
+    return text.empty() ? "an empty text says nothing" : "";
+}
+
 /// Adds an option for a file to write or to read beside the operands.
 CLI::Option* addFileOption(CLI::App& command, const std::string& name, std::string& path,
                            const std::string& meaning) {
-    return command.add_option(name, path, meaning)
-        ->type_name("FILE")
-        ->check([](const std::string& text) {
-            return text.empty() ? "the name of the file is empty" : std::string();
-        });
+    return command.add_option(name, path, meaning)->type_name("FILE")->check(&faultIfEmpty);
+}
+
+/// An option whose value is one of a few words.
+template <class Value>
+void addChoice(CLI::App& command, const std::string& option, const char* help, Value& value,
+               const std::vector<std::pair<std::string, Value>>& choices) {
+    std::string words;
+    for (const auto& [word, meaning] : choices) words += (words.empty() ? "" : "|") + word;
+    command
+        .add_option_function<std::string>(
+            option,
+            [option, &value, choices, words](const std::string& text) {
+                const auto chosen =
+                    std::ranges::find(choices, text, [](const auto& c) { return c.first; });
+                if (chosen == choices.end())
+                    throw CLI::ValidationError(option, text + " is not one of " + words);
+                value = chosen->second;
+            },
+            help)
+        ->type_name(words);
 }
 
 /// Options of every command.
 void addDisplay(CLI::App& command, Request& request, Texts& texts) {
-    command.add_option("-C,--directory", request.folder, "works in this folder")->type_name("DIR");
+    command.add_option("-C,--directory", request.folder, "works in this folder")
+        ->type_name("DIR")
+        ->check(&faultIfEmpty);
     command.add_flag("-q,--quiet", request.isQuiet, "prints errors only");
-    const std::map<std::string, Strict::DiagnosticFormat> formats{
-        {"text", Strict::DiagnosticFormat::Text}, {"json", Strict::DiagnosticFormat::Json}};
-    command.add_option("--diagnostics", request.format, "the form of the diagnostics")
-        ->type_name("text|json")
-        ->transform(CLI::CheckedTransformer(formats).description(""));
-    const std::map<std::string, Color> colors{
-        {"auto", Color::Auto}, {"always", Color::Always}, {"never", Color::Never}};
-    command.add_option("--color", request.color, "colors the output")
-        ->type_name("auto|always|never")
-        ->transform(CLI::CheckedTransformer(colors).description(""));
+    addChoice(command, "--diagnostics", "the form of the diagnostics", request.format,
+              {{"text", Strict::DiagnosticFormat::Text}, {"json", Strict::DiagnosticFormat::Json}});
+    addChoice(command, "--color", "colors the output", request.color,
+              {{"auto", Color::Auto}, {"always", Color::Always}, {"never", Color::Never}});
     command.add_option("--error", texts.errors, "counts these diagnostics as errors")
         ->type_name("NAME")
         ->allow_extra_args(false);
@@ -237,16 +260,82 @@ void addConvert(CLI::App& app, Request& request, Texts& texts) {
     convert->add_option("out", conversion.output, "the file to write")
         ->type_name("OUT")
         ->required();
-    convert->add_option("--crop", texts.crop, "keeps only this area")->type_name("START,LENGTH");
+    convert->add_option("--crop", texts.crop, "keeps only this area")
+        ->type_name("START,LENGTH")
+        ->check(&faultIfEmpty);
     convert->add_option("--fill", texts.fill, "lays these bytes into the gaps")
-        ->type_name("BYTE[,BYTE]...");
+        ->type_name("BYTE[,BYTE]...")
+        ->check(&faultIfEmpty);
     convert->add_option("--offset", texts.offset, "adds this number to all addresses")
-        ->type_name("N");
-    convert->add_option("--format", conversion.format, "a format of WRITE_FILE")->type_name("NAME");
+        ->type_name("N")
+        ->check(&faultIfEmpty);
+    convert->add_option("--format", conversion.format, "a format of WRITE_FILE")
+        ->type_name("NAME")
+        ->check(&faultIfEmpty);
     convert->add_flag("--print-script", conversion.printsScript,
                       "prints the script that does this, instead of running it");
     addDisplay(*convert, request, texts);
     convert->parse_complete_callback([&request] { request.command = Command::Convert; });
+}
+
+/// Prints why the command line is refused, and returns the exit code.
+int refuse(std::string_view reason) {
+    std::cerr << "tessaron: " << Util::printable(reason) << "\n"
+              << "Run tessaron --help for more information." << std::endl;
+    return static_cast<int>(Strict::ExitCode::Unusable);
+}
+
+/// Prints what help or version was asked for, and returns the exit code.
+int answer(const CLI::App& app, const CLI::Success& asked) {
+    app.exit(asked);
+    std::cout.flush();
+    if (std::cout) return static_cast<int>(Strict::ExitCode::Good);
+    std::cerr << "tessaron: standard output could not be written completely" << std::endl;
+    return static_cast<int>(Strict::ExitCode::Failed);
+}
+
+/// What somebody may have meant by a first argument that is not a command.
+std::string adviceOn(const std::string& word, const std::vector<std::string>& commands) {
+    constexpr std::array<std::string_view, 6> helps{"/?", "-?", "/h", "/help", "help", "?"};
+    if (std::ranges::find(helps, word) != helps.end()) return "; did you mean --help?";
+    const bool isScript = word.ends_with(".tsn");
+    if (isScript) return "; did you mean tessaron run " + word + "?";
+    if (word.find_first_of("./\\") != std::string::npos || Platform::isRegularFile(word))
+        return "; did you mean tessaron run " + word + " or tessaron info " + word + "?";
+    const std::string meant = Strict::didYouMean(word, commands);
+    if (!meant.empty()) return meant;
+    std::string all;
+    for (const std::string& command : commands) all += (all.empty() ? "" : ", ") + command;
+    return "; the commands are " + all;
+}
+
+/// Why the first argument cannot be, or an empty text.
+std::string faultOfCommand(const CLI::App& app, std::span<const char* const> arguments) {
+    std::vector<std::string> commands;
+    for (const CLI::App* const command : app.get_subcommands({}))
+        commands.push_back(command->get_name());
+    if (arguments.size() < 2) return "a command is required";
+    const std::string word = arguments[1];
+    if (app.get_option_no_throw(word) != nullptr) return "";
+    if (std::ranges::find(commands, word) != commands.end()) return "";
+    if (!word.starts_with("-") || word == "-?")
+        return word + " is not a command" + adviceOn(word, commands);
+    const std::vector<std::string> options{"--help", "--version"};
+    const std::string meant = Strict::didYouMean(word, options);
+    return word + " is not an option of tessaron itself" +
+           (meant.empty() ? "; the options of a command go after it" : meant);
+}
+
+/// The option that an unknown one may be meant to be, as "; did you mean X?", or nothing.
+std::string adviceOnOptions(const CLI::App& app) {
+    std::vector<std::string> options;
+    for (const CLI::App* const command : app.get_subcommands())
+        for (const CLI::Option* const option : command->get_options())
+            for (const std::string& name : option->get_lnames()) options.push_back("--" + name);
+    for (const std::string& argument : app.remaining(true))
+        if (argument.starts_with("--"))
+            return Strict::didYouMean(argument.substr(0, argument.find('=')), options);
+    return "";
 }
 
 }  // namespace
@@ -282,16 +371,18 @@ int read(std::span<const char* const> arguments, Request& request) {
     addDiff(app, request, texts);
     addMap(app, request, texts);
     addConvert(app, request, texts);
+    if (const std::string fault = faultOfCommand(app, arguments); !fault.empty())
+        return refuse(fault);
     try {
         app.parse(static_cast<int>(arguments.size()), arguments.data());
         apply(request, texts);
         request.run.isCheck = check->parsed();
-    } catch (const CLI::Success& help) {
-        return app.exit(help);
+    } catch (const CLI::Success& asked) {
+        return answer(app, asked);
+    } catch (const CLI::ExtrasError& error) {
+        return refuse(error.what() + adviceOnOptions(app));
     } catch (const CLI::ParseError& error) {
-        std::cerr << "tessaron: " << error.what() << "\n"
-                  << "Run tessaron --help for more information." << std::endl;
-        return static_cast<int>(Strict::ExitCode::Unusable);
+        return refuse(error.what());
     }
     return -1;
 }

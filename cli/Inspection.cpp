@@ -9,6 +9,7 @@
 #include "inspect/Map.hpp"
 #include "platform/Streams.hpp"
 #include "strict/ImageReading.hpp"
+#include "strict/diagnostics/KeptDiagnostics.hpp"
 #include "strict/diagnostics/RemarkList.hpp"
 #include "strict/files/WholeFile.hpp"
 
@@ -34,19 +35,6 @@ ExitCode ended(std::ostream& output, Printer& printer, ExitCode good) {
     return good == ExitCode::Good ? ExitCode::Failed : ExitCode::Unusable;
 }
 
-/// Keeps diagnostics until it is known where they belong.
-class Kept final : public Strict::DiagnosticSink {
-public:
-    void take(const Strict::Diagnostic& diagnostic) override { diagnostics_.push_back(diagnostic); }
-
-    void pass(Strict::DiagnosticSink& sink) const {
-        for (const Strict::Diagnostic& diagnostic : diagnostics_) sink.take(diagnostic);
-    }
-
-private:
-    std::vector<Strict::Diagnostic> diagnostics_;
-};
-
 /// The images of the files that can be read.
 std::vector<Inspect::Image> imagesOf(const Inspection& inspection, Printer& printer) {
     std::vector<Inspect::Image> images;
@@ -62,7 +50,7 @@ ExitCode info(const Inspection& inspection, Printer& printer, const Strict::Poli
     std::vector<Inspect::Info> files;
     bool isGood = true;
     for (const std::string& file : inspection.files) {
-        Kept kept;
+        Strict::KeptDiagnostics kept;
         auto info = Strict::readInfo(file, inspection.withSymbols, kept);
         Strict::RemarkList remarks(policy);
         kept.pass(remarks);
@@ -73,8 +61,9 @@ ExitCode info(const Inspection& inspection, Printer& printer, const Strict::Poli
             kept.pass(printer);
             continue;
         }
+        std::ranges::stable_sort(remarks.remarks, {}, &Inspect::Remark::line);
+        remarks.finish();
         info->remarks = std::move(remarks.remarks);
-        std::ranges::stable_sort(info->remarks, {}, &Inspect::Remark::line);
         files.push_back(std::move(*info));
     }
     if (inspection.isJson) output << Inspect::jsonOf(files);

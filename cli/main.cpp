@@ -1,3 +1,4 @@
+#include <cstddef>
 #include <exception>
 #include <iostream>
 #include <new>
@@ -5,9 +6,11 @@
 
 #include "cli/CommandLine.hpp"
 #include "platform/Arguments.hpp"
+#include "platform/Limits.hpp"
 #include "platform/Streams.hpp"
 #include "strict/Run.hpp"
 #include "strict/diagnostics/Printer.hpp"
+#include "util/Printable.hpp"
 
 namespace {
 
@@ -33,8 +36,8 @@ int run(std::span<const char* const> arguments) {
     if (code >= 0) return code;
     if (!request.folder.empty()) {
         if (const auto error = Platform::changeFolder(request.folder)) {
-            std::cerr << "tessaron: cannot work in " << request.folder << ": " << error.message()
-                      << std::endl;
+            std::cerr << "tessaron: cannot work in " << Util::printable(request.folder) << ": "
+                      << error.message() << std::endl;
             return static_cast<int>(Strict::ExitCode::Unusable);
         }
     }
@@ -44,13 +47,23 @@ int run(std::span<const char* const> arguments) {
     Strict::Printer printer(std::cerr, request.policy, request.format, hasColor, request.isQuiet);
     request.inspection.hasColor =
         isAuto ? Platform::showsColor(Platform::StandardStream::Output) : hasColor;
-    return static_cast<int>(execute(request, printer));
+    const Strict::ExitCode result = execute(request, printer);
+    printer.finish();
+    return static_cast<int>(result);
 }
 
 }  // namespace
 
 int main(int argumentCount, char** argumentValues) {
     const Platform::StreamGuard streams;
+    // The deepest expression takes less than this. A stack that ends stops a program without a
+    // word.
+    constexpr std::size_t neededStack = std::size_t{128} << 10U;
+    if (Platform::freeStackBytes() < neededStack) {
+        std::cerr << "tessaron: error: less than 128 KiB of stack are left; ulimit -s sets its "
+                     "limit" << std::endl;
+        return static_cast<int>(Strict::ExitCode::Failed);
+    }
     try {
         const Platform::Arguments arguments(argumentCount, argumentValues);
         return run(arguments.values());
@@ -58,7 +71,7 @@ int main(int argumentCount, char** argumentValues) {
         std::cerr << "tessaron: error: there is not enough memory [out-of-memory]" << std::endl;
         return static_cast<int>(Strict::ExitCode::Failed);
     } catch (const std::exception& error) {
-        std::cerr << "tessaron: error: " << error.what() << std::endl;
+        std::cerr << "tessaron: error: " << Util::printable(error.what()) << std::endl;
         return static_cast<int>(Strict::ExitCode::Failed);
     }
 }

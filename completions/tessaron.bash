@@ -13,11 +13,20 @@ _tessaron_words() {
     for ((i = 2; i < count; ++i)); do
         case ${!i} in run | check | info | diff | map | convert) command=${!i} && break ;; esac
     done
+    local kinds='no-end unknown-name duplicate-name outside wiped empty-image empty-digest call-failed
+        unused-variable crc-parameter word-size cropped unwritten truncated-value
+        expression-order number-pair variable-in-word variable-dollar symbol-unused
+        execution-address length-corrected swallowed no-effect end-as-length conflict overlap
+        tolerated'
+    case $command:$previous in
+        diff:--ignore) return ;;
+        *:--error | *:--warn | *:--ignore) compgen -W "$kinds" -- "$current"; return ;;
+    esac
     case $previous in
         --diagnostics) compgen -W 'text json' -- "$current"; return ;;
         --color) compgen -W 'auto always never' -- "$current"; return ;;
         -C | --directory) compgen -d -- "$current"; return ;;
-        -D | --define | --symbol | --error | --warn | --ignore | --width | --context | --max-lines | \
+        -D | --define | --symbol | --width | --context | --max-lines | \
             --crop | --fill | --offset | --format) return ;;
     esac
     local common='--help --directory --quiet --diagnostics --color --error --warn'

@@ -1,6 +1,11 @@
 # Completion of tessaron for fish.
 
 set -l commands run check info diff map convert
+set -l kinds no-end unknown-name duplicate-name outside wiped empty-image empty-digest \
+    call-failed unused-variable crc-parameter word-size cropped unwritten \
+    truncated-value expression-order number-pair variable-in-word variable-dollar \
+    symbol-unused execution-address length-corrected swallowed no-effect end-as-length \
+    conflict overlap tolerated
 set -l none "not __fish_seen_subcommand_from $commands"
 set -l any "__fish_seen_subcommand_from $commands"
 set -l run '__fish_seen_subcommand_from run'
@@ -24,12 +29,12 @@ complete -c tessaron -n $any -s C -l directory -x -a '(__fish_complete_directori
 complete -c tessaron -n $any -s q -l quiet -d 'Print errors only'
 complete -c tessaron -n $any -l diagnostics -x -a 'text json' -d 'The form of the diagnostics'
 complete -c tessaron -n $any -l color -x -a 'auto always never' -d 'Color the output'
-complete -c tessaron -n $any -l error -x -d 'Count these diagnostics as errors'
-complete -c tessaron -n $any -l warn -x -d 'Count these diagnostics as warnings'
+complete -c tessaron -n $any -l error -x -a "$kinds" -d 'Count these diagnostics as errors'
+complete -c tessaron -n $any -l warn -x -a "$kinds" -d 'Count these diagnostics as warnings'
 complete -c tessaron -n $script -s D -l define -x -d 'A text replacement, NAME=VALUE'
 complete -c tessaron -n $script -l symbol -x -d 'The address of a symbol, NAME=FILE:SYMBOL'
 complete -c tessaron -n $script -l keep-going -d 'Go on after a statement that failed'
-complete -c tessaron -n $script -l ignore -x -d 'Drop these diagnostics'
+complete -c tessaron -n $script -l ignore -x -a "$kinds" -d 'Drop these diagnostics'
 complete -c tessaron -n $script -l werror -d 'Count all warnings as errors'
 complete -c tessaron -n $run -l depfile -r -d 'Write the files that the run read'
 complete -c tessaron -n $run -l manifest -r -d 'Write what went in and came out'

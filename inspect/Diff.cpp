@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <vector>
 
@@ -9,6 +10,7 @@
 #include "inspect/Words.hpp"
 #include "io/formats/InputFormats.hpp"
 #include "util/Hex.hpp"
+#include "util/Printable.hpp"
 
 namespace Inspect {
 
@@ -58,9 +60,14 @@ public:
     explicit Lines(std::size_t most) : most_(most) {}
     bool isFull() const { return most_ != 0 && count_ >= most_; }
     void add(const std::string& line) {
+        if (isFull()) {
+            ++skipped_;
+            return;
+        }
         ++count_;
         text_ += line + "\n";
     }
+    /// Counts lines that would be added to a full list, without making them.
     void skip(std::uint64_t count) { skipped_ += count; }
     std::string text() const {
         if (skipped_ == 0) return text_;
@@ -91,24 +98,12 @@ public:
 
     void appendTo(Lines& lines) const {
         for (const Hunk& hunk : hunks()) {
-            const std::uint64_t rows = hunk.last - hunk.first + 1;
-            if (lines.isFull()) {
-                lines.skip(rows + 2);
-                continue;
-            }
             lines.add("");
             lines.add(rangeText(hunk.changed) + ": " + countText(hunk.bytes, "byte") +
                       (hunk.bytes == 1 ? " differs" : " differ"));
-            for (std::uint64_t row = hunk.first;; ++row) {
-                if (lines.isFull())
-                    lines.skip(hunk.last - row + 1);
-                else
-                    lines.add(rowText(row));
-                if (row == hunk.last || lines.isFull()) {
-                    lines.skip(hunk.last - row);
-                    break;
-                }
-            }
+            std::uint64_t rows = hunk.last - hunk.first + 1;
+            for (; rows != 0 && !lines.isFull(); --rows) lines.add(rowText(hunk.last - rows + 1));
+            lines.skip(rows);
         }
     }
 
@@ -140,18 +135,27 @@ private:
             left.push_back(byteAt(diff_->left->parts, row * perRow_ + i));
             right.push_back(byteAt(diff_->right->parts, row * perRow_ + i));
         }
-        return addressText(row * perRow_) + " " + side(left, right, "\033[31m") + "|" +
-               side(right, left, "\033[32m");
+        std::vector<bool> isOther;
+        for (std::size_t i = 0; i < perRow_; ++i)
+            isOther.push_back(left[i] != right[i] && !isIgnored(row * perRow_ + i));
+        return addressText(row * perRow_) + " " + side(left, isOther, "\033[31m") + "|" +
+               side(right, isOther, "\033[32m");
+    }
+
+    bool isIgnored(std::uint64_t address) const {
+        const AreaList& ignored = diff_->ignored;
+        const auto after = std::ranges::upper_bound(ignored, address, {}, &Area::start);
+        return after != ignored.begin() && std::prev(after)->contains({address, 1});
     }
 
     /// Bytes that differ are in brackets, so that they show without colors too.
-    std::string side(const std::vector<Byte>& own, const std::vector<Byte>& other,
+    std::string side(const std::vector<Byte>& own, const std::vector<bool>& differs,
                      const char* color) const {
         std::string text;
         std::string letters;
         bool isOpen = false;
         for (std::size_t i = 0; i < own.size(); ++i) {
-            const bool isOther = own[i] != other[i];
+            const bool isOther = differs[i];
             text += isOther == isOpen ? " " : isOther ? "[" : "]";
             isOpen = isOther;
             std::string digits = "--";
@@ -174,13 +178,9 @@ private:
 void appendAreas(Lines& lines, const AreaList& areas, const std::string& path) {
     if (areas.empty()) return;
     lines.add("");
-    lines.add("only in " + path + ":");
-    for (const Area& area : areas) {
-        if (lines.isFull())
-            lines.skip(1);
-        else
-            lines.add("  " + rangeText(area) + "  " + countText(area.length, "byte"));
-    }
+    lines.add("only in " + Util::printable(path) + ":");
+    for (const Area& area : areas)
+        lines.add("  " + rangeText(area) + "  " + countText(area.length, "byte"));
 }
 
 std::string startText(const Image& image) {
@@ -189,7 +189,7 @@ std::string startText(const Image& image) {
 
 std::string headText(const char* mark, const Image& image) {
     const AreaList areas = image.areas();
-    return mark + image.path + "  " + formatText(image.format) + ", " +
+    return mark + Util::printable(image.path) + "  " + formatText(image.format) + ", " +
            countText(byteCount(areas), "byte") + " in " + countText(areas.size(), "area") +
            ", start address " + startText(image) + "\n";
 }
@@ -222,7 +222,7 @@ bool saysStart(const Image& image) {
 }  // namespace
 
 Diff compare(const Image& left, const Image& right, const AreaList& ignored) {
-    Diff diff{&left, &right, {}, false};
+    Diff diff{&left, &right, {}, false, joined(ignored, 0)};
     const auto borders = bordersOf(left.parts, right.parts);
     for (std::size_t i = 0; i + 1 < borders.size(); ++i) {
         const Area range{borders[i], borders[i + 1] - borders[i]};
@@ -230,12 +230,10 @@ Diff compare(const Image& left, const Image& right, const AreaList& ignored) {
             Buffer::appendDifferences(partWith(left.parts, range), partWith(right.parts, range),
                                       range, diff.where);
     }
-    AreaList holes = ignored;
-    std::ranges::sort(holes, {}, &Area::start);
-    if (!holes.empty())
+    if (!diff.ignored.empty())
         for (AreaList* const areas :
              {&diff.where.changed, &diff.where.onlyLeft, &diff.where.onlyRight})
-            *areas = without(*areas, holes);
+            *areas = without(*areas, diff.ignored);
     diff.hasOtherStart = saysStart(left) && saysStart(right) &&
                          left.startAddress.value_or(0) != right.startAddress.value_or(0);
     return diff;
@@ -248,9 +246,10 @@ std::string textOf(const Diff& diff, const DiffStyle& style) {
     text += countText(byteCount(diff.where.changed), "byte") +
             (byteCount(diff.where.changed) == 1 ? " differs" : " differ") + " in " +
             countText(diff.where.changed.size(), "range") + ", " +
-            countText(byteCount(diff.where.onlyLeft), "byte") + " only in " + diff.left->path +
-            ", " + countText(byteCount(diff.where.onlyRight), "byte") + " only in " +
-            diff.right->path + "\n";
+            countText(byteCount(diff.where.onlyLeft), "byte") + " only in " +
+            Util::printable(diff.left->path) + ", " +
+            countText(byteCount(diff.where.onlyRight), "byte") + " only in " +
+            Util::printable(diff.right->path) + "\n";
     Lines lines(style.mostLines);
     appendAreas(lines, diff.where.onlyLeft, diff.left->path);
     appendAreas(lines, diff.where.onlyRight, diff.right->path);

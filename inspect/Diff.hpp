@@ -16,6 +16,7 @@ struct Diff {
     Buffer::Differences where;
     /// Both files say what the start address is, and it is not the same. None counts as 0.
     bool hasOtherStart = false;
+    Buffer::AreaList ignored;  ///< ascending, without overlap
 
     bool isEqual() const {
         return where.changed.empty() && where.onlyLeft.empty() && where.onlyRight.empty() &&

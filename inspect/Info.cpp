@@ -10,6 +10,7 @@
 #include "io/formats/AnyFile.hpp"
 #include "io/import/Malformed.hpp"
 #include "util/Hex.hpp"
+#include "util/Printable.hpp"
 
 namespace Inspect {
 
@@ -72,9 +73,9 @@ std::string remarkText(const Remark& remark) {
     std::string text = "  " + remark.severity + "   ";
     text.resize(12, ' ');
     if (remark.line != 0) text += "line " + std::to_string(remark.line) + ": ";
-    text += remark.text;
+    text += Util::printable(remark.text);
     if (!remark.name.empty()) text += " [" + remark.name + "]";
-    if (!remark.hint.empty()) text += "\n" + std::string(12, ' ') + remark.hint;
+    if (!remark.hint.empty()) text += "\n" + std::string(12, ' ') + Util::printable(remark.hint);
     return text + "\n";
 }
 
@@ -180,7 +181,7 @@ std::string symbolsText(const std::vector<Loaded>& symbols) {
     for (const Loaded& symbol : symbols)
         text += "  " + left(addressText(symbol.area.start), 10) +
                 right(grouped(symbol.area.length), 10) + "  " + left(symbol.kind, 8) + "  " +
-                symbol.name + "\n";
+                Util::printable(symbol.name) + "\n";
     return text;
 }
 
@@ -211,8 +212,8 @@ Info infoAbout(const std::string& path, bool withSymbols) {
 }
 
 std::string textOf(const Info& info, std::size_t width) {
-    std::string text =
-        info.path + ": " + formatText(info.format) + ", " + countText(info.fileSize, "byte") + "\n";
+    std::string text = Util::printable(info.path) + ": " + formatText(info.format) + ", " +
+                       countText(info.fileSize, "byte") + "\n";
     if (info.records.total() != 0) text += recordsText(info.records, width);
     if (info.startAddress) text += "  start     " + addressText(*info.startAddress) + "\n";
     for (const std::string& device : info.devices) text += "  device    " + device + "\n";

@@ -6,6 +6,7 @@
 #include "inspect/Image.hpp"
 #include "inspect/Info.hpp"
 #include "inspect/Words.hpp"
+#include "util/Printable.hpp"
 
 /// What the JSON outputs have in common. Addresses are texts, "0x08000000", since people compare
 /// them; numbers of bytes are numbers.
@@ -33,9 +34,10 @@ inline Json toJson(const Remark& remark) {
     return json;
 }
 
-/// Bytes that are no UTF-8, as a path may have them, are replaced.
+/// Bytes that are not UTF-8, as a path may have them, are replaced.
 inline std::string dump(const Json& json, int indent = 2) {
-    return json.dump(indent, ' ', false, Json::error_handler_t::replace) + "\n";
+    return Util::printableJson(json.dump(indent, ' ', false, Json::error_handler_t::replace)) +
+           "\n";
 }
 
 }  // namespace Inspect

@@ -1,11 +1,15 @@
 #include "inspect/Map.hpp"
-#include "inspect/Words.hpp"
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <set>
 #include <span>
+#include <string_view>
 #include <utility>
+
+#include "inspect/Words.hpp"
+#include "util/Printable.hpp"
 
 namespace Inspect {
 
@@ -143,12 +147,6 @@ std::string summary(const MapRow& row) {
     return text;
 }
 
-/// Characters, not bytes, of a text in UTF-8.
-std::size_t columns(const std::string& text) {
-    return static_cast<std::size_t>(std::ranges::count_if(
-        text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80; }));
-}
-
 /// The number of cells of a panel of up to `most`; none is smaller than a byte.
 std::size_t cellCount(const Area& panel, std::size_t most) {
     return static_cast<std::size_t>(std::min<std::uint64_t>(most, panel.length));
@@ -183,9 +181,8 @@ private:
     const char* sign(const Look& look) const { return isUnicode_ ? look.block : look.ascii; }
 
     std::string rowText(const Area& panel, const MapRow& row) {
-        std::string label = labels_ == 0 ? std::string() : row.label;
-        while (columns(label) > labels_) label.pop_back();
-        label.append(labels_ - columns(label), ' ');
+        std::string label(Util::firstCharacters(Util::printable(row.label), labels_));
+        label.append(labels_ - Util::characters(label), ' ');
         std::string text = " ";
         text.append(label).append(isUnicode_ ? "▕" : "|");
         const std::size_t count = cellCount(panel, bar_);
@@ -206,16 +203,17 @@ private:
 /// Draws panels as SVG, from top to bottom.
 class SvgDrawing {
 public:
-    void addText(const std::string& words, std::size_t step) {
-        body_ += "<text x=\"" + std::to_string(left) + "\" y=\"" + std::to_string(y_) + "\">" +
-                 escaped(words) + "</text>\n";
-        y_ += step;
+    void addLine(const std::string& words) {
+        addText(words, left, y_);
+        y_ += 20;
     }
 
     void addPanel(const Area& panel, const std::vector<MapRow>& rows) {
         y_ += 20;
-        addText(rangeText(panel) + ", " + sizeText(panel.length), 8);
+        addText(rangeText(panel) + ", " + sizeText(panel.length), bars, y_);
+        y_ += 8;
         for (const MapRow& row : rows) addRow(panel, row);
+        addScale(panel);
     }
 
     void addLegend() {
@@ -224,14 +222,13 @@ public:
         for (const Look* const look : {&lookOf(MapKind::Data), &partLook, &lookOf(MapKind::Value),
                                        &lookOf(MapKind::Filler), &lookOf(MapKind::Gap)}) {
             addBox(*look, x, y_ - 12, 14, 14);
-            body_ += "<text x=\"" + std::to_string(x + 20) + "\" y=\"" + std::to_string(y_) +
-                     "\">" + look->word + "</text>\n";
+            addText(look->word, x + 20, y_);
             x += 130;
         }
     }
 
     std::string document() const {
-        const std::string size = std::to_string(width + 2 * left);
+        const std::string size = std::to_string(bars + width + lastLabel);
         const std::string height = std::to_string(y_ + 20);
         std::string colors;
         for (const Look& look : looks)
@@ -244,7 +241,7 @@ public:
         return "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " + size + " " + height +
                "\" width=\"" + size + "\" height=\"" + height + "\" role=\"img\">\n<style>" +
                colors +
-               ".part{fill:#7ea6cc}.gap{fill:#eee;stroke:#888}"
+               ".part{fill:#7ea6cc}.gap{fill:#eee;stroke:#888}path{stroke:#888}"
                "text{font:13px sans-serif;fill:#222}</style>\n<rect width=\"100%\" "
                "height=\"100%\" fill=\"#fff\"/>\n" +
                body_ + "</svg>\n";
@@ -255,6 +252,38 @@ private:
     static constexpr std::size_t rowHeight = 26;
     static constexpr std::size_t boxHeight = rowHeight - 6;
     static constexpr std::size_t left = 20;
+    static constexpr std::size_t labels = 200;
+    static constexpr std::size_t bars = left + labels;
+    static constexpr std::size_t lastLabel = 100;  ///< of the scale, right of the bars at most
+
+    void addText(std::string_view words, std::size_t x, std::size_t y) {
+        body_ += "<text x=\"" + std::to_string(x) + "\" y=\"" + std::to_string(y) + "\">" +
+                 Util::printableMarkup(words) + "</text>\n";
+    }
+
+    /// The end of a name says more than the folders before it.
+    static std::string labelOf(const MapRow& row) {
+        constexpr std::size_t most = 26;
+        constexpr std::string_view cut = "...";
+        std::string label = Util::printable(row.label);
+        if (Util::characters(label) <= most) return label;
+        return std::string(cut).append(Util::lastCharacters(label, most - cut.size()));
+    }
+
+    /// Round addresses below the bars of a panel, six or less.
+    void addScale(const Area& panel) {
+        constexpr std::uint64_t fewest = 6;
+        const std::uint64_t step = std::bit_ceil((panel.length + fewest - 1) / fewest);
+        std::uint64_t offset = (step - panel.start % step) % step;
+        for (; offset < panel.length; offset += step) {
+            const double part = static_cast<double>(offset) / static_cast<double>(panel.length);
+            const std::size_t x = bars + static_cast<std::size_t>(part * width);
+            body_ += "<path d=\"M" + std::to_string(x) + " " + std::to_string(y_ - 4) + "v6\"/>\n";
+            addText(addressText(panel.start + offset), x, y_ + 14);
+            if (panel.length - offset <= step) break;
+        }
+        y_ += 20;
+    }
 
     void addBox(const Look& look, std::size_t x, std::size_t y, std::size_t boxWidth,
                 std::size_t height) {
@@ -264,8 +293,9 @@ private:
     }
 
     void addRow(const Area& panel, const MapRow& row) {
-        body_ += "<g><title>" + escaped(row.label) + "</title>";
-        addBox(lookOf(MapKind::Gap), left, y_, width, boxHeight);
+        body_ += "<g><title>" + Util::printableMarkup(row.label) + "</title>";
+        addText(labelOf(row), left, y_ + 15);
+        addBox(lookOf(MapKind::Gap), bars, y_, width, boxHeight);
         // Cells that look alike become one rectangle, so that no map has more than a thousand.
         const std::size_t count = cellCount(panel, width);
         const auto cells = cellsOf(row, panel, count);
@@ -275,7 +305,7 @@ private:
             std::size_t next = i + 1;
             while (next < count && lookAt(next) == look) ++next;
             if (look != &lookOf(MapKind::Gap))
-                addBox(*look, left + i * width / count, y_,
+                addBox(*look, bars + i * width / count, y_,
                        next * width / count - i * width / count, boxHeight);
             i = next;
         }
@@ -297,8 +327,9 @@ std::string Map::text(std::size_t width, bool isUnicode) const {
     std::string text;
     std::size_t longest = 0;
     for (const MapRow& row : rows_) {
-        text += row.label + ": " + summary(row) + "\n";
-        longest = std::max(longest, columns(row.label));
+        const std::string label = Util::printable(row.label);
+        text += label + ": " + summary(row) + "\n";
+        longest = std::max(longest, Util::characters(label));
     }
     // The labels are needed only where there are several rows, and give way to the bar.
     const std::size_t labels = rows_.size() < 2 ? 0 : std::min(longest, room / 3);
@@ -316,7 +347,7 @@ std::string Map::text(std::size_t width, bool isUnicode) const {
 
 std::string Map::svg() const {
     SvgDrawing drawing;
-    for (const MapRow& row : rows_) drawing.addText(row.label + ": " + summary(row), 20);
+    for (const MapRow& row : rows_) drawing.addLine(row.label + ": " + summary(row));
     for (const Area& panel : panels_) drawing.addPanel(panel, rows_);
     drawing.addLegend();
     return drawing.document();

@@ -12,6 +12,7 @@
 #include "inspect/RunRecord.hpp"
 #include "inspect/Words.hpp"
 #include "util/Hex.hpp"
+#include "util/Printable.hpp"
 
 namespace Inspect {
 
@@ -146,7 +147,7 @@ private:
     Json imageJson(const ImageRecord& image, std::size_t most);
 
     void add(std::string_view html) { text_ += html; }
-    void addText(std::string_view words) { text_ += escaped(words); }
+    void addText(std::string_view words) { text_ += Util::printableMarkup(words); }
     /// A cell, or a column's head if `tag` says so.
     void addCell(std::string_view words, const char* attributes = "") {
         text_.append("<td").append(attributes).append(">");
@@ -442,7 +443,7 @@ void Page::addMade(std::size_t line) {
 
 /// What the page's script needs of an image.
 Json Page::imageJson(const ImageRecord& image, std::size_t most) {
-    Json json{{"name", image.name},
+    Json json{{"name", Util::printable(image.name)},
               {"start", image.image->getStartAddress()},
               {"length", image.image->getDataLength()}};
     json["ranges"] = Json::array();
@@ -453,7 +454,7 @@ Json Page::imageJson(const ImageRecord& image, std::size_t most) {
     hasAllRanges_ = hasAllRanges_ && shown == image.ranges.size();
     for (std::size_t i = 0; i < shown; ++i) {
         const OriginRange& range = image.ranges[i];
-        const Json origin{range.file, range.line, range.firstLine, range.lastLine};
+        const Json origin{Util::printable(range.file), range.line, range.firstLine, range.lastLine};
         Json lines = Json::array();
         for (const LineRun& run : range.lines)
             lines.push_back({run.area.start, run.area.length, run.firstLine, run.bytesPerLine});
@@ -482,7 +483,7 @@ void Page::addData() {
     }
     for (const std::size_t line : used)
         if (line != 0 && line <= lines_.size())
-            json["statements"][std::to_string(line)] = lines_[line - 1];
+            json["statements"][std::to_string(line)] = Util::printableColumns(lines_[line - 1]);
     if (!hasAllRanges_) add("<p>The maps show the first ranges of each image only.</p>\n");
     if (!hasAllBytes_)
         add("<p>The images are too long for this page: it has the first and the last bytes of each "

@@ -56,20 +56,4 @@ std::string sizeText(std::uint64_t bytes) {
            (unit == kibi ? " KiB" : " MiB");
 }
 
-std::string escaped(std::string_view text) {
-    std::string safe;
-    for (const char c : text) {
-        const bool isControl = static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\n';
-        if (c == '&')
-            safe += "&amp;";
-        else if (c == '<')
-            safe += "&lt;";
-        else if (c == '"')
-            safe += "&quot;";
-        else
-            safe += isControl ? ' ' : c;
-    }
-    return safe;
-}
-
 }  // namespace Inspect

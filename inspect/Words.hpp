@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 #include "buffer/Area.hpp"
 
@@ -32,8 +31,5 @@ std::string grouped(std::uint64_t number);
 
 /// "16 bytes", "1.5 KiB", "3.0 MiB": a number of bytes for a quick look.
 std::string sizeText(std::uint64_t bytes);
-
-/// The text in HTML and SVG: marks are replaced, and control characters that XML does not have.
-std::string escaped(std::string_view text);
 
 }  // namespace Inspect

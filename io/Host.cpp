@@ -1,5 +1,6 @@
 #include "io/Host.hpp"
 
+#include <array>
 #include <utility>
 
 #include "platform/Process.hpp"
@@ -39,6 +40,16 @@ std::unique_ptr<OutputStream> Host::createOutput(const std::string& path, Platfo
 
 int Host::runProgram(const std::string& location, const std::string& arguments) {
     return Platform::runProgram(location, arguments);
+}
+
+std::optional<std::string> Host::timeText() {
+    const std::time_t now = std::time(nullptr);
+    return Io::timeText(*std::localtime(&now));
+}
+
+std::string timeText(const std::tm& time) {
+    std::array<char, sizeof "-2147483648-12-31 23:59:59"> text{};
+    return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &time)};
 }
 
 Host& host() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ctime>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,8 +25,8 @@ public:
     virtual bool close() = 0;
 };
 
-/// Where a run finds its files and programs. This one is the machine itself; a front end may put
-/// another one in its place.
+/// Where a run finds its files, its programs and the time. This one is the machine itself; a front
+/// end may put another one in its place.
 class Host {
 public:
     Host() = default;
@@ -43,7 +44,14 @@ public:
 
     /// Runs a program and waits for its end, see Platform::runProgram.
     virtual int runProgram(const std::string& location, const std::string& arguments);
+
+    /// The time, as "2021-08-18 14:05:09", that an output gives as that of its making; here the
+    /// local time. Nothing if outputs are to give none.
+    virtual std::optional<std::string> timeText();
 };
+
+/// A time of day as "2021-08-18 14:05:09".
+std::string timeText(const std::tm& time);
 
 /// The host in force on this thread: that of the innermost scope, or the machine itself.
 Host& host();

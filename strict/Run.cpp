@@ -16,6 +16,7 @@
 #include "parser/commands/Conventions.hpp"
 #include "parser/text/VariableExpansion.hpp"
 #include "platform/Files.hpp"
+#include "platform/Paths.hpp"
 #include "platform/Replace.hpp"
 #include "platform/Streams.hpp"
 #include "strict/Audit.hpp"
@@ -58,6 +59,12 @@ std::optional<ScriptBytes> read(const RunOptions& options, bool withDigest, Diag
         isStandardInput ? Platform::readStandardInput() : Platform::readFile(options.script);
     if (!contents) {
         std::error_code error = Platform::lastError();
+        if (isStandardInput && error == std::errc::is_a_directory) {
+            sink.take({Kind::CannotOpen,
+                       "cannot read the script from standard input: it is closed "
+                       "or a folder"});
+            return std::nullopt;
+        }
         if (!error && !isStandardInput) error = Platform::outputTarget(options.script).error;
         sink.take({Kind::CannotOpen, "cannot open the script " + options.script + ": " +
                                          (error ? error.message() : "it has no end to wait for")});
@@ -93,6 +100,11 @@ std::unique_ptr<ScriptText> prepare(const RunOptions& options, std::string text,
     constexpr std::string_view mark = "\xEF\xBB\xBF";
     if (text.starts_with(mark)) text.erase(0, mark.size());
     const std::string name = options.script == "-" ? "<stdin>" : options.script;
+    if (const char* const encoding = wideEncodingOf(text)) {
+        sink.take({Kind::Syntax, "the script " + name + " is in " + encoding, std::nullopt,
+                   "save it as UTF-8"});
+        return nullptr;
+    }
     try {
         return std::make_unique<ScriptText>(name, std::move(text), options.variables);
     } catch (const Parser::VariableError& error) {
@@ -344,7 +356,11 @@ ExitCode runWith(RunFiles& files, RunOptions options, Printer& printer, std::ost
             written->sha256,      &options.variables,      script.get(), &parsed.statements(),
             &execution.context(), &execution.provenance(), &files};
         Inspect::RunRecord record = recordOf(ran, !options.report.empty() || options.comparesDisk);
+        remarks.finish();
         record.remarks = std::move(remarks.remarks);
+        // The record names all files by portable paths, its links lead from one to the other.
+        for (Inspect::Remark& remark : record.remarks)
+            remark.file = Platform::portablePath(remark.file);
         if (!useRecord(options, record, files, printer)) return ExitCode::Failed;
     }
     if (!options.dependencyFile.empty() && !options.isCheck)

@@ -42,7 +42,7 @@ void RunListener::reportField(const FieldFact& fact) {
     FieldWords words = wordsFor(fact);
     if (words.line == 0)
         reports_->report(words.kind, std::move(words.text), {Parser::Role::InputFile},
-                         std::move(words.hint));
+                         std::move(words.hint), {}, words.count);
     else
         reports_->reportInput(
             {words.kind, std::move(words.text), placeOf(words), std::move(words.hint)});

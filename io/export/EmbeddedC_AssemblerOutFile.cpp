@@ -5,10 +5,10 @@
 #include <boost/algorithm/string/replace.hpp>
 #include <charconv>
 #include <cstring>
-#include <ctime>
 #include <string_view>
 #include <utility>
 
+#include "io/Host.hpp"
 #include "util/Hex.hpp"
 
 namespace Io::Export {
@@ -28,6 +28,13 @@ bool isDottedName(std::string_view section) {
         "_abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
     return section.size() > 1 && section.front() == '.' &&
            section.find_first_not_of(letters, 1) == std::string_view::npos;
+}
+
+void eraseLinesWith(std::string& text, std::string_view word) {
+    for (std::size_t at = text.find(word); at != std::string::npos; at = text.find(word)) {
+        const std::size_t begin = text.rfind('\n', at) + 1;
+        text.erase(begin, std::min(text.find('\n', at), text.size() - 1) + 1 - begin);
+    }
 }
 
 }  // namespace
@@ -75,18 +82,14 @@ void EmbeddedC_AssemblerOutFile::insert(const ImageView& image) {
     outputBytes_.append(image);
 }
 
-std::string EmbeddedC_AssemblerOutFile::getTimeString() {
-    const std::time_t now = std::time(nullptr);
-    std::array<char, sizeof "-2147483648-12-31 23:59:59"> text{};
-    const std::size_t length =
-        std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", std::localtime(&now));
-    return {text.data(), length};
-}
-
-std::string EmbeddedC_AssemblerOutFile::filledIn(std::string text, const std::string& time) const {
+std::string EmbeddedC_AssemblerOutFile::filledIn(std::string text,
+                                                 const std::optional<std::string>& time) const {
     using boost::algorithm::replace_all;
     replace_all(text, "@size", lowerHex(outputBytes_.size()));
-    replace_all(text, "@time", time);
+    if (time)
+        replace_all(text, "@time", *time);
+    else
+        eraseLinesWith(text, "@time");
     replace_all(text, "@elementsPerLine", std::to_string(outputStyle_.elementsPerLine));
     return text;
 }
@@ -99,7 +102,7 @@ std::string EmbeddedC_AssemblerOutFile::sectionLines() const {
 }
 
 void EmbeddedC_AssemblerOutFile::saveToFile() {
-    const std::string time = getTimeString();
+    const auto time = host().timeText();
     const std::string head = filledIn(outputStyle_.header, time) + sectionLines();
     const std::string foot = filledIn(outputStyle_.footer, time);
     const ElementRow row(outputStyle_);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "io/OutFile.hpp"
@@ -13,9 +14,8 @@ namespace Io::Export {
 /// Writes the bytes of the images, one after the other, as byte directives for the inline
 /// assembler of a C compiler, between a header and a footer.
 ///
-/// In both, "@size" is replaced by the number of bytes in hexadecimal, "@time" by the local time
-/// and
-/// "@elementsPerLine" by that setting.
+/// In both, "@size" is replaced by the number of bytes in hexadecimal, "@elementsPerLine" by that
+/// setting and "@time" by the time of the host. Lines with "@time" are left out if it has none.
 class EmbeddedC_AssemblerOutFile final : public TextOutFile, public TessaronExportApi {
 public:
     EmbeddedC_AssemblerOutFile(std::string path, EmbeddedOutputStyle style);
@@ -24,13 +24,10 @@ public:
     void saveToFile() override;
     void setExecutionAddress(std::uint64_t /*address*/) override {}
 
-    /// The current local time, as in 2021-08-18 14:05:09.
-    static std::string getTimeString();
-
 private:
     class ElementRow;
 
-    std::string filledIn(std::string text, const std::string& time) const;
+    std::string filledIn(std::string text, const std::optional<std::string>& time) const;
     std::string sectionLines() const;
     void writeDataLines(PieceWriter& out, const ElementRow& row) const;
 

@@ -252,7 +252,9 @@ bool CmdWriteFile::isPossible() const {
         return false;
     }
     const std::uint32_t width = styles_.vmemStyle.wordBytes;
-    if (!std::has_single_bit(width) || width > largestWord) {
+    // A format that was named before does not count.
+    const bool hasWords = format_->setNumber == &setWordBytes;
+    if (hasWords && (!std::has_single_bit(width) || width > largestWord)) {
         Facts::report(Facts::FormatNumberWrong{format_->keyword, fileName_, width});
         return false;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -32,6 +33,7 @@ struct Diagnostic {
     std::optional<Place> place = {};
     std::string hint = {};  ///< what to do, shown beside the caret; may be empty
     std::vector<Note> notes = {};
+    std::uint64_t count = 1;  ///< findings that it sums up
 };
 
 /// Takes diagnostics in the order in which they come up.
@@ -43,6 +45,10 @@ public:
     DiagnosticSink& operator=(const DiagnosticSink&) = delete;
 
     virtual void take(const Diagnostic& diagnostic) = 0;
+
+    /// Takes note of `count` more diagnostics of a kind of which more came up than are shown. Their
+    /// texts are not made.
+    virtual void countMore(Kind kind, std::uint64_t count) = 0;
 };
 
 }  // namespace Strict

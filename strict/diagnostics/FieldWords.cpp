@@ -157,7 +157,12 @@ struct WordsFor {
         return {kindOf(fact.fault),
                 counted(fact.count, "more line", "more lines") + " of " + std::string(fact.file) +
                     (fact.count == 1 ? " is" : " are") + " damaged",
-                "", fact.file};
+                "",
+                fact.file,
+                0,
+                0,
+                {},
+                fact.count};
     }
 
     FieldWords operator()(const LinesTolerated& fact) const {
@@ -214,7 +219,12 @@ struct WordsFor {
         return {fact.areConflicts ? Kind::Conflict : Kind::Overlap,
                 counted(fact.count, "more range", "more ranges") + " of " + std::string(fact.file) +
                     " with " + (fact.areConflicts ? "other bytes" : "the same bytes again"),
-                "", fact.file};
+                "",
+                fact.file,
+                0,
+                0,
+                {},
+                fact.count};
     }
 };
 

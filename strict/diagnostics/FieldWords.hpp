@@ -19,6 +19,7 @@ struct FieldWords {
     std::uint64_t line = 0;  ///< of the file; 0 for the file as a whole
     std::size_t column = 0;  ///< in bytes, counted from 1; 0 for the whole line
     std::string_view excerpt = {};
+    std::uint64_t count = 1;  ///< findings that it sums up
 };
 
 FieldWords wordsFor(const Facts::FieldFact& fact);

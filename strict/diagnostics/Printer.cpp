@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
+
+#include "util/Printable.hpp"
 
 namespace Strict {
 
@@ -22,21 +25,20 @@ const char* colorOf(Severity severity) {
 
 /// "file:line:column: ", as far as the place goes.
 std::string prefix(const Place& place) {
-    std::string text = place.file + ":";
+    std::string text = Util::printable(place.file) + ":";
     if (place.line != 0) text += std::to_string(place.line) + ":";
     if (place.column != 0) text += std::to_string(place.column) + ":";
     return text + " ";
 }
 
-/// The text with a blank for each control character: a terminal obeys some of them, and others
-/// take no column.
-std::string shown(std::string text) {
-    const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; };
-    std::ranges::replace_if(text, isControl, ' ');
-    return text;
+/// A line of JSON. Bytes that are not UTF-8 are replaced.
+std::string lineOf(const nlohmann::ordered_json& json) {
+    return Util::printableJson(
+               json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)) +
+           "\n";
 }
 
-/// A place as an object of JSON. Bytes that are no UTF-8 are replaced when it is printed.
+/// A place as an object of JSON.
 nlohmann::ordered_json toJson(const Place& place) {
     nlohmann::ordered_json json{{"file", place.file}};
     if (place.line != 0) json["line"] = place.line;
@@ -54,8 +56,34 @@ void Printer::take(const Diagnostic& diagnostic) {
     if (other_ != nullptr) other_->take(diagnostic);
     const Severity severity = policy_->severityOf(diagnostic);
     errors_ += severity == Severity::Error ? 1U : 0U;
-    if (severity == Severity::Ignored) return;
-    if (severity == Severity::Warning && isQuiet_) return;
+    if (isShown(severity) && allowance_.admits(diagnostic)) print(diagnostic, severity);
+}
+
+void Printer::countMore(Kind kind, std::uint64_t count) {
+    if (other_ != nullptr) other_->countMore(kind, count);
+    const Severity severity = policy_->severityOf(kind);
+    errors_ += severity == Severity::Error ? count : 0U;
+    if (isShown(severity)) allowance_.countMore(kind, count);
+}
+
+bool Printer::isShown(Severity severity) const {
+    return severity != Severity::Ignored && !(severity == Severity::Warning && isQuiet_);
+}
+
+void Printer::finish() {
+    const std::string rest = allowance_.restText();
+    if (rest.empty()) return;
+    if (format_ == DiagnosticFormat::Text) {
+        print({std::nullopt, rest}, Severity::Note);
+        return;
+    }
+    nlohmann::ordered_json json{{"severity", wordFor(Severity::Note)}, {"text", rest}};
+    for (const auto& [kind, count] : allowance_.rest())
+        json["notShown"][kind ? nameOf(*kind) : "note"] = count;
+    *out_ << lineOf(json) << std::flush;
+}
+
+void Printer::print(const Diagnostic& diagnostic, Severity severity) {
     const bool isJson = format_ == DiagnosticFormat::Json;
     // In one piece, since standard error has no buffer of its own.
     *out_ << (isJson ? jsonOf(diagnostic, severity) : textOf(diagnostic, severity)) << std::flush;
@@ -63,14 +91,14 @@ void Printer::take(const Diagnostic& diagnostic) {
 
 std::string Printer::textOf(const Place& place, const std::string& hint) const {
     if (place.line == 0 || (place.excerpt.empty() && hint.empty()))
-        return hint.empty() ? "" : "    " + shown(hint) + "\n";
+        return hint.empty() ? "" : "    " + Util::printable(hint) + "\n";
     constexpr std::size_t narrowest = 4;
     const std::string number = std::to_string(place.line);
     const std::size_t width = std::max(number.size(), narrowest) + 1;
     std::string text(width - number.size(), ' ');
     text += number;
     text += " | ";
-    text += shown(place.excerpt);
+    text += Util::printableColumns(place.excerpt);
     text += '\n';
     if (place.column == 0 && hint.empty()) return text;
     text.append(width, ' ');
@@ -84,7 +112,7 @@ std::string Printer::textOf(const Place& place, const std::string& hint) const {
         text.append(place.caretLength - 1, '~');
         if (!hint.empty()) text += ' ';
     }
-    text += shown(hint);
+    text += Util::printable(hint);
     text += place.column == 0 ? "" : color(plain);
     text += '\n';
     return text;
@@ -97,19 +125,19 @@ std::string Printer::textOf(const Diagnostic& diagnostic, Severity severity) con
     text += wordFor(severity);
     text += ": ";
     text += color(plain);
-    text += color(bold) + shown(diagnostic.text) + color(plain);
+    text += color(bold) + Util::printable(diagnostic.text) + color(plain);
     if (diagnostic.kind) text.append(" [").append(nameOf(*diagnostic.kind)).append("]");
     text += '\n';
     if (diagnostic.place)
         text += textOf(*diagnostic.place, diagnostic.hint);
     else if (!diagnostic.hint.empty())
-        text += "    " + shown(diagnostic.hint) + "\n";
+        text += "    " + Util::printable(diagnostic.hint) + "\n";
     for (const Note& note : diagnostic.notes) {
         text += color(bold);
         text += note.place ? prefix(*note.place) : "    ";
         text += color(cyan);
         text += "note: ";
-        text += color(plain) + shown(note.text) + "\n";
+        text += color(plain) + Util::printable(note.text) + "\n";
         if (note.place) text += textOf(*note.place, {});
     }
     return text;
@@ -126,7 +154,7 @@ std::string Printer::jsonOf(const Diagnostic& diagnostic, Severity severity) {
         if (note.place) entry.update(toJson(*note.place));
         json["notes"].push_back(entry);
     }
-    return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    return lineOf(json);
 }
 
 }  // namespace Strict

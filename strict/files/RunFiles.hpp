@@ -13,6 +13,7 @@
 #include "io/Host.hpp"
 #include "platform/Replace.hpp"
 #include "strict/files/DigestThread.hpp"
+#include "strict/files/SourceDate.hpp"
 
 namespace Strict {
 
@@ -77,6 +78,7 @@ public:
     std::unique_ptr<Io::OutputStream> createOutput(const std::string& path,
                                                    Platform::FileMode mode) override;
     int runProgram(const std::string& location, const std::string& arguments) override;
+    std::optional<std::string> timeText() override { return sourceDate(); }
 
     /// Lets the digests of all files be computed from now on, while they are read and written.
     void keepDigests() { digests_ = std::make_unique<Digests>(); }

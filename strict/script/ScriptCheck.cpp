@@ -39,11 +39,11 @@ void ScriptCheck::check(const ParsedScript& parsed) {
     for (std::size_t i = 0; i <= statements.size(); ++i) {
         for (; broken != parsed.broken().end() && broken->statementsBefore == i; ++broken) {
             if (i != 0 && isBroken(statements[i - 1], *broken)) pending_.clear();
-            flush();
+            pending_.moveTo(*sink_);
             makeNames(broken->begun);
             sink_->take(broken->diagnostic);
         }
-        flush();
+        pending_.moveTo(*sink_);
         if (i != statements.size()) checkStatement(statements[i]);
     }
 }
@@ -67,11 +67,6 @@ bool ScriptCheck::isBroken(const Statement& last, const BrokenText& broken) cons
     const std::size_t end = text.find_last_not_of(" \t\n\v\f\r", lastEnd - 1) + 1;
     return broken.offset <= end ||
            text.substr(end, broken.offset - end).find('\n') == std::string_view::npos;
-}
-
-void ScriptCheck::flush() {
-    for (const Diagnostic& diagnostic : pending_) sink_->take(diagnostic);
-    pending_.clear();
 }
 
 /// What a statement that does not parse would have made counts as known.
@@ -134,13 +129,13 @@ void ScriptCheck::checkHash(const Statement& statement) {
 void ScriptCheck::define(Registry registry, std::string_view name) {
     constexpr std::array<const char*, RegistryCount> described{"an image", "a CRC", "a hash"};
     const auto [entry, isNew] = names_[registry].try_emplace(std::string(name), name);
-    if (isNew) return;
+    if (isNew || !pending_.wants(Kind::DuplicateName)) return;
     Diagnostic diagnostic{
         Kind::DuplicateName,
         std::string("there is already ") + described[registry] + " called " + std::string(name),
         script_->placeOf(name), "this one would be dropped"};
     diagnostic.notes.push_back({"the first one is made here", script_->placeOf(entry->second)});
-    pending_.push_back(std::move(diagnostic));
+    pending_.add(std::move(diagnostic));
 }
 
 void ScriptCheck::use(const Names& names, std::string_view name, const char* what) {
@@ -254,9 +249,10 @@ void ScriptCheck::checkExpression(const Number& number) {
 }
 
 void ScriptCheck::report(Kind kind, std::string text, std::string_view part, std::string hint) {
+    if (!pending_.wants(kind)) return;
     part = part.substr(0, part.find_last_not_of(" \t\n\v\f\r") + 1);
-    pending_.push_back({kind, std::move(text), script_->placeOf(part), std::move(hint),
-                        script_->variableNotes(part)});
+    pending_.add({kind, std::move(text), script_->placeOf(part), std::move(hint),
+                  script_->variableNotes(part)});
 }
 
 }  // namespace Strict

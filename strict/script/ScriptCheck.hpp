@@ -10,6 +10,7 @@
 
 #include "parser/grammar/Statement.hpp"
 #include "strict/diagnostics/Diagnostic.hpp"
+#include "strict/diagnostics/PendingList.hpp"
 #include "strict/script/ParsedScript.hpp"
 #include "strict/script/ScriptText.hpp"
 
@@ -55,14 +56,13 @@ private:
     /// What does not parse goes on in the line of the last statement, so that one is the broken
     /// one.
     bool isBroken(const Parser::Statement& last, const BrokenText& broken) const;
-    void flush();
 
     const ScriptText* script_;
     DiagnosticSink* sink_;
     std::vector<std::string_view> keywords_;
     std::size_t suggestions_ = 0;  ///< that were looked for
     /// What was found in the last statement, which may yet turn out to be broken.
-    std::vector<Diagnostic> pending_;
+    PendingList pending_;
     std::array<Names, RegistryCount> names_;
 };
 

@@ -5,10 +5,13 @@
 
 #include "parser/text/ScriptText.hpp"
 #include "parser/text/VariableExpansion.hpp"
+#include "util/Printable.hpp"
 
 namespace Strict {
 
 namespace {
+
+using Util::characters;
 
 /// Bytes of a long line that are shown on either side of a place.
 constexpr std::size_t shownBefore = 60;
@@ -20,12 +23,22 @@ bool isContinuation(char c) {
     return (static_cast<unsigned char>(c) & mask) == continuation;
 }
 
-/// The characters of a text in UTF-8.
-std::size_t characters(std::string_view text) {
-    return text.size() - static_cast<std::size_t>(std::ranges::count_if(text, &isContinuation));
-}
-
 }  // namespace
+
+const char* wideEncodingOf(std::string_view text) {
+    using namespace std::string_view_literals;
+    const auto hasZeros = [text](std::size_t from, std::size_t count) {
+        const std::string_view part = text.substr(std::min(from, text.size()), count);
+        return part.size() == count && part.find_first_not_of('\0') == std::string_view::npos;
+    };
+    if (text.starts_with("\xFF\xFE\0\0"sv) || text.starts_with("\0\0\xFE\xFF"sv) ||
+        hasZeros(0, 3) || hasZeros(1, 3))
+        return "UTF-32";
+    if (text.starts_with("\xFF\xFE"sv) || text.starts_with("\xFE\xFF"sv) ||
+        (hasZeros(0, 1) && hasZeros(2, 1)) || (hasZeros(1, 1) && hasZeros(3, 1)))
+        return "UTF-16";
+    return nullptr;
+}
 
 ScriptText::ScriptText(std::string file, std::string written,
                        const std::map<std::string, std::string>& variables)

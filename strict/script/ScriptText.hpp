@@ -11,6 +11,10 @@
 
 namespace Strict {
 
+/// "UTF-16" or "UTF-32" if the text begins as one in it, with a byte order mark or with ASCII, or
+/// null.
+const char* wideEncodingOf(std::string_view text);
+
 /// The text of a script as it was written and as it is parsed, and the way between the two.
 class ScriptText {
 public:

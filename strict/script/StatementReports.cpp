@@ -33,8 +33,9 @@ void StatementReports::reportAt(std::string_view part, Diagnostic diagnostic) {
 }
 
 void StatementReports::report(Kind kind, std::string text, Roles roles, std::string hint,
-                              std::vector<Note> notes) {
-    Diagnostic diagnostic{kind, std::move(text), std::nullopt, std::move(hint), std::move(notes)};
+                              std::vector<Note> notes, std::uint64_t count) {
+    Diagnostic diagnostic{kind, std::move(text), std::nullopt, std::move(hint), std::move(notes),
+                          count};
     if (script_ == nullptr) {
         sink_->take(diagnostic);
         return;

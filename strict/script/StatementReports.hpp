@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <initializer_list>
 #include <span>
 #include <string>
@@ -26,12 +27,14 @@ public:
     void enter(const Parser::Statement& statement) { statement_ = statement; }
 
     /// Reports something about the last part with one of the roles, or about the statement.
+    ///
+    /// @param count  findings that it sums up
     void report(Kind kind, std::string text, Roles roles, std::string hint = {},
-                std::vector<Note> notes = {});
+                std::vector<Note> notes = {}, std::uint64_t count = 1);
     void report(Kind kind, std::string text, std::initializer_list<Parser::Role> roles,
-                std::string hint = {}, std::vector<Note> notes = {}) {
+                std::string hint = {}, std::vector<Note> notes = {}, std::uint64_t count = 1) {
         report(kind, std::move(text), Roles(roles.begin(), roles.size()), std::move(hint),
-               std::move(notes));
+               std::move(notes), count);
     }
 
     /// Reports something about a part of the statement.

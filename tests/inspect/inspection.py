@@ -4,10 +4,12 @@
 The images are made of known bytes, the files by srecord; checksums come from Python's library.
 """
 import hashlib
+import html.parser
 import json
 import pathlib
 import random
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -212,6 +214,17 @@ class Inspection(unittest.TestCase):
         rest = int(re.match(r"\.\.\. and (\d+) more lines", most[-1])[1])
         self.assertEqual(len(most) - 1, head + 5)
         self.assertEqual(len(every), head + 5 + rest)
+        for count in range(1, len(every) - head):
+            text = tessaron("diff", "a.hex", "b.s19", "--max-lines", str(count), code=1)
+            rest = int(re.search(r"^\.\.\. and (\d+) more line", text, re.MULTILINE)[1])
+            self.assertEqual((text.splitlines()[:-1], rest),
+                             (every[:head + count], len(every) - head - count))
+        # Brackets are for what counts as different.
+        area = "0x%X,2" % (FLASH + 0x1001)
+        ignoring = tessaron("diff", "a.hex", "b.s19", "--ignore", area, code=1)
+        old = " ".join("%02X" % byte for byte in self.image[FLASH + 0x1000][:3])
+        self.assertIn("[%s]" % old, "\n".join(every))
+        self.assertIn("[%s]%s" % (old[:2], old[3:]), ignoring)
 
     def test_map(self):
         write("map.hex", {0x1000: bytes(100), 0x1000 + 260: bytes(100)})
@@ -232,8 +245,49 @@ class Inspection(unittest.TestCase):
         data = [(int(box.get("x")), int(box.get("width")))
                 for box in picture.iter("{http://www.w3.org/2000/svg}rect")
                 if box.get("class") == "data" and box.get("width") != "14"]
+        words = [text.text for text in picture.iter("{http://www.w3.org/2000/svg}text")]
+        self.assertEqual(words[1:-5], ["0x00001000 to 0x00001167, 360 bytes", "map.hex",
+                                       "0x00001000", "0x00001040", "0x00001080", "0x000010C0",
+                                       "0x00001100", "0x00001140"])
         self.assertEqual([x - data[0][0] for x, _ in data], [0, 722])
         self.assertEqual([width for _, width in data], [277, 278])
+
+    @unittest.skipIf(IS_WINDOWS, "names of Windows are texts without control characters")
+    def test_names_that_a_terminal_or_a_page_would_obey(self):
+        name = b"\xff]]>&'\"\x1b[31m\xc2\x9b\xe2\x80\xae\n.hex"
+        shown = "\\xFF]]>&'\"\\x1B[31m\\u009B\\u202E\\n.hex"
+        shutil.copy("a.hex", name)
+        for command in (("info",), ("map",), ("diff", "b.s19"), ("map", "b.s19")):
+            code = 1 if command[0] == "diff" else 0
+            text = tessaron(*command, name, code=code)
+            self.assertIn(shown, text)
+            self.assertTrue(all(char.isprintable() or char == "\n" for char in text))
+        for command in ("info", "diff"):
+            text = tessaron(command, name, "b.s19", "--json", code=1 if command == "diff" else 0)
+            self.assertTrue(all(char.isprintable() or char == "\n" for char in text))
+            self.assertIn("]]>&'\"\x1b[31m\x9b\u202e\n.hex", str(json.loads(text)).encode()
+                          .decode("unicode_escape"))
+        tessaron("map", name, "--svg", "names.svg")
+        picture = xml.etree.ElementTree.parse("names.svg")
+        self.assertIn(shown, picture.find(".//{http://www.w3.org/2000/svg}title").text)
+        missing = complaint("info", b"\x1b]0;gone\x07")
+        self.assertIn("\\x1B]0;gone\\x07", missing)
+        self.assertIn("\\x1B", complaint(b"\x1b"))
+        # The page of a run is UTF-8, and its marks are those of HTML, whatever the names are.
+        script = b'NEW_BUFFER @a FROM_FILE {%s}\nWRITE_FILE {<b>&%s} WITH_BUFFERS {@a}\n'
+        name, shown = b"\xff&\xe2\x80\xae.hex", "\\xFF&\\u202E.hex"
+        pathlib.Path("names.tsn").write_bytes(script % (name, b"\xe9\x1b"))
+        write("small.hex", {0x1000: bytes(16)})
+        shutil.copy("small.hex", name)
+        tessaron("run", "names.tsn", "--report", "names.html")
+        page = pathlib.Path("names.html").read_bytes().decode()
+        self.assertFalse(set(page) & {"\x1b", "\u202e", "\x9b"})
+        cells = []
+        reader = html.parser.HTMLParser()
+        reader.handle_data = cells.append
+        reader.feed(page)
+        self.assertIn("<b>&\\xE9\\x1B", cells)
+        self.assertIn(shown, cells)
 
     def test_convert(self):
         tessaron("convert", "a.hex", "out.s37", "--crop", "0x8000000,0x2000", "--fill", "0xFF",

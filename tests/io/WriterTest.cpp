@@ -222,7 +222,7 @@ TEST(EmbeddedC_AssemblerOutFileTest, TheThreeShapesAndTheLines) {
     for (const std::string section : {"text", ".a.b", ".", "a-b"})
         EXPECT_EQ(embedded(section, 3, images),
                   "<0x3 3>\n\n\n#pragma section CODE=" + section + "\n\n#pragma asm\n\n" + three);
-    const std::string time = EmbeddedC_AssemblerOutFile::getTimeString();
+    const std::string time = Io::Host().timeText().value();
     EXPECT_EQ(time.size(), sizeof "2021-08-18 14:05:09" - 1);
     EXPECT_EQ(time[10], ' ');
     EXPECT_EQ(time[13], ':');

@@ -11,6 +11,7 @@
 #include <string>
 #include <thread>
 
+#include "platform/ControlGroup.hpp"
 #include "platform/Files.hpp"
 #include "platform/Memory.hpp"
 #include "platform/Process.hpp"
@@ -107,6 +108,38 @@ TEST(PlatformLinuxTest, AFullDeviceSaysSo) {
     auto full = Platform::OutputFile::create("/dev/full", Platform::FileMode::Binary);
     ASSERT_TRUE(full);
     EXPECT_FALSE(full->write("a"));
+}
+
+/// A folder of a control group.
+void makeGroup(const fs::path& folder, bool isFirst, const std::string& limit, int used,
+               int cache) {
+    fs::create_directories(folder);
+    std::ofstream(folder / (isFirst ? "memory.limit_in_bytes" : "memory.max")) << limit << "\n";
+    std::ofstream(folder / (isFirst ? "memory.usage_in_bytes" : "memory.current")) << used << "\n";
+    const std::string total = isFirst ? "total_" : "";
+    std::ofstream(folder / "memory.stat") << "anon 7\n"
+                                          << total << "inactive_file " << cache << "\n"
+                                          << total << "active_file 100\n";
+}
+
+TEST(PlatformLinuxTest, TheCacheOfFilesIsFreeMemoryOfAControlGroup) {
+    constexpr auto none = ~std::uint64_t{0};
+    const fs::path root = ownPath("groups");
+    fs::remove_all(root);
+    makeGroup(root / "outer" / "inner", false, "10000", 9000, 5000);
+    const std::string membership = "0::/outer/inner\n";
+    EXPECT_EQ(Platform::freeGroupMemory(membership, root), 6100U);
+    EXPECT_EQ(Platform::freeGroupMemory("0::/other\n", root), none);
+    EXPECT_EQ(Platform::freeGroupMemory("", root), none);
+    // The group around it counts as well, and so does that which a container sees as the root.
+    makeGroup(root / "outer", false, "9000", 9000, 1000);
+    EXPECT_EQ(Platform::freeGroupMemory(membership, root), 1100U);
+    makeGroup(root, false, "max", 9000, 0);
+    EXPECT_EQ(Platform::freeGroupMemory(membership, root), 1100U);
+    makeGroup(root / "memory", true, "5000", 5000, 20);
+    EXPECT_EQ(Platform::freeGroupMemory("4:memory:/docker/1\n" + membership, root), 120U);
+    EXPECT_EQ(Platform::freeGroupMemory("4:cpu:/docker/1\n", root), none);
+    fs::remove_all(root);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""Compares what a shell completes with what the help of the program TESSARON lists:
-completions.py TESSARON SHELL
+"""Compares what a shell completes with what the help of the program TESSARON lists, and with the kinds
+of diagnostics that LIST_KINDS prints; and the man page with the help:
+completions.py TESSARON LIST_KINDS SHELL
 
 SHELL is bash, fish or zsh; "files" compares the options that the files for fish and zsh name."""
 import os
@@ -16,9 +17,13 @@ sys.path.append(str(pathlib.Path(__file__).resolve().parents[1]))
 sys.dont_write_bytecode = True
 import require  # noqa: E402
 
-PROGRAM, SHELL = sys.argv[1:3]
-del sys.argv[1:3]
+PROGRAM, LIST_KINDS, SHELL = sys.argv[1:4]
+del sys.argv[1:4]
 FOLDER = pathlib.Path(__file__).resolve().parents[2] / "completions"
+# Those that the options can change.
+KINDS = {line.split()[0] for line in subprocess.run(
+    [LIST_KINDS], stdout=subprocess.PIPE, text=True, check=True).stdout.splitlines()
+    if " always " not in line}
 COMMANDS = ("run", "check", "info", "diff", "map", "convert")
 EDITS = "\x1b[?2004h"  # what zsh prints when it begins to read a line
 BASH = """source "$1"; COMP_WORDS=("${@:2}"); COMP_CWORD=$(($# - 2)); _tessaron
@@ -91,7 +96,12 @@ class ValuesOfOptions:
         for command in COMMANDS:
             self.assertEqual(self.complete(command, "--color", "a"), {"auto", "always"})
             self.assertEqual(self.complete(command, "--diagnostics", ""), {"text", "json"})
-            self.assertEqual(self.complete(command, "--error", "x"), set())
+            self.assertEqual(self.complete(command, "--error", "zz"), set())
+            for option in ("--error", "--warn"):
+                self.assertEqual(self.complete(command, option, ""), KINDS)
+        for command in ("run", "check"):
+            self.assertEqual(self.complete(command, "--ignore", ""), KINDS)
+        self.assertFalse(self.complete("diff", "--ignore", "") & KINDS)
 
 
 class Bash(Shell, ValuesOfOptions, unittest.TestCase):
@@ -117,6 +127,17 @@ class Files(unittest.TestCase):
         text = (FOLDER / "tessaron.fish").read_text()
         names = re.findall(r"^complete .* -l ([\w-]+)", text, re.MULTILINE)
         self.assertEqual({"--" + name for name in names}, options)
+        page = (FOLDER.parent / "docs" / "tessaron.1").read_text()
+        heads = re.findall(r"^\.T[PQ]\n(.*)$", page, re.MULTILINE)
+        described = re.findall(r"--[a-z][\w-]*", "\n".join(heads).replace("\\-", "-"))
+        self.assertEqual(set(described), options)
+
+    def test_files_name_the_kinds(self):
+        for name, pattern in (("_tessaron", r"kinds=\(([^)]*)\)"),
+                              ("tessaron.bash", r"kinds='([^']*)'"),
+                              ("tessaron.fish", r"set -l kinds ((?:.*\\\n)*.*)")):
+            found = re.search(pattern, (FOLDER / name).read_text())[1]
+            self.assertEqual(set(found.replace("\\", " ").split()), KINDS, name)
 
 
 if __name__ == "__main__":

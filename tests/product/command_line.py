@@ -1,0 +1,117 @@
+#!/usr/bin/env python3
+"""Tests what the programs make of odd command lines and surroundings, on Linux:
+command_line.py CMDTESSARON TESSARON"""
+import os
+import pathlib
+import re
+import resource
+import subprocess
+import sys
+import tempfile
+import unittest
+
+CLASSIC, PROGRAM = (pathlib.Path(path).resolve() for path in sys.argv[1:3])
+del sys.argv[1:3]
+HEX = ":0400000001020304F2\n:00000001FF\n"
+# Arguments, and what the refusal has in it.
+REFUSED = (
+    (["release.tsn"], "did you mean tessaron run release.tsn?"),
+    (["in.hex", "x=y"], "tessaron info in.hex?"),
+    (["chek", "s.tsn"], "did you mean check?"),
+    (["/?"], "--help"), (["help"], "--help"), (["-?"], "--help"),
+    (["frobnicate"], "the commands are run, check"),
+    ([], "a command is required"),
+    (["--versio"], "did you mean --version?"),
+    (["--keep-going", "run", "s.tsn"], "go after it"),
+    (["run", "s.tsn", "--manifst=x"], "did you mean --manifest?"),
+    (["run", "s.tsn", "--diagnostics=xml"], "xml is not one of text|json"),
+    (["convert", "in.hex", "out.bin", "--crop", "0,0"], "0,0 has no address"),
+    (["convert", "in.hex", "out.bin", "--crop", ""], "empty"),
+    (["convert", "in.hex", "out.bin", "--fill", ""], "empty"),
+    (["convert", "in.hex", "out.bin", "--offset="], "missing"),
+)
+
+
+def run(*arguments, program=PROGRAM, code=0, **more):
+    done = subprocess.run([program, *arguments], stderr=subprocess.PIPE, check=False,
+                          **{"stdout": subprocess.DEVNULL, **more})
+    assert done.returncode == code, (arguments, done.returncode, done.stderr)
+    return done.stderr.decode()
+
+
+class CommandLines(unittest.TestCase):
+    def setUp(self):
+        pathlib.Path("in.hex").write_text(HEX)
+        pathlib.Path("s.tsn").write_text("NEW_BUFFER @a FROM_FILE in.hex\n")
+
+    def test_refusals_say_what_may_be_meant(self):
+        for arguments, words in REFUSED:
+            with self.subTest(arguments):
+                self.assertIn(words, run(*arguments, code=2))
+        self.assertFalse(pathlib.Path("out.bin").exists())
+
+    def test_sound_neighbours_pass(self):
+        run("--version")
+        run("run", "--help")
+        run("run", "s.tsn", "--diagnostics=json", "--color", "never")
+        run("convert", "in.hex", "sound.bin", "--crop", "0,1")
+        self.assertEqual(pathlib.Path("sound.bin").read_bytes(), b"\1")
+
+    def test_help_that_is_lost_is_an_error(self):
+        with open("/dev/full", "w") as full:
+            for arguments in (["--version"], ["--help"], ["map", "--help"]):
+                self.assertIn("standard output", run(*arguments, code=1, stdout=full))
+
+    def test_scripts_that_are_no_text(self):
+        script = "NEW_BUFFER @a EMPTY\n"
+        for encoding in ("utf-16", "utf-16-le", "utf-16-be", "utf-32", "utf-32-be"):
+            pathlib.Path("wide.tsn").write_bytes(script.encode(encoding))
+            self.assertIn("is in " + encoding[:6].upper(), run("run", "wide.tsn", code=2))
+        pathlib.Path("wide.tsn").write_bytes(script.encode("utf-8-sig"))
+        run("run", "wide.tsn")
+        closed = run("run", "-", code=1, preexec_fn=lambda: os.close(0))
+        self.assertIn("standard input", closed)
+
+    def test_little_stack(self):
+        def little():
+            resource.setrlimit(resource.RLIMIT_STACK, (48 << 10, 48 << 10))
+        for program, code in ((CLASSIC, 254), (PROGRAM, 1)):
+            arguments = ["s.tsn"] if program == CLASSIC else ["run", "s.tsn"]
+            said = run(*arguments, program=program, code=code, env={}, preexec_fn=little)
+            self.assertIn("of stack are left", said)
+
+    def test_the_last_format_counts(self):
+        pathlib.Path("twice.tsn").write_text(
+            "NEW_BUFFER @a FROM_FILE in.hex\n"
+            "WRITE_FILE raw.bin WITH_BUFFERS {@a} -setFormat=Vmem_3 -setFormat=RawBinary\n")
+        run("run", "twice.tsn")
+        self.assertEqual(pathlib.Path("raw.bin").read_bytes(), b"\1\2\3\4")
+        pathlib.Path("twice.tsn").write_text(
+            "NEW_BUFFER @a FROM_FILE in.hex\n"
+            "WRITE_FILE raw.bin WITH_BUFFERS {@a} -setFormat=RawBinary -setFormat=Vmem_3\n")
+        self.assertIn("Vmem does not take the number 3", run("run", "twice.tsn", code=1))
+
+    def test_the_time_in_outputs(self):
+        pathlib.Path("time.tsn").write_text(
+            "NEW_BUFFER @a FROM_FILE in.hex\n"
+            "WRITE_FILE a.inc WITH_BUFFERS {@a} -setFormat=EmbeddedC_Assembler\n")
+
+        def written(*arguments, program=PROGRAM, **variables):
+            run(*arguments, program=program, env=variables)
+            return re.findall("Generated:.*", pathlib.Path("a.inc").read_text())
+        self.assertEqual(written("run", "time.tsn"), [])
+        self.assertEqual(written("run", "time.tsn", SOURCE_DATE_EPOCH="1000000000", TZ="UTC+5"),
+                         ["Generated: 2001-09-09 01:46:40"])
+        self.assertEqual(written("run", "time.tsn", SOURCE_DATE_EPOCH="soon"), [])
+        self.assertRegex(written("time.tsn", program=CLASSIC, SOURCE_DATE_EPOCH="0")[0], " 20[2-9]")
+
+    def test_remarks_of_a_script_with_an_absolute_path_are_linked(self):
+        pathlib.Path("odd.tsn").write_text("\nNEW_BUFFER @a FROM_VALUES {0x1FF}\n")
+        run("run", str(pathlib.Path("odd.tsn").resolve()), "--report", "odd.html")
+        self.assertIn('warning</strong> <a href="#line-2">', pathlib.Path("odd.html").read_text())
+
+
+if __name__ == "__main__":
+    with tempfile.TemporaryDirectory() as folder:
+        os.chdir(folder)
+        unittest.main()
