@@ -38,7 +38,6 @@ namespace {
 
 /// The script's own text, or nothing after a diagnostic.
 std::optional<std::string> read(const RunOptions& options, DiagnosticSink& sink) {
-    if (options.text) return options.text;
     const bool isStandardInput = options.script == "-";
     Platform::clearLastError();
     auto contents =
@@ -136,18 +135,20 @@ void checkVariables(const RunOptions& options, const ScriptText& script, Diagnos
     }
 }
 
-/// Runs the statements of a script.
+/// Runs the statements of a program.
 class Execution {
 public:
-    Execution(const ScriptText& script, const ScriptCheck& check, Printer& printer,
-              std::ostream& output, OutputSet& files)
-        : printer_(&printer),
+    /// @param isScript  somebody wrote the program as a script
+    Execution(const Program& program, bool isScript, Printer& printer, std::ostream& output,
+              OutputSet& files)
+        : program_(&program),
+          printer_(&printer),
           files_(&files),
           printed_(output, output),
-          reports_(&script, printer),
+          reports_(&program.text(), printer),
           listener_(reports_, &printed_,
                     {[&files](std::string_view path) { return files.reasonFor(path); },
-                     [&check](std::string_view name) { return check.isMade(name); }}),
+                     [&program](std::string_view name) { return program.makes(name); }, isScript}),
           provenance_(reports_, reading_) {
         context_.reading = &reading_;
         context_.observer = &provenance_;
@@ -155,13 +156,13 @@ public:
 
     /// False if a statement did not do its work, or reported an error. Unless `keepsGoing`, the
     /// first one that fails is the last one that runs.
-    bool run(const ParsedScript& parsed, bool keepsGoing) {
+    bool run(bool keepsGoing) {
         const Facts::ListenerScope listening(listener_);
         const Io::HostScope hosting(*files_);
         const Parser::Statement* failed = nullptr;
-        for (std::size_t i = 0; i < parsed.statements().size(); ++i) {
-            const Parser::Statement& statement = parsed.statements()[i];
-            if (execute(statement, *parsed.commands()[i])) continue;
+        for (std::size_t i = 0; i < program_->statements().size(); ++i) {
+            const Parser::Statement& statement = program_->statements()[i];
+            if (execute(statement, *program_->commands()[i])) continue;
             if (failed == nullptr) failed = &statement;
             if (!keepsGoing) break;
         }
@@ -191,6 +192,7 @@ private:
         return isDone && printer_->errors() == before;
     }
 
+    const Program* program_;
     Printer* printer_;
     OutputSet* files_;
     Classic::ClassicWords printed_;
@@ -239,54 +241,83 @@ bool useRecord(const RunOptions& options, const Inspect::RunRecord& record, Outp
     return true;
 }
 
-}  // namespace
-
-ExitCode run(const RunOptions& requested, Printer& printer, std::ostream& output) {
-    RunOptions options = requested;
-    OutputSet files(options.isCheck ? OutputSet::Mode::Memory : OutputSet::Mode::Disk);
-    RemarkList remarks(printer.policy());
-    if (needsRecord(options)) {
-        files.keepDigests();
-        printer.copyTo(remarks);
+/// One run, from its options to its exit code.
+class Session {
+public:
+    Session(const RunOptions& options, Printer& printer, std::ostream& output)
+        : options_(options),
+          printer_(&printer),
+          output_(&output),
+          files_(options.isCheck ? OutputSet::Mode::Memory : OutputSet::Mode::Disk),
+          remarks_(printer.policy()) {
+        if (!needsRecord(options)) return;
+        files_.keepDigests();
+        printer.copyTo(remarks_);
     }
-    if (!resolveSymbols(options.symbols, files, options.variables, printer))
-        return ExitCode::Failed;
-    auto written = read(options, printer);
-    if (!written) return ExitCode::Failed;
-    const auto script = prepare(options, std::move(*written), printer);
-    if (!script) return ExitCode::Unusable;
-    const ParsedScript parsed(*script);
-    ScriptCheck check(*script, printer);
-    check.check(parsed);
-    if (!parsed.isWhole()) return ExitCode::Unusable;
-    checkVariables(options, *script, printer);
-    if (printer.errors() != 0 && !options.keepsGoing) return ExitCode::Failed;
 
-    Execution execution(*script, check, printer, output, files);
-    const bool isGood = execution.run(parsed, options.keepsGoing);
-    if (!execution.isPrinted())
-        printer.take({Kind::ShortWrite, "standard output could not be written completely"});
-    if (!isGood || printer.errors() != 0) {
-        noteOutputsInPlace(files, printer);
-        return ExitCode::Failed;
+    /// Reads the script, checks it and runs it.
+    ExitCode runScript() {
+        if (!resolveSymbols(options_.symbols, files_, options_.variables, *printer_))
+            return ExitCode::Failed;
+        auto written = read(options_, *printer_);
+        if (!written) return ExitCode::Failed;
+        auto script = prepare(options_, std::move(*written), *printer_);
+        if (!script) return ExitCode::Unusable;
+        ParsedScript parsed(*script);
+        ScriptCheck(*script, *printer_).check(parsed);
+        if (!parsed.isWhole()) return ExitCode::Unusable;
+        checkVariables(options_, *script, *printer_);
+        if (printer_->errors() != 0 && !options_.keepsGoing) return ExitCode::Failed;
+        return run(parsed.takeProgram(std::move(script)));
     }
-    if (needsRecord(options)) {
-        const bool isFile = options.script != "-" && !options.text;
-        const Ran ran{isFile ? options.script : "",
-                      &options.variables,
-                      script.get(),
-                      &parsed.statements(),
+
+    ExitCode run(const Program& program) {
+        Execution execution(program, !options_.script.empty(), *printer_, *output_, files_);
+        const bool isGood = execution.run(options_.keepsGoing);
+        if (!execution.isPrinted())
+            printer_->take({Kind::ShortWrite, "standard output could not be written completely"});
+        if (!isGood || printer_->errors() != 0) {
+            noteOutputsInPlace(files_, *printer_);
+            return ExitCode::Failed;
+        }
+        if (needsRecord(options_) && !record(program, execution)) return ExitCode::Failed;
+        if (!options_.dependencyFile.empty() && !options_.isCheck)
+            writeDependencyFile(options_.dependencyFile, options_.script, files_, *printer_);
+        commit(files_, *printer_);
+        return printer_->errors() == 0 ? ExitCode::Good : ExitCode::Failed;
+    }
+
+private:
+    /// Makes the record and uses it as `useRecord` does.
+    bool record(const Program& program, const Execution& execution) {
+        const Ran ran{options_.script == "-" ? "" : options_.script,
+                      &options_.variables,
+                      &program.text(),
+                      &program.statements(),
                       &execution.context(),
                       &execution.provenance(),
-                      &files};
-        Inspect::RunRecord record = recordOf(ran, !options.report.empty() || options.comparesDisk);
-        record.remarks = std::move(remarks.remarks);
-        if (!useRecord(options, record, files, printer)) return ExitCode::Failed;
+                      &files_};
+        const bool withLines = !options_.report.empty() || options_.comparesDisk;
+        Inspect::RunRecord record = recordOf(ran, withLines);
+        record.remarks = std::move(remarks_.remarks);
+        return useRecord(options_, record, files_, *printer_);
     }
-    if (!options.dependencyFile.empty() && !options.isCheck)
-        writeDependencyFile(options.dependencyFile, options.script, files, printer);
-    commit(files, printer);
-    return printer.errors() == 0 ? ExitCode::Good : ExitCode::Failed;
+
+    RunOptions options_;
+    Printer* printer_;
+    std::ostream* output_;
+    OutputSet files_;
+    RemarkList remarks_;
+};
+
+}  // namespace
+
+ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) {
+    return Session(options, printer, output).runScript();
+}
+
+ExitCode run(const Program& program, Printer& printer, std::ostream& output) {
+    return Session({}, printer, output).run(program);
 }
 
 }  // namespace Strict

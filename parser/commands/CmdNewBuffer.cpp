@@ -79,8 +79,7 @@ void CmdNewBuffer::setBufferName(std::string name) {
 }
 
 void CmdNewBuffer::setFile(std::string argument) {
-    fileName_ = cleanedPath(std::move(argument));
-    sourceKind_ = BufferSourceKind::SourceFile;
+    setPath(cleanedPath(std::move(argument)), fileKind_);
 }
 
 void CmdNewBuffer::setRawFile(std::string argument) {
@@ -88,8 +87,13 @@ void CmdNewBuffer::setRawFile(std::string argument) {
 }
 
 void CmdNewBuffer::setFileOf(std::string argument, FileKind kind) {
-    setFile(std::move(argument));
+    setPath(cleanedPath(std::move(argument)), kind);
+}
+
+void CmdNewBuffer::setPath(std::string path, FileKind kind) {
+    fileName_ = std::move(path);
     fileKind_ = kind;
+    sourceKind_ = BufferSourceKind::SourceFile;
 }
 
 void CmdNewBuffer::setValues(std::vector<std::uint32_t> list) {

@@ -40,6 +40,9 @@ public:
     /// A file of the format `kind`, whatever its contents look like.
     void setFileOf(std::string argument, FileKind kind);
 
+    /// The file of that path, in which every character counts.
+    void setPath(std::string path, FileKind kind);
+
     void setValues(std::vector<std::uint32_t> list);
     void addSourceBuffer(std::string name);
     void setNewStartAddress(std::uint32_t address);

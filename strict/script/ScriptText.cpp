@@ -27,9 +27,12 @@ std::size_t characters(std::string_view text) {
 
 }  // namespace
 
+ScriptText::ScriptText(std::string file, std::string text)
+    : file_(std::move(file)), written_(std::move(text)), prepared_(written_) {}
+
 ScriptText::ScriptText(std::string file, std::string written,
                        const std::map<std::string, std::string>& variables)
-    : file_(std::move(file)), written_(std::move(written)), prepared_(written_) {
+    : ScriptText(std::move(file), std::move(written)) {
     std::map<std::string, std::string> all = variables;
     Parser::removeComments(prepared_, &map_);
     Parser::takeSubstitutions(prepared_, all, &map_);
