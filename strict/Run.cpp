@@ -159,16 +159,16 @@ public:
     bool run(bool keepsGoing) {
         const Facts::ListenerScope listening(listener_);
         const Io::HostScope hosting(*files_);
-        const Parser::Statement* failed = nullptr;
-        for (std::size_t i = 0; i < program_->statements().size(); ++i) {
-            const Parser::Statement& statement = program_->statements()[i];
-            if (execute(statement, *program_->commands()[i])) continue;
-            if (failed == nullptr) failed = &statement;
+        const Parser::StatementList& statements = program_->statements();
+        std::size_t failed = statements.size();  // the first one
+        for (std::size_t i = 0; i < statements.size(); ++i) {
+            if (execute(statements[i], *program_->commands()[i])) continue;
+            failed = std::min(failed, i);
             if (!keepsGoing) break;
         }
-        if (failed == nullptr) return true;
+        if (failed == statements.size()) return true;
         // A policy may have silenced the diagnostic; it does not undo what happened.
-        reports_.enter(*failed);
+        reports_.enter(statements[failed]);
         if (printer_->errors() == 0)
             reports_.note("this statement did not do its work, so the run fails");
         return false;

@@ -153,7 +153,7 @@ const ExportFormat& rowOf(const FormatChoice& choice) {
 
 std::optional<FormatChoice> formatIn(std::string_view text) {
     ParserState state(nullptr);
-    state.statement.keepStatements();
+    state.statement.keepStatements(text.size());
     CommonRules rules(state);
     const WriteFileRules write(rules, state);
     const Position first = text.data();
@@ -161,7 +161,8 @@ std::optional<FormatChoice> formatIn(std::string_view text) {
     state.statement.begin<CmdWriteFile>("", first, first);
     const auto length = static_cast<std::size_t>(
         Spirit::parse(first, first + text.size(), write.formatName).length);
-    const Statement& statement = state.statement.current();
+    state.statement.end(first, first + text.size());
+    const Statement statement = state.statement.statements()[0];
     const Part* const format = statement.last(Role::Format);
     if (format == nullptr || length != text.size()) return std::nullopt;
     FormatChoice choice{format->choice, std::nullopt};

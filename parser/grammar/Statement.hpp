@@ -25,20 +25,20 @@ struct Part {
     Role role;
     /// What distinguishes the parts of one role: the value of an option, a file's kind.
     std::uint32_t choice;
-    std::string_view text;  ///< without white space at its end; empty if it has no characters
-    std::size_t firstNumber;
-    std::size_t numberCount;
+    std::string_view text;      ///< without white space at its end; empty if it has no characters
+    std::uint32_t firstNumber;  ///< of those of the statement
+    std::uint32_t numberCount;
 };
 
-/// A statement as it was parsed: what it says, and where.
+/// A statement as it was parsed: what it says, and where. Its parts belong to a `StatementList`.
 struct Statement {
     WrapperLib::CmdType kind = {};
     std::string_view text;  ///< all of it, with the white space at its end
-    std::vector<Part> parts;
-    std::vector<Number> numbers;
+    std::span<const Part> parts;
+    std::span<const Number> numbers;
 
     std::span<const Number> numbersOf(const Part& part) const {
-        return std::span(numbers).subspan(part.firstNumber, part.numberCount);
+        return numbers.subspan(part.firstNumber, part.numberCount);
     }
 
     /// The parts of a role, in the order of the text.
@@ -81,6 +81,79 @@ struct Statement {
         for (const Part& part : all(Role::Area)) list.push_back(areaOf(part));
         return list;
     }
+};
+
+/// The statements of a script. All their parts are in one piece of memory, since a script may have
+/// a hundred thousand statements of a few parts each.
+class StatementList {
+public:
+    /// Makes room for the statements of a text of `length` characters. Memory that they turn out
+    /// not to need is never touched.
+    void expect(std::size_t length) {
+        constexpr std::size_t charactersOfAPart = 8;
+        constexpr std::size_t charactersOfANumber = 8;
+        constexpr std::size_t charactersOfAStatement = 32;
+        entries_.reserve(length / charactersOfAStatement);
+        parts_.reserve(length / charactersOfAPart);
+        numbers_.reserve(length / charactersOfANumber);
+    }
+
+    std::size_t size() const { return entries_.size(); }
+    bool empty() const { return entries_.empty(); }
+
+    /// Valid until the list changes.
+    Statement operator[](std::size_t index) const {
+        const Entry& entry = entries_[index];
+        const bool isLast = index + 1 == entries_.size();
+        const std::size_t partsEnd = isLast ? finishedParts_ : entries_[index + 1].firstPart;
+        const std::size_t numbersEnd = isLast ? finishedNumbers_ : entries_[index + 1].firstNumber;
+        return {entry.kind, entry.text,
+                std::span(parts_).subspan(entry.firstPart, partsEnd - entry.firstPart),
+                std::span(numbers_).subspan(entry.firstNumber, numbersEnd - entry.firstNumber)};
+    }
+
+    /// The parts of the statement that was begun and is not finished.
+    std::span<const Part> begun() const { return std::span(parts_).subspan(finishedParts_); }
+
+    /// Begins a statement, and forgets one that is not finished.
+    void begin() {
+        parts_.resize(finishedParts_);
+        numbers_.resize(finishedNumbers_);
+    }
+
+    /// Adds a number, for the part that comes next.
+    void add(const Number& number) { numbers_.push_back(number); }
+
+    /// Adds a part, which takes the numbers since the one before it.
+    void add(Role role, std::uint32_t choice, std::string_view text) {
+        const std::uint32_t taken = parts_.size() == finishedParts_
+                                        ? 0
+                                        : parts_.back().firstNumber + parts_.back().numberCount;
+        const auto numbers = static_cast<std::uint32_t>(numbers_.size() - finishedNumbers_);
+        parts_.push_back({role, choice, text.substr(0, text.find_last_not_of(" \t\n\v\f\r") + 1),
+                          taken, numbers - taken});
+    }
+
+    /// The statement that was begun is finished.
+    void end(WrapperLib::CmdType kind, std::string_view text) {
+        entries_.push_back({kind, text, finishedParts_, finishedNumbers_});
+        finishedParts_ = parts_.size();
+        finishedNumbers_ = numbers_.size();
+    }
+
+private:
+    struct Entry {
+        WrapperLib::CmdType kind;
+        std::string_view text;
+        std::size_t firstPart;
+        std::size_t firstNumber;
+    };
+
+    std::vector<Entry> entries_;
+    std::vector<Part> parts_;
+    std::vector<Number> numbers_;
+    std::size_t finishedParts_ = 0;
+    std::size_t finishedNumbers_ = 0;
 };
 
 }  // namespace Parser

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <memory>
@@ -33,7 +34,7 @@ public:
     template <class Command>
     void begin(const char* traceText, Position first, Position last) {
         reset();
-        if (keepsStatements_) current_ = {};
+        if (keepsStatements_) statements_.begin();
         step(traceText, Role::Keyword, first, last);
         if constexpr (std::is_constructible_v<Command, WrapperLib::TextCalculator>)
             currentCmd_ = std::make_unique<Command>(calculator_);
@@ -45,19 +46,22 @@ public:
     void end(Position first, Position last);
 
     /// Keeps what the statements of later parses say, for a front end that asks.
-    void keepStatements() { keepsStatements_ = true; }
+    ///
+    /// @param length  of all texts that will be parsed, in characters
+    void keepStatements(std::size_t length) {
+        keepsStatements_ = true;
+        statements_.expect(length);
+    }
 
     /// What each of `commands` says, if that is kept.
-    const std::vector<Statement>& statements() const { return statements_; }
-
-    /// As much of the statement that began last as was read, if that is kept.
-    const Statement& current() const { return current_; }
+    const StatementList& statements() const { return statements_; }
 
     /// Notes that an action ran on the text [`first`, `last`), and what that is to the statement.
     void step(const char* traceText, Role role, Position first, Position last,
               std::uint32_t choice = 0) {
         lastTokens_ += traceText;
-        if (keepsStatements_ && role != Role::None) addPart(role, choice, first, last);
+        if (keepsStatements_ && role != Role::None)
+            statements_.add(role, choice, {first, static_cast<std::size_t>(last - first)});
     }
 
     /// The statement being parsed, which is of kind `Command`.
@@ -76,7 +80,7 @@ public:
     /// Notes the number that the text [`first`, `last`) means, for the part that comes next.
     void noteValue(std::uint32_t value, Position first, Position last) {
         if (keepsStatements_)
-            current_.numbers.push_back({value, {first, static_cast<std::size_t>(last - first)}});
+            statements_.add({value, {first, static_cast<std::size_t>(last - first)}});
     }
 
     void collectValue(std::uint32_t value) { valueCollection_.push_back(value); }
@@ -91,7 +95,7 @@ public:
     const std::deque<std::unique_ptr<WrapperLib::CmdApi>>& commands() const { return commands_; }
 
     /// Hands the finished statements over.
-    std::vector<Statement> takeStatements() { return std::exchange(statements_, {}); }
+    StatementList takeStatements() { return std::exchange(statements_, {}); }
     std::deque<std::unique_ptr<WrapperLib::CmdApi>> takeCommands() {
         return std::exchange(commands_, {});
     }
@@ -106,12 +110,9 @@ public:
     const std::string& lastTokens() const { return lastTokens_; }
 
 private:
-    void addPart(Role role, std::uint32_t choice, Position first, Position last);
-
     WrapperLib::TextCalculator calculator_;
     bool keepsStatements_ = false;
-    std::vector<Statement> statements_;
-    Statement current_;
+    StatementList statements_;
     std::unique_ptr<WrapperLib::CmdApi> currentCmd_;
     std::deque<std::unique_ptr<WrapperLib::CmdApi>> commands_;
     std::string currentText_;

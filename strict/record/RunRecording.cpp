@@ -36,7 +36,8 @@ public:
         record_.scriptSha256 = isFile ? digestOfFile(ran_->scriptPath).sha256
                                       : Inspect::sha256Of(ran_->script->written());
         addInputs();
-        for (const Statement& statement : *ran_->statements) addStatement(statement);
+        for (std::size_t i = 0; i < ran_->statements->size(); ++i)
+            addStatement((*ran_->statements)[i]);
         addVariables();
         return std::move(record_);
     }

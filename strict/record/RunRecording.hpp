@@ -18,7 +18,7 @@ struct Ran {
     std::string scriptPath;                               ///< empty for a script that is in no file
     const std::map<std::string, std::string>* variables;  ///< of the command line
     const ScriptText* script;
-    const std::vector<Parser::Statement>* statements;
+    const Parser::StatementList* statements;
     const Parser::WrapperLib::CmdContext* context;
     const Provenance* provenance;
     OutputSet* files;  ///< which keeps digests

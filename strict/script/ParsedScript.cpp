@@ -10,8 +10,8 @@ namespace Strict {
 ParsedScript::ParsedScript(const ScriptText& script) : syntax_(&Parser::calculated) {
     constexpr std::size_t mostErrors = 20;
     Parser::StatementBuilder& statement = syntax_.state().statement;
-    statement.keepStatements();
     const std::string_view text = script.prepared();
+    statement.keepStatements(text.size());
     std::size_t resumed = 0;  // where the parse went on after the last error
     for (std::size_t at = 0;;) {
         at += syntax_.parse(text.substr(at));
@@ -22,7 +22,8 @@ ParsedScript::ParsedScript(const ScriptText& script) : syntax_(&Parser::calculat
             broken_.push_back(std::move(broken));
             return;
         }
-        broken.begun = statement.current();
+        const auto begun = statement.statements().begun();
+        broken.begun.assign(begun.begin(), begun.end());
         broken.diagnostic = explain(script, at, resumed);
         broken_.push_back(std::move(broken));
         at = resumed = nextStatement(text, at, keywords());
@@ -35,12 +36,12 @@ ParsedScript::ParsedScript(const ScriptText& script) : syntax_(&Parser::calculat
 Diagnostic ParsedScript::explain(const ScriptText& script, std::size_t at,
                                  std::size_t resumed) const {
     const std::string_view text = script.prepared();
-    const auto lastEnd = [&] {
-        const std::string_view last = statements().back().text;
-        return script.offsetOf(last) + last.size();
-    };
-    const bool isFirst = statements().empty() || lastEnd() < resumed;
-    const std::size_t from = isFirst ? at : script.offsetOf(statements().back().text);
+    std::size_t from = at;
+    if (!statements().empty()) {
+        const std::string_view last = statements()[statements().size() - 1].text;
+        const std::size_t begin = script.offsetOf(last);
+        if (begin + last.size() >= resumed) from = begin;
+    }
     Parser::ScriptSyntax explainer(nullptr);
     Parser::Expectations missed;
     explainer.state().expectations = &missed;

@@ -17,9 +17,9 @@ namespace Strict {
 
 /// A text that does not parse.
 struct BrokenText {
-    std::size_t offset;            ///< in the prepared text, of what could not be read
-    std::size_t statementsBefore;  ///< that were finished before it
-    Parser::Statement begun;       ///< as much of a statement as was read
+    std::size_t offset;               ///< in the prepared text, of what could not be read
+    std::size_t statementsBefore;     ///< that were finished before it
+    std::vector<Parser::Part> begun;  ///< as much of a statement as was read
     Diagnostic diagnostic;
 };
 
@@ -37,7 +37,7 @@ public:
 
     const std::vector<BrokenText>& broken() const { return broken_; }
 
-    const std::vector<Parser::Statement>& statements() const { return builder().statements(); }
+    const Parser::StatementList& statements() const { return builder().statements(); }
 
     /// What executes each of `statements`.
     const std::deque<std::unique_ptr<Parser::WrapperLib::CmdApi>>& commands() const {

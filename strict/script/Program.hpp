@@ -5,7 +5,6 @@
 #include <set>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "parser/commands/CmdApi.hpp"
 #include "parser/grammar/Statement.hpp"
@@ -20,11 +19,11 @@ public:
 
     /// @param statements  whose texts lie in the prepared text of `text`
     /// @param commands    one for each of `statements`
-    Program(std::unique_ptr<const ScriptText> text, std::vector<Parser::Statement> statements,
+    Program(std::unique_ptr<const ScriptText> text, Parser::StatementList statements,
             Commands commands);
 
     const ScriptText& text() const { return *text_; }
-    const std::vector<Parser::Statement>& statements() const { return statements_; }
+    const Parser::StatementList& statements() const { return statements_; }
 
     /// What executes each of `statements`.
     const Commands& commands() const { return commands_; }
@@ -34,7 +33,7 @@ public:
 
 private:
     std::unique_ptr<const ScriptText> text_;
-    std::vector<Parser::Statement> statements_;
+    Parser::StatementList statements_;
     Commands commands_;
     std::set<std::string_view> names_;  ///< that the statements make
 };

@@ -2,55 +2,42 @@
 
 namespace Strict {
 
-using Parser::Number;
-using Parser::Part;
 using Parser::Role;
-using Parser::Statement;
 
 void ProgramMaker::begin(std::unique_ptr<Parser::WrapperLib::CmdApi> command,
                          std::string_view keyword) {
-    begun_ = text_.size();
-    Statement& statement = statements_.emplace_back();
-    statement.kind = static_cast<Parser::WrapperLib::CmdType>(command->getCmdType());
+    drafts_.push_back({text_.size(), 0, {}});
     commands_.push_back(std::move(command));
     add(Role::Keyword, keyword);
 }
 
 void ProgramMaker::add(Role role, const Piece& piece, std::uint32_t choice) {
-    Statement& statement = statements_.back();
-    for (const Piece::PlacedNumber& number : piece.numbers()) {
-        numberSpans_.push_back({text_.size() + number.at, number.size});
-        statement.numbers.push_back({number.value, {}});
-    }
-    partSpans_.push_back({text_.size(), piece.text().size()});
-    statement.parts.push_back({role,
-                               choice,
-                               {},
-                               statement.numbers.size() - piece.numbers().size(),
-                               piece.numbers().size()});
+    drafts_.back().parts.push_back(
+        {role, choice, text_.size(), piece.text().size(), piece.numbers()});
     text_ += piece.text();
 }
 
 void ProgramMaker::end() {
     text_ += '\n';
-    statementSpans_.push_back({begun_, text_.size() - begun_});
+    drafts_.back().size = text_.size() - drafts_.back().at;
 }
 
 /// The text moves while it grows, so its parts are found when it is whole.
 Program ProgramMaker::finish(std::string name) {
-    auto text = std::make_unique<const ScriptText>(std::move(name), std::move(text_));
-    const auto at = [whole = text->prepared()](const Span& span) {
-        return whole.substr(span.at, span.size);
-    };
-    auto statementSpan = statementSpans_.begin();
-    auto partSpan = partSpans_.begin();
-    auto numberSpan = numberSpans_.begin();
-    for (Statement& statement : statements_) {
-        statement.text = at(*statementSpan++);
-        for (Part& part : statement.parts) part.text = at(*partSpan++);
-        for (Number& number : statement.numbers) number.text = at(*numberSpan++);
+    auto script = std::make_unique<const ScriptText>(std::move(name), std::move(text_));
+    const std::string_view text = script->prepared();
+    Parser::StatementList statements;
+    for (std::size_t i = 0; i < drafts_.size(); ++i) {
+        statements.begin();
+        for (const DraftPart& part : drafts_[i].parts) {
+            for (const Piece::PlacedNumber& number : part.numbers)
+                statements.add({number.value, text.substr(part.at + number.at, number.size)});
+            statements.add(part.role, part.choice, text.substr(part.at, part.size));
+        }
+        statements.end(static_cast<Parser::WrapperLib::CmdType>(commands_[i]->getCmdType()),
+                       text.substr(drafts_[i].at, drafts_[i].size));
     }
-    return {std::move(text), std::move(statements_), std::move(commands_)};
+    return {std::move(script), std::move(statements), std::move(commands_)};
 }
 
 }  // namespace Strict

@@ -76,21 +76,24 @@ public:
     Program finish(std::string name);
 
 private:
-    struct Span {
+    struct DraftPart {
+        Parser::Role role;
+        std::uint32_t choice;
         std::size_t at;
         std::size_t size;
+        std::vector<Piece::PlacedNumber> numbers;  ///< placed in the part
+    };
+    struct Draft {
+        std::size_t at;
+        std::size_t size;
+        std::vector<DraftPart> parts;
     };
 
     void begin(std::unique_ptr<Parser::WrapperLib::CmdApi> command, std::string_view keyword);
 
     std::string text_;
-    std::size_t begun_ = 0;  ///< where the statement begins
+    std::vector<Draft> drafts_;  ///< one for each of `commands_`
     Program::Commands commands_;
-    std::vector<Parser::Statement> statements_;
-    // Where the texts of all statements, parts and numbers are.
-    std::vector<Span> statementSpans_;
-    std::vector<Span> partSpans_;
-    std::vector<Span> numberSpans_;
 };
 
 }  // namespace Strict

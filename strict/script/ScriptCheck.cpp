@@ -71,8 +71,8 @@ void ScriptCheck::flush() {
 }
 
 /// What a statement that does not parse would have made counts as known.
-void ScriptCheck::makeNames(const Statement& statement) {
-    for (const Part& part : statement.parts) {
+void ScriptCheck::makeNames(std::span<const Part> parts) {
+    for (const Part& part : parts) {
         if (part.role == Role::MakesImage)
             names_[Images].try_emplace(std::string(part.text), part.text);
         if (part.role == Role::MakesCrc)

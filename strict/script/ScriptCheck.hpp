@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,7 +44,7 @@ private:
     void checkBytes(const Parser::Statement& statement, const Parser::Part& part);
     void checkArea(const Parser::Statement& statement, const Parser::Part& part);
     void checkExpression(const Parser::Number& number);
-    void makeNames(const Parser::Statement& statement);
+    void makeNames(std::span<const Parser::Part> parts);
     void define(Registry registry, std::string_view name);
     void use(const Names& names, std::string_view name, const char* what);
     void report(Kind kind, std::string text, std::string_view part, std::string hint = {});

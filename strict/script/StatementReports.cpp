@@ -18,13 +18,13 @@ bool usesName(Role role) {
 }  // namespace
 
 std::string_view StatementReports::trimmed() const {
-    const std::string_view text = statement_->text;
+    const std::string_view text = statement_.text;
     return text.substr(0, text.find_last_not_of(" \t\n\v\f\r") + 1);
 }
 
 void StatementReports::reportAt(std::string_view part, Diagnostic diagnostic) {
     // What is empty is the place where it would be.
-    if (part.empty()) part = statement_->text.substr(0, 1);
+    if (part.empty()) part = statement_.text.substr(0, 1);
     diagnostic.place = script_->placeOf(part);
     std::vector<Note> notes = script_->variableNotes(part);
     notes.insert(notes.end(), diagnostic.notes.begin(), diagnostic.notes.end());
@@ -39,8 +39,8 @@ void StatementReports::report(Kind kind, std::string text, Roles roles, std::str
         sink_->take(diagnostic);
         return;
     }
-    const Part* part = statement_->last(roles);
-    if (part == nullptr) part = &statement_->parts.front();
+    const Part* part = statement_.last(roles);
+    if (part == nullptr) part = &statement_.parts.front();
     reportAt(part->text, std::move(diagnostic));
 }
 
@@ -51,7 +51,7 @@ void StatementReports::report(Kind kind, std::string text, const Part& part, std
 
 void StatementReports::reportName(Kind kind, std::string_view name, std::string text,
                                   std::string hint, std::vector<Note> notes) {
-    const auto& parts = statement_->parts;
+    const auto& parts = statement_.parts;
     const auto found = std::ranges::find_if(
         parts, [name](const Part& part) { return usesName(part.role) && part.text == name; });
     report(kind, std::move(text), found == parts.end() ? parts.front() : *found, std::move(hint),
@@ -59,7 +59,7 @@ void StatementReports::reportName(Kind kind, std::string_view name, std::string 
 }
 
 void StatementReports::reportInput(Diagnostic diagnostic) {
-    const Part* const file = script_ == nullptr ? nullptr : statement_->last(Role::InputFile);
+    const Part* const file = script_ == nullptr ? nullptr : statement_.last(Role::InputFile);
     if (file != nullptr)
         diagnostic.notes.push_back({"while this file is read", script_->placeOf(file->text)});
     sink_->take(diagnostic);

@@ -23,7 +23,7 @@ public:
         : script_(script), sink_(&sink) {}
 
     /// The statement is about to run.
-    void enter(const Parser::Statement& statement) { statement_ = &statement; }
+    void enter(const Parser::Statement& statement) { statement_ = statement; }
 
     /// Reports something about the last part with one of the roles, or about the statement.
     void report(Kind kind, std::string text, Roles roles, std::string hint = {},
@@ -60,7 +60,7 @@ private:
 
     const ScriptText* script_;
     DiagnosticSink* sink_;
-    const Parser::Statement* statement_ = nullptr;
+    Parser::Statement statement_;
 };
 
 }  // namespace Strict

@@ -109,10 +109,11 @@ std::string described(const Statement& statement, const Strict::ScriptText& scri
     return text.str();
 }
 
-std::vector<std::string> described(const std::vector<Statement>& statements,
+std::vector<std::string> described(const Parser::StatementList& statements,
                                    const Strict::ScriptText& script) {
     std::vector<std::string> texts;
-    for (const Statement& statement : statements) texts.push_back(described(statement, script));
+    for (std::size_t i = 0; i < statements.size(); ++i)
+        texts.push_back(described(statements[i], script));
     return texts;
 }
 

@@ -16,9 +16,9 @@ using Strict::Arithmetic;
 std::uint32_t parsedValue(const std::string& expression) {
     const std::string statement = "NEW_BUFFER a FROM_VALUES {" + expression + "}";
     Parser::ScriptSyntax syntax(nullptr);
-    syntax.state().statement.keepStatements();
+    syntax.state().statement.keepStatements(statement.size());
     EXPECT_EQ(syntax.parse(statement), statement.size()) << statement;
-    return syntax.state().statement.statements().at(0).numbers.at(0).value;
+    return syntax.state().statement.statements()[0].numbers.front().value;
 }
 
 class RandomExpressions {
