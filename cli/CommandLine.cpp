@@ -106,6 +106,16 @@ std::string version() {
            info->commit + ")";
 }
 
+/// Adds an option for a file to write or to read beside the operands.
+CLI::Option* addFileOption(CLI::App& command, const std::string& name, std::string& path,
+                           const std::string& meaning) {
+    return command.add_option(name, path, meaning)
+        ->type_name("FILE")
+        ->check([](const std::string& text) {
+            return text.empty() ? "the name of the file is empty" : std::string();
+        });
+}
+
 /// Options of every command.
 void addDisplay(CLI::App& command, Request& request, Texts& texts) {
     command.add_option("-C,--directory", request.folder, "works in this folder")->type_name("DIR");
@@ -250,8 +260,7 @@ void addMap(CLI::App& app, Request& request, Texts& texts) {
     map->add_option("files", request.inspection.files, "files of any format")
         ->type_name("FILE")
         ->required();
-    map->add_option("--svg", request.inspection.svgFile, "writes a picture instead")
-        ->type_name("FILE");
+    addFileOption(*map, "--svg", request.inspection.svgFile, "writes a picture instead");
     map->add_flag("--ascii", request.inspection.isAscii, "draws without block characters");
     addInspection(*map, request, texts);
     map->parse_complete_callback([&request] { request.command = Command::Map; });
@@ -290,16 +299,13 @@ int read(std::span<const char* const> arguments, Request& request) {
     CLI::App* const run = app.add_subcommand("run", "runs a script");
     run->footer("Example: tessaron run release.tsn inFile=app.hex --depfile release.d");
     addCommon(*run, request, texts);
-    run->add_option("--depfile", request.run.dependencyFile,
-                    "writes the files that the run read, for make and ninja")
-        ->type_name("FILE");
-    run->add_option("--manifest", request.run.manifest,
-                    "writes what went into the run and came out of it, as JSON")
-        ->type_name("FILE");
-    run->add_option("--map", request.run.map,
-                    "writes a map of the images, as a picture if FILE ends in .svg")
-        ->type_name("FILE");
-    run->add_option("--report", request.run.report, "writes the same as a page for a browser")
+    addFileOption(*run, "--depfile", request.run.dependencyFile,
+                  "writes the files that the run read, for make and ninja");
+    addFileOption(*run, "--manifest", request.run.manifest,
+                  "writes what went into the run and came out of it, as JSON");
+    addFileOption(*run, "--map", request.run.map,
+                  "writes a map of the images, as a picture if FILE ends in .svg");
+    addFileOption(*run, "--report", request.run.report, "writes the same as a page for a browser")
         ->type_name("FILE.html");
     CLI::App* const check = app.add_subcommand(
         "check", "runs a script in memory: writes nothing and starts no program");
@@ -307,10 +313,8 @@ int read(std::span<const char* const> arguments, Request& request) {
     addCommon(*check, request, texts);
     check->add_flag("--against-disk", request.run.comparesDisk,
                     "compares the files on disk with what the script makes today");
-    check
-        ->add_option("--manifest", request.run.manifest,
-                     "compares script, inputs and outputs with those that a run has listed")
-        ->type_name("FILE");
+    addFileOption(*check, "--manifest", request.run.manifest,
+                  "compares script, inputs and outputs with those that a run has listed");
     addInfo(app, request, texts);
     addDiff(app, request, texts);
     addMap(app, request, texts);

@@ -80,6 +80,19 @@ ExitCode diff(const Inspection& inspection, Printer& printer, std::ostream& outp
     return ended(output, printer, found.isEqual() ? ExitCode::Good : ExitCode::Failed);
 }
 
+namespace {
+
+/// Writes the picture of a map beside the files that it shows.
+void writePicture(const Inspection& inspection, const std::string& picture, Printer& printer) {
+    using Strict::FileRole;
+    Strict::RunFiles files(Strict::RunFiles::Mode::Disk);
+    for (const std::string& file : inspection.files) files.name(file, FileRole::Input);
+    if (Strict::nameFile(files, inspection.svgFile, FileRole::Map, printer))
+        Strict::writeWhole(files, inspection.svgFile, picture, printer);
+}
+
+}  // namespace
+
 ExitCode map(const Inspection& inspection, Printer& printer, std::ostream& output) {
     std::vector<Inspect::MapRow> rows;
     for (const Inspect::Image& image : imagesOf(inspection, printer))
@@ -90,7 +103,7 @@ ExitCode map(const Inspection& inspection, Printer& printer, std::ostream& outpu
         output << drawn.text(width == 0 ? usualWidth : width,
                              !inspection.isAscii && Platform::showsUnicode());
     else
-        Strict::writeWhole(inspection.svgFile, drawn.svg(), printer);
+        writePicture(inspection, drawn.svg(), printer);
     return ended(output, printer, printer.errors() == 0 ? ExitCode::Good : ExitCode::Failed);
 }
 

@@ -1,5 +1,6 @@
 #include <exception>
 #include <iostream>
+#include <new>
 #include <span>
 
 #include "cli/CommandLine.hpp"
@@ -53,6 +54,9 @@ int main(int argumentCount, char** argumentValues) {
     try {
         const Platform::Arguments arguments(argumentCount, argumentValues);
         return run(arguments.values());
+    } catch (const std::bad_alloc&) {
+        std::cerr << "tessaron: error: there is not enough memory [out-of-memory]" << std::endl;
+        return static_cast<int>(Strict::ExitCode::Failed);
     } catch (const std::exception& error) {
         std::cerr << "tessaron: error: " << error.what() << std::endl;
         return static_cast<int>(Strict::ExitCode::Failed);

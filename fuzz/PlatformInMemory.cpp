@@ -95,7 +95,8 @@ std::optional<InputFile> InputFile::open(const std::string& path) {
     const int descriptor = Fuzz::machine->open(path);
     if (descriptor < 0) return std::nullopt;
     InputFile file(descriptor);
-    file.size_ = Fuzz::machine->contents(descriptor).size();
+    file.state_.size = Fuzz::machine->contents(descriptor).size();
+    file.state_.identity.number = static_cast<std::uint64_t>(descriptor);
     return file;
 }
 
@@ -104,6 +105,12 @@ std::optional<InputFile> InputFile::openStandardInput() {
 }
 
 InputFile::~InputFile() = default;
+
+std::optional<InputFile> InputFile::again() const {
+    InputFile file(descriptor_);
+    file.state_ = state_;
+    return file;
+}
 
 std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> out) const {
     const std::string_view contents = Fuzz::machine->contents(descriptor_);
@@ -115,14 +122,30 @@ std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> out) const {
 
 Reading InputFile::reading() const {
     // The file may have been overwritten since; its size shows that.
-    return Fuzz::machine->contents(descriptor_).size() == size_ ? Reading::Complete
-                                                                : Reading::Changed;
+    return Fuzz::machine->contents(descriptor_).size() == state_.size ? Reading::Complete
+                                                                      : Reading::Changed;
 }
 
 std::optional<OutputFile> OutputFile::create(const std::string& path, FileMode mode) {
     const int descriptor = Fuzz::machine->create(path);
     if (descriptor < 0) return std::nullopt;
     return OutputFile(descriptor, mode);
+}
+
+std::optional<OutputFile> OutputFile::createNew(const std::string& path, bool /*isPrivate*/) {
+    return create(path, FileMode::Binary);
+}
+
+std::optional<OutputFile> OutputFile::ofStream(int descriptor) {
+    return OutputFile(descriptor, FileMode::Binary);
+}
+
+std::error_code OutputFile::takeAttributesOf(const std::string& /*path*/) const {
+    return {};
+}
+
+FileIdentity OutputFile::identity() const {
+    return {0, static_cast<std::uint64_t>(descriptor_)};
 }
 
 OutputFile::~OutputFile() = default;
@@ -157,10 +180,6 @@ std::error_code changeFolder(const std::string& /*path*/) {
 
 int runProgram(const std::string& /*location*/, const std::string& /*arguments*/) {
     return 0;
-}
-
-std::size_t usableStackBytes() {
-    return std::size_t{4} << 20U;
 }
 
 std::uint64_t usableSteps() {

@@ -10,7 +10,7 @@ seconds=${1:?how many seconds?}
 shift
 [ $# -gt 0 ] || set -- script readers formats run field records
 build=build/fuzz
-scripts/setup.sh test
+scripts/setup.sh fuzz
 mkdir -p $build/findings
 programs=""
 for target in "$@"; do programs="$programs fuzz_$target"; done

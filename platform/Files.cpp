@@ -8,32 +8,38 @@ namespace Platform {
 
 InputFile::InputFile(InputFile&& other) noexcept
     : descriptor_(std::exchange(other.descriptor_, -1)),
-      size_(std::exchange(other.size_, 0)),
-      changeTime_(other.changeTime_),
+      state_(std::exchange(other.state_, {})),
       stream_(std::move(other.stream_)),
       isStream_(other.isStream_),
+      refusesEarlyEnd_(other.refusesEarlyEnd_),
       hasFailed_(other.hasFailed_) {}
 
 InputFile InputFile::ofMemory(PageBlock contents, std::size_t size) {
     InputFile file(-1);
     file.stream_ = std::move(contents);
-    file.size_ = size;
+    file.state_.size = size;
     file.isStream_ = true;
     return file;
 }
 
+std::optional<FileState> InputFile::state() const {
+    if (isStream_) return std::nullopt;
+    return state_;
+}
+
 std::size_t InputFile::copyOfStream(std::uint64_t offset, std::span<char> out) const {
-    if (offset >= size_ || out.empty()) return 0;
-    const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(out.size(), size_ - offset));
+    if (offset >= state_.size || out.empty()) return 0;
+    const auto size =
+        static_cast<std::size_t>(std::min<std::uint64_t>(out.size(), state_.size - offset));
     std::memcpy(out.data(), stream_.data() + offset, size);
     return size;
 }
 
 void InputFile::makeRoom(std::size_t size) {
-    if (stream_.size() - size_ >= size) return;
+    if (stream_.size() - state_.size >= size) return;
     // Twice the size each time, so that the copies cost linear time.
     PageBlock larger(std::max(2 * stream_.size(), size));
-    if (size_ != 0) std::memcpy(larger.data(), stream_.data(), size_);
+    if (state_.size != 0) std::memcpy(larger.data(), stream_.data(), state_.size);
     stream_ = std::move(larger);
 }
 

@@ -1,17 +1,34 @@
 #pragma once
 
 #include <chrono>
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include "platform/Memory.hpp"
 
 /// Files of the operating system.
 namespace Platform {
+
+/// What tells a file from all others, whatever its path.
+struct FileIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t number = 0;
+    auto operator<=>(const FileIdentity&) const = default;
+};
+
+/// What tells one state of a regular file from another, as far as the system shows changes.
+struct FileState {
+    FileIdentity identity;
+    std::uint64_t size = 0;
+    std::chrono::nanoseconds changeTime{};  ///< of its contents
+    bool operator==(const FileState&) const = default;
+};
 
 /// How completely the bytes that were read represent a file.
 enum class Reading {
@@ -44,12 +61,23 @@ public:
     /// A file that is only in memory: the first `size` bytes of `contents`.
     static InputFile ofMemory(PageBlock contents, std::size_t size);
 
+    /// The same open file once more: nothing if the process may have no further descriptor, or if
+    /// it is no regular file.
+    std::optional<InputFile> again() const;
+
     /// Bytes of the file when it was opened.
-    std::uint64_t size() const { return size_; }
+    std::uint64_t size() const { return state_.size; }
+
+    /// The regular file when it was opened; nothing for a file of another kind.
+    std::optional<FileState> state() const;
 
     /// Reads from byte `offset` of the file on, to `out`, and returns the number of bytes read:
     /// fewer than asked for only at the end of the file or where it cannot be read.
     std::size_t readAt(std::uint64_t offset, std::span<char> out) const;
+
+    /// Lets a file that ends before its size, as those of some virtual file systems do, count as
+    /// one that could not be read.
+    void refuseEarlyEnd() { refusesEarlyEnd_ = true; }
 
     /// The outcome of all reads so far.
     Reading reading() const;
@@ -70,11 +98,16 @@ private:
     /// none from a named pipe. Waits for the writer of a pipe and for nothing else.
     bool readStream(std::size_t most, bool isPipe, bool isNamed);
 
+    /// Notes that no byte is to be had at `offset`, without an error.
+    void noteEnd(std::uint64_t offset) const {
+        hasFailed_ = hasFailed_ || (refusesEarlyEnd_ && offset < state_.size);
+    }
+
     int descriptor_;
-    std::uint64_t size_ = 0;
-    std::chrono::nanoseconds changeTime_{};  ///< of its contents, when it was opened
-    PageBlock stream_;                       ///< the contents of what is no regular file
+    FileState state_;   ///< when it was opened; of what is no regular file only the size
+    PageBlock stream_;  ///< the contents of what is no regular file
     bool isStream_ = false;
+    bool refusesEarlyEnd_ = false;
     mutable bool hasFailed_ = false;  ///< set by the first read that fails
 };
 
@@ -118,6 +151,17 @@ public:
     OutputFile& operator=(OutputFile&& other) = delete;
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
+
+    /// Writes on where an open descriptor of this process is, which stays open.
+    static std::optional<OutputFile> ofStream(int descriptor);
+
+    /// Gives the empty file the owner, the group and the mode of the file at `path`, as far as that
+    /// is permitted. Nobody gains rights by that: without the owner and the group, the group and
+    /// all others get what both had; set-user-ID, set-group-ID and the sticky bit are dropped. On
+    /// Windows it is the file that is replaced that hands them on.
+    std::error_code takeAttributesOf(const std::string& path) const;
+
+    FileIdentity identity() const;
 
     /// Writes all bytes, or as many as the device takes; false if it did not take all of them.
     bool write(std::string_view bytes) const;

@@ -19,6 +19,12 @@ std::chrono::nanoseconds changeTime(const struct stat& status) {
            std::chrono::nanoseconds(status.st_mtim.tv_nsec);
 }
 
+FileState stateOf(const struct stat& status) {
+    return {{status.st_dev, status.st_ino},
+            static_cast<std::uint64_t>(status.st_size),
+            changeTime(status)};
+}
+
 /// A pipe without a name, such as a shell makes: one that has no writer has ended.
 bool isAnonymousPipe(int descriptor) {
     struct statfs system {};
@@ -45,8 +51,7 @@ std::optional<InputFile> InputFile::ofDescriptor(int descriptor) {
     struct stat status {};
     if (::fstat(descriptor, &status) != 0) return std::nullopt;
     if (S_ISREG(status.st_mode)) {
-        file.size_ = static_cast<std::uint64_t>(status.st_size);
-        file.changeTime_ = changeTime(status);
+        file.state_ = stateOf(status);
         return file;
     }
     const bool isTerminal = ::isatty(descriptor) != 0;
@@ -66,13 +71,14 @@ bool InputFile::readStream(std::size_t most, bool isPipe, bool isNamed) {
     bool hasWriter = !isNamed;
     for (;;) {
         makeRoom(pieceSize);
-        const ssize_t count = ::read(descriptor_, stream_.data() + size_, stream_.size() - size_);
+        const ssize_t count =
+            ::read(descriptor_, stream_.data() + state_.size, stream_.size() - state_.size);
         if (count > 0) {
-            size_ += static_cast<std::size_t>(count);
-            if (size_ > most) return false;
+            state_.size += static_cast<std::size_t>(count);
+            if (state_.size > most) return false;
         } else if (count == 0) {
             // A named pipe that never had a writer looks as if it had ended.
-            return hasWriter || size_ != 0;
+            return hasWriter || state_.size != 0;
         } else if (errno == EAGAIN) {
             if (!isPipe) return false;
             hasWriter = true;
@@ -83,6 +89,16 @@ bool InputFile::readStream(std::size_t most, bool isPipe, bool isNamed) {
             return true;
         }
     }
+}
+
+std::optional<InputFile> InputFile::again() const {
+    if (isStream_) return std::nullopt;
+    const int descriptor = ::fcntl(descriptor_, F_DUPFD_CLOEXEC, 0);
+    if (descriptor < 0) return std::nullopt;
+    InputFile file(descriptor);
+    file.state_ = state_;
+    file.refusesEarlyEnd_ = refusesEarlyEnd_;
+    return file;
 }
 
 InputFile::~InputFile() {
@@ -97,6 +113,7 @@ std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> out) const {
                                       static_cast<off_t>(offset + size));
         if (count < 0 && errno == EINTR) continue;
         hasFailed_ = hasFailed_ || count < 0;
+        if (count == 0) noteEnd(offset + size);
         if (count <= 0) break;
         size += static_cast<std::size_t>(count);
     }
@@ -107,9 +124,7 @@ Reading InputFile::reading() const {
     if (hasFailed_) return Reading::Failed;
     if (isStream_) return Reading::Complete;
     struct stat status {};
-    const bool isSame = ::fstat(descriptor_, &status) == 0 &&
-                        static_cast<std::uint64_t>(status.st_size) == size_ &&
-                        changeTime(status) == changeTime_;
+    const bool isSame = ::fstat(descriptor_, &status) == 0 && stateOf(status) == state_;
     return isSame ? Reading::Complete : Reading::Changed;
 }
 
@@ -128,6 +143,37 @@ std::optional<OutputFile> OutputFile::createNew(const std::string& path, bool is
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, isPrivate ? 0600 : 0666);
     if (descriptor < 0) return std::nullopt;
     return OutputFile(descriptor, FileMode::Binary);
+}
+
+std::optional<OutputFile> OutputFile::ofStream(int descriptor) {
+    const int own = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    if (own < 0) return std::nullopt;
+    return OutputFile(own, FileMode::Binary);
+}
+
+std::error_code OutputFile::takeAttributesOf(const std::string& path) const {
+    constexpr auto same = static_cast<uid_t>(-1);
+    constexpr unsigned allBits = 07;
+    struct stat other {};
+    // A link that has come meanwhile is somebody's trick.
+    if (::lstat(path.c_str(), &other) != 0) return {errno, std::generic_category()};
+    // Only the superuser may give files away, but members may give them to their group.
+    const bool isGiven = ::fchown(descriptor_, other.st_uid, other.st_gid) == 0;
+    const bool hasGroup = isGiven || ::fchown(descriptor_, same, other.st_gid) == 0;
+    unsigned mode = other.st_mode & 0777U;
+    if (!hasGroup) {
+        // Members of either group may have been among the others, and the other way round.
+        const unsigned both = mode >> 3U & mode & allBits;
+        mode = (mode & 0700U) | both << 3U | both;
+    }
+    if (::fchmod(descriptor_, mode) != 0) return {errno, std::generic_category()};
+    return {};
+}
+
+FileIdentity OutputFile::identity() const {
+    struct stat status {};
+    if (::fstat(descriptor_, &status) != 0) return {};
+    return {status.st_dev, status.st_ino};
 }
 
 OutputFile::~OutputFile() {

@@ -53,8 +53,14 @@ std::chrono::nanoseconds changeTime(const FILETIME& time) {
     return std::chrono::nanoseconds((ticks - between) * 100);
 }
 
-std::uint64_t sizeOf(const BY_HANDLE_FILE_INFORMATION& file) {
-    return std::uint64_t{file.nFileSizeHigh} << 32U | file.nFileSizeLow;
+std::uint64_t joined(DWORD high, DWORD low) {
+    return std::uint64_t{high} << 32U | low;
+}
+
+FileState stateOf(const BY_HANDLE_FILE_INFORMATION& file) {
+    return {{file.dwVolumeSerialNumber, joined(file.nFileIndexHigh, file.nFileIndexLow)},
+            joined(file.nFileSizeHigh, file.nFileSizeLow),
+            changeTime(file.ftLastWriteTime)};
 }
 
 /// A console or a serial line, whose reader waits for somebody.
@@ -90,8 +96,7 @@ std::optional<InputFile> InputFile::ofDescriptor(int descriptor) {
             noteLastError();
             return std::nullopt;
         }
-        file.size_ = sizeOf(status);
-        file.changeTime_ = changeTime(status.ftLastWriteTime);
+        file.state_ = stateOf(status);
         return file;
     }
     // The system has no reason for what this program refuses on its own.
@@ -109,15 +114,25 @@ bool InputFile::readStream(std::size_t most, bool isPipe, bool /*isNamed*/) {
     for (;;) {
         makeRoom(pieceSize);
         unsigned long count = 0;
-        const bool isRead = ::ReadFile(handleOf(descriptor_), stream_.data() + size_, pieceSize,
-                                       &count, nullptr) != 0;
+        const bool isRead = ::ReadFile(handleOf(descriptor_), stream_.data() + state_.size,
+                                       pieceSize, &count, nullptr) != 0;
         // The writer of a pipe has closed it.
         const bool isBroken = !isRead && isPipe && ::GetLastError() == ERROR_BROKEN_PIPE;
         hasFailed_ = !isRead && !isBroken;
         if (!isRead || count == 0) return true;
-        size_ += count;
-        if (size_ > most) return false;
+        state_.size += count;
+        if (state_.size > most) return false;
     }
+}
+
+std::optional<InputFile> InputFile::again() const {
+    if (isStream_) return std::nullopt;
+    const int descriptor = ::_dup(descriptor_);
+    if (descriptor < 0) return std::nullopt;
+    InputFile file(descriptor);
+    file.state_ = state_;
+    file.refusesEarlyEnd_ = refusesEarlyEnd_;
+    return file;
 }
 
 InputFile::~InputFile() {
@@ -135,9 +150,13 @@ std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> out) const {
         const auto wanted = static_cast<DWORD>(std::min(out.size() - size, longestCall));
         if (::ReadFile(handleOf(descriptor_), out.data() + size, wanted, &count, &place) == 0) {
             hasFailed_ = hasFailed_ || ::GetLastError() != ERROR_HANDLE_EOF;
+            noteEnd(offset + size);
             break;
         }
-        if (count == 0) break;
+        if (count == 0) {
+            noteEnd(offset + size);
+            break;
+        }
         size += count;
     }
     return size;
@@ -148,8 +167,7 @@ Reading InputFile::reading() const {
     if (isStream_) return Reading::Complete;
     BY_HANDLE_FILE_INFORMATION status{};
     const bool isSame = ::GetFileInformationByHandle(handleOf(descriptor_), &status) != 0 &&
-                        sizeOf(status) == size_ &&
-                        changeTime(status.ftLastWriteTime) == changeTime_;
+                        stateOf(status) == state_;
     return isSame ? Reading::Complete : Reading::Changed;
 }
 
@@ -164,6 +182,22 @@ std::optional<OutputFile> OutputFile::createNew(const std::string& path, bool /*
     const int descriptor = openDescriptor(path, GENERIC_WRITE, CREATE_NEW);
     if (descriptor < 0) return std::nullopt;
     return OutputFile(descriptor, FileMode::Binary);
+}
+
+std::optional<OutputFile> OutputFile::ofStream(int descriptor) {
+    const int own = ::_dup(descriptor);
+    if (own < 0) return std::nullopt;
+    return OutputFile(own, FileMode::Binary);
+}
+
+std::error_code OutputFile::takeAttributesOf(const std::string& /*path*/) const {
+    return {};
+}
+
+FileIdentity OutputFile::identity() const {
+    BY_HANDLE_FILE_INFORMATION status{};
+    if (::GetFileInformationByHandle(handleOf(descriptor_), &status) == 0) return {};
+    return stateOf(status).identity;
 }
 
 OutputFile::~OutputFile() {

@@ -1,13 +1,9 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
 /// What this machine lets a computation use up.
 namespace Platform {
-
-/// Bytes of stack that a deep recursion may use up, counted from the frame of `main`.
-std::size_t usableStackBytes();
 
 /// Steps of a few nanoseconds, such as a copy or a comparison, that a search of unpredictable
 /// length may take before it counts as hung.

@@ -23,22 +23,34 @@ std::string_view shortened(std::string_view name) {
 
 }  // namespace
 
-std::optional<OutputFile> createTemporary(const OutputTarget& target, unsigned& number,
-                                          std::string& path, std::error_code& error) {
+std::optional<OutputFile> createTemporary(const OutputTarget& target, InterruptGuard& guard,
+                                          unsigned& number, TemporaryFile& file,
+                                          std::error_code& error) {
     const std::size_t name = fileNameStart(target.path);
     std::string start = target.path.substr(0, name) + ".";
     start += shortened(std::string_view(target.path).substr(name));
     start += ".tessaron-" + std::to_string(processNumber()) + "-";
     // The target may be one that others must not read.
-    const bool isPrivate = target.kind == TargetKind::Regular;
+    const bool isReplaced = target.kind == TargetKind::Regular;
     // A killed run may have left a file of this name: process numbers come again.
     constexpr unsigned mostTries = 10'000;
     for (unsigned i = 0; i < mostTries; ++i) {
-        path = start + std::to_string(number++) + ".tmp";
+        file.path = start + std::to_string(number++) + ".tmp";
+        // The guard must know the file when an interrupt comes, and must not remove a file of that
+        // name that somebody else has made.
+        const InterruptsHeld held;
+        guard.add(file.path);
         clearLastError();
-        auto file = OutputFile::createNew(path, isPrivate);
-        error = file ? std::error_code() : lastError();
-        if (file || error != std::errc::file_exists) return file;
+        auto created = OutputFile::createNew(file.path, isReplaced);
+        error = created ? std::error_code() : lastError();
+        if (created && isReplaced) error = created->takeAttributesOf(target.path);
+        if (created && !error) {
+            file.identity = created->identity();
+            return created;
+        }
+        if (created) removeFile(file.path);
+        guard.remove(file.path);
+        if (error != std::errc::file_exists) return std::nullopt;
     }
     return std::nullopt;
 }

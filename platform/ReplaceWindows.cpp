@@ -3,10 +3,14 @@
 #include <process.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <memory>
-#include <mutex>
+#include <deque>
+#include <functional>
+#include <set>
+#include <string_view>
+#include <utility>
 
 #include "platform/Paths.hpp"
 #include "platform/WideText.hpp"
@@ -47,16 +51,28 @@ bool hasFolder(const std::string& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-bool isDevice(const std::string& path) {
-    return fullPath(path).starts_with(L"\\\\.\\");
+/// The name of the device that a path leads to, or empty.
+std::wstring deviceOf(const std::string& path) {
+    constexpr std::wstring_view start = L"\\\\.\\";
+    const std::wstring full = fullPath(path);
+    return full.starts_with(start) ? full.substr(start.size()) : std::wstring();
+}
+
+/// The system takes names such as aux.hex and C:\fw\nul.bin for those of devices.
+bool isDeviceByMistake(const std::string& path) {
+    const bool isAsked = path.starts_with("\\\\.\\") || path.starts_with("//./");
+    return !isAsked && path.find('.', fileNameStart(path)) != std::string::npos;
 }
 
 }  // namespace
 
 OutputTarget outputTarget(const std::string& path) {
-    OutputTarget target{TargetKind::Impossible, path, {}};
-    if (isDevice(path)) {
-        target.kind = TargetKind::Device;
+    OutputTarget target{TargetKind::Impossible, path, {}, -1};
+    if (!deviceOf(path).empty()) {
+        if (isDeviceByMistake(path))
+            target.error = errorOf(ENXIO);
+        else
+            target.kind = TargetKind::Device;
         return target;
     }
     const std::wstring wide = systemPath(path);
@@ -100,43 +116,234 @@ std::string placeOf(const OutputTarget& target) {
     return narrowText(folded);
 }
 
+std::optional<FileIdentity> soleFileAt(const std::string& path) {
+    constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const HANDLE opened =
+        ::CreateFileW(systemPath(path).c_str(), 0, shared, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (opened == INVALID_HANDLE_VALUE) return std::nullopt;
+    const Handle handle(opened);
+    BY_HANDLE_FILE_INFORMATION file{};
+    if (::GetFileInformationByHandle(opened, &file) == 0 || file.nNumberOfLinks != 1)
+        return std::nullopt;
+    return FileIdentity{file.dwVolumeSerialNumber,
+                        std::uint64_t{file.nFileIndexHigh} << 32U | file.nFileIndexLow};
+}
+
+std::optional<OutputFile> openDevice(const OutputTarget& target) {
+    return OutputFile::create(target.path, FileMode::Binary);
+}
+
 int processNumber() {
     return ::_getpid();
 }
 
 namespace {
 
-/// Moves a file to the place of another, once. Returns 0 or the error of the system.
-DWORD moveOnce(const std::wstring& from, const OutputTarget& target) {
-    const std::wstring to = systemPath(target.path);
-    // Keeps the rights and the attributes of the file that is replaced, where the file system has
-    // any and lets it.
-    if (target.kind == TargetKind::Regular &&
-        ::ReplaceFileW(to.c_str(), from.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr,
-                       nullptr) != 0)
-        return 0;
-    if (::MoveFileExW(from.c_str(), to.c_str(),
-                      MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0)
-        return 0;
-    return ::GetLastError();
-}
-
-}  // namespace
-
-std::error_code replaceTarget(const std::string& temporary, const OutputTarget& target) {
-    // A virus scanner or an indexing service may hold either file for a moment after it was
-    // written. In all, these are three seconds.
+/// A virus scanner or an indexing service may hold a file for a moment after it was written: `call`
+/// is tried for up to three seconds. It returns 0 or the error of the system.
+template <class Call>
+std::error_code patiently(Call call) {
     constexpr std::array<DWORD, 8> pauses{10, 20, 50, 120, 300, 500, 1000, 1000};
-    const std::wstring from = systemPath(temporary);
-    DWORD error = moveOnce(from, target);
+    DWORD error = call();
     for (const DWORD pause : pauses) {
         if (error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED &&
             error != ERROR_LOCK_VIOLATION)
             break;
         ::Sleep(pause);
-        error = moveOnce(from, target);
+        error = call();
     }
     return error == 0 ? std::error_code() : errorOf(errorNumber(error));
+}
+
+/// A mutex that has the name of a folder, so that all processes find it.
+class FolderLock {
+public:
+    explicit FolderLock(const std::string& folder) : folder_(folder) {
+        constexpr DWORD longest = 10'000;
+        const std::wstring name =
+            L"Global\\tessaron-" + std::to_wstring(std::hash<std::string>()(folder));
+        mutex_.reset(::CreateMutexW(nullptr, FALSE, name.c_str()));
+        if (mutex_ == nullptr) return;
+        const DWORD outcome = ::WaitForSingleObject(mutex_.get(), longest);
+        // A run that was killed has abandoned it.
+        isLocked_ = outcome == WAIT_OBJECT_0 || outcome == WAIT_ABANDONED;
+        isBusy_ = outcome == WAIT_TIMEOUT;
+    }
+    ~FolderLock() { unlock(); }
+    FolderLock(const FolderLock&) = delete;
+    FolderLock& operator=(const FolderLock&) = delete;
+
+    void unlock() {
+        if (std::exchange(isLocked_, false)) ::ReleaseMutex(mutex_.get());
+    }
+    bool isBusy() const { return isBusy_; }
+    const std::string& folder() const { return folder_; }
+
+private:
+    std::string folder_;
+    Handle mutex_;
+    bool isLocked_ = false;
+    bool isBusy_ = false;
+};
+
+}  // namespace
+
+class Replacement::State {
+public:
+    explicit State(InterruptGuard& guard) : guard_(&guard) {}
+
+    void add(const TemporaryFile& file, const OutputTarget& target) {
+        items_.push_back({file, target, file.path + ".old", false, false, false});
+    }
+
+    std::optional<Failure> tryAll() {
+        for (std::size_t i = 0; i < items_.size(); ++i)
+            if (const std::error_code error = tryOne(items_[i])) return Failure{i, error};
+        return std::nullopt;
+    }
+
+    std::optional<Failure> putInPlace(bool /*canFailLater*/) {
+        // In one order, so that no two runs block each other.
+        std::set<std::string> folders;
+        for (const Item& item : items_) {
+            const std::string place = placeOf(item.target);
+            folders.insert(place.substr(0, place.find_last_of('\\')));
+        }
+        for (const std::string& folder : folders) locks_.emplace_back(folder);
+        if (const auto failure = tryAll()) return failure;
+        held_.emplace();
+        for (std::size_t i = 0; i < items_.size(); ++i) {
+            Item& item = items_[i];
+            guard_->add(item.second);
+            if (const auto error = patiently([&item] { return move(item); }))
+                return Failure{i, error};
+            item.isInPlace = true;
+            guard_->remove(item.file.path);
+        }
+        return std::nullopt;
+    }
+
+    std::vector<std::size_t> takeBack() {
+        std::vector<std::size_t> left;
+        for (std::size_t i = items_.size(); i-- != 0;)
+            if (items_[i].isInPlace && patiently([this, i] { return restore(items_[i]); }))
+                left.push_back(i);
+        keep();
+        std::ranges::reverse(left);
+        return left;
+    }
+
+    void keep() {
+        for (Item& item : items_) item.isInPlace = false;
+        held_.reset();
+        for (FolderLock& lock : locks_) lock.unlock();
+        for (Item& item : items_) {
+            if (item.hasSecond) removeFile(item.second);
+            item.hasSecond = false;
+            guard_->remove(item.second);
+        }
+    }
+
+    std::vector<std::string> busyFolders() const {
+        std::vector<std::string> busy;
+        for (const FolderLock& lock : locks_)
+            if (lock.isBusy()) busy.push_back(lock.folder());
+        return busy;
+    }
+
+private:
+    struct Item {
+        TemporaryFile file;
+        OutputTarget target;
+        std::string second;  ///< another name of the file that it replaces
+        bool replaces;
+        bool hasSecond;
+        bool isInPlace;
+    };
+
+    /// Why a file cannot take its place, as far as that shows without doing it.
+    static std::error_code tryOne(Item& item) {
+        const OutputTarget now = outputTarget(item.target.path);
+        if (now.kind == TargetKind::Impossible) return now.error;
+        item.replaces = now.kind == TargetKind::Regular;
+        if (!item.replaces) return {};
+        return patiently([&item] {
+            constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+            const HANDLE opened = ::CreateFileW(systemPath(item.target.path).c_str(), DELETE,
+                                                shared, nullptr, OPEN_EXISTING, 0, nullptr);
+            if (opened == INVALID_HANDLE_VALUE) return ::GetLastError();
+            ::CloseHandle(opened);
+            return DWORD{0};
+        });
+    }
+
+    /// Moves a file to its place, once.
+    static DWORD move(Item& item) {
+        const std::wstring from = systemPath(item.file.path);
+        const std::wstring to = systemPath(item.target.path);
+        const std::wstring second = systemPath(item.second);
+        // Keeps the rights and the attributes of the file that is replaced, where the file system
+        // has any and lets it.
+        if (item.replaces &&
+            ::ReplaceFileW(to.c_str(), from.c_str(), second.c_str(),
+                           REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr) != 0) {
+            item.hasSecond = true;
+            return 0;
+        }
+        if (item.replaces && ::CopyFileW(to.c_str(), second.c_str(), TRUE) != 0)
+            item.hasSecond = true;
+        if (::MoveFileExW(from.c_str(), to.c_str(),
+                          MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0)
+            return 0;
+        return ::GetLastError();
+    }
+
+    /// Restores what an item replaced.
+    static DWORD restore(Item& item) {
+        const std::wstring place = systemPath(item.target.path);
+        if (!item.replaces) return ::DeleteFileW(place.c_str()) != 0 ? 0 : ::GetLastError();
+        if (!item.hasSecond) return ERROR_NOT_SUPPORTED;
+        if (::MoveFileExW(systemPath(item.second).c_str(), place.c_str(),
+                          MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == 0)
+            return ::GetLastError();
+        item.hasSecond = false;
+        return 0;
+    }
+
+    InterruptGuard* guard_;
+    std::vector<Item> items_;
+    std::deque<FolderLock> locks_;
+    std::optional<InterruptsHeld> held_;
+};
+
+Replacement::Replacement(InterruptGuard& guard) : state_(std::make_unique<State>(guard)) {}
+
+Replacement::~Replacement() {
+    state_->takeBack();
+}
+
+void Replacement::add(const TemporaryFile& file, const OutputTarget& target) {
+    state_->add(file, target);
+}
+
+std::optional<Replacement::Failure> Replacement::tryAll() {
+    return state_->tryAll();
+}
+
+std::optional<Replacement::Failure> Replacement::putInPlace(bool canFailLater) {
+    return state_->putInPlace(canFailLater);
+}
+
+std::vector<std::size_t> Replacement::takeBack() {
+    return state_->takeBack();
+}
+
+void Replacement::keep() {
+    state_->keep();
+}
+
+std::vector<std::string> Replacement::busyFolders() const {
+    return state_->busyFolders();
 }
 
 void removeFile(const std::string& path) {
@@ -149,44 +356,6 @@ std::error_code lastError() {
 
 void clearLastError() {
     errno = 0;
-}
-
-namespace {
-
-/// The files to remove; locked by `guardedMutex`, since the handler runs in a thread of its own.
-const std::set<std::string>* guarded = nullptr;
-std::mutex guardedMutex;
-
-BOOL WINAPI removeAll(DWORD /*event*/) {
-    const std::lock_guard lock(guardedMutex);
-    if (guarded != nullptr)
-        for (const std::string& path : *guarded) removeFile(path);
-    // The next handler ends the process.
-    return FALSE;
-}
-
-}  // namespace
-
-InterruptGuard::InterruptGuard() {
-    const std::lock_guard lock(guardedMutex);
-    guarded = &files_;
-    ::SetConsoleCtrlHandler(&removeAll, TRUE);
-}
-
-InterruptGuard::~InterruptGuard() {
-    ::SetConsoleCtrlHandler(&removeAll, FALSE);
-    const std::lock_guard lock(guardedMutex);
-    guarded = nullptr;
-}
-
-void InterruptGuard::add(const std::string& path) {
-    const std::lock_guard lock(guardedMutex);
-    files_.insert(path);
-}
-
-void InterruptGuard::remove(const std::string& path) {
-    const std::lock_guard lock(guardedMutex);
-    files_.erase(path);
 }
 
 }  // namespace Platform

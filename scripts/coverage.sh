@@ -3,7 +3,7 @@
 #   scripts/coverage.sh [gcovr option ...]     as in: --html-details build/coverage/report.html
 set -eu
 cd "$(dirname "$0")/.."
-scripts/setup.sh test
+scripts/setup.sh coverage
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 cmake --preset coverage >"$log" 2>&1 || { cat "$log"; exit 1; }

@@ -2,6 +2,7 @@
 # Formats every C++ file; with --check only says which ones are not formatted.
 set -eu
 cd "$(dirname "$0")/.."
+scripts/setup.sh format
 files=$(git ls-files -co --exclude-standard -- '*.cpp' '*.hpp')
 if [ "${1:-}" = --check ]; then
     echo "$files" | xargs clang-format --dry-run -Werror

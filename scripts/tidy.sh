@@ -6,7 +6,7 @@
 #                                is no tag, and those beside a changed header
 set -eu
 cd "$(dirname "$0")/.."
-scripts/setup.sh test
+scripts/setup.sh tidy
 files=$(git ls-files -co --exclude-standard -- '*.cpp' |
     grep -vE '^(tests|bench|fuzz|examples)/|Windows\.cpp$')
 if [ "${1:-}" = --changed ]; then

@@ -5,7 +5,7 @@
 # and variable-relabelling, whose long texts take minutes.
 set -eu
 cd "$(dirname "$0")/.."
-scripts/setup.sh test
+scripts/setup.sh valgrind
 [ $# -gt 0 ] || set -- $(ls -dr tests/scripts/*/ | grep -vE 'variable-(doubling|relabelling)')
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
@@ -22,7 +22,7 @@ int main() {
     static_cast<void>(*new volatile int[3]);
 }
 LEAK
-g++ -o build/valgrind/leak build/valgrind/leak.cpp
+"${CXX:-c++}" -o build/valgrind/leak build/valgrind/leak.cpp
 if $watch build/valgrind/leak >/dev/null 2>&1; then
     echo "valgrind.sh: valgrind finds no leak here" >&2
     exit 1

@@ -45,7 +45,7 @@ private:
 };
 
 /// The symbols of a file, or nothing after a diagnostic.
-std::optional<std::vector<ElfSymbol>> read(const std::string& path, const OutputSet& files,
+std::optional<std::vector<ElfSymbol>> read(const std::string& path, const RunFiles& files,
                                            DiagnosticSink& sink) {
     FileListener listener(sink);
     const Facts::ListenerScope listening(listener);
@@ -91,7 +91,7 @@ std::optional<std::uint64_t> addressOf(const std::vector<ElfSymbol>& symbols,
 
 }  // namespace
 
-bool resolveSymbols(const std::vector<std::string>& requests, OutputSet& files,
+bool resolveSymbols(const std::vector<std::string>& requests, RunFiles& files,
                     std::map<std::string, std::string>& variables, DiagnosticSink& sink) {
     const Io::HostScope hosting(files);
     std::map<std::string, std::optional<std::vector<ElfSymbol>>> known;

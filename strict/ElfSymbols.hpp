@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "strict/diagnostics/Diagnostic.hpp"
-#include "strict/files/OutputSet.hpp"
+#include "strict/files/RunFiles.hpp"
 
 namespace Strict {
 
@@ -15,7 +15,7 @@ namespace Strict {
 /// @param requests   texts "NAME=file:symbol"; the first value of a variable counts
 /// @param files      through which the files are read
 /// @return false after a diagnostic
-bool resolveSymbols(const std::vector<std::string>& requests, OutputSet& files,
+bool resolveSymbols(const std::vector<std::string>& requests, RunFiles& files,
                     std::map<std::string, std::string>& variables, DiagnosticSink& sink);
 
 }  // namespace Strict

@@ -10,7 +10,7 @@
 #include "platform/Files.hpp"
 #include "platform/Paths.hpp"
 #include "strict/RunListener.hpp"
-#include "strict/files/OutputSet.hpp"
+#include "strict/files/RunFiles.hpp"
 
 namespace Strict {
 
@@ -18,7 +18,7 @@ namespace {
 
 /// A pipe can be read only once, but a file is opened several times: its bytes are kept as if the
 /// run had written them.
-void keepStream(OutputSet& files, const std::string& path) {
+void keepStream(RunFiles& files, const std::string& path) {
     if (Platform::isRegularFile(path)) return;
     const auto contents = Platform::readFile(path);
     if (!contents) return;
@@ -29,7 +29,7 @@ void keepStream(OutputSet& files, const std::string& path) {
 /// What `read` returns for the path, or nothing after a diagnostic.
 template <class Read>
 auto readWith(Read read, const std::string& path, DiagnosticSink& sink) -> decltype(read(path)) {
-    OutputSet files(OutputSet::Mode::Memory);
+    RunFiles files(RunFiles::Mode::Memory);
     StatementReports reports(nullptr, sink);
     RunListener listener(reports, nullptr,
                          {[&files](std::string_view file) { return files.reasonFor(file); },

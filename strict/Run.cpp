@@ -1,17 +1,21 @@
 #include "strict/Run.hpp"
 
 #include <algorithm>
-#include <exception>
 #include <memory>
+#include <new>
 #include <optional>
 #include <ostream>
 #include <set>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "classic/ClassicWords.hpp"
+#include "inspect/Digest.hpp"
 #include "io/field/FieldReading.hpp"
+#include "parser/commands/CmdNewBuffer.hpp"
+#include "parser/commands/CmdWriteFile.hpp"
 #include "parser/text/VariableExpansion.hpp"
 #include "platform/Files.hpp"
 #include "platform/Replace.hpp"
@@ -22,7 +26,7 @@
 #include "strict/diagnostics/RemarkList.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
 #include "strict/files/DependencyFile.hpp"
-#include "strict/files/OutputSet.hpp"
+#include "strict/files/RunFiles.hpp"
 #include "strict/files/WholeFile.hpp"
 #include "strict/record/Comparison.hpp"
 #include "strict/record/Proof.hpp"
@@ -36,8 +40,16 @@ namespace Strict {
 
 namespace {
 
+/// A script as it was read.
+struct ScriptBytes {
+    std::string text;    ///< with line feeds alone
+    std::string sha256;  ///< of its file
+};
+
 /// The script's own text, or nothing after a diagnostic.
-std::optional<std::string> read(const RunOptions& options, DiagnosticSink& sink) {
+///
+/// @param withDigest  whether the digest is wanted
+std::optional<ScriptBytes> read(const RunOptions& options, bool withDigest, DiagnosticSink& sink) {
     const bool isStandardInput = options.script == "-";
     Platform::clearLastError();
     auto contents =
@@ -54,8 +66,11 @@ std::optional<std::string> read(const RunOptions& options, DiagnosticSink& sink)
             {Kind::ShortRead, "the script " + options.script + " could not be read completely"});
         return std::nullopt;
     }
+    ScriptBytes script;
+    if (withDigest) script.sha256 = Inspect::sha256Of(contents->text());
     Platform::translateText(*contents);
-    return std::string(contents->text());
+    script.text = contents->text();
+    return script;
 }
 
 std::string wordsFor(Facts::VariableFault fault) {
@@ -140,7 +155,7 @@ class Execution {
 public:
     /// @param isScript  somebody wrote the program as a script
     Execution(const Program& program, bool isScript, Printer& printer, std::ostream& output,
-              OutputSet& files)
+              RunFiles& files)
         : program_(&program),
           printer_(&printer),
           files_(&files),
@@ -154,6 +169,27 @@ public:
         context_.observer = &provenance_;
     }
 
+    /// Names the files of all statements. False if two that exclude each other have one place.
+    bool nameFiles() {
+        using namespace Parser::WrapperLib;
+        bool isGood = true;
+        const Parser::StatementList& statements = program_->statements();
+        for (std::size_t i = 0; i < statements.size(); ++i) {
+            const Parser::Statement statement = statements[i];
+            const CmdApi& command = *program_->commands()[i];
+            reports_.enter(statement);
+            if (const auto* const input = statement.last(Parser::Role::InputFile))
+                isGood = nameFile(*input, static_cast<const CmdNewBuffer&>(command).fileName(),
+                                  FileRole::Input) &&
+                         isGood;
+            if (const auto* const output = statement.last(Parser::Role::OutputFile))
+                isGood = nameFile(*output, static_cast<const CmdWriteFile&>(command).fileName(),
+                                  FileRole::Output) &&
+                         isGood;
+        }
+        return isGood;
+    }
+
     /// False if a statement did not do its work, or reported an error. Unless `keepsGoing`, the
     /// first one that fails is the last one that runs.
     bool run(bool keepsGoing) {
@@ -165,6 +201,7 @@ public:
             if (execute(statements[i], *program_->commands()[i])) continue;
             failed = std::min(failed, i);
             if (!keepsGoing) break;
+            files_->stopEffects();
         }
         if (failed == statements.size()) return true;
         // A policy may have silenced the diagnostic; it does not undo what happened.
@@ -181,6 +218,15 @@ public:
     const Provenance& provenance() const { return provenance_; }
 
 private:
+    /// Names the file at `path`, of which the part says the name.
+    bool nameFile(const Parser::Part& part, const std::string& path, FileRole role) {
+        const auto collision = files_->name(path, role);
+        if (collision)
+            reports_.report(Kind::SameFile, wordsFor(*collision, path, role), part,
+                            "one would overwrite the other");
+        return !collision;
+    }
+
     bool execute(const Parser::Statement& statement, Parser::WrapperLib::CmdApi& command) {
         const std::size_t before = printer_->errors();
         reports_.enter(statement);
@@ -194,7 +240,7 @@ private:
 
     const Program* program_;
     Printer* printer_;
-    OutputSet* files_;
+    RunFiles* files_;
     Classic::ClassicWords printed_;
     StatementReports reports_;
     RunListener listener_;
@@ -203,8 +249,11 @@ private:
     Parser::WrapperLib::CmdContext context_;
 };
 
-/// A program that was called needed the outputs before the run failed.
-void noteOutputsInPlace(const OutputSet& files, DiagnosticSink& sink) {
+/// What a run that failed has done, or not done, to the machine: a program that was called needed
+/// the outputs before.
+void noteEffects(const RunFiles& files, DiagnosticSink& sink) {
+    if (files.hasLeftOutProgram())
+        sink.take({std::nullopt, "no program was started after the first error"});
     if (files.inPlace().empty()) return;
     std::string names;
     for (const std::string& path : files.inPlace()) names += (names.empty() ? "" : ", ") + path;
@@ -226,8 +275,34 @@ bool needsRecord(const RunOptions& options) {
            !options.map.empty();
 }
 
+/// Names the files that options give. False after a diagnostic.
+bool nameFiles(const RunOptions& options, RunFiles& files, DiagnosticSink& sink) {
+    struct Row {
+        const std::string* path;
+        FileRole role;
+    };
+    if (options.script != "-") nameFile(files, options.script, FileRole::Script, sink);
+    if (options.isCheck) return true;
+    bool isGood = true;
+    for (const Row& row :
+         {Row{&options.dependencyFile, FileRole::DependencyFile},
+          Row{&options.manifest, FileRole::Manifest}, Row{&options.map, FileRole::Map},
+          Row{&options.report, FileRole::Report}})
+        if (!row.path->empty()) isGood = nameFile(files, *row.path, row.role, sink) && isGood;
+    return isGood;
+}
+
+/// The digests of a record are those of the bytes that the statements have read. False after a
+/// diagnostic if that is not certain.
+bool checkInputs(RunFiles& files, DiagnosticSink& sink) {
+    const std::vector<std::string> changed = files.changedInputs();
+    for (const std::string& path : changed)
+        sink.take({Kind::ShortRead, path + " changed during the run, or could not be read twice"});
+    return changed.empty();
+}
+
 /// Compares the record with what is on disk, or adds it to the outputs. False if anything differs.
-bool useRecord(const RunOptions& options, const Inspect::RunRecord& record, OutputSet& files,
+bool useRecord(const RunOptions& options, const Inspect::RunRecord& record, RunFiles& files,
                DiagnosticSink& sink) {
     if (options.isCheck) {
         const bool isAsListed =
@@ -248,36 +323,62 @@ public:
         : options_(options),
           printer_(&printer),
           output_(&output),
-          files_(options.isCheck ? OutputSet::Mode::Memory : OutputSet::Mode::Disk),
+          files_(options.isCheck ? RunFiles::Mode::Memory : RunFiles::Mode::Disk),
           remarks_(printer.policy()) {
         if (!needsRecord(options)) return;
         files_.keepDigests();
         printer.copyTo(remarks_);
     }
 
+    ExitCode run() {
+        return guarded([this] { return runScript(); });
+    }
+
+    ExitCode run(const Program& program) {
+        return guarded([&] { return execute(program); });
+    }
+
+private:
+    template <class Work>
+    ExitCode guarded(Work work) {
+        try {
+            return work();
+        } catch (const std::bad_alloc&) {
+            printer_->take({Kind::OutOfMemory, "there is not enough memory for this run"});
+            noteEffects(files_, *printer_);
+            return ExitCode::Failed;
+        }
+    }
+
     /// Reads the script, checks it and runs it.
     ExitCode runScript() {
+        if (!nameFiles(options_, files_, *printer_)) return ExitCode::Failed;
         if (!resolveSymbols(options_.symbols, files_, options_.variables, *printer_))
             return ExitCode::Failed;
-        auto written = read(options_, *printer_);
+        auto written = read(options_, needsRecord(options_), *printer_);
         if (!written) return ExitCode::Failed;
-        auto script = prepare(options_, std::move(*written), *printer_);
+        scriptSha256_ = std::move(written->sha256);
+        auto script = prepare(options_, std::move(written->text), *printer_);
         if (!script) return ExitCode::Unusable;
         ParsedScript parsed(*script);
         ScriptCheck(*script, *printer_).check(parsed);
         if (!parsed.isWhole()) return ExitCode::Unusable;
         checkVariables(options_, *script, *printer_);
-        if (printer_->errors() != 0 && !options_.keepsGoing) return ExitCode::Failed;
-        return run(parsed.takeProgram(std::move(script)));
+        return execute(parsed.takeProgram(std::move(script)));
     }
 
-    ExitCode run(const Program& program) {
+    ExitCode execute(const Program& program) {
         Execution execution(program, !options_.script.empty(), *printer_, *output_, files_);
+        const bool hasPlaces = execution.nameFiles();
+        if (!hasPlaces || (printer_->errors() != 0 && !options_.keepsGoing))
+            return ExitCode::Failed;
+
+        if (printer_->errors() != 0) files_.stopEffects();
         const bool isGood = execution.run(options_.keepsGoing);
         if (!execution.isPrinted())
             printer_->take({Kind::ShortWrite, "standard output could not be written completely"});
         if (!isGood || printer_->errors() != 0) {
-            noteOutputsInPlace(files_, *printer_);
+            noteEffects(files_, *printer_);
             return ExitCode::Failed;
         }
         if (needsRecord(options_) && !record(program, execution)) return ExitCode::Failed;
@@ -287,16 +388,12 @@ public:
         return printer_->errors() == 0 ? ExitCode::Good : ExitCode::Failed;
     }
 
-private:
     /// Makes the record and uses it as `useRecord` does.
     bool record(const Program& program, const Execution& execution) {
-        const Ran ran{options_.script == "-" ? "" : options_.script,
-                      &options_.variables,
-                      &program.text(),
-                      &program.statements(),
-                      &execution.context(),
-                      &execution.provenance(),
-                      &files_};
+        if (!checkInputs(files_, *printer_)) return false;
+        const Ran ran{
+            scriptSha256_,        &options_.variables,     &program.text(), &program.statements(),
+            &execution.context(), &execution.provenance(), &files_};
         const bool withLines = !options_.report.empty() || options_.comparesDisk;
         Inspect::RunRecord record = recordOf(ran, withLines);
         record.remarks = std::move(remarks_.remarks);
@@ -306,14 +403,15 @@ private:
     RunOptions options_;
     Printer* printer_;
     std::ostream* output_;
-    OutputSet files_;
+    RunFiles files_;
     RemarkList remarks_;
+    std::string scriptSha256_;  ///< if it is wanted
 };
 
 }  // namespace
 
 ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) {
-    return Session(options, printer, output).runScript();
+    return Session(options, printer, output).run();
 }
 
 ExitCode run(const Program& program, Printer& printer, std::ostream& output) {

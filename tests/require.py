@@ -10,13 +10,13 @@ import subprocess
 import sys
 
 SKIPPED = 77
+IS_REQUIRED = os.environ.get("TESSARON_REQUIRE_ALL") == "1"
 
 
 def skip(reason):
     """Ends the test, which cannot run for `reason`."""
-    is_required = os.environ.get("TESSARON_REQUIRE_ALL") == "1"
-    print("%s: %s" % ("required" if is_required else "skipped", reason))
-    sys.exit(1 if is_required else SKIPPED)
+    print("%s: %s" % ("required" if IS_REQUIRED else "skipped", reason))
+    sys.exit(1 if IS_REQUIRED else SKIPPED)
 
 
 def is_there(tool):
@@ -30,6 +30,14 @@ def require(tools):
     missing = [tool for tool in tools if not is_there(tool)]
     if missing:
         skip("there is no " + ", ".join(missing))
+
+
+def lacks(tool):
+    """Whether a part of the test is skipped, since `tool` is missing."""
+    if IS_REQUIRED or is_there(tool):
+        return False
+    print("skipped: there is no " + tool)
+    return True
 
 
 def main():

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <ranges>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -30,6 +29,45 @@ struct Part {
     std::uint32_t numberCount;
 };
 
+/// Those of some parts that have a role, for a loop over them.
+class PartsOfRole {
+public:
+    PartsOfRole(std::span<const Part> parts, Role role) : parts_(parts), role_(role) {}
+
+    class Iterator {
+    public:
+        Iterator(const Part* part, const Part* end, Role role)
+            : part_(part), end_(end), role_(role) {
+            skip();
+        }
+        const Part& operator*() const { return *part_; }
+        Iterator& operator++() {
+            ++part_;
+            skip();
+            return *this;
+        }
+        bool operator==(const Iterator& other) const { return part_ == other.part_; }
+
+    private:
+        void skip() {
+            while (part_ != end_ && part_->role != role_) ++part_;
+        }
+        const Part* part_;
+        const Part* end_;
+        Role role_;
+    };
+
+    Iterator begin() const { return {parts_.data(), parts_.data() + parts_.size(), role_}; }
+    Iterator end() const {
+        const Part* const end = parts_.data() + parts_.size();
+        return {end, end, role_};
+    }
+
+private:
+    std::span<const Part> parts_;
+    Role role_;
+};
+
 /// A statement as it was parsed: what it says, and where. Its parts belong to a `StatementList`.
 struct Statement {
     WrapperLib::CmdType kind = {};
@@ -42,9 +80,7 @@ struct Statement {
     }
 
     /// The parts of a role, in the order of the text.
-    auto all(Role role) const {
-        return parts | std::views::filter([role](const Part& part) { return part.role == role; });
-    }
+    PartsOfRole all(Role role) const { return {parts, role}; }
 
     /// The last part with one of the roles, the one that counts; null if there is none.
     const Part* last(std::span<const Role> roles) const {
@@ -112,13 +148,32 @@ public:
                 std::span(numbers_).subspan(entry.firstNumber, numbersEnd - entry.firstNumber)};
     }
 
+    class Iterator {
+    public:
+        Iterator(const StatementList& list, std::size_t index) : list_(&list), index_(index) {}
+        Statement operator*() const { return (*list_)[index_]; }
+        Iterator& operator++() {
+            ++index_;
+            return *this;
+        }
+        bool operator==(const Iterator& other) const { return index_ == other.index_; }
+
+    private:
+        const StatementList* list_;
+        std::size_t index_;
+    };
+
+    Iterator begin() const { return {*this, 0}; }
+    Iterator end() const { return {*this, size()}; }
+
     /// The parts of the statement that was begun and is not finished.
     std::span<const Part> begun() const { return std::span(parts_).subspan(finishedParts_); }
 
     /// Begins a statement, and forgets one that is not finished.
-    void begin() {
-        parts_.resize(finishedParts_);
-        numbers_.resize(finishedNumbers_);
+    void beginStatement() {
+        parts_.erase(parts_.begin() + static_cast<std::ptrdiff_t>(finishedParts_), parts_.end());
+        numbers_.erase(numbers_.begin() + static_cast<std::ptrdiff_t>(finishedNumbers_),
+                       numbers_.end());
     }
 
     /// Adds a number, for the part that comes next.
@@ -135,7 +190,7 @@ public:
     }
 
     /// The statement that was begun is finished.
-    void end(WrapperLib::CmdType kind, std::string_view text) {
+    void endStatement(WrapperLib::CmdType kind, std::string_view text) {
         entries_.push_back({kind, text, finishedParts_, finishedNumbers_});
         finishedParts_ = parts_.size();
         finishedNumbers_ = numbers_.size();

@@ -14,7 +14,7 @@ void StatementBuilder::end(Position first, Position last) {
     lastTokens_ += "End";
     lastCommand_.append(first, last);
     if (keepsStatements_)
-        statements_.end(static_cast<WrapperLib::CmdType>(currentCmd_->getCmdType()),
+        statements_.endStatement(static_cast<WrapperLib::CmdType>(currentCmd_->getCmdType()),
                         {first, static_cast<std::size_t>(last - first)});
     commands_.push_back(std::move(currentCmd_));
 }

@@ -34,7 +34,7 @@ public:
     template <class Command>
     void begin(const char* traceText, Position first, Position last) {
         reset();
-        if (keepsStatements_) statements_.begin();
+        if (keepsStatements_) statements_.beginStatement();
         step(traceText, Role::Keyword, first, last);
         if constexpr (std::is_constructible_v<Command, WrapperLib::TextCalculator>)
             currentCmd_ = std::make_unique<Command>(calculator_);

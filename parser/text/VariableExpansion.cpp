@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <regex>
+#include <optional>
 #include <set>
 #include <span>
 #include <stdexcept>
@@ -14,7 +14,9 @@
 #include <utility>
 #include <vector>
 
-#include "parser/text/BoundedRegex.hpp"
+#include "parser/text/PatternReplacement.hpp"
+#include "parser/text/PatternSyntax.hpp"
+#include "parser/text/ReplacementFormat.hpp"
 
 namespace Parser {
 
@@ -32,7 +34,7 @@ struct Limits {
     std::size_t longestText;
     /// Characters that may be walked through yet, those of a line once for each name in it.
     std::uint64_t walk;
-    RegexAllowance allowance;
+    PatternAllowance allowance;
 
 private:
     static constexpr std::size_t longestOfAny = std::size_t{1} << 26U;
@@ -70,32 +72,6 @@ bool isPlain(const Variable& variable) {
            variable.value.find("$'") == std::string::npos;
 }
 
-/// The value of a plain variable as ECMAScript formats it: "$$" is a dollar sign, "$&" and "$0"
-/// the name, and every other group is empty, since the name has none.
-std::string formatted(const Variable& variable) {
-    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    const std::string& format = variable.value;
-    std::string text;
-    for (std::size_t at = 0; at < format.size(); ++at) {
-        const char next = at + 1 < format.size() ? format[at + 1] : '\0';
-        if (format[at] != '$' || (next != '$' && next != '&' && !isDigit(next))) {
-            text += format[at];
-            continue;
-        }
-        ++at;
-        bool isWhole = next == '&' || next == '0';
-        if (isDigit(next) && at + 1 < format.size() && isDigit(format[at + 1])) {
-            ++at;
-            isWhole = isWhole && format[at] == '0';
-        }
-        if (next == '$')
-            text += '$';
-        else if (isWhole)
-            text += variable.name;
-    }
-    return text;
-}
-
 /// Applies variables with plain names, each line by itself: no name reaches across a line feed.
 /// In a line only those variables cost time that occur in it.
 class PlainExpansion {
@@ -108,7 +84,7 @@ public:
             ranks_.emplace(variable.name, variables_.size());
             lengths_.insert(variable.name.size());
             markBeginning(variable.name);
-            variables_.push_back({variable.name, formatted(variable)});
+            variables_.push_back(variable);
         }
     }
 
@@ -166,8 +142,13 @@ private:
         }
         std::string line(source);
         TextMap inLine;
-        for (; rank != none; rank = firstRank(line, rank + 1))
-            line = replaced(line, rank, at, inLine, limits);
+        for (; rank != none; rank = firstRank(line, rank + 1)) {
+            try {
+                line = replaced(line, rank, at, inLine, limits);
+            } catch (const std::length_error&) {
+                reportTooLong(variables_[rank].name);
+            }
+        }
         if (map_ != nullptr) stage.append(inLine.stage(), at);
         if (line.size() > limits.longestText - std::min(limits.longestText, result.size()))
             reportTooLong(variables_.front().name);
@@ -184,18 +165,20 @@ private:
         std::string result;
         TextStage stage;
         std::size_t copied = 0;
+        const MatchTexts texts{
+            variable.name, {}, {}, [](std::size_t /*group*/) { return std::string_view(); }};
         for (std::size_t at = line.find(variable.name); at != std::string_view::npos;
              at = line.find(variable.name, copied)) {
-            result += line.substr(copied, at - copied);
-            result += variable.value;
+            appendBounded(result, line.substr(copied, at - copied), limits.longestText);
+            const std::size_t length = result.size();
+            appendFormatted(result, variable.value, texts, limits.longestText);
             if (map_ != nullptr) {
                 stage.keep(copied, at - copied);
-                stage.insert(at, variable.value.size(), first_ + rank);
+                stage.insert(at, result.size() - length, first_ + rank);
                 map_->use(first_ + rank, line, at, at + variable.name.size(),
                           start + inLine.originOf(at).offset);
             }
             copied = at + variable.name.size();
-            if (result.size() > limits.longestText) reportTooLong(variable.name);
         }
         result += line.substr(copied);
         if (map_ != nullptr) {
@@ -218,7 +201,7 @@ std::string patternApplied(const std::string& text, const Variable& variable, Li
                            TextMap* map, std::size_t index) {
     try {
         TextStage stage;
-        std::size_t end = 0;  ///< of the last match
+        std::optional<std::size_t> end;  ///< of the last match
         ReplacementWatch watch;
         if (map != nullptr)
             watch = [&](std::size_t copied, std::size_t first, std::size_t last,
@@ -228,20 +211,15 @@ std::string patternApplied(const std::string& text, const Variable& variable, Li
                 map->use(index, text, first, last, first);
                 end = last;
             };
-        std::string result = replaceBounded(text, variable.name, variable.value, limits.longestText,
+        std::string result = replacePattern(text, variable.name, variable.value, limits.longestText,
                                             limits.allowance, watch);
-        if (map != nullptr) {
-            stage.keep(end, text.size() - end);
+        if (end) {
+            stage.keep(*end, text.size() - *end);
             map->add(stage);
         }
         return result;
-    } catch (const std::regex_error& error) {
-        const bool isExhausted = error.code() == std::regex_constants::error_stack ||
-                                 error.code() == std::regex_constants::error_complexity ||
-                                 error.code() == std::regex_constants::error_space;
-        throw VariableError(variable.name, isExhausted
-                                               ? Facts::VariableFault::TooComplex
-                                               : Facts::VariableFault::NotARegularExpression);
+    } catch (const PatternError& error) {
+        throw VariableError(variable.name, error.fault());
     } catch (const std::length_error&) {
         reportTooLong(variable.name);
     }

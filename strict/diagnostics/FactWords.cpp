@@ -252,8 +252,12 @@ Words words(const FileNotOpened& f, const Circumstances& c) {
 
 Words words(const FileNotWritten& f, const Circumstances& c) {
     const std::string reason = c.reason(f.file);
+    if (reason.empty())
+        return {{Kind::OutOfMemory,
+                 "there is not enough memory for " + std::string(f.file),
+                 {Role::OutputFile}}};
     return {{Kind::CannotWrite,
-             "cannot write " + std::string(f.file) + afterColon(reason),
+             "cannot write " + std::string(f.file) + ": " + reason,
              {Role::OutputFile},
              reason == noSuchFile() ? "its folder does not exist" : ""}};
 }

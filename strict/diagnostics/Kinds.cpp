@@ -77,6 +77,8 @@ constexpr std::array allKinds{
     KindRow{Kind::Conflict, "conflict", Error, false, "two different bytes for one address"},
     KindRow{Kind::Overlap, "overlap", Warning, false, "the same byte twice for one address"},
     KindRow{Kind::Tolerated, "tolerated", Warning, false, "an oddity of a file that loses no data"},
+    KindRow{Kind::SameFile, "same-file", Error, true,
+            "two files of a run in one place"},
 };
 
 /// A kind is the index of its row.
@@ -86,7 +88,7 @@ constexpr bool isInOrder() {
     return true;
 }
 static_assert(isInOrder(), "a row for each kind, in the order of the enumerators");
-static_assert(allKinds.back().kind == Kind::Tolerated, "the last kind has a row");
+static_assert(allKinds.back().kind == Kind::SameFile, "the last kind has a row");
 
 }  // namespace
 

@@ -62,6 +62,7 @@ enum class Kind : unsigned char {
     Conflict,
     Overlap,
     Tolerated,
+    SameFile,
 };
 
 /// What the program knows of a kind.

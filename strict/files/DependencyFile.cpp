@@ -1,7 +1,8 @@
 #include "strict/files/DependencyFile.hpp"
 
-#include <set>
-#include <string_view>
+#include <algorithm>
+#include <cctype>
+#include <iterator>
 
 #include "strict/files/WholeFile.hpp"
 
@@ -9,11 +10,19 @@ namespace Strict {
 
 namespace {
 
+/// A letter and a colon, which make and ninja take for a drive.
+bool isDrive(const std::string& path) {
+    return path.size() > 2 && std::isalpha(static_cast<unsigned char>(path[0])) != 0 &&
+           path[1] == ':' && (path[2] == '/' || path[2] == '\\');
+}
+
 std::string escaped(const std::string& path) {
     std::string text;
     std::size_t backslashes = 0;
-    for (const char c : path) {
+    for (std::size_t i = 0; i < path.size(); ++i) {
+        const char c = path[i];
         if (c == '$') text += '$';
+        if (c == ':' && !(i == 1 && isDrive(path))) text += '\\';
         // Backslashes before a blank are doubled, all others are literal.
         if (c == ' ' || c == '\t') text.append(backslashes + 1, '\\');
         if (c == '#') text += '\\';
@@ -27,7 +36,6 @@ std::string escaped(const std::string& path) {
 
 std::string dependencyRule(const std::vector<std::string>& outputs,
                            const std::vector<std::string>& inputs) {
-    const std::set<std::string_view> written(outputs.begin(), outputs.end());
     std::string rule;
     for (const std::string& output : outputs) {
         if (!rule.empty()) rule += ' ';
@@ -35,8 +43,6 @@ std::string dependencyRule(const std::vector<std::string>& outputs,
     }
     rule += ':';
     for (const std::string& input : inputs) {
-        // A file that depends on itself is a cycle.
-        if (written.contains(input)) continue;
         rule += " \\\n  ";
         rule += escaped(input);
     }
@@ -44,11 +50,13 @@ std::string dependencyRule(const std::vector<std::string>& outputs,
     return rule;
 }
 
-void writeDependencyFile(const std::string& path, const std::string& script, OutputSet& files,
+void writeDependencyFile(const std::string& path, const std::string& script, RunFiles& files,
                          DiagnosticSink& sink) {
     std::vector<std::string> inputs;
     if (script != "-") inputs.push_back(script);
-    inputs.insert(inputs.end(), files.inputs().begin(), files.inputs().end());
+    // A file that depends on itself is a cycle.
+    std::ranges::copy_if(files.inputs(), std::back_inserter(inputs),
+                         [&files](const std::string& input) { return !files.isWritten(input); });
     // A run that writes nothing else has this file.
     const bool isAlone = files.outputs().empty();
     const std::string rule = dependencyRule(isAlone ? std::vector{path} : files.outputs(), inputs);

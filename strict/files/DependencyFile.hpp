@@ -4,20 +4,21 @@
 #include <vector>
 
 #include "strict/diagnostics/Diagnostic.hpp"
-#include "strict/files/OutputSet.hpp"
+#include "strict/files/RunFiles.hpp"
 
 namespace Strict {
 
-/// The rule "outputs: inputs" in the syntax of make, which ninja reads as well: a blank and "#" are
-/// escaped by a backslash, "$" by another one. An input that is an output too is left out.
+/// The rule "outputs: inputs" in the syntax of make, which ninja reads as well: a blank, "#" and
+/// ":" are escaped by a backslash, "$" by another one.
 std::string dependencyRule(const std::vector<std::string>& outputs,
                            const std::vector<std::string>& inputs);
 
-/// Writes the dependency file of a run: what it wrote, and what it read, the script included.
+/// Writes the dependency file of a run: what it wrote, and what it read, the script included. An
+/// input that is an output too is left out.
 ///
 /// @param path    where to write it
 /// @param script  the path of the script; "-" for standard input, on which nothing can depend
-void writeDependencyFile(const std::string& path, const std::string& script, OutputSet& files,
+void writeDependencyFile(const std::string& path, const std::string& script, RunFiles& files,
                          DiagnosticSink& sink);
 
 }  // namespace Strict

@@ -4,18 +4,25 @@
 #include <string_view>
 
 #include "strict/diagnostics/Diagnostic.hpp"
-#include "strict/files/OutputSet.hpp"
+#include "strict/files/RunFiles.hpp"
 
 namespace Strict {
 
+/// Names a file that an option gives, or reports the role that excludes its own. True if there is
+/// none.
+bool nameFile(RunFiles& files, const std::string& path, FileRole role, DiagnosticSink& sink);
+
+/// "the manifest x is the script", for a file that cannot have the role.
+std::string wordsFor(const RunFiles::Collision& collision, const std::string& path, FileRole role);
+
 /// Adds a file to the outputs of a run, or reports why that is not possible.
-void addFile(OutputSet& files, const std::string& path, std::string_view text,
-             DiagnosticSink& sink);
+void addFile(RunFiles& files, const std::string& path, std::string_view text, DiagnosticSink& sink);
 
 /// Puts all outputs in place, or reports the one that could not be.
-void commit(OutputSet& files, DiagnosticSink& sink);
+void commit(RunFiles& files, DiagnosticSink& sink);
 
 /// Writes a file as a whole or not at all, or reports why that is not possible.
-void writeWhole(const std::string& path, std::string_view text, DiagnosticSink& sink);
+void writeWhole(RunFiles& files, const std::string& path, std::string_view text,
+                DiagnosticSink& sink);
 
 }  // namespace Strict

@@ -16,6 +16,7 @@
 #include "io/import/GenericInFile.hpp"
 #include "io/import/Malformed.hpp"
 #include "platform/Files.hpp"
+#include "platform/Paths.hpp"
 #include "util/Hex.hpp"
 
 namespace Strict {
@@ -37,12 +38,12 @@ std::optional<Contents> contentsOf(const std::string& path) {
     Facts::Unheard unheard;
     const Facts::ListenerScope silence(unheard);
     try {
+        // What `info` reads is not damaged.
         const std::string format = Inspect::formatOf(path);
-        if (format == "UF2" || format == "TI-TXT") {
-            auto image = Inspect::openImage(path);
-            if (!image) return std::nullopt;
-            if (image->parts.size() == 1) return Contents{format, std::move(image->parts.front())};
-        }
+        auto image = Inspect::openImage(path);
+        if (!image) return std::nullopt;
+        if (image->parts.size() == 1) return Contents{format, std::move(image->parts.front())};
+        // An empty file, or one whose areas are far apart.
         Io::Import::GenericInFile file(path);
         const bool isRaw = file.type() == Io::Import::InFileType::RawBinary;
         if (!isRaw && file.getDataLength() == 0) return std::nullopt;
@@ -217,34 +218,54 @@ void explainDamage(Diagnostic& diagnostic, std::uint64_t line, const Made& made,
     }
 }
 
+/// The texts have the same lines, with line feeds or with carriage returns before them.
+bool haveSameLines(std::string_view one, std::string_view other) {
+    const auto skip = [](std::string_view text, std::size_t at) {
+        return std::min(text.find_first_not_of('\r', at), text.size());
+    };
+    std::size_t i = skip(one, 0);
+    std::size_t j = skip(other, 0);
+    while (i < one.size() && j < other.size() && one[i] == other[j]) {
+        i = skip(one, i + 1);
+        j = skip(other, j + 1);
+    }
+    return i == one.size() && j == other.size();
+}
+
 /// Adds where an output that the script makes differs from the file on disk, whose text is `text`.
-void explain(Diagnostic& diagnostic, OutputSet& files, const Inspect::FileRecord& output,
+void explain(Diagnostic& diagnostic, RunFiles& files, const Inspect::FileRecord& output,
              const std::string& path, std::string_view text, const Inspect::RunRecord& record) {
+    const std::string format = Inspect::formatOf(path);
     const std::optional<Contents> disk = contentsOf(path);
     const Io::HostScope hosting(files);
     const std::optional<Contents> contents = contentsOf(path);
     if (!contents) return;
     const Made made{&*contents, &output.format, imagesOf(output, record)};
+    if (format != contents->format) {
+        diagnostic.hint = "the formats differ";
+        return;
+    }
     if (!disk) {
         explainDamage(diagnostic, firstDifferentLine(text, files.contentsOf(path)), made, path,
                       record);
         return;
     }
-    if (disk->format != contents->format) {
-        diagnostic.hint = "the formats differ";
+    const Buffer::AreaList areas = Buffer::differences(disk->image, contents->image);
+    if (areas.empty()) {
+        diagnostic.hint = haveSameLines(text, files.contentsOf(path))
+                              ? "only the line ends differ"
+                              : "the bytes of the images are the same, the text differs";
         return;
     }
-    const Buffer::AreaList areas = Buffer::differences(disk->image, contents->image);
-    diagnostic.hint = areas.empty() ? "the bytes of the images are the same, the text differs"
-                                    : (disk->isRaw() ? "they differ at the offsets "
-                                                     : "they differ at the addresses ") +
-                                          textOf(areas);
+    diagnostic.hint =
+        (disk->isRaw() ? "they differ at the offsets " : "they differ at the addresses ") +
+        textOf(areas);
     diagnostic.notes = notesOn(areas, *disk, made, record);
 }
 
 }  // namespace
 
-bool compareWithDisk(OutputSet& files, const Inspect::RunRecord& record, DiagnosticSink& sink) {
+bool compareWithDisk(RunFiles& files, const Inspect::RunRecord& record, DiagnosticSink& sink) {
     bool isEqual = true;
     for (const std::string& path : files.outputs()) {
         const auto disk = Platform::readFile(path);
@@ -253,9 +274,8 @@ bool compareWithDisk(OutputSet& files, const Inspect::RunRecord& record, Diagnos
         Diagnostic diagnostic{};
         diagnostic.kind = Kind::Differs;
         diagnostic.text = path + (disk ? " is not what the script makes today" : " is missing");
-        const auto output = std::ranges::find_if(record.outputs, [&path](const auto& file) {
-            return file.path == path || path.ends_with("/" + file.path);
-        });
+        const auto output = std::ranges::find(record.outputs, Platform::portablePath(path),
+                                              &Inspect::FileRecord::path);
         if (disk && output != record.outputs.end())
             explain(diagnostic, files, *output, path, disk->text(), record);
         sink.take(diagnostic);

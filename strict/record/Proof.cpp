@@ -1,22 +1,45 @@
 #include "strict/record/Proof.hpp"
 
+#include <array>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
-#include <vector>
 
 #include "platform/Files.hpp"
 #include "platform/Replace.hpp"
-#include "strict/files/FileDigests.hpp"
+#include "strict/files/DigestThread.hpp"
 
 namespace Strict {
 
 namespace {
 
 using Json = nlohmann::json;
-/// Digests by the paths of files.
-using Digests = std::map<std::string, std::string>;
+/// The entries of a list, by their names.
+using Entries = std::map<std::string, const Json*>;
+
+/// "its size is 4, not 8": the first property that differs. A digest says more than any other.
+std::string firstDifference(const Json& listed, const Json& found) {
+    if (!listed.is_object()) return "it is " + found.dump() + ", not " + listed.dump();
+    const auto text = [](const Json& object, const std::string& key) -> std::string {
+        const auto value = object.find(key);
+        if (value == object.end()) return "nothing";
+        return value->is_string() ? value->get<std::string>() : value->dump();
+    };
+    const auto differs = [&](const std::string& key) {
+        return listed.contains(key) && found.contains(key) && listed[key] != found[key];
+    };
+    if (differs("sha256"))
+        return "its SHA-256 is " + text(found, "sha256") + ", not " + text(listed, "sha256");
+    for (const Json* const object : {&found, &listed}) {
+        for (const auto& [key, value] : object->items()) {
+            if (text(found, key) == text(listed, key)) continue;
+            if (value.is_structured()) return "its " + key + " are others";
+            return "its " + key + " is " + text(found, key) + ", not " + text(listed, key);
+        }
+    }
+    return {};
+}
 
 /// Reports what differs from one manifest.
 class Proof {
@@ -29,25 +52,19 @@ public:
         sink_->take({Kind::Differs, what, std::nullopt, hint, {}});
     }
 
-    /// A file has another digest than the manifest gives; `what` names its kind.
-    void differ(const char* what, const std::string& path, const std::string& found,
-                const std::string& listed) {
-        differ("the " + std::string(what) + " " + path + " is not the one of " + manifest_,
-               "its SHA-256 is " + found + ", not " + listed);
-    }
-
-    /// Compares files with those that the manifest lists; `what` names their kind.
-    void compare(const char* what, const Digests& listed, const Digests& found) {
-        for (const auto& [path, digest] : found) {
-            const auto entry = listed.find(path);
-            if (entry == listed.end())
-                differ(manifest_ + " lists no " + what + " " + path);
-            else if (entry->second != digest)
-                differ(what, path, digest, entry->second);
+    /// Compares the entries of a list with those that the manifest has; `what` names their kind.
+    void compare(const char* what, const Entries& listed, const Entries& found) {
+        for (const auto& [name, entry] : found) {
+            const auto other = listed.find(name);
+            if (other == listed.end())
+                differ(manifest_ + " lists no " + what + " " + name);
+            else if (*entry != *other->second)
+                differ("the " + std::string(what) + " " + name + " is not the one of " + manifest_,
+                       firstDifference(*other->second, *entry));
         }
-        for (const auto& [path, digest] : listed)
-            if (!found.contains(path))
-                differ("the script has no " + std::string(what) + " " + path + ", which " +
+        for (const auto& [name, entry] : listed)
+            if (!found.contains(name))
+                differ("the script has no " + std::string(what) + " " + name + ", which " +
                        manifest_ + " lists");
     }
 
@@ -60,35 +77,51 @@ private:
     bool isGood_ = true;
 };
 
-Digests listedIn(const Json& manifest, const char* list) {
-    Digests digests;
-    for (const Json& file : manifest.at(list))
-        digests[file.at("path").get<std::string>()] = file.at("sha256").get<std::string>();
-    return digests;
+/// The entries of a list of the manifest. A second one of a name gets another name.
+Entries entriesIn(const Json& manifest, const char* list, const char* key) {
+    Entries entries;
+    for (const Json& entry : manifest.at(list)) {
+        std::string name = entry.at(key).get<std::string>();
+        while (entries.contains(name)) name += " (again)";
+        entries.emplace(std::move(name), &entry);
+    }
+    return entries;
 }
 
-Digests digestsOf(const std::vector<Inspect::FileRecord>& files) {
-    Digests digests;
-    for (const Inspect::FileRecord& file : files) digests[file.path] = file.sha256;
-    return digests;
-}
-
-void compare(const Json& manifest, const Inspect::RunRecord& record, Proof& proof) {
-    const std::string script = manifest.at("script").at("sha256").get<std::string>();
-    if (script != record.scriptSha256)
-        proof.differ("script", record.scriptPath, record.scriptSha256, script);
-    if (manifest.at("variables").get<Digests>() != record.variables)
-        proof.differ("the variables are not those of " + proof.manifest());
-    proof.compare("input", listedIn(manifest, "inputs"), digestsOf(record.inputs));
-    const Digests outputs = listedIn(manifest, "outputs");
-    proof.compare("output", outputs, digestsOf(record.outputs));
-    for (const auto& [path, digest] : outputs) {
+/// The outputs on disk are those that the manifest lists.
+void compareFiles(const Json& manifest, Proof& proof) {
+    for (const auto& [path, output] : entriesIn(manifest, "outputs", "path")) {
+        const std::string listed = output->at("sha256").get<std::string>();
         const std::string found = digestOfFile(path).sha256;
         if (found.empty())
             proof.differ("the output " + path + " is missing");
-        else if (found != digest)
-            proof.differ("file", path, found, digest);
+        else if (found != listed)
+            proof.differ("the file " + path + " is not the one of " + proof.manifest(),
+                         "its SHA-256 is " + found + ", not " + listed);
     }
+}
+
+void compare(const Json& manifest, const Json& run, Proof& proof) {
+    if (manifest.at("version") != run.at("version"))
+        proof.differ(proof.manifest() + " is of another version",
+                     firstDifference(manifest.at("version"), run.at("version")));
+    const std::string script = run.at("script").at("path").get<std::string>();
+    if (manifest.at("script") != run.at("script"))
+        proof.differ("the script " + script + " is not the one of " + proof.manifest(),
+                     firstDifference(manifest.at("script"), run.at("script")));
+    if (manifest.at("variables") != run.at("variables"))
+        proof.differ("the variables are not those of " + proof.manifest());
+    struct List {
+        const char* name;
+        const char* what;
+        const char* key;
+    };
+    constexpr std::array lists{List{"inputs", "input", "path"}, List{"images", "image", "name"},
+                               List{"values", "value", "name"}, List{"outputs", "output", "path"}};
+    for (const List& list : lists)
+        proof.compare(list.what, entriesIn(manifest, list.name, list.key),
+                      entriesIn(run, list.name, list.key));
+    compareFiles(manifest, proof);
 }
 
 }  // namespace
@@ -104,7 +137,7 @@ bool compareWithManifest(const std::string& path, const Inspect::RunRecord& reco
     }
     Proof proof(path, sink);
     try {
-        compare(Json::parse(text->text()), record, proof);
+        compare(Json::parse(text->text()), Json::parse(Inspect::manifestOf(record)), proof);
     } catch (const Json::exception&) {
         proof.differ(path + " is no manifest");
     }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
-#include <set>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -25,6 +25,19 @@ using Parser::Part;
 using Parser::Role;
 using Parser::Statement;
 
+/// Gives the inputs of a run as its statements have read them.
+class InputsAsRead final : public Io::Host {
+public:
+    explicit InputsAsRead(RunFiles& files) : files_(&files) {}
+
+    std::optional<Platform::InputFile> openInput(const std::string& path) override {
+        return files_->openAsRead(path);
+    }
+
+private:
+    RunFiles* files_;
+};
+
 class Recorder {
 public:
     Recorder(const Ran& ran, bool withLines) : ran_(&ran), withLines_(withLines) {}
@@ -32,12 +45,11 @@ public:
     Inspect::RunRecord record() {
         record_.scriptPath = Platform::portablePath(ran_->script->file());
         record_.scriptText = ran_->script->written();
-        const bool isFile = !ran_->scriptPath.empty();
-        record_.scriptSha256 = isFile ? digestOfFile(ran_->scriptPath).sha256
-                                      : Inspect::sha256Of(ran_->script->written());
+        record_.scriptSha256 = ran_->scriptSha256;
+        InputsAsRead inputs(*ran_->files);
+        const Io::HostScope hosting(inputs);
         addInputs();
-        for (std::size_t i = 0; i < ran_->statements->size(); ++i)
-            addStatement((*ran_->statements)[i]);
+        for (const Statement& statement : *ran_->statements) addStatement(statement);
         addVariables();
         return std::move(record_);
     }
@@ -49,26 +61,33 @@ private:
 
     /// A value that names a file of the run is a path.
     void addVariables() {
-        std::set<std::string> paths(ran_->files->inputs().begin(), ran_->files->inputs().end());
-        paths.insert(ran_->files->outputs().begin(), ran_->files->outputs().end());
         for (const auto& [name, value] : *ran_->variables)
-            record_.variables[name] = paths.contains(value) ? Platform::portablePath(value) : value;
+            record_.variables[name] =
+                ran_->files->isUsed(value) ? Platform::portablePath(value) : value;
+    }
+
+    /// What each input gave the run, by the names of the inputs.
+    std::map<std::string, Inspect::FileRecord> usesOfInputs() const {
+        std::map<std::string, Inspect::FileRecord> uses;
+        for (const Provenance::Input& input : ran_->provenance->inputs()) {
+            Inspect::FileRecord& file = uses[ran_->files->inputName(input.file)];
+            file.line = file.line == 0 ? input.line : file.line;
+            file.areas = Inspect::joined(input.areas, 0);
+            file.format = formatOf(input.file, input.isRaw);
+        }
+        return uses;
     }
 
     void addInputs() {
+        auto uses = usesOfInputs();
         for (const std::string& path : ran_->files->inputs()) {
-            const FileDigest digest = ran_->files->inputDigest(path);
-            Inspect::FileRecord file;
+            Inspect::FileRecord file = std::move(uses[path]);
             file.path = Platform::portablePath(path);
-            file.size = digest.size;
-            file.sha256 = digest.sha256;
-            for (const Provenance::Input& input : ran_->provenance->inputs()) {
-                if (input.file != path) continue;
-                file.line = file.line == 0 ? input.line : file.line;
-                file.areas = Inspect::joined(input.areas, 0);
-                file.format = formatOf(path, input.isRaw);
+            for (const FileDigest& digest : ran_->files->inputDigests(path)) {
+                file.size = digest.size;
+                file.sha256 = digest.sha256;
+                record_.inputs.push_back(file);
             }
-            record_.inputs.push_back(std::move(file));
         }
     }
 
@@ -194,18 +213,15 @@ private:
 
     void addOutput(const Statement& statement) {
         const std::string name = cleanedPath(std::string(statement.textOf(Role::OutputFile)));
-        const std::string path = Platform::portablePath(name);
-        // A later statement replaces what an earlier one wrote.
-        std::erase_if(record_.outputs, [&](const auto& other) { return other.path == path; });
         Inspect::FileRecord file;
-        file.path = path;
+        file.path = Platform::portablePath(name);
         file.format = formatOf(statement);
         for (const Part& image : statement.all(Role::UsesImage))
             file.images.emplace_back(image.text);
         file.line = lineOf(statement);
-        if (!digests_.contains(name)) digests_[name] = ran_->files->outputDigest(name);
-        file.size = digests_[name].size;
-        file.sha256 = digests_[name].sha256;
+        const FileDigest digest = ran_->files->outputDigest(name);
+        file.size = digest.size;
+        file.sha256 = digest.sha256;
         record_.outputs.push_back(std::move(file));
     }
 
@@ -213,7 +229,6 @@ private:
     bool withLines_;
     Inspect::RunRecord record_;
     std::map<std::string, std::vector<Inspect::LineRun>> lines_;  ///< by path
-    std::map<std::string, FileDigest> digests_;                   ///< of outputs
 };
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include "inspect/RunRecord.hpp"
 #include "parser/commands/CmdContext.hpp"
 #include "parser/grammar/Statement.hpp"
-#include "strict/files/OutputSet.hpp"
+#include "strict/files/RunFiles.hpp"
 #include "strict/record/Provenance.hpp"
 #include "strict/script/ScriptText.hpp"
 
@@ -15,13 +15,13 @@ namespace Strict {
 
 /// A run that has ended well, borrowed.
 struct Ran {
-    std::string scriptPath;                               ///< empty for a script that is in no file
+    std::string scriptSha256;                             ///< of its file, or of its text
     const std::map<std::string, std::string>* variables;  ///< of the command line
     const ScriptText* script;
     const Parser::StatementList* statements;
     const Parser::WrapperLib::CmdContext* context;
     const Provenance* provenance;
-    OutputSet* files;  ///< which keeps digests
+    RunFiles* files;  ///< which keeps digests
 };
 
 /// What went into the run and what came out of it. The remarks are left to the caller, and the

@@ -28,14 +28,15 @@ Program ProgramMaker::finish(std::string name) {
     const std::string_view text = script->prepared();
     Parser::StatementList statements;
     for (std::size_t i = 0; i < drafts_.size(); ++i) {
-        statements.begin();
+        statements.beginStatement();
         for (const DraftPart& part : drafts_[i].parts) {
             for (const Piece::PlacedNumber& number : part.numbers)
                 statements.add({number.value, text.substr(part.at + number.at, number.size)});
             statements.add(part.role, part.choice, text.substr(part.at, part.size));
         }
-        statements.end(static_cast<Parser::WrapperLib::CmdType>(commands_[i]->getCmdType()),
-                       text.substr(drafts_[i].at, drafts_[i].size));
+        statements.endStatement(
+            static_cast<Parser::WrapperLib::CmdType>(commands_[i]->getCmdType()),
+            text.substr(drafts_[i].at, drafts_[i].size));
     }
     return {std::move(script), std::move(statements), std::move(commands_)};
 }

@@ -145,6 +145,71 @@ class Manifest(unittest.TestCase):
         pathlib.Path("out.json").write_text("{}")
         self.assertIn("no manifest", self.check(1))
 
+    def test_proof_of_every_property(self):
+        """Whatever is changed in a manifest, the run is no longer the one that it lists."""
+        paths = []
+
+        def collect(value, *path):
+            if isinstance(value, (dict, list)):
+                for key, inner in value.items() if isinstance(value, dict) else enumerate(value):
+                    collect(inner, *path, key)
+            else:
+                paths.append(path)
+
+        collect(self.manifest)
+        self.assertGreater(len(paths), 60)
+        for *path, last in paths:
+            changed = json.loads(json.dumps(self.manifest))
+            inner = changed
+            for key in path:
+                inner = inner[key]
+            inner[last] = inner[last] + 1 if isinstance(inner[last], int) else inner[last] + "x"
+            pathlib.Path("out.json").write_text(json.dumps(changed))
+            said = self.check(1)
+            self.assertIn("out.json", said, (path, last))
+            del inner[last]
+            pathlib.Path("out.json").write_text(json.dumps(changed))
+            self.assertIn("out.json", self.check(1), (path, last))
+
+    def test_what_is_read_is_not_damaged(self):
+        """An output on disk is compared as the programs of the field read it."""
+        good = pathlib.Path("out.hex").read_bytes()
+        lines = good.split()
+        for text, said in ((b"\r\n".join([*lines, b""]), "only the line ends differ"),
+                           (b"# remark\n" + good, "the bytes of the images are the same"),
+                           (b"\xef\xbb\xbf" + good, "the bytes of the images are the same"),
+                           (b" \n".join([*lines, b""]), "the bytes of the images are the same"),
+                           (b"\n".join([*lines[:-1], b""]), "the bytes of the images are the same"),
+                           (good.replace(lines[3], lines[3][:-1] + b"?"), "the file is damaged")):
+            pathlib.Path("out.hex").write_bytes(text)
+            self.assertIn(said, tessaron("check", "release.tsn", "inFile=app.hex",
+                                         "--against-disk", code=1))
+
+    def test_names_alike(self):
+        """What is said of a file is of the image that is in it, not in one of the same name."""
+        os.mkdir("sub")
+        pathlib.Path("two.tsn").write_text(
+            "NEW_BUFFER @One FROM_VALUES {1, 2}\nNEW_BUFFER @Two FROM_VALUES {3, 4}\n"
+            "WRITE_FILE x.bin WITH_BUFFERS {@One} -setFormat=RawBinary\n"
+            "WRITE_FILE sub/x.bin WITH_BUFFERS {@Two} -setFormat=RawBinary\n")
+        tessaron("run", "two.tsn")
+        pathlib.Path("sub/x.bin").write_bytes(b"\x03\x05")
+        self.assertIn("of @Two is 05 in the file and 04 in the image",
+                      tessaron("check", "two.tsn", "--against-disk", code=1))
+
+    def test_spellings(self):
+        """A file is known by its place: the proof holds right after the run."""
+        pathlib.Path("again.tsn").write_text(
+            "NEW_BUFFER @A FROM_FILE app.hex\nNEW_BUFFER @B FROM_FILE ./app.hex\n"
+            "WRITE_FILE ./again.hex WITH_BUFFERS {@A}\n"
+            "NEW_BUFFER @C FROM_FILE again.hex\nWRITE_FILE new.hex WITH_BUFFERS {@C}\n")
+        tessaron("run", "again.tsn", "--manifest", "m.json", "--depfile", "d")
+        tessaron("check", "again.tsn", "--manifest", "m.json", "--against-disk")
+        self.assertEqual([i["path"] for i in json.loads(pathlib.Path("m.json").read_text())["inputs"]],
+                         ["app.hex"])
+        self.assertEqual(pathlib.Path("d").read_text(),
+                         "./again.hex new.hex m.json: \\\n  again.tsn \\\n  app.hex\n")
+
     def test_proof_in_every_format(self):
         """A byte of each of two images, changed in the file, is found by its place in the format."""
         app = bytes(range(0x20, 0x60))

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Installs the build tree BUILD into an empty prefix and uses it from firmware projects with
 find_package and tessaron_run_script:  cmake_package.py CMAKE BUILD"""
+import os
 import pathlib
 import shutil
 import subprocess
@@ -17,6 +18,11 @@ GENERATORS = ("Ninja", "Unix Makefiles", "Ninja Multi-Config")
 def run(*command, **options):
     return subprocess.run([str(part) for part in command], stdout=subprocess.PIPE,
                           stderr=subprocess.STDOUT, text=True, timeout=300, **options)
+
+
+def files_below(folder):
+    return {path.relative_to(folder): path.read_bytes()
+            for path in folder.rglob("*") if path.is_file()}
 
 
 class Project:
@@ -179,6 +185,15 @@ class UsesOfThePackage(unittest.TestCase):
             self.assertEqual(configured.returncode, 0, configured.stdout)
             self.assertIn(note, " ".join(configured.stdout.split()))
             self.assert_built(project, "marker")
+
+    def test_destdir_stages_the_same_files(self):
+        stage = self.root / "stage"
+        done = run(CMAKE, "--install", BUILD, "--prefix", "/opt/of its own",
+                   env=dict(os.environ, DESTDIR=str(stage)))
+        self.assertEqual(done.returncode, 0, done.stdout)
+        self.assertEqual(files_below(stage / "opt/of its own"), files_below(PREFIX))
+        self.assertEqual([path.name for path in (*stage.iterdir(), *(stage / "opt").iterdir())],
+                         ["opt", "of its own"])
 
     def test_versions_that_are_found(self):
         source = self.root / "version"

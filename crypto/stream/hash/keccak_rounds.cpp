@@ -1,6 +1,8 @@
 #include "crypto/stream/hash/keccak_rounds.hpp"
 
 #include <bit>
+#include <cstddef>
+#include <cstdint>
 
 #include "crypto/stream/hash/words.hpp"
 
@@ -31,7 +33,7 @@ static_assert(roundConstants[0] == 1 && roundConstants[23] == 0x8000000080008008
 /// lane (1, 0) rotates by (t + 1)(t + 2) / 2. FIPS 202, sections 3.2.2 and 3.2.3.
 struct Move {
     std::size_t from = 0;
-    int rotation = 0;
+    std::uint8_t rotation = 0;  ///< fits the int of std::rotl, and the unsigned of libc++
 };
 constexpr std::array<Move, 25> moves = [] {
     std::array<Move, 25> table{};
@@ -40,7 +42,8 @@ constexpr std::array<Move, 25> moves = [] {
     for (int t = 0; t < rounds; ++t) {
         const std::size_t nextX = y;
         const std::size_t nextY = (2 * x + 3 * y) % 5;
-        table[nextX + 5 * nextY] = {x + 5 * y, (t + 1) * (t + 2) / 2 % 64};
+        table[nextX + 5 * nextY] = {x + 5 * y,
+                                    static_cast<std::uint8_t>((t + 1) * (t + 2) / 2 % 64)};
         x = nextX;
         y = nextY;
     }

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/Files.hpp"
+
+namespace Strict {
+
+/// SHA-256 and the length of a file.
+struct FileDigest {
+    std::string sha256;
+    std::uint64_t size = 0;
+    /// The file has changed, or could not be read, since it was opened: the digest may not be that
+    /// of the bytes that the run has read.
+    bool hasChanged = false;
+};
+
+/// Computes digests in a thread of its own, one after the other: a hash takes about as long as the
+/// work on the file, and a machine has more than one core. Where no thread can be had, the caller's
+/// own does the work.
+class DigestThread {
+public:
+    /// A digest that is being computed.
+    class Digest;
+
+    DigestThread();
+    ~DigestThread();
+    DigestThread(const DigestThread&) = delete;
+    DigestThread& operator=(const DigestThread&) = delete;
+
+    std::shared_ptr<Digest> begin();
+
+    /// Adds bytes to a digest. Waits while too many are waiting already.
+    ///
+    /// @throws std::bad_alloc  if the memory of the process is used up, here or in the thread
+    void take(Digest& digest, std::string_view bytes);
+
+    /// Adds a whole file that is open. It may be read by others meanwhile.
+    void takeFile(Digest& digest, const Platform::InputFile& file);
+
+    /// Waits for the digest of all bytes that were added so far, of which there are no more.
+    ///
+    /// @throws std::bad_alloc  as above
+    FileDigest finish(Digest& digest);
+
+    /// Waits until everything that was added is in its digest.
+    ///
+    /// @throws std::bad_alloc  as above
+    void wait();
+
+private:
+    class Worker;
+    std::unique_ptr<Worker> worker_;
+};
+
+/// The digest of a file that is open.
+FileDigest digestOf(const Platform::InputFile& file);
+
+/// The digest of a file on disk; an empty one if it cannot be read.
+FileDigest digestOfFile(const std::string& path);
+
+}  // namespace Strict

@@ -1,0 +1,348 @@
+#include "strict/files/RunFiles.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace Strict {
+
+namespace {
+
+/// Whether a file may have two roles.
+bool canBeBoth(FileRole one, FileRole other) {
+    const auto isRead = [](FileRole role) {
+        return role == FileRole::Script || role == FileRole::Input;
+    };
+    if (isRead(one) && isRead(other)) return true;
+    // What is replaced in place was read before.
+    return (one == FileRole::Input && other == FileRole::Output) ||
+           (one == FileRole::Output && other == FileRole::Input);
+}
+
+}  // namespace
+
+const char* nameOf(FileRole role) {
+    switch (role) {
+        case FileRole::Script:
+            return "script";
+        case FileRole::Input:
+            return "input";
+        case FileRole::Output:
+            return "output";
+        case FileRole::DependencyFile:
+            return "dependency file";
+        case FileRole::Manifest:
+            return "manifest";
+        case FileRole::Report:
+            return "report";
+        case FileRole::Map:
+            break;
+    }
+    return "map";
+}
+
+/// Writes to the temporary file of an output, or to memory.
+class RunFiles::Stream final : public Io::OutputStream {
+public:
+    Stream(RunFiles& files, Output& output, std::optional<Platform::OutputFile> file)
+        : files_(&files), output_(&output), file_(std::move(file)) {}
+
+    bool write(std::string_view bytes) override {
+        if (output_->digest != nullptr) files_->digests_->outputs.take(*output_->digest, bytes);
+        if (!file_) {
+            output_->memory += bytes;
+            return true;
+        }
+        Platform::clearLastError();
+        return note(file_->write(bytes));
+    }
+
+    bool close() override {
+        Platform::clearLastError();
+        const bool isClosed = !file_ || note(file_->close());
+        output_->isComplete = isClosed && isWritten_;
+        return isClosed;
+    }
+
+private:
+    bool note(bool isGood) {
+        if (!isGood) files_->noteFailure(output_->path, Platform::lastError());
+        isWritten_ = isWritten_ && isGood;
+        return isGood;
+    }
+
+    RunFiles* files_;
+    bool isWritten_ = true;
+    Output* output_;
+    std::optional<Platform::OutputFile> file_;
+};
+
+RunFiles::~RunFiles() {
+    for (const Output& output : all_) {
+        if (!output.temporary || output.isInPlace) continue;
+        Platform::removeFile(output.temporary->path);
+        guard_.remove(output.temporary->path);
+    }
+}
+
+void RunFiles::noteFailure(const std::string& path, std::error_code error) {
+    if (error) reasons_.insert_or_assign(path, error.message());
+}
+
+std::string RunFiles::reasonFor(std::string_view path) const {
+    const auto found = reasons_.find(path);
+    return found == reasons_.end() ? "" : found->second;
+}
+
+RunFiles::File& RunFiles::fileAt(const std::string& path) {
+    if (const auto known = spellings_.find(path); known != spellings_.end()) return *known->second;
+    const std::string place = Platform::placeOf(Platform::outputTarget(path));
+    File*& file = places_[place];
+    // A file system that takes upper case for lower case, or one that is mounted twice, has one
+    // file at places that look different.
+    const auto identity = Platform::soleFileAt(path);
+    if (file == nullptr && identity)
+        if (const auto known = identities_.find(*identity); known != identities_.end())
+            file = known->second;
+    if (file == nullptr) file = &files_.emplace_back();
+    if (identity) identities_.emplace(*identity, file);
+    spellings_.emplace(path, file);
+    return *file;
+}
+
+std::optional<RunFiles::Collision> RunFiles::name(const std::string& path, FileRole role) {
+    File& file = fileAt(path);
+    const bool isDevice = Platform::outputTarget(path).kind == Platform::TargetKind::Device;
+    const auto other = std::ranges::find_if(file.uses, [role, isDevice](const Use& use) {
+        return !canBeBoth(use.role, role) && !(use.isDevice && isDevice);
+    });
+    if (other != file.uses.end()) return Collision{other->role, other->path};
+    file.uses.push_back({role, path, isDevice});
+    return std::nullopt;
+}
+
+std::string RunFiles::inputName(const std::string& path) {
+    return fileAt(path).inputPath.value_or(path);
+}
+
+std::string RunFiles::outputName(const std::string& path) {
+    return fileAt(path).outputPath.value_or(path);
+}
+
+bool RunFiles::isUsed(const std::string& path) {
+    const File& file = fileAt(path);
+    return file.inputPath || file.outputPath;
+}
+
+bool RunFiles::isWritten(const std::string& path) {
+    return fileAt(path).outputPath.has_value();
+}
+
+void RunFiles::noteContent(File& file, const Platform::InputFile& opened) {
+    if (digests_ == nullptr) return;
+    const auto state = opened.state();
+    const bool isKnown = std::ranges::any_of(file.contents, [&](const Content& content) {
+        return state && content.state == state && content.programs == programs_;
+    });
+    if (isKnown) return;
+    Content content{state, programs_, digests_->inputs.begin()};
+    digests_->inputs.takeFile(*content.digest, opened);
+    file.contents.push_back(std::move(content));
+}
+
+/// What this run has written and not put in place.
+std::optional<Platform::InputFile> RunFiles::openWritten(const Output& output) {
+    if (!output.temporary) {
+        Platform::PageBlock contents(output.memory.size());
+        if (contents.size() != 0)
+            std::memcpy(contents.data(), output.memory.data(), contents.size());
+        return Platform::InputFile::ofMemory(std::move(contents), output.memory.size());
+    }
+    auto file = Platform::InputFile::open(output.temporary->path);
+    if (!file) noteFailure(output.path, Platform::lastError());
+    // In a folder of others the name may lead to another file by now.
+    if (!file || !file->state() || file->state()->identity == output.temporary->identity)
+        return file;
+    noteFailure(output.path, std::make_error_code(std::errc::operation_not_permitted));
+    return std::nullopt;
+}
+
+std::optional<Platform::InputFile> RunFiles::openInput(const std::string& path) {
+    File& file = fileAt(path);
+    Platform::clearLastError();
+    if (file.newest != nullptr && !file.newest->isInPlace) return openWritten(*file.newest);
+    const bool isOwn = file.newest != nullptr;
+    if (!isOwn && !file.inputPath) {
+        file.inputPath = path;
+        inputs_.push_back(path);
+    }
+    Platform::clearLastError();
+    auto opened = Platform::InputFile::open(path);
+    if (opened) {
+        opened->refuseEarlyEnd();
+        if (!isOwn) noteContent(file, *opened);
+        return opened;
+    }
+    const std::error_code error = Platform::lastError();
+    reasons_.insert_or_assign(path, error ? error.message() : "It has no end to wait for");
+    const Platform::OutputTarget target = Platform::outputTarget(path);
+    if (!error && target.error) noteFailure(path, target.error);
+    return opened;
+}
+
+std::optional<Platform::InputFile> RunFiles::openAsRead(const std::string& path) {
+    const File& file = fileAt(path);
+    auto opened = Platform::InputFile::open(path);
+    const bool isAsRead = opened && std::ranges::any_of(file.contents, [&](const Content& content) {
+                              return content.state && content.state == opened->state();
+                          });
+    if (isAsRead) return opened;
+    return file.newest == nullptr ? std::nullopt : openInput(path);
+}
+
+bool RunFiles::keepsInMemory(const Platform::OutputTarget& target) const {
+    return mode_ == Mode::Memory || target.kind == Platform::TargetKind::Device;
+}
+
+std::unique_ptr<Io::OutputStream> RunFiles::addOutput(Output output,
+                                                      std::optional<Platform::OutputFile> file) {
+    if (digests_ != nullptr) output.digest = digests_->outputs.begin();
+    all_.push_back(std::move(output));
+    all_.back().file->newest = &all_.back();
+    return std::make_unique<Stream>(*this, all_.back(), std::move(file));
+}
+
+std::unique_ptr<Io::OutputStream> RunFiles::createOutput(const std::string& path,
+                                                         Platform::FileMode /*mode*/) {
+    File& known = fileAt(path);
+    if (!known.outputPath) {
+        known.outputPath = path;
+        outputs_.push_back(path);
+    }
+    Output output{&known, path, Platform::outputTarget(path), {}, {}, {}, false, false};
+    if (output.target.kind == Platform::TargetKind::Impossible) {
+        noteFailure(path, output.target.error);
+        return nullptr;
+    }
+    if (keepsInMemory(output.target)) return addOutput(std::move(output), std::nullopt);
+    std::error_code error;
+    Platform::TemporaryFile temporary;
+    auto file = Platform::createTemporary(output.target, guard_, number_, temporary, error);
+    if (!file) {
+        noteFailure(path, error);
+        return nullptr;
+    }
+    output.temporary = std::move(temporary);
+    return addOutput(std::move(output), std::move(file));
+}
+
+std::optional<RunFiles::Failure> RunFiles::putInPlace(const std::vector<Output*>& files,
+                                                      const std::vector<Output*>& devices) {
+    Platform::Replacement replacement(guard_);
+    for (const Output* const output : files) replacement.add(*output->temporary, output->target);
+    const auto failure = [](const Output& output, std::error_code error) {
+        return Failure{output.path, error.message(), {}};
+    };
+    std::vector<Platform::OutputFile> open;
+    if (!devices.empty())
+        if (const auto failed = replacement.tryAll())
+            return failure(*files[failed->file], failed->error);
+    for (const Output* const output : devices) {
+        Platform::clearLastError();
+        auto device = Platform::openDevice(output->target);
+        if (!device || !device->write(output->memory))
+            return failure(*output, Platform::lastError());
+        open.push_back(std::move(*device));
+    }
+    std::optional<Failure> failed;
+    if (const auto first = replacement.putInPlace(!devices.empty()))
+        failed = failure(*files[first->file], first->error);
+    for (std::size_t i = 0; i < open.size() && !failed; ++i) {
+        Platform::clearLastError();
+        if (!open[i].close()) failed = failure(*devices[i], Platform::lastError());
+    }
+    if (failed) {
+        for (const std::size_t left : replacement.takeBack()) {
+            files[left]->isInPlace = true;
+            failed->stillNew.push_back(files[left]->path);
+        }
+        return failed;
+    }
+    replacement.keep();
+    for (std::string& folder : replacement.busyFolders()) busyFolders_.push_back(std::move(folder));
+    return std::nullopt;
+}
+
+std::optional<RunFiles::Failure> RunFiles::commit() {
+    if (mode_ == Mode::Memory || hasStopped_) return std::nullopt;
+    std::vector<Output*> files;
+    std::vector<Output*> devices;
+    for (Output& output : all_)
+        if (output.isComplete && !output.isInPlace)
+            (output.temporary ? files : devices).push_back(&output);
+    if (files.empty() && devices.empty()) return std::nullopt;
+    if (auto failed = putInPlace(files, devices)) return failed;
+    for (const auto* const list : {&files, &devices}) {
+        for (Output* const output : *list) {
+            output->isInPlace = true;
+            if (!std::exchange(output->file->isListedInPlace, true))
+                inPlace_.push_back(output->path);
+        }
+    }
+    return std::nullopt;
+}
+
+int RunFiles::runProgram(const std::string& location, const std::string& arguments) {
+    if (mode_ == Mode::Memory) return 0;
+    if (hasStopped_) {
+        hasLeftOutProgram_ = true;
+        return 0;
+    }
+    // It may change what has been read, whose bytes must be in the digests before.
+    if (digests_ != nullptr) digests_->inputs.wait();
+    if (const auto failure = commit()) {
+        reasons_.insert_or_assign(location,
+                                  "cannot write " + failure->path + ": " + failure->reason);
+        return -1;
+    }
+    ++programs_;
+    spellings_.clear();
+    return Io::Host::runProgram(location, arguments);
+}
+
+std::vector<FileDigest> RunFiles::inputDigests(const std::string& path) {
+    std::vector<FileDigest> digests;
+    for (const Content& content : fileAt(path).contents) {
+        const FileDigest digest = digests_->inputs.finish(*content.digest);
+        const bool isKnown = std::ranges::any_of(
+            digests, [&](const FileDigest& known) { return known.sha256 == digest.sha256; });
+        if (!isKnown) digests.push_back(digest);
+    }
+    return digests;
+}
+
+std::vector<std::string> RunFiles::changedInputs() {
+    std::vector<std::string> changed;
+    for (const File& file : files_) {
+        const bool hasChanged = std::ranges::any_of(file.contents, [this](const Content& content) {
+            return digests_->inputs.finish(*content.digest).hasChanged;
+        });
+        if (hasChanged) changed.push_back(*file.inputPath);
+    }
+    return changed;
+}
+
+FileDigest RunFiles::outputDigest(const std::string& path) {
+    const Output* const output = fileAt(path).newest;
+    if (output == nullptr) return {};
+    // Only for a program was it put in place yet, and the program may have changed it.
+    if (output->isInPlace && output->temporary) return digestOfFile(path);
+    return digests_->outputs.finish(*output->digest);
+}
+
+std::string_view RunFiles::contentsOf(const std::string& path) {
+    const Output* const output = fileAt(path).newest;
+    return output == nullptr ? std::string_view() : output->memory;
+}
+
+}  // namespace Strict

@@ -1,0 +1,151 @@
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "parser/text/VariableExpansion.hpp"
+
+namespace {
+
+using Fault = Facts::VariableFault;
+
+struct Replacement {
+    const char* pattern;
+    const char* text;
+    const char* format;
+    const char* expected;
+};
+
+TEST(PatternTest, MatchesAsItsDocumentsSay) {
+    for (const Replacement& row : {
+             // The examples of ECMA-262, "Pattern Semantics".
+             Replacement{"a|ab", "abc", "<$&>", "<a>bc"},
+             {"((a)|(ab))((c)|(bc))", "abc", "$1,$2,$3,$4,$5,$6", "a,a,,bc,,bc"},
+             {"a[a-z]{2,4}", "abcdefghi", "<$&>", "<abcde>fghi"},
+             {"a[a-z]{2,4}?", "abcdefghi", "<$&>", "<abc>defghi"},
+             {"(aa|aabaac|ba|b|c)*$", "aabaac", "<$&,$1>", "<aabaac,c><,>"},
+             {"(?=(a+))a*b\\1", "baaabac", "<$&,$1>", "baa<aba,a>c"},
+             {"a(?!b)", "abac", "x", "abxc"},
+             {"(a*)*", "b", "<$&,$1>", "<,>b<,>"},
+             // Lines, words, escapes.
+             {"^b|a$", "a\r\nb\nab", "x", "x\r\nx\nab"},
+             {"a.b", "a\rb a\nb a b", "x", "a\rb a\nb x"},
+             {"\\bab\\b|\\Bd", "ab cab ad d", "x", "x cab ax d"},
+             {"\\x41\\u0042\\t\\.", "AB\t.", "x", "x"},
+             {"\\d\\D\\w\\W\\s\\S", "1a_ \n.", "x", "x"},
+             {"a\\*]}", "a*]}", "x", "x"},
+             {"x*", "axb", "[$&]", "[]a[x][]b[]"},
+             // Brackets; the names are those of POSIX.
+             {"[^a-c-]", "a-d", "x", "a-x"},
+             {"[]a]", "a]", "x", "a]"},
+             {"[a\\]\\b-]", "a]\b-b", "x", "xxxxb"},
+             {"[[:digit:][.hyphen.]]", "1-a", "x", "xxa"},
+             {"[\\dA-C[:space:]]", "1B d", "x", "xxxd"},
+             {"[\xe0-\xff]", "\xdf\xe0\xff", "x", "\xdfxx"},
+             // Formats.
+             {"(b)(c)?", "abd", "{$`|$'|$1|$2|$3|$01|$$|$}", "a{a|d|b|||b|$|$}d"},
+         }) {
+        std::string text = row.text;
+        Parser::expandVariables(text, {{row.pattern, row.format}});
+        EXPECT_EQ(text, row.expected) << row.pattern;
+    }
+}
+
+std::string times(std::size_t count, const std::string& part) {
+    std::string all;
+    for (std::size_t i = 0; i < count; ++i) all += part;
+    return all;
+}
+
+std::string nested(std::size_t depth, const std::string& open) {
+    return times(depth, open) + "a" + times(depth, ")");
+}
+
+struct Attempt {
+    std::string pattern;
+    std::string text;
+    std::optional<Fault> fault = std::nullopt;
+    std::string expected = {};
+};
+
+/// Each pattern becomes "<" and its 99th group and ">".
+void expectAll(std::initializer_list<Attempt> attempts) {
+    for (const Attempt& row : attempts) {
+        std::string text = row.text;
+        std::optional<Fault> fault;
+        try {
+            Parser::expandVariables(text, {{row.pattern, "<$99>"}});
+        } catch (const Parser::VariableError& error) {
+            fault = error.fault();
+        }
+        EXPECT_EQ(fault, row.fault) << row.pattern;
+        if (!row.fault) {
+            EXPECT_EQ(text, row.expected) << row.pattern;
+        }
+    }
+}
+
+TEST(PatternTest, EndsWhateverThePatternIs) {
+    const std::string manyA(150, 'a');
+    expectAll({
+        {std::string(500, '.'), std::string(501, 'x'), std::nullopt, "<>x"},
+        {std::string(501, '.'), "x", Fault::TooComplex},
+        {nested(249, "("), "bab", std::nullopt, "b<a>b"},
+        {nested(124, "(?="), "bab", std::nullopt, "b<>ab"},
+        {std::string(1, 'a').append(499, '*'), "b", Fault::TooComplex},
+        {times(200, "a?"), std::string(201, 'a'), std::nullopt, "<><><>"},
+        {times(150, "a?") + manyA, manyA, Fault::TooComplex},
+        {"(a*)*b", "aab", std::nullopt, "<>"},
+        {"(a*)*b", manyA, Fault::TooComplex},
+        {times(64, "(|)") + "ac", "ab", Fault::TooComplex},
+        {times(64, "(|)") + "a", "b", std::nullopt, "b"},
+        {"(a)|" + times(60, "(?:|)") + "\\1", "x", Fault::TooComplex},
+        {"(ab){3000}", "ab", Fault::TooComplex},
+        {"a{40}{50}", "a", Fault::TooComplex},
+        {"(a)\\1", "aab", std::nullopt, "<>b"},
+        {"(x)\\\\99999999999999999999", "x\\99999999999999999999", std::nullopt, "<>"},
+        {"([^;]*);", std::string(100'000, 'x') + ";", std::nullopt, "<>"},
+    });
+}
+
+TEST(PatternTest, RefusesWhatIsNoRegularExpression) {
+    for (const char* pattern : {"a(",
+                                "a)",
+                                "(?<a)",
+                                "(?",
+                                "*a",
+                                "a|+",
+                                "^*",
+                                "\\b+",
+                                "(?=a)*",
+                                "a{",
+                                "a{,2}",
+                                "a{2,1}",
+                                "a{1",
+                                "a{ 1}",
+                                "[",
+                                "[a",
+                                "[[",
+                                "[b-a]",
+                                "[a-\\d]",
+                                "[\\d-a]",
+                                "[[:word:]]",
+                                "[[.aa.]]",
+                                "[[.a]",
+                                "[\\1]",
+                                "[\\B]",
+                                "\\",
+                                "a\\x4",
+                                "\\u004g",
+                                "\\c",
+                                "\\1",
+                                "\\1(a)",
+                                "(a\\1)",
+                                "(a)\\2",
+                                "(a)\\4294967297",
+                                "(a)\\18446744073709551617"})
+        expectAll({{pattern, "a", Fault::NotARegularExpression}});
+}
+
+}  // namespace
