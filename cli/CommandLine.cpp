@@ -8,8 +8,10 @@
 #include <iostream>
 #include <limits>
 #include <map>
+#include <optional>
 #include <string_view>
 
+#include "parser/commands/CmdWriteFile.hpp"
 #include "platform/Paths.hpp"
 #include "platform/Version.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
@@ -31,6 +33,7 @@ struct Texts {
     std::string crop;
     std::string fill;
     std::string offset;
+    std::optional<std::string> format;
 };
 
 /// The number that a text is as a whole, decimal or with 0x hexadecimal; 0x may be followed by
@@ -64,6 +67,39 @@ Buffer::Area areaIn(const std::string& option, const std::string& text) {
         throw CLI::ValidationError(option, text + " is not an area START,LENGTH");
     if (numbers[1] == 0) throw CLI::ValidationError(option, text + " has no address");
     return {numbers[0], numbers[1]};
+}
+
+/// The formats and what may follow their keywords.
+std::string knownFormats() {
+    constexpr std::array suffixes{"", "[_N]", "_N", "_NAME"};  // by FormatNumber
+    std::string known;
+    for (const auto& format : Parser::WrapperLib::CmdWriteFile::formats()) {
+        known += known.empty() ? "" : ", ";
+        known += format.keyword;
+        known += suffixes.at(static_cast<std::size_t>(format.numberForm));
+    }
+    return known;
+}
+
+/// A format as -setFormat takes it.
+Parser::FormatChoice formatIn(const std::string& option, const std::string& text) {
+    if (const auto format = Parser::formatIn(text)) return *format;
+    const auto near = Strict::nearest(text, Parser::formatNames());
+    throw CLI::ValidationError(
+        option, "\"" + text + "\" is not a format; " +
+                    (near ? "did you mean " + *near + "?" : "there are " + knownFormats()));
+}
+
+/// A file that is read or written as a file, not as a stream.
+void addPath(CLI::App& command, const std::string& name, std::string& path,
+             const std::string& meaning, const std::string& type) {
+    command.add_option(name, path, meaning)
+        ->type_name(type)
+        ->required()
+        ->check([](const std::string& text) {
+            if (text.empty()) return "the name of the file is empty";
+            return text == "-" ? "a stream has no place here; a file of that name is ./-" : "";
+        });
 }
 
 std::string version() {
@@ -190,6 +226,7 @@ void apply(Request& request, const Texts& texts) {
         const auto offset = static_cast<std::int64_t>(distance);
         request.conversion.offset = isNegative ? -offset : offset;
     }
+    if (texts.format) request.conversion.format = formatIn("--format", *texts.format);
     if (texts.areWarningsErrors) request.policy.makeWarningsErrors();
     set(texts.errors, Strict::Severity::Error);
     set(texts.warnings, Strict::Severity::Warning);
@@ -256,10 +293,8 @@ void addConvert(CLI::App& app, Request& request, Texts& texts) {
         app.add_subcommand("convert", "converts a file; the endings name the formats");
     convert->footer(
         "Example: tessaron convert app.hex app.bin --crop 0x08000000,0x10000 --fill 0xFF");
-    convert->add_option("in", conversion.input, "the file to read")->type_name("IN")->required();
-    convert->add_option("out", conversion.output, "the file to write")
-        ->type_name("OUT")
-        ->required();
+    addPath(*convert, "in", conversion.input, "the file to read", "IN");
+    addPath(*convert, "out", conversion.output, "the file to write", "OUT");
     convert->add_option("--crop", texts.crop, "keeps only this area")
         ->type_name("START,LENGTH")
         ->check(&faultIfEmpty);
@@ -269,7 +304,7 @@ void addConvert(CLI::App& app, Request& request, Texts& texts) {
     convert->add_option("--offset", texts.offset, "adds this number to all addresses")
         ->type_name("N")
         ->check(&faultIfEmpty);
-    convert->add_option("--format", conversion.format, "a format of WRITE_FILE")
+    convert->add_option("--format", texts.format, "a format of WRITE_FILE")
         ->type_name("NAME")
         ->check(&faultIfEmpty);
     convert->add_flag("--print-script", conversion.printsScript,

@@ -5,51 +5,57 @@
 #include "inspect/Image.hpp"
 #include "inspect/Words.hpp"
 #include "io/formats/InputFormats.hpp"
+#include "parser/commands/CmdFillBuffer.hpp"
+#include "parser/commands/CmdNewBuffer.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
+#include "platform/Paths.hpp"
 #include "strict/ImageReading.hpp"
+#include "strict/diagnostics/KeptDiagnostics.hpp"
+#include "strict/script/PathArgument.hpp"
+#include "strict/script/ProgramMaker.hpp"
 
 namespace CommandLine {
 
 namespace {
 
-using Parser::WrapperLib::CmdWriteFile;
-using Parser::WrapperLib::ExportFormat;
+using namespace Parser::WrapperLib;
+using Io::Formats::InputFormatRow;
+using Parser::FormatChoice;
+using Parser::Role;
 using Strict::ExitCode;
+using Strict::Piece;
+
+constexpr std::uint64_t highestAddress = 0xFFFFFFFF;
+
+const ExportFormat& rowOf(const FormatChoice& choice) {
+    return CmdWriteFile::formats()[choice.row];
+}
 
 void fail(Strict::Kind kind, std::string text, std::string hint, Strict::Printer& printer) {
     printer.take({kind, std::move(text), std::nullopt, std::move(hint), {}});
 }
 
-/// The path as a script names it; nothing if none can.
-std::optional<std::string> quoted(const std::string& path, Strict::Printer& printer) {
-    const bool hasDelimiter = path.find_first_of("\"'{}\n\r\x1A") != std::string::npos;
-    const bool hasBlankAtEnd = path.empty() || path.front() == ' ' || path.back() == ' ';
-    if (hasDelimiter || hasBlankAtEnd) {
-        fail(Strict::Kind::CannotOpen, "a script cannot name the file " + path, "rename it",
-             printer);
-        return std::nullopt;
-    }
-    std::string text = "\"";
-    // Two slashes begin a comment; a path means the same with one.
-    for (const char c : path)
-        if (c != '/' || text.back() != '/') text += c;
-    return text + "\"";
-}
+/// How a file is read.
+struct Source {
+    const InputFormatRow* format;  ///< null if its contents decide
+    std::string keyword;           ///< of NEW_BUFFER
+};
 
-/// The source of NEW_BUFFER for a file, by its ending; nothing after a diagnostic.
-std::optional<std::string> sourceOf(const std::string& input, Strict::Printer& printer) {
-    if (const auto* const named = Io::Formats::rowByEnding(input))
-        return std::string(Io::Formats::sourceOf(*named));
-    if (CmdWriteFile::formatByEnding(input) == nullptr) return "FROM_FILE";
+/// How the input is read, by its ending; nothing after a diagnostic.
+std::optional<Source> sourceOf(const std::string& input, Strict::Printer& printer) {
+    if (const InputFormatRow* const named = Io::Formats::rowByEnding(input))
+        return Source{named->keyword == nullptr ? nullptr : named,
+                      std::string(Io::Formats::sourceOf(*named))};
+    if (CmdWriteFile::formatByEnding(input) == nullptr) return Source{nullptr, "FROM_FILE"};
     // Read as raw bytes, it would put heads and digits of the format into the image.
     fail(Strict::Kind::WrongFormat,
          "files with the ending of " + input + " are written and not read", "", printer);
     return std::nullopt;
 }
 
-/// The format's keyword, given or of the ending; nothing after a diagnostic.
-std::optional<std::string> formatOf(const Conversion& conversion, Strict::Printer& printer) {
-    if (!conversion.format.empty()) return conversion.format;
+/// The format, given or of the ending; nothing after a diagnostic.
+std::optional<FormatChoice> formatOf(const Conversion& conversion, Strict::Printer& printer) {
+    if (conversion.format) return conversion.format;
     const ExportFormat* const named = CmdWriteFile::formatByEnding(conversion.output);
     if (named != nullptr && named->choice != nullptr) {
         fail(Strict::Kind::WrongFormat,
@@ -57,7 +63,8 @@ std::optional<std::string> formatOf(const Conversion& conversion, Strict::Printe
              "give one of them by --format: " + std::string(named->choice), printer);
         return std::nullopt;
     }
-    if (named != nullptr) return named->usualForm == nullptr ? named->keyword : named->usualForm;
+    if (named != nullptr)
+        return Parser::formatIn(named->usualForm == nullptr ? named->keyword : named->usualForm);
     std::string known;
     for (const ExportFormat& format : CmdWriteFile::formats())
         for (const std::string_view ending : format.endings)
@@ -68,15 +75,43 @@ std::optional<std::string> formatOf(const Conversion& conversion, Strict::Printe
     return std::nullopt;
 }
 
+/// What the statements need to know of the input.
+struct InputFacts {
+    std::uint64_t lowest = 0;  ///< address
+    std::optional<std::uint64_t> startAddress;
+};
+
+/// Reads the input for its facts; nothing after a diagnostic. A run reads it again and reports
+/// what is odd about it.
+std::optional<InputFacts> factsOf(const Conversion& conversion, Strict::Printer& printer) {
+    const std::string& input = conversion.input;
+    Strict::KeptDiagnostics kept;
+    const auto image = Strict::readImage(input, kept);
+    if (!image || conversion.printsScript) kept.pass(printer);
+    if (!image) return std::nullopt;
+    if (!conversion.printsScript && !Platform::isRegularFile(input)) {
+        fail(Strict::Kind::CannotOpen, input + " can be read only once",
+             "save it in a file: its addresses are needed before it is converted", printer);
+        return std::nullopt;
+    }
+    InputFacts facts;
+    if (!image->parts.empty()) facts.lowest = image->parts.front().getStartAddress();
+    facts.startAddress = image->startAddress;
+    if (!facts.startAddress || *facts.startAddress <= highestAddress) return facts;
+    fail(Strict::Kind::Outside,
+         "the start address " + Inspect::addressText(*facts.startAddress) + " of " + input +
+             " has more than 32 bits",
+         "choose a format without a start address", printer);
+    return std::nullopt;
+}
+
 /// The address that the image begins with after it was moved; nothing after a diagnostic.
-std::optional<std::uint64_t> movedStart(const Conversion& conversion, const Inspect::Image& image,
+std::optional<std::uint32_t> movedStart(const Conversion& conversion, std::uint64_t lowest,
                                         Strict::Printer& printer) {
-    constexpr std::int64_t highest = 0xFFFFFFFF;
-    const std::uint64_t start = conversion.crop       ? conversion.crop->start
-                                : image.parts.empty() ? 0
-                                                      : image.parts.front().getStartAddress();
+    const std::uint64_t start = conversion.crop ? conversion.crop->start : lowest;
     const auto moved = static_cast<std::int64_t>(start) + conversion.offset;
-    if (moved >= 0 && moved <= highest) return static_cast<std::uint64_t>(moved);
+    if (moved >= 0 && moved <= static_cast<std::int64_t>(highestAddress))
+        return static_cast<std::uint32_t>(moved);
     fail(Strict::Kind::Outside,
          "the offset moves the start " + Inspect::addressText(start) +
              " out of the 32-bit address space",
@@ -84,52 +119,163 @@ std::optional<std::uint64_t> movedStart(const Conversion& conversion, const Insp
     return std::nullopt;
 }
 
-}  // namespace
+void addAddress(Piece& piece, std::uint64_t address) {
+    piece.addNumber(static_cast<std::uint32_t>(address), Inspect::addressText(address));
+}
 
-std::optional<std::string> scriptFor(const Conversion& conversion, Strict::Printer& printer) {
-    const auto input = quoted(conversion.input, printer);
-    const auto output = quoted(conversion.output, printer);
+/// All that a conversion is made of.
+struct Steps {
+    std::string input;
+    Source source;
+    std::optional<Buffer::Area> crop;
+    std::optional<std::uint32_t> movedStart;
+    std::vector<std::uint8_t> fill;
+    std::string output;
+    std::optional<std::uint32_t> startAddress;
+    FormatChoice format;
+};
+
+constexpr const char* imageName = "@Image";
+
+void addNewBuffer(Strict::ProgramMaker& maker, const Steps& steps) {
+    auto& image = maker.begin<CmdNewBuffer>("NEW_BUFFER");
+    image.setBufferName(imageName);
+    maker.add(" ");
+    maker.add(Role::MakesImage, imageName);
+    image.setPath(steps.input, steps.source.format);
+    maker.add(" " + steps.source.keyword + " ");
+    maker.add(Role::InputFile, Strict::argumentOf(steps.input).text);
+    if (steps.crop) {
+        image.setBufferRange(*steps.crop);
+        maker.add(" -useBufferRange=");
+        Piece range("{");
+        addAddress(range, steps.crop->start);
+        range << ", ";
+        addAddress(range, steps.crop->length);
+        range << "}";
+        maker.add(Role::Range, range);
+    }
+    if (steps.movedStart) {
+        image.setNewStartAddress(*steps.movedStart);
+        maker.add(" ");
+        Piece option("-changeStartAddressTo=");
+        addAddress(option, *steps.movedStart);
+        maker.add(Role::Address, option);
+    }
+    maker.end();
+}
+
+void addFillBuffer(Strict::ProgramMaker& maker, const Steps& steps) {
+    auto& fill = maker.begin<CmdFillBuffer>("FILL_BUFFER");
+    fill.setBufferName(imageName);
+    maker.add(" ");
+    maker.add(Role::ChangesImage, imageName);
+    fill.setFillPattern({steps.fill.begin(), steps.fill.end()});
+    maker.add(" WITH_FILLER ");
+    Piece bytes("{");
+    for (const std::uint8_t byte : steps.fill) {
+        if (!bytes.numbers().empty()) bytes << ", ";
+        bytes.addNumber(byte, std::to_string(byte));
+    }
+    bytes << "}";
+    maker.add(Role::Filler, bytes);
+    maker.end();
+}
+
+/// Adds the keyword of the format, or the keyword and the number, which is the part then.
+void addFormat(Strict::ProgramMaker& maker, const FormatChoice& format) {
+    const std::string keyword = rowOf(format).keyword;
+    if (!format.number) {
+        maker.add(Role::Format, keyword, format.row);
+        return;
+    }
+    maker.add(keyword + "_");
+    Piece number(Parser::nameIn(format));
+    if (number.text().empty()) number.addNumber(*format.number, std::to_string(*format.number));
+    maker.add(Role::Format, number, format.row);
+}
+
+void addWriteFile(Strict::ProgramMaker& maker, const Steps& steps) {
+    auto& write = maker.begin<CmdWriteFile>("WRITE_FILE");
+    write.setPath(steps.output);
+    maker.add(" ");
+    maker.add(Role::OutputFile, Strict::argumentOf(steps.output).text);
+    write.addBuffer(imageName);
+    maker.add(" WITH_BUFFERS {");
+    maker.add(Role::UsesImage, imageName);
+    maker.add("}");
+    if (steps.startAddress) {
+        write.setExecutionStartAddress(*steps.startAddress);
+        maker.add(" ");
+        Piece start("");
+        addAddress(start, *steps.startAddress);
+        maker.add(Role::Start, start);
+    }
+    const ExportFormat& format = rowOf(steps.format);
+    if (steps.fill.empty() && format.hasAddresses) {
+        write.skipUnwritten();
+        maker.add(" ");
+        maker.add(Role::Gaps, "-skipUnwritten");
+    }
+    write.setFormat(format, steps.format.number);
+    maker.add(" -setFormat=");
+    addFormat(maker, steps.format);
+    maker.end();
+}
+
+/// What the conversion does, or nothing after a diagnostic.
+std::optional<Steps> stepsOf(const Conversion& conversion, Strict::Printer& printer) {
     const auto source = sourceOf(conversion.input, printer);
     const auto format = formatOf(conversion, printer);
-    const auto image = Strict::readImage(conversion.input, printer);
-    if (!input || !output || !source || !format || !image || printer.errors() != 0)
+    if (!source || !format) return std::nullopt;
+    if (conversion.crop &&
+        (conversion.crop->start > highestAddress || conversion.crop->length > highestAddress)) {
+        fail(Strict::Kind::Outside, "the area to keep leaves the 32-bit address space", "",
+             printer);
         return std::nullopt;
-    std::string script = "NEW_BUFFER @Image " + *source + " " + *input;
-    if (conversion.crop)
-        script += " -useBufferRange={" + Inspect::addressText(conversion.crop->start) + ", " +
-                  Inspect::addressText(conversion.crop->length) + "}";
-    if (conversion.offset != 0) {
-        const auto start = movedStart(conversion, *image, printer);
-        if (!start) return std::nullopt;
-        script += " -changeStartAddressTo=" + Inspect::addressText(*start);
     }
-    script += "\n";
-    if (!conversion.fill.empty()) {
-        script += "FILL_BUFFER @Image WITH_FILLER {";
-        for (const std::uint8_t byte : conversion.fill)
-            script += (script.back() == '{' ? "" : ", ") + std::to_string(byte);
-        script += "}\n";
-    }
-    script += "WRITE_FILE " + *output + " WITH_BUFFERS {@Image}";
-    const ExportFormat* const row = CmdWriteFile::formatNamed(*format);
-    if (image->startAddress && row != nullptr && row->hasStartAddress)
-        script += " " + Inspect::addressText(*image->startAddress);
-    const bool hasAddresses = row == nullptr || row->hasAddresses;
-    if (conversion.fill.empty() && hasAddresses) script += " -skipUnwritten";
-    return script + " -setFormat=" + *format + "\n";
+    Steps steps{conversion.input,  *source, conversion.crop, {}, conversion.fill,
+                conversion.output, {},      *format};
+    const bool hasStart = rowOf(*format).hasStartAddress;
+    if (!hasStart && conversion.offset == 0) return steps;
+    const auto facts = factsOf(conversion, printer);
+    if (!facts) return std::nullopt;
+    if (hasStart && facts->startAddress)
+        steps.startAddress = static_cast<std::uint32_t>(*facts->startAddress);
+    if (conversion.offset == 0) return steps;
+    steps.movedStart = movedStart(conversion, facts->lowest, printer);
+    return steps.movedStart ? std::optional(steps) : std::nullopt;
+}
+
+/// Prints the script that does the same, unless there is none.
+ExitCode print(const Conversion& conversion, const Strict::Program& program,
+               Strict::Printer& printer, std::ostream& output) {
+    for (const std::string& path : {conversion.input, conversion.output})
+        if (const auto argument = Strict::argumentOf(path); !argument.obstacle.empty())
+            fail(Strict::Kind::Syntax, "no script can name the file " + path, argument.obstacle,
+                 printer);
+    if (printer.errors() != 0) return ExitCode::Failed;
+    output << program.text().written() << std::flush;
+    return output ? ExitCode::Good : ExitCode::Failed;
+}
+
+}  // namespace
+
+std::optional<Strict::Program> programFor(const Conversion& conversion, Strict::Printer& printer) {
+    const auto steps = stepsOf(conversion, printer);
+    if (!steps) return std::nullopt;
+    Strict::ProgramMaker maker;
+    addNewBuffer(maker, *steps);
+    if (!steps->fill.empty()) addFillBuffer(maker, *steps);
+    addWriteFile(maker, *steps);
+    return maker.finish("<convert>");
 }
 
 ExitCode convert(const Conversion& conversion, Strict::Printer& printer, std::ostream& output) {
-    auto script = scriptFor(conversion, printer);
-    if (!script) return ExitCode::Failed;
-    if (conversion.printsScript) {
-        output << *script << std::flush;
-        return output ? ExitCode::Good : ExitCode::Failed;
-    }
-    Strict::RunOptions options;
-    options.script = "<convert>";
-    options.text = std::move(*script);
-    return Strict::run(options, printer, output);
+    const auto program = programFor(conversion, printer);
+    if (!program || printer.errors() != 0) return ExitCode::Failed;
+    return conversion.printsScript ? print(conversion, *program, printer, output)
+                                   : Strict::run(*program, printer, output);
 }
 
 }  // namespace CommandLine

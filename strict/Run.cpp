@@ -6,6 +6,7 @@
 #include <optional>
 #include <ostream>
 #include <set>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -13,7 +14,8 @@
 #include "classic/ClassicWords.hpp"
 #include "inspect/Digest.hpp"
 #include "io/formats/FieldReading.hpp"
-#include "parser/commands/Conventions.hpp"
+#include "parser/commands/CmdNewBuffer.hpp"
+#include "parser/commands/CmdWriteFile.hpp"
 #include "parser/text/VariableExpansion.hpp"
 #include "platform/Files.hpp"
 #include "platform/Paths.hpp"
@@ -49,10 +51,6 @@ struct ScriptBytes {
 ///
 /// @param withDigest  whether the digest is wanted
 std::optional<ScriptBytes> read(const RunOptions& options, bool withDigest, DiagnosticSink& sink) {
-    const auto digestOf = [withDigest](std::string_view text) {
-        return withDigest ? Inspect::sha256Of(text) : std::string();
-    };
-    if (options.text) return ScriptBytes{*options.text, digestOf(*options.text)};
     const bool isStandardInput = options.script == "-";
     Platform::clearLastError();
     auto contents =
@@ -76,7 +74,7 @@ std::optional<ScriptBytes> read(const RunOptions& options, bool withDigest, Diag
         return std::nullopt;
     }
     ScriptBytes script;
-    script.sha256 = digestOf(contents->text());
+    if (withDigest) script.sha256 = Inspect::sha256Of(contents->text());
     Platform::translateText(*contents);
     script.text = contents->text();
     return script;
@@ -164,45 +162,55 @@ void checkVariables(const RunOptions& options, const ScriptText& script, Diagnos
     }
 }
 
-/// Runs the statements of a script.
+/// Runs the statements of a program.
 class Execution {
 public:
-    Execution(const ScriptText& script, const ScriptCheck& check, Printer& printer,
-              std::ostream& output, RunFiles& files)
-        : printer_(&printer),
+    /// @param isScript  somebody wrote the program as a script
+    Execution(const Program& program, bool isScript, Printer& printer, std::ostream& output,
+              RunFiles& files)
+        : program_(&program),
+          printer_(&printer),
           files_(&files),
           printed_(output, output),
-          reports_(&script, printer),
+          reports_(&program.text(), printer),
           listener_(reports_, &printed_,
                     {[&files](std::string_view path) { return files.reasonFor(path); },
-                     [&check](std::string_view name) { return check.isMade(name); }}),
+                     [&program](std::string_view name) { return program.makes(name); }, isScript}),
           provenance_(reports_) {
         context_.reading = &reading_;
         context_.observer = &provenance_;
     }
 
     /// Names the files of all statements. False if two that exclude each other have one place.
-    bool nameFiles(const ParsedScript& parsed) {
+    bool nameFiles() {
+        using namespace Parser::WrapperLib;
         bool isGood = true;
-        for (const Parser::Statement& statement : parsed.statements()) {
+        const Parser::StatementList& statements = program_->statements();
+        for (std::size_t i = 0; i < statements.size(); ++i) {
+            const Parser::Statement statement = statements[i];
+            const CmdApi& command = *program_->commands()[i];
             reports_.enter(statement);
             if (const auto* const input = statement.last(Parser::Role::InputFile))
-                isGood = nameFile(*input, FileRole::Input) && isGood;
+                isGood = nameFile(*input, static_cast<const CmdNewBuffer&>(command).fileName(),
+                                  FileRole::Input) &&
+                         isGood;
             if (const auto* const output = statement.last(Parser::Role::OutputFile))
-                isGood = nameFile(*output, FileRole::Output) && isGood;
+                isGood = nameFile(*output, static_cast<const CmdWriteFile&>(command).fileName(),
+                                  FileRole::Output) &&
+                         isGood;
         }
         return isGood;
     }
 
     /// False if a statement did not do its work, or reported an error. Unless `keepsGoing`, the
     /// first one that fails is the last one that runs.
-    bool run(const ParsedScript& parsed, bool keepsGoing) {
+    bool run(bool keepsGoing) {
         const Facts::ListenerScope listening(listener_);
         const Io::HostScope hosting(*files_);
-        const Parser::StatementList& statements = parsed.statements();
+        const Parser::StatementList& statements = program_->statements();
         std::size_t failed = statements.size();  // the first one
         for (std::size_t i = 0; i < statements.size(); ++i) {
-            if (execute(statements[i], *parsed.commands()[i])) continue;
+            if (execute(statements[i], *program_->commands()[i])) continue;
             failed = std::min(failed, i);
             if (!keepsGoing) break;
             files_->stopEffects();
@@ -222,8 +230,8 @@ public:
     const Provenance& provenance() const { return provenance_; }
 
 private:
-    bool nameFile(const Parser::Part& part, FileRole role) {
-        const std::string path = Parser::WrapperLib::cleanedPath(std::string(part.text));
+    /// Names the file at `path`, of which the part says the name.
+    bool nameFile(const Parser::Part& part, const std::string& path, FileRole role) {
         const auto collision = files_->name(path, role);
         if (collision)
             reports_.report(Kind::SameFile, wordsFor(*collision, path, role), part,
@@ -242,6 +250,7 @@ private:
         return isDone && printer_->errors() == before;
     }
 
+    const Program* program_;
     Printer* printer_;
     RunFiles* files_;
     Classic::ClassicWords printed_;
@@ -284,8 +293,7 @@ bool nameFiles(const RunOptions& options, RunFiles& files, DiagnosticSink& sink)
         const std::string* path;
         FileRole role;
     };
-    const bool isFile = options.script != "-" && !options.text;
-    if (isFile) nameFile(files, options.script, FileRole::Script, sink);
+    if (options.script != "-") nameFile(files, options.script, FileRole::Script, sink);
     if (options.isCheck) return true;
     bool isGood = true;
     for (const Row& row :
@@ -320,66 +328,110 @@ bool useRecord(const RunOptions& options, const Inspect::RunRecord& record, RunF
     return true;
 }
 
-ExitCode runWith(RunFiles& files, RunOptions options, Printer& printer, std::ostream& output) {
-    RemarkList remarks(printer.policy());
-    if (needsRecord(options)) {
-        files.keepDigests();
-        printer.copyTo(remarks);
+/// One run, from its options to its exit code.
+class Session {
+public:
+    Session(const RunOptions& options, Printer& printer, std::ostream& output)
+        : options_(options),
+          printer_(&printer),
+          output_(&output),
+          files_(options.isCheck ? RunFiles::Mode::Memory : RunFiles::Mode::Disk),
+          remarks_(printer.policy()) {
+        if (!needsRecord(options)) return;
+        files_.keepDigests();
+        printer.copyTo(remarks_);
     }
-    if (!nameFiles(options, files, printer)) return ExitCode::Failed;
-    if (!resolveSymbols(options.symbols, files, options.variables, printer))
-        return ExitCode::Failed;
-    auto written = read(options, needsRecord(options), printer);
-    if (!written) return ExitCode::Failed;
-    const auto script = prepare(options, std::move(written->text), printer);
-    if (!script) return ExitCode::Unusable;
-    const ParsedScript parsed(*script);
-    ScriptCheck check(*script, printer);
-    check.check(parsed);
-    if (!parsed.isWhole()) return ExitCode::Unusable;
-    checkVariables(options, *script, printer);
-    Execution execution(*script, check, printer, output, files);
-    const bool hasPlaces = execution.nameFiles(parsed);
-    if (!hasPlaces || (printer.errors() != 0 && !options.keepsGoing)) return ExitCode::Failed;
 
-    if (printer.errors() != 0) files.stopEffects();
-    const bool isGood = execution.run(parsed, options.keepsGoing);
-    if (!execution.isPrinted())
-        printer.take({Kind::ShortWrite, "standard output could not be written completely"});
-    if (!isGood || printer.errors() != 0) {
-        noteEffects(files, printer);
-        return ExitCode::Failed;
+    ExitCode run() {
+        return guarded([this] { return runScript(); });
     }
-    if (needsRecord(options)) {
-        if (!checkInputs(files, printer)) return ExitCode::Failed;
+
+    ExitCode run(const Program& program) {
+        return guarded([&] { return execute(program); });
+    }
+
+private:
+    template <class Work>
+    ExitCode guarded(Work work) {
+        try {
+            return work();
+        } catch (const std::bad_alloc&) {
+            printer_->take({Kind::OutOfMemory, "there is not enough memory for this run"});
+            noteEffects(files_, *printer_);
+            return ExitCode::Failed;
+        }
+    }
+
+    /// Reads the script, checks it and runs it.
+    ExitCode runScript() {
+        if (!nameFiles(options_, files_, *printer_)) return ExitCode::Failed;
+        if (!resolveSymbols(options_.symbols, files_, options_.variables, *printer_))
+            return ExitCode::Failed;
+        auto written = read(options_, needsRecord(options_), *printer_);
+        if (!written) return ExitCode::Failed;
+        scriptSha256_ = std::move(written->sha256);
+        auto script = prepare(options_, std::move(written->text), *printer_);
+        if (!script) return ExitCode::Unusable;
+        ParsedScript parsed(*script);
+        ScriptCheck(*script, *printer_).check(parsed);
+        if (!parsed.isWhole()) return ExitCode::Unusable;
+        checkVariables(options_, *script, *printer_);
+        return execute(parsed.takeProgram(std::move(script)));
+    }
+
+    ExitCode execute(const Program& program) {
+        Execution execution(program, !options_.script.empty(), *printer_, *output_, files_);
+        const bool hasPlaces = execution.nameFiles();
+        if (!hasPlaces || (printer_->errors() != 0 && !options_.keepsGoing))
+            return ExitCode::Failed;
+
+        if (printer_->errors() != 0) files_.stopEffects();
+        const bool isGood = execution.run(options_.keepsGoing);
+        if (!execution.isPrinted())
+            printer_->take({Kind::ShortWrite, "standard output could not be written completely"});
+        if (!isGood || printer_->errors() != 0) {
+            noteEffects(files_, *printer_);
+            return ExitCode::Failed;
+        }
+        if (needsRecord(options_) && !record(program, execution)) return ExitCode::Failed;
+        if (!options_.dependencyFile.empty() && !options_.isCheck)
+            writeDependencyFile(options_.dependencyFile, options_.script, files_, *printer_);
+        commit(files_, *printer_);
+        return printer_->errors() == 0 ? ExitCode::Good : ExitCode::Failed;
+    }
+
+    /// Makes the record and uses it as `useRecord` does.
+    bool record(const Program& program, const Execution& execution) {
+        if (!checkInputs(files_, *printer_)) return false;
         const Ran ran{
-            written->sha256,      &options.variables,      script.get(), &parsed.statements(),
-            &execution.context(), &execution.provenance(), &files};
-        Inspect::RunRecord record = recordOf(ran, !options.report.empty() || options.comparesDisk);
-        remarks.finish();
-        record.remarks = std::move(remarks.remarks);
+            scriptSha256_,        &options_.variables,     &program.text(), &program.statements(),
+            &execution.context(), &execution.provenance(), &files_};
+        const bool withLines = !options_.report.empty() || options_.comparesDisk;
+        Inspect::RunRecord record = recordOf(ran, withLines);
+        remarks_.finish();
+        record.remarks = std::move(remarks_.remarks);
         // The record names all files by portable paths, its links lead from one to the other.
         for (Inspect::Remark& remark : record.remarks)
             remark.file = Platform::portablePath(remark.file);
-        if (!useRecord(options, record, files, printer)) return ExitCode::Failed;
+        return useRecord(options_, record, files_, *printer_);
     }
-    if (!options.dependencyFile.empty() && !options.isCheck)
-        writeDependencyFile(options.dependencyFile, options.script, files, printer);
-    commit(files, printer);
-    return printer.errors() == 0 ? ExitCode::Good : ExitCode::Failed;
-}
+
+    RunOptions options_;
+    Printer* printer_;
+    std::ostream* output_;
+    RunFiles files_;
+    RemarkList remarks_;
+    std::string scriptSha256_;  ///< if it is wanted
+};
 
 }  // namespace
 
 ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output) {
-    RunFiles files(options.isCheck ? RunFiles::Mode::Memory : RunFiles::Mode::Disk);
-    try {
-        return runWith(files, options, printer, output);
-    } catch (const std::bad_alloc&) {
-        printer.take({Kind::OutOfMemory, "there is not enough memory for this run"});
-        noteEffects(files, printer);
-        return ExitCode::Failed;
-    }
+    return Session(options, printer, output).run();
+}
+
+ExitCode run(const Program& program, Printer& printer, std::ostream& output) {
+    return Session({}, printer, output).run(program);
 }
 
 }  // namespace Strict

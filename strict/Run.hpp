@@ -4,6 +4,7 @@
 
 #include "strict/RunOptions.hpp"
 #include "strict/diagnostics/Printer.hpp"
+#include "strict/script/Program.hpp"
 
 namespace Strict {
 
@@ -18,5 +19,8 @@ enum class ExitCode : int {
 ///
 /// @param output  what PRINT_* statements print
 ExitCode run(const RunOptions& options, Printer& printer, std::ostream& output);
+
+/// Runs a program that was made without a script, likewise.
+ExitCode run(const Program& program, Printer& printer, std::ostream& output);
 
 }  // namespace Strict

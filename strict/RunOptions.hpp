@@ -1,7 +1,6 @@
 #pragma once
 
 #include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,8 +8,7 @@ namespace Strict {
 
 /// What a run is to do.
 struct RunOptions {
-    std::string script;               ///< a path; "-" is standard input
-    std::optional<std::string> text;  ///< of the script, if it is in no file
+    std::string script;  ///< a path; "-" is standard input
     std::map<std::string, std::string> variables;
     std::vector<std::string> symbols;  ///< variables of ELF symbols, "NAME=file:symbol"
     bool isCheck = false;              ///< runs in memory, writes nothing and starts no program

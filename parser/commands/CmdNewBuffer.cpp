@@ -75,13 +75,17 @@ void CmdNewBuffer::setBufferName(std::string name) {
 }
 
 void CmdNewBuffer::setFile(std::string argument) {
-    fileName_ = cleanedPath(std::move(argument));
-    sourceKind_ = BufferSourceKind::SourceFile;
+    setPath(cleanedPath(std::move(argument)), nullptr);
 }
 
 void CmdNewBuffer::setFileOf(std::string argument, const Io::Formats::InputFormatRow& format) {
-    setFile(std::move(argument));
-    format_ = &format;
+    setPath(cleanedPath(std::move(argument)), &format);
+}
+
+void CmdNewBuffer::setPath(std::string path, const Io::Formats::InputFormatRow* format) {
+    fileName_ = std::move(path);
+    format_ = format;
+    sourceKind_ = BufferSourceKind::SourceFile;
 }
 
 void CmdNewBuffer::setValues(std::vector<std::uint32_t> list) {

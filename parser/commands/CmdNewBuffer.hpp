@@ -35,6 +35,11 @@ public:
     /// A file of the format `format`, a row of the table, whatever its contents look like.
     void setFileOf(std::string argument, const Io::Formats::InputFormatRow& format);
 
+    /// The file of that path, in which every character counts.
+    ///
+    /// @param format  a row of the table; null for a format that is recognised by its contents
+    void setPath(std::string path, const Io::Formats::InputFormatRow* format);
+
     void setValues(std::vector<std::uint32_t> list);
     void addSourceBuffer(std::string name);
     void setNewStartAddress(std::uint32_t address);

@@ -217,7 +217,7 @@ CmdWriteFile::CmdWriteFile() {
 }
 
 void CmdWriteFile::setFileName(std::string argument) {
-    fileName_ = cleanedPath(std::move(argument));
+    setPath(cleanedPath(std::move(argument)));
 }
 
 void CmdWriteFile::addBuffer(std::string name) {

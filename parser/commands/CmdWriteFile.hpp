@@ -81,6 +81,10 @@ public:
 
     /// @param argument  the path as written in the script, delimiters included
     void setFileName(std::string argument);
+
+    /// The path, in which every character counts.
+    void setPath(std::string path) { fileName_ = std::move(path); }
+    const std::string& fileName() const { return fileName_; }
     void addBuffer(std::string name);
 
     /// @param newFormat  a row of `formats`

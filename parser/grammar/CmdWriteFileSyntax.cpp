@@ -3,11 +3,13 @@
 #include <deque>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "io/NamedNumber.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
+#include "parser/grammar/FormatChoice.hpp"
 #include "parser/grammar/Statements.hpp"
 
 namespace Parser {
@@ -87,8 +89,8 @@ struct WriteFileRules final : StatementRules {
                 "SetSkipUnwritten -> ", Role::Gaps,
                 [](CmdWriteFile& write, std::string_view) { write.skipUnwritten(); })] >>
             rules.ws;
-        formatOption = rules.keyword("-setFormat") >> rules.equals >>
-                       FirstOf(formatRules(rules, state)) >> rules.ws;
+        formatName = FirstOf(formatRules(rules, state));
+        formatOption = rules.keyword("-setFormat") >> rules.equals >> formatName >> rules.ws;
         // A bare number is the execution address; the keyword takes a name, digits or not.
         executionAddressOption =
             ((rules.keyword("-setExecutionAddress") >> rules.equals >>
@@ -140,12 +142,60 @@ struct WriteFileRules final : StatementRules {
     }
 
     std::uint32_t named = 0;  ///< the number whose name was read last
-    Rule writeBuffers, writeOptions, formatOption, skipUnwrittenOption, executionAddressOption,
-        arrayNameOption, idOption;
+    Rule writeBuffers, writeOptions, formatOption, formatName, skipUnwrittenOption,
+        executionAddressOption, arrayNameOption, idOption;
     std::deque<Rule> formats;
 };
 
+const ExportFormat& rowOf(const FormatChoice& choice) {
+    return CmdWriteFile::formats()[choice.row];
+}
+
 }  // namespace
+
+std::optional<FormatChoice> formatIn(std::string_view text) {
+    ParserState state(nullptr);
+    state.statement.keepStatements(text.size());
+    CommonRules rules(state);
+    const WriteFileRules write(rules, state);
+    const Position first = text.data();
+    state.beginText(text.size());
+    state.statement.begin<CmdWriteFile>("", first, first);
+    const auto length = static_cast<std::size_t>(
+        Spirit::parse(first, first + text.size(), write.formatName).length);
+    state.statement.end(first, first + text.size());
+    const Statement statement = state.statement.statements()[0];
+    const Part* const format = statement.last(Role::Format);
+    if (format == nullptr || length != text.size()) return std::nullopt;
+    FormatChoice choice{format->choice, std::nullopt};
+    if (format->numberCount != 0)
+        choice.number = statement.numbersOf(*format).back().value;
+    else if (rowOf(choice).numberForm == FormatNumber::Named)
+        choice.number = write.named;
+    return choice;
+}
+
+std::string nameIn(const FormatChoice& choice) {
+    if (rowOf(choice).numberForm != FormatNumber::Named) return {};
+    const auto names = rowOf(choice).names();
+    const auto named = std::ranges::find(names, choice.number, &Io::NamedNumber::number);
+    return named == names.end() ? std::string() : std::string(named->name);
+}
+
+std::vector<std::string> formatNames() {
+    std::vector<std::string> names;
+    for (const ExportFormat& format : CmdWriteFile::formats()) {
+        const std::string keyword = format.keyword;
+        if (format.numberForm == FormatNumber::Named)
+            for (const Io::NamedNumber& named : format.names())
+                names.push_back(keyword + "_" + std::string(named.name));
+        else if (format.numberForm == FormatNumber::Required)
+            names.push_back(keyword + "_N");
+        else
+            names.push_back(keyword);
+    }
+    return names;
+}
 
 std::unique_ptr<const StatementRules> writeFileCmd(CommonRules& rules, ParserState& state) {
     return std::make_unique<WriteFileRules>(rules, state);

@@ -94,6 +94,12 @@ public:
     /// The finished statements in script order.
     const std::deque<std::unique_ptr<WrapperLib::CmdApi>>& commands() const { return commands_; }
 
+    /// Hands the finished statements over.
+    StatementList takeStatements() { return std::exchange(statements_, {}); }
+    std::deque<std::unique_ptr<WrapperLib::CmdApi>> takeCommands() {
+        return std::exchange(commands_, {});
+    }
+
     /// Deletes all statements.
     void clear();
 

@@ -248,7 +248,7 @@ Words words(const FileNotOpened& f, const Circumstances& c) {
     return {{Kind::CannotOpen,
              "cannot open " + file + ": " + reason,
              {Role::InputFile},
-             adviceOn(f.file)}};
+             c.isScript ? adviceOn(f.file) : ""}};
 }
 
 Words words(const FileNotWritten& f, const Circumstances& c) {

@@ -19,6 +19,8 @@ struct Circumstances {
     std::function<std::string(std::string_view path)> reason;
     /// A statement makes something of that name, whether it succeeds or not.
     std::function<bool(std::string_view name)> isMade;
+    /// The statements are of a script, whose variables and marks may be wrong.
+    bool isScript = true;
 };
 
 /// A diagnostic about the statement that reported a fact.

@@ -4,11 +4,13 @@
 #include <deque>
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "parser/grammar/ScriptSyntax.hpp"
 #include "parser/grammar/Statement.hpp"
 #include "strict/diagnostics/Diagnostic.hpp"
+#include "strict/script/Program.hpp"
 #include "strict/script/ScriptText.hpp"
 
 namespace Strict {
@@ -40,6 +42,12 @@ public:
     /// What executes each of `statements`.
     const std::deque<std::unique_ptr<Parser::WrapperLib::CmdApi>>& commands() const {
         return builder().commands();
+    }
+
+    /// Hands the statements over, with the text of the script.
+    Program takeProgram(std::unique_ptr<const ScriptText> script) {
+        Parser::StatementBuilder& builder = syntax_.state().statement;
+        return {std::move(script), builder.takeStatements(), builder.takeCommands()};
     }
 
     /// The words that begin a statement.

@@ -57,10 +57,6 @@ void ScriptCheck::checkStatement(const Statement& statement) {
     checkNumbers(statement);
 }
 
-bool ScriptCheck::isMade(std::string_view name) const {
-    return std::ranges::any_of(names_, [name](const Names& names) { return names.contains(name); });
-}
-
 bool ScriptCheck::isBroken(const Statement& last, const BrokenText& broken) const {
     const std::string_view text = script_->prepared();
     const std::size_t lastEnd = script_->offsetOf(last.text) + last.text.size();

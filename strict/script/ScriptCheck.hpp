@@ -28,9 +28,6 @@ public:
     /// Reports what is wrong, in the order of the text: texts that do not parse as well.
     void check(const ParsedScript& parsed);
 
-    /// A statement makes something of that name, whether it will succeed or not.
-    bool isMade(std::string_view name) const;
-
 private:
     /// The names of one registry, with where each was made.
     using Names = std::map<std::string, std::string_view, std::less<>>;

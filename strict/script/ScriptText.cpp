@@ -40,9 +40,12 @@ const char* wideEncodingOf(std::string_view text) {
     return nullptr;
 }
 
+ScriptText::ScriptText(std::string file, std::string text)
+    : file_(std::move(file)), written_(std::move(text)), prepared_(written_) {}
+
 ScriptText::ScriptText(std::string file, std::string written,
                        const std::map<std::string, std::string>& variables)
-    : file_(std::move(file)), written_(std::move(written)), prepared_(written_) {
+    : ScriptText(std::move(file), std::move(written)) {
     std::map<std::string, std::string> all = variables;
     Parser::removeComments(prepared_, &map_);
     Parser::takeSubstitutions(prepared_, all, &map_);

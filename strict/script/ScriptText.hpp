@@ -25,6 +25,9 @@ public:
     ScriptText(std::string file, std::string written,
                const std::map<std::string, std::string>& variables);
 
+    /// Takes a text in which nothing is left to prepare.
+    ScriptText(std::string file, std::string text);
+
     /// The name of the file.
     const std::string& file() const { return file_; }
 

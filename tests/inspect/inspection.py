@@ -6,6 +6,7 @@ The images are made of known bytes, the files by srecord; checksums come from Py
 import hashlib
 import html.parser
 import json
+import os
 import pathlib
 import random
 import re
@@ -330,7 +331,6 @@ class Inspection(unittest.TestCase):
         srec_cat("out.txt", "-ti_txt", "-o", "again.hex", "-intel")
         self.assertEqual(tessaron("diff", "gaps.hex", "again.hex"), "")
         tessaron("convert", "a.hex", "out.unknown", code=1)
-        tessaron("convert", "a.hex", 'a"b.bin', code=1)
         tessaron("convert", "a.hex", "out.hex", "--offset", "0xF0000000", code=1)
         tessaron("convert", "a.hex", "out.hex", "--offset", "0x8000000000000000", code=2)
 
@@ -360,10 +360,53 @@ class Inspection(unittest.TestCase):
                     tessaron("run", "-", standard_input=tessaron(*command, "--print-script"))
                     self.assertEqual(pathlib.Path(path).read_bytes(), converted, command)
 
+    def test_names(self):
+        """Names are data: none runs or changes anything, and what is printed means the same."""
+        write("plain.hex", {FLASH: b"image" * 9})
+        plain = pathlib.Path("plain.hex").read_bytes()
+        tessaron("convert", "plain.hex", "want.s37")
+        want = pathlib.Path("want.s37").read_bytes()
+        # As text of a script, it would set a variable whose value calls a program.
+        attack = b"a SUBSTITUTE WRITE_FILE (.) WITH $1 CALL_APP touch WITH_ARGUMENTS ran WRITE_FILE"
+        names = [b"a b", b"caf\xC3\xA9", b"$1 $$", b"(1+1)", b"[x]", b"@Image", b"#1;,=",
+                 b"a WITH b", b"NEW_BUFFER", b"sub//in", b"sub///in x", attack,
+                 b"in SUBSTITUTE a WITH b", b"{a}", b"a'b", b" a"]
+        if not IS_WINDOWS:
+            names += [b"caf\xE9", b"a\nb", b"a\rb", b"a\r\nb", b"a\x1Ab", b"a\\b", b'a"b', b"<x>",
+                      b"a\nCALL_APP touch WITH_ARGUMENTS ran\nb", b"a\n}\nCALL_APP touch",
+                      b"\ta", attack + b"\t", b"a\x7F\x01"]
+
+        def run(*arguments, text=b""):
+            done = subprocess.run([PROGRAM, *arguments], capture_output=True, check=False,
+                                  input=text)
+            return done.returncode, done.stdout
+
+        for folder in ("sub", "out", "out/sub"):
+            os.mkdir(folder)
+        for name in names:
+            target = b"out/" + name
+            with open(name, "wb") as file:
+                file.write(plain)
+            command = [b"convert", name, target, b"--format", b"MotorolaS_32"]
+            code, script = run(*command, b"--print-script")
+            has_words = name.strip() == name and not set(b"{}\"'\x1A") & set(name)
+            self.assertEqual((code, script != b""), (not has_words, has_words), name)
+            for arguments, text in [(command, b""), ([b"run", b"-"], script)][:1 + has_words]:
+                self.assertEqual(run(*arguments, text=text)[0], 0, name)
+                with open(target, "rb") as file:
+                    self.assertEqual(file.read(), want, name)
+                os.remove(target)
+        self.assertFalse(os.path.exists("ran"))
+        for path in ("", "-"):
+            tessaron("convert", path, "out.s37", code=2)
+            tessaron("convert", "a.hex", path, "--format", "RawBinary", code=2)
+        # A file may be converted in its place.
+        tessaron("convert", "plain.hex", "./plain.hex", "--format", "MotorolaS_32")
+        self.assertEqual(pathlib.Path("plain.hex").read_bytes(), want)
+
 
 if __name__ == "__main__":
     with tempfile.TemporaryDirectory() as folder:
-        import os
         os.chdir(folder)
         unittest.main(verbosity=1, exit=False).result.wasSuccessful() or sys.exit(1)
         os.chdir("/")

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Parser {
+
+/// What `-setFormat` says: a format of an output file and the number that follows its keyword.
+struct FormatChoice {
+    std::uint32_t row;  ///< of WrapperLib::CmdWriteFile::formats()
+    std::optional<std::uint32_t> number;
+};
+
+/// The format that `text` says as a whole, by the rule of the option; nothing if it says none.
+std::optional<FormatChoice> formatIn(std::string_view text);
+
+/// The name that the number of a choice has in its format; empty if it has none.
+std::string nameIn(const FormatChoice& choice);
+
+/// What can be said of each format, for suggestions: its keyword, with _N if a number has to
+/// follow, or with each of the names that may follow.
+std::vector<std::string> formatNames();
+
+}  // namespace Parser

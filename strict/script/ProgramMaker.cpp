@@ -1,0 +1,44 @@
+#include "strict/script/ProgramMaker.hpp"
+
+namespace Strict {
+
+using Parser::Role;
+
+void ProgramMaker::begin(std::unique_ptr<Parser::WrapperLib::CmdApi> command,
+                         std::string_view keyword) {
+    drafts_.push_back({text_.size(), 0, {}});
+    commands_.push_back(std::move(command));
+    add(Role::Keyword, keyword);
+}
+
+void ProgramMaker::add(Role role, const Piece& piece, std::uint32_t choice) {
+    drafts_.back().parts.push_back(
+        {role, choice, text_.size(), piece.text().size(), piece.numbers()});
+    text_ += piece.text();
+}
+
+void ProgramMaker::end() {
+    text_ += '\n';
+    drafts_.back().size = text_.size() - drafts_.back().at;
+}
+
+/// The text moves while it grows, so its parts are found when it is whole.
+Program ProgramMaker::finish(std::string name) {
+    auto script = std::make_unique<const ScriptText>(std::move(name), std::move(text_));
+    const std::string_view text = script->prepared();
+    Parser::StatementList statements;
+    for (std::size_t i = 0; i < drafts_.size(); ++i) {
+        statements.beginStatement();
+        for (const DraftPart& part : drafts_[i].parts) {
+            for (const Piece::PlacedNumber& number : part.numbers)
+                statements.add({number.value, text.substr(part.at + number.at, number.size)});
+            statements.add(part.role, part.choice, text.substr(part.at, part.size));
+        }
+        statements.endStatement(
+            static_cast<Parser::WrapperLib::CmdType>(commands_[i]->getCmdType()),
+            text.substr(drafts_[i].at, drafts_[i].size));
+    }
+    return {std::move(script), std::move(statements), std::move(commands_)};
+}
+
+}  // namespace Strict
