@@ -17,7 +17,7 @@ _tessaron_words() {
         unused-variable crc-parameter word-size cropped unwritten truncated-value
         expression-order number-pair variable-in-word variable-dollar symbol-unused
         execution-address length-corrected swallowed no-effect end-as-length conflict overlap
-        tolerated'
+        start-address tolerated'
     case $command:$previous in
         diff:--ignore) return ;;
         *:--error | *:--warn | *:--ignore) compgen -W "$kinds" -- "$current"; return ;;

@@ -22,8 +22,8 @@ HASHES = ["Hash_Md5", "Hash_Ripemd_160", "Hash_Sha1", "Hash_Sha2_256", "Hash_Sha
 FORMATS = ["RawBinary", "IntelHexExtended_16", "IntelHexExtended_64", "IntelHexSegment_8",
            "EmbeddedC_Assembler", "MotorolaS_32", "MotorolaS_7"]
 
-# The second in which an assembler file was written.
-STAMP = re.compile(rb"// Generated: [-0-9: ]+")
+# The second in which an assembler file was written, which tessaron leaves out.
+STAMP = re.compile(rb"// Generated: [-0-9: ]+\r?\n")
 
 
 def hex_record(kind, address, data):
