@@ -125,7 +125,7 @@ TiTxtInFile::TiTxtInFile(const std::string& path, Platform::InputFile file, Reco
     : TiTxtInFile(Parser(path, std::move(file), visitor).parse()) {}
 
 bool TiTxtInFile::looksLike(std::string_view head) {
-    constexpr std::string_view blanks = " \t\r\n\f\v";
+    static constexpr std::string_view blanks = " \t\r\n\f\v";
     const auto isDigit = [](char c) {
         return digitValues[static_cast<unsigned char>(c)] != noDigit;
     };
