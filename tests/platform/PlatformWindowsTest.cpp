@@ -32,6 +32,29 @@ std::string contentsOf(const std::string& path) {
     return contents ? std::string(contents->text()) : "not opened";
 }
 
+/// Puts a new file with `text` in the place of `path`; the reason if that fails.
+std::error_code replaced(const std::string& path, std::string_view text) {
+    const auto target = Platform::outputTarget(path);
+    Platform::InterruptGuard guard;
+    unsigned number = 0;
+    Platform::TemporaryFile temporary;
+    std::error_code error;
+    auto file = Platform::createTemporary(target, guard, number, temporary, error);
+    if (!file) return error;
+    EXPECT_TRUE(file->write(text) && file->close());
+    Platform::Replacement replacement(guard);
+    replacement.add(temporary, target);
+    auto failure = replacement.tryAll();
+    if (!failure) failure = replacement.putInPlace(false);
+    if (!failure) {
+        replacement.keep();
+        return {};
+    }
+    replacement.takeBack();
+    Platform::removeFile(temporary.path);
+    return failure->error;
+}
+
 TEST(PlatformWindowsTest, TextThatIsNoUtf8IsInTheCodePageOfTheMachine) {
     EXPECT_EQ(Platform::wideText("\xC3\xA4\xE6\x97\xA5"), L"\u00E4\u65E5");
     EXPECT_EQ(Platform::wideText(""), L"");
@@ -74,13 +97,7 @@ TEST(PlatformWindowsTest, LongPathsAreOpened) {
     EXPECT_EQ(contentsOf(path), "far");
     auto target = Platform::outputTarget(path);
     EXPECT_EQ(target.kind, TargetKind::Regular);
-    unsigned number = 0;
-    std::string temporary;
-    std::error_code error;
-    auto file = Platform::createTemporary(target, number, temporary, error);
-    ASSERT_TRUE(file) << error.message();
-    EXPECT_TRUE(file->write("farther") && file->close());
-    EXPECT_FALSE(Platform::replaceTarget(temporary, target));
+    EXPECT_FALSE(replaced(path, "farther"));
     EXPECT_EQ(contentsOf(path), "farther");
     Platform::removeFile(path);
     for (; folder.size() >= at("long").size(); folder.erase(folder.rfind('/')))
@@ -165,27 +182,21 @@ private:
 
 TEST(PlatformWindowsTest, AFileThatAScannerHoldsIsReplacedAMomentLater) {
     EXPECT_TRUE(put(at("held"), "before"));
-    EXPECT_TRUE(put(at("new"), "after"));
-    const auto target = Platform::outputTarget(at("held"));
     {
         const Scanner scanner(at("held"));
         ASSERT_TRUE(scanner.isHolding());
-        EXPECT_FALSE(Platform::replaceTarget(at("new"), target));
+        EXPECT_FALSE(replaced(at("held"), "after"));
     }
     EXPECT_EQ(contentsOf(at("held")), "after");
-    EXPECT_EQ(contentsOf(at("new")), "not opened");
 }
 
 TEST(PlatformWindowsTest, AFileThatStaysHeldIsAsItWas) {
     EXPECT_TRUE(put(at("held"), "before"));
-    EXPECT_TRUE(put(at("new"), "after"));
-    const auto target = Platform::outputTarget(at("held"));
     const HANDLE held = ::CreateFileW(Platform::wideText(at("held")).c_str(), GENERIC_READ,
                                       FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    EXPECT_TRUE(Platform::replaceTarget(at("new"), target));
+    EXPECT_TRUE(replaced(at("held"), "after"));
     ::CloseHandle(held);
     EXPECT_EQ(contentsOf(at("held")), "before");
-    EXPECT_EQ(contentsOf(at("new")), "after");
 }
 
 TEST(PlatformWindowsTest, TheInterpreterGetsTheLine) {
