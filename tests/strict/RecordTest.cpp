@@ -158,6 +158,48 @@ TEST_F(RecordTest, EveryByteHasItsOrigin) {
     for (const Row& row : rows) EXPECT_EQ(origins(before + row.last), row.origins) << row.last;
 }
 
+// An image of zeros, and one with a zero at every other address over it.
+TEST_F(RecordTest, OverlapsAndAreasAreListedUpToALimit) {
+    struct Row {
+        unsigned dots;
+        std::size_t overlaps;  ///< that are reported, with the number of the others
+        const char* lastOverlap;
+        const char* otherAreas;  ///< that were wiped, beside the first three
+    };
+    const std::vector<Row> rows{
+        {4, 4, "@dots has the same 1 byte at 0x00000006 as", "at 0x00000005"},
+        {5, 5, "@dots has the same 1 byte at 0x00000008 as", "at 0x00000005 and in 1 more range"},
+        {20, 20, "@dots has the same 1 byte at 0x00000026 as",
+         "at 0x00000005 and in 16 more ranges"},
+        {21, 21, "@dots overlaps in 1 more range", "at 0x00000005 and in 17 more ranges"},
+        {22, 21, "@dots overlaps in 2 more ranges", "at 0x00000005 and in 18 more ranges"},
+    };
+    for (const Row& row : rows) {
+        std::string dots;
+        std::string zeros = "0";
+        for (unsigned i = 0; i < row.dots; ++i) {
+            const auto address = static_cast<std::uint8_t>(2 * i);
+            const auto checksum = static_cast<std::uint8_t>(0xFF - address);
+            dots += ":0100" + Util::hexByte(address) + "0000" + Util::hexByte(checksum) + "\n";
+            zeros += i == 0 ? "" : ",0,0";
+        }
+        put("dots.hex", dots + ":00000001FF\n");
+        Rehearsal run("NEW_BUFFER @zeros FROM_VALUES {" + zeros +
+                      "}\nNEW_BUFFER @dots FROM_FILE dots.hex\n"
+                      "NEW_BUFFER @x FROM_BUFFERS {@zeros @dots}\n");
+        Lines& said = run.sink.lines;
+        std::erase_if(said, [](const std::string& line) { return line.starts_with("+"); });
+        ASSERT_EQ(said.size(), row.overlaps + 1) << row.dots;
+        EXPECT_NE(said[row.overlaps - 1].find(std::string(" overlap: ") + row.lastOverlap),
+                  std::string::npos)
+            << said[row.overlaps - 1];
+        EXPECT_NE(said.back().find(std::string(": at 0x00000001, at 0x00000003, ") +
+                                   row.otherAreas + " ("),
+                  std::string::npos)
+            << said.back();
+    }
+}
+
 TEST_F(RecordTest, LinesFollowAnImageThatMoves) {
     put("long.hex",
         ":04001000010203"
