@@ -12,6 +12,7 @@
 
 #include "RunFilesFixture.hpp"
 #include "TakenDiagnostics.hpp"
+#include "inspect/LineRuns.hpp"
 #include "inspect/RunRecord.hpp"
 #include "io/Host.hpp"
 #include "io/formats/FieldReading.hpp"
@@ -104,10 +105,12 @@ std::string areaText(const Buffer::Area& area) {
 /// line of the script.
 Lines origins(const std::string& script) {
     Rehearsal run(script);
-    const Inspect::RunRecord record = run.record();
+    const Inspect::RunRecord record = run.record(true);
     EXPECT_EQ(run.sink.lines, Lines{}) << script;
     Lines lines;
     for (const Inspect::OriginRange& range : record.images.back().ranges) {
+        EXPECT_EQ(Inspect::lineAt(range.lines, range.area.start), range.firstLine) << script;
+        EXPECT_EQ(Inspect::lineAt(range.lines, range.area.end() - 1), range.lastLine) << script;
         std::string line = areaText(range.area);
         if (range.kind == Inspect::MapKind::Filler) line += " filler";
         if (!range.file.empty())
@@ -252,6 +255,46 @@ TEST_F(RecordTest, TheRecordHasValuesWithTheirPlacesAndOutputs) {
     EXPECT_EQ(record.outputs[1].path, "b.hex");
     EXPECT_EQ(record.outputs[1].format, "IntelHexExtended");
     EXPECT_EQ(record.outputs[1].images, (Lines{"@d", "@b"}));
+}
+
+TEST_F(RecordTest, ThePageOfARunListsUpToALimit) {
+    const auto pageOf = [this](unsigned ranges) {
+        std::string lines;
+        for (unsigned i = 0; i < ranges; ++i) {
+            const std::string head = "01" + Util::hexNumber(2 * i, 4) + "00" + "00";
+            const unsigned sum = 1 + (2 * i >> 8U) + (2 * i & 0xFFU);
+            lines +=
+                ":" + head + Util::hexByte(static_cast<std::uint8_t>(0x100 - (sum & 0xFFU))) + "\n";
+        }
+        put("many.hex", lines + ":00000001FF\n");
+        return Inspect::reportOf(Rehearsal("NEW_BUFFER @f FROM_FILE many.hex\n").record());
+    };
+    const auto has = [](const std::string& page, const char* text) {
+        return page.find(text) != std::string::npos;
+    };
+    const std::string few = pageOf(4);
+    EXPECT_TRUE(has(few, "@f 0x00000006"));
+    EXPECT_FALSE(has(few, "more range"));
+    EXPECT_TRUE(has(pageOf(5), " and 1 more range<"));
+    EXPECT_FALSE(has(pageOf(200), "1 more range</section>"));
+    EXPECT_TRUE(has(pageOf(201), "1 more range</section>"));
+
+    Inspect::RunRecord record;
+    record.scriptPath = "s.tsn";
+    for (const std::size_t line : {0U, 1U})
+        record.remarks.push_back({.severity = "warning",
+                                  .name = "overlap",
+                                  .text = "said of " + std::to_string(line),
+                                  .file = "s.tsn",
+                                  .line = line,
+                                  .hint = ""});
+    record.scriptText = std::string(200'000, 'x');
+    const std::string longest = Inspect::reportOf(record);
+    EXPECT_TRUE(has(longest, "</strong> s.tsn: said of 0")) << "no line to link to";
+    EXPECT_TRUE(has(longest, "</a>: said of 1"));
+    EXPECT_FALSE(has(longest, "too long for this page"));
+    record.scriptText += 'x';
+    EXPECT_TRUE(has(Inspect::reportOf(record), "too long for this page"));
 }
 
 TEST_F(RecordTest, AFileOnDiskIsComparedWithWhatTheScriptMakes) {

@@ -120,6 +120,31 @@ TEST(ScriptCheckTest, OnlyTheStatementThatDoesNotParseIsLeftOut) {
         << "what a broken statement would have made counts as made";
 }
 
+TEST(ScriptCheckTest, AdviceForWhatIsNotAStatement) {
+    struct Row {
+        const char* text;
+        const char* advice;
+    };
+    const char* const unsignedNumber = "a number has no sign";
+    const char* const remark = "a remark begins with //";
+    const std::vector<Row> rows{
+        {"NEW_BUFFER @b EMPTY -useBufferRange={0, -size}", unsignedNumber},
+        {"NEW_BUFFER @b EMPTY -useBufferRange={0, +1}", unsignedNumber},
+        {"NEW_BUFFER @b EMPTY -useBufferRange={-1, 1}", unsignedNumber},
+        {"NEW_BUFFER @b EMPTY -useBufferRange={8 - 4, -1}", unsignedNumber},
+        {"# remark", remark},
+        {"; remark", remark},
+        {"/* remark */", remark},
+        {"-- remark", remark},
+        {"\xEF\xBB\xBF", "remove the byte order mark at the beginning"},
+    };
+    for (const Row& row : rows) {
+        const Lines found = checked(std::string(row.text) + "\n");
+        ASSERT_FALSE(found.empty()) << row.text;
+        EXPECT_TRUE(found[0].ends_with(std::string(" (") + row.advice + ")")) << found[0];
+    }
+}
+
 TEST(ScriptCheckTest, TwentySyntaxErrorsAreShown) {
     std::string text;
     const auto lastWith = [&text](int errors) {
