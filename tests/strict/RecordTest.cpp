@@ -10,8 +10,6 @@
 #include <string_view>
 #include <vector>
 
-#include "RunFilesFixture.hpp"
-#include "TakenDiagnostics.hpp"
 #include "inspect/LineRuns.hpp"
 #include "inspect/RunRecord.hpp"
 #include "io/Host.hpp"
@@ -23,6 +21,8 @@
 #include "strict/record/RunRecording.hpp"
 #include "strict/script/ParsedScript.hpp"
 #include "strict/script/Program.hpp"
+#include "tests/strict/RunFilesFixture.hpp"
+#include "tests/strict/TakenDiagnostics.hpp"
 #include "util/Hex.hpp"
 
 namespace Strict {

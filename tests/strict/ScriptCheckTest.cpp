@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "TakenDiagnostics.hpp"
 #include "parser/grammar/Statement.hpp"
 #include "strict/script/ParsedScript.hpp"
+#include "tests/strict/TakenDiagnostics.hpp"
 
 namespace Strict {
 namespace {

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "TakenDiagnostics.hpp"
 #include "parser/grammar/Statement.hpp"
+#include "tests/strict/TakenDiagnostics.hpp"
 
 namespace Strict {
 namespace {
