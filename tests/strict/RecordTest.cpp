@@ -276,7 +276,7 @@ TEST_F(RecordTest, ThePageOfARunListsUpToALimit) {
     EXPECT_TRUE(has(few, "@f 0x00000006"));
     EXPECT_FALSE(has(few, "more range"));
     EXPECT_TRUE(has(pageOf(5), " and 1 more range<"));
-    EXPECT_FALSE(has(pageOf(200), "1 more range</section>"));
+    EXPECT_FALSE(has(pageOf(200), "more ranges</section>"));
     EXPECT_TRUE(has(pageOf(201), "1 more range</section>"));
 
     Inspect::RunRecord record;
