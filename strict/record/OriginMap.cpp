@@ -9,6 +9,16 @@ namespace Strict {
 using Buffer::Area;
 using Buffer::AreaList;
 
+namespace {
+
+/// The later range goes on with the same bytes of a source as the earlier one.
+bool goesOn(const OriginMap::Range& earlier, const OriginMap::Range& later) {
+    return earlier.area.end() == later.area.start && earlier.source == later.source &&
+           earlier.moved == later.moved;
+}
+
+}  // namespace
+
 /// The first range that ends beyond the start of `area`.
 OriginMap::Ranges::const_iterator OriginMap::firstIn(const Area& area) const {
     auto next = ranges_.upper_bound(area.start);
@@ -21,15 +31,20 @@ void OriginMap::set(const Range& range) {
     // Most ranges come in the order of their addresses.
     const bool isLast = ranges_.empty() || ranges_.rbegin()->second.area.end() <= range.area.start;
     if (!isLast) erase(range.area);
-    const auto entry = isLast ? ranges_.emplace_hint(ranges_.end(), range.area.start, range)
-                              : ranges_.emplace(range.area.start, range).first;
-    if (entry == ranges_.begin()) return;
-    Range& before = std::prev(entry)->second;
-    const bool isContinued = before.area.end() == range.area.start &&
-                             before.source == range.source && before.moved == range.moved;
-    if (!isContinued) return;
-    before.area.length += range.area.length;
-    ranges_.erase(entry);
+    auto entry = isLast ? ranges_.emplace_hint(ranges_.end(), range.area.start, range)
+                        : ranges_.emplace(range.area.start, range).first;
+    if (entry != ranges_.begin() && goesOn(std::prev(entry)->second, entry->second))
+        entry = joinNext(std::prev(entry));
+    if (std::next(entry) != ranges_.end() && goesOn(entry->second, std::next(entry)->second))
+        joinNext(entry);
+}
+
+/// Adds the addresses of the next range to those of `entry`.
+OriginMap::Ranges::iterator OriginMap::joinNext(Ranges::iterator entry) {
+    const auto next = std::next(entry);
+    entry->second.area.length += next->second.area.length;
+    ranges_.erase(next);
+    return entry;
 }
 
 void OriginMap::erase(const Area& area) {

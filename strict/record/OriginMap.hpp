@@ -46,6 +46,7 @@ public:
 
 private:
     Ranges::const_iterator firstIn(const Buffer::Area& area) const;
+    Ranges::iterator joinNext(Ranges::iterator entry);
 
     Ranges ranges_;
 };

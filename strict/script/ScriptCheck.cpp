@@ -39,16 +39,16 @@ void ScriptCheck::check(const ParsedScript& parsed) {
     for (std::size_t i = 0; i <= statements.size(); ++i) {
         for (; broken != parsed.broken().end() && broken->statementsBefore == i; ++broken) {
             if (i != 0 && isBroken(statements[i - 1], *broken)) pending_.clear();
-            pending_.moveTo(*sink_);
+            reportFound();
             makeNames(broken->begun);
             sink_->take(broken->diagnostic);
         }
-        pending_.moveTo(*sink_);
-        if (i != statements.size()) checkStatement(statements[i]);
+        reportFound();
+        if (i != statements.size()) check(statements[i]);
     }
 }
 
-void ScriptCheck::checkStatement(const Statement& statement) {
+void ScriptCheck::check(const Statement& statement) {
     checkNames(statement);
     checkHash(statement);
     checkTexts(statement);

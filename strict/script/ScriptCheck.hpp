@@ -28,12 +28,17 @@ public:
     /// Reports what is wrong, in the order of the text: texts that do not parse as well.
     void check(const ParsedScript& parsed);
 
+    /// Checks one statement, after those before it. What is wrong is kept for `reportFound`.
+    void check(const Parser::Statement& statement);
+
+    /// Reports what was found since the last call.
+    void reportFound() { pending_.moveTo(*sink_); }
+
 private:
     /// The names of one registry, with where each was made.
     using Names = std::map<std::string, std::string_view, std::less<>>;
     enum Registry : unsigned char { Images, Crcs, Hashes, RegistryCount };
 
-    void checkStatement(const Parser::Statement& statement);
     void checkNames(const Parser::Statement& statement);
     void checkUse(const Parser::Part& part);
     void checkHash(const Parser::Statement& statement);

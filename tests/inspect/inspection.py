@@ -57,6 +57,49 @@ def area(address, length):
     return {"start": "0x%08X" % address, "length": length}
 
 
+class StrictPage(html.parser.HTMLParser):
+    """A page and what is wrong with it: browsers forgive that."""
+    EMPTY = {"meta", "link", "br", "hr", "img", "input"}
+
+    def __init__(self, page):
+        super().__init__()
+        self.cells, self.faults, self.open, self.ids = [], [], [], set()
+        self.links = set()
+        self.feed(page)
+        self.close()
+        self.faults += ["not closed: " + tag for tag in self.open]
+        self.faults += ["a link that leads nowhere: " + link for link in self.links - self.ids]
+
+    def handle_starttag(self, tag, attributes):
+        names = [name for name, _ in attributes]
+        if len(names) != len(set(names)):
+            self.faults.append("an attribute twice: %s %s" % (tag, names))
+        for name, value in attributes:
+            if name == "id" and value in self.ids:
+                self.faults.append("an id twice: " + value)
+            if name == "id":
+                self.ids.add(value)
+            if name == "href" and value.startswith("#"):
+                self.links.add(value[1:])
+        if tag not in self.EMPTY:
+            self.open.append(tag)
+
+    def handle_startendtag(self, tag, attributes):
+        self.handle_starttag(tag, attributes)
+        if tag not in self.EMPTY:
+            self.open.pop()
+
+    def handle_endtag(self, tag):
+        if not self.open or self.open.pop() != tag:
+            self.faults.append("line %d closes %s" % (self.getpos()[0], tag))
+
+    def handle_data(self, text):
+        self.cells.append(text)
+
+    def handle_comment(self, text):
+        self.faults.append("a comment: " + text)
+
+
 class Inspection(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
@@ -140,12 +183,28 @@ class Inspection(unittest.TestCase):
         self.assertEqual([r["line"] for r in order["remarks"]], [1, 2, 3, 3])
 
     def test_info_of_an_empty_file(self):
-        for name, text in (("none.hex", ""), ("end.hex", ":00000001FF\n")):
+        for name, text in (("none.hex", ""), ("end.hex", ":00000001FF"), ("end.s19", "S9030000FC")):
             pathlib.Path(name).write_text(text)
             info, = json.loads(tessaron("info", "--json", name, code=1))
             self.assertEqual([r["name"] for r in info["remarks"]], ["empty-image"])
             self.assertIn("  data      0 bytes\n", tessaron("info", name, code=1))
             tessaron("info", "--warn", "empty-image", name)
+
+    def test_lists_up_to_a_limit(self):
+        """Six lengths of records, and 64 bytes of a difference."""
+        def record(address, size):
+            data = bytes([size, address >> 8, address & 0xFF, 0]) + bytes(size)
+            return ":%s%02X\n" % (data.hex().upper(), -sum(data) & 0xFF)
+        for lengths, said in ((6, False), (7, True)):
+            pathlib.Path("lengths.hex").write_text("".join(
+                record(0x100 * n, n) for n in range(1, lengths + 1)) + ":00000001FF\n")
+            self.assertEqual("and 1 other length\n" in tessaron("info", "lengths.hex"), said)
+        for size in (64, 65):
+            pathlib.Path("left.bin").write_bytes(b"\x01" * size)
+            pathlib.Path("right.bin").write_bytes(b"\x02" * size)
+            found = json.loads(tessaron("diff", "--json", "left.bin", "right.bin", code=1))
+            self.assertEqual(found["changed"], [{**area(0, size), "left": "01" * 64,
+                                                 "right": "02" * 64}])
 
     def test_info_of_a_damaged_file(self):
         text = pathlib.Path("a.hex").read_text().splitlines()
@@ -283,12 +342,10 @@ class Inspection(unittest.TestCase):
         tessaron("run", "names.tsn", "--report", "names.html")
         page = pathlib.Path("names.html").read_bytes().decode()
         self.assertFalse(set(page) & {"\x1b", "\u202e", "\x9b"})
-        cells = []
-        reader = html.parser.HTMLParser()
-        reader.handle_data = cells.append
-        reader.feed(page)
-        self.assertIn("<b>&\\xE9\\x1B", cells)
-        self.assertIn(shown, cells)
+        reader = StrictPage(page)
+        self.assertEqual(reader.faults, [])
+        self.assertIn("<b>&\\xE9\\x1B", reader.cells)
+        self.assertIn(shown, reader.cells)
 
     def test_convert(self):
         tessaron("convert", "a.hex", "out.s37", "--crop", "0x8000000,0x2000", "--fill", "0xFF",

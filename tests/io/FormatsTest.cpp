@@ -9,6 +9,7 @@
 #include "facts/Listener.hpp"
 #include "io/Host.hpp"
 #include "io/InFile.hpp"
+#include "io/field/FieldFormat.hpp"
 #include "io/formats/AnyFile.hpp"
 #include "io/formats/FormatDetection.hpp"
 #include "io/formats/InputFormats.hpp"
@@ -61,6 +62,27 @@ TEST(FormatDetection, FindsTheFormatByTheFirstRecordWhereverItIs) {
         EXPECT_EQ(Io::Formats::formatOf(row.name, Io::openInput(temporaryFile(row.contents))),
                   row.format)
             << row.name << row.contents.substr(0, 20);
+}
+
+TEST(FormatDetection, ARecordBeginsWithDigitsOfBothCases) {
+    for (const char digit : std::string("0123456789ABCDEFabcdef"))
+        for (std::size_t at = 0; at < 8; ++at) {
+            std::string digits(8, '0');
+            digits[at] = digit;
+            EXPECT_EQ(Io::Field::recordFormatOf(":" + digits), InputFormat::IntelHex) << digits;
+            EXPECT_EQ(Io::Field::recordFormatOf("S1" + digits), InputFormat::MotorolaS) << digits;
+        }
+    // The neighbours of the digits, and one digit too few.
+    for (const std::string digits :
+         {"0000000/", "0000000:", "0000000@", "0000000G", "0000000`", "0000000g", "0000000"}) {
+        EXPECT_EQ(Io::Field::recordFormatOf(":" + digits), std::nullopt) << digits;
+        EXPECT_EQ(Io::Field::recordFormatOf("S1" + digits), std::nullopt) << digits;
+    }
+    for (const char type : std::string("0123456789"))
+        EXPECT_EQ(Io::Field::recordFormatOf(std::string("S") + type + "00000000"),
+                  InputFormat::MotorolaS);
+    for (const char type : std::string("/:A"))
+        EXPECT_EQ(Io::Field::recordFormatOf(std::string("S") + type + "00000000"), std::nullopt);
 }
 
 /// The machine itself, with a count.

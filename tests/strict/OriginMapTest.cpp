@@ -42,6 +42,13 @@ TEST(OriginMapTest, RangesKnowWhatAMapOfSingleAddressesKnows) {
             }
         }
         ASSERT_EQ(plain(map), expected);
+        const OriginMap::Range* before = nullptr;
+        for (const auto& [start, range] : map.ranges()) {
+            ASSERT_FALSE(before != nullptr && before->area.end() == start &&
+                         before->source == range.source)
+                << "neighbours of one source are one range";
+            before = &range;
+        }
         EXPECT_EQ(map.size(), expected.size());
         for (std::uint64_t at = 0; at < 80; ++at) {
             const OriginMap::Range* const found = map.find(at);

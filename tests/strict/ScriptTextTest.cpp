@@ -24,4 +24,19 @@ TEST(ScriptTextTest, ColumnsCountCharactersHoweverLongALineIs) {
     }
 }
 
+TEST(ScriptTextTest, FourVariablesOfAPartAreNamedWithTheBeginningsOfTheirValues) {
+    const Strict::ScriptText script("x.tsn", "a1 a2 a3 a4 a5",
+                                    {{"a1", std::string(200, 'v')},
+                                     {"a2", std::string(201, 'w')},
+                                     {"a3", "3"},
+                                     {"a4", "4"},
+                                     {"a5", "5"}});
+    const auto notes = script.variableNotes(script.prepared());
+    ASSERT_EQ(notes.size(), 4U);
+    EXPECT_TRUE(notes[0].text.ends_with("vv\"")) << notes[0].text;
+    EXPECT_TRUE(notes[1].text.ends_with("ww...\"")) << notes[1].text;
+    EXPECT_EQ(notes[1].text.size(), notes[0].text.size() + 3);
+    EXPECT_EQ(notes[3].text, "the variable a4 is replaced by \"4\"");
+}
+
 }  // namespace

@@ -1,0 +1,234 @@
+#include "strict/script/ScriptCheck.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "parser/grammar/Statement.hpp"
+#include "strict/script/ParsedScript.hpp"
+#include "tests/strict/TakenDiagnostics.hpp"
+
+namespace Strict {
+namespace {
+
+using Lines = std::vector<std::string>;
+using Parser::Role;
+
+/// What is wrong with a script.
+Lines checked(const std::string& text) {
+    const ScriptText script("s.tsn", text, {});
+    const ParsedScript parsed(script);
+    Tests::TakenDiagnostics sink;
+    ScriptCheck(script, sink).check(parsed);
+    return sink.lines;
+}
+
+/// Makes one name of each kind.
+const std::string makers =
+    "NEW_BUFFER @image FROM_VALUES {1}\n"
+    "NEW_CRC @sum FROM_BUFFER @image -setType=Crc32_Standard\n"
+    "NEW_HASH @digest FROM_BUFFER @image -setType=Hash_Sha2_256\n";
+
+std::string with(std::string statement, const std::string& name) {
+    for (std::size_t at = statement.find('%'); at != std::string::npos; at = statement.find('%'))
+        statement.replace(at, 1, name);
+    return statement;
+}
+
+TEST(ScriptCheckTest, EveryUseOfANameNeedsOneOfItsKind) {
+    struct Row {
+        const char* statement;  ///< with % for the name
+        Lines known;
+        Lines unknown;
+        const char* what;
+    };
+    const Lines noImages{"@sum", "@digest", "@none"};
+    const Lines noCrcs{"@image", "@digest", "@none"};
+    const Lines noHashes{"@image", "@sum", "@none"};
+    const std::vector<Row> rows{
+        {"PRINT_BUFFER %", {"@image"}, noImages, "image"},
+        {"NEW_BUFFER @x FROM_BUFFER %", {"@image"}, noImages, "image"},
+        {"NEW_CRC @x FROM_BUFFERS {@image %}", {"@image"}, noImages, "image"},
+        {"WRITE_FILE a.hex WITH_BUFFERS {%}", {"@image"}, noImages, "image"},
+        {"FILL_BUFFER % WITH_VALUES {1}", {"@image"}, noImages, "image"},
+        {"FILL_BUFFER @image WITH_CRC %", {"@sum"}, noCrcs, "CRC"},
+        {"PRINT_CRC %", {"@sum"}, noCrcs, "CRC"},
+        {"FILL_BUFFER @image WITH_HASH %", {"@digest"}, noHashes, "hash"},
+        {"PRINT_HASH %", {"@digest"}, noHashes, "hash"},
+        {"PRINT_TEXT {%} -resolveSymbolsAsHexValue={%}",
+         {"@sum", "@digest"},
+         {"@image", "@none"},
+         "CRC or hash"},
+    };
+    for (const Row& row : rows) {
+        for (const std::string& name : row.known)
+            EXPECT_EQ(checked(makers + with(row.statement, name)), Lines{}) << row.statement;
+        for (const std::string& name : row.unknown) {
+            const Lines found = checked(makers + with(row.statement, name));
+            ASSERT_EQ(found.size(), 1U) << row.statement << name;
+            EXPECT_TRUE(found[0].starts_with("4:"));
+            EXPECT_TRUE(found[0].ends_with("unknown-name: no " + std::string(row.what) +
+                                           " is called " + name))
+                << found[0];
+        }
+    }
+}
+
+TEST(ScriptCheckTest, ANameIsMadeOnceOfEachKind) {
+    struct Row {
+        const char* statement;
+        const char* what;
+    };
+    const std::vector<Row> rows{
+        {"NEW_BUFFER % EMPTY -useBufferRange={0, 1}", "an image"},
+        {"NEW_CRC % FROM_BUFFER @i -setType=Crc32_Standard", "a CRC"},
+        {"NEW_HASH % FROM_BUFFER @i -setType=Hash_Sha2_256", "a hash"},
+    };
+    std::string all = "NEW_BUFFER @i FROM_VALUES {1}\n";
+    for (const Row& row : rows) {
+        const std::string made = with(row.statement, "@a") + "\n";
+        const Lines found = checked("NEW_BUFFER @i FROM_VALUES {1}\n" + made + made);
+        ASSERT_EQ(found.size(), 2U) << row.statement;
+        EXPECT_TRUE(found[0].ends_with(" duplicate-name: there is already " +
+                                       std::string(row.what) +
+                                       " called @a (this one would be dropped)"))
+            << found[0];
+        EXPECT_TRUE(found[0].starts_with("3:"));
+        EXPECT_TRUE(found[1].starts_with("+ 2:"));
+        all += made;
+    }
+    EXPECT_EQ(checked(all), Lines{}) << "one name for an image, a CRC and a hash";
+    EXPECT_EQ(checked("NEW_BUFFER @a FROM_BUFFER @a\n"),
+              Lines{"1:27 unknown-name: no image is called @a"})
+        << "a statement does not see what it makes";
+}
+
+TEST(ScriptCheckTest, OnlyTheStatementThatDoesNotParseIsLeftOut) {
+    const auto kinds = [](const std::string& text) {
+        Lines found = checked(text);
+        for (std::string& line : found) line = line.substr(0, line.find(": "));
+        return found;
+    };
+    EXPECT_EQ(kinds("PRINT_BUFFER @none -nonsense\n"), Lines{"1:20 syntax"})
+        << "the option breaks the statement before it";
+    EXPECT_EQ(kinds("PRINT_BUFFER @none\nnonsense\n"), (Lines{"1:14 unknown-name", "2:1 syntax"}));
+    EXPECT_EQ(
+        kinds("NEW_BUFFER @a FROM_VALUES {1\nPRINT_BUFFER @a\nPRINT_BUFFER @a\nPRINT_BUFFER @b\n"),
+        (Lines{"2:1 syntax", "+ 1:27 this brace is not closed", "4:14 unknown-name"}))
+        << "what a broken statement would have made counts as made";
+}
+
+TEST(ScriptCheckTest, AdviceForWhatIsNotAStatement) {
+    struct Row {
+        const char* text;
+        const char* advice;
+    };
+    const char* const unsignedNumber = "a number has no sign";
+    const char* const remark = "a remark begins with //";
+    const std::vector<Row> rows{
+        {"NEW_BUFFER @b EMPTY -useBufferRange={0, -size}", unsignedNumber},
+        {"NEW_BUFFER @b EMPTY -useBufferRange={0, +1}", unsignedNumber},
+        {"NEW_BUFFER @b EMPTY -useBufferRange={-1, 1}", unsignedNumber},
+        {"NEW_BUFFER @b EMPTY -useBufferRange={8 - 4, -1}", unsignedNumber},
+        {"# remark", remark},
+        {"; remark", remark},
+        {"/* remark */", remark},
+        {"-- remark", remark},
+        {"\xEF\xBB\xBF", "remove the byte order mark at the beginning"},
+    };
+    for (const Row& row : rows) {
+        const Lines found = checked(std::string(row.text) + "\n");
+        ASSERT_FALSE(found.empty()) << row.text;
+        EXPECT_TRUE(found[0].ends_with(std::string(" (") + row.advice + ")")) << found[0];
+    }
+}
+
+TEST(ScriptCheckTest, TwentySyntaxErrorsAreShown) {
+    std::string text;
+    const auto lastWith = [&text](int errors) {
+        text.clear();
+        for (int i = 0; i < errors; ++i) text += "PRINT_BUFFER {\n";
+        const Lines found = checked(text);
+        EXPECT_EQ(found.size(), static_cast<std::size_t>(std::min(errors, 21)));
+        return found.back();
+    };
+    constexpr const char* more = "syntax: there are more syntax errors than are shown";
+    EXPECT_NE(lastWith(20), more);
+    EXPECT_EQ(lastWith(21), more);
+    EXPECT_EQ(lastWith(22), more);
+}
+
+TEST(ScriptCheckTest, AHundredNamesGetASuggestion) {
+    std::string text = makers;
+    for (int i = 0; i < 101; ++i) text += "PRINT_BUFFER @imago\n";
+    const Lines found = checked(text);
+    ASSERT_EQ(found.size(), 101U);
+    const std::string said = "unknown-name: no image is called @imago";
+    EXPECT_EQ(found[99], "103:14 " + said + " (did you mean @image (line 1)?)");
+    EXPECT_EQ(found[100], "104:14 " + said);
+}
+
+// A statement that gives its parts their roles is checked, whatever else it is.
+TEST(ScriptCheckTest, AMadeUpStatementIsCheckedByItsRoles) {
+    const ScriptText script("s.tsn", "SIGN @none INTO @new WITH 0x1FF\nSIGN @new INTO @new\n");
+    const std::string_view text = script.prepared();
+    Parser::StatementList statements;
+    const auto add = [&](std::string_view line, std::string_view uses, std::string_view bytes) {
+        const std::size_t begin = text.find(line);
+        const auto part = [&](std::string_view word) {
+            return text.substr(text.find(word, begin), word.size());
+        };
+        statements.beginStatement();
+        statements.add(Role::Keyword, 0, part("SIGN"));
+        statements.add(Role::UsesImage, 0, part(uses));
+        statements.add(Role::MakesImage, 0,
+                       text.substr(text.find("INTO ", begin) + 5, std::string_view("@new").size()));
+        if (!bytes.empty()) {
+            statements.add({0x1FF, part(bytes)});
+            statements.add(Role::Bytes, 0, part(bytes));
+        }
+        statements.endStatement({}, part(line));
+    };
+    add("SIGN @none INTO @new WITH 0x1FF\n", "@none", "0x1FF");
+    add("SIGN @new INTO @new\n", "@new", "");
+    Tests::TakenDiagnostics sink;
+    ScriptCheck check(script, sink);
+    for (const Parser::Statement& statement : statements) check.check(statement);
+    EXPECT_EQ(sink.lines, Lines{}) << "nothing is reported before it is asked for";
+    check.reportFound();
+    EXPECT_EQ(
+        sink.lines,
+        (Lines{"1:6 unknown-name: no image is called @none",
+               "1:27 truncated-value: the value does not fit into a byte, only its low eight "
+               "bits count",
+               "2:16 duplicate-name: there is already an image called @new (this one would be "
+               "dropped)",
+               "+ 1:17 the first one is made here"}));
+}
+
+TEST(ScriptCheckTest, LengthsThatAreEndAddresses) {
+    struct Row {
+        const char* area;
+        bool isReported;
+    };
+    const std::vector<Row> rows{
+        {"{0x8000000, 0x8000001}", true}, {"{0x8000000, 0x8000000}", false},
+        {"{0x8000000, 0xBFFFFFF}", true}, {"{0x8000000, 0xC000000}", false},
+        {"{0x1000000, 0x1000100}", true}, {"{0xFFFFFF, 0x1000100}", false},
+        {"{0x8000000, 0x10000}", false},
+    };
+    for (const Row& row : rows)
+        for (const char* const option : {"-useBufferRange=%", "-useAreas={%}"}) {
+            const Lines found =
+                checked("NEW_BUFFER @a FROM_FILE in.hex " + with(option, row.area) + "\n");
+            EXPECT_EQ(!found.empty(), row.isReported) << option << row.area;
+        }
+    EXPECT_EQ(checked("NEW_BUFFER @a FROM_FILE in.hex -useBufferRange={0x8000000, 0x8001000}\n"),
+              Lines{"1:60 end-as-length: this length looks like an end address (the length up to "
+                    "that address is 0x1000)"});
+}
+
+}  // namespace
+}  // namespace Strict

@@ -1,0 +1,455 @@
+// All that the program says of the facts of a run. A fact, a fault or a tolerance without a row
+// fails.
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "facts/Facts.hpp"
+#include "strict/diagnostics/FactWords.hpp"
+#include "strict/diagnostics/FieldWords.hpp"
+
+namespace Strict {
+namespace {
+
+using namespace Facts;
+using Parser::Role;
+
+const std::vector<Role> area{Role::Area, Role::Range, Role::Address};
+const std::vector<Role> input{Role::InputFile};
+const std::vector<Role> output{Role::OutputFile};
+
+/// The system gives a reason for all that fails but "silent", and a statement makes "@made".
+Circumstances circumstances(bool isScript) {
+    return {[](std::string_view path) {
+                if (path == "nowhere/out") return std::string("No such file or directory");
+                return std::string(path == "silent" ? "" : "it broke");
+            },
+            [](std::string_view name) { return name == "@made"; }, isScript};
+}
+
+struct FactRow {
+    Fact fact;
+    std::optional<FactWords> words;
+    bool isRefusal = false;
+};
+
+constexpr bool refuses = true;
+
+std::vector<FactRow> malformedRows() {
+    struct Row {
+        InputFormat format;
+        FormatFault fault;
+        std::uint64_t where, number;
+        Kind kind;
+        const char* text;
+    };
+    using enum FormatFault;
+    constexpr auto elf = InputFormat::Elf;
+    constexpr auto uf2 = InputFormat::Uf2;
+    constexpr auto titxt = InputFormat::TiTxt;
+    const std::vector<Row> rows{
+        {elf, MagicMissing, 0, 0, Kind::WrongFormat,
+         "ELF: the mark of the format is missing at byte 0"},
+        {elf, VariantUnknown, 4, 9, Kind::WrongFormat,
+         "ELF: byte 4 is 9, which names no variant of the format"},
+        {elf, Truncated, 52, 32, Kind::WrongFormat,
+         "ELF: the file ends before byte 52 and the 32 after it"},
+        {elf, EntryTooShort, 52, 8, Kind::WrongFormat,
+         "ELF: the entries of the table at byte 52 have only 8 bytes"},
+        {elf, NothingToLoad, 0, 0, Kind::EmptyImage, "ELF: there is no data to load"},
+        {elf, DataRepeated, 0, 99, Kind::WrongFormat,
+         "ELF: parts of the file count several times, 99 bytes in total"},
+        {elf, SegmentTooLong, 1, 99, Kind::WrongFormat,
+         "ELF: segment 1 has 99 bytes in the file and fewer in memory"},
+        {elf, AddressTooHigh, 0, 0xFFFFFFF0, Kind::WrongFormat,
+         "ELF: the data at 0xfffffff0 passes the end of the address space"},
+        {uf2, SizeNotWhole, 513, 512, Kind::WrongFormat,
+         "UF2: the size of the file, 513, is no multiple of 512"},
+        {uf2, PayloadTooLong, 2, 477, Kind::WrongFormat,
+         "UF2: block 2 has 477 bytes, more than there is room for"},
+        {uf2, BlockNumberWrong, 2, 7, Kind::WrongFormat,
+         "UF2: block 2 has the number 7, which is there already or beyond the count"},
+        {uf2, BlockCountWrong, 2, 3, Kind::WrongFormat, "UF2: there are 2 blocks, not 3"},
+        {uf2, FamiliesMixed, 2, 0xADA52840, Kind::WrongFormat,
+         "UF2: block 2 is for the family 0xada52840, others are not"},
+        {titxt, LineUnknown, 3, 0, Kind::WrongFormat,
+         "TI-TXT: line 3 is neither an address nor bytes"},
+        {titxt, AddressMissing, 1, 0, Kind::WrongFormat,
+         "TI-TXT: line 1 has bytes without an address before them"},
+        {titxt, EndMissing, 4, 0, Kind::NoEnd, "TI-TXT: there is no end after line 4"},
+        {titxt, AfterEnd, 5, 0, Kind::WrongFormat, "TI-TXT: line 5 comes after the end"},
+    };
+    std::vector<FactRow> list;
+    for (const Row& row : rows)
+        list.push_back({FileMalformed{row.format, "f", row.fault, row.where, row.number},
+                        {{row.kind, std::string("f cannot be read as ") + row.text, input}}});
+    return list;
+}
+
+std::vector<FactRow> imageRows() {
+    return {
+        {ImageNotAddressable{0xFFFFFFF0, 0x20},
+         {{Kind::Outside,
+           "an image of 0x20 bytes at 0xFFFFFFF0 passes the end of the address space", area}},
+         refuses},
+        {ImageTooLong{0x20000000, 0x10000000},
+         {{Kind::Outside, "an image has less than 0x10000000 bytes, not 0x20000000", area,
+           "an area is {start, length}"}},
+         refuses},
+        {MoveTooFar{0xFFFFFFF0, 0xFFFFFF00},
+         {{Kind::Outside, "the image does not fit at 0xFFFFFFF0: its highest start is 0xFFFFFF00",
+           area}},
+         refuses},
+        {FillPatternEmpty{},
+         {{Kind::NoEffect,
+           "there are no bytes, so nothing is done",
+           {Role::Bytes, Role::Filler, Role::String, Role::UsesHash, Role::Area}}}},
+        {FillStartOutside{0x300, 0x100, 0x200},
+         {{Kind::Outside,
+           "an area that begins at 0x00000300 does not lie in the image, which has the addresses "
+           "0x00000100 to 0x000001FF",
+           area}},
+         refuses},
+        {FillStartOutside{0x300, 0x100, 0x100},
+         {{Kind::Outside,
+           "an area that begins at 0x00000300 does not lie in the image, which has no addresses",
+           area}},
+         refuses},
+        {ExtractStartOutside{0x300, 0x100, 0x101},
+         {{Kind::Outside,
+           "an area that begins at 0x00000300 does not lie in the image, which has the address "
+           "0x00000100",
+           area}},
+         refuses},
+        {FillTooLong{0x1F0, 0x20, 0x200},
+         {{Kind::Outside,
+           "0x20 bytes from 0x000001F0 on do not fit into the image, which ends before 0x00000200",
+           area}},
+         refuses},
+        {ExtractTooLong{0x1F0, 0x20, 0x200},
+         {{Kind::Outside,
+           "0x20 bytes from 0x000001F0 on leave the image, which ends before 0x00000200", area}},
+         refuses},
+        {OverlapRefused{"@a", "@b", 0x10, 0x20, true, 0x14, 0x01, 0xFE},
+         {{Kind::Conflict,
+           "@b has FE at 0x00000014, written before as 01, within the addresses 0x00000010 to "
+           "0x0000001F",
+           {Role::Overlap}}}},
+        {OverlapRefused{"@a", "@b", 0x10, 0x20, false, 0x10, 0, 0},
+         {{Kind::Conflict,
+           "@b writes the addresses 0x00000010 to 0x0000001F a second time, with equal bytes",
+           {Role::Overlap},
+           "-onOverlap=Same lets equal bytes pass"}}},
+        {NameNotFound{NameKind::Buffer, "@made"},
+         {{Kind::UnknownName,
+           "there is no @made: the statement that makes it failed",
+           {},
+           {},
+           "@made"}}},
+        {NameNotFound{NameKind::Buffer, "@none"}, {}},
+        {StatementExhausted{Subject::Crc, "@c", Work::Created},
+         {{Kind::OutOfMemory, "there is not enough memory for this statement", {}}}},
+        {CrcParameterRefused{"@c", CrcParameter::Width},
+         {{Kind::CrcParameter, "the width is not 1 to 32 bits", {Role::Type}}}},
+        {CrcParameterRefused{"@c", CrcParameter::Polynomial},
+         {{Kind::CrcParameter, "the polynomial has more bits than the width", {Role::Type}}}},
+        {CrcParameterRefused{"@c", CrcParameter::Initial},
+         {{Kind::CrcParameter, "the initial value has more bits than the width", {Role::Type}}}},
+        {CrcParameterRefused{"@c", CrcParameter::FinalXor},
+         {{Kind::CrcParameter, "the final xor has more bits than the width", {Role::Type}}}},
+        {WordIncomplete{Subject::Hash, "@h", 7, 4},
+         {{Kind::WordSize,
+           "the data has 7 bytes, which is not a multiple of 4",
+           {Role::WordSize}}}},
+    };
+}
+
+std::vector<FactRow> fileRows() {
+    const char* const folder = "its folder does not exist";
+    return {
+        {RawFileTooLong{0xFFFFFFF, 0x10000000},
+         {{Kind::Outside, "the file has more than 0xFFFFFFF bytes", input}},
+         refuses},
+        {FileReadIncomplete{"f"},
+         {{Kind::ShortRead, "f could not be read completely", input}},
+         refuses},
+        {FileSpanTooLong{0x10000000},
+         {{Kind::Outside, "the data of the file spans 0x10000000 bytes, more than 0xFFFFFFF", input,
+           "name a part of it with -useBufferRange={start, length}"}}},
+        {FileNotOpened{"a.hex"}, {{Kind::CannotOpen, "cannot open a.hex: it broke", input}}},
+        {FileNotOpened{"inFile"},
+         {{Kind::CannotOpen, "cannot open inFile: it broke", input,
+           "was the variable inFile given?"}}},
+        {FileNotOpened{"a.hex;"},
+         {{Kind::CannotOpen, "cannot open a.hex;: it broke", input,
+           "a statement has no semicolon at its end"}}},
+        {FileNotOpened{"silent"},
+         {{Kind::OutOfMemory, "there is not enough memory for silent", input}}},
+        {FileNotWritten{"out"}, {{Kind::CannotWrite, "cannot write out: it broke", output}}},
+        {FileNotWritten{"nowhere/out"},
+         {{Kind::CannotWrite, "cannot write nowhere/out: No such file or directory", output,
+           folder}}},
+        {FileNotWritten{"silent"},
+         {{Kind::OutOfMemory, "there is not enough memory for silent", output}}},
+        {FileWriteIncomplete{"out"},
+         {{Kind::ShortWrite, "out could not be written completely: it broke", output}},
+         refuses},
+        {FileWriteIncomplete{"silent"},
+         {{Kind::ShortWrite, "silent could not be written completely", output}},
+         refuses},
+        {RecordLengthCorrected{OutputFormat::IntelHex, 0, Bound::Minimum, 1},
+         {{Kind::LengthCorrected,
+           "a record has at least 1 data byte, which is used instead of 0",
+           {Role::Format}}}},
+        {RecordLengthCorrected{OutputFormat::MotorolaS, 99, Bound::Maximum, 32},
+         {{Kind::LengthCorrected,
+           "a record has at most 32 data bytes, which is used instead of 99",
+           {Role::Format}}}},
+        {AddressNotExpressible{0x12345, "out"},
+         {{Kind::Outside, "Intel HEX cannot express the address 0x00012345 in this mode", output}},
+         refuses},
+        {RecordTypeUnknown{9}, {{Kind::Outside, "Intel HEX has no such record", output}}, refuses},
+        {ImageBeyondSRecords{0xFFFFFFFF},
+         {{Kind::Outside, "S-records cannot express addresses above 0xFFFFFFFF", output}},
+         refuses},
+        {TooManyBytes{OutputFormat::RawBinary, 0xFFFFFFF},
+         {{Kind::Outside, "the images have more than 0xFFFFFFF bytes together", output}},
+         refuses},
+        {AddressBeyondFormat{"UF2", "out", 0xFFFFFFFF},
+         {{Kind::Outside, "UF2 has no addresses above 0xFFFFFFFF", output}},
+         refuses},
+        {FormatNumberWrong{"VMEM", "out", 3},
+         {{Kind::Outside,
+           "VMEM does not take the number 3",
+           {Role::Format},
+           "a word has 1, 2, 4 or 8 bytes"}}},
+        {GapsNotExpressible{"RawBinary", "out"},
+         {{Kind::Outside,
+           "RawBinary has no addresses, so it cannot skip unwritten ones",
+           {Role::Gaps},
+           "choose a format with addresses, or leave the option out"}}},
+        {ProgramEnded{"sign", 0}, {}},
+        {ProgramEnded{"sign", 3}, {{Kind::CallFailed, "sign ended with code 3", {Role::Program}}}},
+        {ProgramEnded{"sign", 126}, {{Kind::CallFailed, "sign cannot be run", {Role::Program}}}},
+        {ProgramEnded{"sign", 127}, {{Kind::CallFailed, "sign was not found", {Role::Program}}}},
+        {ProgramEnded{"sign", -1},
+         {{Kind::CallFailed, "sign could not be started: it broke", {Role::Program}}}},
+        {ProgramEnded{"silent", -1},
+         {{Kind::CallFailed, "silent could not be started", {Role::Program}}}},
+    };
+}
+
+/// What is reported elsewhere, or is printed.
+std::vector<FactRow> silentRows() {
+    return {{ReadRangeOutside{}, {}},   {TextFileEmpty{}, {}},
+            {LastLineMismatched{}, {}}, {RecordContradictory{}, {}},
+            {LineNotARecord{}, {}},     {RecordCountTooLow{}, {}},
+            {DataSpanTooLong{}, {}},    {FieldFact{}, {}},
+            {ScriptNotOpened{}, {}},    {VariableRejected{}, {}},
+            {ScriptNotPrepared{}, {}},  {SyntaxError{}, {}},
+            {RunEnded{}, {}},           {BufferPrinted{}, {}},
+            {ContentPrinted{}, {}},     {CrcPrinted{}, {}},
+            {HashPrinted{}, {}},        {TextPrinted{}, {}},
+            {ProgramCalled{}, {}}};
+}
+
+void expectWords(const FactRow& row, bool isScript = true) {
+    const std::string what = row.words ? row.words->text : std::to_string(row.fact.index());
+    EXPECT_EQ(isRefusal(row.fact), row.isRefusal) << what;
+    const auto words = wordsFor(row.fact, circumstances(isScript));
+    ASSERT_EQ(words.has_value(), row.words.has_value()) << what;
+    if (!words) return;
+    EXPECT_EQ(words->text, what);
+    EXPECT_STREQ(nameOf(words->kind), nameOf(row.words->kind)) << what;
+    EXPECT_EQ(words->roles, row.words->roles) << what;
+    EXPECT_EQ(words->hint, row.words->hint) << what;
+    EXPECT_EQ(words->name, row.words->name) << what;
+}
+
+TEST(FactWordsTest, EveryFactHasItsKindItsWordsAndThePartToBlame) {
+    std::set<std::size_t> facts;
+    std::set<FormatFault> faults;
+    for (const auto& rows : {imageRows(), fileRows(), malformedRows(), silentRows()})
+        for (const FactRow& row : rows) {
+            expectWords(row);
+            facts.insert(row.fact.index());
+            if (const auto* const malformed = std::get_if<FileMalformed>(&row.fact))
+                faults.insert(malformed->fault);
+        }
+    EXPECT_EQ(facts.size(), std::variant_size_v<Fact>) << "each fact has a row";
+    EXPECT_EQ(faults.size(), static_cast<std::size_t>(FormatFault::AfterEnd) + 1);
+}
+
+TEST(FactWordsTest, NamesOfACommandLineGetNoAdviceOnScripts) {
+    expectWords(
+        {FileNotOpened{"inFile"}, {{Kind::CannotOpen, "cannot open inFile: it broke", input}}},
+        false);
+}
+
+struct FieldRow {
+    FieldFact fact;
+    FieldWords words;
+};
+
+/// A fault of line 7.
+struct FaultRow {
+    RecordFault fault;
+    std::uint64_t found, expected;
+    Kind kind;
+    const char* text;
+    InputFormat format = InputFormat::IntelHex;
+};
+
+const std::vector<FaultRow>& faultRows() {
+    using enum RecordFault;
+    constexpr auto motorola = InputFormat::MotorolaS;
+    static const std::vector<FaultRow> rows{
+        {NotARecord, 0, 0, Kind::RecordLine, "the line is no record"},
+        {ForeignText, 0x1A, 6, Kind::RecordLine,
+         "text goes on after the byte 1A at the end of line 6"},
+        {OtherFormat, 0, 0, Kind::WrongFormat, "an S-record in a file of Intel HEX"},
+        {OtherFormat, 0, 0, Kind::WrongFormat, "a record of Intel HEX in a file of S-records",
+         motorola},
+        {Digit, 'G', 3, Kind::RecordDigit, "G is no hexadecimal digit"},
+        {Digit, ' ', 3, Kind::RecordDigit, "the byte 20 is no hexadecimal digit"},
+        {Digit, 0x7F, 3, Kind::RecordDigit, "the byte 7F is no hexadecimal digit"},
+        {Digits, 11, 12, Kind::RecordLength, "the record's count gives 12 digits, the line has 11"},
+        {Digits, 2, 1, Kind::RecordLength, "the record's count gives 1 digit, the line has 2"},
+        {CountTooLow, 2, 3, Kind::RecordLength, "count is 2, a record of this type has at least 3",
+         motorola},
+        {DataSize, 1, 2, Kind::RecordLength, "the record has 1 data byte, one of this type has 2"},
+        {DataSize, 3, 2, Kind::RecordLength, "the record has 3 data bytes, one of this type has 2"},
+        {Checksum, 0x0F, 0xF0, Kind::RecordChecksum, "checksum is 0F, the record's bytes give F0"},
+        {Type, 6, 0, Kind::RecordType, "Intel HEX has no record of type 06"},
+        {Type, '4', 0, Kind::RecordType, "there is no S-record of type 4", motorola},
+        {Type, 's', 0, Kind::RecordType, "an S-record begins with S, not with s", motorola},
+        {Address, 0x10, 0, Kind::RecordAddress,
+         "the address field is 0x10, in a record of this type it is 0"},
+        {AddressSpace, 0xFFFFFFFF, 0, Kind::RecordAddress,
+         "the data from 0xFFFFFFFF on goes beyond 0xFFFFFFFF"},
+        {AfterEnd, 1, 0, Kind::AfterEnd, "1 data byte after the end record"},
+        {AfterEnd, 16, 0, Kind::AfterEnd, "16 data bytes after the end record"},
+        {RecordCount, 3, 1, Kind::RecordCount, "count is 3, the file has 1 data record before it",
+         motorola},
+        {RecordCount, 3, 2, Kind::RecordCount, "count is 3, the file has 2 data records before it",
+         motorola},
+        {InRemark, 0, 0, Kind::RecordLine,
+         "the remark is a whole record: take the line out, or its mark"},
+    };
+    return rows;
+}
+
+struct ToleranceRow {
+    Tolerance tolerance;
+    std::uint64_t count;
+    const char* text;
+};
+
+const std::vector<ToleranceRow>& toleranceRows() {
+    using enum Tolerance;
+    static const std::vector<ToleranceRow> rows{
+        {BlankLine, 1, "1 blank line"},
+        {BlankLine, 2, "2 blank lines, this is the first"},
+        {TrailingBlank, 1, "1 line has blanks at the end"},
+        {TrailingBlank, 2, "2 lines have blanks at the end"},
+        {LoneReturn, 1, "1 line ends with a carriage return alone"},
+        {LoneReturn, 2, "2 lines end with a carriage return alone"},
+        {TextEndMark, 1, "bytes 1A at the end of the text"},
+        {NulBytes, 1, "zero bytes at the end of the text"},
+        {LowerCase, 1, "1 record has lower-case digits"},
+        {LowerCase, 2, "2 records have lower-case digits"},
+        {Utf8Mark, 1, "the file begins with a byte order mark"},
+        {Remark, 1, "1 line is a remark"},
+        {Remark, 2, "2 lines are remarks"},
+        {SymbolTable, 1, "1 line of a symbol table"},
+        {SymbolTable, 2, "2 lines of a symbol table"},
+        {SegmentBorder, 1,
+         "1 record goes on upward after the highest address that its field can express"},
+        {SegmentBorder, 2,
+         "2 records go on upward after the highest address that its field can express"},
+        {RecordAfterEnd, 1, "1 record without data after the end record"},
+        {RecordAfterEnd, 2, "2 records without data after the end record"},
+        {EndAddress, 1, "the end record has an address, which is not used"},
+    };
+    return rows;
+}
+
+std::vector<FieldRow> fieldRows() {
+    constexpr auto hex = InputFormat::IntelHex;
+    constexpr auto motorola = InputFormat::MotorolaS;
+    const char* const pass = "if it is complete, --warn no-end lets it pass";
+    std::vector<FieldRow> rows{
+        {LinesDamaged{"f", RecordFault::Checksum, 1},
+         {Kind::RecordChecksum, "1 more line of f is damaged", "", "f"}},
+        {LinesDamaged{"f", RecordFault::Type, 2},
+         {Kind::RecordType, "2 more lines of f are damaged", "", "f", 0, 0, {}, 2}},
+        {EndMissing{"f", hex},
+         {Kind::NoEnd, "f has no end-of-file record; it may have been cut off", pass, "f"}},
+        {EndMissing{"f", motorola},
+         {Kind::NoEnd, "f has no S7, S8 or S9 record; it may have been cut off", pass, "f"}},
+        {FormatForeign{"f", {}},
+         {Kind::WrongFormat, "f has no record of Intel HEX and no S-record",
+          "FROM_FILE_BINARY takes a file byte for byte", "f"}},
+        {FormatForeign{"f", InputFormat::Uf2},
+         {Kind::WrongFormat, "f has the format UF2", "use FROM_UF2", "f"}},
+        {StartAddressesDiffer{"f", 0x100, 2, 0x200, 9},
+         {Kind::StartAddress, "a second start address, 0x00000200: line 2 names 0x00000100", "",
+          "f", 9}},
+        {RecordsOverlap{"f", 0x10, 0x11, 2, 9},
+         {Kind::Overlap, "the address 0x00000010 again, with the same bytes as from line 2 on", "",
+          "f", 9}},
+        {RecordsConflict{"f", 0x10, 0x20, 0x14, 0x0A, 2, 0xB0, 9},
+         {Kind::Conflict,
+          "other bytes for the addresses 0x00000010 to 0x0000001F: 0x00000014 is 0A in line 2 and "
+          "B0 in this one",
+          "", "f", 9}},
+        {FurtherOverlaps{"f", true, 1},
+         {Kind::Conflict, "1 more range of f with other bytes", "", "f"}},
+        {FurtherOverlaps{"f", false, 2},
+         {Kind::Overlap, "2 more ranges of f with the same bytes again", "", "f", 0, 0, {}, 2}},
+    };
+    for (const FaultRow& row : faultRows()) {
+        // The digit is the only fault with a place in its line.
+        const std::size_t column = row.fault == RecordFault::Digit ? 3 : 0;
+        rows.push_back({LineDamaged{"f", row.format, 7, "LINE", row.fault, row.found, row.expected},
+                        {row.kind, row.text, "", "f", 7, column, "LINE"}});
+    }
+    for (const ToleranceRow& row : toleranceRows())
+        rows.push_back({LinesTolerated{"f", row.tolerance, row.count, 7},
+                        {Kind::Tolerated, row.text, "", "f", 7}});
+    return rows;
+}
+
+TEST(FieldWordsTest, EveryFactHasItsKindItsWordsAndItsPlace) {
+    std::set<std::size_t> facts;
+    for (const auto& [fact, wanted] : fieldRows()) {
+        const FieldWords words = wordsFor(fact);
+        EXPECT_EQ(words.text, wanted.text);
+        EXPECT_STREQ(nameOf(words.kind), nameOf(wanted.kind)) << wanted.text;
+        EXPECT_EQ(words.hint, wanted.hint) << wanted.text;
+        EXPECT_EQ(words.file, wanted.file) << wanted.text;
+        EXPECT_EQ(words.line, wanted.line) << wanted.text;
+        EXPECT_EQ(words.column, wanted.column) << wanted.text;
+        EXPECT_EQ(words.excerpt, wanted.excerpt) << wanted.text;
+        EXPECT_EQ(words.count, wanted.count) << wanted.text;
+        facts.insert(fact.index());
+    }
+    EXPECT_EQ(facts.size(), std::variant_size_v<FieldFact>) << "each fact has a row";
+    std::set<RecordFault> faults;
+    for (const FaultRow& row : faultRows()) faults.insert(row.fault);
+    EXPECT_EQ(faults.size(), static_cast<std::size_t>(RecordFault::InRemark) + 1);
+    std::set<Tolerance> tolerances;
+    for (const ToleranceRow& row : toleranceRows()) tolerances.insert(row.tolerance);
+    EXPECT_EQ(tolerances.size(), toleranceCount);
+}
+
+}  // namespace
+}  // namespace Strict
