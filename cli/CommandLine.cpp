@@ -337,7 +337,7 @@ std::string adviceOn(const std::string& word, const std::vector<std::string>& co
     if (isScript) return "; did you mean tessaron run " + word + "?";
     if (word.find_first_of("./\\") != std::string::npos || Platform::isRegularFile(word))
         return "; did you mean tessaron run " + word + " or tessaron info " + word + "?";
-    const std::string meant = Strict::didYouMean(word, commands);
+    std::string meant = Strict::didYouMean(word, commands);
     if (!meant.empty()) return meant;
     std::string all;
     for (const std::string& command : commands) all += (all.empty() ? "" : ", ") + command;

@@ -17,10 +17,11 @@ TEST_F(RunFilesTest, ADeviceTakesAnOutput) {
     ASSERT_TRUE(write(files, "NUL", "nowhere"));
     EXPECT_EQ(read(files, "nul"), "nowhere");
     EXPECT_FALSE(files.commit());
-    for (const char* const name : {"aux.hex", "NUL.hex", "com1.hex"})
-        EXPECT_EQ(files.createOutput(at(name), binary) == nullptr,
-                  files.reasonFor(at(name)) == "No such device or address")
-            << name;
+    for (const char* const name : {"aux.hex", "NUL.hex", "com1.hex"}) {
+        // Newer systems take them for files.
+        const bool isRefused = files.createOutput(at(name), binary) == nullptr;
+        EXPECT_EQ(isRefused, files.reasonFor(at(name)) == "No such device or address") << name;
+    }
     EXPECT_EQ(names(), Names());
 }
 
