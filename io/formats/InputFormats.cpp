@@ -114,7 +114,7 @@ constexpr std::array<InputFormatRow, Facts::inputFormatCount> rows{{
 
 constexpr bool areInOrder() {
     for (std::size_t i = 0; i < rows.size(); ++i)
-        if (static_cast<std::size_t>(rows[i].format) != i || rows[i].open == nullptr) return false;
+        if (static_cast<std::size_t>(rows[i].format) != i || rows[i].name.empty()) return false;
     return true;
 }
 static_assert(areInOrder(), "each format has a row, at the place of its number");
