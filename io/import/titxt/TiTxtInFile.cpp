@@ -133,7 +133,7 @@ bool TiTxtInFile::looksLike(std::string_view head) {
         head.remove_prefix(std::min(head.find_first_not_of(blanks), head.size()));
     };
     const auto skipDigits = [&] {
-        const auto end = std::ranges::find_if_not(head, isDigit);
+        const auto* const end = std::ranges::find_if_not(head, isDigit);
         const auto count = static_cast<std::size_t>(end - head.begin());
         head.remove_prefix(count);
         return count;
