@@ -61,7 +61,8 @@ int main(int argumentCount, char** argumentValues) {
     constexpr std::size_t neededStack = std::size_t{128} << 10U;
     if (Platform::freeStackBytes() < neededStack) {
         std::cerr << "tessaron: error: less than 128 KiB of stack are left; ulimit -s sets its "
-                     "limit" << std::endl;
+                     "limit"
+                  << std::endl;
         return static_cast<int>(Strict::ExitCode::Failed);
     }
     try {

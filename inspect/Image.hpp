@@ -42,7 +42,8 @@ Image imageOf(const std::string& path, Io::Import::TessaronImportApi& reader);
 /// The name of a format for people; "no image" for a text without a record.
 std::string formatText(std::optional<Facts::InputFormat> format);
 
-/// The areas in ascending order, joined where they overlap or at most `gap` addresses lie between them.
+/// The areas in ascending order, joined where they overlap or at most `gap` addresses lie between
+/// them.
 Buffer::AreaList joined(Buffer::AreaList areas, std::uint64_t gap);
 
 /// The number of addresses in `areas`.

@@ -21,8 +21,8 @@ std::string printableColumns(std::string_view text);
 /// JSON whose texts have the escapes of JSON for what is not printable. It is valid UTF-8.
 std::string printableJson(std::string_view json);
 
-/// The text for HTML and XML: marks are replaced, and all but tabs that is not printable is shown as
-/// `printable` does. The result is UTF-8 that XML 1.0 allows.
+/// The text for HTML and XML: marks are replaced, and all but tabs that is not printable is shown
+/// as `printable` does. The result is UTF-8 that XML 1.0 allows.
 std::string printableMarkup(std::string_view text);
 
 /// The characters of a text in UTF-8. A byte that continues none counts as part of the one before.

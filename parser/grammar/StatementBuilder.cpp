@@ -15,7 +15,7 @@ void StatementBuilder::end(Position first, Position last) {
     lastCommand_.append(first, last);
     if (keepsStatements_)
         statements_.endStatement(static_cast<WrapperLib::CmdType>(currentCmd_->getCmdType()),
-                        {first, static_cast<std::size_t>(last - first)});
+                                 {first, static_cast<std::size_t>(last - first)});
     commands_.push_back(std::move(currentCmd_));
 }
 

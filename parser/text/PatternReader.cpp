@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <optional>
 #include <string>
 
@@ -76,7 +77,7 @@ void add(CharacterSet& set, char c) {
 CharacterSet classOf(std::string_view name) {
     std::string lowered(name);
     std::ranges::transform(lowered, lowered.begin(), lower);
-    const auto known = std::ranges::find(characterClasses, lowered, &CharacterClass::name);
+    const auto* const known = std::ranges::find(characterClasses, lowered, &CharacterClass::name);
     if (known == characterClasses.end()) rejectPattern();
     CharacterSet set;
     for (std::size_t code = 0; code < set.size(); ++code)
@@ -162,8 +163,12 @@ private:
 
     /// In the order of signed characters, on every machine.
     void addRange(char first, char last) {
-        const auto low = static_cast<signed char>(first);
-        const auto high = static_cast<signed char>(last);
+        const auto rank = [](char c) {
+            const int value = static_cast<unsigned char>(c);
+            return value <= SCHAR_MAX ? value : value - UCHAR_MAX - 1;
+        };
+        const int low = rank(first);
+        const int high = rank(last);
         if (low > high) rejectPattern();
         for (int c = low; c <= high; ++c) add(set_, static_cast<char>(c));
         isAfterClass_ = false;

@@ -79,8 +79,7 @@ constexpr std::array allKinds{
             "two different start addresses in a file"},
     KindRow{Kind::Overlap, "overlap", Warning, false, "the same byte twice for one address"},
     KindRow{Kind::Tolerated, "tolerated", Warning, false, "an oddity of a file that loses no data"},
-    KindRow{Kind::SameFile, "same-file", Error, true,
-            "two files of a run in one place"},
+    KindRow{Kind::SameFile, "same-file", Error, true, "two files of a run in one place"},
 };
 
 /// A kind is the index of its row.
