@@ -308,7 +308,7 @@ private:
     }
 
     /// Why a file cannot take its place.
-    std::error_code tryOne(Item& item) const {
+    static std::error_code tryOne(Item& item) {
         struct statx own {};
         if (const auto error = lookUp(item.folder, item.name, own)) return error;
         const std::uint64_t device = makedev(own.stx_dev_major, own.stx_dev_minor);
@@ -379,7 +379,7 @@ private:
     }
 
     /// Restores what an item replaced.
-    std::error_code takeBack(Item& item) const {
+    static std::error_code takeBack(Item& item) {
         if (!item.replaces) return outcome(::unlinkat(item.folder, item.target.c_str(), 0));
         if (item.second.empty()) return errorOf(EPERM);
         const auto error =
