@@ -44,7 +44,8 @@ bool isContinuation(char c) {
 
 bool isPrintable(const Character& character) {
     if (!character.isValid) return false;
-    const auto range = std::ranges::lower_bound(notPrintable, character.code, {}, &Range::last);
+    const auto* const range =
+        std::ranges::lower_bound(notPrintable, character.code, {}, &Range::last);
     return range == notPrintable.end() || character.code < range->first;
 }
 

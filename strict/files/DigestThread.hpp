@@ -31,7 +31,7 @@ public:
     DigestThread(const DigestThread&) = delete;
     DigestThread& operator=(const DigestThread&) = delete;
 
-    std::shared_ptr<Digest> begin();
+    static std::shared_ptr<Digest> begin();
 
     /// Adds bytes to a digest. Waits while too many are waiting already.
     ///

@@ -146,7 +146,7 @@ void RunFiles::noteContent(File& file, const Platform::InputFile& opened) {
         return state && content.state == state && content.programs == programs_;
     });
     if (isKnown) return;
-    Content content{state, programs_, digests_->inputs.begin()};
+    Content content{state, programs_, DigestThread::begin()};
     digests_->inputs.takeFile(*content.digest, opened);
     file.contents.push_back(std::move(content));
 }
@@ -207,7 +207,7 @@ bool RunFiles::keepsInMemory(const Platform::OutputTarget& target) const {
 
 std::unique_ptr<Io::OutputStream> RunFiles::addOutput(Output output,
                                                       std::optional<Platform::OutputFile> file) {
-    if (digests_ != nullptr) output.digest = digests_->outputs.begin();
+    if (digests_ != nullptr) output.digest = DigestThread::begin();
     all_.push_back(std::move(output));
     all_.back().file->newest = &all_.back();
     return std::make_unique<Stream>(*this, all_.back(), std::move(file));

@@ -96,7 +96,10 @@ void compareFiles(const Json& manifest, Proof& proof) {
         if (found.empty())
             proof.differ("the output " + path + " is missing");
         else if (found != listed)
-            proof.differ("the file " + path + " is not the one of " + proof.manifest(),
+            proof.differ(std::string("the file ")
+                             .append(path)
+                             .append(" is not the one of ")
+                             .append(proof.manifest()),
                          "its SHA-256 is " + found + ", not " + listed);
     }
 }
