@@ -96,11 +96,12 @@ void compareFiles(const Json& manifest, Proof& proof) {
         if (found.empty())
             proof.differ("the output " + path + " is missing");
         else if (found != listed)
-            proof.differ(std::string("the file ")
-                             .append(path)
-                             .append(" is not the one of ")
-                             .append(proof.manifest()),
-                         "its SHA-256 is " + found + ", not " + listed);
+            proof.differ(
+                std::string("the file ")
+                    .append(path)
+                    .append(" is not the one of ")
+                    .append(proof.manifest()),
+                std::string("its SHA-256 is ").append(found).append(", not ").append(listed));
     }
 }
 
