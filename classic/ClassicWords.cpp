@@ -256,7 +256,8 @@ public:
     }
 
     void operator()(const OverlapRefused& fact) const {
-        line("Error: Buffer ", fact.name, " could not be ", wordFor(Work::Created), " !");
+        line("Error: ", wordFor(fact.subject), " ", fact.name, " could not be ",
+             wordFor(fact.subject == Subject::File ? Work::Written : Work::Created), " !");
         if (fact.isDifferent)
             line(fact.source, " has 0x", Util::hexByte(fact.later), " at address 0x",
                  Util::hexWord(fact.address), ", written before as 0x",

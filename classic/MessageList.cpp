@@ -137,7 +137,8 @@ std::vector<Fact> examples(Of<NameNotFound> /*type*/) {
     return facts;
 }
 std::vector<Fact> examples(Of<OverlapRefused> /*type*/) {
-    const OverlapRefused refused{"NAME", "NAME", number, number + 1, true, number, byte, byte};
+    const OverlapRefused refused{Subject::Buffer, "NAME", "NAME", number, number + 1, true,
+                                 number,          byte,   byte};
     OverlapRefused equal = refused;
     equal.isDifferent = false;
     return {refused, equal};

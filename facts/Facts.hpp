@@ -260,10 +260,14 @@ struct NameNotFound {
     bool operator==(const NameNotFound&) const = default;
 };
 
+enum class Subject : std::uint8_t { Buffer, Crc, Hash, Text, File, Application };
+enum class Work : std::uint8_t { Created, Filled, Printed, Written, Called };
+
 /// Two sources of an image, or two records of its file, write the same addresses, which the
 /// statement refuses; it failed.
 struct OverlapRefused {
-    std::string_view name;    ///< of the image
+    Subject subject;          ///< an image or a file
+    std::string_view name;    ///< of that
     std::string_view source;  ///< the later image, or the file
     std::uint64_t start;
     std::uint64_t end;
@@ -273,9 +277,6 @@ struct OverlapRefused {
     std::uint8_t later;
     bool operator==(const OverlapRefused&) const = default;
 };
-
-enum class Subject : std::uint8_t { Buffer, Crc, Hash, Text, File, Application };
-enum class Work : std::uint8_t { Created, Filled, Printed, Written, Called };
 
 /// A statement ran out of memory and failed.
 struct StatementExhausted {

@@ -21,7 +21,6 @@
 #include "platform/Paths.hpp"
 #include "platform/Replace.hpp"
 #include "platform/Streams.hpp"
-#include "strict/Audit.hpp"
 #include "strict/ElfSymbols.hpp"
 #include "strict/RunListener.hpp"
 #include "strict/diagnostics/RemarkList.hpp"
@@ -29,6 +28,7 @@
 #include "strict/files/DependencyFile.hpp"
 #include "strict/files/RunFiles.hpp"
 #include "strict/files/WholeFile.hpp"
+#include "strict/meaning/MeaningCheck.hpp"
 #include "strict/record/Comparison.hpp"
 #include "strict/record/Proof.hpp"
 #include "strict/record/Provenance.hpp"
@@ -177,6 +177,7 @@ public:
                     {[&files](std::string_view path) { return files.reasonFor(path); },
                      [&program](std::string_view name) { return program.makes(name); }, isScript}),
           provenance_(reports_) {
+        if (isScript) meaning_.emplace(program, provenance_, printer);
         context_.reading = &reading_;
         context_.observer = &provenance_;
     }
@@ -202,6 +203,11 @@ public:
         return isGood;
     }
 
+    /// Reports what the script means and cannot be meant, as far as it can be known before the run.
+    void checkMeaning() {
+        if (meaning_) meaning_->checkBefore();
+    }
+
     /// False if a statement did not do its work, or reported an error. Unless `keepsGoing`, the
     /// first one that fails is the last one that runs.
     bool run(bool keepsGoing) {
@@ -210,7 +216,7 @@ public:
         const Parser::StatementList& statements = program_->statements();
         std::size_t failed = statements.size();  // the first one
         for (std::size_t i = 0; i < statements.size(); ++i) {
-            if (execute(statements[i], *program_->commands()[i])) continue;
+            if (execute(i)) continue;
             failed = std::min(failed, i);
             if (!keepsGoing) break;
             files_->stopEffects();
@@ -230,23 +236,36 @@ public:
     const Provenance& provenance() const { return provenance_; }
 
 private:
-    /// Names the file at `path`, of which the part says the name.
+    /// Names the file at `path`, of which the part says the name. An output may replace an input
+    /// that a statement before it reads.
     bool nameFile(const Parser::Part& part, const std::string& path, FileRole role) {
         const auto collision = files_->name(path, role);
-        if (collision)
+        if (collision) {
             reports_.report(Kind::SameFile, wordsFor(*collision, path, role), part,
                             "one would overwrite the other");
-        return !collision;
+            return false;
+        }
+        const std::string input = role == FileRole::Output ? files_->inputNamed(path) : "";
+        if (meaning_ && !input.empty())
+            reports_.report(Kind::InPlace, "the output replaces the input " + input, part,
+                            "the next run would read what this one wrote");
+        return true;
     }
 
-    bool execute(const Parser::Statement& statement, Parser::WrapperLib::CmdApi& command) {
+    /// Executes the statement of that number.
+    bool execute(std::size_t number) {
         const std::size_t before = printer_->errors();
+        const Parser::Statement statement = program_->statements()[number];
         reports_.enter(statement);
         listener_.enter();
         provenance_.enter();
-        auditBefore(statement, context_, provenance_, reports_);
+        if (meaning_) meaning_->enter(number, context_);
+        if (statement.has(Parser::Role::MakesCrc) || statement.has(Parser::Role::MakesHash))
+            provenance_.checkCovered(statement, context_);
         if (printer_->errors() != before) return false;
-        const bool isDone = command.execute(context_) && !listener_.hasRefused();
+        const bool isDone =
+            program_->commands()[number]->execute(context_) && !listener_.hasRefused();
+        if (meaning_ && isDone) meaning_->leave(number, context_);
         return isDone && printer_->errors() == before;
     }
 
@@ -258,6 +277,7 @@ private:
     RunListener listener_;
     Io::Formats::FieldReading reading_;
     Provenance provenance_;
+    std::optional<MeaningCheck> meaning_;  ///< of a script
     Parser::WrapperLib::CmdContext context_;
 };
 
@@ -382,6 +402,7 @@ private:
     ExitCode execute(const Program& program) {
         Execution execution(program, !options_.script.empty(), *printer_, *output_, files_);
         const bool hasPlaces = execution.nameFiles();
+        execution.checkMeaning();
         if (!hasPlaces || (printer_->errors() != 0 && !options_.keepsGoing))
             return ExitCode::Failed;
 

@@ -9,6 +9,7 @@
 #include "io/InFile.hpp"
 #include "io/import/Malformed.hpp"
 #include "parser/commands/Conventions.hpp"
+#include "parser/commands/Layering.hpp"
 
 namespace Parser::WrapperLib {
 
@@ -158,32 +159,9 @@ std::optional<MemoryBuffer> CmdNewBuffer::fromBuffers(CmdContext& context, Area 
     for (std::size_t i = 0; i < parts.size(); ++i) {
         if (context.observer != nullptr)
             context.observer->onOverlay(*this, result, sourceBuffers_[i], *parts[i]);
-        if (!lay(result, *parts[i], sourceBuffers_[i])) return std::nullopt;
+        if (!lay(result, *parts[i], overlapRule_, sourceBuffers_[i], target())) return std::nullopt;
     }
     return result;
-}
-
-bool CmdNewBuffer::lay(MemoryBuffer& result, const MemoryBuffer& part,
-                       const std::string& source) const {
-    if (overlapRule_ == OverlapRule::NotSet) {
-        result.overlay(part);
-        return true;
-    }
-    if (isRefusing())
-        for (const Buffer::Overlap& overlap : Buffer::overlaps(result, part))
-            if (refuses(overlap, source)) return false;
-    result.merge(part, overlapRule_ == OverlapRule::First);
-    return true;
-}
-
-bool CmdNewBuffer::refuses(const Buffer::Overlap& overlap, const std::string& source) const {
-    const bool isDifferent = overlap.differences != 0;
-    if (overlapRule_ == OverlapRule::Same && !isDifferent) return false;
-    Facts::report(Facts::OverlapRefused{bufferName_, source, overlap.area.start, overlap.area.end(),
-                                        isDifferent,
-                                        isDifferent ? overlap.firstDifference : overlap.area.start,
-                                        overlap.earlier, overlap.later});
-    return true;
 }
 
 std::optional<MemoryBuffer> CmdNewBuffer::fromFile(const CmdContext& context, Area range) const {
@@ -220,9 +198,9 @@ std::optional<MemoryBuffer> CmdNewBuffer::readFile(const CmdContext& context, Ar
         return std::nullopt;
     }
     if (overlapRule_ == OverlapRule::First) reader->preferFirst();
-    if (isRefusing() || isWhole())
+    if (isRefusing(overlapRule_) || isWhole())
         if (const auto overlap = reader->findOverlap(overlapRule_ != OverlapRule::Error))
-            if (refuses(*overlap, fileName_)) return std::nullopt;
+            if (refuses(overlapRule_, *overlap, fileName_, target())) return std::nullopt;
     if (context.observer != nullptr) context.observer->onRead(*this, *reader, range);
     MemoryBuffer result(range.start, range.length);
     if (areas_.empty()) overlayOrReplace(result, reader->takeMemory());

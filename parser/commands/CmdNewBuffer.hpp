@@ -11,6 +11,7 @@
 #include "io/formats/InputFormats.hpp"
 #include "io/import/TessaronImportApi.hpp"
 #include "parser/commands/CmdApi.hpp"
+#include "parser/commands/Layering.hpp"
 
 namespace Parser::WrapperLib {
 
@@ -67,15 +68,7 @@ private:
     std::optional<Buffer::MemoryBuffer> readFile(const CmdContext& context, Area range) const;
     Buffer::MemoryBuffer fromValues(const CmdContext& context, Area range) const;
 
-    /// Lays `part` over `result` by the statement's rule. False, after a report, if the rule
-    /// refuses that.
-    bool lay(Buffer::MemoryBuffer& result, const Buffer::MemoryBuffer& part,
-             const std::string& source) const;
-    bool isRefusing() const {
-        return overlapRule_ == Buffer::OverlapRule::Same ||
-               overlapRule_ == Buffer::OverlapRule::Error;
-    }
-    bool refuses(const Buffer::Overlap& overlap, const std::string& source) const;
+    LayeringTarget target() const { return {Facts::Subject::Buffer, bufferName_}; }
 
     std::string bufferName_;
     std::uint64_t newStartAddress_ = 0;

@@ -15,6 +15,12 @@ void CmdNewValue::addFromBuffer(std::string name) {
     fromBuffers_.push_back(std::move(name));
 }
 
+std::optional<std::size_t> CmdNewValue::valueSize() const {
+    if (!compute_) return std::nullopt;
+    const auto value = compute_({});
+    return value ? std::optional(value->size()) : std::nullopt;
+}
+
 bool CmdNewValue::execute(CmdContext& context) {
     return guarded(subject_, name_, Facts::Work::Created, [&] {
         auto bytes = gatherBytes(context, fromBuffers_, areas_);

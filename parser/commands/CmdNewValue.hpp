@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -36,6 +37,10 @@ public:
     void setWordSize(std::uint32_t bytes) { wordSize_ = bytes; }
 
     const std::string& name() const { return name_; }
+
+    /// The size of the value in bytes, whatever it is computed over. Nothing if it has none; a
+    /// parameter that is refused is reported.
+    std::optional<std::size_t> valueSize() const;
 
     bool execute(CmdContext& context) override;
 

@@ -122,13 +122,15 @@ constexpr auto exportFormats = std::to_array<ExportFormat>({
      .numberForm = Optional,
      .setNumber = &setRecordLength,
      .hasStartAddress = true,
-     .useSegmentAddressing = true},
+     .useSegmentAddressing = true,
+     .otherEndings = hexEndings},
     {.keyword = "EmbeddedC_Assembler",
      .trace = "SetExportFormatOptionEmbeddedC_Assembler -> ",
      .makeWriter = &makeEmbedded,
      .numberForm = Optional,
      .setNumber = &setElementsPerLine,
-     .hasAddresses = false},
+     .hasAddresses = false,
+     .otherEndings = arrayEndings},
     {.keyword = "MotorolaS",
      .trace = "SetExportFormatOptionMotorolaS -> ",
      .makeWriter = &makeMotorola,
@@ -155,6 +157,8 @@ constexpr auto exportFormats = std::to_array<ExportFormat>({
      .numberForm = Required,
      .setNumber = &setWordBytes,
      .endings = vmemEndings,
+     // Verilog's $readmemh files are often called so.
+     .otherEndings = hexEndings,
      .choice = "Vmem_1, Vmem_2, Vmem_4 or Vmem_8"},
     {.keyword = "CArray",
      .trace = "SetExportFormatOptionCArray -> ",
@@ -171,6 +175,10 @@ constexpr auto exportFormats = std::to_array<ExportFormat>({
 });
 
 }  // namespace
+
+bool ExportFormat::suits(std::string_view path) const {
+    return Io::Formats::hasEnding(path, endings) || Io::Formats::hasEnding(path, otherEndings);
+}
 
 std::span<const ExportFormat> CmdWriteFile::formats() {
     return exportFormats;
@@ -277,11 +285,10 @@ bool CmdWriteFile::write(CmdContext& context) const {
     OutputStyles styles = styles_;
     styles.vmemStyle.isLittleEndian = isLittleEndian(context);
     const auto writer = makeWriter(styles);
-    for (const std::string& name : bufferNames_) {
-        const Buffer::MemoryBuffer* const buffer = findBuffer(context, name);
-        if (buffer == nullptr) return false;
-        writer->insert({buffer->getStartAddress(), buffer->viewElements(), unwritten_});
-    }
+    Layers layers;
+    if (!layImages(context, layers)) return false;
+    for (const Buffer::MemoryBuffer* const image : layers.images())
+        writer->insert({image->getStartAddress(), image->viewElements(), unwritten_});
     if (hasExecutionStartAddress_) writer->setExecutionAddress(executionStartAddress_);
     try {
         writer->saveToFile();
@@ -290,6 +297,15 @@ bool CmdWriteFile::write(CmdContext& context) const {
         return false;
     }
     return true;
+}
+
+bool CmdWriteFile::layImages(CmdContext& context, Layers& layers) const {
+    std::vector<NamedImage> images;
+    for (const std::string& name : bufferNames_) {
+        images.push_back({findBuffer(context, name), name});
+        if (images.back().image == nullptr) return false;
+    }
+    return layers.add(images, overlapRule_, {Facts::Subject::File, fileName_});
 }
 
 std::unique_ptr<Io::Export::TessaronExportApi> CmdWriteFile::makeWriter(

@@ -10,10 +10,12 @@
 #include <vector>
 
 #include "buffer/MemoryBuffer.hpp"
+#include "buffer/Overlap.hpp"
 #include "io/NamedNumber.hpp"
 #include "io/export/OutputStyles.hpp"
 #include "io/export/TessaronExportApi.hpp"
 #include "parser/commands/CmdApi.hpp"
+#include "parser/commands/Layering.hpp"
 
 namespace Parser::WrapperLib {
 
@@ -54,6 +56,8 @@ struct ExportFormat {
     bool useSegmentAddressing = false;  ///< of Intel HEX, for this and all later formats
     bool isImageItself = false;         ///< the bytes of the images, one image after the other
     std::span<const std::string_view> endings = {};  ///< of its files' names, in lower case
+    /// Endings that its files may have as well, though they mean another format by themselves.
+    std::span<const std::string_view> otherEndings = {};
     /// What an ending means, as `-setFormat` takes it; null for the keyword.
     const char* usualForm = nullptr;
     /// What the user has to choose from where an ending does not say enough; null otherwise.
@@ -62,6 +66,9 @@ struct ExportFormat {
     /// file for raw bytes and it has addresses nevertheless.
     std::optional<std::uint64_t> (*addressAt)(const Buffer::MemoryBuffer& file,
                                               std::uint64_t offset) = nullptr;
+
+    /// Files of the format may be called so.
+    bool suits(std::string_view path) const;
 };
 
 /// WRITE_FILE: writes images into one file. Without a format that is Intel HEX with linear
@@ -102,6 +109,10 @@ public:
     /// Lets addresses that nothing wrote stay gaps. A format without addresses refuses that.
     void skipUnwritten() { unwritten_ = Io::Export::Unwritten::Skipped; }
 
+    /// Which byte counts where images have one for the same address. Without a rule the file has
+    /// them all, one after the other.
+    void setOverlapRule(Buffer::OverlapRule rule) { overlapRule_ = rule; }
+
     /// The number form of the execution address.
     void setExecutionStartAddress(std::uint32_t address);
 
@@ -121,10 +132,14 @@ private:
     std::unique_ptr<Io::Export::TessaronExportApi> makeWriter(const OutputStyles& styles) const;
     bool isLittleEndian(const CmdContext& context) const;
 
+    /// Fills `layers` with the images in the order in which they are written. False after a report.
+    bool layImages(CmdContext& context, Layers& layers) const;
+
     std::string fileName_;
     std::vector<std::string> bufferNames_;
     std::uint64_t executionStartAddress_ = 0;
     bool hasExecutionStartAddress_ = false;
+    Buffer::OverlapRule overlapRule_ = Buffer::OverlapRule::NotSet;
     Io::Export::Unwritten unwritten_ = Io::Export::Unwritten::Filled;
     const ExportFormat* format_ = nullptr;  ///< null without `-setFormat`
     OutputStyles styles_;

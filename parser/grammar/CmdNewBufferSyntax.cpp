@@ -10,7 +10,6 @@
 
 namespace Parser {
 
-using Buffer::OverlapRule;
 using Io::Formats::InputFormatRow;
 using WrapperLib::CmdNewBuffer;
 
@@ -35,7 +34,7 @@ struct NewBufferRules final : StatementRules {
              buffersSource(rules, on, "AddBufferAsSource -> ", &CmdNewBuffer::addSourceBuffer)) >>
             rules.ws;
         newOptions = *(newStartAddressOption | newByteOrderOption | newAreasOption |
-                       bufferRangeOption | overlapOption);
+                       bufferRangeOption | newOverlapOption);
         newStartAddressOption = startAddressSetting[on.number("SetStartAddress -> ", Role::Address,
                                                               &CmdNewBuffer::setNewStartAddress)] >>
                                 rules.ws;
@@ -47,16 +46,7 @@ struct NewBufferRules final : StatementRules {
             rules.keyword("-useBufferRange") >> rules.equals >>
             rules.area[on.area("SetBufferRange -> ", Role::Range, &CmdNewBuffer::setBufferRange)] >>
             rules.ws;
-        const auto rule = [&](const char* word, const char* trace, OverlapRule value) {
-            return rules.keyword(
-                word)[on.constant(trace, Role::Overlap, &CmdNewBuffer::setOverlapRule, value)];
-        };
-        overlapOption = rules.keyword("-onOverlap") >> rules.equals >>
-                        (rule("Last", "SetOnOverlap_Last -> ", OverlapRule::Last) |
-                         rule("First", "SetOnOverlap_First -> ", OverlapRule::First) |
-                         rule("Same", "SetOnOverlap_Same -> ", OverlapRule::Same) |
-                         rule("Error", "SetOnOverlap_Error -> ", OverlapRule::Error)) >>
-                        rules.ws;
+        newOverlapOption = overlapOption(rules, on);
     }
 
     /// A rule for each source that is a file.
@@ -83,7 +73,7 @@ struct NewBufferRules final : StatementRules {
     }
 
     Rule newSource, newOptions, newStartAddressOption, startAddressSetting, newByteOrderOption,
-        newAreasOption, bufferRangeOption, overlapOption;
+        newAreasOption, bufferRangeOption, newOverlapOption;
     std::deque<Rule> files;
 };
 

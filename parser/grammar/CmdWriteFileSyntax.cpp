@@ -56,6 +56,9 @@ private:
     std::uint32_t* number_;
 };
 
+/// The choices of `Role::Option`.
+enum OptionChoice : std::uint32_t { ArrayName, VendorId, ProductId };
+
 /// WRITE_FILE path WITH_BUFFERS { name ... } [option ...]
 struct WriteFileRules final : StatementRules {
     WriteFileRules(CommonRules& rules, ParserState& state) {
@@ -70,19 +73,20 @@ struct WriteFileRules final : StatementRules {
                                             &CmdWriteFile::addBuffer)] >>
                          rules.separator) >>
                        rules.closeBrace >> rules.ws;
-        writeOptions = *(formatOption | skipUnwrittenOption | arrayNameOption | idOption |
-                         executionAddressOption);
+        writeOverlapOption = overlapOption(rules, on);
+        writeOptions = *(formatOption | skipUnwrittenOption | writeOverlapOption | arrayNameOption |
+                         idOption | executionAddressOption);
         arrayNameOption =
             rules.keyword("-setArrayName") >> rules.equals >>
             rules.expected("a name of C", (alpha_p | ch_p('_')) >> *(alnum_p | ch_p('_')))[on.text(
-                "SetArrayName -> ", Role::Option, &CmdWriteFile::setArrayName)] >>
+                "SetArrayName -> ", Role::Option, &CmdWriteFile::setArrayName, ArrayName)] >>
             rules.ws;
         idOption = ((rules.keyword("-setVendorId") >> rules.equals >>
                      rules.notedValue[on.number("SetVendorId -> ", Role::Option,
-                                                &CmdWriteFile::setVendorId)]) |
+                                                &CmdWriteFile::setVendorId, VendorId)]) |
                     (rules.keyword("-setProductId") >> rules.equals >>
                      rules.notedValue[on.number("SetProductId -> ", Role::Option,
-                                                &CmdWriteFile::setProductId)])) >>
+                                                &CmdWriteFile::setProductId, ProductId)])) >>
                    rules.ws;
         skipUnwrittenOption =
             rules.keyword("-skipUnwritten")[on.with(
@@ -143,7 +147,7 @@ struct WriteFileRules final : StatementRules {
 
     std::uint32_t named = 0;  ///< the number whose name was read last
     Rule writeBuffers, writeOptions, formatOption, formatName, skipUnwrittenOption,
-        executionAddressOption, arrayNameOption, idOption;
+        executionAddressOption, arrayNameOption, idOption, writeOverlapOption;
     std::deque<Rule> formats;
 };
 

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "buffer/Overlap.hpp"
 #include "parser/grammar/ParserState.hpp"
 
 /// The grammar's rules, for the sources that define them and the one that parses.
@@ -240,10 +241,12 @@ public:
     }
 
     /// Hands the last number to a setter.
-    auto number(const char* traceText, Role role, void (Command::*setter)(std::uint32_t)) const {
-        return with(traceText, role, [state = state_, setter](Command& command, std::string_view) {
+    auto number(const char* traceText, Role role, void (Command::*setter)(std::uint32_t),
+                std::uint32_t choice = 0) const {
+        const auto set = [state = state_, setter](Command& command, std::string_view) {
             (command.*setter)(state->expression.currentValue());
-        });
+        };
+        return with(traceText, role, set, choice);
     }
 
     /// Hands the last value list to a setter.
@@ -307,6 +310,22 @@ auto byteOrderOption(CommonRules& rules, const StatementActions<Command>& on) {
             rules.keyword(
                 "BigEndian")[on.constant("SetByteOrder_BigEndian -> ", Role::ByteOrder,
                                          &Command::setByteOrder, ByteOrder::BigEndian)]) >>
+           rules.ws;
+}
+
+/// -onOverlap = Last | First | Same | Error
+template <class Command>
+auto overlapOption(CommonRules& rules, const StatementActions<Command>& on) {
+    using Buffer::OverlapRule;
+    const auto rule = [&](const char* word, const char* trace, OverlapRule value) {
+        return rules.keyword(
+            word)[on.constant(trace, Role::Overlap, &Command::setOverlapRule, value)];
+    };
+    return rules.keyword("-onOverlap") >> rules.equals >>
+           (rule("Last", "SetOnOverlap_Last -> ", OverlapRule::Last) |
+            rule("First", "SetOnOverlap_First -> ", OverlapRule::First) |
+            rule("Same", "SetOnOverlap_Same -> ", OverlapRule::Same) |
+            rule("Error", "SetOnOverlap_Error -> ", OverlapRule::Error)) >>
            rules.ws;
 }
 

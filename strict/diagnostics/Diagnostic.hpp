@@ -34,6 +34,8 @@ struct Diagnostic {
     std::string hint = {};  ///< what to do, shown beside the caret; may be empty
     std::vector<Note> notes = {};
     std::uint64_t count = 1;  ///< findings that it sums up
+    /// What it counts as unless the user says otherwise, where that is not what its kind does.
+    std::optional<Severity> usual = {};
 };
 
 /// Takes diagnostics in the order in which they come up.

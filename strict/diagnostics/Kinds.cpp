@@ -80,6 +80,27 @@ constexpr std::array allKinds{
     KindRow{Kind::Overlap, "overlap", Warning, false, "the same byte twice for one address"},
     KindRow{Kind::Tolerated, "tolerated", Warning, false, "an oddity of a file that loses no data"},
     KindRow{Kind::SameFile, "same-file", Error, true, "two files of a run in one place"},
+    KindRow{Kind::ValueSize, "value-size", Error, false,
+            "a CRC, hash or list of values that does not fit its area"},
+    KindRow{Kind::WholeImage, "whole-image", Error, false, "a CRC or hash put over a whole image"},
+    KindRow{Kind::TextSize, "text-size", Error, false, "a text that is longer than its area"},
+    KindRow{Kind::NumberRange, "number-range", Error, false,
+            "an expression that leaves 32 bits or divides by zero"},
+    KindRow{Kind::EmptyArea, "empty-area", Error, false, "an area of length 0"},
+    KindRow{Kind::DigestSelf, "digest-self", Error, false,
+            "a CRC or hash over the bytes that it is put into"},
+    KindRow{Kind::DigestStale, "digest-stale", Error, false,
+            "bytes that were changed after the CRC or hash over them"},
+    KindRow{Kind::FormatEnding, "format-ending", Error, false,
+            "an output whose name ends as those of another format"},
+    KindRow{Kind::EmptyOutput, "empty-output", Error, false, "an output without a byte"},
+    KindRow{Kind::DoubleArea, "double-area", Warning, false, "areas of one list that overlap"},
+    KindRow{Kind::RepeatedOption, "repeated-option", Warning, false,
+            "an option of which only the last one counts"},
+    KindRow{Kind::InPlace, "in-place", Warning, false, "an output that replaces an input"},
+    KindRow{Kind::UnusedImage, "unused-image", Warning, false, "an image that nothing reads"},
+    KindRow{Kind::BareWord, "bare-word", Warning, false,
+            "a file name or text that looks like a variable"},
 };
 
 /// A kind is the index of its row.
@@ -89,7 +110,7 @@ constexpr bool isInOrder() {
     return true;
 }
 static_assert(isInOrder(), "a row for each kind, in the order of the enumerators");
-static_assert(allKinds.back().kind == Kind::SameFile, "the last kind has a row");
+static_assert(allKinds.back().kind == Kind::BareWord, "the last kind has a row");
 
 }  // namespace
 

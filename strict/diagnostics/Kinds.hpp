@@ -64,6 +64,20 @@ enum class Kind : unsigned char {
     Overlap,
     Tolerated,
     SameFile,
+    ValueSize,
+    WholeImage,
+    TextSize,
+    NumberRange,
+    EmptyArea,
+    DigestSelf,
+    DigestStale,
+    FormatEnding,
+    EmptyOutput,
+    DoubleArea,
+    RepeatedOption,
+    InPlace,
+    UnusedImage,
+    BareWord,
 };
 
 /// What the program knows of a kind.

@@ -21,9 +21,16 @@ std::string Policy::set(std::string_view name, Severity severity) {
     return {};
 }
 
-Severity Policy::severityOf(Kind kind) const {
+Severity Policy::severityOf(const Diagnostic& diagnostic) const {
+    if (!diagnostic.kind) return Severity::Note;
+    const Kind kind = *diagnostic.kind;
+    return severityOf(kind, diagnostic.usual.value_or(rowOf(kind).severity));
+}
+
+/// @param usual  without a choice of the user
+Severity Policy::severityOf(Kind kind, Severity usual) const {
     const auto changed = changed_.find(kind);
-    const Severity severity = changed != changed_.end() ? changed->second : rowOf(kind).severity;
+    const Severity severity = changed != changed_.end() ? changed->second : usual;
     return severity == Severity::Warning && areWarningsErrors_ ? Severity::Error : severity;
 }
 

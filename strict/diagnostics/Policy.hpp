@@ -22,14 +22,14 @@ public:
     /// Lets every warning count as an error (`--werror`).
     void makeWarningsErrors() { areWarningsErrors_ = true; }
 
-    Severity severityOf(Kind kind) const;
+    Severity severityOf(Kind kind) const { return severityOf(kind, rowOf(kind).severity); }
 
     /// A diagnostic without a kind is a note.
-    Severity severityOf(const Diagnostic& diagnostic) const {
-        return diagnostic.kind ? severityOf(*diagnostic.kind) : Severity::Note;
-    }
+    Severity severityOf(const Diagnostic& diagnostic) const;
 
 private:
+    Severity severityOf(Kind kind, Severity usual) const;
+
     std::map<Kind, Severity> changed_;
     bool areWarningsErrors_ = false;
 };

@@ -122,6 +122,14 @@ std::optional<RunFiles::Collision> RunFiles::name(const std::string& path, FileR
     return std::nullopt;
 }
 
+std::string RunFiles::inputNamed(const std::string& path) {
+    const auto& uses = fileAt(path).uses;
+    const auto use = std::ranges::find_if(uses, [](const Use& known) {
+        return known.role == FileRole::Input && !known.isDevice;
+    });
+    return use == uses.end() ? std::string() : use->path;
+}
+
 std::string RunFiles::inputName(const std::string& path) {
     return fileAt(path).inputPath.value_or(path);
 }

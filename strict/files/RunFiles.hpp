@@ -74,6 +74,9 @@ public:
     /// @return the role that excludes this one, if the file has one
     std::optional<Collision> name(const std::string& path, FileRole role);
 
+    /// The spelling by which the file of a path was named as an input; empty if it was not.
+    std::string inputNamed(const std::string& path);
+
     std::optional<Platform::InputFile> openInput(const std::string& path) override;
     std::unique_ptr<Io::OutputStream> createOutput(const std::string& path,
                                                    Platform::FileMode mode) override;

@@ -201,6 +201,13 @@ Note Provenance::originNote(const char* what, const OriginMap& origins,
     return note;
 }
 
+Note Provenance::noteOf(const char* what, const std::string& image, std::uint64_t address) const {
+    const auto found = images_.find(image);
+    if (found == images_.end()) return {what, std::nullopt};
+    const bool isWritten = found->second.written.find(address) != nullptr;
+    return originNote(what, isWritten ? found->second.written : found->second.fillers, address);
+}
+
 void Provenance::reportOverlaps(const MemoryBuffer& image, const std::string& name,
                                 const MemoryBuffer& part) const {
     const auto source = images_.find(name);

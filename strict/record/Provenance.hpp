@@ -79,6 +79,9 @@ public:
     /// All lines of a source's file. The first call for a file reads it once more.
     const std::vector<Inspect::LineRun>& lineRunsOf(const Source& source) const;
 
+    /// A note on what gave an image its byte at `address`.
+    Note noteOf(const char* what, const std::string& image, std::uint64_t address) const;
+
     void onRead(const Parser::WrapperLib::CmdNewBuffer& statement,
                 const Io::Import::TessaronImportApi& reader, const Buffer::Area& range) override;
     void onOverlay(const Parser::WrapperLib::CmdNewBuffer& statement,

@@ -39,6 +39,14 @@ std::vector<Token> tokensOf(std::string_view text) {
     return tokens;
 }
 
+/// The result of the operator is above 0xFFFFFFFF or below 0.
+bool exceeds(char sign, std::uint64_t left, std::uint64_t right) {
+    constexpr std::uint64_t highest = 0xFFFFFFFF;
+    if (sign == '+') return left + right > highest;
+    if (sign == '-') return left < right;
+    return sign == '*' && left * right > highest;
+}
+
 std::uint32_t applied(char sign, std::uint32_t left, std::uint32_t right) {
     switch (sign) {
         case '+':
@@ -65,6 +73,9 @@ public:
         : tokens_(&tokens), isUsual_(isUsual) {}
 
     std::uint32_t value() { return isUsual_ ? sum() : chain(); }
+
+    bool leavesRange() const { return leavesRange_; }
+    bool dividesByZero() const { return dividesByZero_; }
 
 private:
     char kind() const { return at_ < tokens_->size() ? (*tokens_)[at_].kind : '\0'; }
@@ -106,13 +117,19 @@ private:
             operands.push_back(operand());
         }
         std::uint32_t right = operands.back();
-        for (std::size_t i = signs.size(); i-- > 0;) right = applied(signs[i], operands[i], right);
+        for (std::size_t i = signs.size(); i-- > 0;) {
+            leavesRange_ = leavesRange_ || exceeds(signs[i], operands[i], right);
+            dividesByZero_ = dividesByZero_ || ((signs[i] == '/' || signs[i] == '%') && right == 0);
+            right = applied(signs[i], operands[i], right);
+        }
         return right;
     }
 
     const std::vector<Token>* tokens_;
     bool isUsual_;
     std::size_t at_ = 0;
+    bool leavesRange_ = false;
+    bool dividesByZero_ = false;
 };
 
 }  // namespace
@@ -124,7 +141,10 @@ Arithmetic::Arithmetic(std::string_view text) {
         const char now = tokens[i].kind;
         hasPair_ = hasPair_ || ((before == '0' || before == ')') && (now == '0' || now == '('));
     }
-    language_ = Evaluation(tokens, false).value();
+    Evaluation evaluation(tokens, false);
+    language_ = evaluation.value();
+    leavesRange_ = evaluation.leavesRange();
+    dividesByZero_ = evaluation.dividesByZero();
     usual_ = Evaluation(tokens, true).value();
 }
 

@@ -16,12 +16,20 @@ public:
     /// The value by the usual precedence, operators of one rank from left to right.
     std::uint32_t usual() const { return usual_; }
 
+    /// An operator of the language's order has a result above 0xFFFFFFFF or below 0.
+    bool leavesRange() const { return leavesRange_; }
+
+    /// An operator of the language's order divides by zero, for `/` and `%` alike.
+    bool dividesByZero() const { return dividesByZero_; }
+
     /// Two numbers are side by side.
     bool hasPair() const { return hasPair_; }
 
 private:
     std::uint32_t language_ = 0;
     std::uint32_t usual_ = 0;
+    bool leavesRange_ = false;
+    bool dividesByZero_ = false;
     bool hasPair_ = false;
 };
 

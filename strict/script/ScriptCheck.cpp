@@ -235,6 +235,15 @@ void ScriptCheck::checkExpression(const Number& number) {
                number.text, "separate them by a comma");
         return;
     }
+    if (arithmetic.dividesByZero())
+        report(Kind::NumberRange,
+               "this divides by zero, and the language takes the dividend for the result",
+               number.text);
+    if (arithmetic.leavesRange())
+        report(Kind::NumberRange,
+               "this leaves 32 bits on its way and comes to " +
+                   Inspect::hexText(arithmetic.language()),
+               number.text, "numbers go from 0 to 0xFFFFFFFF");
     if (arithmetic.usual() == arithmetic.language()) return;
     report(
         Kind::ExpressionOrder,

@@ -1,0 +1,233 @@
+#include "strict/meaning/Images.hpp"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "buffer/MemoryBuffer.hpp"
+#include "buffer/Overlap.hpp"
+
+namespace Strict {
+
+namespace {
+
+using Buffer::Area;
+using Buffer::AreaList;
+using Buffer::MemoryBuffer;
+using Buffer::OverlapRule;
+using Parser::Part;
+using Parser::Role;
+using Parser::Statement;
+using Parser::WrapperLib::CmdContext;
+
+std::optional<Area> common(const Area& one, const Area& other) {
+    if (one.length == 0 || other.length == 0) return std::nullopt;
+    return one.clippedTo(other);
+}
+
+/// From the lowest start to the highest end.
+Area spanOf(const AreaList& areas) {
+    if (areas.empty()) return {};
+    std::uint64_t start = areas.front().start;
+    std::uint64_t end = 0;
+    for (const Area& area : areas) {
+        start = std::min(start, area.start);
+        end = std::max(end, area.end());
+    }
+    return {start, end - start};
+}
+
+/// The range that the statement gives its image before that is moved, if that is known.
+///
+/// @param sources  the ranges of the images that it is made of; nothing if one is not known
+std::optional<Area> builtRange(const Statement& statement, const std::optional<AreaList>& sources) {
+    if (const Part* const range = statement.last(Role::Range)) {
+        const Area area = statement.areaOf(*range);
+        if (area != Area{}) return area;
+    }
+    const AreaList areas = statement.areas();
+    if (!areas.empty()) return spanOf(areas);
+    if (statement.has(Role::InputFile)) return std::nullopt;
+    if (const Part* const values = statement.last(Role::Bytes)) return Area{0, values->numberCount};
+    return sources ? std::optional(spanOf(*sources)) : std::nullopt;
+}
+
+/// The first of some `united` areas that ends after an address.
+AreaList::const_iterator firstEndingAfter(const AreaList& areas, std::uint64_t address) {
+    return std::ranges::upper_bound(areas, address, {}, &Area::end);
+}
+
+/// Two of them have an address in common.
+bool overlap(AreaList areas) {
+    std::erase_if(areas, [](const Area& area) { return area.length == 0; });
+    std::ranges::sort(areas, {}, &Area::start);
+    return std::ranges::adjacent_find(areas, [](const Area& lower, const Area& upper) {
+               return lower.end() > upper.start;
+           }) != areas.end();
+}
+
+/// Where `image`, `distance` further up, has other effective bytes than `source` in `area`, by the
+/// addresses of `image`.
+AreaList differences(const MemoryBuffer& source, const MemoryBuffer& image, const Area& area,
+                     std::uint64_t distance) {
+    std::vector<std::uint8_t> before;
+    std::vector<std::uint8_t> after;
+    source.appendBytes(before, area.start, area.length);
+    image.appendBytes(after, area.start + distance, area.length);
+    AreaList found;
+    if (before.size() != after.size()) return found;
+    for (std::size_t at = 0; at < before.size();) {
+        const auto first = static_cast<std::ptrdiff_t>(at);
+        const auto [one, other] =
+            std::mismatch(before.begin() + first, before.end(), after.begin() + first);
+        const auto start = static_cast<std::size_t>(one - before.begin());
+        at = start;
+        while (at < before.size() && before[at] != after[at]) ++at;
+        if (at != start) found.push_back({area.start + distance + start, at - start});
+    }
+    return found;
+}
+
+const MemoryBuffer& bufferOf(const CmdContext& context, std::string_view name) {
+    return context.buffers.at(std::string(name));
+}
+
+}  // namespace
+
+AreaList clipped(const AreaList& areas, const AreaList& others) {
+    const AreaList sorted = united(others);
+    AreaList parts;
+    for (const Area& area : areas)
+        for (auto other = firstEndingAfter(sorted, area.start);
+             other != sorted.end() && other->start < area.end(); ++other)
+            if (const auto part = common(area, *other)) parts.push_back(*part);
+    return parts;
+}
+
+AreaList united(AreaList areas) {
+    std::ranges::sort(areas, {}, &Area::start);
+    AreaList result;
+    for (const Area& area : areas) {
+        if (area.length == 0) continue;
+        if (result.empty() || result.back().end() < area.start)
+            result.push_back(area);
+        else
+            result.back().length = std::max(result.back().end(), area.end()) - result.back().start;
+    }
+    return result;
+}
+
+AreaList moved(AreaList areas, std::uint64_t distance) {
+    for (Area& area : areas) area.start += distance;
+    return areas;
+}
+
+bool haveCommon(const AreaList& areas, const AreaList& others) {
+    const AreaList sorted = united(others);
+    return std::ranges::any_of(areas, [&sorted](const Area& area) {
+        const auto other = firstEndingAfter(sorted, area.start);
+        return other != sorted.end() && common(area, *other).has_value();
+    });
+}
+
+std::optional<std::size_t> Images::find(std::string_view name) const {
+    const auto found = numbers_.find(name);
+    return found == numbers_.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::vector<std::size_t> Images::usedBy(const Statement& statement) const {
+    std::vector<std::size_t> used;
+    for (const Part& part : statement.parts) {
+        if (part.role != Role::UsesImage && part.role != Role::ChangesImage) continue;
+        if (const auto image = find(part.text)) used.push_back(*image);
+    }
+    return used;
+}
+
+void Images::make(const Statement& statement, const CmdContext* context) {
+    const std::string_view name = statement.textOf(Role::MakesImage);
+    const bool isMade = context == nullptr || context->buffers.contains(std::string(name));
+    if (!isMade || numbers_.contains(name)) return;
+    Image image;
+    image.name = name;
+    image.madeAt = changes_.size();
+    link(image, statement, context);
+    if (context != nullptr) image.range = bufferOf(*context, name).getArea();
+    numbers_.emplace(name, images_.size());
+    images_.push_back(std::move(image));
+}
+
+void Images::link(Image& image, const Statement& statement, const CmdContext* context) {
+    const std::vector<std::size_t> sources = usedBy(statement);
+    std::optional<AreaList> ranges(std::in_place);
+    for (const std::size_t source : sources) {
+        image.isExact = image.isExact && images_[source].isExact;
+        if (ranges && images_[source].range)
+            ranges->push_back(*images_[source].range);
+        else
+            ranges.reset();
+    }
+    image.range = builtRange(statement, ranges);
+    std::uint64_t distance = 0;
+    if (const Part* const address = statement.last(Role::Address)) {
+        if (!image.range) {
+            image.isExact = image.isExact && sources.empty();
+            return;
+        }
+        distance = statement.numbersOf(*address).back().value - image.range->start;
+    }
+    const AreaList wanted = statement.has(Role::Area) ? statement.areas() : AreaList{everywhere};
+    const AreaList held{image.range.value_or(everywhere)};
+    for (const std::size_t source : sources) {
+        const AreaList had{images_[source].range.value_or(everywhere)};
+        image.links.push_back({source, clipped(clipped(wanted, had), held), distance, {}});
+    }
+    const bool isMerge = sources.size() > 1 && (!ranges || overlap(*ranges));
+    if (isMerge && context == nullptr) image.isExact = false;
+    takeOver(image, statement, isMerge ? context : nullptr);
+    image.changes.move(distance);
+    if (image.range) image.range->start += distance;
+    if (!isMerge || context == nullptr) return;
+    const MemoryBuffer& result = bufferOf(*context, image.name);
+    for (Link& link : image.links)
+        for (const Area& area : link.areas) {
+            const AreaList lost =
+                differences(bufferOf(*context, images_[link.image].name), result, area, distance);
+            link.lost.insert(link.lost.end(), lost.begin(), lost.end());
+        }
+}
+
+/// Takes over the changes of an image's sources. Where several sources have an address, those of
+/// the one whose byte counts are taken.
+///
+/// @param merged  null if no two sources have an address in common
+void Images::takeOver(Image& image, const Statement& statement, const CmdContext* merged) {
+    const bool isChanged = std::ranges::any_of(
+        image.links, [this](const Link& link) { return !images_[link.image].changes.empty(); });
+    if (!isChanged) return;
+    for (const Link& link : image.links)
+        for (const Area& area : link.areas) image.changes.lay(images_[link.image].changes, area);
+    if (merged == nullptr) return;
+    const auto rule = statement.choiceOf(Role::Overlap, OverlapRule::NotSet);
+    std::vector<const Link*> order;
+    for (const Link& link : image.links) order.push_back(&link);
+    if (rule == OverlapRule::First) std::ranges::reverse(order);
+    for (const Link* const link : order)
+        for (const Area& area : link->areas) {
+            const Image& source = images_[link->image];
+            const AreaList winning = rule == OverlapRule::NotSet
+                                         ? AreaList{area}
+                                         : writtenAreas(bufferOf(*merged, source.name), area);
+            for (const Area& part : winning) {
+                image.changes.erase(part);
+                image.changes.lay(source.changes, part);
+            }
+        }
+}
+
+void Images::change(std::size_t image, const Change& change, const AreaList& areas) {
+    for (const Area& area : areas) images_[image].changes.set(area, changes_.size());
+    changes_.push_back(change);
+}
+
+}  // namespace Strict

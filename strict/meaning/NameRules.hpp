@@ -1,0 +1,21 @@
+#pragma once
+
+#include "strict/meaning/Step.hpp"
+
+/// Rules about options and about the names of files.
+namespace Strict {
+
+/// `repeated-option`: of an option that has one value only the last one counts. Areas, which add
+/// up, may be given several times.
+void checkRepeatedOptions(const Step& step);
+
+/// `format-ending`: the ending of a file's name says another format than it is written in. Without
+/// `-setFormat` that is an error, and with it a warning, since somebody chose the format.
+void checkFormatEnding(const Step& step);
+
+/// `bare-word`: an output without dot and slash in its name, or a text that is one word in the
+/// manner of variables: a variable of that name may not have been given. What came out of a
+/// variable was given.
+void checkBareWords(const Step& step);
+
+}  // namespace Strict

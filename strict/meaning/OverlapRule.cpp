@@ -1,0 +1,116 @@
+#include "strict/meaning/OverlapRule.hpp"
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "buffer/MemoryBuffer.hpp"
+#include "inspect/Words.hpp"
+#include "parser/commands/CmdWriteFile.hpp"
+#include "strict/record/Provenance.hpp"
+#include "util/Hex.hpp"
+
+namespace Strict {
+
+namespace {
+
+using Buffer::Area;
+using Buffer::MemoryBuffer;
+using Parser::Part;
+using Parser::Role;
+using Parser::Statement;
+using Parser::WrapperLib::CmdWriteFile;
+
+/// An image of the statement, and the part that names it.
+struct Written {
+    const Part* part;
+    const MemoryBuffer* image;
+
+    std::string name() const { return std::string(part->text); }
+};
+
+/// What two images have at the addresses that both have.
+struct Common {
+    Area area;  ///< from the first to the last of them
+    std::uint64_t different = 0;
+    std::uint64_t first = 0;  ///< the first one with different bytes
+};
+
+bool hasAddresses(const Statement& statement) {
+    const Part* const format = statement.last(Role::Format);
+    return format == nullptr || CmdWriteFile::formats()[format->choice].hasAddresses;
+}
+
+std::vector<Written> imagesOf(const Step& step) {
+    std::vector<Written> images;
+    for (const Part& part : step.statement.all(Role::UsesImage)) {
+        const auto image = step.context->buffers.find(std::string(part.text));
+        if (image == step.context->buffers.end()) return {};
+        if (image->second.getDataLength() != 0) images.push_back({&part, &image->second});
+    }
+    return images;
+}
+
+Common compared(const MemoryBuffer& one, const MemoryBuffer& other, bool onlyWritten) {
+    Common common;
+    const auto range = one.getArea().clippedTo(other.getArea());
+    if (!range) return common;
+    const auto ones = one.viewRange(range->start, range->length);
+    const auto others = other.viewRange(range->start, range->length);
+    for (std::size_t i = 0; i < ones.size(); ++i) {
+        const auto element = ones[i];
+        const auto opposite = others[i];
+        if (onlyWritten && (element.hasValue == 0 || opposite.hasValue == 0)) continue;
+        if (common.area.length == 0) common.area.start = range->start + i;
+        common.area.length = range->start + i + 1 - common.area.start;
+        if (element.effectiveByte() == opposite.effectiveByte()) continue;
+        if (common.different++ == 0) common.first = range->start + i;
+    }
+    return common;
+}
+
+void report(const Step& step, const Written& earlier, const Written& later, const Common& common) {
+    const std::string names = earlier.name() + " and " + later.name();
+    const bool isConflict = common.different != 0;
+    const std::uint64_t address = isConflict ? common.first : common.area.start;
+    std::string text = names + " both have " + Inspect::addressesText(common.area);
+    if (isConflict) {
+        const auto byte = [address](const Written& written) {
+            return Util::hexByte(written.image->viewRange(address, 1)[0].effectiveByte());
+        };
+        text += ", with other bytes at " + Inspect::grouped(common.different) +
+                " of them: " + Inspect::addressText(address) + " has " + byte(earlier) +
+                " and then " + byte(later);
+    } else {
+        text += ", with the same bytes";
+    }
+    step.findings.report(
+        isConflict ? Kind::Conflict : Kind::Overlap, std::move(text), later.part->text,
+        "-onOverlap= says which byte counts",
+        {step.provenance->noteOf("the earlier byte comes from", earlier.name(), address),
+         step.provenance->noteOf("the later byte comes from", later.name(), address)});
+}
+
+}  // namespace
+
+void checkOutputOverlaps(const Step& step) {
+    const Statement& statement = step.statement;
+    if (step.context == nullptr || !statement.has(Role::OutputFile)) return;
+    if (statement.has(Role::Overlap) || !hasAddresses(statement)) return;
+    std::vector<Written> images = imagesOf(step);
+    std::ranges::stable_sort(
+        images, {}, [](const Written& written) { return written.image->getStartAddress(); });
+    // An image that overlaps any before it also overlaps the one of these that ends last.
+    for (std::size_t i = 1, longest = 0; i < images.size(); ++i) {
+        const Written& one = images[longest];
+        const Written& other = images[i];
+        const Common common = compared(*one.image, *other.image, statement.has(Role::Gaps));
+        const bool isInOrder = one.part < other.part;
+        if (common.area.length != 0)
+            report(step, isInOrder ? one : other, isInOrder ? other : one, common);
+        if (other.image->getArea().end() > one.image->getArea().end()) longest = i;
+    }
+}
+
+}  // namespace Strict

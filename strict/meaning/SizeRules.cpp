@@ -1,0 +1,158 @@
+#include "strict/meaning/SizeRules.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "buffer/Overlap.hpp"
+#include "inspect/Words.hpp"
+
+namespace Strict {
+
+namespace {
+
+using Buffer::Area;
+using Buffer::AreaList;
+using Parser::Part;
+using Parser::Role;
+using Parser::Statement;
+
+constexpr std::array values{Role::UsesCrc, Role::UsesHash};
+constexpr std::array lists{Role::Bytes, Role::Filler};
+
+/// What is written has more bytes than the area, or a value has fewer.
+void reportSize(const Step& step, std::string what, std::uint64_t size, const Part& part) {
+    const Area area = step.statement.areaOf(part);
+    step.findings.report(Kind::ValueSize,
+                         std::move(what) + " has " + Inspect::countText(size, "byte") +
+                             ", and this area " + std::to_string(area.length),
+                         part.text,
+                         "the area would be {" + Inspect::addressText(area.start) + ", " +
+                             std::to_string(size) + "}");
+}
+
+/// All images that the statement uses are known to have no address.
+bool hasNoAddress(const Step& step) {
+    std::size_t names = 0;
+    for (const Part& part : step.statement.all(Role::UsesImage)) {
+        const auto image = step.images.find(part.text);
+        if (!image || step.images[*image].range.value_or(everywhere).length != 0) return false;
+        ++names;
+    }
+    return names != 0;
+}
+
+/// No image that the statement uses has a written address.
+bool hasNothingWritten(const Step& step) {
+    for (const Part& part : step.statement.all(Role::UsesImage)) {
+        const auto image = step.context->buffers.find(std::string(part.text));
+        if (image == step.context->buffers.end()) return false;
+        const auto elements = image->second.viewElements();
+        if (elements.findWritten(0) != elements.size()) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+void checkWholeImage(const Step& step) {
+    const Statement& statement = step.statement;
+    const Part* const value = statement.last(values);
+    if (value == nullptr || !statement.has(Role::ChangesImage) || statement.has(Role::Area)) return;
+    const auto number = step.values.putBy(statement);
+    const auto size = number ? step.values.sizeOf(*number) : std::nullopt;
+    step.findings.report(
+        Kind::WholeImage,
+        "without an area " + std::string(value->text) + " replaces all bytes of " +
+            std::string(statement.textOf(Role::ChangesImage)),
+        value->text,
+        "add -useAreas={{start, " + (size ? std::to_string(*size) : std::string("length")) + "}}");
+}
+
+void checkValueSizes(const Step& step) {
+    const Statement& statement = step.statement;
+    if (!statement.has(Role::ChangesImage) || !statement.has(Role::Area)) return;
+    if (const auto value = step.values.putBy(statement)) {
+        const auto size = step.values.sizeOf(*value);
+        for (const Part& part : statement.all(Role::Area)) {
+            const std::uint64_t length = statement.areaOf(part).length;
+            if (size && length != *size && length != 0)
+                reportSize(step, std::string(step.values.nameOf(*value)), *size, part);
+        }
+    }
+    if (const Part* const list = statement.last(lists))
+        for (const Part& part : statement.all(Role::Area)) {
+            const std::uint64_t length = statement.areaOf(part).length;
+            if (list->numberCount > length && length != 0)
+                reportSize(step, "the list", list->numberCount, part);
+        }
+}
+
+void checkTextSizes(const Step& step) {
+    const Part* const text = step.statement.last(Role::String);
+    if (text == nullptr) return;
+    const std::string_view written =
+        text->text.substr(std::min(text->text.find_first_not_of(" \t\n\v\f\r"), text->text.size()));
+    for (const Part& part : step.statement.all(Role::Area)) {
+        const Area area = step.statement.areaOf(part);
+        if (written.size() <= area.length || area.length == 0) continue;
+        step.findings.report(Kind::TextSize,
+                             "the text has " + Inspect::countText(written.size(), "byte") +
+                                 " and runs over the end of this area, which has " +
+                                 std::to_string(area.length),
+                             part.text, "a text is written as a whole, whatever the area's length");
+    }
+}
+
+void checkCroppedValues(const Step& step) {
+    const Statement& statement = step.statement;
+    const Part* const list = statement.last(Role::Bytes);
+    if (list == nullptr || !statement.has(Role::MakesImage)) return;
+    const Part* const range = statement.last(Role::Range);
+    if (range == nullptr && !statement.has(Role::Area)) return;
+    AreaList kept{{0, list->numberCount}};
+    if (range != nullptr && statement.areaOf(*range) != Area{})
+        kept = clipped(kept, {statement.areaOf(*range)});
+    if (statement.has(Role::Area)) kept = clipped(kept, united(statement.areas()));
+    std::uint64_t bytes = 0;
+    for (const Area& area : kept) bytes += area.length;
+    if (bytes == list->numberCount) return;
+    step.findings.report(Kind::Cropped,
+                         std::to_string(list->numberCount - bytes) + " of " +
+                             Inspect::countText(list->numberCount, "value") +
+                             " are left out of the image",
+                         (range != nullptr ? *range : *statement.last(Role::Area)).text,
+                         "the first value has the address 0; -changeStartAddressTo= moves them");
+}
+
+void checkEmptyDigest(const Step& step) {
+    const Statement& statement = step.statement;
+    constexpr std::array made{Role::MakesCrc, Role::MakesHash};
+    const Part* const name = statement.last(made);
+    if (name == nullptr) return;
+    const bool hasImage = statement.has(Role::UsesImage);
+    if (hasImage && !hasNoAddress(step)) return;
+    step.findings.report(Kind::EmptyDigest,
+                         std::string(name->text) + " is computed over " +
+                             (hasImage ? "an image without an address" : "no image"),
+                         name->text);
+}
+
+void checkEmptyOutput(const Step& step) {
+    const Statement& statement = step.statement;
+    const Part* const file = statement.last(Role::OutputFile);
+    if (file == nullptr) return;
+    const bool hasImage = statement.has(Role::UsesImage);
+    const bool isEmpty = !hasImage || hasNoAddress(step);
+    const bool hasGaps = step.context != nullptr && statement.has(Role::Gaps);
+    if (!isEmpty && !(hasGaps && hasNothingWritten(step))) return;
+    std::string text = "the file gets no byte, since ";
+    if (!hasImage)
+        text += "no image is named";
+    else
+        text += isEmpty ? "its images have no address" : "nothing wrote to its images";
+    step.findings.report(Kind::EmptyOutput, std::move(text), file->text);
+}
+
+}  // namespace Strict

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "buffer/Area.hpp"
+#include "parser/commands/CmdNewValue.hpp"
+#include "parser/grammar/Statement.hpp"
+#include "strict/meaning/Findings.hpp"
+#include "strict/meaning/Images.hpp"
+#include "strict/meaning/LatestChange.hpp"
+
+namespace Strict {
+
+/// The CRCs and hashes of a script: what each covers, where it was put, and what was changed since.
+///
+/// A value covers bytes of images, and with them the bytes that its images took over from others
+/// and that others took over from them. It is unsound to put it into bytes that it covers, since
+/// nothing can confirm it then (`digest-self`), and to write it into a file with bytes that were
+/// changed after it was computed (`digest-stale`). Sound are a value between two pieces that it
+/// covers, one over an area that holds another value, one of an image in another image, and one
+/// over a copy in which its place was given bytes on purpose.
+class StoredValues {
+public:
+    StoredValues(const Images& images, Findings& findings)
+        : images_(&images), findings_(&findings) {}
+
+    /// Takes a statement that computes a value into account.
+    void compute(const Parser::Statement& statement,
+                 const Parser::WrapperLib::CmdNewValue& command);
+
+    /// The number of the CRC or hash that a statement puts somewhere, or nothing.
+    std::optional<std::size_t> putBy(const Parser::Statement& statement) const;
+
+    bool empty() const { return values_.empty(); }
+
+    /// The size of a value in bytes, or nothing if it has none.
+    std::optional<std::size_t> sizeOf(std::size_t value) const;
+
+    /// The part of the script that names a value.
+    std::string_view nameOf(std::size_t value) const { return values_[value].name; }
+
+    /// Reports `digest-self` if the statement is about to put a value into bytes that it covers.
+    void checkPut(const Parser::Statement& statement) const;
+
+    /// Reports `digest-stale` for what the statement is about to write into a file.
+    ///
+    /// @param images  takes note of values that are written apart from what they cover
+    void checkOutput(const Parser::Statement& statement, Images& images) const;
+
+private:
+    /// Areas of an image that hold bytes which a value covers.
+    struct Cover {
+        std::size_t image;
+        Buffer::AreaList areas;
+    };
+    /// One image that a value was computed over, first, and those that it took the bytes from.
+    using Piece = std::vector<Cover>;
+    struct Value {
+        std::string_view name;
+        std::size_t computedAt;  ///< the number of changes before it
+        const Parser::WrapperLib::CmdNewValue* command;
+        std::vector<Piece> pieces;
+    };
+    /// What an image holds of what a value covers.
+    struct Held {
+        std::size_t image;
+        Buffer::AreaList areas;
+        bool isLost = false;  ///< other bytes took the place of some
+    };
+
+    void addSources(Piece& piece, std::size_t image, Buffer::AreaList areas) const;
+    std::optional<Held> heldBy(std::size_t image, const Piece& piece, std::size_t& budget) const;
+    std::optional<Held> heldBy(std::size_t image, const Piece& piece) const;
+    void checkStored(std::size_t value, std::size_t image, const std::vector<std::size_t>& written,
+                     std::string_view output, Images& images) const;
+    void checkHeld(std::size_t value, const Held& held, std::string_view output) const;
+    const LatestChange& latestIn(std::size_t image) const;
+
+    const Images* images_;
+    Findings* findings_;
+    std::vector<Value> values_;
+    std::unordered_map<std::string_view, std::size_t> crcs_;
+    std::unordered_map<std::string_view, std::size_t> hashes_;
+    mutable std::unordered_map<std::size_t, LatestChange> latest_;  ///< by image
+    mutable std::size_t latestAt_ = 0;  ///< the number of changes that `latest_` knows
+};
+
+}  // namespace Strict

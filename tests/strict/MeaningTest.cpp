@@ -1,0 +1,262 @@
+#include "strict/meaning/MeaningCheck.hpp"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "strict/meaning/LatestChange.hpp"
+#include "strict/script/ParsedScript.hpp"
+#include "tests/strict/TakenDiagnostics.hpp"
+
+namespace Strict {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+/// What the rules find before the run: "line:column kind" for each finding. Every image counts as
+/// used.
+Lines found(const std::string& text) {
+    const std::map<std::string, std::string> variables;
+    auto script = std::make_unique<const ScriptText>("s.tsn", text, variables);
+    ParsedScript parsed(*script);
+    EXPECT_TRUE(parsed.isWhole()) << text;
+    const Program program = parsed.takeProgram(std::move(script));
+    Tests::TakenDiagnostics sink;
+    StatementReports reports(&program.text(), sink);
+    const Provenance provenance(reports);
+    MeaningCheck(program, provenance, sink).checkBefore();
+    Lines lines;
+    for (const std::string& line : sink.lines)
+        if (!line.starts_with("+") && line.find("unused-image") == std::string::npos)
+            lines.push_back(line.substr(0, line.find(':', line.find(' '))));
+    return lines;
+}
+
+struct Row {
+    const char* script;
+    Lines expected;
+};
+
+void expect(const std::vector<Row>& rows, const std::string& before = "") {
+    for (const Row& row : rows) EXPECT_EQ(found(before + row.script), row.expected) << row.script;
+}
+
+const std::string app = "NEW_BUFFER @app FROM_FILE app.hex\n";
+const std::string crc = "NEW_CRC @crc FROM_BUFFER @app ";
+
+TEST(MeaningTest, AValueFitsItsArea) {
+    expect({{"FILL_BUFFER @app WITH_CRC @crc -useAreas={{0, 4}}", {}},
+            {"FILL_BUFFER @app WITH_CRC @crc -useAreas={{0, 2}}", {"4:43 value-size"}},
+            {"FILL_BUFFER @app WITH_CRC @crc -useAreas={{0, 4}, {8, 8}}", {"4:51 value-size"}},
+            {"FILL_BUFFER @app WITH_CRC @crc", {"4:27 whole-image"}},
+            {"FILL_BUFFER @app WITH_HASH @sha -useAreas={{0, 32}}", {}},
+            {"FILL_BUFFER @app WITH_HASH @sha -useAreas={{0, 16}}", {"4:44 value-size"}},
+            {"FILL_BUFFER @app WITH_HASH @sha", {"4:28 whole-image"}},
+            {"FILL_BUFFER @app WITH_VALUES {1, 2, 3} -useAreas={{0, 2}}", {"4:51 value-size"}},
+            {"FILL_BUFFER @app WITH_VALUES {1, 2, 3} -useAreas={{0, 1 + 2}}", {}},
+            {"FILL_BUFFER @app WITH_VALUES {0xAA, 0x55} -useAreas={{0, 100}}", {}},
+            {"FILL_BUFFER @app WITH_VALUES {0}", {}},
+            {"FILL_BUFFER @app WITH_FILLER {1, 2, 3} -useAreas={{0, 2}}", {"4:51 value-size"}},
+            {"FILL_BUFFER @app WITH_STRING 'abcd' -useAreas={{0, 3}}", {"4:48 text-size"}},
+            {"FILL_BUFFER @app WITH_STRING ' abc ' -useAreas={{0, 3}}", {}},
+            {"NEW_CRC @d FROM_BUFFER @app -useAreas={{9, 9}} -setType=Catalogue{CRC-16/MODBUS}\n"
+             "FILL_BUFFER @app WITH_CRC @d -useAreas={{0, 4}}",
+             {"5:41 value-size"}},
+            {"NEW_CRC @d FROM_BUFFER @app -useAreas={{9, 9}} -setType=Custom{12, 5, 0, true, true, "
+             "0}\n"
+             "FILL_BUFFER @app WITH_CRC @d -useAreas={{0, 2}}",
+             {}}},
+           app +
+               "NEW_CRC @crc FROM_BUFFER @app -useAreas={{64, 64}}\n"
+               "NEW_HASH @sha FROM_BUFFER @app -useAreas={{64, 64}} -setType=Hash_Sha2_256\n");
+}
+
+TEST(MeaningTest, AreasHaveAddressesAndLieInTheirImages) {
+    expect({{"PRINT_BUFFER @a -useAreas={{16, 0}}", {"2:28 empty-area"}},
+            {"NEW_BUFFER @b FROM_BUFFER @a -useBufferRange={16, 0}", {"2:46 empty-area"}},
+            {"PRINT_BUFFER @a -useAreas={{16, 4}, {20, 4}}", {}},
+            {"PRINT_BUFFER @a -useAreas={{20, 4}, {16, 5}}", {"2:37 double-area"}},
+            {"PRINT_BUFFER @a -useAreas={{16, 9}, {18, 2}, {24, 2}}",
+             {"2:37 double-area", "2:46 double-area"}},
+            {"PRINT_BUFFER @a -useAreas={{24, 8}}", {}},
+            {"PRINT_BUFFER @a -useAreas={{24, 9}}", {"2:28 outside"}},
+            {"NEW_HASH @h FROM_BUFFERS {@a, @a} -useAreas={{8, 16}} -setType=Hash_Md5",
+             {"2:46 outside"}},
+            {"NEW_BUFFER @b FROM_BUFFER @a -useAreas={{0, 100}}", {}},
+            {"NEW_BUFFER @b FROM_BUFFER @a -useAreas={{0, 16}}", {"2:41 outside"}},
+            {"NEW_BUFFER @b FROM_BUFFER @a -changeStartAddressTo=0x100\n"
+             "FILL_BUFFER @b WITH_VALUES {1} -useAreas={{0x10F, 1}, {0x110, 1}}",
+             {"3:55 outside"}},
+            {"NEW_BUFFER @f FROM_FILE a.hex\nFILL_BUFFER @f WITH_VALUES {1} -useAreas={{900, 1}}",
+             {}}},
+           "NEW_BUFFER @a EMPTY -useBufferRange={16, 16}\n");
+}
+
+TEST(MeaningTest, OptionsNamesAndOutputs) {
+    expect(
+        {{"NEW_BUFFER @b FROM_VALUES {1} -changeStartAddressTo=1 -changeStartAddressTo=2",
+          {"2:55 repeated-option"}},
+         {"WRITE_FILE a.hex WITH_BUFFERS {@a} -setFormat=IntelHexSegment -setFormat=RawBinary",
+          {"2:74 repeated-option", "2:12 format-ending"}},
+         {"WRITE_FILE a.dfu WITH_BUFFERS {@a} -setFormat=DfuSe -setVendorId=1 -setProductId=2", {}},
+         {"WRITE_FILE a.dfu WITH_BUFFERS {@a} -setFormat=DfuSe -setVendorId=1 -setVendorId=2",
+          {"2:81 repeated-option"}},
+         {"WRITE_FILE a.bin WITH_BUFFERS {@a}", {"2:12 format-ending"}},
+         {"WRITE_FILE \"a.ELF\" WITH_BUFFERS {@a}", {"2:12 format-ending"}},
+         {"WRITE_FILE a.hex WITH_BUFFERS {@a}", {}},
+         {"WRITE_FILE a.b/c.xyz WITH_BUFFERS {@a}", {}},
+         {"WRITE_FILE a.ihx WITH_BUFFERS {@a} -setFormat=IntelHexSegment_32", {}},
+         {"WRITE_FILE a.hex WITH_BUFFERS {@a} -setFormat=Vmem_4", {}},
+         {"WRITE_FILE a.s37 WITH_BUFFERS {@a} -setFormat=MotorolaS_28", {}},
+         {"WRITE_FILE a.hex WITH_BUFFERS {}", {"2:12 empty-output"}},
+         {"NEW_BUFFER @e EMPTY\nWRITE_FILE a.hex WITH_BUFFERS {@e}", {"3:12 empty-output"}},
+         {"NEW_BUFFER @e EMPTY\nWRITE_FILE a.hex WITH_BUFFERS {@e @a}", {}},
+         {"NEW_BUFFER @e EMPTY\nNEW_CRC @c FROM_BUFFER @e", {"3:9 empty-digest"}},
+         {"NEW_CRC @c FROM_BUFFERS {}", {"2:9 empty-digest"}},
+         {"WRITE_FILE outFile WITH_BUFFERS {@a}", {"2:12 bare-word"}},
+         {"WRITE_FILE /tmp/outFile WITH_BUFFERS {@a}", {}},
+         {"FILL_BUFFER @a WITH_STRING 'versionText' -useAreas={{0, 16}}", {"2:29 bare-word"}},
+         {"FILL_BUFFER @a WITH_STRING 'FW_VERSION' -useAreas={{0, 16}}", {"2:29 bare-word"}},
+         {"FILL_BUFFER @a WITH_STRING 'BOOT' -useAreas={{0, 16}}", {}},
+         {"FILL_BUFFER @a WITH_STRING 'my_lib' -useAreas={{0, 16}}", {}},
+         {"FILL_BUFFER @a WITH_STRING 'Version 1' -useAreas={{0, 16}}", {}},
+         {"PRINT_TEXT {buildNumber}", {"2:12 bare-word"}},
+         {"PRINT_TEXT {Done.}", {}},
+         {"NEW_BUFFER @b FROM_VALUES {1, 2, 3} -useBufferRange={1, 2}", {"2:53 cropped"}},
+         {"NEW_BUFFER @b FROM_VALUES {1, 2, 3} -useAreas={{0, 2}, {2, 9}}", {}}},
+        "NEW_BUFFER @a EMPTY -useBufferRange={0, 16}\n");
+}
+
+TEST(MeaningTest, AValueIsNotPutIntoWhatItCovers) {
+    expect(
+        {{"NEW_CRC @crc FROM_BUFFER @app\n"
+          "FILL_BUFFER @app WITH_CRC @crc -useAreas={{0x100, 4}}",
+          {"3:43 digest-self"}},
+         {"NEW_CRC @crc FROM_BUFFER @app -useAreas={{0, 0x100}, {0x100 + 3, 64}}\n"
+          "FILL_BUFFER @app WITH_CRC @crc -useAreas={{0x100, 4}}",
+          {"3:43 digest-self"}},
+         // Between two pieces.
+         {"NEW_CRC @crc FROM_BUFFER @app -useAreas={{0, 0x100}, {0x104, 64}}\n"
+          "FILL_BUFFER @app WITH_CRC @crc -useAreas={{0x100, 4}}",
+          {}},
+         // Into another image.
+         {"NEW_BUFFER @boot FROM_FILE boot.hex\n"
+          "NEW_CRC @crc FROM_BUFFER @app\n"
+          "FILL_BUFFER @boot WITH_CRC @crc -useAreas={{0x100, 4}}",
+          {}},
+         // Over a copy, and the other way round; moved as well.
+         {"NEW_BUFFER @copy FROM_BUFFER @app\n"
+          "NEW_CRC @crc FROM_BUFFER @copy\n"
+          "FILL_BUFFER @app WITH_CRC @crc -useAreas={{0x100, 4}}",
+          {"4:43 digest-self"}},
+         {"NEW_CRC @crc FROM_BUFFER @app\n"
+          "NEW_BUFFER @copy FROM_BUFFER @app\n"
+          "FILL_BUFFER @copy WITH_CRC @crc -useAreas={{0x100, 4}}",
+          {"4:44 digest-self"}},
+         {"NEW_BUFFER @part FROM_BUFFER @app -useAreas={{0x100, 0x100}} -changeStartAddressTo=0\n"
+          "NEW_CRC @crc FROM_BUFFER @part -useAreas={{0x10, 16}}\n"
+          "FILL_BUFFER @app WITH_CRC @crc -useAreas={{0x120, 4}}\n"
+          "FILL_BUFFER @app WITH_CRC @crc -useAreas={{0x118, 4}}",
+          {"5:43 digest-self"}},
+         {"NEW_BUFFER @a FROM_BUFFER @app\nNEW_BUFFER @b FROM_BUFFER @app\n"
+          "NEW_CRC @crc FROM_BUFFER @a\nFILL_BUFFER @b WITH_CRC @crc -useAreas={{0, 4}}",
+          {"5:41 digest-self"}},
+         // Its place was given bytes on purpose.
+         {"NEW_BUFFER @copy FROM_BUFFER @app\n"
+          "FILL_BUFFER @copy WITH_VALUES {0} -useAreas={{0x100, 4}}\n"
+          "NEW_CRC @crc FROM_BUFFER @copy\n"
+          "FILL_BUFFER @app WITH_CRC @crc -useAreas={{0x100, 4}}",
+          {}}},
+        app);
+}
+
+TEST(MeaningTest, WhatAStoredValueCoversIsNotChanged) {
+    const std::string stored = app + crc +
+                               "-useAreas={{0, 0x100}}\n"
+                               "FILL_BUFFER @app WITH_CRC @crc -useAreas={{0x100, 4}}\n";
+    const std::string write = "WRITE_FILE a.hex WITH_BUFFERS {@app}";
+    expect(
+        {{"FILL_BUFFER @app WITH_VALUES {1} -useAreas={{0xFF, 1}}\n"
+          "WRITE_FILE a.hex WITH_BUFFERS {@app}",
+          {"4:45 digest-stale"}},
+         {"FILL_BUFFER @app WITH_VALUES {1} -useAreas={{0x104, 1}}\n"
+          "WRITE_FILE a.hex WITH_BUFFERS {@app}",
+          {}},
+         // Nobody writes it, or only what was copied before.
+         {"FILL_BUFFER @app WITH_VALUES {1} -useAreas={{0xFF, 1}}", {}},
+         {"NEW_BUFFER @copy FROM_BUFFER @app\n"
+          "FILL_BUFFER @app WITH_VALUES {1} -useAreas={{0xFF, 1}}\n"
+          "WRITE_FILE a.hex WITH_BUFFERS {@copy}",
+          {}},
+         {"FILL_BUFFER @app WITH_VALUES {1} -useAreas={{0xFF, 1}}\n"
+          "NEW_BUFFER @copy FROM_BUFFER @app -useAreas={{0, 0x104}} -changeStartAddressTo=0x8000\n"
+          "WRITE_FILE a.hex WITH_BUFFERS {@copy}",
+          {"4:45 digest-stale"}},
+         {"NEW_BUFFER @copy FROM_BUFFER @app -useAreas={{0, 0x104}} -changeStartAddressTo=0x8000\n"
+          "FILL_BUFFER @copy WITH_VALUES {1} -useAreas={{0x8080, 1}}\n"
+          "WRITE_FILE a.hex WITH_BUFFERS {@copy}",
+          {"5:46 digest-stale"}},
+         // A variant with a value of its own.
+         {"NEW_BUFFER @new FROM_BUFFER @app\n"
+          "FILL_BUFFER @new WITH_VALUES {1} -useAreas={{0x80, 1}}\n"
+          "NEW_CRC @c2 FROM_BUFFER @new -useAreas={{0, 0x100}}\n"
+          "FILL_BUFFER @new WITH_CRC @c2 -useAreas={{0x100, 4}}\n"
+          "WRITE_FILE a.hex WITH_BUFFERS {@app}\nWRITE_FILE b.hex WITH_BUFFERS {@new}",
+          {}},
+         // A value over an area that holds another one, in both orders.
+         {"NEW_CRC @all FROM_BUFFER @app -useAreas={{0, 0x104}}\n"
+          "FILL_BUFFER @app WITH_CRC @all -useAreas={{0x104, 4}}\n"
+          "WRITE_FILE a.hex WITH_BUFFERS {@app}",
+          {}},
+         {"NEW_CRC @in FROM_BUFFER @app -useAreas={{0, 0x80}}\n"
+          "FILL_BUFFER @app WITH_CRC @in -useAreas={{0x80, 4}}\n"
+          "WRITE_FILE a.hex WITH_BUFFERS {@app}",
+          {"5:42 digest-stale"}},
+         // Written twice, and changed between.
+         {"WRITE_FILE a.hex WITH_BUFFERS {@app}\n"
+          "FILL_BUFFER @app WITH_VALUES {1} -useAreas={{0, 1}}\n"
+          "WRITE_FILE b.hex WITH_BUFFERS {@app}",
+          {"5:45 digest-stale"}}},
+        stored);
+    // A value in another image, written together, apart, or after a merge.
+    const std::string apart = app +
+                              "NEW_BUFFER @boot FROM_FILE boot.hex\n"
+                              "NEW_HASH @sha FROM_BUFFER @app -setType=Hash_Sha2_256\n"
+                              "FILL_BUFFER @boot WITH_HASH @sha -useAreas={{0, 32}}\n";
+    expect({{"WRITE_FILE a.hex WITH_BUFFERS {@boot @app}", {}},
+            {"FILL_BUFFER @boot WITH_VALUES {1} -useAreas={{32, 1}}\n"
+             "WRITE_FILE a.hex WITH_BUFFERS {@boot @app}",
+             {}},
+            {"FILL_BUFFER @app WITH_VALUES {1}\nWRITE_FILE a.hex WITH_BUFFERS {@boot @app}",
+             {"5:13 digest-stale"}},
+            {"FILL_BUFFER @app WITH_VALUES {1}\nWRITE_FILE a.hex WITH_BUFFERS {@boot}",
+             {"5:13 digest-stale"}},
+            {"WRITE_FILE a.hex WITH_BUFFERS {@boot}\nFILL_BUFFER @app WITH_VALUES {1}\n"
+             "WRITE_FILE b.hex WITH_BUFFERS {@app}",
+             {"6:13 digest-stale"}},
+            {"WRITE_FILE a.hex WITH_BUFFERS {@boot}\nWRITE_FILE b.hex WITH_BUFFERS {@app}\n"
+             "NEW_BUFFER @var FROM_BUFFER @app\nFILL_BUFFER @var WITH_VALUES {1}\n"
+             "WRITE_FILE c.hex WITH_BUFFERS {@var}",
+             {}}},
+           apart);
+}
+
+TEST(MeaningTest, FindsChangesByAddressAndNumber) {
+    OriginMap changes;
+    for (std::uint64_t i = 0; i < 9; ++i) changes.set({i * 4, 2}, i);
+    const LatestChange latest(changes);
+    const auto any = [](std::size_t) { return true; };
+    EXPECT_FALSE(latest.find({0, 36}, 9, any));
+    EXPECT_EQ(latest.find({0, 36}, 8, any)->area, (Buffer::Area{32, 2}));
+    EXPECT_EQ(latest.find({1, 20}, 0, any)->source, 0U);
+    EXPECT_EQ(latest.find({2, 20}, 0, any)->source, 1U);
+    EXPECT_FALSE(latest.find({2, 2}, 0, any));
+    EXPECT_EQ(latest.find({0, 36}, 3, [](std::size_t n) { return n != 3; })->source, 4U);
+    EXPECT_FALSE(LatestChange(OriginMap()).find({0, 9}, 0, any));
+}
+
+}  // namespace
+}  // namespace Strict
