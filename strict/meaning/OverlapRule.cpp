@@ -70,6 +70,13 @@ Common compared(const MemoryBuffer& one, const MemoryBuffer& other, bool onlyWri
     return common;
 }
 
+Note originOf(const Step& step, const std::string& which, const std::string& image,
+              std::uint64_t address) {
+    const Note note =
+        step.provenance->noteOf(("the " + which + " byte comes from").c_str(), image, address);
+    return note.place ? note : Note{"nothing wrote the " + which + " byte, so it is a filler"};
+}
+
 void report(const Step& step, const Written& earlier, const Written& later, const Common& common) {
     const std::string names = earlier.name() + " and " + later.name();
     const bool isConflict = common.different != 0;
@@ -85,11 +92,10 @@ void report(const Step& step, const Written& earlier, const Written& later, cons
     } else {
         text += ", with the same bytes";
     }
-    step.findings.report(
-        isConflict ? Kind::Conflict : Kind::Overlap, std::move(text), later.part->text,
-        "-onOverlap= says which byte counts",
-        {step.provenance->noteOf("the earlier byte comes from", earlier.name(), address),
-         step.provenance->noteOf("the later byte comes from", later.name(), address)});
+    step.findings.report(isConflict ? Kind::Conflict : Kind::Overlap, std::move(text),
+                         later.part->text, "-onOverlap= says which byte counts",
+                         {originOf(step, "earlier", earlier.name(), address),
+                          originOf(step, "later", later.name(), address)});
 }
 
 }  // namespace
