@@ -266,9 +266,10 @@ private:
 void noteEffects(const RunFiles& files, DiagnosticSink& sink) {
     if (files.hasLeftOutProgram())
         sink.take({std::nullopt, "no program was started after the first error"});
-    if (files.inPlace().empty()) return;
+    const std::vector<std::string> inPlace = files.inPlace();
+    if (inPlace.empty()) return;
     std::string names;
-    for (const std::string& path : files.inPlace()) names += (names.empty() ? "" : ", ") + path;
+    for (const std::string& path : inPlace) names += (names.empty() ? "" : ", ") + path;
     sink.take(
         {std::nullopt, "these outputs are in place already, since a program was called: " + names});
 }
