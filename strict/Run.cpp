@@ -14,8 +14,6 @@
 #include "classic/ClassicWords.hpp"
 #include "inspect/Digest.hpp"
 #include "io/formats/FieldReading.hpp"
-#include "parser/commands/CmdNewBuffer.hpp"
-#include "parser/commands/CmdWriteFile.hpp"
 #include "parser/text/VariableExpansion.hpp"
 #include "platform/Files.hpp"
 #include "platform/Paths.hpp"
@@ -183,21 +181,13 @@ public:
 
     /// Names the files of all statements. False if two that exclude each other have one place.
     bool nameFiles() {
-        using namespace Parser::WrapperLib;
         bool isGood = true;
-        const Parser::StatementList& statements = program_->statements();
-        for (std::size_t i = 0; i < statements.size(); ++i) {
-            const Parser::Statement statement = statements[i];
-            const CmdApi& command = *program_->commands()[i];
+        for (const Parser::Statement& statement : program_->statements()) {
             reports_.enter(statement);
             if (const auto* const input = statement.last(Parser::Role::InputFile))
-                isGood = nameFile(*input, static_cast<const CmdNewBuffer&>(command).fileName(),
-                                  FileRole::Input) &&
-                         isGood;
+                isGood = nameFile(*input, FileRole::Input) && isGood;
             if (const auto* const output = statement.last(Parser::Role::OutputFile))
-                isGood = nameFile(*output, static_cast<const CmdWriteFile&>(command).fileName(),
-                                  FileRole::Output) &&
-                         isGood;
+                isGood = nameFile(*output, FileRole::Output) && isGood;
         }
         return isGood;
     }
@@ -230,8 +220,9 @@ public:
     const Provenance& provenance() const { return provenance_; }
 
 private:
-    /// Names the file at `path`, of which the part says the name.
-    bool nameFile(const Parser::Part& part, const std::string& path, FileRole role) {
+    /// Names the file that the part names.
+    bool nameFile(const Parser::Part& part, FileRole role) {
+        const std::string path = program_->pathOf(part);
         const auto collision = files_->name(path, role);
         if (collision)
             reports_.report(Kind::SameFile, wordsFor(*collision, path, role), part,
