@@ -81,7 +81,7 @@ std::optional<ScriptBytes> read(const RunOptions& options, bool withDigest, Diag
 std::string wordsFor(Facts::VariableFault fault) {
     switch (fault) {
         case Facts::VariableFault::NotARegularExpression:
-            return "is no valid regular expression";
+            return "is not a valid regular expression";
         case Facts::VariableFault::TooComplex:
             return "is too complex a regular expression";
         case Facts::VariableFault::ScriptTooLong:
@@ -395,11 +395,11 @@ private:
     /// Makes the record and uses it as `useRecord` does.
     bool record(const Program& program, const Execution& execution) {
         if (!checkInputs(files_, *printer_)) return false;
-        const Ran ran{
+        const FinishedRun finished{
             scriptSha256_,        &options_.variables,     &program.text(), &program.statements(),
             &execution.context(), &execution.provenance(), &files_};
         const bool withLines = !options_.report.empty() || options_.comparesDisk;
-        Inspect::RunRecord record = recordOf(ran, withLines);
+        Inspect::RunRecord record = recordOf(finished, withLines);
         remarks_.finish();
         record.remarks = std::move(remarks_.remarks);
         // The record names all files by portable paths, its links lead from one to the other.
