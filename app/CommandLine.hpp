@@ -9,7 +9,7 @@ namespace App {
 /// What the arguments of a run ask for.
 struct CommandLine {
     std::map<std::string, std::string> initialVariables;
-    std::string scriptPath;  ///< the last argument that is no variable; may stay empty
+    std::string scriptPath;  ///< the last argument that is not a variable; may stay empty
     bool asksForUsage = false;
 };
 

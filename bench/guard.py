@@ -10,7 +10,7 @@ changes it little. The exit code is 1 if a ratio is more than 15 % above its row
 ratios of this run to the table.
 
 Run it by hand before and after a change that concerns speed: a machine that others use at the same
-time is no place for a verdict, so continuous integration does not run it.
+time is not a place for a verdict, so continuous integration does not run it.
 """
 import pathlib
 import statistics

@@ -18,7 +18,7 @@ std::size_t checked(std::uint64_t count) {
 }
 
 std::size_t bytesOfFlags(std::size_t count) {
-    return WrittenBits::wordsFor(count) * sizeof(Word);
+    return WrittenBits::wordCount(count) * sizeof(Word);
 }
 
 /// Writes `pattern` again and again over the `count` bytes from `out` on.

@@ -11,7 +11,7 @@ using Word = std::uint64_t;
 inline constexpr std::size_t perWord = 64;
 
 /// The words for `count` flags.
-constexpr std::size_t wordsFor(std::size_t count) {
+constexpr std::size_t wordCount(std::size_t count) {
     return count / perWord + (count % perWord != 0 ? 1 : 0);
 }
 

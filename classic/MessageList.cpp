@@ -3,6 +3,7 @@
 #include <array>
 #include <boost/algorithm/string/replace.hpp>
 #include <cstdint>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -83,17 +84,36 @@ std::vector<Fact> examples(Of<DataSpanTooLong> /*type*/) {
 std::vector<Fact> examples(Of<RawFileTooLong> /*type*/) {
     return {RawFileTooLong{number, number}};
 }
+
+/// The first and the last of the faults that a reader reports; nothing for one that has facts of
+/// its own.
+std::optional<std::pair<FormatFault, FormatFault>> faultsOf(InputFormat format) {
+    switch (format) {
+        case InputFormat::IntelHex:
+        case InputFormat::MotorolaS:
+        case InputFormat::RawBinary:
+            break;
+        case InputFormat::Elf:
+            return {{FormatFault::MagicMissing, FormatFault::AddressTooHigh}};
+        case InputFormat::Uf2:
+            return {{FormatFault::SizeNotWhole, FormatFault::FamiliesMixed}};
+        case InputFormat::TiTxt:
+            return {{FormatFault::LineUnknown, FormatFault::AfterEnd}};
+    }
+    return std::nullopt;
+}
+
 std::vector<Fact> examples(Of<FileMalformed> /*type*/) {
     std::vector<Fact> facts;
-    const auto add = [&facts](InputFormat format, FormatFault first, FormatFault last) {
-        for (auto fault = static_cast<std::uint8_t>(first);
-             fault <= static_cast<std::uint8_t>(last); ++fault)
+    for (std::uint8_t i = 0; i < inputFormatCount; ++i) {
+        const auto format = static_cast<InputFormat>(i);
+        const auto faults = faultsOf(format);
+        if (!faults) continue;
+        for (auto fault = static_cast<std::uint8_t>(faults->first);
+             fault <= static_cast<std::uint8_t>(faults->second); ++fault)
             facts.emplace_back(
                 FileMalformed{format, "PATH", static_cast<FormatFault>(fault), number, number});
-    };
-    add(InputFormat::Elf, FormatFault::MagicMissing, FormatFault::AddressTooHigh);
-    add(InputFormat::Uf2, FormatFault::SizeNotWhole, FormatFault::FamiliesMixed);
-    add(InputFormat::TiTxt, FormatFault::LineUnknown, FormatFault::AfterEnd);
+    }
     return facts;
 }
 std::vector<Fact> examples(Of<FileReadIncomplete> /*type*/) {

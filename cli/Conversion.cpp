@@ -140,11 +140,10 @@ constexpr const char* imageName = "@Image";
 void addNewBuffer(Strict::ProgramMaker& maker, const Steps& steps) {
     auto& image = maker.begin<CmdNewBuffer>("NEW_BUFFER");
     image.setBufferName(imageName);
-    maker.add(" ");
-    maker.add(Role::MakesImage, imageName);
+    maker.addWord(Role::MakesImage, imageName);
     image.setPath(steps.input, steps.source.format);
-    maker.add(" " + steps.source.keyword + " ");
-    maker.add(Role::InputFile, Strict::argumentOf(steps.input).text);
+    maker.add(" " + steps.source.keyword);
+    maker.addPath(Role::InputFile, steps.input);
     if (steps.crop) {
         image.setBufferRange(*steps.crop);
         maker.add(" -useBufferRange=");
@@ -157,10 +156,9 @@ void addNewBuffer(Strict::ProgramMaker& maker, const Steps& steps) {
     }
     if (steps.movedStart) {
         image.setNewStartAddress(*steps.movedStart);
-        maker.add(" ");
         Piece option("-changeStartAddressTo=");
         addAddress(option, *steps.movedStart);
-        maker.add(Role::Address, option);
+        maker.addWord(Role::Address, option);
     }
     maker.end();
 }
@@ -168,17 +166,16 @@ void addNewBuffer(Strict::ProgramMaker& maker, const Steps& steps) {
 void addFillBuffer(Strict::ProgramMaker& maker, const Steps& steps) {
     auto& fill = maker.begin<CmdFillBuffer>("FILL_BUFFER");
     fill.setBufferName(imageName);
-    maker.add(" ");
-    maker.add(Role::ChangesImage, imageName);
+    maker.addWord(Role::ChangesImage, imageName);
     fill.setFillPattern({steps.fill.begin(), steps.fill.end()});
-    maker.add(" WITH_FILLER ");
+    maker.add(" WITH_FILLER");
     Piece bytes("{");
     for (const std::uint8_t byte : steps.fill) {
         if (!bytes.numbers().empty()) bytes << ", ";
         bytes.addNumber(byte, std::to_string(byte));
     }
     bytes << "}";
-    maker.add(Role::Filler, bytes);
+    maker.addWord(Role::Filler, bytes);
     maker.end();
 }
 
@@ -198,24 +195,21 @@ void addFormat(Strict::ProgramMaker& maker, const FormatChoice& format) {
 void addWriteFile(Strict::ProgramMaker& maker, const Steps& steps) {
     auto& write = maker.begin<CmdWriteFile>("WRITE_FILE");
     write.setPath(steps.output);
-    maker.add(" ");
-    maker.add(Role::OutputFile, Strict::argumentOf(steps.output).text);
+    maker.addPath(Role::OutputFile, steps.output);
     write.addBuffer(imageName);
     maker.add(" WITH_BUFFERS {");
     maker.add(Role::UsesImage, imageName);
     maker.add("}");
     if (steps.startAddress) {
         write.setExecutionStartAddress(*steps.startAddress);
-        maker.add(" ");
         Piece start("");
         addAddress(start, *steps.startAddress);
-        maker.add(Role::Start, start);
+        maker.addWord(Role::Start, start);
     }
     const ExportFormat& format = rowOf(steps.format);
     if (steps.fill.empty() && format.hasAddresses) {
         write.skipUnwritten();
-        maker.add(" ");
-        maker.add(Role::Gaps, "-skipUnwritten");
+        maker.addWord(Role::Gaps, "-skipUnwritten");
     }
     write.setFormat(format, steps.format.number);
     maker.add(" -setFormat=");

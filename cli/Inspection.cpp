@@ -20,7 +20,7 @@ namespace {
 using Strict::ExitCode;
 using Strict::Printer;
 
-/// Columns where standard output is no terminal.
+/// Columns where standard output is not a terminal.
 constexpr std::size_t usualWidth = 80;
 
 std::size_t widthOf(const Inspection& inspection) {

@@ -98,7 +98,7 @@ struct TextFileEmpty {
     bool operator==(const TextFileEmpty&) const = default;
 };
 
-/// The last line of an Intel HEX file is no end-of-file record; nothing of the file was used.
+/// The last line of an Intel HEX file is not an end-of-file record; nothing of the file was used.
 struct LastLineMismatched {
     std::string_view file;
     bool operator==(const LastLineMismatched&) const = default;
@@ -112,7 +112,7 @@ struct RecordContradictory {
     bool operator==(const RecordContradictory&) const = default;
 };
 
-/// A line of an S-record file is no record; the lines before it were used.
+/// A line of an S-record file is not a record; the lines before it were used.
 struct LineNotARecord {
     std::string_view file;
     std::uint64_t lineNumber;  ///< counted from 1
@@ -158,7 +158,7 @@ enum class FormatFault : std::uint8_t {
     DataRepeated,      ///< `number` bytes in total are more than the file has
     SegmentTooLong,    ///< segment `where` has `number` bytes in the file and fewer in memory
     AddressTooHigh,    ///< data from `number` on passes the end of the address space
-    SizeNotWhole,      ///< the size `where` is no multiple of `number`
+    SizeNotWhole,      ///< the size `where` is not a multiple of `number`
     PayloadTooLong,    ///< block `where` has `number` bytes of data, more than there is room for
     BlockNumberWrong,  ///< block `where` has the number `number`, twice or beyond the count
     BlockCountWrong,   ///< there are `where` blocks, but the file says `number`

@@ -62,7 +62,7 @@ void checkSame(const TessaronImportApi& field, const GenericInFile& classic) {
     check(field.getMinAddress() == classic.getMinAddress() &&
               field.getDataLength() == classic.getDataLength(),
           "both read the same span");
-    // The last line of S-records, which has the address, is no line for the classic reader.
+    // The last line of S-records, which has the address, is not a line for the classic reader.
     if (classic.type() == InFileType::IntelHex)
         check(field.hasStartAddress() == classic.hasStartAddress() &&
                   field.getStartAddress() == classic.getStartAddress(),

@@ -1,5 +1,5 @@
-// The readers of ELF, UF2 and TI-TXT: what one of them accepts is the same in every question of its
-// interface, and is read again from what the writers of UF2 and TI-TXT make of it.
+// The readers of all formats that have a mark: what one of them accepts is the same in every
+// question of its interface, and is read again from what the writers of UF2 and TI-TXT make of it.
 
 #include <cstddef>
 #include <cstdint>
@@ -8,10 +8,12 @@
 
 #include "fuzz/Check.hpp"
 #include "fuzz/PlatformInMemory.hpp"
+#include "io/InFile.hpp"
 #include "io/export/titxt/TiTxtOutFile.hpp"
 #include "io/export/uf2/Uf2OutFile.hpp"
+#include "io/formats/InputFormats.hpp"
 #include "io/import/Malformed.hpp"
-#include "io/import/elf/ElfInFile.hpp"
+#include "io/import/elf/ElfFile.hpp"
 #include "io/import/titxt/TiTxtInFile.hpp"
 #include "io/import/uf2/Uf2InFile.hpp"
 
@@ -71,11 +73,11 @@ void checkAnswers(TessaronImportApi& file) {
           "an image that is taken is the one that is given");
 }
 
-template <class Reader>
-void checkReader() {
+void checkReader(const Io::Formats::InputFormatRow& format) {
     try {
-        Reader file{std::string(inputPath)};
-        checkAnswers(file);
+        const auto file =
+            format.open(inputPath, Io::openInput(inputPath), Buffer::OverlapRule::NotSet, nullptr);
+        if (file) checkAnswers(*file);
     } catch (const Io::Import::Malformed&) {
     }
 }
@@ -94,9 +96,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size > Fuzz::Machine::mostInput) return 0;
     Fuzz::Machine machine;
     machine.addFile(inputPath, {reinterpret_cast<const char*>(data), size});
-    checkReader<Io::Import::ElfInFile>();
+    for (const Io::Formats::InputFormatRow& format : Io::Formats::inputFormats())
+        if (format.looksLike != nullptr) checkReader(format);
     checkSymbols(size);
-    checkReader<Io::Import::Uf2InFile>();
-    checkReader<Io::Import::TiTxtInFile>();
     return 0;
 }

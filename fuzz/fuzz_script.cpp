@@ -17,7 +17,7 @@
 #include "fuzz/PlatformInMemory.hpp"
 #include "fuzz/ScriptInput.hpp"
 #include "parser/ScriptParser.hpp"
-#include "parser/text/ScriptText.hpp"
+#include "parser/text/Preparation.hpp"
 #include "parser/text/VariableExpansion.hpp"
 #include "platform/Files.hpp"
 
@@ -86,7 +86,7 @@ void expand(std::string& text, const Variables& variables) {
     try {
         Parser::expandVariables(text, variables);
     } catch (const Parser::VariableError&) {
-        check(!expected, "plain names are no errors");
+        check(!expected, "plain names are not errors");
         throw;
     }
     if (expected) check(text == *expected, "plain names are replaced like regular expressions");
@@ -138,7 +138,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         prepareAndParse(Fuzz::ScriptInput(data, size, machine));
     } catch (const Parser::VariableError&) {
-        // A name that is no regular expression, or one that takes too much.
+        // A name that is not a regular expression, or one that takes too much.
     } catch (const std::bad_alloc&) {
         // A text that grew too long.
     }

@@ -48,9 +48,9 @@ std::string listText(std::string line, const std::vector<std::string>& items, st
     return text + line + "\n";
 }
 
-std::string recordsText(const Records& records, std::size_t width) {
+std::string recordsText(const RecordCounts& records, std::size_t width) {
     std::vector<std::string> kinds;
-    for (const Records::Kind& kind : records.kinds)
+    for (const RecordCounts::Kind& kind : records.kinds)
         kinds.push_back(grouped(kind.count) + " " + kind.name);
     std::string text = listText("  records   " + grouped(records.total()) + ":", kinds, width);
     if (records.dataLengths.empty()) return text;
@@ -232,7 +232,7 @@ std::string jsonOf(const std::vector<Info>& files) {
     for (const Info& info : files) {
         Json json{
             {"file", info.path}, {"format", formatText(info.format)}, {"size", info.fileSize}};
-        for (const Records::Kind& kind : info.records.kinds)
+        for (const RecordCounts::Kind& kind : info.records.kinds)
             json["records"][kind.name] = kind.count;
         for (const auto& [length, count] : info.records.dataLengths)
             json["recordLengths"][std::to_string(length)] = count;

@@ -9,7 +9,7 @@
 #include "buffer/Area.hpp"
 #include "inspect/Digest.hpp"
 #include "inspect/Image.hpp"
-#include "inspect/Records.hpp"
+#include "inspect/RecordCounts.hpp"
 
 namespace Inspect {
 
@@ -42,7 +42,7 @@ struct Info {
     std::string path;
     std::optional<Facts::InputFormat> format;  ///< nothing for a text without a record
     std::uint64_t fileSize = 0;
-    Records records;
+    RecordCounts records;
     bool isRead = false;  ///< false for a damaged file, which has no areas
     std::vector<AreaInfo> areas;
     Digest digest;  ///< of the data of all areas, ascending

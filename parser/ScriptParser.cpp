@@ -8,7 +8,7 @@
 
 #include "facts/Listener.hpp"
 #include "parser/grammar/ScriptGrammar.hpp"
-#include "parser/text/ScriptText.hpp"
+#include "parser/text/Preparation.hpp"
 #include "parser/text/VariableExpansion.hpp"
 #include "platform/Files.hpp"
 

@@ -15,14 +15,14 @@
 /// Files of the operating system.
 namespace Platform {
 
-/// What tells a file from all others, whatever its path.
+/// What distinguishes a file from all others, whatever its path.
 struct FileIdentity {
     std::uint64_t device = 0;
     std::uint64_t number = 0;
     auto operator<=>(const FileIdentity&) const = default;
 };
 
-/// What tells one state of a regular file from another, as far as the system shows changes.
+/// What distinguishes one state of a regular file from another, as far as the system shows changes.
 struct FileState {
     FileIdentity identity;
     std::uint64_t size = 0;
@@ -39,7 +39,7 @@ enum class Reading {
 
 /// A file opened for reading. Closed by its destructor.
 ///
-/// What is no regular file (a pipe, a device) has no size and no positions, so it is read into
+/// A file that is not regular (a pipe, a device) has no size and no positions, so it is read into
 /// memory as a whole when it is opened.
 class InputFile {
 public:
@@ -47,7 +47,7 @@ public:
     /// terminal, a named pipe without a writer, a device that makes its reader wait, or more than a
     /// gibibyte (64 MiB from a character device) of anything but a regular file.
     ///
-    /// @throws std::bad_alloc  if the machine cannot hold what is no regular file
+    /// @throws std::bad_alloc  if the machine cannot hold a file that is not regular
     static std::optional<InputFile> open(const std::string& path);
 
     /// The same for standard input.
@@ -98,14 +98,14 @@ private:
     /// none from a named pipe. Waits for the writer of a pipe and for nothing else.
     bool readStream(std::size_t most, bool isPipe, bool isNamed);
 
-    /// Notes that no byte is to be had at `offset`, without an error.
+    /// Notes that there is no byte at `offset`, without an error.
     void noteEnd(std::uint64_t offset) const {
         hasFailed_ = hasFailed_ || (refusesEarlyEnd_ && offset < state_.size);
     }
 
     int descriptor_;
     FileState state_;   ///< when it was opened; of other files than regular ones only the size
-    PageBlock stream_;  ///< the contents of what is no regular file
+    PageBlock stream_;  ///< the contents of a file that is not regular
     bool isStream_ = false;
     bool refusesEarlyEnd_ = false;
     mutable bool hasFailed_ = false;  ///< set by the first read that fails

@@ -63,12 +63,4 @@ InterruptGuard::~InterruptGuard() {
     guarded = nullptr;
 }
 
-void InterruptGuard::add(const std::string& path, const InterruptsHeld& /*held*/) {
-    files_.insert(path);
-}
-
-void InterruptGuard::remove(const std::string& path, const InterruptsHeld& /*held*/) {
-    files_.erase(path);
-}
-
 }  // namespace Platform

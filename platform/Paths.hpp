@@ -9,7 +9,7 @@ namespace Platform {
 /// Separator between the folders of a path.
 extern const char pathSeparator;
 
-/// Where the name of the file begins in a path, behind its folders.
+/// Where the name of the file begins in a path, after its folders.
 std::size_t fileNameStart(const std::string& path);
 
 /// The path leads to a regular file.

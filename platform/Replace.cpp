@@ -1,8 +1,10 @@
 #include "platform/Replace.hpp"
 
 #include <algorithm>
+#include <cerrno>
 
 #include "platform/Paths.hpp"
+#include "platform/ReplacementState.hpp"
 
 namespace Platform {
 
@@ -53,6 +55,44 @@ std::optional<OutputFile> createTemporary(const OutputTarget& target, InterruptG
         if (error != std::errc::file_exists) return std::nullopt;
     }
     return std::nullopt;
+}
+
+Replacement::Replacement(InterruptGuard& guard) : state_(ReplacementState::make(guard)) {}
+
+Replacement::~Replacement() {
+    state_->takeBack();
+}
+
+void Replacement::add(const TemporaryFile& file, const OutputTarget& target) {
+    state_->add(file, target);
+}
+
+std::optional<Replacement::Failure> Replacement::tryAll() {
+    return state_->tryAll();
+}
+
+std::optional<Replacement::Failure> Replacement::putInPlace(bool canFailLater) {
+    return state_->putInPlace(canFailLater);
+}
+
+std::vector<std::size_t> Replacement::takeBack() {
+    return state_->takeBack();
+}
+
+void Replacement::keep() {
+    state_->keep();
+}
+
+std::vector<std::string> Replacement::busyFolders() const {
+    return state_->busyFolders();
+}
+
+std::error_code lastError() {
+    return {errno, std::generic_category()};
+}
+
+void clearLastError() {
+    errno = 0;
 }
 
 }  // namespace Platform

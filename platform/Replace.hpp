@@ -39,7 +39,7 @@ OutputTarget outputTarget(const std::string& path);
 /// is looked up, since the file itself may not exist yet.
 std::string placeOf(const OutputTarget& target);
 
-/// The file at a path, if no other name leads to it. Files with several names (hard links) are told
+/// The file at a path, if no other name leads to it. Files with several names (hard links) are kept
 /// apart by their places: one name may be replaced and leave the others.
 std::optional<FileIdentity> soleFileAt(const std::string& path);
 
@@ -66,6 +66,8 @@ struct TemporaryFile {
 std::optional<OutputFile> createTemporary(const OutputTarget& target, InterruptGuard& guard,
                                           unsigned& number, TemporaryFile& file,
                                           std::error_code& error);
+
+class ReplacementState;
 
 /// Puts temporary files in the places of their targets: all of them or none.
 ///
@@ -117,8 +119,7 @@ public:
     std::vector<std::string> busyFolders() const;
 
 private:
-    class State;
-    std::unique_ptr<State> state_;
+    std::unique_ptr<ReplacementState> state_;
 };
 
 /// Removes a file, if it is there.

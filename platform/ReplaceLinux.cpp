@@ -1,4 +1,4 @@
-#include "platform/Replace.hpp"
+#include "platform/ReplacementState.hpp"
 
 #include <fcntl.h>
 #include <linux/capability.h>
@@ -175,13 +175,13 @@ std::error_code outcome(int result) {
     return result == 0 ? std::error_code() : errorOf(errno);
 }
 
-}  // namespace
-
-class Replacement::State {
+class LinuxReplacement final : public ReplacementState {
 public:
-    explicit State(InterruptGuard& guard) : guard_(&guard) {}
+    using Failure = Replacement::Failure;
 
-    void add(const TemporaryFile& file, const OutputTarget& target) {
+    explicit LinuxReplacement(InterruptGuard& guard) : guard_(&guard) {}
+
+    void add(const TemporaryFile& file, const OutputTarget& target) override {
         Item item;
         item.file = file;
         item.name = nameOf(file.path);
@@ -190,7 +190,7 @@ public:
         items_.push_back(std::move(item));
     }
 
-    std::optional<Failure> tryAll() {
+    std::optional<Failure> tryAll() override {
         for (std::size_t i = 0; i < items_.size(); ++i) {
             if (const std::error_code error = openFolder(items_[i])) return Failure{i, error};
             if (const std::error_code error = tryOne(items_[i])) return Failure{i, error};
@@ -198,7 +198,7 @@ public:
         return std::nullopt;
     }
 
-    std::optional<Failure> putInPlace(bool canFailLater) {
+    std::optional<Failure> putInPlace(bool canFailLater) override {
         for (std::size_t i = 0; i < items_.size(); ++i)
             if (const std::error_code error = openFolder(items_[i])) return Failure{i, error};
         for (auto& [identity, folder] : folders_) lock(folder);
@@ -219,7 +219,7 @@ public:
         return std::nullopt;
     }
 
-    std::vector<std::size_t> takeBack() {
+    std::vector<std::size_t> takeBack() override {
         for (std::size_t i = items_.size(); i-- != 0;)
             if (items_[i].isInPlace && takeBack(items_[i])) left_.push_back(i);
         keep();
@@ -227,7 +227,7 @@ public:
         return std::move(left_);
     }
 
-    void keep() {
+    void keep() override {
         for (Item& item : items_) item.isInPlace = false;
         held_.reset();
         // The blocks of the old files are given free when nobody waits any more.
@@ -241,7 +241,7 @@ public:
         }
     }
 
-    std::vector<std::string> busyFolders() const {
+    std::vector<std::string> busyFolders() const override {
         std::vector<std::string> busy;
         for (const auto& [identity, folder] : folders_)
             if (folder.isBusy) busy.push_back(folder.path);
@@ -397,46 +397,14 @@ private:
     std::optional<InterruptsHeld> held_;
 };
 
-Replacement::Replacement(InterruptGuard& guard) : state_(std::make_unique<State>(guard)) {}
+}  // namespace
 
-Replacement::~Replacement() {
-    state_->takeBack();
-}
-
-void Replacement::add(const TemporaryFile& file, const OutputTarget& target) {
-    state_->add(file, target);
-}
-
-std::optional<Replacement::Failure> Replacement::tryAll() {
-    return state_->tryAll();
-}
-
-std::optional<Replacement::Failure> Replacement::putInPlace(bool canFailLater) {
-    return state_->putInPlace(canFailLater);
-}
-
-std::vector<std::size_t> Replacement::takeBack() {
-    return state_->takeBack();
-}
-
-void Replacement::keep() {
-    state_->keep();
-}
-
-std::vector<std::string> Replacement::busyFolders() const {
-    return state_->busyFolders();
+std::unique_ptr<ReplacementState> ReplacementState::make(InterruptGuard& guard) {
+    return std::make_unique<LinuxReplacement>(guard);
 }
 
 void removeFile(const std::string& path) {
     ::unlink(path.c_str());
-}
-
-std::error_code lastError() {
-    return errorOf(errno);
-}
-
-void clearLastError() {
-    errno = 0;
 }
 
 }  // namespace Platform

@@ -1,4 +1,4 @@
-#include "platform/Replace.hpp"
+#include "platform/ReplacementState.hpp"
 
 #include <process.h>
 #include <windows.h>
@@ -186,23 +186,23 @@ private:
     bool isBusy_ = false;
 };
 
-}  // namespace
-
-class Replacement::State {
+class WindowsReplacement final : public ReplacementState {
 public:
-    explicit State(InterruptGuard& guard) : guard_(&guard) {}
+    using Failure = Replacement::Failure;
 
-    void add(const TemporaryFile& file, const OutputTarget& target) {
+    explicit WindowsReplacement(InterruptGuard& guard) : guard_(&guard) {}
+
+    void add(const TemporaryFile& file, const OutputTarget& target) override {
         items_.push_back({file, target, file.path + ".old", false, false, false});
     }
 
-    std::optional<Failure> tryAll() {
+    std::optional<Failure> tryAll() override {
         for (std::size_t i = 0; i < items_.size(); ++i)
             if (const std::error_code error = tryOne(items_[i])) return Failure{i, error};
         return std::nullopt;
     }
 
-    std::optional<Failure> putInPlace(bool /*canFailLater*/) {
+    std::optional<Failure> putInPlace(bool /*canFailLater*/) override {
         // In one order, so that no two runs block each other.
         std::set<std::string> folders;
         for (const Item& item : items_) {
@@ -210,6 +210,7 @@ public:
             folders.insert(place.substr(0, place.find_last_of('\\')));
         }
         for (const std::string& folder : folders) locks_.emplace_back(folder);
+        left_.reserve(items_.size());
         if (const auto failure = tryAll()) return failure;
         held_.emplace();
         for (std::size_t i = 0; i < items_.size(); ++i) {
@@ -223,17 +224,16 @@ public:
         return std::nullopt;
     }
 
-    std::vector<std::size_t> takeBack() {
-        std::vector<std::size_t> left;
+    std::vector<std::size_t> takeBack() override {
         for (std::size_t i = items_.size(); i-- != 0;)
             if (items_[i].isInPlace && patiently([this, i] { return restore(items_[i]); }))
-                left.push_back(i);
+                left_.push_back(i);
         keep();
-        std::ranges::reverse(left);
-        return left;
+        std::ranges::reverse(left_);
+        return std::move(left_);
     }
 
-    void keep() {
+    void keep() override {
         for (Item& item : items_) item.isInPlace = false;
         held_.reset();
         for (FolderLock& lock : locks_) lock.unlock();
@@ -246,7 +246,7 @@ public:
         }
     }
 
-    std::vector<std::string> busyFolders() const {
+    std::vector<std::string> busyFolders() const override {
         std::vector<std::string> busy;
         for (const FolderLock& lock : locks_)
             if (lock.isBusy()) busy.push_back(lock.folder());
@@ -315,49 +315,18 @@ private:
     InterruptGuard* guard_;
     std::vector<Item> items_;
     std::deque<FolderLock> locks_;
+    std::vector<std::size_t> left_;  ///< what could not be taken back
     std::optional<InterruptsHeld> held_;
 };
 
-Replacement::Replacement(InterruptGuard& guard) : state_(std::make_unique<State>(guard)) {}
+}  // namespace
 
-Replacement::~Replacement() {
-    state_->takeBack();
-}
-
-void Replacement::add(const TemporaryFile& file, const OutputTarget& target) {
-    state_->add(file, target);
-}
-
-std::optional<Replacement::Failure> Replacement::tryAll() {
-    return state_->tryAll();
-}
-
-std::optional<Replacement::Failure> Replacement::putInPlace(bool canFailLater) {
-    return state_->putInPlace(canFailLater);
-}
-
-std::vector<std::size_t> Replacement::takeBack() {
-    return state_->takeBack();
-}
-
-void Replacement::keep() {
-    state_->keep();
-}
-
-std::vector<std::string> Replacement::busyFolders() const {
-    return state_->busyFolders();
+std::unique_ptr<ReplacementState> ReplacementState::make(InterruptGuard& guard) {
+    return std::make_unique<WindowsReplacement>(guard);
 }
 
 void removeFile(const std::string& path) {
     ::DeleteFileW(systemPath(path).c_str());
-}
-
-std::error_code lastError() {
-    return errorOf(errno);
-}
-
-void clearLastError() {
-    errno = 0;
 }
 
 }  // namespace Platform

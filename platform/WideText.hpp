@@ -6,7 +6,7 @@
 /// Texts and paths as the interface of Windows takes them. Of this folder alone.
 namespace Platform {
 
-/// A text in UTF-16. What is no valid UTF-8 is taken as a text in the code page of the machine:
+/// A text in UTF-16. What is not valid UTF-8 is taken as a text in the code page of the machine:
 /// scripts that were written with older editors are.
 std::wstring wideText(std::string_view text);
 

@@ -14,8 +14,6 @@
 #include "classic/ClassicWords.hpp"
 #include "inspect/Digest.hpp"
 #include "io/formats/FieldReading.hpp"
-#include "parser/commands/CmdNewBuffer.hpp"
-#include "parser/commands/CmdWriteFile.hpp"
 #include "parser/text/VariableExpansion.hpp"
 #include "platform/Files.hpp"
 #include "platform/Paths.hpp"
@@ -83,7 +81,7 @@ std::optional<ScriptBytes> read(const RunOptions& options, bool withDigest, Diag
 std::string wordsFor(Facts::VariableFault fault) {
     switch (fault) {
         case Facts::VariableFault::NotARegularExpression:
-            return "is no valid regular expression";
+            return "is not a valid regular expression";
         case Facts::VariableFault::TooComplex:
             return "is too complex a regular expression";
         case Facts::VariableFault::ScriptTooLong:
@@ -184,21 +182,13 @@ public:
 
     /// Names the files of all statements. False if two that exclude each other have one place.
     bool nameFiles() {
-        using namespace Parser::WrapperLib;
         bool isGood = true;
-        const Parser::StatementList& statements = program_->statements();
-        for (std::size_t i = 0; i < statements.size(); ++i) {
-            const Parser::Statement statement = statements[i];
-            const CmdApi& command = *program_->commands()[i];
+        for (const Parser::Statement& statement : program_->statements()) {
             reports_.enter(statement);
             if (const auto* const input = statement.last(Parser::Role::InputFile))
-                isGood = nameFile(*input, static_cast<const CmdNewBuffer&>(command).fileName(),
-                                  FileRole::Input) &&
-                         isGood;
+                isGood = nameFile(*input, FileRole::Input) && isGood;
             if (const auto* const output = statement.last(Parser::Role::OutputFile))
-                isGood = nameFile(*output, static_cast<const CmdWriteFile&>(command).fileName(),
-                                  FileRole::Output) &&
-                         isGood;
+                isGood = nameFile(*output, FileRole::Output) && isGood;
         }
         return isGood;
     }
@@ -236,9 +226,10 @@ public:
     const Provenance& provenance() const { return provenance_; }
 
 private:
-    /// Names the file at `path`, of which the part says the name. An output may replace an input
-    /// that a statement before it reads.
-    bool nameFile(const Parser::Part& part, const std::string& path, FileRole role) {
+    /// Names the file that the part names. An output may replace an input that a statement before
+    /// it reads.
+    bool nameFile(const Parser::Part& part, FileRole role) {
+        const std::string path = program_->pathOf(part);
         const auto collision = files_->name(path, role);
         if (collision) {
             reports_.report(Kind::SameFile, wordsFor(*collision, path, role), part,
@@ -286,9 +277,10 @@ private:
 void noteEffects(const RunFiles& files, DiagnosticSink& sink) {
     if (files.hasLeftOutProgram())
         sink.take({std::nullopt, "no program was started after the first error"});
-    if (files.inPlace().empty()) return;
+    const std::vector<std::string> inPlace = files.inPlace();
+    if (inPlace.empty()) return;
     std::string names;
-    for (const std::string& path : files.inPlace()) names += (names.empty() ? "" : ", ") + path;
+    for (const std::string& path : inPlace) names += (names.empty() ? "" : ", ") + path;
     sink.take(
         {std::nullopt, "these outputs are in place already, since a program was called: " + names});
 }
@@ -424,11 +416,11 @@ private:
     /// Makes the record and uses it as `useRecord` does.
     bool record(const Program& program, const Execution& execution) {
         if (!checkInputs(files_, *printer_)) return false;
-        const Ran ran{
+        const FinishedRun finished{
             scriptSha256_,        &options_.variables,     &program.text(), &program.statements(),
             &execution.context(), &execution.provenance(), &files_};
         const bool withLines = !options_.report.empty() || options_.comparesDisk;
-        Inspect::RunRecord record = recordOf(ran, withLines);
+        Inspect::RunRecord record = recordOf(finished, withLines);
         remarks_.finish();
         record.remarks = std::move(remarks_.remarks);
         // The record names all files by portable paths, its links lead from one to the other.

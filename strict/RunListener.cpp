@@ -13,12 +13,6 @@ namespace {
 
 using namespace Facts;
 
-template <class Fact>
-constexpr bool isPrinted =
-    std::is_same_v<Fact, BufferPrinted> || std::is_same_v<Fact, ContentPrinted> ||
-    std::is_same_v<Fact, CrcPrinted> || std::is_same_v<Fact, HashPrinted> ||
-    std::is_same_v<Fact, TextPrinted>;
-
 /// The place in an input file.
 Place placeOf(const FieldWords& words) {
     constexpr std::size_t longestShown = 160;

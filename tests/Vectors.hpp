@@ -51,7 +51,7 @@ inline std::vector<Vector> loadVectors(const std::string& prefix) {
         std::getline(fields, vector.inputName, '\t');
         std::getline(fields, vector.value, '\t');
         vector.line = line;
-        if (!vector.keyword.starts_with(prefix)) continue;
+        if (vector.keyword.starts_with('#') || !vector.keyword.starts_with(prefix)) continue;
         vector.input = inputBytes(vector.inputName);
         vectors.push_back(std::move(vector));
     }

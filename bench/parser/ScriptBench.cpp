@@ -4,7 +4,7 @@
 #include <string>
 
 #include "parser/ScriptParser.hpp"
-#include "parser/text/ScriptText.hpp"
+#include "parser/text/Preparation.hpp"
 #include "parser/text/VariableExpansion.hpp"
 
 namespace {

@@ -16,7 +16,7 @@ using Facts::InputFormat;
 
 constexpr std::string_view digits = "0123456789ABCDEFabcdef";
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
-/// Digits after the first characters of a record that tell it from other text.
+/// Digits after the first characters of a record that distinguish it from other text.
 constexpr std::size_t recordDigits = 8;
 constexpr std::size_t longestStart = 2 + recordDigits;
 

@@ -56,7 +56,7 @@ protected:
     /// Returns the address of the run's first byte.
     virtual std::uint64_t useRun(const Util::Records::DataRun& run, std::string_view text) = 0;
 
-    /// Takes a line that is neither a record nor a remark. False if it is no part of the format.
+    /// Takes a line that is neither a record nor a remark. False if it is not part of the format.
     virtual bool takeOther(std::string_view /*line*/) { return false; }
 
     /// Where the digits of a record begin, how many bytes its count leaves out, and how many are in

@@ -22,7 +22,7 @@ namespace Io::Formats {
 ///
 /// @param rule     for addresses that the file gives more than once; a reader that reports them
 /// does
-///                 so only if it is not set
+///                 it only without a rule
 /// @param visitor  learns which records a text file has; null for nobody
 /// @throws Io::bad_open  if the file has changed since it was opened
 /// @throws Import::Malformed  after a report, if a file of another kind is damaged

@@ -46,7 +46,7 @@ private:
     RecordBytes* record_;
 };
 
-/// Matches the whole of `line`, or all of it before a zero byte, which is no part of any record.
+/// Matches the whole of `line`, or all of it before a zero byte, which is not part of any record.
 template <class Syntax>
 bool matchesLine(std::string_view line, const Syntax& syntax, RecordBytes& record) {
     record.size = 0;

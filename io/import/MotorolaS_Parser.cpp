@@ -45,7 +45,7 @@ struct MotorolaS_Parser::Record {
 
     void setSizes() {
         addressSize = addressSizeOf(type);
-        // With a low count the line may match all the same, so that this alone is no fault.
+        // With a low count the line may match all the same, so that this alone is not a fault.
         dataSize = isCountLow() ? unknownSize : count() - addressSize - 1;
     }
 };
@@ -77,7 +77,7 @@ auto recordSyntax(Record& record) {
 /// a line, so it is built once.
 class MotorolaS_Parser::Syntax {
 public:
-    /// False if `line` is no record; the fields that were matched up to there are set.
+    /// False if `line` is not a record; the fields that were matched up to there are set.
     bool matches(std::string_view line) {
         record_.addressSize = 0;
         return matchesLine(line, syntax_, record_.all);

@@ -10,7 +10,7 @@ namespace Io::Import {
 
 /// Parses S-records with addresses of two, three and four bytes, mixed as they come.
 ///
-/// The last line of the file is ignored, terminator or not. A line that is no well-formed record
+/// The last line of the file is ignored, terminator or not. A line that is not a well-formed record
 /// ends the parse and leaves what came before it; a record that contradicts the format, or its own
 /// checksum, discards all data. An S0 record has room for ten characters of module name, version
 /// and revision.

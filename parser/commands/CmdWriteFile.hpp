@@ -91,7 +91,6 @@ public:
 
     /// The path, in which every character counts.
     void setPath(std::string path) { fileName_ = std::move(path); }
-    const std::string& fileName() const { return fileName_; }
     void addBuffer(std::string name);
 
     /// @param newFormat  a row of `formats`

@@ -31,7 +31,8 @@ private:
 /// replacement format. What a value brings in is open to the variables that come later. Names
 /// without a special character take time linear in the text together, not each.
 ///
-/// @throws VariableError  if a name is no valid regular expression, if its evaluation would exhaust
+/// @throws VariableError  if a name is not a valid regular expression, if its evaluation would
+/// exhaust
 ///                        the machine, or if the text would grow beyond 64 MiB and four times the
 ///                        length of script and values, or take as long as such a text does
 ///

@@ -284,15 +284,32 @@ concept OneOf = (std::is_same_v<Fact, Facts> || ...);
 
 /// The classic readers, of which the strict program has its own, report the first of these. It
 /// reads and parses the script itself, and shows the words of an input file and the output of a
-/// PRINT_* another way.
+/// PRINT_* another way: the listener prints it if `isPrinted`.
 template <class Fact>
-requires OneOf<Fact, ReadRangeOutside, TextFileEmpty, LastLineMismatched, RecordContradictory,
-               LineNotARecord, RecordCountTooLow, DataSpanTooLong, FieldFact, ScriptNotOpened,
-               VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, BufferPrinted,
-               ContentPrinted, CrcPrinted, HashPrinted, TextPrinted, ProgramCalled>
-    Words words(const Fact& /*f*/, const Circumstances& /*c*/) {
+requires isPrinted<Fact> ||
+    OneOf<Fact, ReadRangeOutside, TextFileEmpty, LastLineMismatched, RecordContradictory,
+          LineNotARecord, RecordCountTooLow, DataSpanTooLong, FieldFact, ScriptNotOpened,
+          VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, ProgramCalled>
+        Words words(const Fact& /*f*/, const Circumstances& /*c*/) {
     return std::nullopt;
 }
+
+template <class Fact>
+concept Refusal =
+    OneOf<Fact, ImageNotAddressable, ImageTooLong, MoveTooFar, FillStartOutside, FillTooLong,
+          ExtractStartOutside, ExtractTooLong, RawFileTooLong, FileReadIncomplete,
+          AddressNotExpressible, RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes,
+          AddressBeyondFormat, FileWriteIncomplete>;
+
+/// With these a statement has done its work, or its own result says that it has not.
+template <class Fact>
+concept NotARefusal = isPrinted<Fact> ||
+    OneOf<Fact, FillPatternEmpty, ReadRangeOutside, TextFileEmpty, LastLineMismatched,
+          RecordContradictory, LineNotARecord, RecordCountTooLow, DataSpanTooLong, FileMalformed,
+          RecordLengthCorrected, GapsNotExpressible, FormatNumberWrong, NameNotFound,
+          OverlapRefused, StatementExhausted, CrcParameterRefused, WordIncomplete, FileNotOpened,
+          FileNotWritten, FileSpanTooLong, ProgramCalled, ProgramEnded, ScriptNotOpened,
+          VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace
 
@@ -303,11 +320,8 @@ std::optional<FactWords> wordsFor(const Fact& fact, const Circumstances& circums
 bool isRefusal(const Fact& fact) {
     return std::visit(
         []<class F>(const F& /*f*/) {
-            return OneOf<F, ImageNotAddressable, ImageTooLong, MoveTooFar, FillStartOutside,
-                         FillTooLong, ExtractStartOutside, ExtractTooLong, RawFileTooLong,
-                         FileReadIncomplete, AddressNotExpressible, RecordTypeUnknown,
-                         ImageBeyondSRecords, TooManyBytes, AddressBeyondFormat,
-                         FileWriteIncomplete>;
+            static_assert(Refusal<F> != NotARefusal<F>, "each fact is one of the two");
+            return Refusal<F>;
         },
         fact);
 }

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "facts/Facts.hpp"
@@ -31,6 +32,13 @@ struct FactWords {
     std::string hint = {};
     std::string name = {};  ///< the part that uses this name is to blame, if it is not empty
 };
+
+/// The fact is the output of a PRINT_* statement, in the words of CmdTessaron.
+template <class Fact>
+constexpr bool isPrinted =
+    std::is_same_v<Fact, Facts::BufferPrinted> || std::is_same_v<Fact, Facts::ContentPrinted> ||
+    std::is_same_v<Fact, Facts::CrcPrinted> || std::is_same_v<Fact, Facts::HashPrinted> ||
+    std::is_same_v<Fact, Facts::TextPrinted>;
 
 /// The words for a fact of a statement. There are none for what is reported otherwise: by the check
 /// before the run, with a place in an input file (FieldWords), or as the output of a PRINT_*.

@@ -65,7 +65,7 @@ std::string textOf(const LineDamaged& fact) {
     const bool isHex = fact.format == InputFormat::IntelHex;
     switch (fact.fault) {
         case RecordFault::NotARecord:
-            return "the line is no record";
+            return "the line is not a record";
         case RecordFault::ForeignText:
             return "text goes on after the byte " +
                    Util::hexByte(static_cast<std::uint8_t>(fact.found)) + " at the end of line " +
@@ -74,7 +74,7 @@ std::string textOf(const LineDamaged& fact) {
             return isHex ? "an S-record in a file of Intel HEX"
                          : "a record of Intel HEX in a file of S-records";
         case RecordFault::Digit:
-            return characterText(fact.found) + " is no hexadecimal digit";
+            return characterText(fact.found) + " is not a hexadecimal digit";
         case RecordFault::Digits:
             return "the record's count gives " + counted(fact.expected, "digit", "digits") +
                    ", the line has " + std::to_string(fact.found);

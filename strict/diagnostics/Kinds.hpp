@@ -78,6 +78,7 @@ enum class Kind : unsigned char {
     InPlace,
     UnusedImage,
     BareWord,
+    Count,  ///< of the kinds, itself not one
 };
 
 /// What the program knows of a kind.
@@ -86,7 +87,7 @@ struct KindRow {
     const char* name;     ///< as the manual, `--ignore` and the brackets of a diagnostic have it
     Severity severity;    ///< what it counts as unless the user says otherwise
     bool isFixed;         ///< always an error: damage, syntax and the file system
-    const char* meaning;  ///< one line, for `--help` and completions
+    const char* meaning;  ///< one line, for lists of the kinds
 };
 
 /// All kinds, in the order of their enumerators.

@@ -8,7 +8,7 @@ namespace Strict {
 
 namespace {
 
-/// Longer words are no typing errors of a keyword.
+/// Longer words are not typing errors of a keyword.
 constexpr std::size_t longestWord = 64;
 
 char lower(char c) {

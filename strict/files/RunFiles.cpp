@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <set>
 #include <utility>
 
 namespace Strict {
@@ -124,9 +125,8 @@ std::optional<RunFiles::Collision> RunFiles::name(const std::string& path, FileR
 
 std::string RunFiles::inputNamed(const std::string& path) {
     const auto& uses = fileAt(path).uses;
-    const auto use = std::ranges::find_if(uses, [](const Use& known) {
-        return known.role == FileRole::Input && !known.isDevice;
-    });
+    const auto use = std::ranges::find_if(
+        uses, [](const Use& known) { return known.role == FileRole::Input && !known.isDevice; });
     return use == uses.end() ? std::string() : use->path;
 }
 
@@ -277,8 +277,9 @@ std::optional<RunFiles::Failure> RunFiles::putInPlace(const std::vector<Output*>
         }
         return failed;
     }
-    replacement.keep();
+    // Whatever needs memory comes before, so that nothing fails after it.
     for (std::string& folder : replacement.busyFolders()) busyFolders_.push_back(std::move(folder));
+    replacement.keep();
     return std::nullopt;
 }
 
@@ -291,14 +292,17 @@ std::optional<RunFiles::Failure> RunFiles::commit() {
             (output.temporary ? files : devices).push_back(&output);
     if (files.empty() && devices.empty()) return std::nullopt;
     if (auto failed = putInPlace(files, devices)) return failed;
-    for (const auto* const list : {&files, &devices}) {
-        for (Output* const output : *list) {
-            output->isInPlace = true;
-            if (!std::exchange(output->file->isListedInPlace, true))
-                inPlace_.push_back(output->path);
-        }
-    }
+    for (const auto* const list : {&files, &devices})
+        for (Output* const output : *list) output->isInPlace = true;
     return std::nullopt;
+}
+
+std::vector<std::string> RunFiles::inPlace() const {
+    std::vector<std::string> paths;
+    std::set<const File*> listed;
+    for (const Output& output : all_)
+        if (output.isInPlace && listed.insert(output.file).second) paths.push_back(output.path);
+    return paths;
 }
 
 int RunFiles::runProgram(const std::string& location, const std::string& arguments) {

@@ -126,7 +126,7 @@ public:
     std::string reasonFor(std::string_view path) const;
 
     /// Outputs that are in place, as the script names them.
-    const std::vector<std::string>& inPlace() const { return inPlace_; }
+    std::vector<std::string> inPlace() const;
 
     /// All files that were opened, those that the run itself wrote left out, and all outputs, each
     /// once, by the spelling that came first.
@@ -177,7 +177,6 @@ private:
         std::optional<std::string> inputPath;   ///< by which it was first opened
         std::optional<std::string> outputPath;  ///< by which it was first created
         Output* newest = nullptr;
-        bool isListedInPlace = false;
     };
     struct Digests {
         DigestThread inputs;
@@ -208,7 +207,6 @@ private:
     bool hasStopped_ = false;
     bool hasLeftOutProgram_ = false;
     std::map<std::string, std::string, std::less<>> reasons_;
-    std::vector<std::string> inPlace_;
     std::vector<std::string> inputs_;
     std::vector<std::string> outputs_;
     std::vector<std::string> busyFolders_;

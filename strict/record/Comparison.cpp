@@ -72,7 +72,7 @@ std::string textOf(const Buffer::AreaList& areas) {
 }
 
 /// The image that gave a byte of an output, and the address that the byte has in it.
-struct Where {
+struct ImagePlace {
     const Inspect::ImageRecord* image;
     std::uint64_t address;
 };
@@ -89,7 +89,7 @@ Images imagesOf(const Inspect::FileRecord& output, const Inspect::RunRecord& rec
     return images;
 }
 
-const Inspect::OriginRange* originOf(const Where& where) {
+const Inspect::OriginRange* originOf(const ImagePlace& where) {
     const auto& ranges = where.image->ranges;
     const auto found = std::ranges::find_if(ranges, [&where](const Inspect::OriginRange& range) {
         return range.area.contains({where.address, 1});
@@ -97,30 +97,30 @@ const Inspect::OriginRange* originOf(const Where& where) {
     return found == ranges.end() ? nullptr : &*found;
 }
 
-std::optional<Where> whereIs(const Images& images, std::uint64_t address) {
+std::optional<ImagePlace> whereIs(const Images& images, std::uint64_t address) {
     for (const Inspect::ImageRecord* const image : images)
-        if (const Where where{image, address}; originOf(where) != nullptr) return where;
+        if (const ImagePlace where{image, address}; originOf(where) != nullptr) return where;
     return std::nullopt;
 }
 
 /// The same for an offset in a raw file, which has the images one after the other.
-std::optional<Where> whereInRaw(const Images& images, std::uint64_t offset) {
+std::optional<ImagePlace> whereInRaw(const Images& images, std::uint64_t offset) {
     for (const Inspect::ImageRecord* const image : images) {
         const std::uint64_t length = image->image->getDataLength();
-        if (offset < length) return Where{image, image->image->getStartAddress() + offset};
+        if (offset < length) return ImagePlace{image, image->image->getStartAddress() + offset};
         offset -= length;
     }
     return std::nullopt;
 }
 
 /// What the script makes of an output, beside the record of the run.
-struct Made {
+struct ScriptOutput {
     const Inspect::Image* contents;
     const Parser::WrapperLib::ExportFormat* format;
     Images images;
 
     /// The origin of a position in the contents; nothing where the format has no addresses.
-    std::optional<Where> whereOf(std::uint64_t position) const {
+    std::optional<ImagePlace> whereOf(std::uint64_t position) const {
         if (format != nullptr && format->isImageItself) return whereInRaw(images, position);
         if (format != nullptr && format->addressAt != nullptr) {
             const auto address = format->addressAt(contents->parts.front(), position);
@@ -131,7 +131,8 @@ struct Made {
 };
 
 /// A note with the statement, and the line of the input, that a byte comes from.
-Note noteOn(std::string text, const std::optional<Where>& where, const Inspect::RunRecord& record) {
+Note noteOn(std::string text, const std::optional<ImagePlace>& where,
+            const Inspect::RunRecord& record) {
     Note note{std::move(text), std::nullopt};
     const Inspect::OriginRange* const origin = where ? originOf(*where) : nullptr;
     if (origin == nullptr) return note;
@@ -146,16 +147,16 @@ Note noteOn(std::string text, const std::optional<Where>& where, const Inspect::
 
 /// Notes on the first areas: what each file has there, and where the script's byte comes from.
 std::vector<Note> notesOn(const Buffer::AreaList& areas, const Inspect::Image& disk,
-                          const Made& made, const Inspect::RunRecord& record) {
+                          const ScriptOutput& made, const Inspect::RunRecord& record) {
     constexpr std::size_t mostNotes = 4;
     std::vector<Note> notes;
     for (std::size_t i = 0; i < areas.size() && i < mostNotes; ++i) {
         const std::uint64_t position = areas[i].start;
-        const std::optional<Where> where = made.whereOf(position);
+        const std::optional<ImagePlace> where = made.whereOf(position);
         const std::string what =
             where ? Inspect::addressText(where->address) + " of " + where->image->name
                   : (isRaw(disk) ? "offset " : "") + Inspect::addressText(position);
-        notes.push_back(noteOn(what + " is " + byteText(disk, position) + " in the file and " +
+        notes.push_back(noteOn(what + " has " + byteText(disk, position) + " in the file and " +
                                    byteText(*made.contents, position) + " in the image",
                                where, record));
     }
@@ -170,7 +171,7 @@ std::uint64_t firstDifferentLine(std::string_view one, std::string_view other) {
 
 /// Explains a file that cannot be read as an image: the line in which it differs, and what is
 /// there.
-void explainDamage(Diagnostic& diagnostic, std::uint64_t line, const Made& made,
+void explainDamage(Diagnostic& diagnostic, std::uint64_t line, const ScriptOutput& made,
                    const std::string& path, const Inspect::RunRecord& record) {
     diagnostic.hint =
         "the file is damaged; the first line that differs is line " + Inspect::grouped(line);
@@ -209,8 +210,9 @@ void explain(Diagnostic& diagnostic, RunFiles& files, const Inspect::FileRecord&
     const Io::HostScope hosting(files);
     const std::optional<Inspect::Image> contents = contentsOf(path);
     if (!contents) return;
-    const Made made{&*contents, Parser::WrapperLib::CmdWriteFile::formatNamed(output.format),
-                    imagesOf(output, record)};
+    const ScriptOutput made{&*contents,
+                            Parser::WrapperLib::CmdWriteFile::formatNamed(output.format),
+                            imagesOf(output, record)};
     if (!disk) {
         explainDamage(diagnostic, firstDifferentLine(text, files.contentsOf(path)), made, path,
                       record);

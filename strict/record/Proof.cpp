@@ -143,7 +143,7 @@ bool compareWithManifest(const std::string& path, const Inspect::RunRecord& reco
     try {
         compare(Json::parse(text->text()), Json::parse(Inspect::manifestOf(record)), proof);
     } catch (const Json::exception&) {
-        proof.differ(path + " is no manifest");
+        proof.differ(path + " is not a manifest");
     }
     return proof.isGood();
 }

@@ -40,37 +40,37 @@ private:
 
 class Recorder {
 public:
-    Recorder(const Ran& ran, bool withLines) : ran_(&ran), withLines_(withLines) {}
+    Recorder(const FinishedRun& run, bool withLines) : run_(&run), withLines_(withLines) {}
 
     Inspect::RunRecord record() {
-        record_.scriptPath = Platform::portablePath(ran_->script->file());
-        record_.scriptText = ran_->script->written();
-        record_.scriptSha256 = ran_->scriptSha256;
-        InputsAsRead inputs(*ran_->files);
+        record_.scriptPath = Platform::portablePath(run_->script->file());
+        record_.scriptText = run_->script->written();
+        record_.scriptSha256 = run_->scriptSha256;
+        InputsAsRead inputs(*run_->files);
         const Io::HostScope hosting(inputs);
         addInputs();
-        for (const Statement& statement : *ran_->statements) addStatement(statement);
+        for (const Statement& statement : *run_->statements) addStatement(statement);
         addVariables();
         return std::move(record_);
     }
 
 private:
     std::size_t lineOf(const Statement& statement) const {
-        return ran_->script->placeOf(statement.text).line;
+        return run_->script->placeOf(statement.text).line;
     }
 
     /// A value that names a file of the run is a path.
     void addVariables() {
-        for (const auto& [name, value] : *ran_->variables)
+        for (const auto& [name, value] : *run_->variables)
             record_.variables[name] =
-                ran_->files->isUsed(value) ? Platform::portablePath(value) : value;
+                run_->files->isUsed(value) ? Platform::portablePath(value) : value;
     }
 
     /// What each input gave the run, by the names of the inputs.
     std::map<std::string, Inspect::FileRecord> usesOfInputs() const {
         std::map<std::string, Inspect::FileRecord> uses;
-        for (const Provenance::Input& input : ran_->provenance->inputs()) {
-            Inspect::FileRecord& file = uses[ran_->files->inputName(input.file)];
+        for (const Provenance::Input& input : run_->provenance->inputs()) {
+            Inspect::FileRecord& file = uses[run_->files->inputName(input.file)];
             file.line = file.line == 0 ? input.line : file.line;
             file.areas = Inspect::joined(input.areas, 0);
             file.format = Inspect::formatText(input.format);
@@ -80,10 +80,10 @@ private:
 
     void addInputs() {
         auto uses = usesOfInputs();
-        for (const std::string& path : ran_->files->inputs()) {
+        for (const std::string& path : run_->files->inputs()) {
             Inspect::FileRecord file = std::move(uses[path]);
             file.path = Platform::portablePath(path);
-            for (const FileDigest& digest : ran_->files->inputDigests(path)) {
+            for (const FileDigest& digest : run_->files->inputDigests(path)) {
                 file.size = digest.size;
                 file.sha256 = digest.sha256;
                 record_.inputs.push_back(file);
@@ -110,9 +110,9 @@ private:
     }
 
     void addImage(const std::string& name) {
-        const auto image = ran_->context->buffers.find(name);
-        const auto origins = ran_->provenance->images().find(name);
-        if (image == ran_->context->buffers.end() || origins == ran_->provenance->images().end())
+        const auto image = run_->context->buffers.find(name);
+        const auto origins = run_->provenance->images().find(name);
+        if (image == run_->context->buffers.end() || origins == run_->provenance->images().end())
             return;
         Inspect::ImageRecord entry{name, &image->second, {}};
         const OriginMap& written = origins->second.written;
@@ -127,14 +127,14 @@ private:
     }
 
     std::size_t lineOfSource(std::size_t number) const {
-        const Provenance& provenance = *ran_->provenance;
+        const Provenance& provenance = *run_->provenance;
         return provenance.originOf(provenance.sources()[number]).statement.line;
     }
 
     OriginRange writtenRange(const OriginMap::Range& range) {
-        const Provenance::Source& source = ran_->provenance->sources()[range.source];
-        const Provenance::Origin& origin = ran_->provenance->originOf(source);
-        const Provenance::Lines lines = ran_->provenance->linesOf(range);
+        const Provenance::Source& source = run_->provenance->sources()[range.source];
+        const Provenance::Origin& origin = run_->provenance->originOf(source);
+        const Provenance::Lines lines = run_->provenance->linesOf(range);
         OriginRange entry{range.area,
                           origin.file.empty() ? MapKind::Value : MapKind::Data,
                           origin.statement.line,
@@ -148,7 +148,7 @@ private:
 
     /// Adds the lines that gave the addresses, which were moved by `moved`.
     void addLines(OriginRange& entry, const Provenance::Source& source, std::uint64_t moved) {
-        const auto& runs = ran_->provenance->lineRunsOf(source);
+        const auto& runs = run_->provenance->lineRunsOf(source);
         // Runs are in the order of the file.
         auto run =
             std::ranges::lower_bound(runs, source.firstLine, {}, &Inspect::LineRun::firstLine);
@@ -170,7 +170,7 @@ private:
     }
 
     void addValue(const std::string& name, bool isCrc, const Statement& statement) {
-        const auto& values = isCrc ? ran_->context->crcs : ran_->context->hashes;
+        const auto& values = isCrc ? run_->context->crcs : run_->context->hashes;
         const auto value = values.find(name);
         if (value == values.end()) return;
         ByteList bytes = value->second;
@@ -187,8 +187,8 @@ private:
         const std::string name(statement.textOf(Role::ChangesImage));
         const auto value =
             std::ranges::find(record_.values, stored->text, &Inspect::ValueRecord::name);
-        const auto image = ran_->context->buffers.find(name);
-        if (value == record_.values.end() || image == ran_->context->buffers.end()) return;
+        const auto image = run_->context->buffers.find(name);
+        if (value == record_.values.end() || image == run_->context->buffers.end()) return;
         AreaList areas = statement.areas();
         if (areas.empty()) areas.push_back(image->second.getArea());
         const std::size_t line = lineOf(statement);
@@ -203,21 +203,21 @@ private:
         for (const Part& image : statement.all(Role::UsesImage))
             file.images.emplace_back(image.text);
         file.line = lineOf(statement);
-        const FileDigest digest = ran_->files->outputDigest(name);
+        const FileDigest digest = run_->files->outputDigest(name);
         file.size = digest.size;
         file.sha256 = digest.sha256;
         record_.outputs.push_back(std::move(file));
     }
 
-    const Ran* ran_;
+    const FinishedRun* run_;
     bool withLines_;
     Inspect::RunRecord record_;
 };
 
 }  // namespace
 
-Inspect::RunRecord recordOf(const Ran& ran, bool withLines) {
-    return Recorder(ran, withLines).record();
+Inspect::RunRecord recordOf(const FinishedRun& run, bool withLines) {
+    return Recorder(run, withLines).record();
 }
 
 }  // namespace Strict

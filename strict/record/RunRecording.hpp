@@ -14,7 +14,7 @@
 namespace Strict {
 
 /// A run that has ended well, borrowed.
-struct Ran {
+struct FinishedRun {
     std::string scriptSha256;                             ///< of its file, or of its text
     const std::map<std::string, std::string>* variables;  ///< of the command line
     const ScriptText* script;
@@ -29,6 +29,6 @@ struct Ran {
 ///
 /// @param withLines  whether to find out which line of an input file gave which address, which
 ///                   reads the file once more
-Inspect::RunRecord recordOf(const Ran& ran, bool withLines);
+Inspect::RunRecord recordOf(const FinishedRun& run, bool withLines);
 
 }  // namespace Strict

@@ -29,7 +29,7 @@ struct BrokenText {
 /// keyword of a statement, up to twenty times.
 class ParsedScript {
 public:
-    /// @param script  lives as long as this
+    /// @param script  lives at least as long as this
     explicit ParsedScript(const ScriptText& script);
 
     /// Everything parsed.

@@ -1,5 +1,7 @@
 #include "strict/script/ProgramMaker.hpp"
 
+#include "strict/script/PathArgument.hpp"
+
 namespace Strict {
 
 using Parser::Role;
@@ -13,8 +15,13 @@ void ProgramMaker::begin(std::unique_ptr<Parser::WrapperLib::CmdApi> command,
 
 void ProgramMaker::add(Role role, const Piece& piece, std::uint32_t choice) {
     drafts_.back().parts.push_back(
-        {role, choice, text_.size(), piece.text().size(), piece.numbers()});
+        {role, choice, text_.size(), piece.text().size(), piece.numbers(), {}});
     text_ += piece.text();
+}
+
+void ProgramMaker::addPath(Role role, const std::string& path) {
+    addWord(role, argumentOf(path).text);
+    drafts_.back().parts.back().path = path;
 }
 
 void ProgramMaker::end() {
@@ -27,18 +34,20 @@ Program ProgramMaker::finish(std::string name) {
     auto script = std::make_unique<const ScriptText>(std::move(name), std::move(text_));
     const std::string_view text = script->prepared();
     Parser::StatementList statements;
+    Program::Paths paths;
     for (std::size_t i = 0; i < drafts_.size(); ++i) {
         statements.beginStatement();
         for (const DraftPart& part : drafts_[i].parts) {
             for (const Piece::PlacedNumber& number : part.numbers)
                 statements.add({number.value, text.substr(part.at + number.at, number.size)});
             statements.add(part.role, part.choice, text.substr(part.at, part.size));
+            if (!part.path.empty()) paths.emplace(text.substr(part.at).data(), part.path);
         }
         statements.endStatement(
             static_cast<Parser::WrapperLib::CmdType>(commands_[i]->getCmdType()),
             text.substr(drafts_[i].at, drafts_[i].size));
     }
-    return {std::move(script), std::move(statements), std::move(commands_)};
+    return {std::move(script), std::move(statements), std::move(commands_), std::move(paths)};
 }
 
 }  // namespace Strict

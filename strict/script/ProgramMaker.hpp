@@ -58,7 +58,7 @@ public:
         return begun;
     }
 
-    /// Adds text to the statement that is no part of it by itself.
+    /// Adds text to the statement that is not a part of it by itself.
     void add(std::string_view text) { text_ += text; }
 
     /// Adds a part of the statement.
@@ -66,6 +66,16 @@ public:
     void add(Parser::Role role, std::string_view text, std::uint32_t choice = 0) {
         add(role, Piece(std::string(text)), choice);
     }
+
+    /// Adds a blank and a part.
+    template <class Text>
+    void addWord(Parser::Role role, const Text& text) {
+        add(" ");
+        add(role, text);
+    }
+
+    /// Adds a blank and the part that names a file, of any path.
+    void addPath(Parser::Role role, const std::string& path);
 
     /// Ends the statement, and its line.
     void end();
@@ -82,6 +92,7 @@ private:
         std::size_t at;
         std::size_t size;
         std::vector<Piece::PlacedNumber> numbers;  ///< placed in the part
+        std::string path;                          ///< of the file that it names
     };
     struct Draft {
         std::size_t at;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "parser/text/ScriptText.hpp"
+#include "parser/text/Preparation.hpp"
 #include "parser/text/VariableExpansion.hpp"
 #include "util/Printable.hpp"
 

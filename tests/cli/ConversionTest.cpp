@@ -57,7 +57,7 @@ TEST(ConversionTest, NamesPathsAsAScriptReadsThem) {
 TEST(ConversionTest, ReadsFormatsAsTheGrammarDoes) {
     struct Row {
         const char* text;
-        const char* keyword;  ///< null if it is no format
+        const char* keyword;  ///< null if it is not a format
         std::optional<std::uint32_t> number = std::nullopt;
     };
     const std::vector<Row> rows{
@@ -86,6 +86,18 @@ TEST(ConversionTest, ReadsFormatsAsTheGrammarDoes) {
         EXPECT_STREQ(Parser::WrapperLib::CmdWriteFile::formats()[format->row].keyword, row.keyword);
         EXPECT_EQ(format->number, row.number) << row.text;
     }
+}
+
+TEST(ConversionTest, NamesFilesThatNoScriptCanName) {
+    std::ostringstream complaints;
+    const Strict::Policy policy;
+    Strict::Printer printer(complaints, policy, Strict::DiagnosticFormat::Text, false, false);
+    const auto program =
+        CommandLine::programFor({.input = "a\"b.bin", .output = " {c}.bin"}, printer);
+    ASSERT_TRUE(program) << complaints.str();
+    const Parser::StatementList& statements = program->statements();
+    EXPECT_EQ(program->pathOf(*statements[0].last(Parser::Role::InputFile)), "a\"b.bin");
+    EXPECT_EQ(program->pathOf(*statements[1].last(Parser::Role::OutputFile)), " {c}.bin");
 }
 
 /// The grammar takes the blanks after a number as a part of it.

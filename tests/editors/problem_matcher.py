@@ -39,7 +39,7 @@ class ProblemMatcher(unittest.TestCase):
             "NEW_BUFFER @A FROM_FILE in.hex\n":
                 [("in.hex", "2", None, "error", "record-checksum"),
                  ("a: b.tsn", "1", "25", "note", None)],
-            # What the program quotes from the script is no problem of its own.
+            # What the program quotes from the script is not a problem of its own.
             "\nPRINT_HASH @C:1: error: no\n": [("a: b.tsn", "2", "14", "error", "syntax")],
         }
         for script, expected in cases.items():

@@ -357,7 +357,7 @@ class Inspection(unittest.TestCase):
         self.assertEqual(tessaron("diff", "out.s37", "want.s37"), "")
         self.assertTrue(pathlib.Path("out.s37").read_text().rstrip().splitlines()[-1]
                         .startswith("S70508000131"))
-        # The crop that was asked for is no news.
+        # The crop that was asked for is not news.
         self.assertEqual(complaint("convert", "a.hex", "out.h", "--crop", "0x8000000,16"), "")
         self.assertIn("0x08000000", pathlib.Path("out.h").read_text())
         tessaron("convert", "a.hex", "out.dfu", "--crop", "0x8000000,16")

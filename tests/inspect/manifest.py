@@ -129,7 +129,7 @@ class Manifest(unittest.TestCase):
         out.write_bytes(good[:0x11] + bytes([good[0x11] ^ 0x0F]) + good[0x12:])
         said = self.check(1)
         self.assertIn("out.bin is not the one of out.json", said)
-        self.assertIn("release.tsn:6: note: 0x00008011 of @Moved is 0D in the file and 02 in the image",
+        self.assertIn("release.tsn:6: note: 0x00008011 of @Moved has 0D in the file and 02 in the image",
                       said)
         out.write_bytes(good)
         for path, what in (("app.hex", "the input app.hex is not"),
@@ -143,7 +143,7 @@ class Manifest(unittest.TestCase):
         self.assertIn("out.bin is missing", self.check(1))
         out.write_bytes(good)
         pathlib.Path("out.json").write_text("{}")
-        self.assertIn("no manifest", self.check(1))
+        self.assertIn("not a manifest", self.check(1))
 
     def test_proof_of_every_property(self):
         """Whatever is changed in a manifest, the run is no longer the one that it lists."""
@@ -194,7 +194,7 @@ class Manifest(unittest.TestCase):
             "WRITE_FILE sub/x.bin WITH_BUFFERS {@Two} -setFormat=RawBinary\n")
         tessaron("run", "two.tsn")
         pathlib.Path("sub/x.bin").write_bytes(b"\x03\x05")
-        self.assertIn("of @Two is 05 in the file and 04 in the image",
+        self.assertIn("of @Two has 05 in the file and 04 in the image",
                       tessaron("check", "two.tsn", "--against-disk", code=1))
 
     def test_spellings(self):
@@ -229,9 +229,9 @@ class Manifest(unittest.TestCase):
             tessaron("run", "two.tsn", "--manifest", "two.json")
             good = pathlib.Path("two.out").read_bytes()
             for old, new, note in (
-                    (app[17:19], b"\x7F\x32", "two.tsn:1: note: 0x00001011 of @App is 7F in the "
+                    (app[17:19], b"\x7F\x32", "two.tsn:1: note: 0x00001011 of @App has 7F in the "
                      "file and 31 in the image, from two.hex, line %d\n" % line),
-                    (b"\x92\x93", b"\x92\x7F", "two.tsn:3: note: 0x00008002 of @More is 7F in the "
+                    (b"\x92\x93", b"\x92\x7F", "two.tsn:3: note: 0x00008002 of @More has 7F in the "
                      "file and 93 in the image")):
                 self.assertEqual(good.count(search(old)), 1, keyword)
                 pathlib.Path("two.out").write_bytes(good.replace(search(old), search(new)))
@@ -249,12 +249,12 @@ class Manifest(unittest.TestCase):
         text = pathlib.Path("out.mem").read_bytes()
         pathlib.Path("out.mem").write_bytes(text[:300] + b"!" + text[301:])
         said = tessaron("check", "text.tsn", "--against-disk", code=1)
-        self.assertIn("offset 0x0000012C is 21 in the file", said)
+        self.assertIn("offset 0x0000012C has 21 in the file", said)
         self.assertNotIn("@App", said)
 
     def test_proof_of_a_damaged_file(self):
         lines = pathlib.Path("out.hex").read_text().splitlines(keepends=True)
-        # The fifth data record, behind one with the upper half of the address.
+        # The fifth data record, after one with the upper half of the address.
         at = next(i for i, line in enumerate(lines) if line[7:9] == "00") + 4
         lines[at] = lines[at][:20] + ("0" if lines[at][20] != "0" else "1") + lines[at][21:]
         pathlib.Path("out.hex").write_text("".join(lines))

@@ -66,7 +66,7 @@ TEST_P(ElfFiles, AreReadAsBinutilsReadThem) {
         EXPECT_EQ(got[address], byte) << std::hex << address;
         got.erase(address);
     }
-    // A segment may also have what aligns its sections, which are no data for objcopy.
+    // A segment may also have what aligns its sections, which are not data for objcopy.
     for (const auto& [address, byte] : got) EXPECT_EQ(byte, 0) << std::hex << address;
     EXPECT_LT(got.size(), 32U);
     auto symbols = symbolsOf(path + ".nm");

@@ -1,19 +1,23 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "parser/commands/CmdCallApp.hpp"
 #include "parser/commands/CmdFillBuffer.hpp"
 #include "parser/commands/CmdNewBuffer.hpp"
 #include "parser/commands/CmdNewCrc.hpp"
+#include "parser/commands/CmdNewHash.hpp"
 #include "parser/commands/CmdPrintBuffer.hpp"
 #include "parser/commands/CmdPrintCrc.hpp"
 #include "parser/commands/CmdPrintHash.hpp"
 #include "parser/commands/CmdPrintText.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
 #include "tests/ExpectedFacts.hpp"
+#include "tests/Vectors.hpp"
 
 namespace {
 
@@ -66,6 +70,22 @@ TEST(StatementTest, AMissingNameFailsTheStatementAndChangesNothing) {
         EXPECT_FALSE(row.statement->execute(context)) << row.statement->getCmdType();
         EXPECT_EQ(context.buffers.size() + context.crcs.size() + context.hashes.size(), 1U);
         EXPECT_EQ(context.buffers.at("B").viewElements().written(0, 4), 0U);
+    }
+}
+
+TEST(StatementTest, EveryTypeComputesItsVectors) {
+    std::map<std::string, std::vector<Tests::Vector>> vectors;
+    for (const Tests::Vector& vector : Tests::loadVectors(""))
+        vectors[vector.keyword].push_back(vector);
+    for (const auto types : {CmdNewCrc::types(), CmdNewHash::types()}) {
+        for (const ValueType& type : types) {
+            if (type.compute == nullptr) continue;
+            EXPECT_FALSE(vectors[type.keyword].empty())
+                << type.keyword << " has no row in tests/data/checksums.tsv";
+            for (const Tests::Vector& vector : vectors[type.keyword])
+                EXPECT_EQ(Tests::hexOf(type.compute(vector.input)), vector.value)
+                    << vector.keyword << " of " << vector.inputName;
+        }
     }
 }
 

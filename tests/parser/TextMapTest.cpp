@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "parser/text/ScriptText.hpp"
+#include "parser/text/Preparation.hpp"
 #include "parser/text/VariableExpansion.hpp"
 
 namespace {

@@ -165,7 +165,7 @@ TYPED_TEST(Records, AreRejectedWithADamagedCharacter) {
                 for (const char other : others) {
                     text[at] = other;
                     EXPECT_EQ(this->decode(form, text + following).textSize, 0U) << at << text;
-                    // The lower-case form of the right digit is no fault then.
+                    // The lower-case form of the right digit is not a fault then.
                     if (std::toupper(static_cast<unsigned char>(other)) == right) continue;
                     EXPECT_EQ(this->decode(form, text + following, DigitCase::Any).textSize, 0U)
                         << at << text;

@@ -316,16 +316,16 @@ TEST_F(RecordTest, AFileOnDiskIsComparedWithWhatTheScriptMakes) {
         {"another byte",
          ":0400100001020906DA\n:020020000304D7\n:00000001FF\n",
          {differs + "they differ at the addresses 0x00000012 (1 byte))",
-          "+ 1:0 0x00000012 of @f is 09 in the file and 05 in the image, from in.hex, line 3"}},
+          "+ 1:0 0x00000012 of @f has 09 in the file and 05 in the image, from in.hex, line 3"}},
         {"a byte too few",
          ":0400100001020506DE\n:0100200003DC\n:00000001FF\n",
          {differs + "they differ at the addresses 0x00000021 (1 byte))",
-          "+ 1:0 0x00000021 of @f is no byte in the file and 04 in the image, from in.hex, "
+          "+ 1:0 0x00000021 of @f has no byte in the file and 04 in the image, from in.hex, "
           "line 2"}},
         {"a byte too many",
          ":0400100001020506DE\n:03002000030407CF\n:00000001FF\n",
          {differs + "they differ at the addresses 0x00000022 (1 byte))",
-          "+ 0x00000022 is 07 in the file and no byte in the image"}},
+          "+ 0x00000022 has 07 in the file and no byte in the image"}},
     };
     for (const Row& row : rows) {
         std::string disk = row.disk;
@@ -353,7 +353,7 @@ TEST_F(RecordTest, ADifferenceShowsEightAreasAndExplainsFour) {
         EXPECT_FALSE(compareWithDisk(run.files, run.record(true), run.sink));
         ASSERT_EQ(run.sink.lines.size(), 1U + 4) << areas;
         EXPECT_EQ(run.sink.lines[4],
-                  "+ 1:0 0x00000106 of @v is 01 in the file and 00 in the image");
+                  "+ 1:0 0x00000106 of @v has 01 in the file and 00 in the image");
         const std::string& said = run.sink.lines[0];
         EXPECT_EQ(static_cast<std::size_t>(std::ranges::count(said, ',')),
                   std::min<std::size_t>(areas, 8) - 1);
@@ -405,8 +405,8 @@ TEST_F(RecordTest, ARunIsComparedWithTheManifestOfAnother) {
          "0000",
          {"differs: the output a.bin" + other + "SHA-256 is " + digest + ", not 0000)",
           "differs: the file a.bin" + other + "SHA-256 is " + digest + ", not 0000)"}},
-        {"\"outputs\"", "\"inputs2\"", {"differs: m.json is no manifest"}},
-        {"{", "", {"differs: m.json is no manifest"}},
+        {"\"outputs\"", "\"inputs2\"", {"differs: m.json is not a manifest"}},
+        {"{", "", {"differs: m.json is not a manifest"}},
     };
     for (const Row& row : rows) {
         const std::size_t at = manifest.find(row.from);

@@ -312,15 +312,15 @@ const std::vector<FaultRow>& faultRows() {
     using enum RecordFault;
     constexpr auto motorola = InputFormat::MotorolaS;
     static const std::vector<FaultRow> rows{
-        {NotARecord, 0, 0, Kind::RecordLine, "the line is no record"},
+        {NotARecord, 0, 0, Kind::RecordLine, "the line is not a record"},
         {ForeignText, 0x1A, 6, Kind::RecordLine,
          "text goes on after the byte 1A at the end of line 6"},
         {OtherFormat, 0, 0, Kind::WrongFormat, "an S-record in a file of Intel HEX"},
         {OtherFormat, 0, 0, Kind::WrongFormat, "a record of Intel HEX in a file of S-records",
          motorola},
-        {Digit, 'G', 3, Kind::RecordDigit, "G is no hexadecimal digit"},
-        {Digit, ' ', 3, Kind::RecordDigit, "the byte 20 is no hexadecimal digit"},
-        {Digit, 0x7F, 3, Kind::RecordDigit, "the byte 7F is no hexadecimal digit"},
+        {Digit, 'G', 3, Kind::RecordDigit, "G is not a hexadecimal digit"},
+        {Digit, ' ', 3, Kind::RecordDigit, "the byte 20 is not a hexadecimal digit"},
+        {Digit, 0x7F, 3, Kind::RecordDigit, "the byte 7F is not a hexadecimal digit"},
         {Digits, 11, 12, Kind::RecordLength, "the record's count gives 12 digits, the line has 11"},
         {Digits, 2, 1, Kind::RecordLength, "the record's count gives 1 digit, the line has 2"},
         {CountTooLow, 2, 3, Kind::RecordLength, "count is 2, a record of this type has at least 3",

@@ -1,4 +1,4 @@
-#include "inspect/Records.hpp"
+#include "inspect/RecordCounts.hpp"
 
 #include <algorithm>
 
@@ -6,7 +6,7 @@
 
 namespace Inspect {
 
-std::uint64_t Records::total() const {
+std::uint64_t RecordCounts::total() const {
     std::uint64_t sum = 0;
     for (const Kind& kind : kinds) sum += kind.count;
     return sum;
@@ -17,8 +17,8 @@ void RecordCounter::visit(const Io::Import::RecordLines& records) {
     if (records.isData && records.size < lengths_.size()) lengths_[records.size] += records.count;
 }
 
-Records RecordCounter::result(Facts::InputFormat format) const {
-    Records records;
+RecordCounts RecordCounter::result(Facts::InputFormat format) const {
+    RecordCounts records;
     const auto names = Io::Formats::rowOf(format).recordKinds;
     for (std::size_t kind = 0; kind < names.size(); ++kind)
         if (counts_[kind] != 0) records.kinds.push_back({std::string(names[kind]), counts_[kind]});

@@ -12,7 +12,7 @@
 namespace Inspect {
 
 /// What a text file consists of.
-struct Records {
+struct RecordCounts {
     struct Kind {
         std::string name;  ///< "data", "extended linear address", "S3 data"
         std::uint64_t count;
@@ -30,7 +30,7 @@ public:
     void visit(const Io::Import::RecordLines& records) override;
 
     /// What was counted; nothing of a format whose records have no names.
-    Records result(Facts::InputFormat format) const;
+    RecordCounts result(Facts::InputFormat format) const;
 
 private:
     static constexpr std::size_t byteValues = 256;

@@ -1,4 +1,4 @@
-#include "parser/text/ScriptText.hpp"
+#include "parser/text/Preparation.hpp"
 
 #include <algorithm>
 #include <boost/algorithm/string/trim.hpp>
