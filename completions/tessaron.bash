@@ -17,7 +17,9 @@ _tessaron_words() {
         unused-variable crc-parameter word-size cropped unwritten truncated-value
         expression-order number-pair variable-in-word variable-dollar symbol-unused
         execution-address length-corrected swallowed no-effect end-as-length conflict overlap
-        start-address tolerated'
+        start-address tolerated
+        value-size whole-image text-size number-range empty-area digest-self digest-stale
+        format-ending empty-output double-area repeated-option in-place unused-image bare-word'
     case $command:$previous in
         diff:--ignore) return ;;
         *:--error | *:--warn | *:--ignore) compgen -W "$kinds" -- "$current"; return ;;

@@ -5,7 +5,10 @@ set -l kinds no-end unknown-name duplicate-name outside wiped empty-image empty-
     call-failed unused-variable crc-parameter word-size cropped unwritten \
     truncated-value expression-order number-pair variable-in-word variable-dollar \
     symbol-unused execution-address length-corrected swallowed no-effect end-as-length \
-    conflict overlap start-address tolerated
+    conflict overlap start-address tolerated \
+    value-size whole-image text-size number-range empty-area digest-self \
+    digest-stale format-ending empty-output double-area repeated-option in-place \
+    unused-image bare-word
 set -l none "not __fish_seen_subcommand_from $commands"
 set -l any "__fish_seen_subcommand_from $commands"
 set -l run '__fish_seen_subcommand_from run'
