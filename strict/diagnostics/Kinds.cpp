@@ -80,6 +80,12 @@ constexpr std::array allKinds{
     KindRow{Kind::Overlap, "overlap", Warning, false, "the same byte twice for one address"},
     KindRow{Kind::Tolerated, "tolerated", Warning, false, "an oddity of a file that loses no data"},
     KindRow{Kind::SameFile, "same-file", Error, true, "two files of a run in one place"},
+    KindRow{Kind::LeadingZero, "leading-zero", Warning, false,
+            "a decimal number that looks like a hexadecimal address"},
+    KindRow{Kind::BackslashPath, "backslash-path", Warning, false,
+            "a path with a backslash on a system that separates folders by /"},
+    KindRow{Kind::TypographicQuote, "typographic-quote", Error, false,
+            "a text that begins with a typographic quote"},
 };
 
 /// A kind is the index of its row.
@@ -89,7 +95,7 @@ constexpr bool isInOrder() {
     return true;
 }
 static_assert(isInOrder(), "a row for each kind, in the order of the enumerators");
-static_assert(allKinds.back().kind == Kind::SameFile, "the last kind has a row");
+static_assert(allKinds.back().kind == Kind::TypographicQuote, "the last kind has a row");
 
 }  // namespace
 

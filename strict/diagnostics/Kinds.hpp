@@ -64,6 +64,9 @@ enum class Kind : unsigned char {
     Overlap,
     Tolerated,
     SameFile,
+    LeadingZero,
+    BackslashPath,
+    TypographicQuote,
 };
 
 /// What the program knows of a kind.
