@@ -11,10 +11,11 @@
 #include <optional>
 #include <string_view>
 
-#include "parser/commands/CmdWriteFile.hpp"
+#include "cli/Listing.hpp"
 #include "platform/Paths.hpp"
 #include "platform/Version.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
+#include "strict/script/TypeAdvice.hpp"
 #include "util/Printable.hpp"
 
 namespace CommandLine {
@@ -69,25 +70,13 @@ Buffer::Area areaIn(const std::string& option, const std::string& text) {
     return {numbers[0], numbers[1]};
 }
 
-/// The formats and what may follow their keywords.
-std::string knownFormats() {
-    constexpr std::array suffixes{"", "[_N]", "_N", "_NAME"};  // by FormatNumber
-    std::string known;
-    for (const auto& format : Parser::WrapperLib::CmdWriteFile::formats()) {
-        known += known.empty() ? "" : ", ";
-        known += format.keyword;
-        known += suffixes.at(static_cast<std::size_t>(format.numberForm));
-    }
-    return known;
-}
-
 /// A format as -setFormat takes it.
 Parser::FormatChoice formatIn(const std::string& option, const std::string& text) {
     if (const auto format = Parser::formatIn(text)) return *format;
-    const auto near = Strict::nearest(text, Parser::formatNames());
+    const Strict::TypeAdvice advice = Strict::adviceOnFormat(text);
     throw CLI::ValidationError(
         option, "\"" + text + "\" is not a format; " +
-                    (near ? "did you mean " + *near + "?" : "there are " + knownFormats()));
+                    (advice.hint.empty() ? "tessaron help formats lists them" : advice.hint));
 }
 
 /// A file that is read or written as a file, not as a stream.
@@ -320,18 +309,60 @@ int refuse(std::string_view reason) {
     return static_cast<int>(Strict::ExitCode::Unusable);
 }
 
-/// Prints what help or version was asked for, and returns the exit code.
-int answer(const CLI::App& app, const CLI::Success& asked) {
-    app.exit(asked);
+/// The exit code of a program whose whole work was to print.
+int printed() {
     std::cout.flush();
     if (std::cout) return static_cast<int>(Strict::ExitCode::Good);
     std::cerr << "tessaron: standard output could not be written completely" << std::endl;
     return static_cast<int>(Strict::ExitCode::Failed);
 }
 
+/// Prints what help or version was asked for, and returns the exit code.
+int answer(const CLI::App& app, const CLI::Success& asked) {
+    app.exit(asked);
+    return printed();
+}
+
+/// What tessaron help takes: the topics, and the commands, whose help it prints.
+std::vector<std::string> topicsOf(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const Topic& topic : topics()) names.emplace_back(topic.name);
+    for (const CLI::App* const command : app.get_subcommands({}))
+        names.push_back(command->get_name());
+    return names;
+}
+
+void addHelp(CLI::App& app, std::string& topic) {
+    CLI::App* const help = app.add_subcommand("help", "lists what the language has");
+    std::string meanings = "Topics:\n";
+    for (const Topic& one : topics())
+        meanings += "  " + std::string(one.name) + ": " + one.meaning + "\n";
+    help->footer(meanings + "Example: tessaron help crcs");
+    help->add_option("topic", topic, "a topic, or a command")
+        ->type_name("TOPIC")
+        ->check([&app](const std::string& text) {
+            const auto known = topicsOf(app);
+            if (std::ranges::find(known, text) != known.end()) return std::string();
+            const std::string meant = Strict::didYouMean(text, known);
+            return text + " is not a topic" +
+                   (meant.empty() ? "; there are " + CLI::detail::join(known, ", ") : meant);
+        });
+}
+
+/// Prints the help on a topic, on a command, or on help itself, and returns the exit code.
+int explain(const CLI::App& app, const std::string& name) {
+    const auto topic =
+        std::ranges::find_if(topics(), [&](const Topic& one) { return name == one.name; });
+    if (topic != topics().end())
+        std::cout << topic->text();
+    else
+        std::cout << app.get_subcommand(name.empty() ? "help" : name)->help();
+    return printed();
+}
+
 /// What somebody may have meant by a first argument that is not a command.
 std::string adviceOn(const std::string& word, const std::vector<std::string>& commands) {
-    constexpr std::array<std::string_view, 6> helps{"/?", "-?", "/h", "/help", "help", "?"};
+    constexpr std::array<std::string_view, 5> helps{"/?", "-?", "/h", "/help", "?"};
     if (std::ranges::find(helps, word) != helps.end()) return "; did you mean --help?";
     const bool isScript = word.ends_with(".tsn");
     if (isScript) return "; did you mean tessaron run " + word + "?";
@@ -406,10 +437,13 @@ int read(std::span<const char* const> arguments, Request& request) {
     addDiff(app, request, texts);
     addMap(app, request, texts);
     addConvert(app, request, texts);
+    std::string topic;
+    addHelp(app, topic);
     if (const std::string fault = faultOfCommand(app, arguments); !fault.empty())
         return refuse(fault);
     try {
         app.parse(static_cast<int>(arguments.size()), arguments.data());
+        if (app.got_subcommand("help")) return explain(app, topic);
         apply(request, texts);
         request.run.isCheck = check->parsed();
     } catch (const CLI::Success& asked) {

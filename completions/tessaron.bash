@@ -11,7 +11,7 @@ _tessaron_words() {
         previous=${*:count-2:1}
     fi
     for ((i = 2; i < count; ++i)); do
-        case ${!i} in run | check | info | diff | map | convert) command=${!i} && break ;; esac
+        case ${!i} in run | check | info | diff | map | convert | help) command=${!i} && break ;; esac
     done
     local kinds='no-end unknown-name duplicate-name outside wiped empty-image empty-digest call-failed
         unused-variable crc-parameter word-size cropped unwritten truncated-value
@@ -19,7 +19,8 @@ _tessaron_words() {
         execution-address length-corrected swallowed no-effect end-as-length conflict overlap
         start-address tolerated
         value-size whole-image text-size number-range empty-area digest-self digest-stale
-        format-ending empty-output double-area repeated-option in-place unused-image bare-word'
+        format-ending empty-output double-area repeated-option in-place unused-image bare-word
+        leading-zero backslash-path typographic-quote'
     case $command:$previous in
         diff:--ignore) return ;;
         *:--error | *:--warn | *:--ignore) compgen -W "$kinds" -- "$current"; return ;;
@@ -35,7 +36,7 @@ _tessaron_words() {
     local script="$common --define --symbol --keep-going --ignore --werror"
     case $command:$current in
         :-*) compgen -W '--help --version' -- "$current" ;;
-        :*) compgen -W 'run check info diff map convert' -- "$current" ;;
+        :*) compgen -W 'run check info diff map convert help' -- "$current" ;;
         run:-*) compgen -W "$script --depfile --manifest --map --report" -- "$current" ;;
         check:-*) compgen -W "$script --against-disk --manifest" -- "$current" ;;
         info:-*) compgen -W "$common --json --symbols --width" -- "$current" ;;
@@ -44,6 +45,10 @@ _tessaron_words() {
         map:-*) compgen -W "$common --svg --ascii --width" -- "$current" ;;
         convert:-*)
             compgen -W "$common --crop --fill --offset --format --print-script" -- "$current" ;;
+        help:-*) compgen -W '--help' -- "$current" ;;
+        help:*)
+            compgen -W 'statements crcs hashes formats kinds
+                run check info diff map convert help' -- "$current" ;;
         *) compgen -f -- "$current" ;;
     esac
 }

@@ -1,6 +1,7 @@
 # Completion of tessaron for fish.
 
 set -l commands run check info diff map convert
+set -l topics statements crcs hashes formats kinds
 set -l kinds no-end unknown-name duplicate-name outside wiped empty-image empty-digest \
     call-failed unused-variable crc-parameter word-size cropped unwritten \
     truncated-value expression-order number-pair variable-in-word variable-dollar \
@@ -8,7 +9,7 @@ set -l kinds no-end unknown-name duplicate-name outside wiped empty-image empty-
     conflict overlap start-address tolerated \
     value-size whole-image text-size number-range empty-area digest-self \
     digest-stale format-ending empty-output double-area repeated-option in-place \
-    unused-image bare-word
+    unused-image bare-word leading-zero backslash-path typographic-quote
 set -l none "not __fish_seen_subcommand_from $commands"
 set -l any "__fish_seen_subcommand_from $commands"
 set -l run '__fish_seen_subcommand_from run'
@@ -27,6 +28,8 @@ complete -c tessaron -n $none -f -a info -d 'Print what is in files'
 complete -c tessaron -n $none -f -a diff -d 'Print where two files differ'
 complete -c tessaron -n $none -f -a map -d 'Draw the address space'
 complete -c tessaron -n $none -f -a convert -d 'Convert a file'
+complete -c tessaron -n $none -f -a help -d 'List what the language has'
+complete -c tessaron -n '__fish_seen_subcommand_from help' -f -a "$topics $commands"
 
 complete -c tessaron -n $any -s C -l directory -x -a '(__fish_complete_directories)' -d 'Work in this folder'
 complete -c tessaron -n $any -s q -l quiet -d 'Print errors only'

@@ -85,12 +85,10 @@ Digest digestOf(const Parts& parts, const Buffer::AreaList& areas) {
     return digester.finish();
 }
 
-std::uint32_t crc32Of(const Buffer::MemoryBuffer& image) {
-    std::uint32_t crc = 0;
-    forBytes(image.viewElements(), [&crc](Bytes bytes) {
-        crc = Util::Crc::GenericCrc::crc32Reflected(bytes, crc ^ allOnes);
-    });
-    return crc;
+Digest digestOf(const Buffer::MemoryBuffer& image) {
+    Digester digester;
+    forBytes(image.viewElements(), [&digester](Bytes bytes) { digester.take(bytes); });
+    return digester.finish();
 }
 
 std::string sha256Of(std::string_view text) {

@@ -53,8 +53,13 @@ Digest digestOf(const Parts& parts, const Buffer::Area& area);
 /// The digests of the written bytes of all areas, one after the other.
 Digest digestOf(const Parts& parts, const Buffer::AreaList& areas);
 
-/// CRC-32 of the effective bytes of a whole image.
-std::uint32_t crc32Of(const Buffer::MemoryBuffer& image);
+/// The digests of the effective bytes of a whole image.
+Digest digestOf(const Buffer::MemoryBuffer& image);
+
+/// What CRC-32 is of all data that ends with its own CRC-32, lowest byte first: the remainder that
+/// the published catalogue gives as residue, 0xDEBB20E3, after the final xor. It tells no data from
+/// other.
+inline constexpr std::uint32_t crc32OfSelfChecked = 0x2144DF1C;
 
 /// SHA-256 of a text, as in `Digest`.
 std::string sha256Of(std::string_view text);

@@ -139,6 +139,14 @@ std::string dataText(const Info& info) {
     return text;
 }
 
+/// The value, which identifies the data unless it is the one of all data with its own CRC-32.
+std::string checksumText(std::uint32_t crc) {
+    const std::string digits = Util::hexWord(crc);
+    return crc == crc32OfSelfChecked
+               ? digits + ", as of any data that ends with its own CRC-32: see SHA-256"
+               : digits;
+}
+
 std::string wordFor(Io::Import::Symbol::Kind kind) {
     switch (kind) {
         case Io::Import::Symbol::Kind::Data:
@@ -220,7 +228,7 @@ std::string textOf(const Info& info, std::size_t width) {
     text += segmentsText(info.segments);
     text += "  data      " + dataText(info) + "\n";
     if (!info.areas.empty())
-        text += "  CRC-32    " + Util::hexWord(info.digest.crc32) + "\n  SHA-256   " +
+        text += "  CRC-32    " + checksumText(info.digest.crc32) + "\n  SHA-256   " +
                 info.digest.sha256 + "\n";
     for (const Remark& remark : info.remarks) text += remarkText(remark);
     if (!info.areas.empty()) text += "\n" + areasText(info.areas, width);

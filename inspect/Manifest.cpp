@@ -1,9 +1,11 @@
 #include <array>
 #include <utility>
 
+#include "inspect/CrcWords.hpp"
 #include "inspect/Digest.hpp"
 #include "inspect/Json.hpp"
 #include "inspect/RunRecord.hpp"
+#include "inspect/Words.hpp"
 #include "util/Hex.hpp"
 
 namespace Inspect {
@@ -16,12 +18,15 @@ Json inputJson(const FileRecord& file) {
         json["format"] = file.format;
         json["areas"] = toJson(file.areas);
     }
+    if (file.startAddress) json["startAddress"] = addressText(*file.startAddress);
     return json;
 }
 
 Json outputJson(const FileRecord& file) {
-    return {{"path", file.path},     {"format", file.format}, {"size", file.size},
-            {"sha256", file.sha256}, {"images", file.images}, {"line", file.line}};
+    Json json{{"path", file.path},     {"format", file.format}, {"size", file.size},
+              {"sha256", file.sha256}, {"images", file.images}, {"line", file.line}};
+    if (file.startAddress) json["startAddress"] = addressText(*file.startAddress);
+    return json;
 }
 
 const char* wordFor(MapKind kind) {
@@ -42,19 +47,52 @@ Json imageJson(const ImageRecord& record) {
     const Buffer::Area area = record.image->getArea();
     Json json{{"name", record.name}};
     json.update(toJson(area));
-    json["crc32"] = Util::hexWord(crc32Of(*record.image));
+    const Digest digest = digestOf(*record.image);
+    json["crc32"] = Util::hexWord(digest.crc32);
+    json["sha256"] = digest.sha256;
+    if (record.startAddress) json["startAddress"] = addressText(*record.startAddress);
     json["ranges"] = Json::array();
     for (const OriginRange& range : record.ranges) json["ranges"].push_back(rangeJson(range));
     return json;
 }
 
+Json algorithmJson(const Algorithm& algorithm) {
+    Json json{{"name", algorithm.name}};
+    if (!algorithm.meaning.empty()) json["meaning"] = algorithm.meaning;
+    if (!algorithm.crc) return json;
+    const Util::Crc::CrcParameters& crc = *algorithm.crc;
+    json["width"] = crc.width;
+    json["poly"] = crcNumberText(crc.polynomial, crc.width);
+    json["init"] = crcNumberText(crc.initial, crc.width);
+    json["refin"] = crc.isInputReflected;
+    json["refout"] = crc.isOutputReflected;
+    json["xorout"] = crcNumberText(crc.finalXor, crc.width);
+    return json;
+}
+
+/// A CRC with its highest byte first.
+std::string numberDigits(const ValueRecord& value) {
+    constexpr std::size_t digitsOfByte = 2;
+    if (value.kind != "crc") return value.bytes;
+    std::string digits;
+    for (std::size_t at = value.bytes.size(); at != 0; at -= digitsOfByte)
+        digits += value.bytes.substr(at - digitsOfByte, digitsOfByte);
+    return digits;
+}
+
 Json valueJson(const ValueRecord& value) {
-    Json json{
-        {"name", value.name}, {"kind", value.kind}, {"value", value.bytes}, {"line", value.line}};
+    Json json{{"name", value.name},           {"kind", value.kind},
+              {"value", numberDigits(value)}, {"bytes", value.bytes},
+              {"line", value.line},           {"algorithm", algorithmJson(value.algorithm)}};
+    if (value.wordSize != 1) json["wordSize"] = value.wordSize;
+    json["covers"] = Json::array();
+    for (const ValueRecord::Source& source : value.sources)
+        json["covers"].push_back({{"image", source.image}, {"areas", toJson(source.areas)}});
     json["places"] = Json::array();
     for (const ValueRecord::Place& place : value.places) {
         Json entry{{"image", place.image}};
         entry.update(toJson(place.area));
+        if (!place.byteOrder.empty()) entry["byteOrder"] = place.byteOrder;
         entry["line"] = place.line;
         json["places"].push_back(std::move(entry));
     }

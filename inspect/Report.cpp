@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "inspect/CrcWords.hpp"
 #include "inspect/Json.hpp"
 #include "inspect/PageParts.hpp"
 #include "inspect/RunRecord.hpp"
@@ -261,7 +262,8 @@ void Page::addOutputs() {
         for (const std::string& name : file.images) images += (images.empty() ? "" : ", ") + name;
         add("<tr>");
         addCell(file.path);
-        addCell(file.format);
+        addCell(file.format + (file.startAddress ? ", starts at " + addressText(*file.startAddress)
+                                                 : std::string()));
         addCell(grouped(file.size), " class=\"n\"");
         addCell(images);
         add("<td>" + lineLink(file.line) + "</td>");
@@ -321,7 +323,8 @@ void Page::addImage(std::size_t index) {
     add("<section aria-labelledby=\"image-" + number + "\"><h3 id=\"image-" + number + "\">");
     addText(
         image.name + ", " +
-        (area.length == 0 ? std::string("empty") : rangeText(area) + ", " + sizeText(area.length)));
+        (area.length == 0 ? std::string("empty") : rangeText(area) + ", " + sizeText(area.length)) +
+        (image.startAddress ? ", starts at " + addressText(*image.startAddress) : std::string()));
     add("</h3>\n");
     if (area.length == 0) {
         add("</section>\n");
@@ -365,21 +368,47 @@ void Page::addRange(std::size_t index, const OriginRange& range) {
     add("</tr>\n");
 }
 
+/// Which algorithm it is, with its parameters.
+std::string algorithmText(const ValueRecord& value) {
+    std::string text = value.algorithm.name;
+    if (!value.algorithm.meaning.empty()) text += ": " + value.algorithm.meaning;
+    if (value.algorithm.crc) text += "; " + crcText(*value.algorithm.crc);
+    if (value.wordSize != 1)
+        text += "; the bytes of each word of " + std::to_string(value.wordSize) + " reversed";
+    return text;
+}
+
+/// What it covers.
+std::string sourcesText(const ValueRecord& value) {
+    std::string text;
+    for (const ValueRecord::Source& source : value.sources) {
+        text += (text.empty() ? "" : "; ") + source.image;
+        for (const Area& area : source.areas)
+            text += (&area == &source.areas.front() ? " " : ", ") +
+                    (area.length == 0 ? std::string("nothing") : rangeText(area));
+    }
+    return text;
+}
+
 void Page::addValues() {
     add("<h2 id=\"values\">Checksums</h2>\n");
     if (record_->values.empty()) {
         add("<p>None.</p>\n");
         return;
     }
-    addTable("<th>Name</th><th>Kind</th><th>Made in</th><th>Put at</th><th>Value</th>");
+    addTable(
+        "<th>Name</th><th>Algorithm</th><th>Over</th><th>Made in</th><th>Put at</th>"
+        "<th>Bytes</th>");
     for (const ValueRecord& value : record_->values) {
         add("<tr>");
         addCell(value.name);
-        addCell(value.kind == "crc" ? "CRC" : "hash");
+        addCell(algorithmText(value));
+        addCell(sourcesText(value));
         add("<td>" + lineLink(value.line) + "</td><td>");
         for (const ValueRecord::Place& place : value.places) {
             addText((&place == &value.places.front() ? "" : "; ") + place.image + " " +
-                    rangeText(place.area) + ", ");
+                    rangeText(place.area) +
+                    (place.byteOrder.empty() ? "" : ", " + place.byteOrder) + ", ");
             add(lineLink(place.line));
         }
         if (value.places.empty()) add("nowhere");

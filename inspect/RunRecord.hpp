@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,7 @@
 #include "buffer/MemoryBuffer.hpp"
 #include "inspect/Info.hpp"
 #include "inspect/Map.hpp"
+#include "util/crc/CrcParameters.hpp"
 
 namespace Inspect {
 
@@ -19,9 +21,10 @@ struct FileRecord {
     std::string format;  ///< empty if the run did not read it as an image
     std::uint64_t size = 0;
     std::string sha256;
-    Buffer::AreaList areas;           ///< of data, ascending; of inputs only
-    std::vector<std::string> images;  ///< that went into an output
-    std::size_t line = 0;             ///< of the statement in the script
+    Buffer::AreaList areas;                     ///< of data, ascending; of inputs only
+    std::vector<std::string> images;            ///< that went into an output
+    std::size_t line = 0;                       ///< of the statement in the script
+    std::optional<std::uint64_t> startAddress;  ///< of the program, where a file has one
 };
 
 /// Addresses that the lines of a text file from `firstLine` on gave, the same number of bytes each;
@@ -47,7 +50,15 @@ struct OriginRange {
 struct ImageRecord {
     std::string name;
     const Buffer::MemoryBuffer* image = nullptr;
-    std::vector<OriginRange> ranges;  ///< ascending, without overlap; gaps are left out
+    std::vector<OriginRange> ranges;            ///< ascending, without overlap; gaps are left out
+    std::optional<std::uint64_t> startAddress;  ///< of the program, that its input file names
+};
+
+/// What computes a CRC or a hash.
+struct Algorithm {
+    std::string name;     ///< a name of the catalogue, a type of the language, or Custom
+    std::string meaning;  ///< what the type computes, in words; empty if the name says it
+    std::optional<Util::Crc::CrcParameters> crc;  ///< unless it is a sum or a hash
 };
 
 /// A CRC or a hash.
@@ -56,12 +67,20 @@ struct ValueRecord {
         std::string image;
         Buffer::Area area;
         std::size_t line;
+        std::string byteOrder;  ///< LittleEndian or BigEndian; empty for a hash
+    };
+    struct Source {
+        std::string image;
+        Buffer::AreaList areas;  ///< in the order in which their bytes count
     };
     std::string name;
     std::string kind;   ///< "crc" or "hash"
-    std::string bytes;  ///< hexadecimal digits, a CRC with its highest byte first
+    std::string bytes;  ///< hexadecimal digits, in the order in which PRINT_CRC shows them
     std::size_t line = 0;
-    std::vector<Place> places;  ///< where it was put
+    Algorithm algorithm;
+    std::vector<Source> sources;  ///< what it covers, in their order
+    std::uint32_t wordSize = 1;   ///< bytes that are taken in reverse order
+    std::vector<Place> places;    ///< where it was put
 };
 
 /// All that went into a run and came out of it.

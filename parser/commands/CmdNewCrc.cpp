@@ -3,6 +3,7 @@
 #include <array>
 #include <climits>
 #include <optional>
+#include <utility>
 
 #include "facts/Listener.hpp"
 #include "util/crc/GenericCrc.hpp"
@@ -41,34 +42,55 @@ std::optional<Facts::CrcParameter> faultOf(const Util::Crc::CrcParameters& crc) 
     return std::nullopt;
 }
 
-constexpr ValueType tolmen{"Crc32_Tolmen", "SetCrc_Crc32_Tolmen -> ",
-                           &computed<Crc::crcCrc32_Tolmen>};
+/// A checksum of this system that is a CRC.
+template <class Algorithm>
+constexpr ValueType polynomial(const char* keyword, const char* trace, const char* meaning,
+                               const Util::Crc::CrcParameters& parameters) {
+    return {keyword, trace, &computed<Algorithm>, meaning, parameters};
+}
+
+constexpr ValueType tolmen = polynomial<Crc::crcCrc32_Tolmen>(
+    "Crc32_Tolmen", "SetCrc_Crc32_Tolmen -> ", "CRC-32/MPEG-2 that begins with 0",
+    {32, 0x04C11DB7, 0, false, false, 0});
 
 constexpr std::array<ValueType, 17> catalogue{{
-    {"Crc8_Standard", "SetCrc_Crc8_Standard -> ", &computed<Crc::crcCrc8_Standard>},
+    {"Crc8_Standard", "SetCrc_Crc8_Standard -> ", &computed<Crc::crcCrc8_Standard>,
+     "the sum of the bytes"},
     {"Crc8_OnesComplement", "SetCrc_Crc8_OnesComplement -> ",
-     &computed<Crc::crcCrc8_OnesComplement>},
+     &computed<Crc::crcCrc8_OnesComplement>, "the one's complement of the sum of the bytes"},
     {"Crc8_TwosComplement", "SetCrc_Crc8_TwosComplement -> ",
-     &computed<Crc::crcCrc8_TwosComplement>},
-    {"Crc8_Eeprom", "SetCrc_Crc8_Eeprom -> ", &computed<Crc::crcCrc8_Eeprom>},
-    {"Crc16_Standard", "SetCrc_Crc16_Standard -> ", &computed<Crc::crcCrc16_Standard>},
+     &computed<Crc::crcCrc8_TwosComplement>, "the two's complement of the sum of the bytes"},
+    polynomial<Crc::crcCrc8_Eeprom>("Crc8_Eeprom", "SetCrc_Crc8_Eeprom -> ",
+                                    "CRC-8/ROHC that begins with 0", {8, 0x07, 0, true, true, 0}),
+    {"Crc16_Standard", "SetCrc_Crc16_Standard -> ", &computed<Crc::crcCrc16_Standard>,
+     "the sum of the bytes"},
     {"Crc16_OnesComplement_BE", "SetCrc_Crc16_OnesComplement_BE -> ",
-     &computed<Crc::crcCrc16_OnesComplement_BE>},
+     &computed<Crc::crcCrc16_OnesComplement_BE>,
+     "the one's complement of the sum of big-endian words"},
     {"Crc16_TwosComplement_BE", "SetCrc_Crc16_TwosComplement_BE -> ",
-     &computed<Crc::crcCrc16_TwosComplement_BE>},
-    {"Crc16_Legacy_Karst_Brae", "SetCrc_Crc16_Legacy_Karst_Brae -> ",
-     &computed<Crc::crcCrc16_Legacy_Karst_Brae>},
-    {"Crc16_Ccitt", "SetCrc_Crc16_Ccitt -> ", &computed<Crc::crcCrc16_Ccitt>},
-    {"Crc16_ibm_sdlc", "SetCrc_Crc16_ibm_sdlc -> ", &computed<Crc::crcCrc16_ibm_sdlc>},
-    {"Crc32_Standard", "SetCrc_Crc32_Standard -> ", &computed<Crc::crcCrc32_Standard>},
+     &computed<Crc::crcCrc16_TwosComplement_BE>,
+     "the two's complement of the sum of big-endian words"},
+    polynomial<Crc::crcCrc16_Legacy_Karst_Brae>(
+        "Crc16_Legacy_Karst_Brae", "SetCrc_Crc16_Legacy_Karst_Brae -> ", "CRC-16/MODBUS",
+        {16, 0x8005, 0xFFFF, true, true, 0}),
+    polynomial<Crc::crcCrc16_Ccitt>("Crc16_Ccitt", "SetCrc_Crc16_Ccitt -> ", "CRC-16/IBM-3740",
+                                    {16, 0x1021, 0xFFFF, false, false, 0}),
+    polynomial<Crc::crcCrc16_ibm_sdlc>("Crc16_ibm_sdlc", "SetCrc_Crc16_ibm_sdlc -> ",
+                                       "CRC-16/IBM-SDLC", {16, 0x1021, 0xFFFF, true, true, 0xFFFF}),
+    {"Crc32_Standard", "SetCrc_Crc32_Standard -> ", &computed<Crc::crcCrc32_Standard>,
+     "the sum of the bytes"},
     tolmen,
-    {"Crc32_Ethernet_Mpeg2", "SetCrc_Crc32_Ethernet_Mpeg2 -> ",
-     &computed<Crc::crcCrc32_Ethernet_Mpeg2>},
-    {"Crc32_Vector_AUTOSAR", "SetCrc_Crc32_Vector_AUTOSAR -> ",
-     &computed<Crc::crcCrc32_Vector_AUTOSAR>},
-    {"InterpretAsLittleEndian", "SetCrc_InterpretAsLittleEndian -> ", &interpreted<1>},
-    {"InterpretAsBigEndian", "SetCrc_InterpretAsBigEndian -> ", &interpreted<2>},
-    {"DataLength", "SetCrc_DataLength -> ", &dataLength},
+    polynomial<Crc::crcCrc32_Ethernet_Mpeg2>("Crc32_Ethernet_Mpeg2",
+                                             "SetCrc_Crc32_Ethernet_Mpeg2 -> ", "CRC-32/MPEG-2",
+                                             {32, 0x04C11DB7, 0xFFFFFFFF, false, false, 0}),
+    polynomial<Crc::crcCrc32_Vector_AUTOSAR>("Crc32_Vector_AUTOSAR",
+                                             "SetCrc_Crc32_Vector_AUTOSAR -> ", "CRC-32/ISO-HDLC",
+                                             {32, 0x04C11DB7, 0xFFFFFFFF, true, true, 0xFFFFFFFF}),
+    {"InterpretAsLittleEndian", "SetCrc_InterpretAsLittleEndian -> ", &interpreted<1>,
+     "the bytes as a number, the first one lowest"},
+    {"InterpretAsBigEndian", "SetCrc_InterpretAsBigEndian -> ", &interpreted<2>,
+     "the bytes as a number, the first one highest"},
+    {"DataLength", "SetCrc_DataLength -> ", &dataLength, "the number of the bytes"},
 }};
 
 }  // namespace
@@ -79,19 +101,27 @@ std::span<const ValueType> CmdNewCrc::types() {
     return catalogue;
 }
 
+const ValueType& CmdNewCrc::usualType() {
+    return tolmen;
+}
+
+Util::Crc::CrcParameters CmdNewCrc::customCrc(std::span<const std::uint32_t> parameters) {
+    const std::uint32_t width = parameters[0];
+    return {width > INT_MAX ? 0 : static_cast<int>(width),
+            parameters[1],
+            parameters[2],
+            parameters[3] != 0,
+            parameters[4] != 0,
+            parameters[5]};
+}
+
 void CmdNewCrc::setCatalogueCrc(const Util::Crc::CatalogueEntry& entry) {
     setCompute([&entry](Crc::Bytes data) { return computeCrc(entry.parameters, data); });
 }
 
 void CmdNewCrc::setCustomCrc(std::vector<std::uint32_t> parameters) {
-    const std::uint32_t width = parameters.at(0);
-    const Util::Crc::CrcParameters crc{width > INT_MAX ? 0 : static_cast<int>(width),
-                                       parameters.at(1),
-                                       parameters.at(2),
-                                       parameters.at(3) != 0,
-                                       parameters.at(4) != 0,
-                                       parameters.at(5)};
-    setCompute([this, crc](Crc::Bytes data) -> std::optional<ByteList> {
+    setCompute([this, numbers = std::move(parameters)](Crc::Bytes data) -> std::optional<ByteList> {
+        const Util::Crc::CrcParameters crc = customCrc(numbers);
         if (const auto fault = faultOf(crc)) {
             Facts::report(Facts::CrcParameterRefused{name(), *fault});
             return std::nullopt;

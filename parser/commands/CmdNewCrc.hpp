@@ -18,6 +18,9 @@ public:
     /// The checksums that a script can name, in the order in which the grammar tries them.
     static std::span<const ValueType> types();
 
+    /// The type of a statement without `-setType`.
+    static const ValueType& usualType();
+
     /// Computes a CRC of the catalogue.
     void setCatalogueCrc(const Util::Crc::CatalogueEntry& entry);
 
@@ -27,6 +30,9 @@ public:
     /// @param parameters  width, polynomial, initial value, 1 or 0 for a reflected input and a
     ///                    reflected output, final xor
     void setCustomCrc(std::vector<std::uint32_t> parameters);
+
+    /// The CRC that the six numbers of `setCustomCrc` describe.
+    static Util::Crc::CrcParameters customCrc(std::span<const std::uint32_t> parameters);
 
     std::uint32_t getCmdType() const override { return number(CmdType::NewCrc); }
 };

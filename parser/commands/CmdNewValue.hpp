@@ -12,15 +12,18 @@
 
 #include "facts/Facts.hpp"
 #include "parser/commands/CmdApi.hpp"
+#include "util/crc/CrcParameters.hpp"
 
 namespace Parser::WrapperLib {
 
-/// A `-setType` keyword, the trace text of its parser action and what it computes. Without a
-/// function it computes nothing and its value is empty.
+/// A `-setType` keyword and what it means.
 struct ValueType {
     const char* keyword;
-    const char* trace;
+    const char* trace;  ///< the trace text of its parser action
+    /// Without a function it computes nothing and its value is empty.
     ByteList (*compute)(std::span<const std::uint8_t> data);
+    const char* meaning = "";  ///< what it computes, in words
+    std::optional<Util::Crc::CrcParameters> parameters = std::nullopt;  ///< if it is a CRC
 };
 
 /// What NEW_CRC and NEW_HASH share: a value is computed over the effective bytes of images and

@@ -43,6 +43,7 @@ enum class FormatNumber : std::uint8_t {
 /// comparison of outputs take everything from these rows.
 struct ExportFormat {
     const char* keyword = nullptr;  ///< of `-setFormat`
+    const char* meaning = nullptr;  ///< one line, for people
     const char* trace = nullptr;    ///< the trace text of its parser action
     std::unique_ptr<Io::Export::TessaronExportApi> (*makeWriter)(
         const std::string& path, const OutputStyles& styles) = nullptr;

@@ -186,21 +186,6 @@ std::string nameIn(const FormatChoice& choice) {
     return named == names.end() ? std::string() : std::string(named->name);
 }
 
-std::vector<std::string> formatNames() {
-    std::vector<std::string> names;
-    for (const ExportFormat& format : CmdWriteFile::formats()) {
-        const std::string keyword = format.keyword;
-        if (format.numberForm == FormatNumber::Named)
-            for (const Io::NamedNumber& named : format.names())
-                names.push_back(keyword + "_" + std::string(named.name));
-        else if (format.numberForm == FormatNumber::Required)
-            names.push_back(keyword + "_N");
-        else
-            names.push_back(keyword);
-    }
-    return names;
-}
-
 std::unique_ptr<const StatementRules> writeFileCmd(CommonRules& rules, ParserState& state) {
     return std::make_unique<WriteFileRules>(rules, state);
 }

@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace Parser {
 
@@ -19,9 +18,5 @@ std::optional<FormatChoice> formatIn(std::string_view text);
 
 /// The name that the number of a choice has in its format; empty if it has none.
 std::string nameIn(const FormatChoice& choice);
-
-/// What can be said of each format, for suggestions: its keyword, with _N if a number has to
-/// follow, or with each of the names that may follow.
-std::vector<std::string> formatNames();
 
 }  // namespace Parser

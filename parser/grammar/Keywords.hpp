@@ -9,4 +9,13 @@ namespace Parser {
 /// formats, without the values that follow them.
 std::vector<std::string> keywords();
 
+/// The first word of a statement, and what the statement does, in one line.
+struct StatementWord {
+    std::string keyword;
+    std::string meaning;
+};
+
+/// All statements, in the order in which the grammar tries them.
+std::vector<StatementWord> statementWords();
+
 }  // namespace Parser

@@ -115,9 +115,9 @@ CommonRules::CommonRules(ParserState& state) : state_(&state) {
 /// CALCULATE makes no statement: `calculated` has its expression evaluated by it.
 ScriptRules::ScriptRules(ParserState& state) : CommonRules(state) {
     std::vector<const Rule*> alternatives;
-    for (const StatementDefinition define : statementDefinitions) {
+    for (const StatementRow& row : statementRows) {
         const std::size_t words = keywords.size();
-        statements.push_back(define(*this, state));
+        statements.push_back(row.define(*this, state));
         statementKeywords.push_back(keywords[words]);
         alternatives.push_back(&statements.back()->command);
     }
@@ -132,6 +132,15 @@ std::vector<std::string> keywords() {
     ParserState state(nullptr);
     const ScriptRules rules(state);
     return {rules.keywords.begin(), rules.keywords.end()};
+}
+
+std::vector<StatementWord> statementWords() {
+    ParserState state(nullptr);
+    const ScriptRules rules(state);
+    std::vector<StatementWord> words;
+    for (std::size_t i = 0; i < statementRows.size(); ++i)
+        words.push_back({std::string(rules.statementKeywords[i]), statementRows[i].meaning});
+    return words;
 }
 
 }  // namespace Parser

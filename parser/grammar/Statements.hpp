@@ -21,10 +21,23 @@ std::unique_ptr<const StatementRules> newCrcCmd(CommonRules& rules, ParserState&
 std::unique_ptr<const StatementRules> newHashCmd(CommonRules& rules, ParserState& state);
 std::unique_ptr<const StatementRules> callAppCmd(CommonRules& rules, ParserState& state);
 
-/// In the order in which the grammar tries them.
-inline constexpr std::array<StatementDefinition, 10> statementDefinitions{
-    &newBufferCmd, &fillBufferCmd, &printTextCmd, &printBufferCmd, &printCrcCmd,
-    &printHashCmd, &writeFileCmd,  &newCrcCmd,    &newHashCmd,     &callAppCmd,
+struct StatementRow {
+    StatementDefinition define;
+    const char* meaning;  ///< one line, for people
 };
+
+/// In the order in which the grammar tries them.
+inline constexpr std::array<StatementRow, 10> statementRows{{
+    {&newBufferCmd, "makes an image from a file, from values, from other images or empty"},
+    {&fillBufferCmd, "writes values, text, a filler, a CRC or a hash into an image"},
+    {&printTextCmd, "prints a text"},
+    {&printBufferCmd, "prints the bytes of an image"},
+    {&printCrcCmd, "prints a CRC"},
+    {&printHashCmd, "prints a hash"},
+    {&writeFileCmd, "writes images into a file"},
+    {&newCrcCmd, "computes a CRC, or another checksum, of images"},
+    {&newHashCmd, "computes a hash of images"},
+    {&callAppCmd, "runs a program"},
+}};
 
 }  // namespace Parser

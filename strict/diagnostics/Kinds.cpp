@@ -101,6 +101,12 @@ constexpr std::array<KindRow, static_cast<std::size_t>(Kind::Count)> allKinds{{
     KindRow{Kind::UnusedImage, "unused-image", Warning, false, "an image that nothing reads"},
     KindRow{Kind::BareWord, "bare-word", Warning, false,
             "a file name or text that looks like a variable"},
+    KindRow{Kind::LeadingZero, "leading-zero", Warning, false,
+            "a decimal number that looks like a hexadecimal address"},
+    KindRow{Kind::BackslashPath, "backslash-path", Warning, false,
+            "a path with a backslash on a system that separates folders by /"},
+    KindRow{Kind::TypographicQuote, "typographic-quote", Error, false,
+            "a text that begins with a typographic quote"},
 }};
 
 /// A kind is the index of its row.

@@ -78,6 +78,9 @@ enum class Kind : unsigned char {
     InPlace,
     UnusedImage,
     BareWord,
+    LeadingZero,
+    BackslashPath,
+    TypographicQuote,
     Count,  ///< of the kinds, itself not one
 };
 

@@ -12,6 +12,7 @@
 #include "parser/commands/CmdWriteFile.hpp"
 #include "parser/commands/Conventions.hpp"
 #include "platform/Paths.hpp"
+#include "strict/record/ValueAlgorithm.hpp"
 #include "util/Hex.hpp"
 
 namespace Strict {
@@ -114,7 +115,7 @@ private:
         const auto origins = run_->provenance->images().find(name);
         if (image == run_->context->buffers.end() || origins == run_->provenance->images().end())
             return;
-        Inspect::ImageRecord entry{name, &image->second, {}};
+        Inspect::ImageRecord entry{name, &image->second, {}, origins->second.startAddress};
         const OriginMap& written = origins->second.written;
         for (const auto& [start, range] : written.ranges())
             entry.ranges.push_back(writtenRange(range));
@@ -173,26 +174,55 @@ private:
         const auto& values = isCrc ? run_->context->crcs : run_->context->hashes;
         const auto value = values.find(name);
         if (value == values.end()) return;
-        ByteList bytes = value->second;
-        if (isCrc) std::ranges::reverse(bytes);
-        Inspect::ValueRecord entry{name, isCrc ? "crc" : "hash", "", lineOf(statement), {}};
-        Util::appendHex(entry.bytes, bytes);
+        Inspect::ValueRecord entry;
+        entry.name = name;
+        entry.kind = isCrc ? "crc" : "hash";
+        Util::appendHex(entry.bytes, value->second);
+        entry.line = lineOf(statement);
+        entry.algorithm = isCrc ? crcOf(statement) : hashOf(statement);
+        entry.sources = sourcesOf(statement);
+        if (const std::string_view size = statement.textOf(Role::WordSize); !size.empty())
+            entry.wordSize = static_cast<std::uint32_t>(size.front() - '0');
         record_.values.push_back(std::move(entry));
+    }
+
+    /// An image keeps its range, so this is the one that a statement without areas covered.
+    std::vector<Inspect::ValueRecord::Source> sourcesOf(const Statement& statement) const {
+        std::vector<Inspect::ValueRecord::Source> sources;
+        for (const Part& part : statement.all(Role::UsesImage)) {
+            const auto image = ran_->context->buffers.find(std::string(part.text));
+            if (image == ran_->context->buffers.end()) continue;
+            AreaList areas = statement.areas();
+            if (areas.empty()) areas.push_back(image->second.getArea());
+            sources.push_back({image->first, std::move(areas)});
+        }
+        return sources;
     }
 
     void addPlaces(const Statement& statement) {
         constexpr std::array values{Role::UsesCrc, Role::UsesHash};
         const Part* const stored = statement.last(values);
         if (stored == nullptr) return;
+        const bool isCrc = stored->role == Role::UsesCrc;
         const std::string name(statement.textOf(Role::ChangesImage));
         const auto value =
-            std::ranges::find(record_.values, stored->text, &Inspect::ValueRecord::name);
+            std::ranges::find_if(record_.values, [&](const Inspect::ValueRecord& one) {
+                return one.name == stored->text && (one.kind == "crc") == isCrc;
+            });
         const auto image = run_->context->buffers.find(name);
         if (value == record_.values.end() || image == run_->context->buffers.end()) return;
         AreaList areas = statement.areas();
         if (areas.empty()) areas.push_back(image->second.getArea());
         const std::size_t line = lineOf(statement);
-        for (const Area& area : areas) value->places.push_back({name, area, line});
+        const std::string order = isCrc ? orderOf(statement, image->second) : "";
+        for (const Area& area : areas) value->places.push_back({name, area, line, order});
+    }
+
+    /// The order in which FILL_BUFFER writes a CRC: its own, or the image's.
+    static std::string orderOf(const Statement& statement, const Buffer::MemoryBuffer& image) {
+        const std::string_view own = statement.textOf(Role::ByteOrder);
+        if (!own.empty()) return std::string(own);
+        return image.getByteOrder() == Buffer::ByteOrder::BigEndian ? "BigEndian" : "LittleEndian";
     }
 
     void addOutput(const Statement& statement) {
@@ -203,6 +233,8 @@ private:
         for (const Part& image : statement.all(Role::UsesImage))
             file.images.emplace_back(image.text);
         file.line = lineOf(statement);
+        if (const Part* const start = statement.last(Role::Start))
+            file.startAddress = statement.numbersOf(*start).back().value;
         const FileDigest digest = run_->files->outputDigest(name);
         file.size = digest.size;
         file.sha256 = digest.sha256;

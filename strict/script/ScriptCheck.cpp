@@ -6,8 +6,11 @@
 
 #include "inspect/Words.hpp"
 #include "parser/commands/CmdNewHash.hpp"
+#include "parser/commands/Conventions.hpp"
+#include "platform/Paths.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
 #include "strict/script/Arithmetic.hpp"
+#include "strict/script/TypographicQuote.hpp"
 
 namespace Strict {
 
@@ -152,8 +155,32 @@ void ScriptCheck::use(const Names& names, std::string_view name, const char* wha
 void ScriptCheck::checkTexts(const Statement& statement) {
     for (const Part& part : statement.parts)
         if (part.role == Role::InputFile || part.role == Role::OutputFile ||
-            part.role == Role::Program || part.role == Role::Text)
+            part.role == Role::Program || part.role == Role::Text) {
             checkText(part);
+            checkQuote(part);
+        }
+    for (const Part& part : statement.parts)
+        if (part.role == Role::InputFile || part.role == Role::OutputFile) checkPath(part);
+}
+
+/// A text in braces or plain quotes may begin with any sign.
+void ScriptCheck::checkQuote(const Part& part) {
+    const auto quote = typographicQuoteIn(part.text);
+    if (!quote || quote->at != 0) return;
+    report(Kind::TypographicQuote,
+           "this text begins with a typographic quote, a letter to the language", part.text,
+           std::string("write the plain quote ") + quote->plain);
+}
+
+/// An input that has such a name is what was meant.
+void ScriptCheck::checkPath(const Part& part) {
+    if (Platform::pathSeparator == '\\' || part.text.find('\\') == std::string_view::npos) return;
+    std::string path = Parser::WrapperLib::cleanedPath(std::string(part.text));
+    if (part.role == Role::InputFile && Platform::isRegularFile(path)) return;
+    std::ranges::replace(path, '\\', '/');
+    report(Kind::BackslashPath,
+           "a backslash is a part of the name here and does not separate folders", part.text,
+           "write " + path);
 }
 
 void ScriptCheck::checkText(const Part& part) {
@@ -205,7 +232,57 @@ void ScriptCheck::checkNumbers(const Statement& statement) {
         if (part.role == Role::Bytes || part.role == Role::Filler) checkBytes(statement, part);
         if (part.role == Role::Area || part.role == Role::Range) checkArea(statement, part);
     }
-    for (const Number& number : statement.numbers) checkExpression(number);
+    for (const Number& number : statement.numbers) {
+        checkExpression(number);
+        checkDecimal(number);
+    }
+    checkEnd(statement);
+}
+
+/// Nobody writes zeros before a decimal address. Small numbers have them in columns.
+void ScriptCheck::checkDecimal(const Number& number) {
+    constexpr std::size_t digitsOfAddress = 6;
+    constexpr std::string_view digits = "0123456789";
+    constexpr std::string_view wordCharacters = "0123456789abcdefABCDEFxX";
+    const std::string_view text = number.text;
+    for (std::size_t at = text.find_first_of(digits); at < text.size();) {
+        const std::size_t end = std::min(text.find_first_not_of(wordCharacters, at), text.size());
+        const std::string_view word = text.substr(at, end - at);
+        const std::size_t zeros = std::min(word.find_first_not_of('0'), word.size());
+        const bool isDecimal = word.find_first_not_of(digits) == std::string_view::npos;
+        if (isDecimal && word.size() >= digitsOfAddress && zeros != 0 && zeros != word.size())
+            report(Kind::LeadingZero,
+                   "this is the decimal number " + std::string(word.substr(zeros)), word,
+                   "a hexadecimal number begins with 0x: 0x" + std::string(word));
+        at = text.find_first_of(digits, end);
+    }
+}
+
+/// The bytes of a new image as far as its statement fixes their number.
+std::optional<std::uint64_t> ScriptCheck::lengthOf(const Statement& statement) {
+    if (const Part* const range = statement.last(Role::Range))
+        return statement.areaOf(*range).length;
+    if (statement.has(Role::Area)) return std::nullopt;
+    const Part* const bytes = statement.last(Role::Bytes);
+    return bytes == nullptr ? std::nullopt : std::optional<std::uint64_t>(bytes->numberCount);
+}
+
+void ScriptCheck::checkEnd(const Statement& statement) {
+    if (!statement.has(Role::MakesImage)) return;
+    constexpr std::uint64_t end = std::uint64_t{1} << 32U;
+    const Part* const range = statement.last(Role::Range);
+    const Part* const address = statement.last(Role::Address);
+    const auto length = lengthOf(statement);
+    const Part* const part = address != nullptr ? address : range;
+    if (part == nullptr || !length || *length == 0) return;
+    const std::uint64_t start = statement.numbersOf(*part).front().value;
+    if (start + *length <= end) return;
+    report(Kind::Outside,
+           "the image would end at " + Inspect::addressText(start + *length - 1) +
+               ", past the last address " + Inspect::addressText(end - 1),
+           part->text,
+           "from " + Inspect::addressText(start) + " on there are " +
+               Inspect::hexText(end - start) + " bytes");
 }
 
 void ScriptCheck::checkBytes(const Statement& statement, const Part& part) {

@@ -2,7 +2,9 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -50,6 +52,11 @@ private:
     void checkBytes(const Parser::Statement& statement, const Parser::Part& part);
     void checkArea(const Parser::Statement& statement, const Parser::Part& part);
     void checkExpression(const Parser::Number& number);
+    void checkDecimal(const Parser::Number& number);
+    void checkQuote(const Parser::Part& part);
+    void checkPath(const Parser::Part& part);
+    void checkEnd(const Parser::Statement& statement);
+    static std::optional<std::uint64_t> lengthOf(const Parser::Statement& statement);
     void makeNames(std::span<const Parser::Part> parts);
     void define(Registry registry, std::string_view name);
     void use(const Names& names, std::string_view name, const char* what);

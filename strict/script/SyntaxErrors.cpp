@@ -3,9 +3,18 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <span>
 #include <string>
+#include <utility>
 
+#include "io/NamedNumber.hpp"
+#include "parser/commands/CmdNewCrc.hpp"
+#include "parser/commands/CmdNewHash.hpp"
+#include "parser/commands/CmdWriteFile.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
+#include "strict/script/TypeAdvice.hpp"
+#include "strict/script/TypographicQuote.hpp"
+#include "util/crc/CrcParameters.hpp"
 
 namespace Strict {
 
@@ -127,9 +136,23 @@ bool hasBlankBeforeOperator(std::string_view before, char following) {
     return false;
 }
 
+/// The hexadecimal digits without 0x that begin with `word` or with the decimal digits before it;
+/// empty if they are not the whole number.
+std::string bareHex(std::string_view before, std::string_view word) {
+    constexpr std::string_view digits = "0123456789abcdefABCDEF";
+    constexpr std::size_t most = 8;
+    const std::size_t begin = before.find_last_not_of("0123456789") + 1;
+    const std::string text = std::string(before.substr(begin)) + std::string(word);
+    const bool isInWord = begin > 0 && isWordCharacter(before[begin - 1]);
+    const bool isHex = !isInWord && text.find_first_not_of(digits) == std::string::npos;
+    return !word.empty() && isHex && text.size() <= most ? text : std::string();
+}
+
 /// Advice for a place where a number is expected.
 std::string adviceForNumber(std::string_view before, std::string_view word) {
     if (word.starts_with('$')) return "a hexadecimal number begins with 0x";
+    if (const std::string hex = bareHex(before, word); !hex.empty() && !isDigit(word.front()))
+        return "a hexadecimal number begins with 0x: 0x" + hex;
     if (word.starts_with('-') || word.starts_with('+')) return "a number has no sign";
     if (isSigned(before)) return "a number has no sign";
     if (word == "}") return "is a comma missing between two numbers?";
@@ -138,7 +161,9 @@ std::string adviceForNumber(std::string_view before, std::string_view word) {
 }
 
 /// Advice for the end of a number that goes on.
-std::string adviceAfterNumber(std::string_view word) {
+std::string adviceAfterNumber(std::string_view before, std::string_view word) {
+    if (const std::string hex = bareHex(before, word); !hex.empty() && !isDigit(word.front()))
+        return "a hexadecimal number begins with 0x: 0x" + hex;
     if (word == "h" || word == "H") return "a hexadecimal number begins with 0x";
     if (word.starts_with('x')) return "a number has at most 32 bits";
     return {};
@@ -162,21 +187,22 @@ bool isAfterFileName(std::string_view text) {
 std::string advice(std::string_view before, std::string_view word, std::string_view rest,
                    const std::vector<std::string_view>& words) {
     const bool takesNumber = has(words, "a number");
-    const bool isRemark = word.starts_with('#') || word.starts_with("/*") ||
+    if (word == "#include") return "a script cannot include another file";
+    const bool isRemark = (word.starts_with('#') && word != "#define") || word.starts_with("/*") ||
                           word.starts_with(';') || word.starts_with("--");
     if (isRemark && !takesNumber) return "a remark begins with //";
     if (word.starts_with("\xEF\xBB\xBF")) return "remove the byte order mark at the beginning";
     const std::size_t next = rest.find_first_not_of(" \t", word.size());
     const bool isAssigned = !word.empty() && isWordCharacter(word.front()) &&
                             next != std::string_view::npos && rest[next] == '=';
-    if (word == "SUBSTITUTE" || isAssigned)
+    if (word == "SUBSTITUTE" || word == "#define" || isAssigned)
         return "a replacement is written SUBSTITUTE NAME WITH VALUE, with single blanks";
     if (!rest.empty() && hasBlankBeforeOperator(before, rest.front()))
         return "remove the blank between the parenthesis and the operator";
     std::string text = takesNumber ? adviceForNumber(before, word) : "";
     const std::size_t last = before.find_last_not_of(" \t");
     if (text.empty() && last != std::string_view::npos && isDigit(before[last]))
-        text = adviceAfterNumber(word);
+        text = adviceAfterNumber(before, word);
     if (!text.empty()) return text;
     if (!word.empty() && static_cast<unsigned char>(word.front()) > 0x7F)
         return "a name consists of letters, digits and # @ _ - ! < > &";
@@ -184,9 +210,6 @@ std::string advice(std::string_view before, std::string_view word, std::string_v
         return one.size() > 1 && isLastWord(before, one);
     };
     if (std::ranges::any_of(words, isBefore)) return "is the text in front of it missing?";
-    if (has(words, "Catalogue") && word.starts_with("CRC-"))
-        return "a CRC of the catalogue is written Catalogue{" + std::string(word) + "}";
-    if (has(words, "CRC-32/ISO-HDLC")) return "the manual lists the names";
     if (word.starts_with(',')) return "options are separated by blanks";
     if (has(words, "WITH_BUFFERS") || has(words, "WITH_ARGUMENTS"))
         return "put a text with blanks into braces";
@@ -204,6 +227,53 @@ std::string gluedKeyword(std::string_view statement,
         if (word.starts_with(keyword) && word.size() > keyword.size())
             return std::string(word.substr(0, longestShown)) + " is read as " +
                    std::string(keyword) + " and a word of its own";
+    return {};
+}
+
+/// The first typographic quote of a line, unless it may be within a text.
+std::optional<TypographicQuote> looseQuoteIn(std::string_view line) {
+    const auto quote = typographicQuoteIn(line);
+    const bool isInText =
+        quote && line.substr(0, quote->at).find_first_of("\"'{") != std::string_view::npos;
+    return isInText ? std::nullopt : quote;
+}
+
+/// What is known of a place that takes the name of an algorithm, a device or a format.
+struct Outside {
+    std::vector<std::string_view> names;  ///< that it takes
+    TypeAdvice advice;
+    const char* topic = nullptr;  ///< of tessaron help, that lists them; null at any other place
+
+    bool isName(std::string_view word) const { return has(names, word); }
+};
+
+template <class Row>
+std::vector<std::string_view> namesOf(std::span<const Row> rows, auto Row::*name) {
+    std::vector<std::string_view> names;
+    for (const Row& row : rows) names.emplace_back(row.*name);
+    return names;
+}
+
+/// What `word` may mean where one of `missed` is expected.
+Outside outsideNameAt(const std::vector<std::string_view>& missed, std::string_view word) {
+    using namespace Parser::WrapperLib;
+    const auto isExpected = [&](const std::vector<std::string_view>& names) {
+        return has(missed, names.front());
+    };
+    if (auto names = namesOf(CmdNewCrc::types(), &ValueType::keyword); isExpected(names))
+        return {std::move(names), adviceOnCrcType(word), "crcs"};
+    if (auto names = namesOf(Util::Crc::catalogue(), &Util::Crc::CatalogueEntry::name);
+        isExpected(names))
+        return {std::move(names), adviceOnCatalogueName(word), "crcs"};
+    if (auto names = namesOf(CmdNewHash::types(), &ValueType::keyword); isExpected(names))
+        return {std::move(names), adviceOnHashType(word), "hashes"};
+    if (auto names = namesOf(CmdWriteFile::formats(), &ExportFormat::keyword); isExpected(names))
+        return {std::move(names), adviceOnFormat(word), "formats"};
+    for (const ExportFormat& format : CmdWriteFile::formats()) {
+        if (format.names == nullptr) continue;
+        if (auto names = namesOf(format.names(), &Io::NamedNumber::name); isExpected(names))
+            return {std::move(names), adviceOnFormatName(format, word), "formats"};
+    }
     return {};
 }
 
@@ -228,13 +298,18 @@ Diagnostic syntaxError(const ScriptText& script, std::string_view statement,
     const std::string_view before = statement.substr(0, at);
     const std::string_view rest = statement.substr(at);
     const std::string_view word = wordAt(rest);
+    const std::size_t line = before.rfind('\n') + 1;
+    const auto quote = looseQuoteIn(statement.substr(line, statement.find('\n', at) - line));
+    const Outside outside = outsideNameAt(missed.words, word);
     std::vector<std::string> candidates(missed.words.begin(), missed.words.end());
-    std::erase_if(candidates,
-                  [](const std::string& one) { return one.find(' ') != std::string::npos; });
-    const auto close = nearest(word, candidates);
+    std::erase_if(candidates, [&](const std::string& one) {
+        return one.find(' ') != std::string::npos || outside.isName(one);
+    });
+    const auto close = outside.advice.hint.empty() ? nearest(word, candidates) : std::nullopt;
+    const bool isShort = close || !outside.advice.hint.empty();
     Diagnostic diagnostic{};
     diagnostic.kind = Kind::Syntax;
-    diagnostic.text = "expected " + expectation(missed.words, keywords, close.has_value());
+    diagnostic.text = "expected " + expectation(missed.words, keywords, isShort);
     if (word.empty())
         diagnostic.text += ", but the script ends here";
     else if (word.find_first_of(spaces) == std::string_view::npos)
@@ -245,15 +320,28 @@ Diagnostic syntaxError(const ScriptText& script, std::string_view statement,
     diagnostic.place = script.placeOf(offset, offset + word.size());
     const std::string_view begun = wordBefore(before);
     const std::string glued = gluedKeyword(statement, keywords);
-    if (close)
+    if (quote)
+        diagnostic.hint = std::string("write the plain quote ") + quote->plain;
+    else if (!outside.advice.hint.empty())
+        diagnostic.hint = outside.advice.hint;
+    else if (close)
         diagnostic.hint = "did you mean " + *close + "?";
     else if (!glued.empty())
         diagnostic.hint = glued;
-    else if (!begun.empty() && !word.empty() && isWordCharacter(word.front()))
+    else if (outside.topic == nullptr && !begun.empty() && !word.empty() &&
+             isWordCharacter(word.front()))
         diagnostic.hint = "did you mean " + std::string(begun) + "?";
     else
         diagnostic.hint = advice(before, word, rest, missed.words);
+    if (diagnostic.hint.empty() && outside.topic != nullptr)
+        diagnostic.hint = std::string("tessaron help ") + outside.topic + " lists them";
     diagnostic.notes = script.variableNotes(rest.substr(0, std::max<std::size_t>(word.size(), 1)));
+    for (const std::string& note : outside.advice.notes) diagnostic.notes.push_back({note});
+    if (quote) {
+        const std::size_t begin = script.offsetOf(statement) + line + quote->at;
+        diagnostic.notes.push_back({"this is a typographic quote, a letter to the language",
+                                    script.placeOf(begin, begin + quote->length)});
+    }
     // A brace that is closed further on the line is not what is missing.
     const bool isClosed = rest.substr(0, rest.find('\n')).find('}') != std::string_view::npos;
     const auto brace = openBrace(before);

@@ -92,9 +92,16 @@ class Manifest(unittest.TestCase):
         crc = zlib.crc32(image[:0x3FC])
         image[0x3FC:] = crc.to_bytes(4, "little")
         self.assertEqual(manifest["values"], [
-            {"name": "@Crc", "kind": "crc", "value": "%08X" % crc, "line": 3,
-             "places": [{"image": "@App", **area(0x13FC, 4), "line": 4}]}])
+            {"name": "@Crc", "kind": "crc", "value": "%08X" % crc,
+             "bytes": crc.to_bytes(4, "little").hex().upper(), "line": 3,
+             "algorithm": {"name": "Crc32_Vector_AUTOSAR", "meaning": "CRC-32/ISO-HDLC", "width": 32,
+                           "poly": "0x04C11DB7", "init": "0xFFFFFFFF", "refin": True,
+                           "refout": True, "xorout": "0xFFFFFFFF"},
+             "covers": [{"image": "@App", "areas": [area(0x1000, 0x3FC)]}],
+             "places": [{"image": "@App", **area(0x13FC, 4), "byteOrder": "LittleEndian",
+                         "line": 4}]}])
         app, moved = manifest["images"]
+        self.assertEqual(app["sha256"], hashlib.sha256(image).hexdigest())
         self.assertEqual((app["name"], app["crc32"]), ("@App", "%08X" % zlib.crc32(image)))
         lines = [len(pathlib.Path("app.hex").read_text().split()), 2]
         self.assertEqual([(r["start"], r["length"], r["kind"], r["line"], r.get("file"))
@@ -109,6 +116,40 @@ class Manifest(unittest.TestCase):
                           for r in moved["ranges"]][:3],
                          [("0x00008000", 0x10, "data", 1), ("0x00008010", 2, "value", 6),
                           ("0x00008012", 0xEE, "data", 1)])
+
+    def test_values_say_how_they_were_computed(self):
+        """The parameters are those of the public catalogue, or of the script."""
+        pathlib.Path("values.tsn").write_text("""NEW_BUFFER @A FROM_VALUES {1, 2, 3, 4} \
+-useBufferRange={0x100, 0x20} -setByteOrder=BigEndian
+NEW_CRC @Modbus FROM_BUFFER @A -useAreas={{0x102, 2}, {0x100, 2}} -setType=Catalogue{crc-16/modbus}
+NEW_CRC @Own FROM_BUFFER @A -setType=Custom{8, 7 + 0, 1, false, true, 0x55} -useWordSize=2
+NEW_CRC @Usual FROM_BUFFERS {@A, @A}
+NEW_CRC @Sum FROM_BUFFER @A -setType=Crc8_Standard
+NEW_HASH @Md5 FROM_BUFFER @A -setType=Hash_Md5
+FILL_BUFFER @A WITH_CRC @Modbus -useAreas={{0x110, 2}}
+FILL_BUFFER @A WITH_CRC @Modbus -useAreas={{0x112, 2}} -setByteOrder=LittleEndian
+WRITE_FILE values.hex WITH_BUFFERS {@A} 0x104
+""".replace("\\\n", ""))
+        tessaron("run", "values.tsn", "--ignore=unwritten", "--manifest", "values.json")
+        manifest = json.loads(pathlib.Path("values.json").read_text())
+        jsonschema.validate(manifest, SCHEMA)
+        modbus, own, usual, total, md5 = manifest["values"]
+        names = ("name", "width", "poly", "init", "refin", "refout", "xorout")
+        self.assertEqual([[v["algorithm"].get(name) for name in names] for v in (modbus, own, usual)],
+                         [["CRC-16/MODBUS", 16, "0x8005", "0xFFFF", True, True, "0x0000"],
+                          ["Custom", 8, "0x07", "0x01", False, True, "0x55"],
+                          ["Crc32_Tolmen", 32, "0x04C11DB7", "0x00000000", False, False,
+                           "0x00000000"]])
+        self.assertEqual([v["algorithm"]["name"] for v in (total, md5)],
+                         ["Crc8_Standard", "Hash_Md5"])
+        self.assertNotIn("poly", total["algorithm"])
+        self.assertEqual(modbus["covers"],
+                         [{"image": "@A", "areas": [area(0x102, 2), area(0x100, 2)]}])
+        self.assertEqual(usual["covers"], [{"image": "@A", "areas": [area(0x100, 0x20)]}] * 2)
+        self.assertEqual((own["wordSize"], modbus.get("wordSize")), (2, None))
+        self.assertEqual([place["byteOrder"] for place in modbus["places"]],
+                         ["BigEndian", "LittleEndian"])
+        self.assertEqual(manifest["outputs"][0]["startAddress"], "0x00000104")
 
     def test_same_bytes(self):
         first = pathlib.Path("out.json").read_bytes()

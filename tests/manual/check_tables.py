@@ -84,7 +84,7 @@ def check_crcs(program, manual):
 def check_catalogue(program, manual):
     """Section 8.4 lists the CRCs of the catalogue, which the program finds by their names."""
     rows = [line.split("\t") for line in CATALOGUE.read_text().splitlines() if line[0] != "#"]
-    checks = {name: int(check, 16) for name, *_, check in rows}
+    checks = {row[0]: int(row[7], 16) for row in rows}
     section = itertools.takewhile(lambda line: not line.startswith("8.5 "),
                                   itertools.dropwhile(lambda line: line[:4] != "8.4 ", manual))
     table = filter(re.compile(r"    CRC-\S+( +CRC-\S+)*$").match, section)

@@ -18,7 +18,8 @@ REFUSED = (
     (["release.tsn"], "did you mean tessaron run release.tsn?"),
     (["in.hex", "x=y"], "tessaron info in.hex?"),
     (["chek", "s.tsn"], "did you mean check?"),
-    (["/?"], "--help"), (["help"], "--help"), (["-?"], "--help"),
+    (["/?"], "--help"), (["-?"], "--help"),
+    (["help", "crc"], "did you mean crcs?"), (["help", "nothing"], "there are statements, crcs"),
     (["frobnicate"], "the commands are run, check"),
     ([], "a command is required"),
     (["--versio"], "did you mean --version?"),
@@ -53,6 +54,7 @@ class CommandLines(unittest.TestCase):
     def test_sound_neighbours_pass(self):
         run("--version")
         run("run", "--help")
+        run("help", "run")
         run("run", "s.tsn", "--diagnostics=json", "--color", "never")
         run("convert", "in.hex", "sound.bin", "--crop", "0,1")
         self.assertEqual(pathlib.Path("sound.bin").read_bytes(), b"\1")

@@ -25,6 +25,7 @@ KINDS = {line.split()[0] for line in subprocess.run(
     [LIST_KINDS], stdout=subprocess.PIPE, text=True, check=True).stdout.splitlines()
     if " always " not in line}
 COMMANDS = ("run", "check", "info", "diff", "map", "convert")
+TOPICS = {"statements", "crcs", "hashes", "formats", "kinds"}
 EDITS = "\x1b[?2004h"  # what zsh prints when it begins to read a line
 BASH = """source "$1"; COMP_WORDS=("${@:2}"); COMP_CWORD=$(($# - 2)); _tessaron
 ((${#COMPREPLY[@]} == 0)) || printf '%s\\n' "${COMPREPLY[@]}" """
@@ -39,6 +40,10 @@ def listed(*command):
     """The long options in the help of a command."""
     text = "\n".join(lines(PROGRAM, *command, "--help"))
     return set(re.findall(r"^  (?:-\w,)?(--[\w-]+)", text, re.MULTILINE))
+
+
+def listed_topics():
+    return set(re.findall(r"^  (\w+): ", "\n".join(lines(PROGRAM, "help")), re.MULTILINE))
 
 
 def in_bash(*words):
@@ -85,7 +90,8 @@ class Shell:
     """What every shell completes."""
 
     def test_words(self):
-        self.assertEqual(self.complete(""), set(COMMANDS))
+        self.assertEqual(self.complete(""), {*COMMANDS, "help"})
+        self.assertEqual(listed_topics(), TOPICS)
         self.assertEqual(self.complete("--"), listed())
         for command in COMMANDS:
             self.assertEqual(self.complete(command, "--"), listed(command))
@@ -102,6 +108,7 @@ class ValuesOfOptions:
         for command in ("run", "check"):
             self.assertEqual(self.complete(command, "--ignore", ""), KINDS)
         self.assertFalse(self.complete("diff", "--ignore", "") & KINDS)
+        self.assertEqual(self.complete("help", ""), {*TOPICS, *COMMANDS, "help"})
 
 
 class Bash(Shell, ValuesOfOptions, unittest.TestCase):

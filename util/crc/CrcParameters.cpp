@@ -101,6 +101,17 @@ ByteList computeCrc(const CrcParameters& parameters, Bytes data) {
     return bytes;
 }
 
+std::vector<std::string_view> aliasesOf(const CatalogueEntry& entry) {
+    constexpr std::string_view separator = ", ";
+    std::vector<std::string_view> names;
+    for (std::string_view rest = entry.aliases; !rest.empty();) {
+        const std::size_t end = std::min(rest.find(separator), rest.size());
+        names.push_back(rest.substr(0, end));
+        rest.remove_prefix(std::min(end + separator.size(), rest.size()));
+    }
+    return names;
+}
+
 const CatalogueEntry* findInCatalogue(std::string_view name) {
     const auto rows = catalogue();
     const auto row = std::ranges::find_if(rows, [name](const CatalogueEntry& entry) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "util/crc/ByteList.hpp"
 
@@ -21,6 +22,8 @@ struct CrcParameters {
     bool isInputReflected;   ///< each byte enters with its lowest bit first
     bool isOutputReflected;  ///< the register is reflected before the final xor
     CrcNumber finalXor;
+
+    bool operator==(const CrcParameters&) const = default;
 };
 
 inline constexpr int widestCrc = 128;
@@ -39,10 +42,14 @@ ByteList computeCrc(const CrcParameters& parameters, std::span<const std::uint8_
 struct CatalogueEntry {
     std::string_view name;
     CrcParameters parameters;
+    std::string_view aliases;  ///< its other names in the catalogue, separated by ", "
 };
 
 /// The CRCs of `catalogue.tsv`, in its order.
 std::span<const CatalogueEntry> catalogue();
+
+/// The other names of a CRC in the catalogue.
+std::vector<std::string_view> aliasesOf(const CatalogueEntry& entry);
 
 /// The CRC of the catalogue called `name`, case ignored, or nullptr.
 const CatalogueEntry* findInCatalogue(std::string_view name);

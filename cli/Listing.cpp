@@ -1,0 +1,157 @@
+#include "cli/Listing.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "inspect/CrcWords.hpp"
+#include "inspect/Words.hpp"
+#include "io/NamedNumber.hpp"
+#include "io/formats/InputFormats.hpp"
+#include "parser/commands/CmdNewCrc.hpp"
+#include "parser/commands/CmdNewHash.hpp"
+#include "parser/commands/CmdWriteFile.hpp"
+#include "parser/grammar/Keywords.hpp"
+#include "strict/diagnostics/Kinds.hpp"
+#include "util/crc/CrcParameters.hpp"
+
+namespace CommandLine {
+
+namespace {
+
+using Parser::WrapperLib::CmdNewCrc;
+using Parser::WrapperLib::CmdNewHash;
+using Parser::WrapperLib::CmdWriteFile;
+using Parser::WrapperLib::ExportFormat;
+using Parser::WrapperLib::FormatNumber;
+using Parser::WrapperLib::ValueType;
+
+/// Over which CRCs are published.
+constexpr std::array<std::uint8_t, 9> digits{'1', '2', '3', '4', '5', '6', '7', '8', '9'};
+
+using Row = std::vector<std::string>;
+
+/// The rows in columns, the first of them indented.
+std::string table(const std::vector<Row>& rows) {
+    std::vector<std::size_t> widths;
+    for (const Row& row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
+    }
+    std::string text;
+    for (const Row& row : rows) {
+        std::string line(1, ' ');
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            line.append(1, ' ').append(row[i]);
+            line.append(widths[i] - row[i].size() + 1, ' ');
+        }
+        text.append(line, 0, line.find_last_not_of(' ') + 1).append(1, '\n');
+    }
+    return text;
+}
+
+std::string listed(std::span<const std::string_view> words) {
+    std::string text;
+    for (const std::string_view word : words) {
+        if (!text.empty()) text += " ";
+        text += word;
+    }
+    return text;
+}
+
+std::string statements() {
+    std::vector<Row> rows;
+    for (const auto& [keyword, meaning] : Parser::statementWords())
+        rows.push_back({keyword, meaning});
+    rows.push_back({"CALCULATE", "evaluates a number, and prints nothing"});
+    rows.push_back({"SUBSTITUTE", "replaces a word in the rest of the script"});
+    return "Statements:\n" + table(rows) +
+           "\nChapter 6 of the manual describes each with its options.\n";
+}
+
+std::string crcs() {
+    std::vector<Row> catalogue{{"name", "width", "check", "also known as"}};
+    for (const auto& entry : Util::Crc::catalogue())
+        catalogue.push_back({std::string(entry.name), std::to_string(entry.parameters.width),
+                             Inspect::crcNumberText(
+                                 Inspect::numberOf(Util::Crc::computeCrc(entry.parameters, digits)),
+                                 entry.parameters.width),
+                             std::string(entry.aliases)});
+    std::vector<Row> types{{"name", "width", "check", "what it is"}};
+    for (const ValueType& type : CmdNewCrc::types()) {
+        const auto value = type.compute(digits);
+        types.push_back({type.keyword, std::to_string(value.size() * 8), Inspect::valueText(value),
+                         type.meaning});
+    }
+    return "CRCs of the public catalogue, -setType=Catalogue{name}; check is the value over the "
+           "nine characters 123456789:\n" +
+           table(catalogue) + "\nTypes of the language, -setType=name; without one " +
+           CmdNewCrc::usualType().keyword + ":\n" + table(types) +
+           "\nAny other CRC of up to 32 bits:\n  -setType=Custom{width, poly, init, refin, refout, "
+           "xorout}\n";
+}
+
+std::string hashes() {
+    std::vector<Row> rows{{"name", "bytes", "what it is"}};
+    for (const ValueType& type : CmdNewHash::types())
+        rows.push_back(
+            {type.keyword,
+             type.compute == nullptr ? "" : std::to_string(type.compute(digits).size()),
+             type.compute == nullptr ? "accepted, but nothing is computed" : type.meaning});
+    return "Hashes, -setType=name:\n" + table(rows);
+}
+
+/// The keyword of a format with what may follow it.
+std::string formOf(const ExportFormat& format) {
+    constexpr std::array suffixes{"", "[_N]", "_N", "_NAME"};  // by FormatNumber
+    return std::string(format.keyword) + suffixes.at(static_cast<std::size_t>(format.numberForm));
+}
+
+std::string formats() {
+    std::vector<Row> inputs{{"source", "format", "endings"}};
+    for (const auto& row : Io::Formats::inputFormats())
+        inputs.push_back(
+            {std::string(Io::Formats::sourceOf(row)), std::string(row.name), listed(row.endings)});
+    std::vector<Row> outputs{{"name", "format", "endings"}};
+    std::string named;
+    for (const ExportFormat& format : CmdWriteFile::formats()) {
+        outputs.push_back({formOf(format), format.meaning, listed(format.endings)});
+        if (format.numberForm != FormatNumber::Named) continue;
+        std::vector<Row> names;
+        for (const Io::NamedNumber& name : format.names())
+            names.push_back({std::string(name.name), Inspect::addressText(name.number)});
+        named.append("\n").append(format.keyword).append("_NAME, or the number itself:\n");
+        named += table(names);
+    }
+    return "Inputs, sources of NEW_BUFFER; FROM_FILE_BINARY reads any file as it is:\n" +
+           table(inputs) + "\nOutputs, -setFormat=name of WRITE_FILE and --format of convert:\n" +
+           table(outputs) + named;
+}
+
+std::string kinds() {
+    std::vector<Row> rows{{"name", "counts as", "when"}};
+    for (const Strict::KindRow& kind : Strict::kinds())
+        rows.push_back({kind.name,
+                        std::string(kind.isFixed ? "always an " : "") + wordFor(kind.severity),
+                        kind.meaning});
+    return "Kinds of diagnostics, for --error, --warn and --ignore:\n" + table(rows);
+}
+
+constexpr std::array allTopics{
+    Topic{"statements", "what a script can say", &statements},
+    Topic{"crcs", "CRCs with width, check value and other names, and sums", &crcs},
+    Topic{"hashes", "hashes with the size of their digests", &hashes},
+    Topic{"formats", "formats of inputs and outputs with their endings", &formats},
+    Topic{"kinds", "kinds of diagnostics, and what they count as", &kinds},
+};
+
+}  // namespace
+
+std::span<const Topic> topics() {
+    return allTopics;
+}
+
+}  // namespace CommandLine
