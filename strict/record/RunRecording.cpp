@@ -190,8 +190,8 @@ private:
     std::vector<Inspect::ValueRecord::Source> sourcesOf(const Statement& statement) const {
         std::vector<Inspect::ValueRecord::Source> sources;
         for (const Part& part : statement.all(Role::UsesImage)) {
-            const auto image = ran_->context->buffers.find(std::string(part.text));
-            if (image == ran_->context->buffers.end()) continue;
+            const auto image = run_->context->buffers.find(std::string(part.text));
+            if (image == run_->context->buffers.end()) continue;
             AreaList areas = statement.areas();
             if (areas.empty()) areas.push_back(image->second.getArea());
             sources.push_back({image->first, std::move(areas)});
