@@ -57,10 +57,12 @@ class CommandLines(unittest.TestCase):
         run("convert", "in.hex", "sound.bin", "--crop", "0,1")
         self.assertEqual(pathlib.Path("sound.bin").read_bytes(), b"\1")
 
-    def test_help_that_is_lost_is_an_error(self):
+    def test_help_or_a_script_that_is_lost_is_an_error(self):
         with open("/dev/full", "w") as full:
             for arguments in (["--version"], ["--help"], ["map", "--help"]):
                 self.assertIn("standard output", run(*arguments, code=1, stdout=full))
+            script = ["convert", "in.hex", "out.bin", "--print-script"]
+            self.assertIn("[short-write]", run(*script, code=1, stdout=full))
 
     def test_scripts_that_are_no_text(self):
         script = "NEW_BUFFER @a EMPTY\n"
