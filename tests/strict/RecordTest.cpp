@@ -294,7 +294,9 @@ TEST_F(RecordTest, ThePageOfARunListsUpToALimit) {
     EXPECT_TRUE(has(longest, "</a>: said of 1"));
     EXPECT_FALSE(has(longest, "too long for this page"));
     record.scriptText += 'x';
-    EXPECT_TRUE(has(Inspect::reportOf(record), "too long for this page"));
+    const std::string tooLong = Inspect::reportOf(record);
+    EXPECT_TRUE(has(tooLong, "too long for this page"));
+    EXPECT_TRUE(has(tooLong, "</strong> line 1: said of 1")) << "there is nothing to link to";
 }
 
 TEST_F(RecordTest, AFileOnDiskIsComparedWithWhatTheScriptMakes) {
