@@ -344,6 +344,18 @@ TEST_F(RunFilesLinuxTest, DigestsOutliveWhatAProgramDoesToAnInput) {
     EXPECT_EQ(files.changedInputs(), Names());
 }
 
+TEST_F(RunFilesLinuxTest, AnInputThatChangesDuringItsDigestIsNamed) {
+    put("small", "abc");
+    put("large", "");
+    fs::resize_file(at("large"), std::uintmax_t{1} << 30U);  // takes the digest a while
+    RunFiles files(RunFiles::Mode::Disk);
+    files.keepDigests();
+    EXPECT_EQ(read(files, at("small")), "abc");
+    ASSERT_TRUE(files.openInput(at("large")));
+    fs::resize_file(at("large"), 1);
+    EXPECT_EQ(files.changedInputs(), Names({at("large")}));
+}
+
 TEST_F(RunFilesLinuxTest, ADigestNeedsNoFurtherDescriptor) {
 #ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "the sanitizers look at memory by a pipe, which needs descriptors";
