@@ -65,6 +65,17 @@ void checkAreas(const Statement& statement, const Images& images, StatementRepor
     }
 }
 
+/// A CRC or hash of whole images that have no addresses.
+void checkCovered(const Statement& statement, const Images& images, StatementReports& reports) {
+    const auto isEmpty = [](const auto& image) { return image.second.length == 0; };
+    if (images.empty() || statement.has(Role::Area) || !std::ranges::all_of(images, isEmpty))
+        return;
+    reports.report(Kind::EmptyDigest,
+                   std::string(statement.has(Role::MakesCrc) ? "the CRC" : "the hash") +
+                       " covers no byte: its images have no addresses",
+                   {Role::MakesCrc, Role::MakesHash});
+}
+
 /// The areas of a new image crop what it is made of, and a string does not look at the length of
 /// its area.
 bool takesAreasAsTheyAre(const Statement& statement) {
@@ -77,8 +88,9 @@ void auditBefore(const Statement& statement, const CmdContext& context,
                  const Provenance& provenance, StatementReports& reports) {
     const Images images = imagesOf(statement, context);
     if (!images.empty() && takesAreasAsTheyAre(statement)) checkAreas(statement, images, reports);
-    if (statement.has(Role::MakesCrc) || statement.has(Role::MakesHash))
-        provenance.checkCovered(statement, context);
+    if (!statement.has(Role::MakesCrc) && !statement.has(Role::MakesHash)) return;
+    checkCovered(statement, images, reports);
+    provenance.checkCovered(statement, context);
 }
 
 }  // namespace Strict

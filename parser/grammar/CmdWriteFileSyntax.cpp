@@ -75,7 +75,7 @@ struct WriteFileRules final : StatementRules {
         arrayNameOption =
             rules.keyword("-setArrayName") >> rules.equals >>
             rules.expected("a name of C", (alpha_p | ch_p('_')) >> *(alnum_p | ch_p('_')))[on.text(
-                "SetArrayName -> ", Role::Option, &CmdWriteFile::setArrayName)] >>
+                "SetArrayName -> ", Role::ArrayName, &CmdWriteFile::setArrayName)] >>
             rules.ws;
         idOption = ((rules.keyword("-setVendorId") >> rules.equals >>
                      rules.notedValue[on.number("SetVendorId -> ", Role::Option,

@@ -8,6 +8,7 @@
 #include "parser/commands/CmdNewHash.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
 #include "strict/script/Arithmetic.hpp"
+#include "strict/script/KeywordsOfC.hpp"
 
 namespace Strict {
 
@@ -50,7 +51,7 @@ void ScriptCheck::check(const ParsedScript& parsed) {
 
 void ScriptCheck::check(const Statement& statement) {
     checkNames(statement);
-    checkHash(statement);
+    checkDigest(statement);
     checkTexts(statement);
     checkEffects(statement);
     checkSymbols(statement);
@@ -111,8 +112,12 @@ void ScriptCheck::checkUse(const Part& part) {
     }
 }
 
+void ScriptCheck::checkDigest(const Statement& statement) {
+    if (statement.has(Role::MakesHash)) checkHash(statement);
+    if (statement.has(Role::MakesHash) || statement.has(Role::MakesCrc)) checkCovered(statement);
+}
+
 void ScriptCheck::checkHash(const Statement& statement) {
-    if (!statement.has(Role::MakesHash)) return;
     const std::string_view type = statement.textOf(Role::Type);
     if (type.empty())
         report(Kind::EmptyDigest, "the hash has no -setType and computes nothing",
@@ -120,6 +125,20 @@ void ScriptCheck::checkHash(const Statement& statement) {
     else if (computesNothing(type))
         report(Kind::EmptyDigest, std::string(type) + " computes nothing", type,
                "choose another type");
+}
+
+/// An image without an address is found by the run alone.
+void ScriptCheck::checkCovered(const Statement& statement) {
+    const Buffer::AreaList areas = statement.areas();
+    const auto isEmpty = [](const Buffer::Area& area) { return area.length == 0; };
+    const bool isCrc = statement.has(Role::MakesCrc);
+    const std::string what = isCrc ? "the CRC covers no byte: " : "the hash covers no byte: ";
+    if (!statement.has(Role::UsesImage))
+        report(Kind::EmptyDigest, what + "it names no image",
+               statement.textOf(isCrc ? Role::MakesCrc : Role::MakesHash));
+    else if (!areas.empty() && std::ranges::all_of(areas, isEmpty))
+        report(Kind::EmptyDigest, what + "each of its areas has the length 0",
+               statement.textOf(Role::Area));
 }
 
 void ScriptCheck::define(Registry registry, std::string_view name) {
@@ -184,6 +203,10 @@ void ScriptCheck::checkEffects(const Statement& statement) {
     if (statement.has(Role::String) && !statement.has(Role::Area))
         report(Kind::NoEffect, "WITH_STRING writes nothing without an area",
                statement.textOf(Role::String), "add -useAreas={{start, length}}");
+    const std::string_view array = statement.textOf(Role::ArrayName);
+    if (isKeywordOfC(array))
+        report(Kind::Outside, "an array of C cannot have the name " + std::string(array), array,
+               "it is a keyword of C or C++");
 }
 
 /// A name to resolve occurs in the text before the options.

@@ -41,7 +41,9 @@ private:
 
     void checkNames(const Parser::Statement& statement);
     void checkUse(const Parser::Part& part);
+    void checkDigest(const Parser::Statement& statement);
     void checkHash(const Parser::Statement& statement);
+    void checkCovered(const Parser::Statement& statement);
     void checkTexts(const Parser::Statement& statement);
     void checkText(const Parser::Part& part);
     void checkEffects(const Parser::Statement& statement);
