@@ -241,7 +241,9 @@ class Inspection(unittest.TestCase):
         for lengths, said in ((6, False), (7, True)):
             pathlib.Path("lengths.hex").write_text("".join(
                 record(0x100 * n, n) for n in range(1, lengths + 1)) + ":00000001FF\n")
-            self.assertEqual("and 1 other length\n" in tessaron("info", "lengths.hex"), said)
+            text = tessaron("info", "lengths.hex")
+            self.assertEqual("and 1 other length\n" in text, said)
+            self.assertEqual(text.count("1 record of "), 6)
         for size in (64, 65):
             pathlib.Path("left.bin").write_bytes(b"\x01" * size)
             pathlib.Path("right.bin").write_bytes(b"\x02" * size)
