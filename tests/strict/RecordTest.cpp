@@ -272,6 +272,8 @@ TEST_F(RecordTest, ThePageOfARunListsUpToALimit) {
     const auto has = [](const std::string& page, const char* text) {
         return page.find(text) != std::string::npos;
     };
+    EXPECT_TRUE(has(Inspect::reportOf(Rehearsal("NEW_BUFFER @e EMPTY\n").record()), ">@e, empty<"));
+    EXPECT_TRUE(has(pageOf(1), ">@f, 0x00000000, 1 byte<"));
     const std::string few = pageOf(4);
     EXPECT_TRUE(has(few, "@f 0x00000006"));
     EXPECT_FALSE(has(few, "more range"));

@@ -344,6 +344,19 @@ TEST_F(RunFilesLinuxTest, DigestsOutliveWhatAProgramDoesToAnInput) {
     EXPECT_EQ(files.changedInputs(), Names());
 }
 
+TEST_F(RunFilesLinuxTest, AProgramMayLeadAPathToAnotherFile) {
+    put("one", "abc");
+    put("two", "xyz");
+    fs::create_symlink("one", at("link"));
+    RunFiles files(RunFiles::Mode::Disk);
+    files.keepDigests();
+    EXPECT_EQ(read(files, at("link")), "abc");
+    EXPECT_EQ(files.runProgram("/bin/ln", "-sf two " + at("link")), 0);
+    EXPECT_EQ(read(files, at("link")), "xyz");
+    EXPECT_EQ(files.inputDigests(at("one")).size(), 1U);
+    EXPECT_EQ(files.inputDigests(at("two")).size(), 1U);
+}
+
 TEST_F(RunFilesLinuxTest, AnInputThatChangesDuringItsDigestIsNamed) {
     put("small", "abc");
     put("large", "");

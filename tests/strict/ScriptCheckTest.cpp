@@ -146,6 +146,13 @@ TEST(ScriptCheckTest, AdviceForWhatIsNotAStatement) {
     }
 }
 
+TEST(ScriptCheckTest, FortyCharactersOfAWordAreShown) {
+    for (const std::size_t length : {39U, 40U, 41U})
+        EXPECT_TRUE(checked(std::string(length, 'x'))[0].ends_with(
+            "not " + std::string(std::min<std::size_t>(length, 40), 'x')))
+            << length;
+}
+
 TEST(ScriptCheckTest, TwentySyntaxErrorsAreShown) {
     std::string text;
     const auto lastWith = [&text](int errors) {
