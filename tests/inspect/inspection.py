@@ -168,12 +168,14 @@ class Inspection(unittest.TestCase):
         tessaron("info", "damaged.elf")
 
     def test_devices_of_uf2(self):
-        """The ids of families and their names are of the list of the format's authors."""
+        """The ids of families and their names are of the list of the format's authors. The block
+        is the last one of the address space."""
         for family, name in ((0xE48BFF56, "RP2040 (0xE48BFF56)"), (0x12345678, "0x12345678")):
-            block = struct.pack("<8I", 0x0A324655, 0x9E5D5157, 0x2000, 0, 256, 0, 1, family)
+            block = struct.pack("<8I", 0x0A324655, 0x9E5D5157, 0x2000, 0xFFFFFF00, 256, 0, 1,
+                                family)
             pathlib.Path("a.uf2").write_bytes(block + bytes(476) + struct.pack("<I", 0x0AB16F30))
             info, = json.loads(tessaron("info", "--json", "a.uf2"))
-            self.assertEqual(info["devices"], [name])
+            self.assertEqual((info["devices"], info["areas"][0]["start"]), ([name], "0xFFFFFF00"))
             self.assertIn("  device    %s\n" % name, tessaron("info", "a.uf2"))
 
     def test_info(self):
