@@ -250,7 +250,9 @@ ExitCode print(const Conversion& conversion, const Strict::Program& program,
                  printer);
     if (printer.errors() != 0) return ExitCode::Failed;
     output << program.text().written() << std::flush;
-    return output ? ExitCode::Good : ExitCode::Failed;
+    if (output) return ExitCode::Good;
+    fail(Strict::Kind::ShortWrite, "standard output could not be written completely", "", printer);
+    return ExitCode::Failed;
 }
 
 }  // namespace

@@ -82,19 +82,20 @@ std::string remarkText(const Remark& remark) {
 /// One row of the table of areas: number, start, last, bytes, size, gap, CRC-32 and SHA-256.
 using Row = std::array<std::string, 8>;
 
-/// A row for each area, below that of the heads.
-std::vector<Row> rowsOf(const std::vector<AreaInfo>& areas) {
-    std::vector<Row> rows{
-        {"area", "start", "last", "bytes", "size", "gap before", "CRC-32", "SHA-256"}};
+/// Calls `visit` with the heads and with a row for each area. A million rows would take half a
+/// gigabyte, so they are made one by one.
+template <class Visit>
+void forEachRow(const std::vector<AreaInfo>& areas, Visit visit) {
+    visit(Row{"area", "start", "last", "bytes", "size", "gap before", "CRC-32", "SHA-256"});
     std::uint64_t end = areas.front().area.start;
+    std::size_t number = 0;
     for (const auto& [area, digest] : areas) {
-        rows.push_back({std::to_string(rows.size()), addressText(area.start),
-                        addressText(area.end() - 1), grouped(area.length), sizeText(area.length),
-                        area.start == end ? "" : sizeText(area.start - end),
-                        Util::hexWord(digest.crc32), digest.sha256});
+        visit(Row{std::to_string(++number), addressText(area.start), addressText(area.end() - 1),
+                  grouped(area.length), sizeText(area.length),
+                  area.start == end ? "" : sizeText(area.start - end), Util::hexWord(digest.crc32),
+                  digest.sha256});
         end = area.end();
     }
-    return rows;
 }
 
 /// The table, each column as wide as its widest text. The last one takes what is left of `width`,
@@ -102,25 +103,25 @@ std::vector<Row> rowsOf(const std::vector<AreaInfo>& areas) {
 std::string areasText(const std::vector<AreaInfo>& areas, std::size_t width) {
     constexpr std::array isNumber{true, false, false, true, true, true, false};
     constexpr std::size_t fewestDigits = 8;
-    const std::vector<Row> rows = rowsOf(areas);
     std::array<std::size_t, isNumber.size()> widths{};
-    for (const Row& row : rows)
+    forEachRow(areas, [&widths](const Row& row) {
         for (std::size_t i = 0; i < widths.size(); ++i)
             widths[i] = std::max(widths[i], row[i].size());
+    });
     std::size_t used = 0;
     for (const std::size_t columns : widths) used += columns + 2;
-    const std::size_t room = width == 0     ? rows.back().back().size()
+    const std::size_t room = width == 0     ? areas.back().digest.sha256.size()
                              : width > used ? width - used
                                             : 0;
     std::string text;
-    for (const Row& row : rows) {
-        std::string line;
-        for (std::size_t i = 0; i < widths.size(); ++i)
-            line += (i == 0 ? "" : "  ") +
-                    (isNumber[i] ? right(row[i], widths[i]) : left(row[i], widths[i]));
-        if (room >= fewestDigits) line += "  " + cut(row.back(), room);
-        text += line + "\n";
-    }
+    forEachRow(areas, [&](const Row& row) {
+        for (std::size_t i = 0; i < widths.size(); ++i) {
+            text += i == 0 ? "" : "  ";
+            text += isNumber[i] ? right(row[i], widths[i]) : left(row[i], widths[i]);
+        }
+        if (room >= fewestDigits) text += "  " + cut(row.back(), room);
+        text += '\n';
+    });
     return text;
 }
 

@@ -168,10 +168,14 @@ private:
         return "<a href=\"#image-" + number + "\" data-go=\"" + number + "," +
                std::to_string(area.start) + "," + std::to_string(area.length) + "\">";
     }
-    static std::string lineLink(std::size_t line) {
+    /// A line of the script, linked if the page shows it.
+    std::string lineLink(std::size_t line) const {
         const std::string number = std::to_string(line);
-        return line == 0 ? "" : "<a href=\"#line-" + number + "\">line " + number + "</a>";
+        if (line == 0) return "";
+        if (!showsScript()) return "line " + number;
+        return "<a href=\"#line-" + number + "\">line " + number + "</a>";
     }
+    bool showsScript() const { return record_->scriptText.size() <= mostScript; }
 
     const RunRecord* record_;
     std::string text_;
@@ -421,7 +425,7 @@ void Page::addValues() {
 
 void Page::addScript() {
     add("<h2 id=\"script\">Script</h2>\n");
-    if (record_->scriptText.size() > mostScript) {
+    if (!showsScript()) {
         add("<p>The script is too long for this page.</p>\n");
         return;
     }

@@ -26,7 +26,7 @@ bool isRegularFile(const std::string& path) {
 namespace {
 
 /// A whole path without the prefix that takes it literally.
-std::filesystem::path plain(std::wstring full) {
+std::wstring plain(std::wstring full) {
     constexpr std::wstring_view literal = L"\\\\?\\";
     constexpr std::wstring_view share = L"UNC\\";
     if (!full.starts_with(literal)) return full;
@@ -35,7 +35,19 @@ std::filesystem::path plain(std::wstring full) {
     return full;
 }
 
-/// Folders and drives are the same in upper and in lower case.
+/// The length of the name of the drive or of the share, "\\server\share", that a whole path begins
+/// with. The library takes a share for a folder.
+std::size_t rootSize(std::wstring_view whole) {
+    constexpr std::wstring_view share = L"\\\\";
+    std::size_t end = whole.find(L'\\');
+    if (whole.starts_with(share)) {
+        end = std::min(whole.find(L'\\', share.size()), whole.size() - 1);
+        end = whole.find(L'\\', end + 1);
+    }
+    return std::min(end, whole.size());
+}
+
+/// Folders, drives and shares are the same in upper and in lower case.
 bool isSameName(const std::filesystem::path& one, const std::filesystem::path& other) {
     return ::CompareStringOrdinal(one.c_str(), -1, other.c_str(), -1, TRUE) == CSTR_EQUAL;
 }
@@ -46,16 +58,21 @@ std::string portablePath(const std::string& path) {
     const std::filesystem::path given(wideText(path));
     // A path may begin at the root of the current drive, or in the current folder of another one.
     if (!given.has_root_path()) return path;
-    const std::filesystem::path whole = plain(fullPath(path));
-    const std::filesystem::path folder = plain(fullPath("."));
+    std::wstring whole = plain(fullPath(path));
+    const std::wstring folder = plain(fullPath("."));
+    const std::size_t root = rootSize(whole);
+    if (!isSameName(whole.substr(0, root), folder.substr(0, rootSize(folder)))) {
+        std::ranges::replace(whole, L'\\', L'/');
+        return narrowText(whole);
+    }
+    const std::filesystem::path inWhole(whole.substr(root));
+    const std::filesystem::path inFolder(folder.substr(root));
     auto [name, current] =
-        std::mismatch(whole.begin(), whole.end(), folder.begin(), folder.end(), isSameName);
-    // Another drive.
-    if (name == whole.begin()) return narrowText(whole.generic_wstring());
+        std::mismatch(inWhole.begin(), inWhole.end(), inFolder.begin(), inFolder.end(), isSameName);
     std::filesystem::path seen;
-    for (; current != folder.end(); ++current)
+    for (; current != inFolder.end(); ++current)
         if (!current->empty()) seen /= L"..";
-    for (; name != whole.end(); ++name) seen /= *name;
+    for (; name != inWhole.end(); ++name) seen /= *name;
     return seen.empty() ? "." : narrowText(seen.generic_wstring());
 }
 

@@ -68,12 +68,22 @@ Character firstOf(std::string_view text) {
     return isGood ? Character{code, size, true} : none;
 }
 
+/// Whether a byte is a printable character of ASCII, of which nearly all texts consist.
+bool isPlain(char c) {
+    return c >= ' ' && c <= '~';
+}
+
 /// Appends the text, and what `replace` makes of each character that is not printable.
 template <class Replace>
 std::string replaced(std::string_view text, Replace replace) {
     std::string result;
     result.reserve(text.size());
     while (!text.empty()) {
+        const auto plain =
+            static_cast<std::size_t>(std::ranges::find_if_not(text, &isPlain) - text.begin());
+        result += text.substr(0, plain);
+        text.remove_prefix(plain);
+        if (text.empty()) break;
         const Character character = firstOf(text);
         if (isPrintable(character))
             result += text.substr(0, character.size);

@@ -66,8 +66,8 @@ std::string cleanedPath(std::string text);
 /// The text of a text argument: all braces removed, white space trimmed from both ends.
 std::string cleanedText(std::string text);
 
-/// Runs the work of a statement. An exception that it does not handle itself is memory that ran
-/// out: it is reported and the result is false, so that the run goes on.
+/// Runs the work of a statement. Whatever it throws and does not handle itself is reported as
+/// memory that ran out, and the result is false, so that the run goes on.
 template <class Execution>
 bool guarded(Facts::Subject subject, std::string_view name, Facts::Work work, Execution execute) {
     try {

@@ -57,7 +57,7 @@ private:
 };
 
 /// The choices of `Role::Option`.
-enum OptionChoice : std::uint32_t { ArrayName, VendorId, ProductId };
+enum OptionChoice : std::uint32_t { VendorId, ProductId };
 
 /// WRITE_FILE path WITH_BUFFERS { name ... } [option ...]
 struct WriteFileRules final : StatementRules {
@@ -79,7 +79,11 @@ struct WriteFileRules final : StatementRules {
         arrayNameOption =
             rules.keyword("-setArrayName") >> rules.equals >>
             rules.expected("a name of C", (alpha_p | ch_p('_')) >> *(alnum_p | ch_p('_')))[on.text(
+<<<<<<< HEAD
                 "SetArrayName -> ", Role::Option, &CmdWriteFile::setArrayName, ArrayName)] >>
+=======
+                "SetArrayName -> ", Role::ArrayName, &CmdWriteFile::setArrayName)] >>
+>>>>>>> middle
             rules.ws;
         idOption = ((rules.keyword("-setVendorId") >> rules.equals >>
                      rules.notedValue[on.number("SetVendorId -> ", Role::Option,

@@ -31,7 +31,8 @@ enum class Role : unsigned char {
     Overlap,  ///< which byte counts
     ByteOrder,
     WordSize,
-    Gaps,  ///< unwritten addresses are left out
+    Gaps,       ///< unwritten addresses are left out
+    ArrayName,  ///< a name in C
     Option,
     None,  ///< of a step of the parser that says nothing new
 };

@@ -134,8 +134,9 @@ void checkEmptyDigest(const Step& step) {
     const bool hasImage = statement.has(Role::UsesImage);
     if (hasImage && !hasNoAddress(step)) return;
     step.findings.report(Kind::EmptyDigest,
-                         std::string(name->text) + " is computed over " +
-                             (hasImage ? "an image without an address" : "no image"),
+                         std::string(name->role == Role::MakesCrc ? "the CRC" : "the hash") +
+                             " covers no byte: " +
+                             (hasImage ? "its images have no addresses" : "it names no image"),
                          name->text);
 }
 

@@ -10,7 +10,11 @@
 #include "platform/Paths.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
 #include "strict/script/Arithmetic.hpp"
+<<<<<<< HEAD
 #include "strict/script/TypographicQuote.hpp"
+=======
+#include "strict/script/KeywordsOfC.hpp"
+>>>>>>> middle
 
 namespace Strict {
 
@@ -211,6 +215,10 @@ void ScriptCheck::checkEffects(const Statement& statement) {
     if (statement.has(Role::String) && !statement.has(Role::Area))
         report(Kind::NoEffect, "WITH_STRING writes nothing without an area",
                statement.textOf(Role::String), "add -useAreas={{start, length}}");
+    const std::string_view array = statement.textOf(Role::ArrayName);
+    if (isKeywordOfC(array))
+        report(Kind::Outside, "an array of C cannot have the name " + std::string(array), array,
+               "it is a keyword of C or C++");
 }
 
 /// A name to resolve occurs in the text before the options.

@@ -181,6 +181,11 @@ class Together(unittest.TestCase):
             self.assertEqual(self.bytes_of_outputs(outputs), [0] * outputs)
             self.assertEqual(self.names(), ["out%d.bin" % i for i in range(outputs)])
         self.assertEqual(codes, {0, 1})
+        # The script itself takes more than there is.
+        done = self.run_script("PRINT_TEXT a\n" * 300_000, preexec_fn=lambda: (
+            resource.setrlimit(resource.RLIMIT_AS, (60 << 20, 60 << 20))))
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("[out-of-memory]", done.stderr)
 
     def test_killed_runs_leave_whole_files(self):
         self.put_old()

@@ -11,6 +11,7 @@ import pathlib
 import random
 import re
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
@@ -22,6 +23,7 @@ PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
 # A program for Windows knows no /dev/stdin and no /dev/fd.
 IS_WINDOWS = sys.argv[1:] == ["--windows"]
 del sys.argv[1:]
+DATA = pathlib.Path(__file__).resolve().parents[1] / "data"
 FLASH, FAR = 0x08000000, 0x1FFF7800
 
 
@@ -118,7 +120,7 @@ class Inspection(unittest.TestCase):
         write("b.s19", cls.other)
 
     def test_info_of_elf_files(self):
-        folder = pathlib.Path(__file__).resolve().parents[1] / "data" / "elf"
+        folder = DATA / "elf"
         for name in ("arm", "powerpc64", "avr"):
             info, = json.loads(tessaron("info", "--symbols", "--json", str(folder / (name + ".elf"))))
             symbols = {symbol["name"]: (int(symbol["start"], 16), symbol["kind"])
@@ -129,9 +131,52 @@ class Inspection(unittest.TestCase):
                 if symbol != "entry":
                     self.assertEqual(symbols[symbol][0], int(address, 16))
             self.assertEqual((symbols["start"][1], symbols["settings"][1]), ("function", "data"))
+            self.assertFalse([symbol for symbol in symbols if symbol.startswith("$")])
         broken = pathlib.Path("broken.elf")
         broken.write_bytes((folder / "arm.elf").read_bytes()[:100])
         tessaron("info", str(broken), code=1)
+
+    def test_symbols(self):
+        """The file of a linker, with names as those of C++, with a static variable, with damage."""
+        elf = bytearray((DATA / "elf" / "arm.elf").read_bytes())
+        head, = struct.unpack_from("<I", elf, 32)
+        size, count = struct.unpack_from("<HH", elf, 46)
+        sections = [struct.unpack_from("<10I", elf, head + size * n) for n in range(count)]
+        table, = (section for section in sections if section[1] == 2)
+        strings = sections[table[6]][4]
+        symbols = {}  # the places of their entries
+        for entry in range(table[4], table[4] + table[5], 16):
+            name = strings + struct.unpack_from("<I", elf, entry)[0]
+            symbols[elf[name:elf.index(0, name)].decode()] = entry
+
+        def value(changed, symbol, code=0):
+            pathlib.Path("app.elf").write_bytes(changed)
+            pathlib.Path("value.tsn").write_text("PRINT_TEXT {VALUE}\n")
+            arguments = ("run", "value.tsn", "--symbol=VALUE=app.elf:" + symbol)
+            return tessaron(*arguments, code=code).strip() or complaint(*arguments)
+        self.assertEqual(value(elf.replace(b"\0settings\0", b"\0ns::item\0"), "ns::item"),
+                         "0x00020000")
+        twice = elf.replace(b"\0counters\0", b"\0settings\0")
+        self.assertIn("several symbols settings", value(twice, "settings", code=1))
+        twice[symbols["counters"] + 12] &= 0x0F  # STB_LOCAL
+        self.assertEqual(value(twice, "settings"), "0x00020000")
+        struct.pack_into("<I", elf, symbols["start"], 0xFFFFFF)
+        pathlib.Path("damaged.elf").write_bytes(elf)
+        info, = json.loads(tessaron("info", "--symbols", "--json", "damaged.elf", code=1))
+        self.assertEqual([remark["name"] for remark in info["remarks"]], ["wrong-format"])
+        self.assertEqual(info["bytes"], 48)
+        tessaron("info", "damaged.elf")
+
+    def test_devices_of_uf2(self):
+        """The ids of families and their names are of the list of the format's authors. The block
+        is the last one of the address space."""
+        for family, name in ((0xE48BFF56, "RP2040 (0xE48BFF56)"), (0x12345678, "0x12345678")):
+            block = struct.pack("<8I", 0x0A324655, 0x9E5D5157, 0x2000, 0xFFFFFF00, 256, 0, 1,
+                                family)
+            pathlib.Path("a.uf2").write_bytes(block + bytes(476) + struct.pack("<I", 0x0AB16F30))
+            info, = json.loads(tessaron("info", "--json", "a.uf2"))
+            self.assertEqual((info["devices"], info["areas"][0]["start"]), ([name], "0xFFFFFF00"))
+            self.assertIn("  device    %s\n" % name, tessaron("info", "a.uf2"))
 
     def test_info(self):
         info, = json.loads(tessaron("info", "--json", "a.hex"))
@@ -198,7 +243,9 @@ class Inspection(unittest.TestCase):
         for lengths, said in ((6, False), (7, True)):
             pathlib.Path("lengths.hex").write_text("".join(
                 record(0x100 * n, n) for n in range(1, lengths + 1)) + ":00000001FF\n")
-            self.assertEqual("and 1 other length\n" in tessaron("info", "lengths.hex"), said)
+            text = tessaron("info", "lengths.hex")
+            self.assertEqual("and 1 other length\n" in text, said)
+            self.assertEqual(text.count("1 record of "), 6)
         for size in (64, 65):
             pathlib.Path("left.bin").write_bytes(b"\x01" * size)
             pathlib.Path("right.bin").write_bytes(b"\x02" * size)
@@ -221,6 +268,21 @@ class Inspection(unittest.TestCase):
                                input=pathlib.Path("a.hex").read_bytes(), check=True).stdout
         plain, = json.loads(tessaron("info", "--json", "a.hex"))
         self.assertEqual(json.loads(piped), [{**plain, "file": "/dev/stdin"}])
+
+    def test_diff_of_start_addresses(self):
+        """Tools that have none write 0, since the last of the S-records has one in any case."""
+        for name, start in (("none", None), ("zero", 0), ("one", 1), ("two", 2)):
+            data = bytes((4, 0, 0, 5, 0, 0, 0, start or 0))
+            pathlib.Path(name + ".hex").write_text(":0100000001FE\n" + (
+                "" if start is None else ":%s%02X\n" % (data.hex().upper(), -sum(data) & 0xFF)) +
+                ":00000001FF\n")
+        for one, other, code in (("none", "one", 1), ("one", "none", 1), ("one", "two", 1),
+                                 ("one", "one", 0), ("none", "zero", 0), ("zero", "none", 0)):
+            files = one + ".hex", other + ".hex"
+            self.assertEqual("the start addresses differ" in tessaron("diff", *files, code=code),
+                             code == 1)
+            self.assertEqual(json.loads(tessaron("diff", "--json", *files, code=code))["equal"],
+                             code == 0)
 
     def test_diff(self):
         self.assertEqual(tessaron("diff", "a.hex", "a.s19"), "")

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <cstddef>
+#include <initializer_list>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "parser/text/VariableExpansion.hpp"
 
@@ -39,6 +42,9 @@ TEST(PatternTest, MatchesAsItsDocumentsSay) {
              // Brackets; the names are those of POSIX.
              {"[^a-c-]", "a-d", "x", "a-x"},
              {"[]a]", "a]", "x", "a]"},
+             {"[-a]", "-ab", "x", "xxb"},
+             {"[^-a]", "-ab", "x", "-ax"},
+             {"[a-c]", "-ac", "x", "-xx"},
              {"[a\\]\\b-]", "a]\b-b", "x", "xxxxb"},
              {"[[:digit:][.hyphen.]]", "1-a", "x", "xxa"},
              {"[\\dA-C[:space:]]", "1B d", "x", "xxxd"},
@@ -49,6 +55,32 @@ TEST(PatternTest, MatchesAsItsDocumentsSay) {
         std::string text = row.text;
         Parser::expandVariables(text, {{row.pattern, row.format}});
         EXPECT_EQ(text, row.expected) << row.pattern;
+    }
+}
+
+TEST(PatternTest, NamesOfClassesMeanWhatTheyMeanInTheLocaleOfC) {
+    using Is = int (*)(int);
+    for (const auto& [name, is] :
+         std::initializer_list<std::pair<const char*, Is>>{{"alnum", &std::isalnum},
+                                                           {"alpha", &std::isalpha},
+                                                           {"blank", &std::isblank},
+                                                           {"cntrl", &std::iscntrl},
+                                                           {"digit", &std::isdigit},
+                                                           {"graph", &std::isgraph},
+                                                           {"lower", &std::islower},
+                                                           {"print", &std::isprint},
+                                                           {"punct", &std::ispunct},
+                                                           {"space", &std::isspace},
+                                                           {"upper", &std::isupper},
+                                                           {"xdigit", &std::isxdigit}}) {
+        std::string text;
+        std::string others;
+        for (int c = 1; c < 0x80; ++c) {
+            text += static_cast<char>(c);
+            if (is(c) == 0) others += static_cast<char>(c);
+        }
+        Parser::expandVariables(text, {{std::string("[[:") + name + ":]]", ""}});
+        EXPECT_EQ(text, others) << name;
     }
 }
 

@@ -153,6 +153,32 @@ TEST(PlatformWindowsTest, OneFileHasOnePlace) {
     EXPECT_EQ(place(at("\xC3\xA4.hex")), place(at("\xC3\x84.hex")));
 }
 
+TEST(PlatformWindowsTest, APathIsShownAsSeenFromTheCurrentFolder) {
+    const fs::path before = fs::current_path();
+    fs::create_directories(at("Work/Here"));
+    fs::current_path(at("Work/Here"));
+    const std::string here = Platform::narrowText(fs::current_path().native());
+    const std::string ofDrive = here.substr(2);  // behind the drive
+    const std::string smallDrive(1, static_cast<char>(here[0] | 0x20));
+    const std::string otherDrive = here[0] == 'Q' ? "R" : "Q";
+    struct Row {
+        std::string path;
+        std::string seen;
+    };
+    for (const Row& row :
+         {Row{"o.hex", "o.hex"}, Row{"sub\\o.hex", "sub\\o.hex"}, Row{here + "\\o.hex", "o.hex"},
+          Row{here + "\\sub\\o.hex", "sub/o.hex"}, Row{here + "\\..\\o.hex", "../o.hex"},
+          Row{here + "\\..\\..\\o.hex", "../../o.hex"}, Row{here, "."},
+          Row{smallDrive + ":" + ofDrive + "\\o.hex", "o.hex"}, Row{ofDrive + "\\o.hex", "o.hex"},
+          Row{"\\\\?\\" + here + "\\o.hex", "o.hex"},
+          Row{otherDrive + ":\\a\\o.hex", otherDrive + ":/a/o.hex"},
+          Row{"\\\\server\\share\\o.hex", "//server/share/o.hex"},
+          Row{"\\\\?\\UNC\\server\\share\\o.hex", "//server/share/o.hex"},
+          Row{"\\\\server\\share", "//server/share"}})
+        EXPECT_EQ(Platform::portablePath(row.path), row.seen) << row.path;
+    fs::current_path(before);
+}
+
 /// Lets a scanner hold the file for a moment, without letting others remove it.
 class Scanner {
 public:

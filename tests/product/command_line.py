@@ -59,10 +59,14 @@ class CommandLines(unittest.TestCase):
         run("convert", "in.hex", "sound.bin", "--crop", "0,1")
         self.assertEqual(pathlib.Path("sound.bin").read_bytes(), b"\1")
 
-    def test_help_that_is_lost_is_an_error(self):
+    def test_what_standard_output_does_not_take_is_an_error(self):
         with open("/dev/full", "w") as full:
             for arguments in (["--version"], ["--help"], ["map", "--help"]):
                 self.assertIn("standard output", run(*arguments, code=1, stdout=full))
+            pathlib.Path("print.tsn").write_text("PRINT_TEXT text\n")
+            for arguments in (["convert", "in.hex", "out.bin", "--print-script"],
+                              ["run", "print.tsn"], ["check", "print.tsn"], ["info", "in.hex"]):
+                self.assertIn("[short-write]", run(*arguments, code=1, stdout=full))
 
     def test_scripts_that_are_no_text(self):
         script = "NEW_BUFFER @a EMPTY\n"

@@ -272,6 +272,9 @@ TEST_F(RecordTest, ThePageOfARunListsUpToALimit) {
     const auto has = [](const std::string& page, const char* text) {
         return page.find(text) != std::string::npos;
     };
+    EXPECT_TRUE(has(Inspect::reportOf(Rehearsal("NEW_BUFFER @e EMPTY\n").record()), ">@e, empty<"));
+    EXPECT_TRUE(has(pageOf(1), ">@f, 0x00000000, 1 byte<"));
+    EXPECT_TRUE(has(pageOf(1), ">NEW_BUFFER @f FROM_FILE many.hex</span>"));
     const std::string few = pageOf(4);
     EXPECT_TRUE(has(few, "@f 0x00000006"));
     EXPECT_FALSE(has(few, "more range"));
@@ -294,7 +297,9 @@ TEST_F(RecordTest, ThePageOfARunListsUpToALimit) {
     EXPECT_TRUE(has(longest, "</a>: said of 1"));
     EXPECT_FALSE(has(longest, "too long for this page"));
     record.scriptText += 'x';
-    EXPECT_TRUE(has(Inspect::reportOf(record), "too long for this page"));
+    const std::string tooLong = Inspect::reportOf(record);
+    EXPECT_TRUE(has(tooLong, "too long for this page"));
+    EXPECT_TRUE(has(tooLong, "</strong> line 1: said of 1")) << "there is nothing to link to";
 }
 
 TEST_F(RecordTest, AFileOnDiskIsComparedWithWhatTheScriptMakes) {

@@ -344,6 +344,31 @@ TEST_F(RunFilesLinuxTest, DigestsOutliveWhatAProgramDoesToAnInput) {
     EXPECT_EQ(files.changedInputs(), Names());
 }
 
+TEST_F(RunFilesLinuxTest, AProgramMayLeadAPathToAnotherFile) {
+    put("one", "abc");
+    put("two", "xyz");
+    fs::create_symlink("one", at("link"));
+    RunFiles files(RunFiles::Mode::Disk);
+    files.keepDigests();
+    EXPECT_EQ(read(files, at("link")), "abc");
+    EXPECT_EQ(files.runProgram("/bin/ln", "-sf two " + at("link")), 0);
+    EXPECT_EQ(read(files, at("link")), "xyz");
+    EXPECT_EQ(files.inputDigests(at("one")).size(), 1U);
+    EXPECT_EQ(files.inputDigests(at("two")).size(), 1U);
+}
+
+TEST_F(RunFilesLinuxTest, AnInputThatChangesDuringItsDigestIsNamed) {
+    put("small", "abc");
+    put("large", "");
+    fs::resize_file(at("large"), std::uintmax_t{1} << 30U);  // takes the digest a while
+    RunFiles files(RunFiles::Mode::Disk);
+    files.keepDigests();
+    EXPECT_EQ(read(files, at("small")), "abc");
+    ASSERT_TRUE(files.openInput(at("large")));
+    fs::resize_file(at("large"), 1);
+    EXPECT_EQ(files.changedInputs(), Names({at("large")}));
+}
+
 TEST_F(RunFilesLinuxTest, ADigestNeedsNoFurtherDescriptor) {
 #ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "the sanitizers look at memory by a pipe, which needs descriptors";

@@ -29,6 +29,10 @@ TEST(SuggestionTest, FindsTheWordThatWasMeant) {
     for (const Row& row : rows)
         EXPECT_EQ(Strict::nearest(row.word, known).value_or(""), row.meant) << row.word;
     EXPECT_EQ(Strict::nearest(std::string(100'000, 'x'), known), std::nullopt);
+    for (const std::size_t length : {64U, 65U})
+        EXPECT_EQ(Strict::nearest(std::string(length, 'x'), std::vector{std::string(63, 'x')})
+                      .has_value(),
+                  length == 64);
 }
 
 }  // namespace

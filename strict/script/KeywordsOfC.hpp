@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string_view>
+
+namespace Strict {
+
+/// Whether a word is a keyword of C17 or of C++20, which include the same headers; neither takes it
+/// as the name of a variable.
+bool isKeywordOfC(std::string_view word);
+
+}  // namespace Strict
