@@ -105,7 +105,8 @@ def main():
     parser.add_argument("--leave-out", action="append", default=[], metavar="CASE",
                         help="name of a case among `cases` that is not run")
     parser.add_argument("--fold-line-ends", action="store_true")
-    parser.add_argument("--timeout", type=int, default=120)
+    parser.add_argument("--timeout", type=int, default=300,
+                        help="seconds after which a run counts as hanging")
     options = parser.parse_args()
     # A path is one word, whatever characters its folders have.
     is_path = pathlib.Path(options.program).exists()
