@@ -1,6 +1,9 @@
 # The file `copyright`: what the programs contain of other projects, and under which licences. The
 # texts that Debian has for the runtimes and for the common licences come from the machine that
-# links, since they describe what it links; elsewhere they are left out.
+# links, since they describe what it links; elsewhere they are left out. The versions of the headers
+# are those of the machine as well; the folders that use them found them in scopes of their own.
+find_package(CLI11 REQUIRED)
+find_package(nlohmann_json REQUIRED)
 set(text "")
 foreach(part contents contents-${CMAKE_SYSTEM_NAME} licences licences-${CMAKE_SYSTEM_NAME})
   if(EXISTS ${PROJECT_SOURCE_DIR}/packaging/copyright/${part})

@@ -14,7 +14,7 @@ if ! { cmake --preset valgrind && cmake --build --preset valgrind; } >"$log" 2>&
     exit 1
 fi
 watch="valgrind -q --leak-check=full --errors-for-leak-kinds=definite --error-exitcode=99"
-watched="$watch $PWD/build/valgrind/CmdTessaron"
+watched="$watch '$PWD/build/valgrind/CmdTessaron'"
 # A leak on purpose: a run that does not find it would find nothing.
 cat >build/valgrind/leak.cpp <<'LEAK'
 #include <cstddef>

@@ -54,7 +54,8 @@ def vim_kinds(files):
     """What Vim makes of each character of each line of each file."""
     with tempfile.NamedTemporaryFile() as groups:
         subprocess.run(["vim", "-N", "-u", "NONE", "-i", "NONE", "-n", "-es",
-                        "--cmd", "set runtimepath^=%s" % VIM, "-S", HERE / "vim_groups.vim", *files],
+                        "--cmd", "set runtimepath^=" + str(VIM).replace(" ", "\\ "),
+                        "-S", HERE / "vim_groups.vim", *files],
                        env=dict(os.environ, GROUPS_FILE=groups.name, LC_ALL="C.UTF-8"),
                        stdin=subprocess.DEVNULL, check=True, timeout=60)
         return [[[kind_of_group(group) for group in line] for line in json.loads(file)]

@@ -330,8 +330,9 @@ TEST_F(AllocationFaultTest, AScriptIsExecutedAsAWholeOrNotAtAll) {
     writeFile(script,
               "PRINT_TEXT {begin} // a remark\nSUBSTITUTE NAME WITH out\n"
               "SUBSTITUTE (a|b)+c WITH $1\nNEW_BUFFER @A FROM_VALUES {1, 4 * (2 + 3)}\n"
-              "WRITE_FILE " +
-                  inFolder("NAME") + " WITH_BUFFERS {@A} -setFormat=RawBinary\nPRINT_TEXT {end}\n");
+              "WRITE_FILE \"" +
+                  inFolder("NAME") +
+                  "\" WITH_BUFFERS {@A} -setFormat=RawBinary\nPRINT_TEXT {end}\n");
     for (const bool isLasting : {false, true}) {
         hasFailed = true;
         for (std::size_t succeeding = 0; hasFailed; ++succeeding)

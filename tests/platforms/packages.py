@@ -25,7 +25,10 @@ del sys.argv[1:]
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 IS_ROOT = os.geteuid() == 0
 DOCUMENTS = "share/doc/cmdtessaron"
-COMMON = {"Boost", "CUnit", "CLI11", "JSON for Modern C++", "libstdc++", "libgcc"}
+COMMON = {"libstdc++", "libgcc"}
+# The libraries of headers, and CUnit, by the Debian packages that have them.
+HEADERS = {"Boost": "libboost-dev", "CUnit": "libcunit1-dev", "CLI11": "libcli11-dev",
+           "JSON for Modern C++": "nlohmann-json3-dev"}
 
 
 def run(*command, code=0, **options):
@@ -107,6 +110,10 @@ class Packages:
     def assert_copyright(self, path, projects, licences):
         text = path.read_text()
         self.assertEqual({name for name in projects if name not in text}, set())
+        for project, package in HEADERS.items():
+            installed = run("dpkg-query", "-W", "-f", "${Version}", package)
+            version = re.match(r"\d+\.\d+(\.\d+|-\d+)", installed)[0]
+            self.assertIn("%s %s (http" % (project, version), text)
         self.assertIn("No licence has been granted yet.", text)
         folder = path.parent / "licences"
         self.assertEqual({file.name for file in folder.iterdir()}, licences)

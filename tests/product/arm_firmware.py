@@ -3,6 +3,7 @@
 srec_cat and dfu-suffix:  arm_firmware.py TESSARON"""
 import os
 import pathlib
+import shlex
 import shutil
 import struct
 import subprocess
@@ -43,7 +44,7 @@ def main():
     with tempfile.TemporaryDirectory(prefix="tessaron-arm-") as work:
         shutil.copytree(EXAMPLE, work, dirs_exist_ok=True)
         os.chdir(work)
-        run("make", "TESSARON=" + str(program))
+        run("make", "TESSARON=" + shlex.quote(str(program)))
         start, image = expected_image()
         run("srec_cat", "firmware.hex", "-intel", "-offset", "-%d" % start, "-o", "hex.bin",
             "-binary")

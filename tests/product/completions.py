@@ -9,6 +9,7 @@ import pathlib
 import pty
 import re
 import select
+import shlex
 import subprocess
 import sys
 import unittest
@@ -75,7 +76,7 @@ def in_zsh(*words):
     try:
         line = " ".join(("tessaron",) + words)
         answer("PS1=; PS1=$PS1'ready> '; fpath=(%s $fpath); autoload -Uz compinit; compinit -u -D; "
-               "bindkey '^I' list-choices\n" % FOLDER, "ready> " + EDITS)
+               "bindkey '^I' list-choices\n" % shlex.quote(str(FOLDER)), "ready> " + EDITS)
         printed = answer(line + "\t", "ready> " + line)
     finally:
         os.close(terminal)

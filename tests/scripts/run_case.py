@@ -98,16 +98,19 @@ def run(case, command, work, accept, timeout, is_folded):
 
 def main():
     parser = argparse.ArgumentParser()
-    parser.add_argument("program", help="the command to test; may contain options")
+    parser.add_argument("program", help="the path of a program, or a command with its options")
     parser.add_argument("cases", nargs="+", type=pathlib.Path)
     parser.add_argument("--accept", action="store_true")
     parser.add_argument("--no-limits", action="store_true")
     parser.add_argument("--leave-out", action="append", default=[], metavar="CASE",
                         help="name of a case among `cases` that is not run")
     parser.add_argument("--fold-line-ends", action="store_true")
-    parser.add_argument("--timeout", type=int, default=120)
+    parser.add_argument("--timeout", type=int, default=300,
+                        help="seconds after which a run counts as hanging")
     options = parser.parse_args()
-    command = shlex.split(options.program)
+    # A path is one word, whatever characters its folders have.
+    is_path = pathlib.Path(options.program).exists()
+    command = [options.program] if is_path else shlex.split(options.program)
     if pathlib.Path(command[0]).exists():
         command[0] = str(pathlib.Path(command[0]).resolve())
     unknown = set(options.leave_out) - {case.name for case in options.cases}
@@ -125,8 +128,8 @@ def main():
             continue
         failed += 1
         print("%s: %s\nleft in %s; repeat with: %s %s %s" %
-              (case.name, "\n".join(faults), work, sys.argv[0],
-               shlex.quote(options.program), case))
+              (case.name, "\n".join(faults), work, shlex.quote(sys.argv[0]),
+               shlex.quote(options.program), shlex.quote(str(case))))
     return 1 if failed else 0
 
 

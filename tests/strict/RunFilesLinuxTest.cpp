@@ -335,7 +335,7 @@ TEST_F(RunFilesLinuxTest, DigestsOutliveWhatAProgramDoesToAnInput) {
     RunFiles files(RunFiles::Mode::Disk);
     files.keepDigests();
     EXPECT_EQ(read(files, at("in")), "abc");
-    EXPECT_EQ(files.runProgram("/bin/sh", "-c 'printf xyz >" + at("in") + "'"), 0);
+    EXPECT_EQ(files.runProgram("/bin/sh", "-c 'printf xyz >\"" + at("in") + "\"'"), 0);
     EXPECT_EQ(files.inputDigests(at("in")).size(), 1U);
     EXPECT_EQ(files.inputDigests(at("in"))[0].sha256,
               "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
@@ -411,7 +411,7 @@ TEST_F(RunFilesLinuxTest, AProgramFindsWhatWasWritten) {
     {
         RunFiles files(RunFiles::Mode::Disk);
         ASSERT_TRUE(write(files, at("first"), "made"));
-        EXPECT_EQ(files.runProgram("/bin/cp", at("first") + " " + at("copy")), 0);
+        EXPECT_EQ(files.runProgram("/bin/cp", "'" + at("first") + "' '" + at("copy") + "'"), 0);
         EXPECT_EQ(contentsOf(at("copy")), "made");
         EXPECT_EQ(files.runProgram("/bin/sh", "-c 'exit 3'"), 3);
         ASSERT_TRUE(write(files, at("second"), "after"));
