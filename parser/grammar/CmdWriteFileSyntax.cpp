@@ -79,11 +79,7 @@ struct WriteFileRules final : StatementRules {
         arrayNameOption =
             rules.keyword("-setArrayName") >> rules.equals >>
             rules.expected("a name of C", (alpha_p | ch_p('_')) >> *(alnum_p | ch_p('_')))[on.text(
-<<<<<<< HEAD
-                "SetArrayName -> ", Role::Option, &CmdWriteFile::setArrayName, ArrayName)] >>
-=======
                 "SetArrayName -> ", Role::ArrayName, &CmdWriteFile::setArrayName)] >>
->>>>>>> middle
             rules.ws;
         idOption = ((rules.keyword("-setVendorId") >> rules.equals >>
                      rules.notedValue[on.number("SetVendorId -> ", Role::Option,

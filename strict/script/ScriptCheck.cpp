@@ -10,11 +10,8 @@
 #include "platform/Paths.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
 #include "strict/script/Arithmetic.hpp"
-<<<<<<< HEAD
-#include "strict/script/TypographicQuote.hpp"
-=======
 #include "strict/script/KeywordsOfC.hpp"
->>>>>>> middle
+#include "strict/script/TypographicQuote.hpp"
 
 namespace Strict {
 

@@ -151,12 +151,8 @@ std::string bareHex(std::string_view before, std::string_view word) {
 /// Advice for a place where a number is expected.
 std::string adviceForNumber(std::string_view before, std::string_view word) {
     if (word.starts_with('$')) return "a hexadecimal number begins with 0x";
-<<<<<<< HEAD
     if (const std::string hex = bareHex(before, word); !hex.empty() && !isDigit(word.front()))
         return "a hexadecimal number begins with 0x: 0x" + hex;
-    if (word.starts_with('-') || word.starts_with('+')) return "a number has no sign";
-=======
->>>>>>> middle
     if (isSigned(before)) return "a number has no sign";
     if (word == "}") return "is a comma missing between two numbers?";
     if (!word.empty() && isDigit(word.front())) return "a number has at most 32 bits";
