@@ -1,6 +1,7 @@
 #include "strict/meaning/AreaRules.hpp"
 
 #include <algorithm>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -26,7 +27,7 @@ std::string areaText(const Area& area) {
 }
 
 /// "@App (0x00000100 to 0x000001FF) or @Boot (no addresses)"
-std::string textOf(const Images& images, const std::vector<std::size_t>& numbers) {
+std::string textOf(const Images& images, std::span<const std::size_t> numbers) {
     std::string text;
     for (const std::size_t number : numbers) {
         const Image& image = images[number];
@@ -40,14 +41,15 @@ std::string textOf(const Images& images, const std::vector<std::size_t>& numbers
 }
 
 /// The area is where the statement needs it.
-bool isInside(const Statement& statement, const Area& area, const AreaList& ranges) {
-    if (statement.has(Role::MakesImage)) return area.length == 0 || haveCommon({area}, ranges);
+bool isInside(const Step& step, const Area& area, const AreaList& ranges) {
+    if (step.has(Role::MakesImage)) return area.length == 0 || haveCommon({area}, ranges);
     return std::ranges::any_of(ranges, [&](const Area& range) { return range.contains(area); });
 }
 
 }  // namespace
 
 void checkEmptyAreas(const Step& step) {
+    if (!step.has(Role::Area) && !step.has(Role::Range)) return;
     for (const Part& part : step.statement.parts) {
         if (part.role != Role::Area && part.role != Role::Range) continue;
         const Area area = step.statement.areaOf(part);
@@ -61,6 +63,7 @@ void checkEmptyAreas(const Step& step) {
 }
 
 void checkDoubleAreas(const Step& step) {
+    if (!step.has(Role::Area)) return;
     std::vector<const Part*> parts;
     for (const Part& part : step.statement.all(Role::Area))
         if (step.statement.areaOf(part).length != 0) parts.push_back(&part);
@@ -85,22 +88,21 @@ void checkDoubleAreas(const Step& step) {
 
 void checkOutsideAreas(const Step& step) {
     const Statement& statement = step.statement;
-    if (!statement.has(Role::Area) || statement.has(Role::String)) return;
-    const std::vector<std::size_t> numbers = step.images.usedBy(statement);
-    if (numbers.empty()) return;
+    if (!step.has(Role::Area) || step.has(Role::String)) return;
+    if (step.used.empty()) return;
     AreaList ranges;
-    for (const std::size_t number : numbers) {
+    for (const std::size_t number : step.used) {
         if (!step.images[number].range) return;
         ranges.push_back(*step.images[number].range);
     }
     for (const Part& part : statement.all(Role::Area)) {
         const Area area = statement.areaOf(part);
-        if (isInside(statement, area, ranges)) continue;
+        if (isInside(step, area, ranges)) continue;
         step.findings.report(
             Kind::Outside,
             "the area " + areaText(area) +
-                (statement.has(Role::MakesImage) ? " has no address of " : " does not lie in ") +
-                textOf(step.images, numbers),
+                (step.has(Role::MakesImage) ? " has no address of " : " does not lie in ") +
+                textOf(step.images, step.used),
             part.text);
     }
 }

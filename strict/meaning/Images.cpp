@@ -135,13 +135,11 @@ std::optional<std::size_t> Images::find(std::string_view name) const {
     return found == numbers_.end() ? std::nullopt : std::optional(found->second);
 }
 
-std::vector<std::size_t> Images::usedBy(const Statement& statement) const {
-    std::vector<std::size_t> used;
+void Images::findUsed(const Statement& statement, std::vector<std::size_t>& used) const {
     for (const Part& part : statement.parts) {
         if (part.role != Role::UsesImage && part.role != Role::ChangesImage) continue;
         if (const auto image = find(part.text)) used.push_back(*image);
     }
-    return used;
 }
 
 void Images::make(const Statement& statement, const CmdContext* context) {
@@ -151,14 +149,18 @@ void Images::make(const Statement& statement, const CmdContext* context) {
     Image image;
     image.name = name;
     image.madeAt = changes_.size();
-    link(image, statement, context);
+    std::vector<std::size_t> sources;
+    findUsed(statement, sources);
+    image.isFollowed = !sources.empty();
+    for (const std::size_t source : sources) follow(source);
+    link(image, statement, sources, context);
     if (context != nullptr) image.range = bufferOf(*context, name).getArea();
     numbers_.emplace(name, images_.size());
     images_.push_back(std::move(image));
 }
 
-void Images::link(Image& image, const Statement& statement, const CmdContext* context) {
-    const std::vector<std::size_t> sources = usedBy(statement);
+void Images::link(Image& image, const Statement& statement, const std::vector<std::size_t>& sources,
+                  const CmdContext* context) {
     std::optional<AreaList> ranges(std::in_place);
     for (const std::size_t source : sources) {
         image.isExact = image.isExact && images_[source].isExact;

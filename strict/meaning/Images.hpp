@@ -40,6 +40,7 @@ struct Image {
     std::optional<Buffer::Area> range;  ///< nothing if it hangs on a file that was not read yet
     std::size_t madeAt = 0;             ///< the number of changes before it was made
     bool isExact = true;                ///< `links` and `changes` are as they will be in the run
+    bool isFollowed = false;            ///< its changes may matter to a value
     std::vector<Link> links;
     OriginMap changes;             ///< by numbers of changes
     std::set<std::size_t> spread;  ///< values over it that were written without it
@@ -55,8 +56,9 @@ public:
     /// The number of the image, or nothing if no statement has made one of that name.
     std::optional<std::size_t> find(std::string_view name) const;
 
-    /// The numbers of the images that a statement reads or changes; unknown ones are left out.
-    std::vector<std::size_t> usedBy(const Parser::Statement& statement) const;
+    /// Appends the numbers of the images that a statement reads or changes to `used`; unknown ones
+    /// are left out.
+    void findUsed(const Parser::Statement& statement, std::vector<std::size_t>& used) const;
 
     const Image& operator[](std::size_t image) const { return images_[image]; }
     std::size_t size() const { return images_.size(); }
@@ -68,7 +70,10 @@ public:
     /// @param context  with the new image if there is one; null before the run
     void make(const Parser::Statement& statement, const Parser::WrapperLib::CmdContext* context);
 
-    /// Notes that a statement changes areas of an image.
+    /// From now on, changes of the image matter: a value covers it, or lies in it.
+    void follow(std::size_t image) { images_[image].isFollowed = true; }
+
+    /// Notes that a statement changes areas of an image that is followed.
     void change(std::size_t image, const Change& change, const Buffer::AreaList& areas);
 
     /// A value over `image` is written without it.
@@ -76,6 +81,7 @@ public:
 
 private:
     void link(Image& image, const Parser::Statement& statement,
+              const std::vector<std::size_t>& sources,
               const Parser::WrapperLib::CmdContext* context);
     void takeOver(Image& image, const Parser::Statement& statement,
                   const Parser::WrapperLib::CmdContext* context);

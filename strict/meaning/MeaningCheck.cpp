@@ -38,40 +38,77 @@ void MeaningCheck::checkBefore() {
         check(known, i, nullptr);
         takeEffect(known, i, nullptr);
     }
+    isSettled_ = known.isSettled;
     reportUnused();
+}
+
+void MeaningCheck::enter(std::size_t number, const CmdContext& context) {
+    if (!isSettled_) {
+        check(running_, number, &context);
+        return;
+    }
+    const Statement statement = program_->statements()[number];
+    const Step step = stepOf(running_, statement, &context);
+    if (!step.has(Role::OutputFile)) return;
+    checkEmptyOutput(step);
+    checkOutputOverlaps(step);
+}
+
+Step MeaningCheck::stepOf(const Knowledge& known, const Statement& statement,
+                          const CmdContext* context) {
+    return {statement,    Roles(statement), known.used, known.images,
+            known.values, findings_,        context,    context != nullptr ? provenance_ : nullptr};
 }
 
 void MeaningCheck::check(Knowledge& known, std::size_t number, const CmdContext* context) {
     const Statement statement = program_->statements()[number];
-    const Step step{statement, known.images, known.values,
-                    findings_, context,      context != nullptr ? provenance_ : nullptr};
+    known.used.clear();
+    known.images.findUsed(statement, known.used);
+    const Step step = stepOf(known, statement, context);
     for (const auto rule : rules) rule(step);
-    known.values.checkPut(statement);
-    if (statement.has(Role::OutputFile)) known.values.checkOutput(statement, known.images);
-    known.filled = context != nullptr && !known.values.empty() ? fillerChanges(statement, *context)
-                                                               : AreaList();
+    if (step.has(Role::ChangesImage)) known.values.checkPut(statement);
+    if (step.has(Role::OutputFile)) known.values.checkOutput(statement, known.used, known.images);
+    known.filled.clear();
+    if (context != nullptr && step.has(Role::Filler) && !known.values.empty())
+        known.filled = fillerChanges(statement, *context);
 }
 
 void MeaningCheck::takeEffect(Knowledge& known, std::size_t number, const CmdContext* context) {
     const Statement statement = program_->statements()[number];
-    if (statement.has(Role::MakesImage)) known.images.make(statement, context);
-    if (statement.has(Role::MakesCrc) || statement.has(Role::MakesHash))
-        known.values.compute(statement, static_cast<const Parser::WrapperLib::CmdNewValue&>(
-                                            *program_->commands()[number]));
+    const Roles roles(statement);
+    if (roles.has(Role::MakesImage)) {
+        known.images.make(statement, context);
+        const auto image = known.images.find(statement.textOf(Role::MakesImage));
+        known.isSettled = known.isSettled && image && known.images[*image].range.has_value() &&
+                          known.images[*image].isExact;
+    }
+    if (roles.has(Role::MakesCrc) || roles.has(Role::MakesHash))
+        known.values.compute(
+            statement,
+            static_cast<const Parser::WrapperLib::CmdNewValue&>(*program_->commands()[number]),
+            known.images);
+    if (roles.has(Role::ChangesImage)) noteChange(known, statement, roles);
+}
+
+/// Notes where a statement changes an image, if that can matter.
+void MeaningCheck::noteChange(Knowledge& known, const Statement& statement, const Roles& roles) {
     const auto image = known.images.find(statement.textOf(Role::ChangesImage));
     if (!image) return;
-    if (statement.has(Role::Filler)) {
+    const auto value = known.values.putBy(statement);
+    if (value) known.images.follow(*image);
+    if (!known.images[*image].isFollowed) return;
+    const auto place = [&](Role role) { return statement.textOf(role); };
+    if (roles.has(Role::Filler)) {
         // Before the run nobody knows which addresses will have no byte.
+        known.isSettled = false;
         if (!known.filled.empty())
-            known.images.change(*image, {statement.textOf(Role::ChangesImage), std::nullopt},
-                                known.filled);
+            known.images.change(*image, {place(Role::ChangesImage), std::nullopt}, known.filled);
         return;
     }
     AreaList areas = statement.areas();
     if (areas.empty()) areas.push_back(known.images[*image].range.value_or(everywhere));
-    const Part* const place =
-        statement.has(Role::Area) ? statement.last(Role::Area) : statement.last(Role::ChangesImage);
-    known.images.change(*image, {place->text, known.values.putBy(statement)}, areas);
+    known.images.change(
+        *image, {place(roles.has(Role::Area) ? Role::Area : Role::ChangesImage), value}, areas);
 }
 
 /// `unused-image`: an image that nothing reads; filling it is not a use. A script that writes no

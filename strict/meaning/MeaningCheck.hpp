@@ -7,6 +7,7 @@
 #include "parser/grammar/Statement.hpp"
 #include "strict/meaning/Findings.hpp"
 #include "strict/meaning/Images.hpp"
+#include "strict/meaning/Step.hpp"
 #include "strict/meaning/StoredValues.hpp"
 #include "strict/record/Provenance.hpp"
 #include "strict/script/Program.hpp"
@@ -38,13 +39,11 @@ public:
     /// Reports what is known when a statement is about to run, but for what was reported before.
     ///
     /// @param statement  its number
-    void enter(std::size_t statement, const Parser::WrapperLib::CmdContext& context) {
-        check(running_, statement, &context);
-    }
+    void enter(std::size_t statement, const Parser::WrapperLib::CmdContext& context);
 
     /// The statement has run.
     void leave(std::size_t statement, const Parser::WrapperLib::CmdContext& context) {
-        takeEffect(running_, statement, &context);
+        if (!isSettled_) takeEffect(running_, statement, &context);
     }
 
 private:
@@ -54,20 +53,27 @@ private:
 
         Images images;
         StoredValues values;
-        /// Where the statement that runs lays a filler under addresses that nothing wrote.
+        std::vector<std::size_t> used;  ///< by the statement that is checked
+        /// Where that one lays a filler under addresses that nothing wrote.
         Buffer::AreaList filled;
+        bool isSettled = true;  ///< the script alone says all that the flow of values needs
     };
 
     void check(Knowledge& known, std::size_t statement,
                const Parser::WrapperLib::CmdContext* context);
     void takeEffect(Knowledge& known, std::size_t statement,
                     const Parser::WrapperLib::CmdContext* context);
+    void noteChange(Knowledge& known, const Parser::Statement& statement, const Roles& roles);
     void reportUnused();
+
+    Step stepOf(const Knowledge& known, const Parser::Statement& statement,
+                const Parser::WrapperLib::CmdContext* context);
 
     const Program* program_;
     const Provenance* provenance_;
     Findings findings_;
     Knowledge running_{findings_};
+    bool isSettled_ = false;  ///< the pass before the run knew all that matters
 };
 
 }  // namespace Strict

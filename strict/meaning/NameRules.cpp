@@ -21,9 +21,9 @@ using Parser::WrapperLib::CmdWriteFile;
 using Parser::WrapperLib::ExportFormat;
 
 /// Roles of which only the last part counts.
-constexpr std::array single{Role::Range,    Role::Address, Role::Start,   Role::Section,
-                            Role::Type,     Role::Format,  Role::Overlap, Role::ByteOrder,
-                            Role::WordSize, Role::Gaps,    Role::Option};
+constexpr std::array single{Role::Range,    Role::Address, Role::Start,     Role::Section,
+                            Role::Type,     Role::Format,  Role::Overlap,   Role::ByteOrder,
+                            Role::WordSize, Role::Gaps,    Role::ArrayName, Role::Option};
 
 /// A text argument without its delimiters and the blanks in them.
 std::string_view undelimited(std::string_view text) {
@@ -56,9 +56,17 @@ bool isLikeVariable(std::string_view word) {
     return hasJoint;
 }
 
+/// The ending is that of a format which is read and not written. Other files may have its further
+/// endings, such as .out, as well.
+bool isOnlyRead(std::string_view path) {
+    const auto* const row = Io::Formats::rowByEnding(path);
+    return row != nullptr && Io::Formats::hasEnding(path, row->endings.first(1));
+}
+
 }  // namespace
 
 void checkRepeatedOptions(const Step& step) {
+    if (std::ranges::count_if(single, [&](Role role) { return step.has(role); }) == 0) return;
     std::array<const Part*, single.size()> seen{};
     std::set<std::uint32_t> options;
     for (const Part& part : step.statement.parts) {
@@ -76,15 +84,15 @@ void checkRepeatedOptions(const Step& step) {
 }
 
 void checkFormatEnding(const Step& step) {
+    if (!step.has(Role::OutputFile)) return;
     const Part* const file = step.statement.last(Role::OutputFile);
-    if (file == nullptr) return;
     const Part* const option = step.statement.last(Role::Format);
     const ExportFormat* const format = option != nullptr
                                            ? &CmdWriteFile::formats()[option->choice]
                                            : CmdWriteFile::formatNamed(CmdWriteFile::usualFormat);
     const std::string_view path = undelimited(file->text);
     const ExportFormat* const other = CmdWriteFile::formatByEnding(path);
-    const bool isForeign = other == nullptr && Io::Formats::rowByEnding(path) != nullptr;
+    const bool isForeign = other == nullptr && isOnlyRead(path);
     if ((other == nullptr && !isForeign) || other == format || format->suits(path)) return;
     const std::string ending(path.substr(path.rfind('.')));
     Diagnostic diagnostic{
@@ -100,6 +108,7 @@ void checkFormatEnding(const Step& step) {
 }
 
 void checkBareWords(const Step& step) {
+    if (!step.has(Role::OutputFile) && !step.has(Role::String) && !step.has(Role::Text)) return;
     for (const Part& part : step.statement.parts) {
         const bool isFile = part.role == Role::OutputFile;
         if (!isFile && part.role != Role::String && part.role != Role::Text) continue;

@@ -102,8 +102,8 @@ void report(const Step& step, const Written& earlier, const Written& later, cons
 
 void checkOutputOverlaps(const Step& step) {
     const Statement& statement = step.statement;
-    if (step.context == nullptr || !statement.has(Role::OutputFile)) return;
-    if (statement.has(Role::Overlap) || !hasAddresses(statement)) return;
+    if (step.context == nullptr || !step.has(Role::OutputFile)) return;
+    if (step.has(Role::Overlap) || !hasAddresses(statement)) return;
     std::vector<Written> images = imagesOf(step);
     std::ranges::stable_sort(
         images, {}, [](const Written& written) { return written.image->getStartAddress(); });
@@ -111,7 +111,7 @@ void checkOutputOverlaps(const Step& step) {
     for (std::size_t i = 1, longest = 0; i < images.size(); ++i) {
         const Written& one = images[longest];
         const Written& other = images[i];
-        const Common common = compared(*one.image, *other.image, statement.has(Role::Gaps));
+        const Common common = compared(*one.image, *other.image, step.has(Role::Gaps));
         const bool isInOrder = one.part < other.part;
         if (common.area.length != 0)
             report(step, isInOrder ? one : other, isInOrder ? other : one, common);

@@ -34,13 +34,9 @@ void reportSize(const Step& step, std::string what, std::uint64_t size, const Pa
 
 /// All images that the statement uses are known to have no address.
 bool hasNoAddress(const Step& step) {
-    std::size_t names = 0;
-    for (const Part& part : step.statement.all(Role::UsesImage)) {
-        const auto image = step.images.find(part.text);
-        if (!image || step.images[*image].range.value_or(everywhere).length != 0) return false;
-        ++names;
-    }
-    return names != 0;
+    return !step.used.empty() && std::ranges::all_of(step.used, [&step](std::size_t image) {
+        return step.images[image].range.value_or(everywhere).length == 0;
+    });
 }
 
 /// No image that the statement uses has a written address.
@@ -58,8 +54,9 @@ bool hasNothingWritten(const Step& step) {
 
 void checkWholeImage(const Step& step) {
     const Statement& statement = step.statement;
+    if (!step.has(Role::ChangesImage) || step.has(Role::Area)) return;
     const Part* const value = statement.last(values);
-    if (value == nullptr || !statement.has(Role::ChangesImage) || statement.has(Role::Area)) return;
+    if (value == nullptr) return;
     const auto number = step.values.putBy(statement);
     const auto size = number ? step.values.sizeOf(*number) : std::nullopt;
     step.findings.report(
@@ -72,7 +69,7 @@ void checkWholeImage(const Step& step) {
 
 void checkValueSizes(const Step& step) {
     const Statement& statement = step.statement;
-    if (!statement.has(Role::ChangesImage) || !statement.has(Role::Area)) return;
+    if (!step.has(Role::ChangesImage) || !step.has(Role::Area)) return;
     if (const auto value = step.values.putBy(statement)) {
         const auto size = step.values.sizeOf(*value);
         for (const Part& part : statement.all(Role::Area)) {
@@ -90,8 +87,8 @@ void checkValueSizes(const Step& step) {
 }
 
 void checkTextSizes(const Step& step) {
+    if (!step.has(Role::String)) return;
     const Part* const text = step.statement.last(Role::String);
-    if (text == nullptr) return;
     const std::string_view written =
         text->text.substr(std::min(text->text.find_first_not_of(" \t\n\v\f\r"), text->text.size()));
     for (const Part& part : step.statement.all(Role::Area)) {
@@ -107,14 +104,14 @@ void checkTextSizes(const Step& step) {
 
 void checkCroppedValues(const Step& step) {
     const Statement& statement = step.statement;
+    if (!step.has(Role::Bytes) || !step.has(Role::MakesImage)) return;
     const Part* const list = statement.last(Role::Bytes);
-    if (list == nullptr || !statement.has(Role::MakesImage)) return;
     const Part* const range = statement.last(Role::Range);
-    if (range == nullptr && !statement.has(Role::Area)) return;
+    if (range == nullptr && !step.has(Role::Area)) return;
     AreaList kept{{0, list->numberCount}};
     if (range != nullptr && statement.areaOf(*range) != Area{})
         kept = clipped(kept, {statement.areaOf(*range)});
-    if (statement.has(Role::Area)) kept = clipped(kept, united(statement.areas()));
+    if (step.has(Role::Area)) kept = clipped(kept, united(statement.areas()));
     std::uint64_t bytes = 0;
     for (const Area& area : kept) bytes += area.length;
     if (bytes == list->numberCount) return;
@@ -129,24 +126,24 @@ void checkCroppedValues(const Step& step) {
 void checkEmptyDigest(const Step& step) {
     const Statement& statement = step.statement;
     constexpr std::array made{Role::MakesCrc, Role::MakesHash};
+    if (!step.has(made[0]) && !step.has(made[1])) return;
     const Part* const name = statement.last(made);
-    if (name == nullptr) return;
-    const bool hasImage = statement.has(Role::UsesImage);
+    const bool hasImage = step.has(Role::UsesImage);
     if (hasImage && !hasNoAddress(step)) return;
-    step.findings.report(Kind::EmptyDigest,
-                         std::string(name->role == Role::MakesCrc ? "the CRC" : "the hash") +
-                             " covers no byte: " +
-                             (hasImage ? "its images have no addresses" : "it names no image"),
-                         name->text);
+    step.findings.report(
+        Kind::EmptyDigest,
+        std::string(name->role == Role::MakesCrc ? "the CRC" : "the hash") +
+            " covers no byte: " + (hasImage ? "its images have no addresses" : "it names no image"),
+        name->text);
 }
 
 void checkEmptyOutput(const Step& step) {
     const Statement& statement = step.statement;
+    if (!step.has(Role::OutputFile)) return;
     const Part* const file = statement.last(Role::OutputFile);
-    if (file == nullptr) return;
-    const bool hasImage = statement.has(Role::UsesImage);
+    const bool hasImage = step.has(Role::UsesImage);
     const bool isEmpty = !hasImage || hasNoAddress(step);
-    const bool hasGaps = step.context != nullptr && statement.has(Role::Gaps);
+    const bool hasGaps = step.context != nullptr && step.has(Role::Gaps);
     if (!isEmpty && !(hasGaps && hasNothingWritten(step))) return;
     std::string text = "the file gets no byte, since ";
     if (!hasImage)

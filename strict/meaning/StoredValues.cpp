@@ -57,12 +57,15 @@ std::string adviceFor(std::string_view value, const AreaList& covered, const Are
 }  // namespace
 
 void StoredValues::compute(const Statement& statement,
-                           const Parser::WrapperLib::CmdNewValue& command) {
+                           const Parser::WrapperLib::CmdNewValue& command, Images& images) {
     const bool isCrc = statement.has(Role::MakesCrc);
     const std::string_view name = statement.textOf(isCrc ? Role::MakesCrc : Role::MakesHash);
     if (!(isCrc ? crcs_ : hashes_).try_emplace(name, values_.size()).second) return;
     Value value{name, images_->changes().size(), &command, {}};
-    for (const std::size_t image : images_->usedBy(statement)) {
+    std::vector<std::size_t> covered;
+    images_->findUsed(statement, covered);
+    for (const std::size_t image : covered) {
+        images.follow(image);
         const Area range = (*images_)[image].range.value_or(everywhere);
         AreaList areas{range};
         if (statement.has(Role::Area)) areas = clipped(statement.areas(), areas);
@@ -75,6 +78,7 @@ void StoredValues::compute(const Statement& statement,
 void StoredValues::addSources(Piece& piece, std::size_t image, AreaList areas) const {
     piece.push_back({image, areas});
     const Image& holder = (*images_)[image];
+    if (holder.links.empty()) return;
     areas = unchanged(areas, holder.changes, holder.madeAt, images_->changes().size());
     for (const Link& link : holder.links) {
         if (piece.size() == Images::furthest) return;
@@ -146,9 +150,9 @@ void StoredValues::checkPut(const Statement& statement) const {
     }
 }
 
-void StoredValues::checkOutput(const Statement& statement, Images& images) const {
+void StoredValues::checkOutput(const Statement& statement, std::span<const std::size_t> written,
+                               Images& images) const {
     if (values_.empty()) return;
-    const std::vector<std::size_t> written = images.usedBy(statement);
     const std::string_view output = statement.textOf(Role::OutputFile);
     for (const std::size_t image : written) {
         for (const std::size_t value : images[image].spread)
@@ -164,7 +168,7 @@ void StoredValues::checkOutput(const Statement& statement, Images& images) const
 
 /// Checks a value that `image` holds, which is written with others.
 void StoredValues::checkStored(std::size_t value, std::size_t image,
-                               const std::vector<std::size_t>& written, std::string_view output,
+                               std::span<const std::size_t> written, std::string_view output,
                                Images& images) const {
     for (const Piece& piece : values_[value].pieces) {
         auto held = heldBy(image, piece);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -29,8 +30,10 @@ public:
         : images_(&images), findings_(&findings) {}
 
     /// Takes a statement that computes a value into account.
-    void compute(const Parser::Statement& statement,
-                 const Parser::WrapperLib::CmdNewValue& command);
+    ///
+    /// @param images  takes note of the images that are covered
+    void compute(const Parser::Statement& statement, const Parser::WrapperLib::CmdNewValue& command,
+                 Images& images);
 
     /// The number of the CRC or hash that a statement puts somewhere, or nothing.
     std::optional<std::size_t> putBy(const Parser::Statement& statement) const;
@@ -48,8 +51,10 @@ public:
 
     /// Reports `digest-stale` for what the statement is about to write into a file.
     ///
-    /// @param images  takes note of values that are written apart from what they cover
-    void checkOutput(const Parser::Statement& statement, Images& images) const;
+    /// @param written  the images that it writes
+    /// @param images   takes note of values that are written apart from what they cover
+    void checkOutput(const Parser::Statement& statement, std::span<const std::size_t> written,
+                     Images& images) const;
 
 private:
     /// Areas of an image that hold bytes which a value covers.
@@ -75,7 +80,7 @@ private:
     void addSources(Piece& piece, std::size_t image, Buffer::AreaList areas) const;
     std::optional<Held> heldBy(std::size_t image, const Piece& piece, std::size_t& budget) const;
     std::optional<Held> heldBy(std::size_t image, const Piece& piece) const;
-    void checkStored(std::size_t value, std::size_t image, const std::vector<std::size_t>& written,
+    void checkStored(std::size_t value, std::size_t image, std::span<const std::size_t> written,
                      std::string_view output, Images& images) const;
     void checkHeld(std::size_t value, const Held& held, std::string_view output) const;
     const LatestChange& latestIn(std::size_t image) const;

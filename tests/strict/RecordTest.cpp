@@ -234,7 +234,7 @@ TEST_F(RecordTest, TheRecordHasValuesWithTheirPlacesAndOutputs) {
     EXPECT_EQ(record.variables, run.variables);
     ASSERT_EQ(record.values.size(), 2U);
     const Inspect::ValueRecord& crc = record.values[0];
-    EXPECT_EQ(crc.name + " " + crc.kind + " " + crc.bytes, "@c crc CBF43926");
+    EXPECT_EQ(crc.name + " " + crc.kind + " " + crc.bytes, "@c crc 2639F4CB") << "as PRINT_CRC";
     EXPECT_EQ(crc.line, 2U);
     Lines places;
     for (const auto& place : crc.places)
@@ -377,6 +377,7 @@ TEST_F(RecordTest, ARunIsComparedWithTheManifestOfAnother) {
     put("a.bin", run.files.contentsOf("a.bin"));
     const std::string digest = record.outputs[0].sha256;
     const std::string other = " is not the one of m.json (its ";
+    const std::string outputDigest = "\"size\": 4,\n      \"sha256\": \"";
     struct Row {
         std::string from;  ///< of the manifest
         std::string to;
@@ -408,6 +409,9 @@ TEST_F(RecordTest, ARunIsComparedWithTheManifestOfAnother) {
           "differs: the script has no value @d, which m.json lists"}},
         {digest,
          "0000",
+         {"differs: the image @f" + other + "SHA-256 is " + digest + ", not 0000)"}},
+        {outputDigest + digest,
+         outputDigest + "0000",
          {"differs: the output a.bin" + other + "SHA-256 is " + digest + ", not 0000)",
           "differs: the file a.bin" + other + "SHA-256 is " + digest + ", not 0000)"}},
         {"\"outputs\"", "\"inputs2\"", {"differs: m.json is not a manifest"}},

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <string>
 #include <vector>
 
@@ -214,34 +213,6 @@ TEST(ScriptCheckTest, AMadeUpStatementIsCheckedByItsRoles) {
                "2:16 duplicate-name: there is already an image called @new (this one would be "
                "dropped)",
                "+ 1:17 the first one is made here"}));
-}
-
-TEST(ScriptCheckTest, ADigestCoversAByte) {
-    const std::string nameless = "covers no byte: it names no image";
-    const std::string noLength = "covers no byte: each of its areas has the length 0";
-    struct Row {
-        const char* rest;  ///< of the statement, after FROM_BUFFERS
-        std::string fault;
-    };
-    const std::vector<Row> rows{
-        {"{}", nameless},
-        {"{} -useAreas={{0, 1}}", nameless},
-        {"{@image} -useAreas={{0, 0}}", noLength},
-        {"{@image} -useAreas={{0, 0}, {1, 0}}", noLength},
-        {"{@image} -useAreas={{0, 0}, {0, 1}}", ""},
-        {"{@image} -useAreas={}", ""},
-        {"{@image}", ""},
-    };
-    for (const Row& row : rows)
-        for (const auto& [begin, what, type] :
-             {std::array{"NEW_CRC @c FROM_BUFFERS ", "the CRC ", "Crc32_Standard"},
-              std::array{"NEW_HASH @h FROM_BUFFERS ", "the hash ", "Hash_Sha1"}}) {
-            const Lines found = checked("NEW_BUFFER @image FROM_VALUES {1}\n" + std::string(begin) +
-                                        row.rest + " -setType=" + type + "\n");
-            EXPECT_EQ(found.size(), row.fault.empty() ? 0U : 1U) << row.rest;
-            for (const std::string& line : found)
-                EXPECT_TRUE(line.ends_with("empty-digest: " + (what + row.fault))) << line;
-        }
 }
 
 TEST(ScriptCheckTest, AnArrayHasANameThatCompilersTake) {
