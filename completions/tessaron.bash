@@ -20,7 +20,7 @@ _tessaron_words() {
         start-address tolerated
         value-size whole-image text-size number-range empty-area digest-self digest-stale
         format-ending empty-output double-area repeated-option in-place unused-image bare-word
-        leading-zero backslash-path typographic-quote'
+        unknown-text leading-zero backslash-path typographic-quote'
     case $command:$previous in
         diff:--ignore) return ;;
         *:--error | *:--warn | *:--ignore) compgen -W "$kinds" -- "$current"; return ;;

@@ -63,7 +63,8 @@ struct NewBufferRules final : StatementRules {
             const auto set = [&format](CmdNewBuffer& image, std::string_view text) {
                 image.setFileOf(std::string(text), format);
             };
-            add(format.keyword, on.with(format.trace, Role::InputFile, set));
+            add(format.keyword, on.with(format.trace, Role::InputFile, set,
+                                        static_cast<std::uint32_t>(FileReading::Named)));
             // It is the beginning of the keyword for raw bytes, so it comes after that.
             if (format.format == Facts::InputFormat::RawBinary)
                 add("FROM_FILE",

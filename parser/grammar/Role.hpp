@@ -37,4 +37,10 @@ enum class Role : unsigned char {
     None,  ///< of a step of the parser that says nothing new
 };
 
+/// The choice of an `InputFile`.
+enum class FileReading : unsigned char {
+    Detected,  ///< its contents say of what format it is
+    Named      ///< the statement says it
+};
+
 }  // namespace Parser

@@ -102,6 +102,8 @@ constexpr std::array<KindRow, static_cast<std::size_t>(Kind::Count)> allKinds{{
     KindRow{Kind::UnusedImage, "unused-image", Warning, false, "an image that nothing reads"},
     KindRow{Kind::BareWord, "bare-word", Warning, false,
             "a file name or text that looks like a variable"},
+    KindRow{Kind::UnknownText, "unknown-text", Warning, false,
+            "a file that is all text and is read as raw bytes"},
     KindRow{Kind::LeadingZero, "leading-zero", Warning, false,
             "a decimal number that looks like a hexadecimal address"},
     KindRow{Kind::BackslashPath, "backslash-path", Warning, false,

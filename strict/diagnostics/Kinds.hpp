@@ -78,6 +78,7 @@ enum class Kind : unsigned char {
     InPlace,
     UnusedImage,
     BareWord,
+    UnknownText,
     LeadingZero,
     BackslashPath,
     TypographicQuote,

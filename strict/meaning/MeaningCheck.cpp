@@ -11,6 +11,7 @@
 #include "strict/meaning/OverlapRule.hpp"
 #include "strict/meaning/SizeRules.hpp"
 #include "strict/meaning/Step.hpp"
+#include "strict/meaning/TextRule.hpp"
 
 namespace Strict {
 
@@ -40,6 +41,12 @@ void MeaningCheck::checkBefore() {
     }
     isSettled_ = known.isSettled;
     reportUnused();
+}
+
+void MeaningCheck::leave(std::size_t number, const CmdContext& context) {
+    const Statement statement = program_->statements()[number];
+    checkUnknownText(stepOf(running_, statement, &context));
+    if (!isSettled_) takeEffect(running_, number, &context);
 }
 
 void MeaningCheck::enter(std::size_t number, const CmdContext& context) {

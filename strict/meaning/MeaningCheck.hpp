@@ -42,9 +42,7 @@ public:
     void enter(std::size_t statement, const Parser::WrapperLib::CmdContext& context);
 
     /// The statement has run.
-    void leave(std::size_t statement, const Parser::WrapperLib::CmdContext& context) {
-        if (!isSettled_) takeEffect(running_, statement, &context);
-    }
+    void leave(std::size_t statement, const Parser::WrapperLib::CmdContext& context);
 
 private:
     /// What is known at a point of the script.
