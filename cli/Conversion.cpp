@@ -143,7 +143,10 @@ void addNewBuffer(Strict::ProgramMaker& maker, const Steps& steps) {
     maker.addWord(Role::MakesImage, imageName);
     image.setPath(steps.input, steps.source.format);
     maker.add(" " + steps.source.keyword);
-    maker.addPath(Role::InputFile, steps.input);
+    using Parser::FileReading;
+    const FileReading reading =
+        steps.source.format == nullptr ? FileReading::Detected : FileReading::Named;
+    maker.addPath(Role::InputFile, steps.input, static_cast<std::uint32_t>(reading));
     if (steps.crop) {
         image.setBufferRange(*steps.crop);
         maker.add(" -useBufferRange=");

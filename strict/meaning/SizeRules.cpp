@@ -26,7 +26,7 @@ void reportSize(const Step& step, std::string what, std::uint64_t size, const Pa
     const Area area = step.statement.areaOf(part);
     step.findings.report(Kind::ValueSize,
                          std::move(what) + " has " + Inspect::countText(size, "byte") +
-                             ", and this area " + std::to_string(area.length),
+                             ", and this area has " + std::to_string(area.length),
                          part.text,
                          "the area would be {" + Inspect::addressText(area.start) + ", " +
                              std::to_string(size) + "}");
@@ -59,6 +59,9 @@ void checkWholeImage(const Step& step) {
     if (value == nullptr) return;
     const auto number = step.values.putBy(statement);
     const auto size = number ? step.values.sizeOf(*number) : std::nullopt;
+    const auto image = step.images.find(statement.textOf(Role::ChangesImage));
+    const auto range = image ? step.images[*image].range : std::nullopt;
+    if (size && range && range->length == *size) return;
     step.findings.report(
         Kind::WholeImage,
         "without an area " + std::string(value->text) + " replaces all bytes of " +

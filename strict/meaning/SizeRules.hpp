@@ -6,7 +6,7 @@
 namespace Strict {
 
 /// `whole-image`: a CRC or hash that is put into an image without an area is repeated over all of
-/// it, which destroys it.
+/// it, which destroys it. An image of its size may be made for it.
 void checkWholeImage(const Step& step);
 
 /// `value-size`: a CRC or hash fits its area exactly, since it is cut or repeated otherwise, and a

@@ -19,8 +19,9 @@ void ProgramMaker::add(Role role, const Piece& piece, std::uint32_t choice) {
     text_ += piece.text();
 }
 
-void ProgramMaker::addPath(Role role, const std::string& path) {
-    addWord(role, argumentOf(path).text);
+void ProgramMaker::addPath(Role role, const std::string& path, std::uint32_t choice) {
+    add(" ");
+    add(role, argumentOf(path).text, choice);
     drafts_.back().parts.back().path = path;
 }
 

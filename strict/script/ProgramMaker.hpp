@@ -75,7 +75,7 @@ public:
     }
 
     /// Adds a blank and the part that names a file, of any path.
-    void addPath(Parser::Role role, const std::string& path);
+    void addPath(Parser::Role role, const std::string& path, std::uint32_t choice = 0);
 
     /// Ends the statement, and its line.
     void end();

@@ -36,7 +36,9 @@ WRITE_FILE out.bin WITH_BUFFERS {@Moved} -setFormat=RawBinary
 
 
 def tessaron(*arguments, code=0, folder="."):
-    done = subprocess.run([PROGRAM, *arguments], capture_output=True, text=True, check=False,
+    # The script changes a copy of what its CRC covers, for the sake of the origins.
+    policy = ["--ignore=digest-stale"] if arguments[0] in ("run", "check") else []
+    done = subprocess.run([PROGRAM, *arguments, *policy], capture_output=True, text=True, check=False,
                           cwd=folder)
     assert done.returncode == code, (arguments, done.returncode, done.stdout, done.stderr)
     return done.stderr

@@ -180,7 +180,7 @@ class UsesOfThePackage(unittest.TestCase):
         for number, (arguments, note) in enumerate(cases.items()):
             project = Project(self.root / ("older %d" % number), "Ninja")
             self.write_project(project, "NEW_BUFFER @B FROM_VALUES { 1 }\nWRITE_FILE out.bin "
-                               "WITH_BUFFERS {@B}\nPRINT_TEXT {marker}\n", arguments)
+                               "WITH_BUFFERS {@B} -setFormat=RawBinary\nPRINT_TEXT {marker}\n", arguments)
             configured = project.configure()
             self.assertEqual(configured.returncode, 0, configured.stdout)
             self.assertIn(note, " ".join(configured.stdout.split()))

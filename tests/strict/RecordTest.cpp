@@ -377,7 +377,7 @@ TEST_F(RecordTest, ARunIsComparedWithTheManifestOfAnother) {
     put("a.bin", run.files.contentsOf("a.bin"));
     const std::string digest = record.outputs[0].sha256;
     const std::string other = " is not the one of m.json (its ";
-    const std::string outputDigest = "\"size\": 4,\n      \"sha256\": \"";
+    const std::string outputDigest = "\"size\": 18,\n      \"sha256\": \"";
     struct Row {
         std::string from;  ///< of the manifest
         std::string to;
