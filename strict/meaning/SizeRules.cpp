@@ -58,16 +58,16 @@ void checkWholeImage(const Step& step) {
     const Part* const value = statement.last(values);
     if (value == nullptr) return;
     const auto number = step.values.putBy(statement);
-    const auto size = number ? step.values.sizeOf(*number) : std::nullopt;
+    const std::size_t size = number ? step.values.sizeOf(*number).value_or(0) : 0;
     const auto image = step.images.find(statement.textOf(Role::ChangesImage));
     const auto range = image ? step.images[*image].range : std::nullopt;
-    if (size && range && range->length == *size) return;
-    step.findings.report(
-        Kind::WholeImage,
-        "without an area " + std::string(value->text) + " replaces all bytes of " +
-            std::string(statement.textOf(Role::ChangesImage)),
-        value->text,
-        "add -useAreas={{start, " + (size ? std::to_string(*size) : std::string("length")) + "}}");
+    if (size != 0 && range && range->length == size) return;
+    step.findings.report(Kind::WholeImage,
+                         "without an area " + std::string(value->text) + " replaces all bytes of " +
+                             std::string(statement.textOf(Role::ChangesImage)),
+                         value->text,
+                         "add -useAreas={{start, " +
+                             (size != 0 ? std::to_string(size) : std::string("length")) + "}}");
 }
 
 void checkValueSizes(const Step& step) {
