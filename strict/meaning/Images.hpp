@@ -84,7 +84,7 @@ private:
               const std::vector<std::size_t>& sources,
               const Parser::WrapperLib::CmdContext* context);
     void takeOver(Image& image, const Parser::Statement& statement,
-                  const Parser::WrapperLib::CmdContext* context);
+                  const Parser::WrapperLib::CmdContext* merged);
 
     std::vector<Image> images_;
     std::vector<Change> changes_;

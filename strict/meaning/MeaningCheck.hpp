@@ -38,11 +38,11 @@ public:
 
     /// Reports what is known when a statement is about to run, but for what was reported before.
     ///
-    /// @param statement  its number
-    void enter(std::size_t statement, const Parser::WrapperLib::CmdContext& context);
+    /// @param number  of the statement
+    void enter(std::size_t number, const Parser::WrapperLib::CmdContext& context);
 
     /// The statement has run.
-    void leave(std::size_t statement, const Parser::WrapperLib::CmdContext& context);
+    void leave(std::size_t number, const Parser::WrapperLib::CmdContext& context);
 
 private:
     /// What is known at a point of the script.
@@ -57,11 +57,11 @@ private:
         bool isSettled = true;  ///< the script alone says all that the flow of values needs
     };
 
-    void check(Knowledge& known, std::size_t statement,
-               const Parser::WrapperLib::CmdContext* context);
-    void takeEffect(Knowledge& known, std::size_t statement,
+    void check(Knowledge& known, std::size_t number, const Parser::WrapperLib::CmdContext* context);
+    void takeEffect(Knowledge& known, std::size_t number,
                     const Parser::WrapperLib::CmdContext* context);
-    void noteChange(Knowledge& known, const Parser::Statement& statement, const Roles& roles);
+    static void noteChange(Knowledge& known, const Parser::Statement& statement,
+                           const Roles& roles);
     void reportUnused();
 
     Step stepOf(const Knowledge& known, const Parser::Statement& statement,

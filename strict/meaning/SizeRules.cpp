@@ -41,13 +41,13 @@ bool hasNoAddress(const Step& step) {
 
 /// No image that the statement uses has a written address.
 bool hasNothingWritten(const Step& step) {
-    for (const Part& part : step.statement.all(Role::UsesImage)) {
+    return std::ranges::all_of(step.statement.parts, [&step](const Part& part) {
+        if (part.role != Role::UsesImage) return true;
         const auto image = step.context->buffers.find(std::string(part.text));
         if (image == step.context->buffers.end()) return false;
         const auto elements = image->second.viewElements();
-        if (elements.findWritten(0) != elements.size()) return false;
-    }
-    return true;
+        return elements.findWritten(0) == elements.size();
+    });
 }
 
 }  // namespace

@@ -202,11 +202,11 @@ void StoredValues::checkHeld(std::size_t value, const Held& held, std::string_vi
     for (const Area& area : held.areas) {
         const auto found = latestIn(held.image).find(area, values_[value].computedAt, counts);
         if (!found) continue;
-        findings_->report(
-            Kind::DigestStale,
-            "this changes bytes that " + name + " covers, and " + name + " was computed before",
-            images_->changes()[found->source].place, "compute " + name + " after the last change",
-            std::move(notes), value);
+        std::string text = "this changes bytes that ";
+        text.append(name).append(" covers, and ").append(name).append(" was computed before");
+        findings_->report(Kind::DigestStale, std::move(text),
+                          images_->changes()[found->source].place,
+                          "compute " + name + " after the last change", std::move(notes), value);
         return;
     }
 }
