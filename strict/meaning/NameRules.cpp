@@ -9,6 +9,7 @@
 
 #include "io/formats/InputFormats.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
+#include "platform/Replace.hpp"
 
 namespace Strict {
 
@@ -61,6 +62,11 @@ bool isLikeVariable(std::string_view word) {
 bool isOnlyRead(std::string_view path) {
     const auto* const row = Io::Formats::rowByEnding(path);
     return row != nullptr && Io::Formats::hasEnding(path, row->endings.first(1));
+}
+
+/// A device of the system, such as NUL of Windows.
+bool isDevice(std::string_view path) {
+    return Platform::outputTarget(std::string(path)).kind == Platform::TargetKind::Device;
 }
 
 }  // namespace
@@ -116,6 +122,7 @@ void checkBareWords(const Step& step) {
         const bool isBare =
             isFile ? word.find_first_of("./\\") == std::string_view::npos : isLikeVariable(word);
         if (word.empty() || !isBare || step.findings.isFromVariable(part.text)) continue;
+        if (isFile && isDevice(word)) continue;
         step.findings.report(Kind::BareWord,
                              std::string(isFile ? "the file is called " : "the text is ") +
                                  std::string(word) + ", which may be a variable's name",
