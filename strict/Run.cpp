@@ -239,7 +239,7 @@ private:
         const std::string input = role == FileRole::Output ? files_->inputNamed(path) : "";
         if (meaning_ && !input.empty())
             reports_.report(Kind::InPlace, "the output replaces the input " + input, part,
-                            "the next run would read what this one wrote");
+                            "give the output a name of its own");
         return true;
     }
 
