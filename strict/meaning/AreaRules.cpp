@@ -63,7 +63,8 @@ void checkEmptyAreas(const Step& step) {
 }
 
 void checkDoubleAreas(const Step& step) {
-    if (!step.has(Role::Area)) return;
+    const auto isArea = [](const Part& part) { return part.role == Role::Area; };
+    if (std::ranges::count_if(step.statement.parts, isArea) < 2) return;
     std::vector<const Part*> parts;
     for (const Part& part : step.statement.all(Role::Area))
         if (step.statement.areaOf(part).length != 0) parts.push_back(&part);

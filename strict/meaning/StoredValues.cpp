@@ -186,14 +186,17 @@ void StoredValues::checkHeld(std::size_t value, const Held& held, std::string_vi
     const Image& image = (*images_)[held.image];
     if (!image.isExact) return;
     const std::string name(nameOf(value));
-    std::vector<Note> notes{findings_->note(name + " is computed here", nameOf(value)),
-                            findings_->note("and written here", output)};
+    // Places cost more than the check, and most values are sound.
+    const auto notes = [&] {
+        return std::vector<Note>{findings_->note(name + " is computed here", nameOf(value)),
+                                 findings_->note("and written here", output)};
+    };
     if (held.isLost) {
         findings_->report(Kind::DigestStale,
                           std::string(image.name) + " has other bytes than those that " + name +
                               " covers, since images overlap",
                           image.name, "compute " + name + " over " + std::string(image.name),
-                          std::move(notes), value);
+                          notes(), value);
         return;
     }
     const auto counts = [&](std::size_t number) {
@@ -206,7 +209,7 @@ void StoredValues::checkHeld(std::size_t value, const Held& held, std::string_vi
         text.append(name).append(" covers, and ").append(name).append(" was computed before");
         findings_->report(Kind::DigestStale, std::move(text),
                           images_->changes()[found->source].place,
-                          "compute " + name + " after the last change", std::move(notes), value);
+                          "compute " + name + " after the last change", notes(), value);
         return;
     }
 }
