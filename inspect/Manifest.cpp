@@ -18,7 +18,6 @@ Json inputJson(const FileRecord& file) {
         json["format"] = file.format;
         json["areas"] = toJson(file.areas);
     }
-    if (file.startAddress) json["startAddress"] = addressText(*file.startAddress);
     return json;
 }
 

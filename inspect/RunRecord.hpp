@@ -24,7 +24,7 @@ struct FileRecord {
     Buffer::AreaList areas;                     ///< of data, ascending; of inputs only
     std::vector<std::string> images;            ///< that went into an output
     std::size_t line = 0;                       ///< of the statement in the script
-    std::optional<std::uint64_t> startAddress;  ///< of the program, where a file has one
+    std::optional<std::uint64_t> startAddress;  ///< of an output, if the script gives one
 };
 
 /// Addresses that the lines of a text file from `firstLine` on gave, the same number of bytes each;

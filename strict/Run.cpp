@@ -193,7 +193,7 @@ public:
         return isGood;
     }
 
-    /// Reports what the script means and cannot be meant, as far as it can be known before the run.
+    /// Reports slips of meaning, as far as they can be known before the run.
     void checkMeaning() {
         if (meaning_) meaning_->checkBefore();
     }

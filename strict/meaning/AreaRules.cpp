@@ -90,7 +90,7 @@ void checkDoubleAreas(const Step& step) {
 void checkOutsideAreas(const Step& step) {
     const Statement& statement = step.statement;
     if (!step.has(Role::Area) || step.has(Role::String)) return;
-    if (step.used.empty()) return;
+    if (step.used.empty() || !step.knowsAll()) return;
     AreaList ranges;
     for (const std::size_t number : step.used) {
         if (!step.images[number].range) return;

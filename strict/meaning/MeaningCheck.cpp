@@ -74,7 +74,7 @@ void MeaningCheck::check(Knowledge& known, std::size_t number, const CmdContext*
     const Step step = stepOf(known, statement, context);
     for (const auto rule : rules) rule(step);
     if (step.has(Role::ChangesImage)) known.values.checkPut(statement);
-    if (step.has(Role::OutputFile)) known.values.checkOutput(statement, known.used, known.images);
+    if (step.has(Role::OutputFile)) known.values.checkOutput(statement, known.used);
     known.filled.clear();
     if (context != nullptr && step.has(Role::Filler) && !known.values.empty())
         known.filled = fillerChanges(statement, *context);
@@ -90,10 +90,8 @@ void MeaningCheck::takeEffect(Knowledge& known, std::size_t number, const CmdCon
                           known.images[*image].isExact;
     }
     if (roles.has(Role::MakesCrc) || roles.has(Role::MakesHash))
-        known.values.compute(
-            statement,
-            static_cast<const Parser::WrapperLib::CmdNewValue&>(*program_->commands()[number]),
-            known.images);
+        known.values.compute(statement, static_cast<const Parser::WrapperLib::CmdNewValue&>(
+                                            *program_->commands()[number]));
     if (roles.has(Role::ChangesImage)) noteChange(known, statement, roles);
 }
 

@@ -117,7 +117,9 @@ void checkBareWords(const Step& step) {
     if (!step.has(Role::OutputFile) && !step.has(Role::String) && !step.has(Role::Text)) return;
     for (const Part& part : step.statement.parts) {
         const bool isFile = part.role == Role::OutputFile;
-        if (!isFile && part.role != Role::String && part.role != Role::Text) continue;
+        // One word is usual among the arguments of a program.
+        const bool isText = part.role == Role::Text && !step.has(Role::Program);
+        if (!isFile && part.role != Role::String && !isText) continue;
         const std::string_view word = undelimited(part.text);
         const bool isBare =
             isFile ? word.find_first_of("./\\") == std::string_view::npos : isLikeVariable(word);

@@ -15,7 +15,7 @@ void checkFormatEnding(const Step& step);
 
 /// `bare-word`: an output without dot and slash in its name, or a text that is one word in the
 /// manner of variables: a variable of that name may not have been given. What came out of a
-/// variable was given.
+/// variable was given, and the arguments of a program are its own affair.
 void checkBareWords(const Step& step);
 
 }  // namespace Strict

@@ -34,9 +34,10 @@ void reportSize(const Step& step, std::string what, std::uint64_t size, const Pa
 
 /// All images that the statement uses are known to have no address.
 bool hasNoAddress(const Step& step) {
-    return !step.used.empty() && std::ranges::all_of(step.used, [&step](std::size_t image) {
-        return step.images[image].range.value_or(everywhere).length == 0;
-    });
+    return !step.used.empty() && step.knowsAll() &&
+           std::ranges::all_of(step.used, [&step](std::size_t image) {
+               return step.images[image].range.value_or(everywhere).length == 0;
+           });
 }
 
 /// No image that the statement uses has a written address.

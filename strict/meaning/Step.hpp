@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -48,6 +49,14 @@ struct Step {
     const Provenance* provenance;
 
     bool has(Parser::Role role) const { return roles.has(role); }
+
+    /// All images that the statement names are known.
+    bool knowsAll() const {
+        const auto names = std::ranges::count_if(statement.parts, [](const Parser::Part& part) {
+            return part.role == Parser::Role::UsesImage || part.role == Parser::Role::ChangesImage;
+        });
+        return used.size() == static_cast<std::size_t>(names);
+    }
 };
 
 }  // namespace Strict

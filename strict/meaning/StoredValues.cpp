@@ -57,7 +57,7 @@ std::string adviceFor(std::string_view value, const AreaList& covered, const Are
 }  // namespace
 
 void StoredValues::compute(const Statement& statement,
-                           const Parser::WrapperLib::CmdNewValue& command, Images& images) {
+                           const Parser::WrapperLib::CmdNewValue& command) {
     const bool isCrc = statement.has(Role::MakesCrc);
     const std::string_view name = statement.textOf(isCrc ? Role::MakesCrc : Role::MakesHash);
     if (!(isCrc ? crcs_ : hashes_).try_emplace(name, values_.size()).second) return;
@@ -65,7 +65,7 @@ void StoredValues::compute(const Statement& statement,
     std::vector<std::size_t> covered;
     images_->findUsed(statement, covered);
     for (const std::size_t image : covered) {
-        images.follow(image);
+        images_->follow(image);
         const Area range = (*images_)[image].range.value_or(everywhere);
         AreaList areas{range};
         if (statement.has(Role::Area)) areas = clipped(statement.areas(), areas);
@@ -150,9 +150,10 @@ void StoredValues::checkPut(const Statement& statement) const {
     }
 }
 
-void StoredValues::checkOutput(const Statement& statement, std::span<const std::size_t> written,
-                               Images& images) const {
+void StoredValues::checkOutput(const Statement& statement,
+                               std::span<const std::size_t> written) const {
     if (values_.empty()) return;
+    const Images& images = *images_;
     const std::string_view output = statement.textOf(Role::OutputFile);
     for (const std::size_t image : written) {
         for (const std::size_t value : images[image].spread)
@@ -162,20 +163,20 @@ void StoredValues::checkOutput(const Statement& statement, std::span<const std::
         if (!images[image].isExact) continue;
         for (const auto& [start, range] : images[image].changes.ranges())
             if (const auto value = images.changes()[range.source].value)
-                checkStored(*value, image, written, output, images);
+                checkStored(*value, image, written, output);
     }
 }
 
 /// Checks a value that `image` holds, which is written with others.
 void StoredValues::checkStored(std::size_t value, std::size_t image,
-                               std::span<const std::size_t> written, std::string_view output,
-                               Images& images) const {
+                               std::span<const std::size_t> written,
+                               std::string_view output) const {
     for (const Piece& piece : values_[value].pieces) {
         auto held = heldBy(image, piece);
         for (std::size_t i = 0; !held && i < written.size(); ++i) held = heldBy(written[i], piece);
         if (!held) {
             held = Held{piece.front().image, piece.front().areas};
-            images.noteSpread(piece.front().image, value);
+            images_->noteSpread(piece.front().image, value);
         }
         checkHeld(value, *held, output);
     }

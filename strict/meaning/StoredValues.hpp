@@ -26,14 +26,12 @@ namespace Strict {
 /// over a copy in which its place was given bytes on purpose.
 class StoredValues {
 public:
-    StoredValues(const Images& images, Findings& findings)
-        : images_(&images), findings_(&findings) {}
+    /// @param images  takes note of what is covered, and of values that are written apart from it
+    StoredValues(Images& images, Findings& findings) : images_(&images), findings_(&findings) {}
 
     /// Takes a statement that computes a value into account.
-    ///
-    /// @param images  takes note of the images that are covered
-    void compute(const Parser::Statement& statement, const Parser::WrapperLib::CmdNewValue& command,
-                 Images& images);
+    void compute(const Parser::Statement& statement,
+                 const Parser::WrapperLib::CmdNewValue& command);
 
     /// The number of the CRC or hash that a statement puts somewhere, or nothing.
     std::optional<std::size_t> putBy(const Parser::Statement& statement) const;
@@ -52,9 +50,8 @@ public:
     /// Reports `digest-stale` for what the statement is about to write into a file.
     ///
     /// @param written  the images that it writes
-    /// @param images   takes note of values that are written apart from what they cover
-    void checkOutput(const Parser::Statement& statement, std::span<const std::size_t> written,
-                     Images& images) const;
+    void checkOutput(const Parser::Statement& statement,
+                     std::span<const std::size_t> written) const;
 
 private:
     /// Areas of an image that hold bytes which a value covers.
@@ -81,11 +78,11 @@ private:
     std::optional<Held> heldBy(std::size_t image, const Piece& piece, std::size_t& budget) const;
     std::optional<Held> heldBy(std::size_t image, const Piece& piece) const;
     void checkStored(std::size_t value, std::size_t image, std::span<const std::size_t> written,
-                     std::string_view output, Images& images) const;
+                     std::string_view output) const;
     void checkHeld(std::size_t value, const Held& held, std::string_view output) const;
     const LatestChange& latestIn(std::size_t image) const;
 
-    const Images* images_;
+    Images* images_;
     Findings* findings_;
     std::vector<Value> values_;
     std::unordered_map<std::string_view, std::size_t> crcs_;

@@ -86,6 +86,8 @@ TEST(MeaningTest, AreasHaveAddressesAndLieInTheirImages) {
             {"PRINT_BUFFER @a -useAreas={{24, 9}}", {"2:28 outside"}},
             {"NEW_HASH @h FROM_BUFFERS {@a, @a} -useAreas={{8, 16}} -setType=Hash_Md5",
              {"2:46 outside"}},
+            // The other image may have it.
+            {"NEW_CRC @c FROM_BUFFERS {@a, @absent} -useAreas={{0, 4}}", {}},
             {"NEW_BUFFER @b FROM_BUFFER @a -useAreas={{0, 100}}", {}},
             {"NEW_BUFFER @b FROM_BUFFER @a -useAreas={{0, 16}}", {"2:41 outside"}},
             {"NEW_BUFFER @b FROM_BUFFER @a -changeStartAddressTo=0x100\n"
@@ -131,6 +133,7 @@ TEST(MeaningTest, OptionsNamesAndOutputs) {
          {"FILL_BUFFER @a WITH_STRING 'Version 1' -useAreas={{0, 16}}", {}},
          {"PRINT_TEXT {buildNumber}", {"2:12 bare-word"}},
          {"PRINT_TEXT {Done.}", {}},
+         {"CALL_APP make WITH_ARGUMENTS {flashAll}", {}},
          {"NEW_BUFFER @b FROM_VALUES {1, 2, 3} -useBufferRange={1, 2}", {"2:53 cropped"}},
          {"NEW_BUFFER @b FROM_VALUES {1, 2, 3} -useAreas={{0, 2}, {2, 9}}", {}}},
         "NEW_BUFFER @a EMPTY -useBufferRange={0, 16}\n");
