@@ -6,7 +6,10 @@ find_package(Boost 1.74 REQUIRED)
 function(tessaron_settings target)
   target_compile_features(${target} PUBLIC cxx_std_20)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
-  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion)
+  # Compiled together, a source's own names seem to hide those of the one before.
+  target_compile_options(
+    ${target} PRIVATE $<$<NOT:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>>:-Wshadow>)
   if(TESSARON_WERROR)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
@@ -14,6 +17,7 @@ function(tessaron_settings target)
     target_compile_options(${target} PRIVATE -fsanitize=${TESSARON_SANITIZE}
                            -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(${target} PRIVATE -fsanitize=${TESSARON_SANITIZE})
+    target_compile_definitions(${target} PRIVATE TESSARON_SANITIZED)
     # With the checks in between, g++ takes the values inside boost::optional for uninitialised.
     target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   endif()

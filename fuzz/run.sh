@@ -2,20 +2,20 @@
 # Builds the fuzz targets, replays their corpora and lets each of them search for a while.
 #   fuzz/run.sh SECONDS [target ...]     script, readers, formats, run, field, records
 #                                        (all); 0 seconds only replay
-# New inputs of a search stay in build/fuzz/found/, where the next search begins. A finding ends the
-# run with an error, and the input that causes it stays in build/fuzz/findings/.
+# New inputs of a search stay in build/asan/found/, where the next search begins. A finding ends the
+# run with an error, and the input that causes it stays in build/asan/findings/.
 set -eu
 cd "$(dirname "$0")/.."
 seconds=${1:?how many seconds?}
 shift
 [ $# -gt 0 ] || set -- script readers formats run field records
-build=build/fuzz
+build=build/asan
 scripts/setup.sh fuzz
 mkdir -p $build/findings
 programs=""
 for target in "$@"; do programs="$programs fuzz_$target"; done
 log=$build/log
-if ! { cmake --preset fuzz && cmake --build --preset fuzz --target $programs; } >$log 2>&1; then
+if ! { cmake --preset asan && cmake --build --preset asan --target $programs; } >$log 2>&1; then
     cat $log
     exit 1
 fi

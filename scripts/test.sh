@@ -15,6 +15,7 @@ for preset in "$@"; do
     echo "== preset $preset"
     case $preset in
         aarch64) scripts/setup.sh "$tests" aarch64 ;;
+        asan) scripts/setup.sh "$tests" fuzz ;;
         clang) scripts/setup.sh "$tests" clang ;;
         windows) scripts/setup.sh windows ;;
         *) scripts/setup.sh "$tests" ;;

@@ -14,15 +14,14 @@ namespace {
 
 using Facts::InputFormat;
 
-constexpr std::string_view digits = "0123456789ABCDEFabcdef";
-constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view hexDigits = "0123456789ABCDEFabcdef";
 /// Digits after the first characters of a record that distinguish it from other text.
 constexpr std::size_t recordDigits = 8;
 constexpr std::size_t longestStart = 2 + recordDigits;
 
 bool areDigits(std::string_view text, std::size_t count) {
     return text.size() >= count &&
-           text.substr(0, count).find_first_not_of(digits) == std::string_view::npos;
+           text.substr(0, count).find_first_not_of(hexDigits) == std::string_view::npos;
 }
 
 bool isDecimal(char c) {

@@ -8,6 +8,9 @@
 
 namespace Io::Field {
 
+/// The byte order mark of UTF-8, which editors put at the beginning of a file.
+inline constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
+
 /// The format of which `line` is a record, damaged or not: it begins as one, and eight digits
 /// follow.
 std::optional<Facts::InputFormat> recordFormatOf(std::string_view line);

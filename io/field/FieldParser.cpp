@@ -16,7 +16,6 @@ namespace {
 using Facts::RecordFault;
 using Facts::Tolerance;
 
-constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr char endMark = 0x1A;
 
 /// Characters of the mark that makes a line a remark; 0 if it is none.

@@ -53,7 +53,7 @@ constexpr ValueType tolmen = polynomial<Crc::crcCrc32_Tolmen>(
     "Crc32_Tolmen", "SetCrc_Crc32_Tolmen -> ", "CRC-32/MPEG-2 that begins with 0",
     {32, 0x04C11DB7, 0, false, false, 0});
 
-constexpr std::array<ValueType, 17> catalogue{{
+constexpr std::array<ValueType, 17> crcTypes{{
     {"Crc8_Standard", "SetCrc_Crc8_Standard -> ", &computed<Crc::crcCrc8_Standard>,
      "the sum of the bytes"},
     {"Crc8_OnesComplement", "SetCrc_Crc8_OnesComplement -> ",
@@ -98,7 +98,7 @@ constexpr std::array<ValueType, 17> catalogue{{
 CmdNewCrc::CmdNewCrc() : CmdNewValue(Facts::Subject::Crc, &CmdContext::crcs, tolmen) {}
 
 std::span<const ValueType> CmdNewCrc::types() {
-    return catalogue;
+    return crcTypes;
 }
 
 const ValueType& CmdNewCrc::usualType() {

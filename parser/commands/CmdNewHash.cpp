@@ -16,7 +16,7 @@ using namespace kv::crypto::stream::hash;
 
 constexpr ValueType notChosen{"", "", nullptr};
 
-constexpr std::array<ValueType, 19> catalogue{{
+constexpr std::array<ValueType, 19> hashTypes{{
     {"Hash_Md2", "SetHash_Hash_Md2 -> ", &hash_bytes<hash_md2>, "MD2, RFC 1319"},
     {"Hash_Md4", "SetHash_Hash_Md4 -> ", &hash_bytes<hash_md4>, "MD4, RFC 1320"},
     {"Hash_Md5", "SetHash_Hash_Md5 -> ", &hash_bytes<hash_md5>, "MD5, RFC 1321"},
@@ -48,7 +48,7 @@ constexpr std::array<ValueType, 19> catalogue{{
 CmdNewHash::CmdNewHash() : CmdNewValue(Facts::Subject::Hash, &CmdContext::hashes, notChosen) {}
 
 std::span<const ValueType> CmdNewHash::types() {
-    return catalogue;
+    return hashTypes;
 }
 
 }  // namespace Parser::WrapperLib

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "parser/text/Characters.hpp"
+
 namespace Parser {
 
 namespace {
@@ -13,10 +15,6 @@ constexpr std::size_t passedInAStep = 8;
 
 bool isLineEnding(char c) {
     return c == '\n' || c == '\r';
-}
-
-bool isWordCharacter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "parser/text/Characters.hpp"
+
 namespace Parser {
 
 namespace {
@@ -30,9 +32,6 @@ constexpr char lower(char c) {
 constexpr bool isLower(char c) {
     return c >= 'a' && c <= 'z';
 }
-constexpr bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 constexpr bool isAlpha(char c) {
     return isLower(lower(c));
 }
@@ -53,7 +52,7 @@ struct CharacterClass {
 
 constexpr std::array<CharacterClass, 15> characterClasses{{
     {"d", isDigit},
-    {"w", [](char c) { return isAlnum(c) || c == '_'; }},
+    {"w", isWordCharacter},
     {"s", isSpace},
     {"alnum", isAlnum},
     {"alpha", isAlpha},

@@ -3,13 +3,11 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "parser/text/Characters.hpp"
+
 namespace Parser {
 
 namespace {
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 /// Takes the number of a group, of one digit or two, off the front of `format`.
 std::size_t takeGroup(std::string_view& format) {

@@ -3,15 +3,9 @@
 #include <algorithm>
 #include <iterator>
 
+#include "parser/text/Characters.hpp"
+
 namespace Parser {
-
-namespace {
-
-bool isWordCharacter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-}
-
-}  // namespace
 
 void TextStage::keep(std::size_t at, std::size_t length) {
     if (length == 0) return;

@@ -175,17 +175,18 @@ TEST(MemoryBufferTest, AnExtractForgetsWhatDoesNotApply) {
     EXPECT_EQ(extract.getElements(), (Elements{{'b', 0, 1}, {0, 0x11, 0}}));
 }
 
-struct Overlap {
+struct Placement {
     std::uint64_t start;
     const char* other;
     const char* result;
 };
 
 TEST(MemoryBufferTest, OverlayAndWrittenBytesAreCutToTheImage) {
-    for (const Overlap& row : {Overlap{0x10, "AB", "ABcd"}, Overlap{0x0E, "ABC.E", "C.Ed"},
-                               Overlap{0x12, "ABCDE", "abAB"}, Overlap{0x0E, "ABCDEFGH", "CDEF"},
-                               Overlap{0x0E, "AB", "abcd"}, Overlap{0x14, "AB", "abcd"},
-                               Overlap{0x11, "..", "a..d"}, Overlap{0x12, "", "abcd"}}) {
+    for (const Placement& row :
+         {Placement{0x10, "AB", "ABcd"}, Placement{0x0E, "ABC.E", "C.Ed"},
+          Placement{0x12, "ABCDE", "abAB"}, Placement{0x0E, "ABCDEFGH", "CDEF"},
+          Placement{0x0E, "AB", "abcd"}, Placement{0x14, "AB", "abcd"},
+          Placement{0x11, "..", "a..d"}, Placement{0x12, "", "abcd"}}) {
         MemoryBuffer buffer = image(0x10, "abcd");
         buffer.overlay(image(row.start, row.other));
         EXPECT_EQ(text(buffer), row.result) << row.other;

@@ -27,7 +27,7 @@ Parsed parse(const std::string& text) {
             state.statement.lastCommand(), state.statement.lastTokens()};
 }
 
-struct Row {
+struct Parse {
     const char* text;
     std::size_t matched;  ///< of the text's characters
     std::size_t statements;
@@ -36,8 +36,8 @@ struct Row {
 
 constexpr std::size_t all = std::string::npos;
 
-void expectRows(const std::vector<Row>& rows) {
-    for (const Row& row : rows) {
+void expectRows(const std::vector<Parse>& rows) {
+    for (const Parse& row : rows) {
         const Parsed parsed = parse(row.text);
         const std::size_t length = row.matched == all ? std::string(row.text).size() : row.matched;
         EXPECT_EQ(parsed.length, length) << row.text;

@@ -31,13 +31,13 @@ std::unique_ptr<CmdApi> make(const std::function<void(Command&)>& set, Arguments
     return command;
 }
 
-struct Row {
+struct Refusal {
     NameKind kind;
     std::unique_ptr<CmdApi> statement;
 };
 
 TEST(StatementTest, AMissingNameFailsTheStatementAndChangesNothing) {
-    const Row rows[] = {
+    const Refusal rows[] = {
         {NameKind::Buffer, make<CmdNewBuffer>([](auto& c) {
              c.addSourceBuffer("B");
              c.addSourceBuffer("X");
@@ -63,7 +63,7 @@ TEST(StatementTest, AMissingNameFailsTheStatementAndChangesNothing) {
          make<CmdPrintText>([](auto& c) { c.addSymbol("X"); }, TextCalculator{nullptr})},
         {NameKind::Symbol, make<CmdCallApp>([](auto& c) { c.addSymbol("X"); })},
     };
-    for (const Row& row : rows) {
+    for (const Refusal& row : rows) {
         CmdContext context;
         context.buffers.try_emplace("B", 0, 4);
         const Tests::ExpectedFacts expected({Facts::NameNotFound{row.kind, "X"}});

@@ -75,7 +75,7 @@ TEST(PlatformLinuxTest, PipesAndDevicesAreReadToTheirEnd) {
 }
 
 TEST(PlatformLinuxTest, UntouchedBlocksCountAsUsed) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef TESSARON_SANITIZED
     GTEST_SKIP() << "the sanitizer's shadow memory hides what is untouched";
 #endif
     // Each block alone would fit; pages that were promised to the first are gone for the second.

@@ -370,7 +370,7 @@ TEST_F(RunFilesLinuxTest, AnInputThatChangesDuringItsDigestIsNamed) {
 }
 
 TEST_F(RunFilesLinuxTest, ADigestNeedsNoFurtherDescriptor) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef TESSARON_SANITIZED
     GTEST_SKIP() << "the sanitizers look at memory by a pipe, which needs descriptors";
 #endif
     put("in", "abc");
