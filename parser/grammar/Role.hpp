@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <initializer_list>
+
 namespace Parser {
 
 /// What a part of a statement is to it. A statement that gives its parts their roles is checked for
@@ -35,6 +38,28 @@ enum class Role : unsigned char {
     ArrayName,  ///< a name in C
     Option,
     None,  ///< of a step of the parser that says nothing new
+};
+
+/// A set of roles, such as those of a statement's parts: they are asked for far more often than
+/// they are there.
+class Roles {
+public:
+    constexpr Roles() = default;
+    constexpr Roles(std::initializer_list<Role> roles) {
+        for (const Role role : roles) add(role);
+    }
+
+    constexpr void add(Role role) { bits_ |= bitOf(role); }
+    constexpr bool has(Role role) const { return (bits_ & bitOf(role)) != 0; }
+    constexpr bool hasAny(Roles roles) const { return (bits_ & roles.bits_) != 0; }
+
+private:
+    static_assert(static_cast<unsigned>(Role::None) < 32, "a bit for each role");
+    static constexpr std::uint32_t bitOf(Role role) {
+        return std::uint32_t{1} << static_cast<unsigned>(role);
+    }
+
+    std::uint32_t bits_ = 0;
 };
 
 /// The choice of an `InputFile`.

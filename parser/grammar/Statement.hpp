@@ -74,6 +74,7 @@ struct Statement {
     std::string_view text;  ///< all of it, with the white space at its end
     std::span<const Part> parts;
     std::span<const Number> numbers;
+    Roles roles;  ///< those of `parts`
 
     std::span<const Number> numbersOf(const Part& part) const {
         return numbers.subspan(part.firstNumber, part.numberCount);
@@ -83,14 +84,14 @@ struct Statement {
     PartsOfRole all(Role role) const { return {parts, role}; }
 
     /// The last part with one of the roles, the one that counts; null if there is none.
-    const Part* last(std::span<const Role> roles) const {
-        const auto found = std::find_if(parts.rbegin(), parts.rend(), [roles](const Part& part) {
-            return std::ranges::find(roles, part.role) != roles.end();
+    const Part* last(std::span<const Role> wanted) const {
+        const auto found = std::find_if(parts.rbegin(), parts.rend(), [wanted](const Part& part) {
+            return std::ranges::find(wanted, part.role) != wanted.end();
         });
         return found == parts.rend() ? nullptr : &*found;
     }
-    const Part* last(Role role) const { return last(std::span(&role, 1)); }
-    bool has(Role role) const { return last(role) != nullptr; }
+    const Part* last(Role role) const { return has(role) ? last(std::span(&role, 1)) : nullptr; }
+    bool has(Role role) const { return roles.has(role); }
 
     /// The text of the last part of a role; empty if there is none.
     std::string_view textOf(Role role) const {
@@ -145,7 +146,8 @@ public:
         const std::size_t numbersEnd = isLast ? finishedNumbers_ : entries_[index + 1].firstNumber;
         return {entry.kind, entry.text,
                 std::span(parts_).subspan(entry.firstPart, partsEnd - entry.firstPart),
-                std::span(numbers_).subspan(entry.firstNumber, numbersEnd - entry.firstNumber)};
+                std::span(numbers_).subspan(entry.firstNumber, numbersEnd - entry.firstNumber),
+                entry.roles};
     }
 
     class Iterator {
@@ -191,7 +193,9 @@ public:
 
     /// The statement that was begun is finished.
     void endStatement(WrapperLib::CmdType kind, std::string_view text) {
-        entries_.push_back({kind, text, finishedParts_, finishedNumbers_});
+        Roles roles;
+        for (const Part& part : begun()) roles.add(part.role);
+        entries_.push_back({kind, text, finishedParts_, finishedNumbers_, roles});
         finishedParts_ = parts_.size();
         finishedNumbers_ = numbers_.size();
     }
@@ -202,6 +206,7 @@ private:
         std::string_view text;
         std::size_t firstPart;
         std::size_t firstNumber;
+        Roles roles;
     };
 
     std::vector<Entry> entries_;

@@ -12,7 +12,6 @@ namespace Strict {
 namespace {
 
 using Buffer::Area;
-using Buffer::AreaList;
 using Parser::Part;
 using Parser::Role;
 using Parser::Statement;
@@ -40,16 +39,15 @@ std::string textOf(const Images& images, std::span<const std::size_t> numbers) {
     return text;
 }
 
-/// The area is where the statement needs it.
-bool isInside(const Step& step, const Area& area, const AreaList& ranges) {
-    if (step.has(Role::MakesImage)) return area.length == 0 || haveCommon({area}, ranges);
-    return std::ranges::any_of(ranges, [&](const Area& range) { return range.contains(area); });
+/// The area is where the statement needs it, in an image of which the range is known.
+bool isInside(const Step& step, const Area& area, const Area& range) {
+    if (!step.has(Role::MakesImage)) return range.contains(area);
+    return area.length == 0 || (range.length != 0 && area.clippedTo(range));
 }
 
 }  // namespace
 
 void checkEmptyAreas(const Step& step) {
-    if (!step.has(Role::Area) && !step.has(Role::Range)) return;
     for (const Part& part : step.statement.parts) {
         if (part.role != Role::Area && part.role != Role::Range) continue;
         const Area area = step.statement.areaOf(part);
@@ -89,16 +87,18 @@ void checkDoubleAreas(const Step& step) {
 
 void checkOutsideAreas(const Step& step) {
     const Statement& statement = step.statement;
-    if (!step.has(Role::Area) || step.has(Role::String)) return;
+    if (step.has(Role::String)) return;
     if (step.used.empty() || !step.knowsAll()) return;
-    AreaList ranges;
-    for (const std::size_t number : step.used) {
-        if (!step.images[number].range) return;
-        ranges.push_back(*step.images[number].range);
-    }
+    const auto isKnown = [&step](std::size_t image) {
+        return step.images[image].range.has_value();
+    };
+    if (!std::ranges::all_of(step.used, isKnown)) return;
     for (const Part& part : statement.all(Role::Area)) {
         const Area area = statement.areaOf(part);
-        if (isInside(step, area, ranges)) continue;
+        const auto hasIt = [&](std::size_t image) {
+            return isInside(step, area, *step.images[image].range);
+        };
+        if (std::ranges::any_of(step.used, hasIt)) continue;
         step.findings.report(
             Kind::Outside,
             "the area " + areaText(area) +

@@ -94,6 +94,14 @@ const MemoryBuffer& bufferOf(const CmdContext& context, std::string_view name) {
 
 }  // namespace
 
+AreaList clipped(AreaList areas, const Area& other) {
+    std::size_t kept = 0;
+    for (const Area& area : areas)
+        if (const auto part = common(area, other)) areas[kept++] = *part;
+    areas.resize(kept);
+    return areas;
+}
+
 AreaList clipped(const AreaList& areas, const AreaList& others) {
     const AreaList sorted = united(others);
     AreaList parts;
@@ -122,6 +130,11 @@ AreaList moved(AreaList areas, std::uint64_t distance) {
     return areas;
 }
 
+bool haveCommon(const AreaList& areas, const Area& other) {
+    return std::ranges::any_of(
+        areas, [&other](const Area& area) { return common(area, other).has_value(); });
+}
+
 bool haveCommon(const AreaList& areas, const AreaList& others) {
     const AreaList sorted = united(others);
     return std::ranges::any_of(areas, [&sorted](const Area& area) {
@@ -135,17 +148,22 @@ std::optional<std::size_t> Images::find(std::string_view name) const {
     return found == numbers_.end() ? std::nullopt : std::optional(found->second);
 }
 
-void Images::findUsed(const Statement& statement, std::vector<std::size_t>& used) const {
+std::optional<std::size_t> Images::findUsed(const Statement& statement,
+                                            std::vector<std::size_t>& used) const {
+    std::optional<std::size_t> changed;
     for (const Part& part : statement.parts) {
         if (part.role != Role::UsesImage && part.role != Role::ChangesImage) continue;
-        if (const auto image = find(part.text)) used.push_back(*image);
+        const auto image = find(part.text);
+        if (image) used.push_back(*image);
+        if (part.role == Role::ChangesImage) changed = image;
     }
+    return changed;
 }
 
-void Images::make(const Statement& statement, const CmdContext* context) {
+std::optional<std::size_t> Images::make(const Statement& statement, const CmdContext* context) {
     const std::string_view name = statement.textOf(Role::MakesImage);
     const bool isMade = context == nullptr || context->buffers.contains(std::string(name));
-    if (!isMade || numbers_.contains(name)) return;
+    if (!isMade || numbers_.contains(name)) return std::nullopt;
     Image image;
     image.name = name;
     image.madeAt = changes_.size();
@@ -155,8 +173,10 @@ void Images::make(const Statement& statement, const CmdContext* context) {
     for (const std::size_t source : sources) follow(source);
     link(image, statement, sources, context);
     if (context != nullptr) image.range = bufferOf(*context, name).getArea();
-    numbers_.emplace(name, images_.size());
+    const std::size_t number = images_.size();
+    numbers_.emplace(name, number);
     images_.push_back(std::move(image));
+    return number;
 }
 
 void Images::link(Image& image, const Statement& statement, const std::vector<std::size_t>& sources,
@@ -179,9 +199,9 @@ void Images::link(Image& image, const Statement& statement, const std::vector<st
         distance = statement.numbersOf(*address).back().value - image.range->start;
     }
     const AreaList wanted = statement.has(Role::Area) ? statement.areas() : AreaList{everywhere};
-    const AreaList held{image.range.value_or(everywhere)};
+    const Area held = image.range.value_or(everywhere);
     for (const std::size_t source : sources) {
-        const AreaList had{images_[source].range.value_or(everywhere)};
+        const Area had = images_[source].range.value_or(everywhere);
         image.links.push_back({source, clipped(clipped(wanted, had), held), distance, {}});
     }
     const bool isMerge = sources.size() > 1 && (!ranges || overlap(*ranges));
@@ -225,6 +245,12 @@ void Images::takeOver(Image& image, const Statement& statement, const CmdContext
                 image.changes.lay(source.changes, part);
             }
         }
+}
+
+void Images::noteSpread(std::size_t image, std::size_t value) {
+    std::vector<std::size_t>& spread = images_[image].spread;
+    const auto place = std::ranges::lower_bound(spread, value);
+    if (place == spread.end() || *place != value) spread.insert(place, value);
 }
 
 void Images::change(std::size_t image, const Change& change, const AreaList& areas) {

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
-#include <set>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -41,9 +40,10 @@ struct Image {
     std::size_t madeAt = 0;             ///< the number of changes before it was made
     bool isExact = true;                ///< `links` and `changes` are as they will be in the run
     bool isFollowed = false;            ///< its changes may matter to a value
+    bool isRead = false;                ///< a statement takes bytes from it
     std::vector<Link> links;
-    OriginMap changes;             ///< by numbers of changes
-    std::set<std::size_t> spread;  ///< values over it that were written without it
+    OriginMap changes;                ///< by numbers of changes
+    std::vector<std::size_t> spread;  ///< values over it that were written without it, ascending
 };
 
 /// The images of a script as its statements make and change them, as far as that is known: before
@@ -58,7 +58,10 @@ public:
 
     /// Appends the numbers of the images that a statement reads or changes to `used`; unknown ones
     /// are left out.
-    void findUsed(const Parser::Statement& statement, std::vector<std::size_t>& used) const;
+    ///
+    /// @return the number of the one that it changes
+    std::optional<std::size_t> findUsed(const Parser::Statement& statement,
+                                        std::vector<std::size_t>& used) const;
 
     const Image& operator[](std::size_t image) const { return images_[image]; }
     std::size_t size() const { return images_.size(); }
@@ -68,16 +71,21 @@ public:
     /// Takes a statement that makes an image into account.
     ///
     /// @param context  with the new image if there is one; null before the run
-    void make(const Parser::Statement& statement, const Parser::WrapperLib::CmdContext* context);
+    /// @return its number; nothing if there is none, or if an earlier one has the name
+    std::optional<std::size_t> make(const Parser::Statement& statement,
+                                    const Parser::WrapperLib::CmdContext* context);
 
     /// From now on, changes of the image matter: a value covers it, or lies in it.
     void follow(std::size_t image) { images_[image].isFollowed = true; }
+
+    /// Notes that a statement takes bytes from the image.
+    void noteRead(std::size_t image) { images_[image].isRead = true; }
 
     /// Notes that a statement changes areas of an image that is followed.
     void change(std::size_t image, const Change& change, const Buffer::AreaList& areas);
 
     /// A value over `image` is written without it.
-    void noteSpread(std::size_t image, std::size_t value) { images_[image].spread.insert(value); }
+    void noteSpread(std::size_t image, std::size_t value);
 
 private:
     void link(Image& image, const Parser::Statement& statement,
@@ -91,6 +99,9 @@ private:
     std::unordered_map<std::string_view, std::size_t> numbers_;
 };
 
+/// The parts of `areas` that lie in `other`.
+Buffer::AreaList clipped(Buffer::AreaList areas, const Buffer::Area& other);
+
 /// The parts of `areas` that lie in one of `others`.
 Buffer::AreaList clipped(const Buffer::AreaList& areas, const Buffer::AreaList& others);
 
@@ -99,6 +110,9 @@ Buffer::AreaList united(Buffer::AreaList areas);
 
 /// The areas, moved modulo 2^64.
 Buffer::AreaList moved(Buffer::AreaList areas, std::uint64_t distance);
+
+/// One of the areas has an address in common with `other`.
+bool haveCommon(const Buffer::AreaList& areas, const Buffer::Area& other);
 
 /// Two of the areas, one of each list, have an address in common.
 bool haveCommon(const Buffer::AreaList& areas, const Buffer::AreaList& others);

@@ -3,7 +3,6 @@
 #include <array>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 
 #include "strict/meaning/AreaRules.hpp"
 #include "strict/meaning/Fillers.hpp"
@@ -20,118 +19,138 @@ namespace {
 using Buffer::AreaList;
 using Parser::Part;
 using Parser::Role;
+using Parser::Roles;
 using Parser::Statement;
 using Parser::WrapperLib::CmdContext;
 
-/// The rules that need nothing but a step, in the order in which they report.
+/// A rule, and the roles of which a statement needs one for it to have anything to say.
+struct Rule {
+    Roles roles;
+    void (*check)(const Step& step);
+};
+
+constexpr Roles digests{Role::MakesCrc, Role::MakesHash};
+
+/// In the order in which they report.
 constexpr std::array rules{
-    &checkRepeatedOptions, &checkEmptyAreas,   &checkOutsideAreas, &checkDoubleAreas,
-    &checkWholeImage,      &checkValueSizes,   &checkTextSizes,    &checkCroppedValues,
-    &checkEmptyDigest,     &checkFormatEnding, &checkEmptyOutput,  &checkBareWords,
-    &checkOutputOverlaps,
+    Rule{onlyOnce, checkRepeatedOptions},
+    Rule{{Role::Area, Role::Range}, checkEmptyAreas},
+    Rule{{Role::Area}, checkOutsideAreas},
+    Rule{{Role::Area}, checkDoubleAreas},
+    Rule{{Role::UsesCrc, Role::UsesHash}, checkWholeImage},
+    Rule{{Role::ChangesImage}, checkValueSizes},
+    Rule{{Role::String}, checkTextSizes},
+    Rule{{Role::Bytes}, checkCroppedValues},
+    Rule{digests, checkEmptyDigest},
+    Rule{{Role::OutputFile}, checkFormatEnding},
+    Rule{{Role::OutputFile}, checkEmptyOutput},
+    Rule{{Role::OutputFile, Role::String, Role::Text}, checkBareWords},
+    Rule{{Role::OutputFile}, checkOutputOverlaps},
 };
 
 }  // namespace
 
 void MeaningCheck::checkBefore() {
     Knowledge known(findings_);
+    bool isWriting = false;
     for (std::size_t i = 0; i < program_->statements().size(); ++i) {
-        check(known, i, nullptr);
-        takeEffect(known, i, nullptr);
+        const Statement statement = program_->statements()[i];
+        const Step step = stepOf(known, statement, nullptr);
+        check(known, step);
+        if (statement.has(Role::UsesImage))
+            for (const std::size_t image : known.used) known.images.noteRead(image);
+        isWriting = isWriting || statement.has(Role::OutputFile);
+        takeEffect(known, step, i);
     }
     isSettled_ = known.isSettled;
-    reportUnused();
+    if (isWriting) reportUnused(known.images);
 }
 
 void MeaningCheck::leave(std::size_t number, const CmdContext& context) {
     const Statement statement = program_->statements()[number];
-    checkUnknownText(stepOf(running_, statement, &context));
-    if (!isSettled_) takeEffect(running_, number, &context);
+    if (isSettled_ && !statement.has(Role::InputFile)) return;
+    const Step step = stepOf(running_, statement, &context);
+    checkUnknownText(step);
+    if (!isSettled_) takeEffect(running_, step, number);
 }
 
 void MeaningCheck::enter(std::size_t number, const CmdContext& context) {
+    const Statement statement = program_->statements()[number];
+    if (isSettled_ && !statement.has(Role::OutputFile)) return;
+    const Step step = stepOf(running_, statement, &context);
     if (!isSettled_) {
-        check(running_, number, &context);
+        check(running_, step);
         return;
     }
-    const Statement statement = program_->statements()[number];
-    const Step step = stepOf(running_, statement, &context);
-    if (!step.has(Role::OutputFile)) return;
     checkEmptyOutput(step);
     checkOutputOverlaps(step);
 }
 
-Step MeaningCheck::stepOf(const Knowledge& known, const Statement& statement,
-                          const CmdContext* context) {
-    return {statement,    Roles(statement), known.used, known.images,
-            known.values, findings_,        context,    context != nullptr ? provenance_ : nullptr};
-}
-
-void MeaningCheck::check(Knowledge& known, std::size_t number, const CmdContext* context) {
-    const Statement statement = program_->statements()[number];
+Step MeaningCheck::stepOf(Knowledge& known, const Statement& statement, const CmdContext* context) {
     known.used.clear();
-    known.images.findUsed(statement, known.used);
-    const Step step = stepOf(known, statement, context);
-    for (const auto rule : rules) rule(step);
-    if (step.has(Role::ChangesImage)) known.values.checkPut(statement);
-    if (step.has(Role::OutputFile)) known.values.checkOutput(statement, known.used);
-    known.filled.clear();
-    if (context != nullptr && step.has(Role::Filler) && !known.values.empty())
-        known.filled = fillerChanges(statement, *context);
+    const auto changed = known.images.findUsed(statement, known.used);
+    return {statement,
+            known.used,
+            changed,
+            known.values.putBy(statement),
+            known.images,
+            known.values,
+            findings_,
+            context,
+            context != nullptr ? provenance_ : nullptr};
 }
 
-void MeaningCheck::takeEffect(Knowledge& known, std::size_t number, const CmdContext* context) {
-    const Statement statement = program_->statements()[number];
-    const Roles roles(statement);
-    if (roles.has(Role::MakesImage)) {
-        known.images.make(statement, context);
-        const auto image = known.images.find(statement.textOf(Role::MakesImage));
+void MeaningCheck::check(Knowledge& known, const Step& step) {
+    for (const Rule& rule : rules)
+        if (step.statement.roles.hasAny(rule.roles)) rule.check(step);
+    if (step.put && step.changed) known.values.checkPut(step.statement, *step.put, *step.changed);
+    if (step.has(Role::OutputFile)) known.values.checkOutput(step.statement, step.used);
+    known.filled.clear();
+    if (step.context != nullptr && step.has(Role::Filler) && !known.values.empty())
+        known.filled = fillerChanges(step.statement, *step.context);
+}
+
+void MeaningCheck::takeEffect(Knowledge& known, const Step& step, std::size_t number) {
+    const Statement& statement = step.statement;
+    if (statement.has(Role::MakesImage)) {
+        const auto image = known.images.make(statement, step.context);
         known.isSettled = known.isSettled && image && known.images[*image].range.has_value() &&
                           known.images[*image].isExact;
     }
-    if (roles.has(Role::MakesCrc) || roles.has(Role::MakesHash))
+    if (statement.roles.hasAny(digests))
         known.values.compute(statement, static_cast<const Parser::WrapperLib::CmdNewValue&>(
                                             *program_->commands()[number]));
-    if (roles.has(Role::ChangesImage)) noteChange(known, statement, roles);
+    if (step.changed) noteChange(known, step);
 }
 
 /// Notes where a statement changes an image, if that can matter.
-void MeaningCheck::noteChange(Knowledge& known, const Statement& statement, const Roles& roles) {
-    const auto image = known.images.find(statement.textOf(Role::ChangesImage));
-    if (!image) return;
-    const auto value = known.values.putBy(statement);
-    if (value) known.images.follow(*image);
-    if (!known.images[*image].isFollowed) return;
+void MeaningCheck::noteChange(Knowledge& known, const Step& step) {
+    const Statement& statement = step.statement;
+    const std::size_t image = *step.changed;
+    if (step.put) known.images.follow(image);
+    if (!known.images[image].isFollowed) return;
     const auto place = [&](Role role) { return statement.textOf(role); };
-    if (roles.has(Role::Filler)) {
+    if (step.has(Role::Filler)) {
         // Before the run nobody knows which addresses will have no byte.
         known.isSettled = false;
         if (!known.filled.empty())
-            known.images.change(*image, {place(Role::ChangesImage), std::nullopt}, known.filled);
+            known.images.change(image, {place(Role::ChangesImage), std::nullopt}, known.filled);
         return;
     }
     AreaList areas = statement.areas();
-    if (areas.empty()) areas.push_back(known.images[*image].range.value_or(everywhere));
+    if (areas.empty()) areas.push_back(known.images[image].range.value_or(everywhere));
     known.images.change(
-        *image, {place(roles.has(Role::Area) ? Role::Area : Role::ChangesImage), value}, areas);
+        image, {place(step.has(Role::Area) ? Role::Area : Role::ChangesImage), step.put}, areas);
 }
 
 /// `unused-image`: an image that nothing reads; filling it is not a use. A script that writes no
 /// file may make images to have their files checked.
-void MeaningCheck::reportUnused() {
-    bool isWriting = false;
-    std::unordered_set<std::string_view> used;
-    for (const Statement statement : program_->statements()) {
-        isWriting = isWriting || statement.has(Role::OutputFile);
-        for (const Part& part : statement.all(Role::UsesImage)) used.insert(part.text);
-    }
-    if (!isWriting) return;
-    for (const Statement statement : program_->statements()) {
-        const Part* const made = statement.last(Role::MakesImage);
-        if (made == nullptr || used.contains(made->text)) continue;
+void MeaningCheck::reportUnused(const Images& images) {
+    for (std::size_t i = 0; i < images.size(); ++i) {
+        if (images[i].isRead) continue;
+        const std::string_view name = images[i].name;
         findings_.report(Kind::UnusedImage,
-                         std::string(made->text) + " is never written to a file, covered or shown",
-                         made->text);
+                         std::string(name) + " is never written to a file, covered or shown", name);
     }
 }
 

@@ -57,14 +57,13 @@ private:
         bool isSettled = true;  ///< the script alone says all that the flow of values needs
     };
 
-    void check(Knowledge& known, std::size_t number, const Parser::WrapperLib::CmdContext* context);
-    void takeEffect(Knowledge& known, std::size_t number,
-                    const Parser::WrapperLib::CmdContext* context);
-    static void noteChange(Knowledge& known, const Parser::Statement& statement,
-                           const Roles& roles);
-    void reportUnused();
+    static void check(Knowledge& known, const Step& step);
+    void takeEffect(Knowledge& known, const Step& step, std::size_t number);
+    static void noteChange(Knowledge& known, const Step& step);
+    void reportUnused(const Images& images);
 
-    Step stepOf(const Knowledge& known, const Parser::Statement& statement,
+    /// What `known` has on a statement that is about to take effect.
+    Step stepOf(Knowledge& known, const Parser::Statement& statement,
                 const Parser::WrapperLib::CmdContext* context);
 
     const Program* program_;

@@ -21,11 +21,6 @@ using Parser::Statement;
 using Parser::WrapperLib::CmdWriteFile;
 using Parser::WrapperLib::ExportFormat;
 
-/// Roles of which only the last part counts.
-constexpr std::array single{Role::Range,    Role::Address, Role::Start,     Role::Section,
-                            Role::Type,     Role::Format,  Role::Overlap,   Role::ByteOrder,
-                            Role::WordSize, Role::Gaps,    Role::ArrayName, Role::Option};
-
 /// A text argument without its delimiters and the blanks in them.
 std::string_view undelimited(std::string_view text) {
     constexpr std::string_view delimiters = " \t\n\v\f\r{}\"'";
@@ -72,31 +67,28 @@ bool isDevice(std::string_view path) {
 }  // namespace
 
 void checkRepeatedOptions(const Step& step) {
-    if (std::ranges::count_if(single, [&](Role role) { return step.has(role); }) == 0) return;
-    std::array<const Part*, single.size()> seen{};
+    Parser::Roles seen;
     std::set<std::uint32_t> options;
     for (const Part& part : step.statement.parts) {
-        const auto* const role = std::ranges::find(single, part.role);
-        if (role == single.end()) continue;
-        const Part*& earlier = seen[static_cast<std::size_t>(role - single.begin())];
+        if (!onlyOnce.has(part.role)) continue;
         const bool isRepeated =
-            part.role == Role::Option ? !options.insert(part.choice).second : earlier != nullptr;
+            part.role == Role::Option ? !options.insert(part.choice).second : seen.has(part.role);
         if (isRepeated)
             step.findings.report(Kind::RepeatedOption,
                                  "this option is given more than once, and the last one counts",
                                  part.text, "remove the others");
-        earlier = &part;
+        seen.add(part.role);
     }
 }
 
 void checkFormatEnding(const Step& step) {
-    if (!step.has(Role::OutputFile)) return;
     const Part* const file = step.statement.last(Role::OutputFile);
     const Part* const option = step.statement.last(Role::Format);
     const ExportFormat* const format = option != nullptr
                                            ? &CmdWriteFile::formats()[option->choice]
                                            : CmdWriteFile::formatNamed(CmdWriteFile::usualFormat);
     const std::string_view path = undelimited(file->text);
+    if (path.find('.') == std::string_view::npos) return;
     const ExportFormat* const other = CmdWriteFile::formatByEnding(path);
     const bool isForeign = other == nullptr && isOnlyRead(path);
     if ((other == nullptr && !isForeign) || other == format || format->suits(path)) return;
@@ -114,7 +106,6 @@ void checkFormatEnding(const Step& step) {
 }
 
 void checkBareWords(const Step& step) {
-    if (!step.has(Role::OutputFile) && !step.has(Role::String) && !step.has(Role::Text)) return;
     for (const Part& part : step.statement.parts) {
         const bool isFile = part.role == Role::OutputFile;
         // One word is usual among the arguments of a program.

@@ -5,6 +5,12 @@
 /// Rules about options and about the names of files.
 namespace Strict {
 
+/// Roles of which only the last part of a statement counts; of options, that of one choice.
+inline constexpr Parser::Roles onlyOnce{
+    Parser::Role::Range,    Parser::Role::Address, Parser::Role::Start,     Parser::Role::Section,
+    Parser::Role::Type,     Parser::Role::Format,  Parser::Role::Overlap,   Parser::Role::ByteOrder,
+    Parser::Role::WordSize, Parser::Role::Gaps,    Parser::Role::ArrayName, Parser::Role::Option};
+
 /// `repeated-option`: of an option that has one value only the last one counts. Areas, which add
 /// up, may be given several times.
 void checkRepeatedOptions(const Step& step);

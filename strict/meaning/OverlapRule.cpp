@@ -102,7 +102,7 @@ void report(const Step& step, const Written& earlier, const Written& later, cons
 
 void checkOutputOverlaps(const Step& step) {
     const Statement& statement = step.statement;
-    if (step.context == nullptr || !step.has(Role::OutputFile)) return;
+    if (step.context == nullptr) return;
     if (step.has(Role::Overlap) || !hasAddresses(statement)) return;
     std::vector<Written> images = imagesOf(step);
     std::ranges::stable_sort(

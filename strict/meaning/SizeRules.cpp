@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "buffer/Overlap.hpp"
 #include "inspect/Words.hpp"
@@ -58,10 +59,8 @@ void checkWholeImage(const Step& step) {
     if (!step.has(Role::ChangesImage) || step.has(Role::Area)) return;
     const Part* const value = statement.last(values);
     if (value == nullptr) return;
-    const auto number = step.values.putBy(statement);
-    const std::size_t size = number ? step.values.sizeOf(*number).value_or(0) : 0;
-    const auto image = step.images.find(statement.textOf(Role::ChangesImage));
-    const auto range = image ? step.images[*image].range : std::nullopt;
+    const std::size_t size = step.put ? step.values.sizeOf(*step.put).value_or(0) : 0;
+    const auto range = step.changed ? step.images[*step.changed].range : std::nullopt;
     if (size != 0 && range && range->length == size) return;
     step.findings.report(Kind::WholeImage,
                          "without an area " + std::string(value->text) + " replaces all bytes of " +
@@ -74,12 +73,12 @@ void checkWholeImage(const Step& step) {
 void checkValueSizes(const Step& step) {
     const Statement& statement = step.statement;
     if (!step.has(Role::ChangesImage) || !step.has(Role::Area)) return;
-    if (const auto value = step.values.putBy(statement)) {
-        const auto size = step.values.sizeOf(*value);
+    if (step.put) {
+        const auto size = step.values.sizeOf(*step.put);
         for (const Part& part : statement.all(Role::Area)) {
             const std::uint64_t length = statement.areaOf(part).length;
             if (size && length != *size && length != 0)
-                reportSize(step, std::string(step.values.nameOf(*value)), *size, part);
+                reportSize(step, std::string(step.values.nameOf(*step.put)), *size, part);
         }
     }
     if (const Part* const list = statement.last(lists))
@@ -91,7 +90,6 @@ void checkValueSizes(const Step& step) {
 }
 
 void checkTextSizes(const Step& step) {
-    if (!step.has(Role::String)) return;
     const Part* const text = step.statement.last(Role::String);
     const std::string_view written =
         text->text.substr(std::min(text->text.find_first_not_of(" \t\n\v\f\r"), text->text.size()));
@@ -108,13 +106,13 @@ void checkTextSizes(const Step& step) {
 
 void checkCroppedValues(const Step& step) {
     const Statement& statement = step.statement;
-    if (!step.has(Role::Bytes) || !step.has(Role::MakesImage)) return;
+    if (!step.has(Role::MakesImage)) return;
     const Part* const list = statement.last(Role::Bytes);
     const Part* const range = statement.last(Role::Range);
     if (range == nullptr && !step.has(Role::Area)) return;
     AreaList kept{{0, list->numberCount}};
     if (range != nullptr && statement.areaOf(*range) != Area{})
-        kept = clipped(kept, {statement.areaOf(*range)});
+        kept = clipped(std::move(kept), statement.areaOf(*range));
     if (step.has(Role::Area)) kept = clipped(kept, united(statement.areas()));
     std::uint64_t bytes = 0;
     for (const Area& area : kept) bytes += area.length;
@@ -130,7 +128,6 @@ void checkCroppedValues(const Step& step) {
 void checkEmptyDigest(const Step& step) {
     const Statement& statement = step.statement;
     constexpr std::array made{Role::MakesCrc, Role::MakesHash};
-    if (!step.has(made[0]) && !step.has(made[1])) return;
     const Part* const name = statement.last(made);
     const bool hasImage = step.has(Role::UsesImage);
     if (hasImage && !hasNoAddress(step)) return;
@@ -143,7 +140,6 @@ void checkEmptyDigest(const Step& step) {
 
 void checkEmptyOutput(const Step& step) {
     const Statement& statement = step.statement;
-    if (!step.has(Role::OutputFile)) return;
     const Part* const file = statement.last(Role::OutputFile);
     const bool hasImage = step.has(Role::UsesImage);
     const bool isEmpty = !hasImage || hasNoAddress(step);

@@ -68,7 +68,7 @@ void StoredValues::compute(const Statement& statement,
         images_->follow(image);
         const Area range = (*images_)[image].range.value_or(everywhere);
         AreaList areas{range};
-        if (statement.has(Role::Area)) areas = clipped(statement.areas(), areas);
+        if (statement.has(Role::Area)) areas = clipped(statement.areas(), range);
         addSources(value.pieces.emplace_back(), image, std::move(areas));
     }
     values_.push_back(std::move(value));
@@ -93,6 +93,7 @@ std::optional<std::size_t> StoredValues::putBy(const Statement& statement) const
     if (!statement.has(Role::ChangesImage)) return std::nullopt;
     for (const auto& [role, values] :
          {std::pair(Role::UsesCrc, &crcs_), std::pair(Role::UsesHash, &hashes_)}) {
+        if (!statement.has(role)) continue;
         const auto value = values->find(statement.textOf(role));
         if (value != values->end()) return value->second;
     }
@@ -129,22 +130,20 @@ std::optional<StoredValues::Held> StoredValues::heldBy(std::size_t image, const 
     return std::nullopt;
 }
 
-void StoredValues::checkPut(const Statement& statement) const {
-    const auto value = putBy(statement);
-    const auto image = images_->find(statement.textOf(Role::ChangesImage));
-    if (!value || !image) return;
-    const std::string name(nameOf(*value));
-    for (const Piece& piece : values_[*value].pieces) {
-        const auto held = heldBy(*image, piece);
+void StoredValues::checkPut(const Statement& statement, std::size_t value,
+                            std::size_t image) const {
+    const std::string name(nameOf(value));
+    for (const Piece& piece : values_[value].pieces) {
+        const auto held = heldBy(image, piece);
         if (!held) continue;
         for (const Part& part : statement.all(Role::Area)) {
-            if (!haveCommon(held->areas, {statement.areaOf(part)})) continue;
+            if (!haveCommon(held->areas, statement.areaOf(part))) continue;
             findings_->report(Kind::DigestSelf,
                               name +
                                   " covers bytes of the area that it is put into, so nothing "
                                   "can confirm it",
                               part.text, adviceFor(name, held->areas, statement.areas()),
-                              {findings_->note(name + " is computed here", nameOf(*value))});
+                              {findings_->note(name + " is computed here", nameOf(value))});
             return;
         }
     }

@@ -44,8 +44,9 @@ public:
     /// The part of the script that names a value.
     std::string_view nameOf(std::size_t value) const { return values_[value].name; }
 
-    /// Reports `digest-self` if the statement is about to put a value into bytes that it covers.
-    void checkPut(const Parser::Statement& statement) const;
+    /// Reports `digest-self` if the statement is about to put `value` into bytes of `image` that it
+    /// covers.
+    void checkPut(const Parser::Statement& statement, std::size_t value, std::size_t image) const;
 
     /// Reports `digest-stale` for what the statement is about to write into a file.
     ///

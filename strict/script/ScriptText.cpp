@@ -17,6 +17,9 @@ using Util::characters;
 constexpr std::size_t shownBefore = 60;
 constexpr std::size_t shownAfter = 100;
 
+/// Bytes between those places of the text for which the characters before them are known.
+constexpr std::size_t blockSize = 4096;
+
 bool isContinuation(char c) {
     constexpr unsigned mask = 0xC0;
     constexpr unsigned continuation = 0x80;
@@ -66,7 +69,6 @@ std::size_t ScriptText::lineOf(std::size_t offset) const {
 /// Counts from the last block on, so that many places in a long line cost no more than in short
 /// ones.
 std::size_t ScriptText::charactersBefore(std::size_t offset) const {
-    constexpr std::size_t blockSize = 4096;
     const std::string_view text = written_;
     if (blocks_.empty()) {
         blocks_.reserve(text.size() / blockSize + 1);
@@ -76,6 +78,12 @@ std::size_t ScriptText::charactersBefore(std::size_t offset) const {
     }
     const std::size_t block = offset / blockSize;
     return blocks_[block] + characters(text.substr(block * blockSize, offset % blockSize));
+}
+
+std::size_t ScriptText::charactersBetween(std::size_t begin, std::size_t end) const {
+    if (end - begin < blockSize)
+        return characters(std::string_view(written_).substr(begin, end - begin));
+    return charactersBefore(end) - charactersBefore(begin);
 }
 
 Place ScriptText::placeInFile(std::size_t offset, std::size_t length) const {
@@ -93,7 +101,7 @@ Place ScriptText::placeInFile(std::size_t offset, std::size_t length) const {
     Place place;
     place.file = file_;
     place.line = line;
-    place.column = charactersBefore(offset) - charactersBefore(begin) + 1;
+    place.column = charactersBetween(begin, offset) + 1;
     const std::string_view cut = "...";
     place.excerpt = from == begin ? "" : cut;
     place.caret = place.excerpt.size() + characters(text.substr(from, offset - from));

@@ -57,6 +57,7 @@ private:
     /// Counted from 1.
     std::size_t lineOf(std::size_t offset) const;
     std::size_t charactersBefore(std::size_t offset) const;
+    std::size_t charactersBetween(std::size_t begin, std::size_t end) const;
 
     std::string file_;
     std::string written_;
