@@ -416,9 +416,8 @@ private:
     /// Makes the record and uses it as `useRecord` does.
     bool record(const Program& program, const Execution& execution) {
         if (!checkInputs(files_, *printer_)) return false;
-        const FinishedRun finished{
-            scriptSha256_,        &options_.variables,     &program.text(), &program.statements(),
-            &execution.context(), &execution.provenance(), &files_};
+        const FinishedRun finished{scriptSha256_,        &options_.variables,     &program,
+                                   &execution.context(), &execution.provenance(), &files_};
         const bool withLines = !options_.report.empty() || options_.comparesDisk;
         Inspect::RunRecord record = recordOf(finished, withLines);
         remarks_.finish();

@@ -3,7 +3,6 @@
 #include <array>
 #include <climits>
 #include <optional>
-#include <utility>
 
 #include "facts/Listener.hpp"
 #include "util/crc/GenericCrc.hpp"
@@ -40,6 +39,17 @@ std::optional<Facts::CrcParameter> faultOf(const Util::Crc::CrcParameters& crc) 
     if (!Util::Crc::fits(crc.initial, crc.width)) return Initial;
     if (!Util::Crc::fits(crc.finalXor, crc.width)) return FinalXor;
     return std::nullopt;
+}
+
+/// The CRC that the six numbers of `CmdNewCrc::setCustomCrc` describe.
+Util::Crc::CrcParameters customCrc(std::span<const std::uint32_t> parameters) {
+    const std::uint32_t width = parameters[0];
+    return {width > INT_MAX ? 0 : static_cast<int>(width),
+            parameters[1],
+            parameters[2],
+            parameters[3] != 0,
+            parameters[4] != 0,
+            parameters[5]};
 }
 
 /// A checksum of this system that is a CRC.
@@ -105,23 +115,14 @@ const ValueType& CmdNewCrc::usualType() {
     return tolmen;
 }
 
-Util::Crc::CrcParameters CmdNewCrc::customCrc(std::span<const std::uint32_t> parameters) {
-    const std::uint32_t width = parameters[0];
-    return {width > INT_MAX ? 0 : static_cast<int>(width),
-            parameters[1],
-            parameters[2],
-            parameters[3] != 0,
-            parameters[4] != 0,
-            parameters[5]};
-}
-
 void CmdNewCrc::setCatalogueCrc(const Util::Crc::CatalogueEntry& entry) {
-    setCompute([&entry](Crc::Bytes data) { return computeCrc(entry.parameters, data); });
+    setCompute({entry.name, "", entry.parameters},
+               [&entry](Crc::Bytes data) { return computeCrc(entry.parameters, data); });
 }
 
-void CmdNewCrc::setCustomCrc(std::vector<std::uint32_t> parameters) {
-    setCompute([this, numbers = std::move(parameters)](Crc::Bytes data) -> std::optional<ByteList> {
-        const Util::Crc::CrcParameters crc = customCrc(numbers);
+void CmdNewCrc::setCustomCrc(const std::vector<std::uint32_t>& parameters) {
+    const Util::Crc::CrcParameters crc = customCrc(parameters);
+    setCompute({"Custom", "", crc}, [this, crc](Crc::Bytes data) -> std::optional<ByteList> {
         if (const auto fault = faultOf(crc)) {
             Facts::report(Facts::CrcParameterRefused{name(), *fault});
             return std::nullopt;

@@ -29,10 +29,7 @@ public:
     ///
     /// @param parameters  width, polynomial, initial value, 1 or 0 for a reflected input and a
     ///                    reflected output, final xor
-    void setCustomCrc(std::vector<std::uint32_t> parameters);
-
-    /// The CRC that the six numbers of `setCustomCrc` describe.
-    static Util::Crc::CrcParameters customCrc(std::span<const std::uint32_t> parameters);
+    void setCustomCrc(const std::vector<std::uint32_t>& parameters);
 
     std::uint32_t getCmdType() const override { return number(CmdType::NewCrc); }
 };

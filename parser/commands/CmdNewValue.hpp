@@ -7,6 +7,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -26,6 +27,13 @@ struct ValueType {
     std::optional<Util::Crc::CrcParameters> parameters = std::nullopt;  ///< if it is a CRC
 };
 
+/// What a value is computed with.
+struct Algorithm {
+    std::string_view name;     ///< a name of the catalogue, a type of the language, or Custom
+    std::string_view meaning;  ///< what the type computes, in words; empty if the name says it
+    std::optional<Util::Crc::CrcParameters> parameters;  ///< if it is a CRC
+};
+
 /// What NEW_CRC and NEW_HASH share: a value is computed over the effective bytes of images and
 /// kept under a name.
 class CmdNewValue : public CmdApi {
@@ -34,12 +42,16 @@ public:
     void addFromBuffer(std::string name);
     void addArea(const Area& area) { areas_.push_back(area); }
 
-    void setType(const ValueType& type) { compute_ = type.compute; }
+    void setType(const ValueType& type) {
+        setCompute({type.keyword, type.meaning, type.parameters}, type.compute);
+    }
 
     /// Computes over words of 2, 4 or 8 bytes, the bytes of each in reverse order.
     void setWordSize(std::uint32_t bytes) { wordSize_ = bytes; }
 
     const std::string& name() const { return name_; }
+    const Algorithm& algorithm() const { return algorithm_; }
+    std::uint32_t wordSize() const { return wordSize_; }
 
     /// The size of the value in bytes, whatever it is computed over. Nothing if it has none; a
     /// parameter that is refused is reported.
@@ -54,15 +66,21 @@ protected:
     /// @param registry  where the value is kept
     /// @param type      what a statement without `-setType` computes
     CmdNewValue(Facts::Subject subject, Registry CmdContext::*registry, const ValueType& type)
-        : subject_(subject), registry_(registry), compute_(type.compute) {}
+        : subject_(subject), registry_(registry) {
+        setType(type);
+    }
 
     /// Returns nothing after a report.
     using Compute = std::function<std::optional<ByteList>(std::span<const std::uint8_t> data)>;
-    void setCompute(Compute compute) { compute_ = std::move(compute); }
+    void setCompute(const Algorithm& algorithm, Compute compute) {
+        algorithm_ = algorithm;
+        compute_ = std::move(compute);
+    }
 
 private:
     Facts::Subject subject_;
     Registry CmdContext::*registry_;
+    Algorithm algorithm_;
     Compute compute_;             ///< empty if the value is empty
     std::uint32_t wordSize_ = 1;  ///< in bytes
     std::string name_;

@@ -249,9 +249,9 @@ public:
         return with(traceText, role, set, choice);
     }
 
-    /// Hands the last value list to a setter.
-    auto values(const char* traceText, Role role,
-                void (Command::*setter)(std::vector<std::uint32_t>)) const {
+    /// Hands the last value list to a setter, which takes it as it likes.
+    template <class Values>
+    auto values(const char* traceText, Role role, void (Command::*setter)(Values)) const {
         return with(traceText, role, [state = state_, setter](Command& command, std::string_view) {
             (command.*setter)(state->statement.takeCollectedValues());
         });

@@ -9,10 +9,10 @@
 
 #include "inspect/LineRuns.hpp"
 #include "io/File.hpp"
+#include "parser/commands/CmdNewValue.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
 #include "parser/commands/Conventions.hpp"
 #include "platform/Paths.hpp"
-#include "strict/record/ValueAlgorithm.hpp"
 #include "util/Hex.hpp"
 
 namespace Strict {
@@ -25,6 +25,7 @@ using Inspect::OriginRange;
 using Parser::Part;
 using Parser::Role;
 using Parser::Statement;
+using Parser::StatementList;
 
 /// Gives the inputs of a run as its statements have read them.
 class InputsAsRead final : public Io::Host {
@@ -44,20 +45,22 @@ public:
     Recorder(const FinishedRun& run, bool withLines) : run_(&run), withLines_(withLines) {}
 
     Inspect::RunRecord record() {
-        record_.scriptPath = Platform::portablePath(run_->script->file());
-        record_.scriptText = run_->script->written();
+        record_.scriptPath = Platform::portablePath(run_->program->text().file());
+        record_.scriptText = run_->program->text().written();
         record_.scriptSha256 = run_->scriptSha256;
         InputsAsRead inputs(*run_->files);
         const Io::HostScope hosting(inputs);
         addInputs();
-        for (const Statement& statement : *run_->statements) addStatement(statement);
+        const StatementList& statements = run_->program->statements();
+        for (std::size_t i = 0; i < statements.size(); ++i)
+            addStatement(statements[i], *run_->program->commands()[i]);
         addVariables();
         return std::move(record_);
     }
 
 private:
     std::size_t lineOf(const Statement& statement) const {
-        return run_->script->placeOf(statement.text).line;
+        return run_->program->text().placeOf(statement.text).line;
     }
 
     /// A value that names a file of the run is a path.
@@ -99,13 +102,11 @@ private:
                                  : CmdWriteFile::formats()[format->choice].keyword;
     }
 
-    void addStatement(const Statement& statement) {
+    void addStatement(const Statement& statement, const CmdApi& command) {
         if (const Part* const image = statement.last(Role::MakesImage))
             addImage(std::string(image->text));
-        if (const Part* const crc = statement.last(Role::MakesCrc))
-            addValue(std::string(crc->text), true, statement);
-        if (const Part* const hash = statement.last(Role::MakesHash))
-            addValue(std::string(hash->text), false, statement);
+        if (statement.roles.hasAny({Role::MakesCrc, Role::MakesHash}))
+            addValue(statement, static_cast<const CmdNewValue&>(command));
         if (statement.has(Role::ChangesImage)) addPlaces(statement);
         if (statement.has(Role::OutputFile)) addOutput(statement);
     }
@@ -170,7 +171,9 @@ private:
         entry.lines.push_back({area, run.firstLine + skipped, run.bytesPerLine});
     }
 
-    void addValue(const std::string& name, bool isCrc, const Statement& statement) {
+    void addValue(const Statement& statement, const CmdNewValue& command) {
+        const bool isCrc = statement.has(Role::MakesCrc);
+        const std::string& name = command.name();
         const auto& values = isCrc ? run_->context->crcs : run_->context->hashes;
         const auto value = values.find(name);
         if (value == values.end()) return;
@@ -179,10 +182,10 @@ private:
         entry.kind = isCrc ? "crc" : "hash";
         Util::appendHex(entry.bytes, value->second);
         entry.line = lineOf(statement);
-        entry.algorithm = isCrc ? crcOf(statement) : hashOf(statement);
+        const auto& [algorithm, meaning, parameters] = command.algorithm();
+        entry.algorithm = {std::string(algorithm), std::string(meaning), parameters};
         entry.sources = sourcesOf(statement);
-        if (const std::string_view size = statement.textOf(Role::WordSize); !size.empty())
-            entry.wordSize = static_cast<std::uint32_t>(size.front() - '0');
+        entry.wordSize = command.wordSize();
         record_.values.push_back(std::move(entry));
     }
 

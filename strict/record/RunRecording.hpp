@@ -6,10 +6,9 @@
 
 #include "inspect/RunRecord.hpp"
 #include "parser/commands/CmdContext.hpp"
-#include "parser/grammar/Statement.hpp"
 #include "strict/files/RunFiles.hpp"
 #include "strict/record/Provenance.hpp"
-#include "strict/script/ScriptText.hpp"
+#include "strict/script/Program.hpp"
 
 namespace Strict {
 
@@ -17,8 +16,7 @@ namespace Strict {
 struct FinishedRun {
     std::string scriptSha256;                             ///< of its file, or of its text
     const std::map<std::string, std::string>* variables;  ///< of the command line
-    const ScriptText* script;
-    const Parser::StatementList* statements;
+    const Program* program;
     const Parser::WrapperLib::CmdContext* context;
     const Provenance* provenance;
     RunFiles* files;  ///< which keeps digests

@@ -49,8 +49,7 @@ public:
     }
 
     Inspect::RunRecord record(bool withLines = false) {
-        return recordOf({"script digest", &variables, &program_.text(), &program_.statements(),
-                         &context_, &provenance_, &files},
+        return recordOf({"script digest", &variables, &program_, &context_, &provenance_, &files},
                         withLines);
     }
 
