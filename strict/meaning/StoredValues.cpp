@@ -17,13 +17,16 @@ using Parser::Part;
 using Parser::Role;
 using Parser::Statement;
 
-/// The addresses of `areas` of which `changes` has no change with a number in [`since`, `until`).
-AreaList unchanged(const AreaList& areas, const OriginMap& changes, std::size_t since,
-                   std::size_t until) {
+/// The addresses of `areas` of which `changes` has no change since the one numbered `since`. None
+/// if there are so many changes that to look at them for each value would take minutes: only what a
+/// value covers itself is followed then.
+AreaList unchanged(const AreaList& areas, const OriginMap& changes, std::size_t since) {
+    constexpr std::size_t mostChanges = 4096;
+    if (changes.ranges().size() > mostChanges) return {};
     OriginMap left;
     for (const Area& area : areas) left.set(area, 0);
     for (const auto& [start, range] : changes.ranges())
-        if (range.source >= since && range.source < until) left.erase(range.area);
+        if (range.source >= since) left.erase(range.area);
     AreaList result;
     for (const auto& [start, range] : left.ranges()) result.push_back(range.area);
     return result;
@@ -79,12 +82,11 @@ void StoredValues::addSources(Piece& piece, std::size_t image, AreaList areas) c
     piece.push_back({image, areas});
     const Image& holder = (*images_)[image];
     if (holder.links.empty()) return;
-    areas = unchanged(areas, holder.changes, holder.madeAt, images_->changes().size());
+    areas = unchanged(areas, holder.changes, holder.madeAt);
     for (const Link& link : holder.links) {
         if (piece.size() == Images::furthest) return;
         AreaList taken = clipped(moved(areas, std::uint64_t{0} - link.moved), link.areas);
-        taken = unchanged(taken, (*images_)[link.image].changes, holder.madeAt,
-                          images_->changes().size());
+        taken = unchanged(taken, (*images_)[link.image].changes, holder.madeAt);
         if (!taken.empty()) addSources(piece, link.image, std::move(taken));
     }
 }

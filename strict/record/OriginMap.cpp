@@ -98,13 +98,12 @@ std::uint64_t OriginMap::size() const {
     return count;
 }
 
-AreaList uncovered(const Area& area, const OriginMap& one, const OriginMap& other) {
-    OriginMap both;
-    both.lay(one, area);
-    both.lay(other, area);
+AreaList uncovered(const Area& area, const OriginMap& map) {
+    OriginMap covered;
+    covered.lay(map, area);
     AreaList gaps;
     std::uint64_t at = area.start;
-    for (const auto& [start, range] : both.ranges()) {
+    for (const auto& [start, range] : covered.ranges()) {
         if (start != at) gaps.push_back({at, start - at});
         at = range.area.end();
     }

@@ -51,7 +51,7 @@ private:
     Ranges ranges_;
 };
 
-/// The parts of `area`, ascending, of which none of the two maps knows an address.
-Buffer::AreaList uncovered(const Buffer::Area& area, const OriginMap& one, const OriginMap& other);
+/// The parts of `area`, ascending, of which the map knows no address.
+Buffer::AreaList uncovered(const Buffer::Area& area, const OriginMap& map);
 
 }  // namespace Strict

@@ -59,6 +59,26 @@ std::string firstDifferences(const MemoryBuffer& earlier, const MemoryBuffer& la
     return text;
 }
 
+/// Adds the parts of `area` of which no address was given a byte or a filler. The image itself is
+/// asked, since its origins may be as many as the statements before.
+void addGaps(AreaList& gaps, const MemoryBuffer& image, const Area& area,
+             const OriginMap& fillers) {
+    const OriginMap::Range* const filler = fillers.find(area.start);
+    if (filler != nullptr && filler->area.contains(area)) return;
+    const auto elements = image.viewRange(area.start, area.length);
+    for (std::size_t at = elements.findUnwritten(0); at < elements.size();) {
+        const std::size_t end = elements.findWritten(at);
+        const Area gap{area.start + at, end - at};
+        if (fillers.empty()) {
+            gaps.push_back(gap);
+        } else {
+            const AreaList bare = uncovered(gap, fillers);
+            gaps.insert(gaps.end(), bare.begin(), bare.end());
+        }
+        at = elements.findUnwritten(end);
+    }
+}
+
 }  // namespace
 
 void Provenance::enter() {
@@ -125,7 +145,7 @@ void Provenance::reportCropped(const std::string& file, const OriginMap& all,
     if (all.size() == kept.size()) return;
     AreaList cropped;
     for (const auto& [start, entry] : all.ranges())
-        for (const Area& area : uncovered(entry.area, kept, {})) {
+        for (const Area& area : uncovered(entry.area, kept)) {
             if (!cropped.empty() && cropped.back().end() == area.start)
                 cropped.back().length += area.length;
             else
@@ -285,9 +305,7 @@ void Provenance::checkCovered(const Parser::Statement& statement, const CmdConte
         AreaList gaps;
         for (const Area& area : areas) {
             if (!image->second.getArea().contains(area)) continue;
-            const AreaList found =
-                uncovered(area, origins->second.written, origins->second.fillers);
-            gaps.insert(gaps.end(), found.begin(), found.end());
+            addGaps(gaps, image->second, area, origins->second.fillers);
         }
         if (gaps.empty()) continue;
         reports_->reportName(

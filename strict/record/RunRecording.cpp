@@ -121,7 +121,7 @@ private:
         for (const auto& [start, range] : written.ranges())
             entry.ranges.push_back(writtenRange(range));
         for (const auto& [start, range] : origins->second.fillers.ranges())
-            for (const Area& area : uncovered(range.area, written, {}))
+            for (const Area& area : uncovered(range.area, written))
                 entry.ranges.push_back(
                     {area, MapKind::Filler, lineOfSource(range.source), "", 0, 0, {}});
         std::ranges::sort(entry.ranges, {}, [](const OriginRange& r) { return r.area.start; });

@@ -21,16 +21,16 @@ protected:
     StatementReportsTest() {
         const std::string_view text = script_.prepared();
         statements_.beginStatement();
-        const auto add = [&](Role role, std::size_t column, std::size_t size) {
-            statements_.add(role, 0, text.substr(line_ + column - 1, size));
+        struct Word {
+            Role role;
+            std::size_t column;
+            std::size_t size;
         };
-        add(Role::Keyword, 1, 4);
-        add(Role::InputFile, 6, 4);
-        add(Role::UsesImage, 11, 2);
-        add(Role::Area, 15, 6);
-        add(Role::Area, 23, 6);
-        add(Role::ChangesImage, 31, 2);
-        add(Role::Text, 35, 0);
+        for (const Word& word :
+             {Word{Role::Keyword, 1, 4}, Word{Role::InputFile, 6, 4}, Word{Role::UsesImage, 11, 2},
+              Word{Role::Area, 15, 6}, Word{Role::Area, 23, 6}, Word{Role::ChangesImage, 31, 2},
+              Word{Role::Text, 35, 0}})
+            statements_.add(word.role, 0, text.substr(line_ + word.column - 1, word.size));
         statements_.endStatement({}, text.substr(line_));
         reports_.enter(statements_[0]);
     }
