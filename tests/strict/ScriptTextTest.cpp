@@ -39,4 +39,32 @@ TEST(ScriptTextTest, FourVariablesOfAPartAreNamedWithTheBeginningsOfTheirValues)
     EXPECT_EQ(notes[3].text, "the variable a4 is replaced by \"4\"");
 }
 
+TEST(ScriptTextTest, VariablesAreLookedForInTheBeginningOfALongPart) {
+    for (const std::size_t before : {999U, 1000U}) {
+        const Strict::ScriptText script("x.tsn", std::string(before, '-') + "a1", {{"a1", "1"}});
+        EXPECT_EQ(script.variableNotes(script.prepared()).size(), before == 999 ? 1U : 0U);
+    }
+}
+
+TEST(ScriptTextTest, OfALongLineTheSurroundingsOfAPlaceAreShown) {
+    struct Row {
+        std::size_t length;  ///< of the line
+        std::size_t at;
+        std::size_t from;  ///< that is shown
+        std::size_t to;
+    };
+    for (const Row& row : {Row{160, 160, 0, 160}, Row{161, 60, 0, 160}, Row{161, 61, 1, 161},
+                           Row{161, 161, 101, 161}, Row{300, 150, 90, 250}}) {
+        std::string line;
+        for (std::size_t i = 0; i < row.length; ++i) line += static_cast<char>('a' + i % 26);
+        const Strict::ScriptText script("x.tsn", line, {});
+        const Strict::Place place = script.placeInFile(row.at, 1);
+        const std::string expected = (row.from == 0 ? "" : "...") +
+                                     line.substr(row.from, row.to - row.from) +
+                                     (row.to == row.length ? "" : "...");
+        EXPECT_EQ(place.excerpt, expected) << row.length << ", " << row.at;
+        EXPECT_EQ(place.caret, (row.from == 0 ? 0 : 3) + row.at - row.from);
+    }
+}
+
 }  // namespace
