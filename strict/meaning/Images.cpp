@@ -160,26 +160,25 @@ std::optional<std::size_t> Images::findUsed(const Statement& statement,
     return changed;
 }
 
-std::optional<std::size_t> Images::make(const Statement& statement, const CmdContext* context) {
+std::optional<std::size_t> Images::make(const Statement& statement,
+                                        std::span<const std::size_t> sources,
+                                        const CmdContext* context) {
     const std::string_view name = statement.textOf(Role::MakesImage);
     const bool isMade = context == nullptr || context->buffers.contains(std::string(name));
-    if (!isMade || numbers_.contains(name)) return std::nullopt;
+    const std::size_t number = images_.size();
+    if (!isMade || !numbers_.try_emplace(name, number).second) return std::nullopt;
     Image image;
     image.name = name;
     image.madeAt = changes_.size();
-    std::vector<std::size_t> sources;
-    findUsed(statement, sources);
     image.isFollowed = !sources.empty();
     for (const std::size_t source : sources) follow(source);
     link(image, statement, sources, context);
     if (context != nullptr) image.range = bufferOf(*context, name).getArea();
-    const std::size_t number = images_.size();
-    numbers_.emplace(name, number);
     images_.push_back(std::move(image));
     return number;
 }
 
-void Images::link(Image& image, const Statement& statement, const std::vector<std::size_t>& sources,
+void Images::link(Image& image, const Statement& statement, std::span<const std::size_t> sources,
                   const CmdContext* context) {
     std::optional<AreaList> ranges(std::in_place);
     for (const std::size_t source : sources) {
@@ -198,11 +197,12 @@ void Images::link(Image& image, const Statement& statement, const std::vector<st
         }
         distance = statement.numbersOf(*address).back().value - image.range->start;
     }
-    const AreaList wanted = statement.has(Role::Area) ? statement.areas() : AreaList{everywhere};
     const Area held = image.range.value_or(everywhere);
     for (const std::size_t source : sources) {
         const Area had = images_[source].range.value_or(everywhere);
-        image.links.push_back({source, clipped(clipped(wanted, had), held), distance, {}});
+        AreaList taken = statement.has(Role::Area) ? statement.areas() : AreaList{had};
+        taken = clipped(clipped(std::move(taken), had), held);
+        image.links.push_back({source, std::move(taken), distance, {}});
     }
     const bool isMerge = sources.size() > 1 && (!ranges || overlap(*ranges));
     if (isMerge && context == nullptr) image.isExact = false;

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -70,9 +71,11 @@ public:
 
     /// Takes a statement that makes an image into account.
     ///
+    /// @param sources  the images that it is made of, as `findUsed` finds them
     /// @param context  with the new image if there is one; null before the run
     /// @return its number; nothing if there is none, or if an earlier one has the name
     std::optional<std::size_t> make(const Parser::Statement& statement,
+                                    std::span<const std::size_t> sources,
                                     const Parser::WrapperLib::CmdContext* context);
 
     /// From now on, changes of the image matter: a value covers it, or lies in it.
@@ -89,8 +92,7 @@ public:
 
 private:
     void link(Image& image, const Parser::Statement& statement,
-              const std::vector<std::size_t>& sources,
-              const Parser::WrapperLib::CmdContext* context);
+              std::span<const std::size_t> sources, const Parser::WrapperLib::CmdContext* context);
     void takeOver(Image& image, const Parser::Statement& statement,
                   const Parser::WrapperLib::CmdContext* merged);
 

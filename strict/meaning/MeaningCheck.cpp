@@ -113,13 +113,14 @@ void MeaningCheck::check(Knowledge& known, const Step& step) {
 void MeaningCheck::takeEffect(Knowledge& known, const Step& step, std::size_t number) {
     const Statement& statement = step.statement;
     if (statement.has(Role::MakesImage)) {
-        const auto image = known.images.make(statement, step.context);
+        const auto image = known.images.make(statement, step.used, step.context);
         known.isSettled = known.isSettled && image && known.images[*image].range.has_value() &&
                           known.images[*image].isExact;
     }
     if (statement.roles.hasAny(digests))
-        known.values.compute(statement, static_cast<const Parser::WrapperLib::CmdNewValue&>(
-                                            *program_->commands()[number]));
+        known.values.compute(
+            statement, step.used,
+            static_cast<const Parser::WrapperLib::CmdNewValue&>(*program_->commands()[number]));
     if (step.changed) noteChange(known, step);
 }
 

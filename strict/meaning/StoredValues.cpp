@@ -59,14 +59,13 @@ std::string adviceFor(std::string_view value, const AreaList& covered, const Are
 
 }  // namespace
 
-void StoredValues::compute(const Statement& statement,
+void StoredValues::compute(const Statement& statement, std::span<const std::size_t> covered,
                            const Parser::WrapperLib::CmdNewValue& command) {
     const bool isCrc = statement.has(Role::MakesCrc);
     const std::string_view name = statement.textOf(isCrc ? Role::MakesCrc : Role::MakesHash);
     if (!(isCrc ? crcs_ : hashes_).try_emplace(name, values_.size()).second) return;
     Value value{name, images_->changes().size(), &command, {}};
-    std::vector<std::size_t> covered;
-    images_->findUsed(statement, covered);
+    value.pieces.reserve(covered.size());
     for (const std::size_t image : covered) {
         images_->follow(image);
         const Area range = (*images_)[image].range.value_or(everywhere);

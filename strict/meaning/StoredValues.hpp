@@ -30,7 +30,9 @@ public:
     StoredValues(Images& images, Findings& findings) : images_(&images), findings_(&findings) {}
 
     /// Takes a statement that computes a value into account.
-    void compute(const Parser::Statement& statement,
+    ///
+    /// @param covered  the images that it covers
+    void compute(const Parser::Statement& statement, std::span<const std::size_t> covered,
                  const Parser::WrapperLib::CmdNewValue& command);
 
     /// The number of the CRC or hash that a statement puts somewhere, or nothing.
