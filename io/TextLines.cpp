@@ -12,7 +12,7 @@ namespace Io {
 namespace {
 
 /// Bytes: small enough to stay in the cache of a core while its lines are parsed.
-constexpr std::size_t linesAtOnce = std::size_t{1} << 17U;
+constexpr std::size_t textAtOnce = std::size_t{1} << 17U;
 
 }  // namespace
 
@@ -54,9 +54,9 @@ void TextLines::readOn() {
     constexpr char endOfText = 0x1A;
     const std::size_t kept = end_ - lineBegin_;
     const std::uint64_t fileRest = fileSize() - pieceStart_ - end_;
-    if (piece_.size() - kept < std::min<std::uint64_t>(linesAtOnce / 2, fileRest)) {
+    if (piece_.size() - kept < std::min<std::uint64_t>(textAtOnce / 2, fileRest)) {
         // A line that outgrows the piece at least doubles it, so that its length costs linear time.
-        const std::uint64_t room = std::min<std::uint64_t>(std::max(kept, linesAtOnce), fileRest);
+        const std::uint64_t room = std::min<std::uint64_t>(std::max(kept, textAtOnce), fileRest);
         Platform::PageBlock larger(kept + static_cast<std::size_t>(room));
         if (kept != 0) std::memcpy(larger.data(), piece_.data() + lineBegin_, kept);
         piece_ = std::move(larger);
