@@ -24,7 +24,12 @@ function(tessaron_install_licence name file)
   install(FILES ${file} DESTINATION ${documents}/licences RENAME ${name}.txt OPTIONAL)
 endfunction()
 
-string(REGEX MATCH "^[0-9]+" gccMajor "${CMAKE_CXX_COMPILER_VERSION}")
+# The release of libstdc++, which clang uses as well: its own version says nothing about that.
+separate_arguments(flags NATIVE_COMMAND "${CMAKE_CXX_FLAGS}")
+execute_process(COMMAND ${CMAKE_CXX_COMPILER} ${flags} -x c++ -include string -dM -E -
+                INPUT_FILE /dev/null OUTPUT_VARIABLE macros ERROR_QUIET)
+string(REGEX MATCH "_GLIBCXX_RELEASE ([0-9]+)" found "${macros}")
+set(gccMajor "${CMAKE_MATCH_1}")
 set(debian /usr/share/doc)
 if(WIN32)
   tessaron_install_licence(gcc ${debian}/gcc-mingw-w64-base/copyright)
