@@ -11,6 +11,7 @@
 #include "parser/commands/CmdNewCrc.hpp"
 #include "parser/commands/CmdNewHash.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
+#include "parser/text/Characters.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
 #include "strict/script/TypeAdvice.hpp"
 #include "strict/script/TypographicQuote.hpp"
@@ -19,6 +20,9 @@
 namespace Strict {
 
 namespace {
+
+using Parser::isDigit;
+using Parser::isWordCharacter;
 
 constexpr std::string_view spaces = " \t\n\v\f\r";
 
@@ -90,10 +94,6 @@ std::string_view wordAt(std::string_view rest) {
     return rest.substr(0, std::max<std::size_t>(length, rest.empty() ? 0 : 1));
 }
 
-bool isWordCharacter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-}
-
 /// The word that ends where `text` ends, unless it is a number.
 std::string_view wordBefore(std::string_view text) {
     std::size_t begin = text.size();
@@ -106,10 +106,6 @@ std::string_view wordBefore(std::string_view text) {
 /// Whether `word` is the last thing in `text`.
 bool isLastWord(std::string_view text, std::string_view word) {
     return text.substr(0, text.find_last_not_of(spaces) + 1).ends_with(word);
-}
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
 }
 
 /// A text that ends in a number with a sign.

@@ -253,6 +253,25 @@ TEST(MeaningTest, WhatAStoredValueCoversIsNotChanged) {
            apart);
 }
 
+// To follow more would take minutes for a thousand values.
+TEST(MeaningTest, ACopyOfSoManyChangesIsNotFollowed) {
+    const std::string change = "FILL_BUFFER @A WITH_VALUES {1} -useAreas={{4, 1}}\n";
+    for (const std::size_t changes : {4096U, 4097U}) {
+        std::string script =
+            "NEW_BUFFER @A EMPTY -useBufferRange={0, 0x10000}\n"
+            "NEW_BUFFER @S EMPTY -useBufferRange={0x20000, 4}\n"
+            "NEW_BUFFER @B FROM_BUFFER @A\n";
+        for (std::size_t i = 0; i < changes; ++i)
+            script +=
+                "FILL_BUFFER @B WITH_VALUES {1} -useAreas={{" + std::to_string(8 * i) + ", 1}}\n";
+        script += "NEW_CRC @C FROM_BUFFER @B\nFILL_BUFFER @S WITH_CRC @C\n" + change +
+                  "WRITE_FILE a.hex WITH_BUFFERS {@S @A}\n";
+        const std::string stale = std::to_string(changes + 6) + ":" +
+                                  std::to_string(change.find("{4") + 1) + " digest-stale";
+        EXPECT_EQ(found(script), changes == 4096 ? Lines{stale} : Lines{});
+    }
+}
+
 TEST(MeaningTest, FindsChangesByAddressAndNumber) {
     OriginMap changes;
     for (std::uint64_t i = 0; i < 9; ++i) changes.set({i * 4, 2}, i);
