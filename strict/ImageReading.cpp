@@ -21,19 +21,13 @@ auto readWith(Read read, const std::string& path, DiagnosticSink& sink) -> declt
     StatementReports reports(nullptr, sink);
     RunListener listener(reports, nullptr,
                          {[&files](std::string_view file) { return files.reasonFor(file); },
-                          [](std::string_view /*name*/) { return true; }});
+                          [](std::string_view /*name*/) { return true; }, false});
     const Facts::ListenerScope listening(listener);
     const Io::HostScope hosting(files);
     try {
         return read(path);
     } catch (const Io::bad_open&) {
-        const std::string reason = files.reasonFor(path);
-        if (reason.empty()) {
-            listener.hear(Facts::FileNotOpened{path});
-            return std::nullopt;
-        }
-        // Advice on the names of a script would mislead: this one is of the command line.
-        sink.take({Kind::CannotOpen, "cannot open " + path + ": " + reason});
+        listener.hear(Facts::FileNotOpened{path});
         return std::nullopt;
     } catch (const Io::Import::Malformed&) {
         return std::nullopt;

@@ -191,8 +191,7 @@ const std::vector<Inspect::LineRun>& Provenance::lineRunsOf(const Source& source
     try {
         lines->second = Inspect::lineRunsOf(origin.file, origin.format);
     } catch (const std::exception&) {
-        // The file is gone, or is another one by now.
-        lines->second.clear();
+        // The file is gone, or is another one by now: none of its lines is known.
     }
     return lines->second;
 }

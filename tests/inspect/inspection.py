@@ -197,6 +197,8 @@ class Inspection(unittest.TestCase):
         self.assertEqual(info["records"]["data"], len(data))
         self.assertEqual(info["recordLengths"], {str(n): data.count(n) for n in sorted(set(data))})
         text = tessaron("info", "a.hex")
+        other = tessaron("info", "a.s19")
+        self.assertEqual(tessaron("info", "a.hex", "a.s19"), text + "\n" + other)
         for entry in info["areas"]:
             self.assertRegex(text, r"%s .* %s +%s" % (entry["start"], entry["crc32"],
                                                        entry["sha256"]))
@@ -373,6 +375,59 @@ class Inspection(unittest.TestCase):
                                        "0x00001100", "0x00001140"])
         self.assertEqual([x - data[0][0] for x, _ in data], [0, 722])
         self.assertEqual([width for _, width in data], [277, 278])
+
+    def test_picture(self):
+        """What a picture shows is within it and beside what else it shows."""
+        write("low.hex", {0x1000: bytes(100), 0x1000 + 260: bytes(100)})
+        write("a-name-of-more-than-26-characters.hex", {0x1000 + 50: bytes(60), 0x5000000: b"12345"})
+        tessaron("map", "low.hex", "a-name-of-more-than-26-characters.hex", "--svg", "two.svg")
+        picture = xml.etree.ElementTree.parse("two.svg").getroot()
+        width, height = map(int, picture.get("viewBox").split()[2:])
+        self.assertEqual((picture.get("width"), picture.get("height")), (str(width), str(height)))
+        name = "{http://www.w3.org/2000/svg}"
+        used, lines = set(), {}
+
+        def place(element):
+            """Left, top, right and bottom; a letter is 13 high and takes 7 in the mean."""
+            x, y = int(element.get("x")), int(element.get("y"))
+            if element.tag == name + "rect":
+                used.add(element.get("class"))
+                return x, y, x + int(element.get("width")), y + int(element.get("height"))
+            return x, y - 13, x + 7 * len(element.text), y
+
+        def are_apart(one, other):
+            return one[2] <= other[0] or other[2] <= one[0] or one[3] <= other[1] or \
+                other[3] <= one[1]
+        alone = [place(e) for e in picture if e.tag in (name + "text", name + "rect")
+                 and e.get("width") != "100%"]
+        rows = []
+        for group in picture.iter(name + "g"):
+            label, ground, *boxes = list(group)[1:]
+            left, top, right, bottom = place(ground)
+            self.assertTrue(top < place(label)[1] and place(label)[3] < bottom)
+            rows += [place(label), place(ground)]
+            self.assertEqual(ground.get("class"), "gap")
+            for box in map(place, boxes):
+                self.assertTrue(left <= box[0] < box[2] <= right and box[1::2] == (top, bottom))
+            lines.setdefault(label.text, []).append(
+                [(box.get("class"), int(box.get("x")) - left, int(box.get("width")))
+                 for box in boxes])
+        for i, one in enumerate(alone + rows):
+            self.assertTrue(0 <= one[0] < one[2] <= width and 0 <= one[1] < one[3] <= height, one)
+            for other in (alone + rows)[:i]:
+                self.assertTrue(are_apart(one, other), (one, other))
+        # A picture of a thousand for 360 addresses: each box ends where its bytes do.
+        self.assertEqual(lines, {
+            "low.hex": [[("data", 0, 277), ("data", 722, 278)], []],
+            "..." + "a-name-of-more-than-26-characters.hex"[-23:]:
+                [[("data", 138, 167)], [("data", 0, 1000)]]})
+        self.assertEqual(used, {"data", "part", "value", "filler", "gap"})
+        style = picture.find(name + "style").text
+        self.assertTrue(all("." + word + "{" in style for word in used))
+        for path in picture.iter(name + "path"):
+            x, y = map(int, re.match(r"M(\d+) (\d+)v6", path.get("d")).groups())
+            self.assertTrue(all(box[3] <= y for box in rows if box[1] < y))
+            self.assertTrue(220 <= x < 1220)
 
     @unittest.skipIf(IS_WINDOWS, "names of Windows are texts without control characters")
     def test_names_that_a_terminal_or_a_page_would_obey(self):

@@ -1,10 +1,13 @@
 #!/usr/bin/env python3
 """Tests run --manifest, check --manifest and the size of a report:  manifest.py tessaron"""
+import base64
 import hashlib
+import html.parser
 import json
 import os
 import pathlib
 import random
+import re
 import shutil
 import subprocess
 import sys
@@ -50,6 +53,43 @@ def sha256(path):
 
 def area(start, length):
     return {"start": "0x%08X" % start, "length": length}
+
+
+def span(start, length):
+    return "0x%08X" % start + (" to 0x%08X" % (start + length - 1) if length > 1 else "")
+
+
+def lines_text(listed):
+    if "file" not in listed:
+        return ""
+    first, last = listed["fileLines"]
+    return listed["file"] + (", line %d" % first if first == last else
+                             ", lines %d to %d" % (first, last))
+
+
+class Tables(html.parser.HTMLParser):
+    """The tables of a page: of each its rows, as the texts of their cells."""
+
+    def __init__(self, page):
+        super().__init__()
+        self.tables, self.is_cell = [], False
+        self.feed(page)
+
+    def handle_starttag(self, tag, _):
+        if tag == "table":
+            self.tables.append([])
+        elif tag == "tr":
+            self.tables[-1].append([])
+        elif tag in ("td", "th"):
+            self.tables[-1][-1].append("")
+            self.is_cell = True
+
+    def handle_endtag(self, tag):
+        self.is_cell = self.is_cell and tag not in ("td", "th")
+
+    def handle_data(self, text):
+        if self.is_cell:
+            self.tables[-1][-1][-1] += text
 
 
 class Manifest(unittest.TestCase):
@@ -318,6 +358,99 @@ WRITE_FILE values.hex WITH_BUFFERS {@A} 0x104
         tessaron("run", "release.tsn", "inFile=none.hex", "--manifest", "out.json", "--report",
                  "out.html", code=1)
         self.assertFalse(os.path.exists("out.json") or os.path.exists("out.html"))
+
+    def test_page(self):
+        """The page has what the manifest lists, and the bytes of the images."""
+        more = ("NEW_BUFFER @Fill EMPTY -useBufferRange={0x2000, 0x1000}\n"
+                "FILL_BUFFER @Fill WITH_FILLER {1, 2} -useAreas={{0x2000, 999}}\n"
+                "FILL_BUFFER @Fill WITH_FILLER {1, 2, 3, 4} -useAreas={{0x2400, 998}}\n"
+                "FILL_BUFFER @Fill WITH_FILLER {1, 2, 3} -useAreas={{0x2800, 997}}\n"
+                "FILL_BUFFER @Fill WITH_VALUES {7} -useAreas={{0x2FFF, 1}}\n"
+                "NEW_HASH @Md5 FROM_BUFFERS {@App, @Fill} -setType=Hash_Md5 -useWordSize=2\n"
+                "NEW_HASH @Two FROM_BUFFER @App -useAreas={{0x1000, 2}, {0x1010, 1}}"
+                " -setType=Hash_Md5\n"
+                "WRITE_FILE start.hex WITH_BUFFERS {@App, @Moved} 0x1000\n")
+        pathlib.Path("release.tsn").write_text(SCRIPT + more)
+        tessaron("run", "release.tsn", "inFile=app.hex", "--manifest", "out.json", "--report",
+                 "out.html")
+        manifest, page = json.loads(pathlib.Path("out.json").read_text()), \
+            pathlib.Path("out.html").read_text()
+        outputs, *images, values, variables, inputs = (table[1:] for table in Tables(page).tables)
+        self.assertEqual(outputs, [
+            [o["path"], o["format"] + (", starts at 0x00001000" if "startAddress" in o else ""),
+             "{:,}".format(o["size"]), ", ".join(o["images"]), "line %d" % o["line"], o["sha256"]]
+            for o in manifest["outputs"]])
+        self.assertEqual(variables, [["inFile", "app.hex"]])
+        self.assertEqual(inputs, [
+            ["app.hex", "Intel HEX", "{:,}".format(os.path.getsize("app.hex")),
+             "640 bytes, 0x00001000 to 0x000012FF", "line 1", sha256("app.hex")]])
+        crc, md5, two = manifest["values"]
+        self.assertEqual(values, [
+            ["@Crc", "Crc32_Vector_AUTOSAR: CRC-32/ISO-HDLC; width 32, poly 0x04C11DB7, init "
+             "0xFFFFFFFF, refin true, refout true, xorout 0xFFFFFFFF",
+             "@App 0x00001000 to 0x000013FB", "line 3",
+             "@App 0x000013FC to 0x000013FF, LittleEndian, line 4", crc["bytes"]],
+            ["@Md5", "Hash_Md5: MD5, RFC 1321; the bytes of each word of 2 reversed",
+             "@App 0x00001000 to 0x000013FF; @Fill 0x00002000 to 0x00002FFF", "line 14", "nowhere",
+             md5["bytes"]],
+            ["@Two", "Hash_Md5: MD5, RFC 1321", "@App 0x00001000 to 0x00001001, 0x00001010",
+             "line 15", "nowhere", two["bytes"]]])
+        lines = {}
+        for number, record in enumerate(pathlib.Path("app.hex").read_text().split(), 1):
+            address, size = int(record[3:7], 16), int(record[1:3], 16)
+            if record[7:9] == "00":
+                lines.update((address + i, number) for i in range(size))
+        data = json.loads(re.search(r'id="data">(.*?)</script>', page)[1])
+        self.assertEqual(sorted(map(int, data["statements"])), [1, 2, 4, 6, 10, 11, 12, 13])
+        self.assertEqual(data["statements"]["12"], more.splitlines()[3])
+        for image, rows, listed in zip(data["images"], images, manifest["images"], strict=True):
+            start, length = int(listed["start"], 16), listed["length"]
+            self.assertEqual([image[name] for name in ("name", "start", "length")],
+                             [listed["name"], start, length])
+            self.assertEqual(rows, [
+                [span(int(r["start"], 16), r["length"]), "{:,}".format(r["length"]), r["kind"],
+                 "line %d" % r["line"],
+                 lines_text(r)]
+                for r in listed["ranges"]])
+            self.assertEqual([(at, size, ("", "filler", "data", "value")[kind])
+                              for at, size, kind, _ in image["ranges"]],
+                             [(int(r["start"], 16), r["length"], r["kind"])
+                              for r in listed["ranges"]])
+            moved = 0x8000 - 0x1000 if listed["name"] == "@Moved" else 0
+            for (at, size, _, origin), r in zip(image["ranges"], listed["ranges"], strict=True):
+                self.assertEqual(image["origins"][origin], [
+                    r.get("file", ""), r["line"], *r.get("fileLines", [0, 0])])
+                named = {at: line + (at - first) // step
+                         for first, count, line, step in image["lines"][origin]
+                         for at in range(first, first + count)}
+                if "file" in r:
+                    self.assertEqual([named[i] for i in range(at, at + size)],
+                                     [lines[i - moved] for i in range(at, at + size)])
+            got = bytearray(length)
+            for at, size, text in image["chunks"]:
+                piece = base64.b64decode(text)
+                got[at - start:at - start + size] = (piece * size)[:size]
+            self.assertEqual(len(got), length)
+            self.assertEqual(hashlib.sha256(got).hexdigest(), listed["sha256"])
+        # What repeats by one, two or four bytes is short.
+        self.assertEqual([(size, len(base64.b64decode(text)))
+                          for _, size, text in data["images"][2]["chunks"]],
+                         [(999, 2), (998, 4), (997, 997), (1, 1)])
+
+    def test_report_of_all_bytes(self):
+        """Up to 750,000 bytes that do not repeat; of more the first and the last 64 of a range."""
+        for size in (750_000, 750_001):
+            data = random.Random(5).randbytes(size)
+            pathlib.Path("big.bin").write_bytes(data)
+            pathlib.Path("big.tsn").write_text("NEW_BUFFER @Big FROM_FILE_BINARY big.bin\n")
+            tessaron("run", "big.tsn", "--report", "big.html")
+            page = pathlib.Path("big.html").read_text()
+            image, = json.loads(re.search(r'id="data">(.*?)</script>', page)[1])["images"]
+            chunks = [[at, size, base64.b64decode(text)] for at, size, text in image["chunks"]]
+            is_whole = size == 750_000
+            self.assertEqual("too long for this page" in page, not is_whole)
+            self.assertEqual(chunks, [[0, size, data]] if is_whole else
+                             [[0, 64, data[:64]], [size - 64, 64, data[-64:]]])
 
     def test_report_of_a_large_image(self):
         size = 64 << 20

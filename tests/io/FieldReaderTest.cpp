@@ -104,6 +104,25 @@ TEST(FieldReadingTest, ReadsEveryWayToCountSRecords) {
     }
 }
 
+// A record without a whole count has at least what surrounds the data.
+TEST(FieldReadingTest, SaysHowManyDigitsARecordShouldHave) {
+    struct Row {
+        std::string line;
+        std::uint64_t found, expected;
+    };
+    for (const Row& row :
+         {Row{":", 0, 10}, Row{":0", 1, 10}, Row{":02", 2, 14}, Row{":0200", 4, 14},
+          Row{"S1", 0, 2}, Row{"S10", 1, 2}, Row{"S105000001", 8, 12}}) {
+        const std::string sound = row.line[0] == 'S' ? "S104000001FA\n" : ":0100000001FE\n";
+        Collected<LineDamaged> damage;
+        EXPECT_EQ(openField(temporaryFile(sound + row.line + "\n" + sound)), nullptr) << row.line;
+        ASSERT_FALSE(damage.facts.empty()) << row.line;
+        EXPECT_EQ(damage.facts[0].fault, RecordFault::Digits) << row.line;
+        EXPECT_EQ(damage.facts[0].found, row.found) << row.line;
+        EXPECT_EQ(damage.facts[0].expected, row.expected) << row.line;
+    }
+}
+
 TEST(FieldReadingTest, RefusesDataBeyondTheAddressSpace) {
     const std::string page = ":02000004FFFFFC\n";
     const std::string run = ":04FFFB0001020304F8\n";

@@ -39,6 +39,16 @@ TEST(PatternTest, MatchesAsItsDocumentsSay) {
              {"\\d\\D\\w\\W\\s\\S", "1a_ \n.", "x", "x"},
              {"a\\*]}", "a*]}", "x", "x"},
              {"x*", "axb", "[$&]", "[]a[x][]b[]"},
+             // Counts.
+             {"a{2}", "aaa", "x", "xa"},
+             {"a{2,2}", "aaa", "x", "xa"},
+             {"a{2,}", "abaaab", "x", "abxb"},
+             {"a{2,}?", "aaaa", "x", "xx"},
+             {"a{0}b", "ab", "x", "ax"},
+             {"a{0,1}b", "aab", "x", "ax"},
+             {"a+?|b", "aab", "x", "xxx"},
+             {"ab??", "ab", "x", "xb"},
+             {"a*?b", "aab", "x", "x"},
              // Brackets; the names are those of POSIX.
              {"[^a-c-]", "a-d", "x", "a-x"},
              {"[]a]", "a]", "x", "a]"},

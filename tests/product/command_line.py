@@ -18,7 +18,8 @@ REFUSED = (
     (["release.tsn"], "did you mean tessaron run release.tsn?"),
     (["in.hex", "x=y"], "tessaron info in.hex?"),
     (["chek", "s.tsn"], "did you mean check?"),
-    (["/?"], "--help"), (["-?"], "--help"),
+    (["/?"], "--help"), (["-?"], "--help"), (["/h"], "--help"), (["/help"], "--help"),
+    (["?"], "--help"), (["-x"], "the options of a command go after it"),
     (["help", "crc"], "did you mean crcs?"), (["help", "nothing"], "there are statements, crcs"),
     (["frobnicate"], "the commands are run, check"),
     ([], "a command is required"),
@@ -26,10 +27,34 @@ REFUSED = (
     (["--keep-going", "run", "s.tsn"], "go after it"),
     (["run", "s.tsn", "--manifst=x"], "did you mean --manifest?"),
     (["run", "s.tsn", "--diagnostics=xml"], "xml is not one of text|json"),
+    (["run", "s.tsn", "X"], "X has no ="), (["run", "s.tsn", "-D", "X"], "X has no ="),
+    *((["run", "s.tsn", "--symbol", text], "is not NAME=FILE:SYMBOL")
+      for text in ("X", "X:s", "=a.elf:s", "X=a.elf", "X=:s", "X=a.elf:", "a:X=s")),
+    *((["run", "s.tsn", option, ""], "an empty text says nothing")
+      for option in ("--depfile", "--manifest", "--map", "--report", "--directory")),
+    (["run", "s.tsn", "-C", "nowhere"], "cannot work in nowhere: No such file or directory"),
+    (["run", "s.tsn", "--error", "overlop"], "no diagnostic overlop; did you mean overlap?"),
+    (["run", "s.tsn", "--warn", "syntax"], "syntax is always an error"),
+    (["run", "s.tsn", "--ignore", "syntax"], "syntax is always an error"),
+    (["diff", "in.hex"], "files"), (["diff", "in.hex", "in.hex", "in.hex"], "files"),
+    *((["convert", "in.hex", "out.bin", "--crop", text], "is not an area START,LENGTH")
+      for text in ("1", "1,2,3", "0xFFFFFFFFFFFFFFFF,1")),
+    *((["convert", "in.hex", "out.bin", "--crop", text], "is not a number")
+      for text in ("1,x", "0x,1", "1,-2", "1,2x", "1,", ",1")),
+    (["convert", "in.hex", "out.bin", "--fill", "0,256"], "0,256 is above 0xFF"),
+    *((["convert", "in.hex", "out.bin", "--offset=" + text], "has more than 32 bits")
+      for text in ("4294967296", "-0x100000000")),
+    *((["convert", "in.hex", "out.bin", "--offset=" + text], "is not a number")
+      for text in ("-", "1x", "--1")),
+    (["convert", "in.hex", "out.bin", "--format", "IntelHexExtendet"], "did you mean IntelHexExt"),
+    (["convert", "in.hex", "out.bin", "--format", "qq"], "tessaron help formats lists them"),
     (["convert", "in.hex", "out.bin", "--crop", "0,0"], "0,0 has no address"),
     (["convert", "in.hex", "out.bin", "--crop", ""], "empty"),
     (["convert", "in.hex", "out.bin", "--fill", ""], "empty"),
     (["convert", "in.hex", "out.bin", "--offset="], "missing"),
+    (["map", "in.hex", "--width=19"], "--width"), (["map", "in.hex", "--width=1001"], "--width"),
+    (["diff", "in.hex", "in.hex", "--context=-1"], "--context"),
+    (["diff", "in.hex", "in.hex", "--context=1001"], "--context"),
 )
 
 
@@ -56,8 +81,36 @@ class CommandLines(unittest.TestCase):
         run("run", "--help")
         run("help", "run")
         run("run", "s.tsn", "--diagnostics=json", "--color", "never")
-        run("convert", "in.hex", "sound.bin", "--crop", "0,1")
-        self.assertEqual(pathlib.Path("sound.bin").read_bytes(), b"\1")
+        for width in ("20", "1000"):
+            run("map", "in.hex", "--width", width)
+        for rows in ("0", "1000"):
+            run("diff", "in.hex", "in.hex", "--context", rows)
+        for crop in ("0,1", "{0, 0x1}", "0X0,1"):
+            run("convert", "in.hex", "sound.bin", "--crop", crop)
+            self.assertEqual(pathlib.Path("sound.bin").read_bytes(), b"\1")
+        run("convert", "in.hex", "sound.bin", "--crop", "0,6", "--fill", "255")
+        self.assertEqual(pathlib.Path("sound.bin").read_bytes(), b"\1\2\3\4\xFF\xFF")
+        run("convert", "in.hex", "sound.hex", "--offset", "0xFFFFFFFC")
+        run("convert", "sound.hex", "back.hex", "--offset=-4294967292")
+        self.assertIn(HEX.split()[0], pathlib.Path("back.hex").read_text())
+        run("run", "s.tsn", "--error", "syntax", "--symbol", "X=in.hex:s", code=1)
+        os.makedirs("below", exist_ok=True)
+        pathlib.Path("below/below.tsn").write_text("PRINT_TEXT {Q1} PRINT_TEXT {Q2}\n")
+        printed = subprocess.run([PROGRAM, "run", "-C", "below", "below.tsn", "Q1=operand",
+                                  "Q2=first", "Q2=second", "-D", "Q1=option"],
+                                 capture_output=True, check=True)
+        self.assertEqual(printed.stdout.split(), [b"option", b"first"])
+
+    def test_display(self):
+        pathlib.Path("warn.tsn").write_text("NEW_BUFFER @a FROM_VALUES {0x1FF}\n")
+        for options, has_color in (([], False), (["--color=always"], True), (["--color=never"], False)):
+            self.assertEqual("\033" in run("run", "warn.tsn", *options), has_color)
+        self.assertEqual(run("run", "warn.tsn", "--quiet"), "")
+        self.assertEqual(run("run", "warn.tsn", "--ignore", "truncated-value"), "")
+        for option in ("--werror", "--error=truncated-value"):
+            self.assertIn(": error: ", run("run", "warn.tsn", option, code=1))
+        self.assertIn(": error: ", run("run", "warn.tsn", "--quiet", "--werror", code=1))
+        self.assertTrue(run("run", "warn.tsn", "--diagnostics=json").startswith('{"severity"'))
 
     def test_what_standard_output_does_not_take_is_an_error(self):
         with open("/dev/full", "w") as full:
@@ -108,7 +161,12 @@ class CommandLines(unittest.TestCase):
         self.assertEqual(written("run", "time.tsn"), [])
         self.assertEqual(written("run", "time.tsn", SOURCE_DATE_EPOCH="1000000000", TZ="UTC+5"),
                          ["Generated: 2001-09-09 01:46:40"])
-        self.assertEqual(written("run", "time.tsn", SOURCE_DATE_EPOCH="soon"), [])
+        for seconds, time in (("0", "1970-01-01 00:00:00"),
+                              ("253402300799", "9999-12-31 23:59:59")):
+            self.assertEqual(written("run", "time.tsn", SOURCE_DATE_EPOCH=seconds),
+                             ["Generated: " + time])
+        for wrong in ("soon", "", "-1", "1 ", "253402300800"):
+            self.assertEqual(written("run", "time.tsn", SOURCE_DATE_EPOCH=wrong), [])
         self.assertRegex(written("time.tsn", program=CLASSIC, SOURCE_DATE_EPOCH="0")[0], " 20[2-9]")
 
     def test_remarks_of_a_script_with_an_absolute_path_are_linked(self):

@@ -65,9 +65,47 @@ TEST(ArithmeticTest, KnowsTheUsualOrder) {
     for (const Row& row : rows) EXPECT_EQ(Arithmetic(row.text).usual(), row.usual) << row.text;
 }
 
+// Each operator takes the rest, so the operand on its right is the value of all that follows.
+TEST(ArithmeticTest, SeesWhatLeaves32BitsOrDividesByZero) {
+    struct Row {
+        const char* text;
+        bool leavesRange;
+        bool dividesByZero;
+    };
+    const std::vector<Row> rows{
+        {"0xFFFFFFFE + 1", false, false},
+        {"0xFFFFFFFF + 1", true, false},
+        {"4 - 4", false, false},
+        {"4 - 5", true, false},
+        {"2 * 3", false, false},
+        {"0xFFFF * 0x10001", false, false},
+        {"0x10000 * 0x10000", true, false},
+        {"1 / 2", false, false},
+        {"1 % 2", false, false},
+        {"0 / 7", false, false},
+        {"7 / 0", false, true},
+        {"7 % 0", false, true},
+        {"7 / (4 - 4)", false, true},
+        {"7 + 0", false, false},
+        {"7 - 0", false, false},
+        {"7 * 0", false, false},
+        {"5 - 4 - 3", false, false},
+        {"4 - 5 - 6", true, false},
+        {"(4 - 5) + 6", true, false},
+        {"6 + (1 / 0) - 5", true, true},
+    };
+    for (const Row& row : rows) {
+        const Arithmetic arithmetic(row.text);
+        EXPECT_EQ(arithmetic.leavesRange(), row.leavesRange) << row.text;
+        EXPECT_EQ(arithmetic.dividesByZero(), row.dividesByZero) << row.text;
+    }
+}
+
 TEST(ArithmeticTest, SeesTwoNumbersSideBySide) {
     EXPECT_TRUE(Arithmetic("1 2").hasPair());
     EXPECT_TRUE(Arithmetic("(1) 0x2").hasPair());
+    EXPECT_TRUE(Arithmetic("1 (2)").hasPair());
+    EXPECT_TRUE(Arithmetic("(1) (2)").hasPair());
     EXPECT_FALSE(Arithmetic("1 - 2").hasPair());
     EXPECT_FALSE(Arithmetic("(1 + 0x20) * 3").hasPair());
 }

@@ -116,6 +116,101 @@ TEST(PrinterTest, NamesCannotDriveATerminal) {
               "      |   ^\n");
 }
 
+TEST(PrinterTest, APlaceIsShownAsFarAsItIsKnown) {
+    struct Row {
+        Diagnostic diagnostic;
+        std::string text;  ///< on standard error
+        std::string json;
+    };
+    const Place column{"s.tsn", 12, 7, "NEW_CRC bc", 8, 2};
+    const Place line{"a.hex", 123456, 0, ":00", 0, 0};
+    const std::vector<Row> rows{
+        {{Kind::Overlap, "x", std::nullopt, "y"},
+         "tessaron: warning: x [overlap]\n    y\n",
+         R"({"severity":"warning","name":"overlap","text":"x","hint":"y"})"},
+        {{Kind::Conflict, "x", column, "y", {{"n", std::nullopt}}},
+         "s.tsn:12:7: error: x [conflict]\n   12 | NEW_CRC bc\n      |         ^~ y\n"
+         "    note: n\n",
+         R"({"severity":"error","name":"conflict","text":"x","file":"s.tsn","line":12,"column":7,)"
+         R"("length":2,"source":"NEW_CRC bc","hint":"y","notes":[{"text":"n"}]})"},
+        {{Kind::Conflict, "x", column},
+         "s.tsn:12:7: error: x [conflict]\n   12 | NEW_CRC bc\n      |         ^~\n",
+         R"({"severity":"error","name":"conflict","text":"x","file":"s.tsn","line":12,"column":7,)"
+         R"("length":2,"source":"NEW_CRC bc"})"},
+        {{Kind::Conflict, "x", line, "y"},
+         "a.hex:123456: error: x [conflict]\n 123456 | :00\n          y\n",
+         R"({"severity":"error","name":"conflict","text":"x","file":"a.hex","line":123456,)"
+         R"("source":":00","hint":"y"})"},
+        {{Kind::Conflict, "x", line},
+         "a.hex:123456: error: x [conflict]\n 123456 | :00\n",
+         R"({"severity":"error","name":"conflict","text":"x","file":"a.hex","line":123456,)"
+         R"("source":":00"})"},
+        {{Kind::Conflict, "x", Place{"a.hex", 3, 0, "", 0, 0}},
+         "a.hex:3: error: x [conflict]\n",
+         R"({"severity":"error","name":"conflict","text":"x","file":"a.hex","line":3})"},
+        {{Kind::Conflict, "x", Place{"a.hex", 0, 0, "", 0, 0}, "y"},
+         "a.hex: error: x [conflict]\n    y\n",
+         R"({"severity":"error","name":"conflict","text":"x","file":"a.hex","hint":"y"})"},
+        {{std::nullopt, "x", column, "", {{"n", line}}},
+         "s.tsn:12:7: note: x\n   12 | NEW_CRC bc\n      |         ^~\n"
+         "a.hex:123456: note: n\n 123456 | :00\n",
+         R"({"severity":"note","text":"x","file":"s.tsn","line":12,"column":7,"length":2,)"
+         R"("source":"NEW_CRC bc","notes":[{"text":"n","file":"a.hex","line":123456,)"
+         R"("source":":00"}]})"},
+    };
+    const Policy policy;
+    for (const Row& row : rows) {
+        std::ostringstream text, colored, json;
+        Printer(text, policy, DiagnosticFormat::Text, false, false).take(row.diagnostic);
+        Printer(colored, policy, DiagnosticFormat::Text, true, false).take(row.diagnostic);
+        Printer(json, policy, DiagnosticFormat::Json, true, false).take(row.diagnostic);
+        EXPECT_EQ(text.str(), row.text);
+        EXPECT_EQ(json.str(), row.json + "\n");
+        // Colors change nothing else, and each line ends without one.
+        std::string bare;
+        bool isPlain = true;
+        const std::string all = colored.str();
+        for (std::size_t at = 0; at < all.size(); ++at) {
+            if (all[at] == '\033') {
+                const std::size_t end = all.find('m', at);
+                isPlain = all.substr(at, end - at) == "\033[0";
+                at = end;
+                continue;
+            }
+            EXPECT_TRUE(all[at] != '\n' || isPlain) << all;
+            bare += all[at];
+        }
+        EXPECT_EQ(bare, row.text);
+        const std::string shown = !row.diagnostic.kind                    ? "\033[1;36mnote: "
+                                  : row.diagnostic.kind == Kind::Conflict ? "\033[1;31merror: "
+                                                                          : "\033[1;35mwarning: ";
+        EXPECT_NE(all.find(shown), std::string::npos) << all;
+    }
+}
+
+TEST(RemarkListTest, ARemarkHasAllThatAReportShows) {
+    Policy policy;
+    policy.set(Kind::Tolerated, Severity::Ignored);
+    RemarkList list(policy);
+    list.take({Kind::Tolerated, "not wanted"});
+    list.countMore(Kind::Tolerated, 5);
+    list.take({Kind::Overlap, "x", Place{"a.hex", 3, 4, "", 0, 0}, "y"});
+    list.take({std::nullopt, "n"});
+    EXPECT_FALSE(list.hasErrors());
+    list.countMore(Kind::Conflict, 1);
+    EXPECT_TRUE(list.hasErrors());
+    list.finish();
+    ASSERT_EQ(list.remarks.size(), 3U);
+    const Inspect::Remark& remark = list.remarks[0];
+    EXPECT_EQ(remark.severity + " " + remark.name + " " + remark.text + " " + remark.hint,
+              "warning overlap x y");
+    EXPECT_EQ(remark.file, "a.hex");
+    EXPECT_EQ(remark.line, 3U);
+    EXPECT_EQ(remark.column, 4U);
+    EXPECT_EQ(list.remarks[1].severity + list.remarks[1].name, "note");
+    EXPECT_EQ(list.remarks[2].text, "not shown: 1 more of conflict");
+}
+
 TEST(RemarkListTest, TwentyOfAKindAreKept) {
     const Policy policy;
     RemarkList list(policy);

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "inspect/Digest.hpp"
 #include "inspect/LineRuns.hpp"
 #include "inspect/RunRecord.hpp"
 #include "io/Host.hpp"
@@ -256,6 +257,25 @@ TEST_F(RecordTest, TheRecordHasValuesWithTheirPlacesAndOutputs) {
     EXPECT_EQ(record.outputs[1].images, (Lines{"@d", "@b"}));
 }
 
+// Bytes with fillers among them are digested in pieces of 4096.
+TEST_F(RecordTest, TheDigestsOfAnImageAreThoseOfItsBytes) {
+    for (const unsigned size : {1U, 4095U, 4096U, 4097U, 10'000U}) {
+        Rehearsal run("NEW_BUFFER @a EMPTY -useBufferRange={0x100, " + std::to_string(size) +
+                      "}\nFILL_BUFFER @a WITH_FILLER {1, 2, 3}\n"
+                      "WRITE_FILE a.bin WITH_BUFFERS {@a} -setFormat=RawBinary\n");
+        std::string bytes;
+        for (unsigned i = 0; i < size; ++i) bytes += static_cast<char>(1 + i % 3);
+        const Inspect::RunRecord record = run.record();
+        EXPECT_EQ(record.outputs[0].sha256, Inspect::sha256Of(bytes)) << size;
+        const Inspect::Digest digest = Inspect::digestOf(*record.images[0].image);
+        EXPECT_EQ(digest.sha256, Inspect::sha256Of(bytes)) << size;
+        Inspect::Digester digester;
+        for (const char& byte : bytes)
+            digester.take({reinterpret_cast<const std::uint8_t*>(&byte), 1});
+        EXPECT_EQ(digest.crc32, digester.finish().crc32) << size;
+    }
+}
+
 TEST_F(RecordTest, ThePageOfARunListsUpToALimit) {
     const auto pageOf = [this](unsigned ranges) {
         std::string lines;
@@ -280,6 +300,9 @@ TEST_F(RecordTest, ThePageOfARunListsUpToALimit) {
     EXPECT_TRUE(has(pageOf(5), " and 1 more range<"));
     EXPECT_FALSE(has(pageOf(200), "more ranges</section>"));
     EXPECT_TRUE(has(pageOf(201), "1 more range</section>"));
+    const char* const first = "The maps show the first ranges of each image only.";
+    EXPECT_FALSE(has(pageOf(12'000), first));
+    EXPECT_TRUE(has(pageOf(12'001), first));
 
     Inspect::RunRecord record;
     record.scriptPath = "s.tsn";

@@ -118,6 +118,10 @@ TEST(ScriptCheckTest, OnlyTheStatementThatDoesNotParseIsLeftOut) {
         kinds("NEW_BUFFER @a FROM_VALUES {1\nPRINT_BUFFER @a\nPRINT_BUFFER @a\nPRINT_BUFFER @b\n"),
         (Lines{"2:1 syntax", "+ 1:27 this brace is not closed", "4:14 unknown-name"}))
         << "what a broken statement would have made counts as made";
+    EXPECT_EQ(kinds("NEW_CRC @c FROM_BUFFER {\n\t NEW_HASH @h FROM_BUFFER {\nPRINT_CRC @c\n"
+                    "PRINT_HASH @h\nPRINT_CRC @h\nPRINT_HASH @c\n"),
+              (Lines{"1:24 syntax", "2:27 syntax", "5:11 unknown-name", "6:12 unknown-name"}))
+        << "a statement may be indented";
 }
 
 TEST(ScriptCheckTest, AdviceForWhatIsNotAStatement) {
@@ -142,6 +146,47 @@ TEST(ScriptCheckTest, AdviceForWhatIsNotAStatement) {
         const Lines found = checked(std::string(row.text) + "\n");
         ASSERT_FALSE(found.empty()) << row.text;
         EXPECT_TRUE(found[0].ends_with(std::string(" (") + row.advice + ")")) << found[0];
+    }
+}
+
+TEST(ScriptCheckTest, AdviceForWhatIsNotAValue) {
+    const char* const hexadecimal = "a hexadecimal number begins with 0x";
+    const char* const most = "a number has at most 32 bits";
+    const char* const blank = "remove the blank between the parenthesis and the operator";
+    struct Row {
+        std::string value;
+        std::string advice;  ///< empty for a value
+    };
+    const std::vector<Row> rows{
+        {"0x10", ""},
+        {"4294967295", ""},
+        {"4294967296", most},
+        {"0xFFFFFFFF", ""},
+        {"0x100000000", most},
+        {"FF", std::string(hexadecimal) + ": 0xFF"},
+        {"1F", std::string(hexadecimal) + ": 0x1F"},
+        {"0c0", std::string(hexadecimal) + ": 0x0c0"},
+        {"1234567A", std::string(hexadecimal) + ": 0x1234567A"},
+        {"1000H", hexadecimal},
+        {"$10", hexadecimal},
+        {"(8)-2", ""},
+        {"(8) + 2", ""},
+        {"(8) - 2", blank},
+        {"(8) * 2", blank},
+        {"(8) / 2", blank},
+        {"(8)\t% 2", blank},
+        {"((8)*(2)) * 2", blank},
+        {"(-1)", "a number has no sign"},
+        {"-1", "a number has no sign"},
+    };
+    for (const Row& row : rows) {
+        const Lines found =
+            checked("NEW_BUFFER @b FROM_VALUES {1} -changeStartAddressTo=" + row.value + "\n");
+        const bool isValue = found.empty() || found[0].find("syntax: ") == std::string::npos;
+        EXPECT_EQ(isValue, row.advice.empty()) << row.value;
+        if (!isValue) {
+            EXPECT_TRUE(found[0].ends_with(" (" + row.advice + ")")) << found[0];
+        }
     }
 }
 

@@ -35,4 +35,39 @@ TEST(SuggestionTest, FindsTheWordThatWasMeant) {
                   length == 64);
 }
 
+TEST(SuggestionTest, TheNearestIsNotTooFar) {
+    const std::string tooLong(65, 'x');
+    struct Row {
+        std::string word;
+        std::vector<std::string> known;
+        std::string meant;  ///< empty for none
+    };
+    const std::vector<Row> rows{
+        // Two edits, or one for three letters.
+        {"abcde", {"abxye"}, "abxye"},
+        {"abcde", {"axyze"}, ""},
+        {"abcdefgh", {"abxyzfgh"}, ""},
+        {"abcdefghi", {"abxyzfghi"}, "abxyzfghi"},
+        {"abcdefghi", {"abwxyzghi"}, ""},
+        {"ab", {"ba"}, "ba"},  // letters that are exchanged are one
+        {"abcdef", {"badcfe"}, ""},
+        {"ab", {"xy"}, ""},
+        {"abcd", {"abxx", "abcx", "abcy"}, "abcx"},
+        {"ABCD", {"xbcd", "abcd"}, "abcd"},
+        // Abbreviations of four letters or more, from the beginning of a part on.
+        {"Litt", {"LittleEndian"}, "LittleEndian"},
+        {"Lit", {"LittleEndian"}, ""},
+        {"stdd", {"Crc32_Standard"}, "Crc32_Standard"},
+        {"rc32", {"Crc32_Standard"}, ""},
+        {"stdx", {"Crc32_Standard"}, ""},
+        {"mdbs", {"CRC-16/MODBUS"}, "CRC-16/MODBUS"},
+        {"crc1", {"CRC-16/MODBUS"}, ""},
+        {"abcd", {"aXbXcXd", "abce"}, "abce"},
+        {"abcd", {"aXbXcXd", "abxy"}, "aXbXcXd"},
+        {std::string(64, 'x'), {tooLong}, ""},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(Strict::nearest(row.word, row.known).value_or(""), row.meant) << row.word;
+}
+
 }  // namespace
