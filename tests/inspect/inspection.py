@@ -132,6 +132,18 @@ class Inspection(unittest.TestCase):
                     self.assertEqual(symbols[symbol][0], int(address, 16))
             self.assertEqual((symbols["start"][1], symbols["settings"][1]), ("function", "data"))
             self.assertFalse([symbol for symbol in symbols if symbol.startswith("$")])
+            text = tessaron("info", "--symbols", str(folder / (name + ".elf")))
+            head, *rows = text[text.index("\n  symbol") + 1:].splitlines()
+            ends = [head.index("bytes") + len("bytes"), head.index("kind"), head.index("name")]
+            self.assertEqual(
+                [(row[2:14].strip(), row[14:ends[0]].strip(), row[ends[1]:ends[2]].strip(),
+                  row[ends[2]:]) for row in rows],
+                [(s["start"], "{:,}".format(s["length"]), s["kind"], s["name"])
+                 for s in sorted(info["symbols"], key=lambda s: int(s["start"], 16))])
+            for segment in info["segments"]:
+                first, size = int(segment["start"], 16), segment["length"]
+                self.assertRegex(text, "\n  segment   %s(?: to 0x%08X)?, %s bytes?\n" % (
+                    segment["start"], first + size - 1, "{:,}".format(size)))
         broken = pathlib.Path("broken.elf")
         broken.write_bytes((folder / "arm.elf").read_bytes()[:100])
         tessaron("info", str(broken), code=1)
@@ -194,7 +206,15 @@ class Inspection(unittest.TestCase):
                                              FAR - FLASH - 0x1000 - 70000)])
         lines = pathlib.Path("a.hex").read_text().split()
         data = [int(line[1:3], 16) for line in lines if line[7:9] == "00"]
-        self.assertEqual(info["records"]["data"], len(data))
+        types = [line[7:9] for line in lines]
+        self.assertEqual(info["records"], {
+            "data": len(data), "end of file": 1, "extended linear address": types.count("04"),
+            "start linear address": 1})
+        motorola, = json.loads(tessaron("info", "--json", "a.s19"))
+        types = [line[:2] for line in pathlib.Path("a.s19").read_text().split()]
+        self.assertEqual(motorola["records"], {
+            name: types.count(name[:2]) for name in ("S0 header", "S3 data", "S5 count", "S7 end", "S9 end")
+            if name[:2] in types})
         self.assertEqual(info["recordLengths"], {str(n): data.count(n) for n in sorted(set(data))})
         text = tessaron("info", "a.hex")
         other = tessaron("info", "a.s19")
@@ -228,6 +248,13 @@ class Inspection(unittest.TestCase):
         pathlib.Path("order.hex").write_text("# one\n\n" + text.replace("\r", " \n").lower())
         order, = json.loads(tessaron("info", "--json", "order.hex"))
         self.assertEqual([r["line"] for r in order["remarks"]], [1, 2, 3, 3])
+        text = tessaron("info", "order.hex")
+        for remark in order["remarks"]:
+            self.assertIn("\n  warning   line %(line)d: %(text)s [tolerated]\n" % remark, text)
+        pathlib.Path("cut.hex").write_text(":0100000001FE\n")
+        self.assertIn("\n  error     cut.hex has no end-of-file record; it may have been cut off "
+                      "[no-end]\n            if it is complete, --warn no-end lets it pass\n",
+                      tessaron("info", "cut.hex", code=1))
 
     def test_info_of_an_empty_file(self):
         for name, text in (("none.hex", ""), ("end.hex", ":00000001FF"), ("end.s19", "S9030000FC")):
@@ -295,6 +322,9 @@ class Inspection(unittest.TestCase):
                          [{**area(start + at, n), "left": old[at:at + n].hex().upper(),
                            "right": new[at:at + n].hex().upper()}
                           for at, n in [(0, 3), (0x20, 1), (0xFFFF, 2)]])
+        self.assertEqual(found["changedBytes"], 6)
+        self.assertEqual(found["left"], {"file": "a.hex", "format": "Intel HEX", "bytes": 71016,
+                                         "startAddress": "0x%08X" % (FLASH + 0x131)})
         self.assertEqual(found["onlyLeft"], [area(FLASH + 996, 4)])
         self.assertEqual(found["onlyRight"], [area(FAR + 0x1000, 3)])
         ignore = ["--ignore=%d,%d" % pair for pair in
@@ -315,6 +345,30 @@ class Inspection(unittest.TestCase):
                                           text=True, check=False).stdout)
         self.assertEqual(piped["changed"], found["changed"])
         self.assertEqual(piped["left"]["format"], "Intel HEX")
+
+    def test_diff_of_some_areas(self):
+        """Against a comparison byte by byte."""
+        source = random.Random(9)
+        for _ in range(20):
+            left = bytes(source.choices((0, 1), k=source.randrange(30, 50)))
+            right = bytes(source.choices((0, 1), k=source.randrange(30, 50)))
+            pathlib.Path("left.bin").write_bytes(left)
+            pathlib.Path("right.bin").write_bytes(right)
+            ignored = [(source.randrange(50), source.randrange(1, 7))
+                       for _ in range(source.randrange(6))]
+            outside = {at for start, size in ignored for at in range(start, start + size)}
+            places = {"changed": [at for at, (one, other) in enumerate(zip(left, right))
+                                  if one != other],
+                      "onlyLeft": range(len(right), len(left)),
+                      "onlyRight": range(len(left), len(right))}
+            wanted = {name: [at for at in found if at not in outside]
+                      for name, found in places.items()}
+            found = json.loads(tessaron(
+                "diff", "left.bin", "right.bin", "--json",
+                *["--ignore=%d,%d" % one for one in ignored], code=int(any(wanted.values()))))
+            for name, places in wanted.items():
+                self.assertEqual([int(entry["start"], 16) + at for entry in found[name]
+                                  for at in range(entry["length"])], places, (name, ignored))
 
     def test_dump(self):
         text = tessaron("diff", "a.hex", "b.s19", "--context", "0", code=1)

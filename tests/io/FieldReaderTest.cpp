@@ -123,6 +123,38 @@ TEST(FieldReadingTest, SaysHowManyDigitsARecordShouldHave) {
     }
 }
 
+// Wherever the digit is, and however many there are.
+TEST(FieldReadingTest, NotesEveryDigitInLowerCase) {
+    std::vector<std::string> records{"S50202FB"};
+    for (unsigned size = 1; size < 12; ++size) {
+        std::string digits;
+        unsigned sum = size + 0xCD + 0xEF;
+        for (unsigned i = 0; i < size; ++i, sum += 0xAB) digits += "AB";
+        std::array<char, 64> text{};
+        std::snprintf(text.data(), text.size(), ":%02XCDEF00%s%02X", size, digits.c_str(),
+                      -sum & 0xFFU);
+        records.emplace_back(text.data());
+    }
+    for (const std::string& record : records)
+        for (std::size_t at = 1; at <= record.size(); ++at) {
+            std::string line = record;
+            const bool isLetter = at < line.size() && line[at] >= 'A';
+            if (at < line.size() && !isLetter) continue;
+            if (isLetter) line[at] = static_cast<char>(line[at] - 'A' + 'a');
+            const bool isHex = line[0] == ':';
+            Collected<LinesTolerated> tolerated;
+            EXPECT_NE(openField(temporaryFile(isHex ? line + "\n:00000001FF\n"
+                                                    : "S104000001FA\nS104000101F9\n" + line +
+                                                          "\nS9030000FC\n")),
+                      nullptr)
+                << line;
+            ASSERT_EQ(tolerated.facts.size(), isLetter ? 1U : 0U) << line;
+            if (isLetter) {
+                EXPECT_EQ(tolerated.facts[0].tolerance, Tolerance::LowerCase) << line;
+            }
+        }
+}
+
 TEST(FieldReadingTest, RefusesDataBeyondTheAddressSpace) {
     const std::string page = ":02000004FFFFFC\n";
     const std::string run = ":04FFFB0001020304F8\n";
