@@ -51,7 +51,7 @@ const char* wordsFor(VariableFault fault) {
 
 const char* wordsFor(CrcParameter parameter) {
     constexpr std::array words{
-        "a width that is not 1 to 32 bits", "a polynomial of more bits than its width",
+        "a width that is not 1 to 64 bits", "a polynomial of more bits than its width",
         "an initial value of more bits than its width", "a final xor of more bits than its width"};
     return words.at(static_cast<std::size_t>(parameter));
 }

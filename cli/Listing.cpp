@@ -82,15 +82,19 @@ std::string crcs() {
                              std::string(entry.aliases)});
     std::vector<Row> types{{"name", "width", "check", "what it is"}};
     for (const ValueType& type : CmdNewCrc::types()) {
-        const auto value = type.compute(digits);
+        const auto value =
+            type.compute(std::span(digits).first(digits.size() - digits.size() % type.wordSize));
         types.push_back({type.keyword, std::to_string(value.size() * 8), Inspect::valueText(value),
                          type.meaning});
     }
     return "CRCs of the public catalogue, -setType=Catalogue{name}; check is the value over the "
            "nine characters 123456789:\n" +
            table(catalogue) + "\nTypes of the language, -setType=name; without one " +
-           CmdNewCrc::usualType().keyword + ":\n" + table(types) +
-           "\nAny other CRC of up to 32 bits:\n  -setType=Custom{width, poly, init, refin, refout, "
+           CmdNewCrc::usualType().keyword +
+           "; check is the value over the same characters, of a sum of words (WordSum) over the "
+           "first eight:\n" +
+           table(types) +
+           "\nAny other CRC of up to 64 bits:\n  -setType=Custom{width, poly, init, refin, refout, "
            "xorout}\n";
 }
 

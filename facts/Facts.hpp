@@ -303,6 +303,7 @@ struct WordIncomplete {
     std::string_view name;
     std::uint64_t length;    ///< of the data
     std::uint32_t wordSize;  ///< in bytes
+    bool isOfType = false;   ///< the words are those of the type, not those of the option
     bool operator==(const WordIncomplete&) const = default;
 };
 

@@ -1,5 +1,8 @@
 #include "inspect/CrcWords.hpp"
 
+#include <array>
+#include <cstddef>
+
 #include "util/Hex.hpp"
 
 namespace Inspect {
@@ -19,6 +22,11 @@ std::string crcText(const Util::Crc::CrcParameters& crc) {
            crcNumberText(crc.initial, crc.width) + ", refin " + flag(crc.isInputReflected) +
            ", refout " + flag(crc.isOutputReflected) + ", xorout " +
            crcNumberText(crc.finalXor, crc.width);
+}
+
+const char* alignmentWord(Util::Crc::CrcAlignment alignment) {
+    constexpr std::array words{"Right", "Left", "LeftWithOnes"};
+    return words.at(static_cast<std::size_t>(alignment));
 }
 
 Util::Crc::CrcNumber numberOf(std::span<const std::uint8_t> bytes) {

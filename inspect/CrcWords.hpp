@@ -16,6 +16,9 @@ std::string crcNumberText(Util::Crc::CrcNumber number, int width);
 /// their names in the public catalogue.
 std::string crcText(const Util::Crc::CrcParameters& crc);
 
+/// The word of the language for an alignment.
+const char* alignmentWord(Util::Crc::CrcAlignment alignment);
+
 /// The number that is kept least significant byte first in at most sixteen bytes.
 Util::Crc::CrcNumber numberOf(std::span<const std::uint8_t> bytes);
 

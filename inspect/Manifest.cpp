@@ -66,6 +66,8 @@ Json algorithmJson(const Algorithm& algorithm) {
     json["refin"] = crc.isInputReflected;
     json["refout"] = crc.isOutputReflected;
     json["xorout"] = crcNumberText(crc.finalXor, crc.width);
+    if (algorithm.alignment != Util::Crc::CrcAlignment::Right)
+        json["alignment"] = alignmentWord(algorithm.alignment);
     return json;
 }
 

@@ -377,6 +377,8 @@ std::string algorithmText(const ValueRecord& value) {
     std::string text = value.algorithm.name;
     if (!value.algorithm.meaning.empty()) text += ": " + value.algorithm.meaning;
     if (value.algorithm.crc) text += "; " + crcText(*value.algorithm.crc);
+    if (value.algorithm.alignment != Util::Crc::CrcAlignment::Right)
+        text += std::string(", alignment ") + alignmentWord(value.algorithm.alignment);
     if (value.wordSize != 1)
         text += "; the bytes of each word of " + std::to_string(value.wordSize) + " reversed";
     return text;

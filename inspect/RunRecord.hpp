@@ -59,6 +59,7 @@ struct Algorithm {
     std::string name;     ///< a name of the catalogue, a type of the language, or Custom
     std::string meaning;  ///< what the type computes, in words; empty if the name says it
     std::optional<Util::Crc::CrcParameters> crc;  ///< unless it is a sum or a hash
+    Util::Crc::CrcAlignment alignment = Util::Crc::CrcAlignment::Right;
 };
 
 /// A CRC or a hash.

@@ -30,9 +30,35 @@ ByteList dataLength(Crc::Bytes data) {
     return Crc::toByteList(static_cast<std::uint32_t>(data.size()));
 }
 
+/// A sum as it is, inverted or negated.
+enum class Complement : std::uint8_t { None, Ones, Twos };
+
+template <auto Sum, Crc::WordOrder Order, Complement Form = Complement::None>
+ByteList summed(Crc::Bytes data) {
+    auto sum = Sum(data, Order);
+    if (Form != Complement::None) sum = static_cast<decltype(sum)>(~sum);
+    if (Form == Complement::Twos) ++sum;
+    return Crc::toByteList(sum);
+}
+
+/// A sum of words in the byte order of the images.
+template <auto Sum, Complement Form = Complement::None>
+constexpr ValueType wordSum(const char* keyword, const char* trace, const char* meaning,
+                            std::uint32_t wordSize) {
+    using enum Crc::WordOrder;
+    return {keyword, trace,        &summed<Sum, LittleEndian, Form>,
+            meaning, std::nullopt, &summed<Sum, BigEndian, Form>,
+            wordSize};
+}
+
+template <auto Sum>
+ByteList summedBytes(Crc::Bytes data) {
+    return Crc::toByteList(Sum(data));
+}
+
 /// The parameter because of which there is no such CRC.
 std::optional<Facts::CrcParameter> faultOf(const Util::Crc::CrcParameters& crc) {
-    constexpr int widestCustom = 32;
+    constexpr int widestCustom = 64;
     using enum Facts::CrcParameter;
     if (crc.width < 1 || crc.width > widestCustom) return Width;
     if (!Util::Crc::fits(crc.polynomial, crc.width)) return Polynomial;
@@ -42,8 +68,8 @@ std::optional<Facts::CrcParameter> faultOf(const Util::Crc::CrcParameters& crc) 
 }
 
 /// The CRC that the six numbers of `CmdNewCrc::setCustomCrc` describe.
-Util::Crc::CrcParameters customCrc(std::span<const std::uint32_t> parameters) {
-    const std::uint32_t width = parameters[0];
+Util::Crc::CrcParameters customCrc(std::span<const std::uint64_t> parameters) {
+    const std::uint64_t width = parameters[0];
     return {width > INT_MAX ? 0 : static_cast<int>(width),
             parameters[1],
             parameters[2],
@@ -63,7 +89,7 @@ constexpr ValueType tolmen = polynomial<Crc::crcCrc32_Tolmen>(
     "Crc32_Tolmen", "SetCrc_Crc32_Tolmen -> ", "CRC-32/MPEG-2 that begins with 0",
     {32, 0x04C11DB7, 0, false, false, 0});
 
-constexpr std::array<ValueType, 17> crcTypes{{
+constexpr std::array<ValueType, 26> crcTypes{{
     {"Crc8_Standard", "SetCrc_Crc8_Standard -> ", &computed<Crc::crcCrc8_Standard>,
      "the sum of the bytes"},
     {"Crc8_OnesComplement", "SetCrc_Crc8_OnesComplement -> ",
@@ -101,6 +127,26 @@ constexpr std::array<ValueType, 17> crcTypes{{
     {"InterpretAsBigEndian", "SetCrc_InterpretAsBigEndian -> ", &interpreted<2>,
      "the bytes as a number, the first one highest"},
     {"DataLength", "SetCrc_DataLength -> ", &dataLength, "the number of the bytes"},
+    {"Adler32", "SetCrc_Adler32 -> ", &summedBytes<Crc::adler32>, "Adler-32, that of zlib"},
+    {"Fletcher16", "SetCrc_Fletcher16 -> ", &summedBytes<Crc::fletcher16>,
+     "Fletcher's checksum of the bytes, modulo 255"},
+    // An odd last byte belongs to its definition.
+    wordSum<Crc::fletcher32>("Fletcher32", "SetCrc_Fletcher32 -> ",
+                             "Fletcher's checksum of words of 2 bytes, modulo 65535", 1),
+    wordSum<Crc::wordSum16, Complement::Ones>(
+        "WordSum16_OnesComplement", "SetCrc_WordSum16_OnesComplement -> ",
+        "the one's complement of the sum of words of 2 bytes", 2),
+    wordSum<Crc::wordSum16, Complement::Twos>(
+        "WordSum16_TwosComplement", "SetCrc_WordSum16_TwosComplement -> ",
+        "the two's complement of the sum of words of 2 bytes", 2),
+    wordSum<Crc::wordSum16>("WordSum16", "SetCrc_WordSum16 -> ", "the sum of words of 2 bytes", 2),
+    wordSum<Crc::wordSum32, Complement::Ones>(
+        "WordSum32_OnesComplement", "SetCrc_WordSum32_OnesComplement -> ",
+        "the one's complement of the sum of words of 4 bytes", 4),
+    wordSum<Crc::wordSum32, Complement::Twos>(
+        "WordSum32_TwosComplement", "SetCrc_WordSum32_TwosComplement -> ",
+        "the two's complement of the sum of words of 4 bytes", 4),
+    wordSum<Crc::wordSum32>("WordSum32", "SetCrc_WordSum32 -> ", "the sum of words of 4 bytes", 4),
 }};
 
 }  // namespace
@@ -116,19 +162,21 @@ const ValueType& CmdNewCrc::usualType() {
 }
 
 void CmdNewCrc::setCatalogueCrc(const Util::Crc::CatalogueEntry& entry) {
-    setCompute({entry.name, "", entry.parameters},
-               [&entry](Crc::Bytes data) { return computeCrc(entry.parameters, data); });
+    setCompute({entry.name, "", entry.parameters}, [&entry](Crc::Bytes data, Buffer::ByteOrder) {
+        return computeCrc(entry.parameters, data);
+    });
 }
 
-void CmdNewCrc::setCustomCrc(const std::vector<std::uint32_t>& parameters) {
+void CmdNewCrc::setCustomCrc(std::span<const std::uint64_t> parameters) {
     const Util::Crc::CrcParameters crc = customCrc(parameters);
-    setCompute({"Custom", "", crc}, [this, crc](Crc::Bytes data) -> std::optional<ByteList> {
-        if (const auto fault = faultOf(crc)) {
-            Facts::report(Facts::CrcParameterRefused{name(), *fault});
-            return std::nullopt;
-        }
-        return computeCrc(crc, data);
-    });
+    setCompute({"Custom", "", crc},
+               [this, crc](Crc::Bytes data, Buffer::ByteOrder) -> std::optional<ByteList> {
+                   if (const auto fault = faultOf(crc)) {
+                       Facts::report(Facts::CrcParameterRefused{name(), *fault});
+                       return std::nullopt;
+                   }
+                   return computeCrc(crc, data);
+               });
 }
 
 }  // namespace Parser::WrapperLib

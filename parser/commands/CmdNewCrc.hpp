@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <span>
-#include <vector>
 
 #include "parser/commands/CmdNewValue.hpp"
 #include "util/crc/CrcParameters.hpp"
@@ -24,12 +23,12 @@ public:
     /// Computes a CRC of the catalogue.
     void setCatalogueCrc(const Util::Crc::CatalogueEntry& entry);
 
-    /// Computes a CRC of up to 32 bits. Parameters that describe none are refused when the
+    /// Computes a CRC of up to 64 bits. Parameters that describe none are refused when the
     /// statement runs.
     ///
     /// @param parameters  width, polynomial, initial value, 1 or 0 for a reflected input and a
     ///                    reflected output, final xor
-    void setCustomCrc(const std::vector<std::uint32_t>& parameters);
+    void setCustomCrc(std::span<const std::uint64_t> parameters);
 
     std::uint32_t getCmdType() const override { return number(CmdType::NewCrc); }
 };

@@ -285,21 +285,11 @@ bool CmdWriteFile::isPossible() const {
     return true;
 }
 
-/// The byte order of words is that of the first image that has one.
-bool CmdWriteFile::isLittleEndian(const CmdContext& context) const {
-    for (const std::string& name : bufferNames_) {
-        const auto image = context.buffers.find(name);
-        if (image == context.buffers.end()) continue;
-        const Buffer::ByteOrder order = image->second.getByteOrder();
-        if (order != Buffer::ByteOrder::NotSet) return order == Buffer::ByteOrder::LittleEndian;
-    }
-    return false;
-}
-
 bool CmdWriteFile::write(CmdContext& context) const {
     if (!isPossible()) return false;
     OutputStyles styles = styles_;
-    styles.vmemStyle.isLittleEndian = isLittleEndian(context);
+    styles.vmemStyle.isLittleEndian =
+        byteOrderOf(context, bufferNames_) == Buffer::ByteOrder::LittleEndian;
     const auto writer = makeWriter(styles);
     Layers layers;
     if (!layImages(context, layers)) return false;

@@ -130,7 +130,6 @@ private:
     bool write(CmdContext& context) const;
     bool isPossible() const;
     std::unique_ptr<Io::Export::TessaronExportApi> makeWriter(const OutputStyles& styles) const;
-    bool isLittleEndian(const CmdContext& context) const;
 
     /// Fills `layers` with the images in the order in which they are written. False after a report.
     bool layImages(CmdContext& context, Layers& layers) const;

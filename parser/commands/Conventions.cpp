@@ -59,6 +59,16 @@ Buffer::MemoryBuffer* findBuffer(CmdContext& context, const std::string& name) {
     return findOrReport(context.buffers, name, Facts::NameKind::Buffer);
 }
 
+Buffer::ByteOrder byteOrderOf(const CmdContext& context, const std::vector<std::string>& names) {
+    for (const std::string& name : names) {
+        const auto image = context.buffers.find(name);
+        if (image == context.buffers.end()) continue;
+        const Buffer::ByteOrder order = image->second.getByteOrder();
+        if (order != Buffer::ByteOrder::NotSet) return order;
+    }
+    return Buffer::ByteOrder::NotSet;
+}
+
 const ByteList* findCrc(const CmdContext& context, const std::string& name) {
     return findOrReport(context.crcs, name, Facts::NameKind::Crc);
 }

@@ -18,6 +18,9 @@ namespace Parser::WrapperLib {
 /// The named image, or nullptr after a report.
 Buffer::MemoryBuffer* findBuffer(CmdContext& context, const std::string& name);
 
+/// The byte order of the first of the named images that has one; `NotSet` if none has.
+Buffer::ByteOrder byteOrderOf(const CmdContext& context, const std::vector<std::string>& names);
+
 /// The named CRC, or nullptr after a report.
 const ByteList* findCrc(const CmdContext& context, const std::string& name);
 

@@ -1,6 +1,11 @@
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string_view>
+#include <system_error>
+#include <vector>
 
 #include "parser/commands/CmdNewCrc.hpp"
 #include "parser/commands/CmdNewHash.hpp"
@@ -41,7 +46,7 @@ struct NewValueRules : StatementRules {
         source = rules.ws >>
                  buffersSource(rules, on, "AddFromBuffer -> ", &CmdNewValue::addFromBuffer) >>
                  rules.ws;
-        options = *(ownAreasOption | typeOption | wordSizeOption);
+        options = *(ownAreasOption | typeOption | wordSizeOption | alignmentOption);
         ownAreasOption = areasOption(rules, on);
         typeOption =
             rules.keyword("-setType") >> rules.equals >> (namedType | describedType) >> rules.ws;
@@ -60,7 +65,8 @@ struct NewValueRules : StatementRules {
     }
 
     Rule source, options, ownAreasOption, typeOption, namedType, wordSizeOption;
-    Rule describedType;               ///< without a definition it never matches
+    // Without a definition they never match.
+    Rule describedType, alignmentOption;
     const ValueType* type = nullptr;  ///< the row of the keyword that was read last
 };
 
@@ -93,6 +99,35 @@ private:
     Expectations* const* expectations_;
 };
 
+/// A hexadecimal number of more than 32 and up to 64 bits. The numbers of the language have 32, so
+/// this is one of them at no other place, and no expression.
+class WideNumber : public Spirit::parser<WideNumber> {
+public:
+    /// @param number  set to the number of the last match
+    explicit WideNumber(std::uint64_t& number) : number_(&number) {}
+
+    template <class ScannerT>
+    typename Spirit::parser_result<WideNumber, ScannerT>::type parse(const ScannerT& scan) const {
+        constexpr int base = 16;
+        constexpr std::uint64_t narrowest = std::uint64_t{1} << 32U;
+        const Position first = scan.first;
+        const std::string_view rest(first, static_cast<std::size_t>(scan.last - first));
+        const std::size_t digits = std::min(rest.find_first_not_of('0'), rest.size()) + 1;
+        if (digits > rest.size() || (rest[digits - 1] != 'x' && rest[digits - 1] != 'X'))
+            return scan.no_match();
+        std::uint64_t value = 0;
+        const auto [end, error] = std::from_chars(first + digits, first + rest.size(), value, base);
+        if (error != std::errc() || value < narrowest) return scan.no_match();
+        *number_ = value;
+        scan.first = end;
+        return scan.create_match(static_cast<std::size_t>(end - first), Spirit::nil_t(), first,
+                                 end);
+    }
+
+private:
+    std::uint64_t* number_;
+};
+
 /// The types of NEW_CRC with an argument: Catalogue{name}, and Custom{width, polynomial, initial
 /// value, true or false for a reflected input, the same for the output, final xor}.
 struct NewCrcRules final : NewValueRules<CmdNewCrc> {
@@ -102,24 +137,45 @@ struct NewCrcRules final : NewValueRules<CmdNewCrc> {
         const auto setEntry = [this](CmdNewCrc& statement, std::string_view /*name*/) {
             statement.setCatalogueCrc(*entry);
         };
-        const auto collect = [&state](std::uint32_t value) {
-            return [&state, value](Position, Position) { state.statement.collectValue(value); };
+        const auto collect = [this](std::uint64_t value) {
+            return [this, value](Position, Position) { parameters.push_back(value); };
+        };
+        const auto setCustom = [this](CmdNewCrc& statement, std::string_view /*text*/) {
+            statement.setCustomCrc(parameters);
         };
         describedType =
             (rules.keyword("Catalogue") >> rules.openBrace >>
              CatalogueName(entry, rules)[on.with("SetCrc_Catalogue -> ", Role::Type, setEntry)] >>
              rules.closeBrace) |
-            (rules.keyword("Custom") >> rules.openBrace >> number >> number >> number >> flag >>
-             flag >> rules.listedValue >>
-             rules
-                 .closeBrace)[on.values("SetCrc_Custom -> ", Role::Type, &CmdNewCrc::setCustomCrc)];
-        number = rules.listedValue >> rules.separator;
+            (rules.keyword("Custom")[([this](Position, Position) { parameters.clear(); })] >>
+             rules.openBrace >> number >> number >> number >> flag >> flag >> anyNumber >>
+             rules.closeBrace)[on.with("SetCrc_Custom -> ", Role::Type, setCustom)];
+        anyNumber = WideNumber(wide)[([this](Position, Position) { parameters.push_back(wide); })] |
+                    rules.notedValue[([this, &state](Position, Position) {
+                        parameters.push_back(state.expression.currentValue());
+                    })];
+        number = anyNumber >> rules.separator;
         flag = (rules.keyword("true")[collect(1)] | rules.keyword("false")[collect(0)]) >>
                rules.separator;
+        using Util::Crc::CrcAlignment;
+        const auto alignment = [&](const char* word, const char* trace, CrcAlignment value) {
+            const auto set = [value](CmdNewCrc& statement, std::string_view /*word*/) {
+                statement.setAlignment(value);
+            };
+            return rules.keyword(word)[on.with(trace, Role::Option, set)];
+        };
+        alignmentOption = rules.keyword("-setAlignment") >> rules.equals >>
+                          (alignment("LeftWithOnes", "SetAlignment_LeftWithOnes -> ",
+                                     CrcAlignment::LeftWithOnes) |
+                           alignment("Left", "SetAlignment_Left -> ", CrcAlignment::Left) |
+                           alignment("Right", "SetAlignment_Right -> ", CrcAlignment::Right)) >>
+                          rules.ws;
     }
 
-    Rule number, flag;
+    Rule anyNumber, number, flag;
     const CatalogueEntry* entry = nullptr;  ///< the CRC whose name was read last
+    std::uint64_t wide = 0;                 ///< the number of more than 32 bits that was read last
+    std::vector<std::uint64_t> parameters;  ///< of the Custom that is being read
 };
 
 }  // namespace

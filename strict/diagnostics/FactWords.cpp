@@ -226,7 +226,7 @@ Words words(const StatementExhausted& /*f*/, const Circumstances& /*c*/) {
 Words words(const CrcParameterRefused& f, const Circumstances& /*c*/) {
     constexpr std::array names{"", "polynomial", "initial value", "final xor"};
     if (f.parameter == CrcParameter::Width)
-        return {{Kind::CrcParameter, "the width is not 1 to 32 bits", {Role::Type}}};
+        return {{Kind::CrcParameter, "the width is not 1 to 64 bits", {Role::Type}}};
     return {{Kind::CrcParameter,
              std::string("the ") + names.at(static_cast<std::size_t>(f.parameter)) +
                  " has more bits than the width",
@@ -237,7 +237,7 @@ Words words(const WordIncomplete& f, const Circumstances& /*c*/) {
     return {{Kind::WordSize,
              "the data has " + std::to_string(f.length) + " bytes, which is not a multiple of " +
                  std::to_string(f.wordSize),
-             {Role::WordSize}}};
+             {f.isOfType ? Role::Type : Role::WordSize}}};
 }
 
 Words words(const FileNotOpened& f, const Circumstances& c) {

@@ -182,8 +182,9 @@ private:
         entry.kind = isCrc ? "crc" : "hash";
         Util::appendHex(entry.bytes, value->second);
         entry.line = lineOf(statement);
-        const auto& [algorithm, meaning, parameters] = command.algorithm();
-        entry.algorithm = {std::string(algorithm), std::string(meaning), parameters};
+        const auto& algorithm = command.algorithm();
+        entry.algorithm = {std::string(algorithm.name), std::string(algorithm.meaning),
+                           algorithm.parameters, command.alignment()};
         entry.sources = sourcesOf(statement);
         entry.wordSize = command.wordSize();
         record_.values.push_back(std::move(entry));

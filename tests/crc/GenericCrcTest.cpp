@@ -41,6 +41,14 @@ const std::map<std::string, Calculation>& calculations() {
         {"Crc32_Tolmen", &computed<crcCrc32_Tolmen>},
         {"Crc32_Vector_AUTOSAR", &computed<crcCrc32_Vector_AUTOSAR>},
         {"Crc32_Ethernet_Mpeg2", &computed<crcCrc32_Ethernet_Mpeg2>},
+        {"Adler32", [](Bytes data) { return toByteList(adler32(data)); }},
+        {"Fletcher16", [](Bytes data) { return toByteList(fletcher16(data)); }},
+        {"Fletcher32",
+         [](Bytes data) { return toByteList(fletcher32(data, WordOrder::LittleEndian)); }},
+        {"WordSum16",
+         [](Bytes data) { return toByteList(wordSum16(data, WordOrder::LittleEndian)); }},
+        {"WordSum32",
+         [](Bytes data) { return toByteList(wordSum32(data, WordOrder::LittleEndian)); }},
         {"InterpretAsLittleEndian", [](Bytes data) { return interpretBytes(data, 1); }},
         {"InterpretAsBigEndian", [](Bytes data) { return interpretBytes(data, 2); }},
     };
@@ -96,14 +104,14 @@ TEST_P(CrcVectors, Agree) {
     }
 }
 
-std::vector<Vector> vectorsOfBothKinds() {
-    std::vector<Vector> vectors = Tests::loadVectors("Crc");
-    const std::vector<Vector> readings = Tests::loadVectors("Interpret");
-    vectors.insert(vectors.end(), readings.begin(), readings.end());
+std::vector<Vector> vectorsOfAllKinds() {
+    std::vector<Vector> vectors;
+    for (const char* const kind : {"Crc", "Interpret", "Adler", "Fletcher", "WordSum"})
+        for (Vector& vector : Tests::loadVectors(kind)) vectors.push_back(std::move(vector));
     return vectors;
 }
 
-INSTANTIATE_TEST_SUITE_P(File, CrcVectors, testing::ValuesIn(vectorsOfBothKinds()),
+INSTANTIATE_TEST_SUITE_P(File, CrcVectors, testing::ValuesIn(vectorsOfAllKinds()),
                          Tests::keywordAndLine);
 
 TEST(GenericCrcTest, SumsOfBigEndianWordsIgnoreInputOfOddLength) {

@@ -13,7 +13,7 @@ import tempfile
 
 CRC = re.compile(r"    (Crc\w+) +(\d+) ([0-9A-F]+) +([0-9A-F]+) +(true|false) +(true|false) +"
                  r"([0-9A-F]+) +([0-9A-F]+) +([0-9A-F]+)$")
-SUM = re.compile(r"    (Crc\w+) +(\d+) [a-z].*? +([0-9A-F]+) +([0-9A-F]+)$")
+SUM = re.compile(r"    ((?:Crc|WordSum|Adler|Fletcher)\w+) +(\d+) [a-z].*? +([0-9A-F]+) +([0-9A-F]+)$")
 HASH = re.compile(r"    (Hash_\w+) +(\d+)   (?:([0-9A-F]{16}) | {16})")
 CATALOGUE = pathlib.Path(__file__).resolve().parents[2] / "util/crc/catalogue.tsv"
 HASHLIB = {"Md5": "md5", "Sha1": "sha1", "Sha2": "sha", "Sha3": "sha3_"}
@@ -62,6 +62,10 @@ def values(program, kind, text, names):
             re.findall(r"^(?:Crc|Hash) : (\w+)\n  \w+Value: (?:0x)?(\w*)$", printed, re.M)}
 
 
+def takes_words(name):
+    return name.endswith("_BE") or name.startswith("WordSum")
+
+
 def check_crcs(program, manual):
     rows, sums = rows_of(CRC, manual), rows_of(SUM, manual)
     names = list(rows) + list(sums)
@@ -70,7 +74,7 @@ def check_crcs(program, manual):
     empty = values(program, "CRC", "", names)
     for name in names:
         row = rows.get(name, sums.get(name))
-        width, checked = int(row[0]), even if name.endswith("_BE") else text
+        width, checked = int(row[0]), even if takes_words(name) else text
         for column, computed in ((row[-2], checked[name]), (row[-1], empty[name])):
             if "%0*X" % (width // 4, int.from_bytes(computed, "little")) != column:
                 yield "%s: the program gives %s, not %s" % (name, computed.hex(), column)
@@ -116,7 +120,7 @@ def check_hashes(program, manual):
 def check_types(list_keywords, manual):
     """Every type of NEW_CRC and NEW_HASH has a row; the types without a width are in a text."""
     output = subprocess.run([list_keywords], stdout=subprocess.PIPE, check=True, text=True).stdout
-    types = set(re.findall(r"^(?:Crc\d|Hash_)\S+$", output, re.MULTILINE))
+    types = set(re.findall(r"^(?:Crc\d|WordSum|Adler|Fletcher|Hash_)\S+$", output, re.MULTILINE))
     listed = set().union(*(rows_of(row, manual) for row in (CRC, SUM, HASH)))
     yield from ("%s is a type or has a row, but not both" % name for name in sorted(types ^ listed))
     if len(types) < 30:

@@ -69,6 +69,16 @@ TEST(MeaningTest, AValueFitsItsArea) {
             {"NEW_CRC @d FROM_BUFFER @app -useAreas={{9, 9}} -setType=Custom{12, 5, 0, true, true, "
              "0}\n"
              "FILL_BUFFER @app WITH_CRC @d -useAreas={{0, 2}}",
+             {}},
+            {"NEW_CRC @d FROM_BUFFER @app -useAreas={{8, 9}} -setType=Custom{33, 5, 0, true, true, "
+             "0x1FFFFFFFF}\n"
+             "FILL_BUFFER @app WITH_CRC @d -useAreas={{0, 5}}",
+             {}},
+            {"NEW_CRC @d FROM_BUFFER @app -useAreas={{8, 8}} -setType=WordSum16\n"
+             "FILL_BUFFER @app WITH_CRC @d -useAreas={{0, 4}}",
+             {"5:41 value-size"}},
+            {"NEW_CRC @d FROM_BUFFER @app -useAreas={{8, 8}} -setType=WordSum32_TwosComplement\n"
+             "FILL_BUFFER @app WITH_CRC @d -useAreas={{0, 4}}",
              {}}},
            app +
                "NEW_CRC @crc FROM_BUFFER @app -useAreas={{64, 64}}\n"

@@ -158,7 +158,7 @@ std::vector<FactRow> imageRows() {
         {StatementExhausted{Subject::Crc, "@c", Work::Created},
          {{Kind::OutOfMemory, "there is not enough memory for this statement", {}}}},
         {CrcParameterRefused{"@c", CrcParameter::Width},
-         {{Kind::CrcParameter, "the width is not 1 to 32 bits", {Role::Type}}}},
+         {{Kind::CrcParameter, "the width is not 1 to 64 bits", {Role::Type}}}},
         {CrcParameterRefused{"@c", CrcParameter::Polynomial},
          {{Kind::CrcParameter, "the polynomial has more bits than the width", {Role::Type}}}},
         {CrcParameterRefused{"@c", CrcParameter::Initial},

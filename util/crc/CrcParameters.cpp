@@ -101,6 +101,19 @@ ByteList computeCrc(const CrcParameters& parameters, Bytes data) {
     return bytes;
 }
 
+ByteList aligned(const ByteList& crc, int width, CrcAlignment alignment) {
+    const int spareBits = static_cast<int>(crc.size()) * CHAR_BIT - width;
+    if (alignment == CrcAlignment::Right || spareBits == 0) return crc;
+    ByteList moved;
+    unsigned carry = alignment == CrcAlignment::LeftWithOnes ? (1U << spareBits) - 1 : 0;
+    for (const std::uint8_t byte : crc) {
+        const unsigned bits = static_cast<unsigned>(byte) << spareBits | carry;
+        moved.push_back(static_cast<std::uint8_t>(bits));
+        carry = bits >> CHAR_BIT;
+    }
+    return moved;
+}
+
 std::vector<std::string_view> aliasesOf(const CatalogueEntry& entry) {
     constexpr std::string_view separator = ", ";
     std::vector<std::string_view> names;

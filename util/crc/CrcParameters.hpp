@@ -38,6 +38,16 @@ constexpr bool fits(CrcNumber value, int width) {
 /// @param parameters  the width is in its range, and no other parameter has a bit beyond it
 ByteList computeCrc(const CrcParameters& parameters, std::span<const std::uint8_t> data);
 
+/// Where the bits of a CRC lie in its bytes if its width is not a multiple of 8.
+enum class CrcAlignment : std::uint8_t {
+    Right,        ///< the spare bits are the highest ones, and 0
+    Left,         ///< the spare bits are the lowest ones, and 0
+    LeftWithOnes  ///< the spare bits are the lowest ones, and 1
+};
+
+/// A CRC of `width` bits, as `computeCrc` returns it, in another alignment.
+ByteList aligned(const ByteList& crc, int width, CrcAlignment alignment);
+
 /// A CRC of the public catalogue.
 struct CatalogueEntry {
     std::string_view name;

@@ -1,5 +1,7 @@
 #include "util/crc/GenericCrc.hpp"
 
+#include <algorithm>
+#include <array>
 #include <numeric>
 
 #include "util/crc/CrcFolding.hpp"
@@ -33,6 +35,67 @@ std::uint16_t wordSum(Bytes data, std::uint16_t start) {
     for (std::size_t i = 0; i < data.size(); i += 2)
         sum = static_cast<std::uint16_t>(sum + (data[i] << 8) + data[i + 1]);
     return sum;
+}
+
+/// The word whose bytes begin at `bytes`.
+template <class Word, WordOrder Order>
+Word wordAt(const std::uint8_t* bytes) {
+    Word word = 0;
+    for (std::size_t i = 0; i < sizeof(Word); ++i) {
+        const std::size_t place = Order == WordOrder::LittleEndian ? i : sizeof(Word) - 1 - i;
+        word = static_cast<Word>(word | static_cast<Word>(Word{bytes[i]} << (CHAR_BIT * place)));
+    }
+    return word;
+}
+
+/// Hands `take` the words of `data`, an incomplete last one filled up with bytes of 0.
+template <class Word, WordOrder Order, class Take>
+void forWords(Bytes data, Take take) {
+    const std::size_t whole = data.size() - data.size() % sizeof(Word);
+    for (std::size_t i = 0; i < whole; i += sizeof(Word)) take(wordAt<Word, Order>(&data[i]));
+    if (whole == data.size()) return;
+    std::array<std::uint8_t, sizeof(Word)> last{};
+    std::ranges::copy(data.subspan(whole), last.begin());
+    take(wordAt<Word, Order>(last.data()));
+}
+
+template <class Word, WordOrder Order>
+Word sumOfWords(Bytes data) {
+    Word sum = 0;
+    forWords<Word, Order>(data, [&sum](Word word) { sum = static_cast<Word>(sum + word); });
+    return sum;
+}
+
+/// The two sums of Adler's and Fletcher's checksums.
+struct RunningSums {
+    std::uint32_t ofData;
+    std::uint32_t ofSums;
+};
+
+/// Words of `Word` bits after which sums that began below `modulus` may pass 32 bits: the second
+/// one grows with the square of their number.
+template <class Word>
+constexpr std::size_t longestRun(std::uint64_t modulus) {
+    constexpr std::uint64_t highest = 0xFFFFFFFF;
+    constexpr std::uint64_t word = static_cast<Word>(~Word{0});
+    std::uint64_t count = 0;
+    while ((modulus - 1) * (count + 2) + word * (count + 1) * (count + 2) / 2 <= highest) ++count;
+    return static_cast<std::size_t>(count);
+}
+
+template <std::uint32_t Modulus, class Word, WordOrder Order>
+RunningSums runningSums(Bytes data, RunningSums sums) {
+    constexpr std::size_t run = longestRun<Word>(Modulus) * sizeof(Word);
+    while (!data.empty()) {
+        const Bytes part = data.first(std::min(run, data.size()));
+        forWords<Word, Order>(part, [&sums](Word word) {
+            sums.ofData += word;
+            sums.ofSums += sums.ofData;
+        });
+        sums = {sums.ofData % Modulus, sums.ofSums % Modulus};
+        data = data.subspan(part.size());
+    }
+    return sums;
 }
 
 template <const auto& table, class Word>
@@ -111,6 +174,41 @@ std::uint32_t crc32Forward(Bytes data, std::uint32_t seed) {
 
 std::uint32_t crc32Reflected(Bytes data, std::uint32_t seed) {
     return onesComplement(updateByReflectedTable<crc32ReflectedTable>(seed, data));
+}
+
+std::uint16_t wordSum16(Bytes data, WordOrder order) {
+    return order == WordOrder::LittleEndian
+               ? sumOfWords<std::uint16_t, WordOrder::LittleEndian>(data)
+               : sumOfWords<std::uint16_t, WordOrder::BigEndian>(data);
+}
+
+std::uint32_t wordSum32(Bytes data, WordOrder order) {
+    return order == WordOrder::LittleEndian
+               ? sumOfWords<std::uint32_t, WordOrder::LittleEndian>(data)
+               : sumOfWords<std::uint32_t, WordOrder::BigEndian>(data);
+}
+
+std::uint32_t adler32(Bytes data) {
+    constexpr std::uint32_t modulus = 65521;
+    const RunningSums sums =
+        runningSums<modulus, std::uint8_t, WordOrder::LittleEndian>(data, {1, 0});
+    return sums.ofSums << 16U | sums.ofData;
+}
+
+std::uint16_t fletcher16(Bytes data) {
+    constexpr std::uint32_t modulus = 255;
+    const RunningSums sums =
+        runningSums<modulus, std::uint8_t, WordOrder::LittleEndian>(data, {0, 0});
+    return static_cast<std::uint16_t>(sums.ofSums << 8U | sums.ofData);
+}
+
+std::uint32_t fletcher32(Bytes data, WordOrder order) {
+    constexpr std::uint32_t modulus = 65535;
+    const RunningSums sums =
+        order == WordOrder::LittleEndian
+            ? runningSums<modulus, std::uint16_t, WordOrder::LittleEndian>(data, {0, 0})
+            : runningSums<modulus, std::uint16_t, WordOrder::BigEndian>(data, {0, 0});
+    return sums.ofSums << 16U | sums.ofData;
 }
 
 ByteList interpretBytes(Bytes data, int order) {

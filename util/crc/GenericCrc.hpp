@@ -8,8 +8,8 @@
 
 #include "util/crc/ByteList.hpp"
 
-/// The fixed catalogue of checksums: seven polynomial CRCs, seven sums and two interpretations of
-/// bytes as a number. No function fails: every input, even an empty one, has a defined value. Bytes
+/// The fixed catalogue of checksums: seven polynomial CRCs, sums, and two interpretations of bytes
+/// as a number. No function fails: every input, even an empty one, has a defined value. Bytes
 /// are processed from first to last. CRC names in the comments are those of the public CRC
 /// catalogue.
 namespace Util::Crc::GenericCrc {
@@ -51,6 +51,25 @@ std::uint32_t crc32Forward(Bytes data, std::uint32_t seed);
 
 /// Polynomial 0x04C11DB7, reflected, final xor 0xFFFFFFFF; with seed 0xFFFFFFFF CRC-32/ISO-HDLC.
 std::uint32_t crc32Reflected(Bytes data, std::uint32_t seed);
+
+/// The order of the bytes of a word in a memory.
+enum class WordOrder : std::uint8_t { LittleEndian, BigEndian };
+
+/// The sum of words as wide as the result, wrapping at that width. An incomplete last word is
+/// filled up with bytes of 0.
+std::uint16_t wordSum16(Bytes data, WordOrder order);
+std::uint32_t wordSum32(Bytes data, WordOrder order);
+
+/// Adler-32 (RFC 1950, section 8.2).
+std::uint32_t adler32(Bytes data);
+
+/// The checksum of J. Fletcher, "An Arithmetic Checksum for Serial Transmissions", IEEE
+/// Transactions on Communications, 1982, with both sums beginning at 0: that of the bytes modulo
+/// 255 in the low half, and that of its intermediate values in the high half.
+std::uint16_t fletcher16(Bytes data);
+
+/// The same over words of 16 bits, modulo 65535. An odd last byte is filled up with a byte of 0.
+std::uint32_t fletcher32(Bytes data, WordOrder order);
 
 /// The bytes interpreted as a 32-bit number, least significant byte first in the result.
 ///

@@ -92,6 +92,8 @@ syntax match tessaronConstant /\v<%(RawBinary|TiTxt|DfuSe|Uf2_\k+|Uf2|%(IntelHex
 syntax match tessaronConstant /\v<%(Crc8_Standard|Crc8_OnesComplement|Crc8_TwosComplement|Crc8_Eeprom)/
 syntax match tessaronConstant /\v<%(Crc16_Standard|Crc16_OnesComplement_BE|Crc16_TwosComplement_BE|Crc16_Legacy_Karst_Brae|Crc16_Ccitt|Crc16_ibm_sdlc)/
 syntax match tessaronConstant /\v<%(Crc32_Standard|Crc32_Tolmen|Crc32_Ethernet_Mpeg2|Crc32_Vector_AUTOSAR)/
+syntax match tessaronConstant /\v<%(Adler32|Fletcher16|Fletcher32|WordSum16_OnesComplement|WordSum16_TwosComplement|WordSum16|WordSum32_OnesComplement|WordSum32_TwosComplement|WordSum32)/
+syntax match tessaronConstant /\v%(<-setAlignment\s*\=\s*)@<=%(LeftWithOnes|Left|Right)/
 syntax match tessaronConstant /\v<%(DataLength|Custom|true|false)/
 syntax match tessaronConstant /\v<Catalogue/ nextgroup=tessaronCatalogue skipwhite
 syntax match tessaronConstant /\v<%(Hash_Md2|Hash_Md4|Hash_Md5|Hash_Md6|Hash_Gost_256|Hash_Sha1|Hash_Shake)/
@@ -102,7 +104,7 @@ syntax match tessaronConstant /\v<%(Hash_Sha3_224|Hash_Sha3_256|Hash_Sha3_384|Ha
 " Options.
 syntax match tessaronSection /\.\?\k\+/ contained
 syntax match tessaronSectionEquals /=/ contained nextgroup=tessaronSection skipwhite skipempty
-syntax match tessaronOption /\v<%(-changeStartAddressTo|-setByteOrder|-setType|-setFormat|-skipUnwritten|-onOverlap|-useWordSize|-setVendorId|-setProductId)/
+syntax match tessaronOption /\v<%(-changeStartAddressTo|-setByteOrder|-setType|-setFormat|-skipUnwritten|-onOverlap|-useWordSize|-setAlignment|-setVendorId|-setProductId)/
 syntax match tessaronOption /\v<%(-setExecutionAddress|-setArrayName)/
       \ nextgroup=tessaronSectionEquals skipwhite skipempty
 syntax match tessaronOption /\v<%(-useAreas|-useBufferRange)/
