@@ -168,6 +168,14 @@ class Inspection(unittest.TestCase):
             return tessaron(*arguments, code=code).strip() or complaint(*arguments)
         self.assertEqual(value(elf.replace(b"\0settings\0", b"\0ns::item\0"), "ns::item"),
                          "0x00020000")
+        stripped = bytearray(elf)
+        struct.pack_into("<I", stripped, head + size * sections.index(table) + 4, 0)
+        self.assertIn("was it stripped?", value(stripped, "settings", code=1))
+        # Whatever the name of the file is, and one that does not exist ends at the first colon.
+        shutil.copy(DATA / "elf" / "arm.elf", "a:b.elf")
+        for path, code, said in (("a:b.elf", 0, "0x00020000\n"), ("x:b.elf", 1, "cannot open x: ")):
+            arguments = ("run", "value.tsn", "--symbol=VALUE=" + path + ":settings")
+            self.assertIn(said, tessaron(*arguments, code=code) or complaint(*arguments))
         twice = elf.replace(b"\0counters\0", b"\0settings\0")
         self.assertIn("several symbols settings", value(twice, "settings", code=1))
         twice[symbols["counters"] + 12] &= 0x0F  # STB_LOCAL
