@@ -438,10 +438,22 @@ class Inspection(unittest.TestCase):
         self.assertEqual([x - data[0][0] for x, _ in data], [0, 722])
         self.assertEqual([width for _, width in data], [277, 278])
 
+    def test_cuts_of_a_map(self):
+        """A gap of 64 KiB cuts a map, unless it is shorter than the data, or one of many."""
+        for areas, panels in (
+                ([(0, 9), (9 + 0x10000, 9)], 2), ([(0, 9), (9 + 0xFFFF, 9)], 1),
+                ([(0, 0x8000), (0x18000, 0x8000)], 2), ([(0, 0x8000), (0x18000, 0x8001)], 1),
+                ([(i * 0x10001, 1) for i in range(8)], 8),
+                ([(i * 0x10001, 1) for i in range(9)], 1)):
+            write("cut.hex", {at: bytes(size) for at, size in areas})
+            bars = [row for row in tessaron("map", "cut.hex", "--ascii").splitlines() if "|" in row]
+            self.assertEqual(len(bars), panels, areas)
+
     def test_picture(self):
         """What a picture shows is within it and beside what else it shows."""
-        write("low.hex", {0x1000: bytes(100), 0x1000 + 260: bytes(100)})
-        write("a-name-of-more-than-26-characters.hex", {0x1000 + 50: bytes(60), 0x5000000: b"12345"})
+        start = 0x1008
+        write("low.hex", {start: bytes(100), start + 260: bytes(100)})
+        write("a-name-of-more-than-26-characters.hex", {start + 50: bytes(60), 0x5000000: b"12345"})
         tessaron("map", "low.hex", "a-name-of-more-than-26-characters.hex", "--svg", "two.svg")
         picture = xml.etree.ElementTree.parse("two.svg").getroot()
         width, height = map(int, picture.get("viewBox").split()[2:])
@@ -486,10 +498,16 @@ class Inspection(unittest.TestCase):
         self.assertEqual(used, {"data", "part", "value", "filler", "gap"})
         style = picture.find(name + "style").text
         self.assertTrue(all("." + word + "{" in style for word in used))
-        for path in picture.iter(name + "path"):
-            x, y = map(int, re.match(r"M(\d+) (\d+)v6", path.get("d")).groups())
-            self.assertTrue(all(box[3] <= y for box in rows if box[1] < y))
-            self.assertTrue(220 <= x < 1220)
+        scale = []
+        for path, text in zip(picture, list(picture)[1:]):
+            if path.tag == name + "path":
+                x, y = map(int, re.match(r"M(\d+) (\d+)v6", path.get("d")).groups())
+                self.assertTrue(all(box[3] <= y for box in rows if box[1] < y))
+                scale.append((int(text.text, 16), x - 220))
+        # Round addresses where they are, the end of the second panel beyond the last one.
+        self.assertEqual(scale, [(at, (at - start) * 1000 // 360)
+                                 for at in range(0x1040, start + 360, 0x40)] +
+                         [(0x5000000 + at, at * 200) for at in range(5)])
 
     @unittest.skipIf(IS_WINDOWS, "names of Windows are texts without control characters")
     def test_names_that_a_terminal_or_a_page_would_obey(self):

@@ -94,6 +94,12 @@ class CommandLines(unittest.TestCase):
         run("convert", "sound.hex", "back.hex", "--offset=-4294967292")
         self.assertIn(HEX.split()[0], pathlib.Path("back.hex").read_text())
         run("run", "s.tsn", "--error", "syntax", "--symbol", "X=in.hex:s", code=1)
+        # Before the operands, an option has one value.
+        for option in (("--error", "overlap"), ("--warn", "overlap"), ("--ignore", "overlap"),
+                       ("-D", "@a=@b"), ("-C", ".")):
+            run("run", *option, "s.tsn")
+        run("run", "--symbol", "X=in.hex:s", "s.tsn", code=1)
+        run("diff", "--ignore", "0,1", "in.hex", "in.hex")
         os.makedirs("below", exist_ok=True)
         pathlib.Path("below/below.tsn").write_text("PRINT_TEXT {Q1} PRINT_TEXT {Q2}\n")
         printed = subprocess.run([PROGRAM, "run", "-C", "below", "below.tsn", "Q1=operand",

@@ -38,6 +38,17 @@ def hint(statement):
 
 
 class Listing(unittest.TestCase):
+    def test_columns(self):
+        """What is in one column begins at one place, below its head."""
+        for topic in ("statements", "crcs", "hashes", "formats", "kinds"):
+            text = output(PROGRAM, "help", topic)
+            self.assertNotIn(" \n", text)
+            for table in re.findall(r"(?:^  .*\n)+", text, re.MULTILINE):
+                places = [{cell.start() for cell in re.finditer(r"(?<=  )\S", line)}
+                          for line in table.splitlines()]
+                self.assertEqual(set.union(*places), places[0], table)
+                self.assertLessEqual(len(places[0]), 4, table)
+
     def test_crcs(self):
         listed = rows("crcs")
         published = [line.split("\t") for line in pathlib.Path(CATALOGUE).read_text().splitlines()

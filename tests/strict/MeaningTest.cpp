@@ -112,6 +112,15 @@ TEST(MeaningTest, AreasHaveAddressesAndLieInTheirImages) {
             {"NEW_BUFFER @f FROM_FILE a.hex\nFILL_BUFFER @f WITH_VALUES {1} -useAreas={{900, 1}}",
              {}}},
            "NEW_BUFFER @a EMPTY -useBufferRange={16, 16}\n");
+    // What is made of several images reaches from the lowest to the highest address.
+    for (const char* const images : {"{@a @b}", "{@b @a}"})
+        expect({{"PRINT_BUFFER @m -useAreas={{16, 1}, {47, 1}}", {}},
+                {"PRINT_BUFFER @m -useAreas={{15, 1}}", {"4:28 outside"}},
+                {"PRINT_BUFFER @m -useAreas={{48, 1}}", {"4:28 outside"}}},
+               "NEW_BUFFER @a EMPTY -useBufferRange={16, 16}\n"
+               "NEW_BUFFER @b EMPTY -useBufferRange={40, 8}\n"
+               "NEW_BUFFER @m FROM_BUFFERS " +
+                   std::string(images) + "\n");
 }
 
 TEST(MeaningTest, OptionsNamesAndOutputs) {
@@ -282,6 +291,19 @@ TEST(MeaningTest, WhatAStoredValueCoversIsNotChanged) {
              "WRITE_FILE c.hex WITH_BUFFERS {@var}",
              {}}},
            apart);
+}
+
+// Where images overlap, the run has to show which byte counts.
+TEST(MeaningTest, AValueOverImagesSideBySideIsFollowed) {
+    for (const auto& [length, isKnown] : {std::pair(15, true), {16, true}, {17, false}})
+        expect({{"FILL_BUFFER @all WITH_VALUES {1} -useAreas={{0, 1}}\n"
+                 "WRITE_FILE a.hex WITH_BUFFERS {@all}",
+                 isKnown ? Lines{"6:45 digest-stale"} : Lines{}}},
+               "NEW_BUFFER @app EMPTY -useBufferRange={0, " + std::to_string(length) +
+                   "}\nNEW_BUFFER @more EMPTY -useBufferRange={16, 16}\n"
+                   "NEW_BUFFER @all FROM_BUFFERS {@app @more}\n"
+                   "NEW_CRC @c FROM_BUFFER @all -useAreas={{0, 8}}\n"
+                   "FILL_BUFFER @all WITH_CRC @c -useAreas={{24, 4}}\n");
 }
 
 // To follow more would take minutes for a thousand values.

@@ -208,6 +208,7 @@ TEST(RemarkListTest, ARemarkHasAllThatAReportShows) {
     EXPECT_EQ(remark.line, 3U);
     EXPECT_EQ(remark.column, 4U);
     EXPECT_EQ(list.remarks[1].severity + list.remarks[1].name, "note");
+    EXPECT_EQ(list.remarks[1].line + list.remarks[1].column, 0U);
     EXPECT_EQ(list.remarks[2].text, "not shown: 1 more of conflict");
 }
 

@@ -142,6 +142,9 @@ TEST_F(RecordTest, EveryByteHasItsOrigin) {
          {"10+2 line 1 of twice.hex by 4", "12+1 line 2 of twice.hex by 4"}},
         {"NEW_BUFFER @x FROM_FILE twice.hex -onOverlap=Last",
          {"10+1 line 1 of twice.hex by 4", "11+2 line 2 of twice.hex by 4"}},
+        {"NEW_BUFFER @x FROM_FILE_BINARY raw.bin", {"0+3 line 0 of raw.bin by 4"}},
+        {"NEW_BUFFER @x FROM_FILE_BINARY raw.bin -useAreas={{1, 1}}",
+         {"1+1 line 0 of raw.bin by 4"}},
         {"NEW_BUFFER @x FROM_BUFFER @f -changeStartAddressTo=0x8000",
          {"8000+2 line 1 of in.hex by 3", "8002+2 line 3 of in.hex by 3",
           "8010+2 line 2 of in.hex by 3"}},
@@ -158,7 +161,26 @@ TEST_F(RecordTest, EveryByteHasItsOrigin) {
          {"110+2 line 1 of in.hex by 3", "112+2 line 3 of in.hex by 3", "114+2 filler by 4",
           "120+2 line 2 of in.hex by 3"}},
     };
+    put("raw.bin", "abc");
     for (const Row& row : rows) EXPECT_EQ(origins(before + row.last), row.origins) << row.last;
+    // Of two fillers the first counts, or without a rule the last, and a written byte before both.
+    const std::string fillers =
+        "NEW_BUFFER @g EMPTY -useBufferRange={0x20, 4}\n"
+        "NEW_BUFFER @h EMPTY -useBufferRange={0x22, 4}\n"
+        "FILL_BUFFER @g WITH_FILLER {1}\nFILL_BUFFER @h WITH_FILLER {2}\n";
+    const std::vector<Row> merged{
+        {"NEW_BUFFER @x FROM_BUFFERS {@g @h} -onOverlap=Last",
+         {"20+4 filler by 3", "24+2 filler by 4"}},
+        {"NEW_BUFFER @x FROM_BUFFERS {@g @h} -onOverlap=First",
+         {"20+4 filler by 3", "24+2 filler by 4"}},
+        {"NEW_BUFFER @x FROM_BUFFERS {@h @g} -onOverlap=First",
+         {"20+2 filler by 3", "22+4 filler by 4"}},
+        {"NEW_BUFFER @x FROM_BUFFERS {@g @h}", {"20+2 filler by 3", "22+4 filler by 4"}},
+        {"FILL_BUFFER @h WITH_VALUES {9} -useAreas={{0x23, 1}}\n"
+         "NEW_BUFFER @x FROM_BUFFERS {@g @h} -onOverlap=First",
+         {"20+3 filler by 3", "23+1 by 5", "24+2 filler by 4"}},
+    };
+    for (const Row& row : merged) EXPECT_EQ(origins(fillers + row.last), row.origins) << row.last;
 }
 
 // An image of zeros, and one with a zero at every other address over it.

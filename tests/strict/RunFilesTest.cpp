@@ -160,6 +160,20 @@ TEST_F(RunFilesTest, DigestsAreOfTheBytesThatWereReadAndWritten) {
     EXPECT_TRUE(files.openAsRead(at("empty")));
 }
 
+// Long enough that it is asked for while it is computed. SHA-256 by sha256sum.
+TEST_F(RunFilesTest, ADigestIsWaitedFor) {
+    const std::string zeros(std::size_t{1} << 24U, '\0');
+    put("in", zeros);
+    RunFiles files(RunFiles::Mode::Disk);
+    files.keepDigests();
+    files.openInput(at("in"));
+    EXPECT_EQ(files.inputDigests(at("in"))[0].sha256,
+              "080acf35a507ac9849cfcba47dc2ad83e01b75663a516279c8b9d243b719643e");
+    ASSERT_TRUE(write(files, at("out"), zeros));
+    EXPECT_EQ(files.outputDigest(at("out")).sha256,
+              "080acf35a507ac9849cfcba47dc2ad83e01b75663a516279c8b9d243b719643e");
+}
+
 TEST_F(RunFilesTest, NothingHappensAfterAFailure) {
     put("out", "before");
     {

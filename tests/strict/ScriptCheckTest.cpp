@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,8 @@ using Lines = std::vector<std::string>;
 using Parser::Role;
 
 /// What is wrong with a script.
-Lines checked(const std::string& text) {
-    const ScriptText script("s.tsn", text, {});
+Lines checked(const std::string& text, const std::map<std::string, std::string>& variables = {}) {
+    const ScriptText script("s.tsn", text, variables);
     const ParsedScript parsed(script);
     Tests::TakenDiagnostics sink;
     ScriptCheck(script, sink).check(parsed);
@@ -188,6 +189,20 @@ TEST(ScriptCheckTest, AdviceForWhatIsNotAValue) {
             EXPECT_TRUE(found[0].ends_with(" (" + row.advice + ")")) << found[0];
         }
     }
+}
+
+// Of variables only the one is named that gave what is wrong.
+TEST(ScriptCheckTest, AVariableThatDoesNotParseIsNamed) {
+    const auto notes = [](const std::string& rest, const std::string& value) {
+        Lines found = checked("NEW_BUFFER @a FROM_VALUES {1}" + rest + "\n", {{"VAR", value}});
+        std::erase_if(found, [](const std::string& line) { return !line.starts_with("+"); });
+        return found;
+    };
+    EXPECT_EQ(notes(" VAR", "-useArea=1"),
+              Lines{"+ the variable VAR is replaced by \"-useArea=1\""});
+    EXPECT_EQ(notes(" VAR", ","), Lines{"+ the variable VAR is replaced by \",\""});
+    EXPECT_EQ(notes(",VAR", "-useAreas={{0, 1}}"), Lines{});
+    EXPECT_EQ(notes(" -useArea=VAR", "1"), Lines{});
 }
 
 TEST(ScriptCheckTest, FortyCharactersOfAWordAreShown) {

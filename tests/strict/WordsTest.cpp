@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "facts/Facts.hpp"
+#include "inspect/Words.hpp"
 #include "strict/diagnostics/FactWords.hpp"
 #include "strict/diagnostics/FieldWords.hpp"
 
@@ -292,6 +293,39 @@ TEST(FactWordsTest, NamesOfACommandLineGetNoAdviceOnScripts) {
     expectWords(
         {FileNotOpened{"inFile"}, {{Kind::CannotOpen, "cannot open inFile: it broke", input}}},
         false);
+}
+
+TEST(NumbersInWordsTest, ReadAsPeopleWriteThem) {
+    using namespace Inspect;
+    struct Row {
+        std::uint64_t number;
+        const char* size;
+        const char* count;
+        const char* address;
+        const char* hex;
+    };
+    for (const Row& row : {
+             Row{0, "0 bytes", "0 bytes", "0x00000000", "0x0"},
+             Row{1, "1 byte", "1 byte", "0x00000001", "0x1"},
+             Row{999, "999 bytes", "999 bytes", "0x000003E7", "0x3E7"},
+             Row{1023, "1,023 bytes", "1,023 bytes", "0x000003FF", "0x3FF"},
+             Row{1024, "1.0 KiB", "1,024 bytes", "0x00000400", "0x400"},
+             Row{1535, "1.4 KiB", "1,535 bytes", "0x000005FF", "0x5FF"},
+             Row{1536, "1.5 KiB", "1,536 bytes", "0x00000600", "0x600"},
+             Row{0xFFFFF, "1,023.9 KiB", "1,048,575 bytes", "0x000FFFFF", "0xFFFFF"},
+             Row{0x100000, "1.0 MiB", "1,048,576 bytes", "0x00100000", "0x100000"},
+             Row{0x123456789, "4,660.3 MiB", "4,886,718,345 bytes", "0x123456789", "0x123456789"},
+         }) {
+        EXPECT_EQ(sizeText(row.number), row.size);
+        EXPECT_EQ(countText(row.number, "byte"), row.count);
+        EXPECT_EQ(addressText(row.number), row.address);
+        EXPECT_EQ(hexText(row.number), row.hex);
+    }
+    EXPECT_EQ(addressesText({16, 0}), "no addresses");
+    EXPECT_EQ(addressesText({16, 1}), "the address 0x00000010");
+    EXPECT_EQ(addressesText({16, 2}), "the addresses 0x00000010 to 0x00000011");
+    EXPECT_EQ(linesText(3, 3), "line 3");
+    EXPECT_EQ(linesText(3, 1024), "lines 3 to 1,024");
 }
 
 struct FieldRow {
