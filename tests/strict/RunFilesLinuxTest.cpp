@@ -369,6 +369,25 @@ TEST_F(RunFilesLinuxTest, AnInputThatChangesDuringItsDigestIsNamed) {
     EXPECT_EQ(files.changedInputs(), Names({at("large")}));
 }
 
+TEST_F(RunFilesLinuxTest, NoDescriptorStaysOpen) {
+    const auto open = [] {
+        return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+    };
+    fs::create_directory(at("below"));
+    put("in", "abc");
+    put("out", "before");
+    const auto before = open();
+    {
+        RunFiles files(RunFiles::Mode::Disk);
+        files.keepDigests();
+        EXPECT_EQ(read(files, at("in")), "abc");
+        for (const char* const name : {"out", "below/out"})
+            ASSERT_TRUE(write(files, at(name), "after"));
+        EXPECT_FALSE(files.commit());
+    }
+    EXPECT_EQ(open(), before);
+}
+
 TEST_F(RunFilesLinuxTest, ADigestNeedsNoFurtherDescriptor) {
 #ifdef TESSARON_SANITIZED
     GTEST_SKIP() << "the sanitizers look at memory by a pipe, which needs descriptors";
