@@ -4,11 +4,14 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "parser/grammar/Statement.hpp"
 #include "strict/script/ParsedScript.hpp"
+#include "strict/script/Program.hpp"
 #include "tests/strict/TakenDiagnostics.hpp"
 
 namespace Strict {
@@ -75,6 +78,16 @@ TEST(ScriptCheckTest, EveryUseOfANameNeedsOneOfItsKind) {
                 << found[0];
         }
     }
+}
+
+TEST(ProgramTest, KnowsWhatItsStatementsMake) {
+    auto script = std::make_unique<const ScriptText>("s.tsn", makers + "PRINT_BUFFER @other\n");
+    ParsedScript parsed(*script);
+    const Program program = parsed.takeProgram(std::move(script));
+    for (const char* const name : {"@image", "@sum", "@digest"})
+        EXPECT_TRUE(program.makes(name)) << name;
+    for (const char* const name : {"@other", "@", "NEW_BUFFER", ""})
+        EXPECT_FALSE(program.makes(name)) << name;
 }
 
 TEST(ScriptCheckTest, ANameIsMadeOnceOfEachKind) {
