@@ -143,8 +143,6 @@ TEST_F(RecordTest, EveryByteHasItsOrigin) {
         {"NEW_BUFFER @x FROM_FILE twice.hex -onOverlap=Last",
          {"10+1 line 1 of twice.hex by 4", "11+2 line 2 of twice.hex by 4"}},
         {"NEW_BUFFER @x FROM_FILE_BINARY raw.bin", {"0+3 line 0 of raw.bin by 4"}},
-        {"NEW_BUFFER @x FROM_FILE_BINARY raw.bin -useAreas={{1, 1}}",
-         {"1+1 line 0 of raw.bin by 4"}},
         {"NEW_BUFFER @x FROM_BUFFER @f -changeStartAddressTo=0x8000",
          {"8000+2 line 1 of in.hex by 3", "8002+2 line 3 of in.hex by 3",
           "8010+2 line 2 of in.hex by 3"}},
