@@ -56,6 +56,23 @@ const char* wordsFor(CrcParameter parameter) {
     return words.at(static_cast<std::size_t>(parameter));
 }
 
+std::string wordsFor(const BusRefused& fact) {
+    switch (fact.fault) {
+        case BusFault::WidthZero:
+            return "A lane needs at least one byte.";
+        case BusFault::LanesZero:
+            return "A bus needs at least one lane.";
+        case BusFault::LaneUnknown:
+            return "Lane " + std::to_string(fact.lane) + " is not one of " +
+                   std::to_string(fact.lanes) + " lanes, counted from 0.";
+        case BusFault::RowTooLong:
+            return "A row of all lanes is too long.";
+        case BusFault::ImagesFew:
+            break;
+    }
+    return "-interleave needs several images.";
+}
+
 /// Prints one fact. Each operator is one message.
 class Sentences {
 public:
@@ -282,6 +299,31 @@ public:
     void operator()(const WordIncomplete& fact) const {
         line("Error: The data of ", wordFor(fact.subject), " ", fact.name,
              " does not end with a whole word !");
+        line("Operation aborted.");
+    }
+
+    void operator()(const BusRefused& fact) const {
+        line("Error: Buffer ", fact.name, " could not be created ! ", wordsFor(fact));
+        line("Operation aborted.");
+    }
+
+    void operator()(const ImageNotOfWords& fact) const {
+        line("Error: ", wordFor(fact.subject), " ", fact.name, " could not be ",
+             wordFor(fact.subject == Subject::File ? Work::Written : Work::Created), " !");
+        line("The data from 0x", Util::hexWord(fact.start), " to 0x", Util::hexWord(fact.end),
+             " is not made of whole words of ", std::to_string(fact.wordSize), " bytes");
+        line("Operation aborted.");
+    }
+
+    void operator()(const AddressUnitRefused& fact) const {
+        line("Error: ", wordFor(fact.subject), " ", fact.name, " could not be ",
+             wordFor(fact.subject == Subject::File ? Work::Written : Work::Created),
+             " ! The addresses of ", fact.format, " cannot count words.");
+        line("Operation aborted.");
+    }
+
+    void operator()(const AlignmentZero& fact) const {
+        line("Error: File ", fact.file, " could not be written ! -alignTo needs a number above 0.");
         line("Operation aborted.");
     }
 

@@ -185,6 +185,24 @@ std::vector<Fact> examples(Of<WordIncomplete> /*type*/) {
     return {WordIncomplete{Subject::Crc, "NAME", number, 4},
             WordIncomplete{Subject::Hash, "NAME", number, 4}};
 }
+std::vector<Fact> examples(Of<BusRefused> /*type*/) {
+    std::vector<Fact> facts;
+    for (const BusFault fault : {BusFault::WidthZero, BusFault::LanesZero, BusFault::LaneUnknown,
+                                 BusFault::RowTooLong, BusFault::ImagesFew})
+        facts.emplace_back(BusRefused{"NAME", fault, number, number});
+    return facts;
+}
+std::vector<Fact> examples(Of<ImageNotOfWords> /*type*/) {
+    return {ImageNotOfWords{Subject::Buffer, "NAME", WordUse::SwappedBytes, number, number, number},
+            ImageNotOfWords{Subject::File, "PATH", WordUse::SwappedBytes, number, number, number}};
+}
+std::vector<Fact> examples(Of<AddressUnitRefused> /*type*/) {
+    return {AddressUnitRefused{Subject::Buffer, "NAME", "FORMAT"},
+            AddressUnitRefused{Subject::File, "PATH", "FORMAT"}};
+}
+std::vector<Fact> examples(Of<AlignmentZero> /*type*/) {
+    return {AlignmentZero{"PATH"}};
+}
 std::vector<Fact> examples(Of<FileNotOpened> /*type*/) {
     return {FileNotOpened{"PATH"}};
 }

@@ -35,6 +35,10 @@ struct Texts {
     std::string fill;
     std::string offset;
     std::optional<std::string> format;
+    std::string lane;
+    std::string interleave;
+    std::string shortGaps;
+    std::string alignment;
 };
 
 /// The number that a text is as a whole, decimal or with 0x hexadecimal; 0x may be followed by
@@ -68,6 +72,27 @@ Buffer::Area areaIn(const std::string& option, const std::string& text) {
         throw CLI::ValidationError(option, text + " is not an area START,LENGTH");
     if (numbers[1] == 0) throw CLI::ValidationError(option, text + " has no address");
     return {numbers[0], numbers[1]};
+}
+
+/// A number of up to 32 bits that is not 0.
+std::uint32_t positiveIn(const std::string& option, const std::string& text) {
+    const std::uint64_t number = numberIn(option, text);
+    if (number == 0 || number > std::numeric_limits<std::uint32_t>::max())
+        throw CLI::ValidationError(option, text + " is not a number from 1 to 0xFFFFFFFF");
+    return static_cast<std::uint32_t>(number);
+}
+
+/// A lane I,N,W of a bus.
+Parser::WrapperLib::Arrangement::Lane laneIn(const std::string& option, const std::string& text) {
+    const auto numbers = numbersIn(option, text);
+    const bool isLane = numbers.size() == 3 && numbers[0] < numbers[1] && numbers[2] != 0 &&
+                        numbers[1] <= std::numeric_limits<std::uint32_t>::max() &&
+                        numbers[2] <= std::numeric_limits<std::uint32_t>::max();
+    if (!isLane)
+        throw CLI::ValidationError(
+            option, text + " is not a lane LANE,LANES,WIDTH; lanes are counted from 0");
+    const auto number = [&](std::size_t i) { return static_cast<std::uint32_t>(numbers[i]); };
+    return {number(0), number(1), number(2)};
 }
 
 /// A format as -setFormat takes it.
@@ -215,6 +240,12 @@ void apply(Request& request, const Texts& texts) {
         const auto offset = static_cast<std::int64_t>(distance);
         request.conversion.offset = isNegative ? -offset : offset;
     }
+    Arranging& arranging = request.conversion.arranging;
+    if (!texts.lane.empty()) arranging.lane = laneIn("--lane", texts.lane);
+    if (!texts.interleave.empty())
+        arranging.interleave = positiveIn("--interleave", texts.interleave);
+    if (!texts.shortGaps.empty()) arranging.shortGaps = positiveIn("--fill-gaps", texts.shortGaps);
+    if (!texts.alignment.empty()) arranging.alignment = positiveIn("--align", texts.alignment);
     if (texts.format) request.conversion.format = formatIn("--format", *texts.format);
     if (texts.areWarningsErrors) request.policy.makeWarningsErrors();
     set(texts.errors, Strict::Severity::Error);
@@ -276,6 +307,45 @@ void addMap(CLI::App& app, Request& request, Texts& texts) {
     map->parse_complete_callback([&request] { request.command = Command::Map; });
 }
 
+/// Adds the options that say how the bytes are arranged.
+///
+/// @param fill    gives what is filled
+/// @param offset  has no meaning for several inputs
+void addArranging(CLI::App& convert, Arranging& arranging, Texts& texts, CLI::Option* fill,
+                  CLI::Option* offset) {
+    convert.add_option("--lane", texts.lane, "takes one chip of a bus, counted from 0")
+        ->type_name("LANE,LANES,WIDTH")
+        ->check(&faultIfEmpty);
+    CLI::Option* const interleave =
+        convert
+            .add_option("--interleave", texts.interleave, "IN and --with are the chips of a bus")
+            ->type_name("WIDTH")
+            ->check(&faultIfEmpty)
+            ->excludes(offset);
+    CLI::Option* const with =
+        convert.add_option("--with", arranging.furtherInputs, "a further chip, in their order")
+            ->type_name("FILE")
+            ->check(&faultIfEmpty)
+            ->allow_extra_args(false)
+            ->needs(interleave);
+    interleave->needs(with);
+    const std::vector<std::pair<std::string, std::uint32_t>> words{{"2", 2}, {"4", 4}, {"8", 8}};
+    const std::vector<std::pair<std::string, std::uint32_t>> units{{"2", 2}, {"4", 4}};
+    addChoice(convert, "--swap-bytes", "reverses the bytes of each word", arranging.swappedWord,
+              words);
+    addChoice(convert, "--unit-in", "the addresses of the input count words of this many bytes",
+              arranging.inputUnit, units);
+    addChoice(convert, "--unit-out", "those of the output do", arranging.outputUnit, units);
+    convert.add_option("--fill-gaps", texts.shortGaps, "fills gaps of up to N bytes alone")
+        ->type_name("N")
+        ->check(&faultIfEmpty)
+        ->needs(fill);
+    convert.add_option("--align", texts.alignment, "lets data begin and end at multiples of N")
+        ->type_name("N")
+        ->check(&faultIfEmpty)
+        ->needs(fill);
+}
+
 void addConvert(CLI::App& app, Request& request, Texts& texts) {
     Conversion& conversion = request.conversion;
     CLI::App* const convert =
@@ -287,12 +357,15 @@ void addConvert(CLI::App& app, Request& request, Texts& texts) {
     convert->add_option("--crop", texts.crop, "keeps only this area")
         ->type_name("START,LENGTH")
         ->check(&faultIfEmpty);
-    convert->add_option("--fill", texts.fill, "lays these bytes into the gaps")
-        ->type_name("BYTE[,BYTE]...")
-        ->check(&faultIfEmpty);
-    convert->add_option("--offset", texts.offset, "adds this number to all addresses")
-        ->type_name("N")
-        ->check(&faultIfEmpty);
+    CLI::Option* const fill =
+        convert->add_option("--fill", texts.fill, "lays these bytes into the gaps")
+            ->type_name("BYTE[,BYTE]...")
+            ->check(&faultIfEmpty);
+    CLI::Option* const offset =
+        convert->add_option("--offset", texts.offset, "adds this number to all addresses")
+            ->type_name("N")
+            ->check(&faultIfEmpty);
+    addArranging(*convert, conversion.arranging, texts, fill, offset);
     convert->add_option("--format", texts.format, "a format of WRITE_FILE")
         ->type_name("NAME")
         ->check(&faultIfEmpty);

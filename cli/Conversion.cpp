@@ -86,7 +86,8 @@ struct InputFacts {
 std::optional<InputFacts> factsOf(const Conversion& conversion, Strict::Printer& printer) {
     const std::string& input = conversion.input;
     Strict::KeptDiagnostics kept;
-    const auto image = Strict::readImage(input, kept);
+    const std::uint32_t unit = conversion.arranging.inputUnit;
+    const auto image = Strict::readImage(input, kept, unit == 0 ? 1 : unit);
     if (!image || conversion.printsScript) kept.pass(printer);
     if (!image) return std::nullopt;
     if (!conversion.printsScript && !Platform::isRegularFile(input)) {
@@ -108,7 +109,10 @@ std::optional<InputFacts> factsOf(const Conversion& conversion, Strict::Printer&
 /// The address that the image begins with after it was moved; nothing after a diagnostic.
 std::optional<std::uint32_t> movedStart(const Conversion& conversion, std::uint64_t lowest,
                                         Strict::Printer& printer) {
-    const std::uint64_t start = conversion.crop ? conversion.crop->start : lowest;
+    const auto& lane = conversion.arranging.lane;
+    std::uint64_t start = conversion.crop ? conversion.crop->start : lowest;
+    if (lane && lane->lanes != 0 && lane->width != 0)
+        start = Buffer::Bus{lane->lanes, lane->width}.laneAddress(lane->lane, start);
     const auto moved = static_cast<std::int64_t>(start) + conversion.offset;
     if (moved >= 0 && moved <= static_cast<std::int64_t>(highestAddress))
         return static_cast<std::uint32_t>(moved);
@@ -133,20 +137,70 @@ struct Steps {
     std::string output;
     std::optional<std::uint32_t> startAddress;
     FormatChoice format;
+    Arranging arranging;
+    std::vector<Source> furtherSources;  ///< of the further inputs
 };
 
 constexpr const char* imageName = "@Image";
 
-void addNewBuffer(Strict::ProgramMaker& maker, const Steps& steps) {
+/// Adds an option whose value is a number.
+void addNumber(Strict::ProgramMaker& maker, const char* option, Role role, std::uint32_t number) {
+    maker.add(" " + std::string(option) + "=");
+    Piece piece("");
+    piece.addNumber(number, std::to_string(number));
+    maker.add(role, piece);
+}
+
+/// Adds an option whose value is a digit.
+void addDigit(Strict::ProgramMaker& maker, const char* option, Role role, std::uint32_t digit) {
+    maker.add(" " + std::string(option) + "=");
+    maker.add(role, std::to_string(digit));
+}
+
+/// Adds the options of the statement that makes the image which is written.
+void addArrangement(Strict::ProgramMaker& maker, CmdNewBuffer& image, const Steps& steps) {
+    const Arranging& arranging = steps.arranging;
+    if (arranging.interleave != 0) {
+        image.setInterleave(arranging.interleave);
+        addNumber(maker, "-interleave", Role::Interleave, arranging.interleave);
+    }
+    if (const auto& lane = arranging.lane) {
+        image.setLane({lane->lane, lane->lanes, lane->width});
+        maker.add(" -useLane=");
+        Piece numbers("{");
+        for (const std::uint32_t number : {lane->lane, lane->lanes, lane->width}) {
+            if (!numbers.numbers().empty()) numbers << ", ";
+            numbers.addNumber(number, std::to_string(number));
+        }
+        numbers << "}";
+        maker.add(Role::Lane, numbers);
+    }
+    // Words are those of a bus. Without one they are filled up before they are swapped.
+    if (arranging.swappedWord != 0 && arranging.lane) {
+        image.setSwappedWord(arranging.swappedWord);
+        addDigit(maker, "-swapBytes", Role::SwapBytes, arranging.swappedWord);
+    }
+    if (!steps.movedStart) return;
+    image.setNewStartAddress(*steps.movedStart);
+    Piece option("-changeStartAddressTo=");
+    addAddress(option, *steps.movedStart);
+    maker.addWord(Role::Address, option);
+}
+
+/// Adds the statement that makes an image of a file.
+///
+/// @param isLast  it is the image that is written
+void addNewBuffer(Strict::ProgramMaker& maker, const Steps& steps, const std::string& name,
+                  const std::string& input, const Source& source, bool isLast) {
     auto& image = maker.begin<CmdNewBuffer>("NEW_BUFFER");
-    image.setBufferName(imageName);
-    maker.addWord(Role::MakesImage, imageName);
-    image.setPath(steps.input, steps.source.format);
-    maker.add(" " + steps.source.keyword);
+    image.setBufferName(name);
+    maker.addWord(Role::MakesImage, name);
+    image.setPath(input, source.format);
+    maker.add(" " + source.keyword);
     using Parser::FileReading;
     const FileReading reading =
-        steps.source.format == nullptr ? FileReading::Detected : FileReading::Named;
-    maker.addPath(Role::InputFile, steps.input, static_cast<std::uint32_t>(reading));
+        source.format == nullptr ? FileReading::Detected : FileReading::Named;
+    maker.addPath(Role::InputFile, input, static_cast<std::uint32_t>(reading));
     if (steps.crop) {
         image.setBufferRange(*steps.crop);
         maker.add(" -useBufferRange=");
@@ -157,12 +211,36 @@ void addNewBuffer(Strict::ProgramMaker& maker, const Steps& steps) {
         range << "}";
         maker.add(Role::Range, range);
     }
-    if (steps.movedStart) {
-        image.setNewStartAddress(*steps.movedStart);
-        Piece option("-changeStartAddressTo=");
-        addAddress(option, *steps.movedStart);
-        maker.addWord(Role::Address, option);
+    if (steps.arranging.inputUnit != 0) {
+        image.setAddressUnit(steps.arranging.inputUnit);
+        addDigit(maker, "-setAddressUnit", Role::AddressUnit, steps.arranging.inputUnit);
     }
+    if (isLast) addArrangement(maker, image, steps);
+    maker.end();
+}
+
+/// Adds the statements that make the image which is written.
+void addImage(Strict::ProgramMaker& maker, const Steps& steps) {
+    const auto& further = steps.arranging.furtherInputs;
+    if (steps.arranging.interleave == 0)
+        return addNewBuffer(maker, steps, imageName, steps.input, steps.source, true);
+    std::vector<std::string> lanes{"@Lane0"};
+    addNewBuffer(maker, steps, lanes.front(), steps.input, steps.source, false);
+    for (std::size_t i = 0; i < further.size(); ++i) {
+        lanes.push_back("@Lane" + std::to_string(i + 1));
+        addNewBuffer(maker, steps, lanes.back(), further[i], steps.furtherSources[i], false);
+    }
+    auto& image = maker.begin<CmdNewBuffer>("NEW_BUFFER");
+    image.setBufferName(imageName);
+    maker.addWord(Role::MakesImage, imageName);
+    maker.add(" FROM_BUFFERS {");
+    for (const std::string& lane : lanes) {
+        image.addSourceBuffer(lane);
+        if (&lane != &lanes.front()) maker.add(", ");
+        maker.add(Role::UsesImage, lane);
+    }
+    maker.add("}");
+    addArrangement(maker, image, steps);
     maker.end();
 }
 
@@ -210,9 +288,25 @@ void addWriteFile(Strict::ProgramMaker& maker, const Steps& steps) {
         maker.addWord(Role::Start, start);
     }
     const ExportFormat& format = rowOf(steps.format);
-    if (steps.fill.empty() && format.hasAddresses) {
+    const Arranging& arranging = steps.arranging;
+    if (arranging.shortGaps) {
+        write.setShortGaps(*arranging.shortGaps);
+        addNumber(maker, "-fillGapsUpTo", Role::ShortGaps, *arranging.shortGaps);
+    } else if (steps.fill.empty() && format.hasAddresses) {
         write.skipUnwritten();
         maker.addWord(Role::Gaps, "-skipUnwritten");
+    }
+    if (arranging.swappedWord != 0 && !arranging.lane) {
+        write.setSwappedWord(arranging.swappedWord);
+        addDigit(maker, "-swapBytes", Role::SwapBytes, arranging.swappedWord);
+    }
+    if (arranging.alignment != 0) {
+        write.setAlignment(arranging.alignment);
+        addNumber(maker, "-alignTo", Role::Alignment, arranging.alignment);
+    }
+    if (arranging.outputUnit != 0) {
+        write.setAddressUnit(arranging.outputUnit);
+        addDigit(maker, "-setAddressUnit", Role::AddressUnit, arranging.outputUnit);
     }
     write.setFormat(format, steps.format.number);
     maker.add(" -setFormat=");
@@ -231,8 +325,21 @@ std::optional<Steps> stepsOf(const Conversion& conversion, Strict::Printer& prin
              printer);
         return std::nullopt;
     }
-    Steps steps{conversion.input,  *source, conversion.crop, {}, conversion.fill,
-                conversion.output, {},      *format};
+    Steps steps{conversion.input,
+                *source,
+                conversion.crop,
+                {},
+                conversion.fill,
+                conversion.output,
+                {},
+                *format,
+                conversion.arranging,
+                {}};
+    for (const std::string& further : conversion.arranging.furtherInputs) {
+        const auto furtherSource = sourceOf(further, printer);
+        if (!furtherSource) return std::nullopt;
+        steps.furtherSources.push_back(*furtherSource);
+    }
     const bool hasStart = rowOf(*format).hasStartAddress;
     if (!hasStart && conversion.offset == 0) return steps;
     const auto facts = factsOf(conversion, printer);
@@ -247,7 +354,10 @@ std::optional<Steps> stepsOf(const Conversion& conversion, Strict::Printer& prin
 /// Prints the script that does the same, unless there is none.
 ExitCode print(const Conversion& conversion, const Strict::Program& program,
                Strict::Printer& printer, std::ostream& output) {
-    for (const std::string& path : {conversion.input, conversion.output})
+    std::vector<std::string> paths{conversion.input, conversion.output};
+    const auto& further = conversion.arranging.furtherInputs;
+    paths.insert(paths.end(), further.begin(), further.end());
+    for (const std::string& path : paths)
         if (const auto argument = Strict::argumentOf(path); !argument.obstacle.empty())
             fail(Strict::Kind::Syntax, "no script can name the file " + path, argument.obstacle,
                  printer);
@@ -264,7 +374,7 @@ std::optional<Strict::Program> programFor(const Conversion& conversion, Strict::
     const auto steps = stepsOf(conversion, printer);
     if (!steps) return std::nullopt;
     Strict::ProgramMaker maker;
-    addNewBuffer(maker, *steps);
+    addImage(maker, *steps);
     if (!steps->fill.empty()) addFillBuffer(maker, *steps);
     addWriteFile(maker, *steps);
     return maker.finish("<convert>");

@@ -7,12 +7,26 @@
 #include <vector>
 
 #include "buffer/Area.hpp"
+#include "parser/commands/Arrangement.hpp"
 #include "parser/grammar/FormatChoice.hpp"
 #include "strict/Run.hpp"
 #include "strict/diagnostics/Printer.hpp"
 #include "strict/script/Program.hpp"
 
 namespace CommandLine {
+
+/// How the bytes of a conversion are arranged, see the options of NEW_BUFFER and WRITE_FILE. A
+/// number that is 0 was not given.
+struct Arranging {
+    std::vector<std::string> furtherInputs = {};  ///< of a bus, beside the first one
+    std::uint32_t interleave = 0;                 ///< bytes of a lane
+    std::optional<Parser::WrapperLib::Arrangement::Lane> lane = {};
+    std::uint32_t swappedWord = 0;  ///< bytes
+    std::uint32_t inputUnit = 0;    ///< bytes of the words that the input's addresses count
+    std::uint32_t outputUnit = 0;   ///< the same of the output
+    std::optional<std::uint32_t> shortGaps = {};
+    std::uint32_t alignment = 0;
+};
 
 /// What `convert` is asked for.
 struct Conversion {
@@ -22,7 +36,8 @@ struct Conversion {
     std::optional<Buffer::Area> crop = {};
     std::vector<std::uint8_t> fill = {};  ///< bytes for the gaps; none leaves them gaps
     std::int64_t offset = 0;              ///< added to all addresses
-    bool printsScript = false;            ///< instead of running it
+    Arranging arranging = {};
+    bool printsScript = false;  ///< instead of running it
 };
 
 /// The statements that convert the file, with the text that shows them, or nothing after a

@@ -30,7 +30,10 @@ _tessaron_words() {
         --color) compgen -W 'auto always never' -- "$current"; return ;;
         -C | --directory) compgen -d -- "$current"; return ;;
         -D | --define | --symbol | --width | --context | --max-lines | \
-            --crop | --fill | --offset | --format) return ;;
+            --crop | --fill | --offset | --format | --lane | --interleave | --fill-gaps | \
+            --align) return ;;
+        --swap-bytes) compgen -W '2 4 8' -- "$current"; return ;;
+        --unit-in | --unit-out) compgen -W '2 4' -- "$current"; return ;;
     esac
     local common='--help --directory --quiet --diagnostics --color --error --warn'
     local script="$common --define --symbol --keep-going --ignore --werror"
@@ -44,7 +47,9 @@ _tessaron_words() {
             compgen -W "$common --json --ignore --context --max-lines --width" -- "$current" ;;
         map:-*) compgen -W "$common --svg --ascii --width" -- "$current" ;;
         convert:-*)
-            compgen -W "$common --crop --fill --offset --format --print-script" -- "$current" ;;
+            compgen -W "$common --crop --fill --offset --format --lane --interleave --with \
+                --swap-bytes --unit-in --unit-out --fill-gaps --align --print-script" \
+                -- "$current" ;;
         help:-*) compgen -W '--help' -- "$current" ;;
         help:*)
             compgen -W 'statements crcs hashes formats kinds

@@ -166,7 +166,8 @@ enum class FormatFault : std::uint8_t {
     LineUnknown,       ///< line `where` is nothing that the format has
     AddressMissing,    ///< line `where` has data, and no line before has an address
     EndMissing,        ///< the file has no end after line `where`
-    AfterEnd           ///< line `where` comes after the end
+    AfterEnd,          ///< line `where` comes after the end
+    WordCut            ///< before line `where` a run of data has no whole number of `number` bytes
 };
 
 /// A file contradicts its format; nothing of it was used and the statement failed.
@@ -275,6 +276,8 @@ struct OverlapRefused {
     std::uint64_t address;  ///< the first address with different bytes, or `start`
     std::uint8_t earlier;   ///< the bytes there, if they differ
     std::uint8_t later;
+    /// The bytes of the words that the addresses of the file seem to count; 1 if they count bytes.
+    std::uint32_t likelyUnit = 1;
     bool operator==(const OverlapRefused&) const = default;
 };
 
@@ -305,6 +308,53 @@ struct WordIncomplete {
     std::uint32_t wordSize;  ///< in bytes
     bool isOfType = false;   ///< the words are those of the type, not those of the option
     bool operator==(const WordIncomplete&) const = default;
+};
+
+/// What is wrong with the bus of -useLane or -interleave.
+enum class BusFault : std::uint8_t {
+    WidthZero,    ///< a lane has no byte of a row
+    LanesZero,    ///< there is no lane
+    LaneUnknown,  ///< the lane is not one of the bus
+    RowTooLong,   ///< a row of all lanes has 2^32 bytes or more
+    ImagesFew     ///< less than two images are to be interleaved
+};
+
+/// A statement describes a bus that cannot be; it failed.
+struct BusRefused {
+    std::string_view name;
+    BusFault fault;
+    std::uint32_t lane;   ///< counted from 0
+    std::uint32_t lanes;  ///< of the bus, or the images that are to be interleaved
+    bool operator==(const BusRefused&) const = default;
+};
+
+/// What needs words as a whole.
+enum class WordUse : std::uint8_t { SwappedBytes, Lane, Interleaved, AddressUnit };
+
+/// An image does not begin and end with a whole word; the statement failed.
+struct ImageNotOfWords {
+    Subject subject;        ///< that the statement makes
+    std::string_view name;  ///< of that
+    WordUse use;
+    std::uint64_t start;  ///< of the image
+    std::uint64_t end;
+    std::uint32_t wordSize;  ///< in bytes
+    bool operator==(const ImageNotOfWords&) const = default;
+};
+
+/// A source, or a format, whose addresses do not count words was given an address unit; the
+/// statement failed.
+struct AddressUnitRefused {
+    Subject subject;  ///< that the statement makes
+    std::string_view name;
+    std::string_view format;  ///< the keyword of the language
+    bool operator==(const AddressUnitRefused&) const = default;
+};
+
+/// The ends of a file's data were to be multiples of 0; the statement failed.
+struct AlignmentZero {
+    std::string_view file;
+    bool operator==(const AlignmentZero&) const = default;
 };
 
 /// An input file could not be opened or held; the statement failed.
@@ -410,17 +460,16 @@ struct RunEnded {
     bool operator==(const RunEnded&) const = default;
 };
 
-using Fact =
-    std::variant<ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside,
-                 FillTooLong, ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty,
-                 LastLineMismatched, RecordContradictory, LineNotARecord, RecordCountTooLow,
-                 DataSpanTooLong, RawFileTooLong, FileMalformed, FileReadIncomplete,
-                 RecordLengthCorrected, AddressNotExpressible, RecordTypeUnknown,
-                 ImageBeyondSRecords, TooManyBytes, GapsNotExpressible, AddressBeyondFormat,
-                 FormatNumberWrong, FileWriteIncomplete, NameNotFound, OverlapRefused,
-                 StatementExhausted, CrcParameterRefused, WordIncomplete, FileNotOpened,
-                 FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted, CrcPrinted,
-                 HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
-                 VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
+using Fact = std::variant<
+    ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside, FillTooLong,
+    ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty, LastLineMismatched,
+    RecordContradictory, LineNotARecord, RecordCountTooLow, DataSpanTooLong, RawFileTooLong,
+    FileMalformed, FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
+    RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible, AddressBeyondFormat,
+    FormatNumberWrong, FileWriteIncomplete, NameNotFound, OverlapRefused, StatementExhausted,
+    CrcParameterRefused, WordIncomplete, BusRefused, ImageNotOfWords, AddressUnitRefused,
+    AlignmentZero, FileNotOpened, FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted,
+    CrcPrinted, HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
+    VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace Facts

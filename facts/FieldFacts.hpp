@@ -27,7 +27,8 @@ enum class RecordFault : std::uint8_t {
     AddressSpace,  ///< the address of data that passes the end of the address space
     AfterEnd,      ///< the number of data bytes after the end record
     RecordCount,   ///< the count of the record, and the number of data records before it
-    InRemark       ///< a remark that is a whole record but for its mark: nothing
+    InRemark,      ///< a remark that is a whole record but for its mark: nothing
+    WordCut        ///< the number of data bytes, and that of the words which addresses count
 };
 
 /// A line of a file is damaged; no image is made of the file.
@@ -131,8 +132,16 @@ struct FurtherOverlaps {
     bool operator==(const FurtherOverlaps&) const = default;
 };
 
-using FieldFact =
-    std::variant<LineDamaged, LinesDamaged, LinesTolerated, EndMissing, FormatForeign,
-                 StartAddressesDiffer, RecordsOverlap, RecordsConflict, FurtherOverlaps>;
+/// A file gives addresses again, and its data begins where it would if its addresses counted words
+/// of `unit` bytes. As addresses of bytes the later ones are used.
+struct AddressesCountWords {
+    std::string_view file;
+    std::uint32_t unit;
+    bool operator==(const AddressesCountWords&) const = default;
+};
+
+using FieldFact = std::variant<LineDamaged, LinesDamaged, LinesTolerated, EndMissing, FormatForeign,
+                               StartAddressesDiffer, RecordsOverlap, RecordsConflict,
+                               FurtherOverlaps, AddressesCountWords>;
 
 }  // namespace Facts

@@ -57,6 +57,9 @@ std::string textOf(const FileMalformed& fact) {
             return "line " + where + " has bytes without an address before them";
         case FormatFault::EndMissing:
             return "there is no end after line " + where;
+        case FormatFault::WordCut:
+            return "the data before line " + where + " does not end with a whole word of " +
+                   number + " bytes";
         case FormatFault::AfterEnd:
             break;
     }

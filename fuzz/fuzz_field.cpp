@@ -103,7 +103,7 @@ private:
 void checkLines(const TessaronImportApi& field) {
     if (const auto walk = Io::Formats::rowOf(field.getFormat()).walk) {
         Runs walked;
-        walk(inputPath, Io::openInput(inputPath), walked);
+        walk(inputPath, Io::openInput(inputPath), 1, walked);
         check(walked.runs() == field.getSourceRuns(), "a walk finds the lines that were read");
     }
     const std::uint64_t start = field.getMinAddress();
@@ -125,7 +125,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::unique_ptr<TessaronImportApi> field;
     {
         const Facts::ListenerScope scope(heard);
-        field = Io::Formats::FieldReading().open(inputPath, Buffer::OverlapRule::NotSet);
+        field = Io::Formats::FieldReading().open(inputPath, {});
     }
     check((field == nullptr) == heard.isDamaged, "a file is refused for a reason and only for one");
     if (!field) return 0;

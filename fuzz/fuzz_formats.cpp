@@ -75,8 +75,7 @@ void checkAnswers(TessaronImportApi& file) {
 
 void checkReader(const Io::Formats::InputFormatRow& format) {
     try {
-        const auto file =
-            format.open(inputPath, Io::openInput(inputPath), Buffer::OverlapRule::NotSet, nullptr);
+        const auto file = format.open(inputPath, Io::openInput(inputPath), {}, nullptr);
         if (file) checkAnswers(*file);
     } catch (const Io::Import::Malformed&) {
     }

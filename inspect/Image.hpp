@@ -34,7 +34,7 @@ struct Image {
 ///
 /// @throws Io::bad_open
 /// @throws Io::Import::Malformed  after a report
-std::optional<Image> openImage(const std::string& path);
+std::optional<Image> openImage(const std::string& path, std::uint32_t addressUnit = 1);
 
 /// What `reader` has read of the file `path`, which it gives away.
 Image imageOf(const std::string& path, Io::Import::TessaronImportApi& reader);

@@ -44,10 +44,11 @@ private:
 
 }  // namespace
 
-std::vector<LineRun> lineRunsOf(const std::string& path, Facts::InputFormat format) {
+std::vector<LineRun> lineRunsOf(const std::string& path, Facts::InputFormat format,
+                                std::uint32_t addressUnit) {
     Collector collector;
     if (const auto walk = Io::Formats::rowOf(format).walk)
-        walk(path, Io::openInput(path), collector);
+        walk(path, Io::openInput(path), addressUnit, collector);
     return collector.takeRuns();
 }
 

@@ -13,8 +13,10 @@ namespace Inspect {
 /// Which line of a sound text file gave which addresses, in the order of the file. None for a
 /// format without lines.
 ///
+/// @param addressUnit  the addresses of the file count words of that many bytes
 /// @throws Io::bad_open
-std::vector<LineRun> lineRunsOf(const std::string& path, Facts::InputFormat format);
+std::vector<LineRun> lineRunsOf(const std::string& path, Facts::InputFormat format,
+                                std::uint32_t addressUnit = 1);
 
 /// The line among those from `firstLine` to `lastLine` that gave an address; 0 if none did. Of a
 /// file that gives the address twice, they are the lines of one of its runs.

@@ -25,6 +25,9 @@ struct FileRecord {
     std::vector<std::string> images;            ///< that went into an output
     std::size_t line = 0;                       ///< of the statement in the script
     std::optional<std::uint64_t> startAddress;  ///< of an output, if the script gives one
+    /// Of an output: the bytes of the words that its addresses count.
+    std::uint32_t addressUnit = 1;
+    std::uint32_t swappedWord = 1;  ///< of an output: the bytes of the words that are reversed
 };
 
 /// Addresses that the lines of a text file from `firstLine` on gave, the same number of bytes each;

@@ -36,8 +36,11 @@ auto readWith(Read read, const std::string& path, DiagnosticSink& sink) -> declt
 
 }  // namespace
 
-std::optional<Inspect::Image> readImage(const std::string& path, DiagnosticSink& sink) {
-    return readWith(&Inspect::openImage, path, sink);
+std::optional<Inspect::Image> readImage(const std::string& path, DiagnosticSink& sink,
+                                        std::uint32_t addressUnit) {
+    return readWith(
+        [addressUnit](const std::string& file) { return Inspect::openImage(file, addressUnit); },
+        path, sink);
 }
 
 std::optional<Inspect::Info> readInfo(const std::string& path, bool withSymbols,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -11,7 +12,10 @@ namespace Strict {
 
 /// Reads a file of any format. What is odd about it, or the reason why it cannot be read, goes to
 /// the sink.
-std::optional<Inspect::Image> readImage(const std::string& path, DiagnosticSink& sink);
+///
+/// @param addressUnit  the addresses of the file count words of that many bytes
+std::optional<Inspect::Image> readImage(const std::string& path, DiagnosticSink& sink,
+                                        std::uint32_t addressUnit = 1);
 
 /// All that there is to know of a file; nothing if it cannot be read.
 ///

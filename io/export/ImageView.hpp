@@ -49,6 +49,12 @@ void forStretches(const ImageView& image, Take take) {
     }
 }
 
+/// The bytes of a record of at most `bytes` that has a whole number of words of `unit` bytes, one
+/// at least.
+constexpr std::uint32_t wholeWords(std::uint32_t bytes, std::uint32_t unit) {
+    return std::max(bytes - bytes % unit, unit);
+}
+
 /// Whether anything of `image` belongs into a file.
 inline bool hasStretches(const ImageView& image) {
     return image.unwritten == Unwritten::Filled ||

@@ -36,13 +36,18 @@ IntelHexOutFile::IntelHexOutFile(std::string path, IntelHexOutputStyle style)
     if (length < shortestRecord) reportLength(length, Facts::Bound::Minimum, shortestRecord);
     if (length > longestRecord) reportLength(length, Facts::Bound::Maximum, longestRecord);
     length = std::clamp(length, shortestRecord, longestRecord);
+    if (const std::uint32_t whole = wholeWords(length, outputStyle_.addressUnit); whole != length) {
+        reportLength(length, whole < length ? Facts::Bound::Maximum : Facts::Bound::Minimum, whole);
+        length = whole;
+    }
 }
 
 void IntelHexOutFile::insert(const ImageView& image) {
     const unsigned shift = outputStyle_.useSegmentAddressing ? 4 : 16;
+    const std::uint32_t unit = outputStyle_.addressUnit;
     for (std::size_t at = 0; at < image.elements.size();) {
-        const std::uint64_t address = image.startAddress + at;
-        const std::uint64_t room = ((address >> shift) << shift) + blockSize - address;
+        const std::uint64_t address = (image.startAddress + at) / unit;
+        const std::uint64_t room = (((address >> shift) << shift) + blockSize - address) * unit;
         const std::size_t length = std::min<std::uint64_t>(image.elements.size() - at, room);
         const ImageView block = image.part(at, length);
         if (hasStretches(block)) memoryBuffers_.push_back(block);
@@ -95,7 +100,7 @@ std::string IntelHexOutFile::getStringRepresentationFor(
 void IntelHexOutFile::saveToFile() {
     // Before the file is touched: one block out of reach cancels all of it.
     for (const ImageView& block : memoryBuffers_)
-        if (!setOffsetInformation(block.startAddress).isValid) return;
+        if (!setOffsetInformation(block.startAddress / outputStyle_.addressUnit).isValid) return;
     PieceWriter out = startOutput();
     for (const ImageView& block : memoryBuffers_) writeBlock(out, block);
     if (hasExecutionAddress_) writeStartRecord(out);
@@ -104,22 +109,24 @@ void IntelHexOutFile::saveToFile() {
 }
 
 void IntelHexOutFile::writeBlock(PieceWriter& out, const ImageView& block) const {
-    const OffsetInformation information = setOffsetInformation(block.startAddress);
+    const std::uint32_t unit = outputStyle_.addressUnit;
+    const OffsetInformation information = setOffsetInformation(block.startAddress / unit);
     writeRecord(out, 0, information.recordType,
                 std::array{static_cast<std::uint8_t>(information.base >> 8U),
                            static_cast<std::uint8_t>(information.base)});
     const std::size_t length = outputStyle_.dataRecordLength;
     forStretches(block, [&](const ImageView& stretch) {
-        std::uint64_t offset = information.offset + (stretch.startAddress - block.startAddress);
+        std::uint64_t offset =
+            information.offset + (stretch.startAddress - block.startAddress) / unit;
         forEffectiveBytes(stretch.elements, length, [&](std::span<const std::uint8_t> data) {
             writeRecord(out, offset, IntelRecordType::Data, data);
-            offset += data.size();
+            offset += data.size() / unit;
         });
     });
 }
 
 void IntelHexOutFile::writeStartRecord(PieceWriter& out) const {
-    const std::uint64_t a = executionAddress_;
+    const std::uint64_t a = executionAddress_ / outputStyle_.addressUnit;
     const auto byte = [](std::uint64_t value) { return static_cast<std::uint8_t>(value); };
     if (outputStyle_.useSegmentAddressing)
         // The code segment and, with the paragraph's offset, the instruction pointer.

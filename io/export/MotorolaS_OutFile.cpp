@@ -44,6 +44,8 @@ MotorolaS_OutFile::MotorolaS_OutFile(std::string path, const MotorolaSOutputStyl
     if (size < smallestRecord) reportSize(size, Facts::Bound::Minimum, smallestRecord);
     if (size > largestRecord) reportSize(size, Facts::Bound::Maximum, largestRecord);
     size = std::clamp(size, smallestRecord, largestRecord);
+    // The words that addresses count are short beside a record.
+    size = wholeWords(size, outputStyle_.addressUnit);
     std::string& name = outputStyle_.moduleName;
     name.insert(0, moduleNameLength - std::min(moduleNameLength, name.size()), ' ');
     std::string& description = outputStyle_.description;
@@ -56,6 +58,7 @@ void MotorolaS_OutFile::insert(const ImageView& image) {
         end = stretch.startAddress + stretch.elements.size();
     });
     if (!end) return;
+    *end /= outputStyle_.addressUnit;
     if (*end > highestAddress + 1) {
         Facts::report(Facts::ImageBeyondSRecords{highestAddress});
         return;
@@ -101,7 +104,7 @@ SRecord MotorolaS_OutFile::header() const {
 void MotorolaS_OutFile::saveToFile() {
     const SRecord first = header();
     SRecord terminator;
-    makeRecord(SRecordKind::Terminator, executionAddress_, terminator);
+    makeRecord(SRecordKind::Terminator, executionAddress_ / outputStyle_.addressUnit, terminator);
     // Room for every address beforehand: memory that runs out later would leave half a file.
     Progress progress;
     progress.data.address.reserve(sizeof(std::uint64_t));
@@ -128,12 +131,13 @@ void MotorolaS_OutFile::writeRecord(PieceWriter& out, const SRecord& head,
 void MotorolaS_OutFile::writeImage(PieceWriter& out, const ImageView& image,
                                    Progress& progress) const {
     SRecord& record = progress.data;
-    makeRecord(SRecordKind::Data, image.startAddress, record);
-    std::uint64_t address = image.startAddress;
+    const std::uint32_t unit = outputStyle_.addressUnit;
+    std::uint64_t address = image.startAddress / unit;
+    makeRecord(SRecordKind::Data, address, record);
     const auto writeData = [&](std::span<const std::uint8_t> data) {
         putAddress(address, record.address);
         writeRecord(out, record, data);
-        address += data.size();
+        address += data.size() / unit;
         ++progress.uncounted;
     };
     // An image without elements gives one record without data.

@@ -9,6 +9,7 @@ namespace Io::Export {
 struct IntelHexOutputStyle {
     bool useSegmentAddressing = false;    ///< extended segment instead of linear addresses
     std::uint32_t dataRecordLength = 16;  ///< data bytes a record, 1 to 255
+    std::uint32_t addressUnit = 1;        ///< addresses count words of that many bytes
 };
 
 struct MotorolaSOutputStyle {
@@ -17,6 +18,7 @@ struct MotorolaSOutputStyle {
     std::uint8_t version = 0;
     std::uint8_t revision = 0;
     std::uint32_t maximumRecordSize = 36;  ///< data bytes a record, 21 to 32; 36 is reported
+    std::uint32_t addressUnit = 1;         ///< addresses count words of that many bytes
 };
 
 struct EmbeddedOutputStyle {
@@ -27,6 +29,10 @@ struct EmbeddedOutputStyle {
     std::string elementSeparator = " ";  ///< text between two bytes of a line
     std::string footer;                  ///< text after the data
     std::uint32_t elementsPerLine = 16;  ///< bytes a data line; 0 for all of them on one line
+};
+
+struct TiTxtOutputStyle {
+    std::uint32_t addressUnit = 1;  ///< addresses count words of that many bytes
 };
 
 struct Uf2OutputStyle {

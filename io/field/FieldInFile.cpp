@@ -13,10 +13,14 @@ namespace Io::Field {
 namespace {
 
 std::unique_ptr<FieldParser> makeParser(const std::string& path, Facts::InputFormat format,
-                                        std::uint64_t fileSize) {
+                                        std::uint64_t fileSize, std::uint32_t addressUnit) {
+    std::unique_ptr<FieldParser> parser;
     if (format == Facts::InputFormat::IntelHex)
-        return std::make_unique<IntelHexFieldParser>(path, fileSize);
-    return std::make_unique<SRecordFieldParser>(path, fileSize);
+        parser = std::make_unique<IntelHexFieldParser>(path, fileSize);
+    else
+        parser = std::make_unique<SRecordFieldParser>(path, fileSize);
+    parser->data().bytes().setAddressUnit(addressUnit);
+    return parser;
 }
 
 /// Finds the lines that gave bytes, by their places among all bytes of the file.
@@ -49,13 +53,13 @@ private:
 }  // namespace
 
 FieldInFile::FieldInFile(const std::string& path, Platform::InputFile file,
-                         Facts::InputFormat format, Buffer::OverlapRule rule,
+                         Facts::InputFormat format, const Import::ReadOptions& options,
                          Import::RecordVisitor* visitor)
-    : TextInFile(path), parser_(makeParser(path, format, file.size())) {
+    : TextInFile(path), parser_(makeParser(path, format, file.size(), options.addressUnit)) {
     FieldLines lines(std::move(file));
     parser_->parse(lines, visitor);
     close(lines.textLines());
-    if (rule == Buffer::OverlapRule::NotSet && bytes().hasOverlaps())
+    if (options.rule == Buffer::OverlapRule::NotSet && bytes().hasOverlaps())
         reportOverlaps(lines.takeFile());
 }
 
@@ -65,6 +69,10 @@ Buffer::MemoryBuffer FieldInFile::getMemory(std::uint64_t start, std::uint64_t l
 }
 
 void FieldInFile::reportOverlaps(Platform::InputFile file) const {
+    if (const std::uint32_t unit = bytes().likelyAddressUnit(); unit != 1) {
+        Facts::report(Facts::AddressesCountWords{fileName_, unit});
+        return;
+    }
     const Import::OverlapSearch search(bytes(), FieldReports::mostListed);
     std::vector<std::size_t> offsets;
     for (const auto* found : {&search.different(), &search.equal()})
@@ -99,15 +107,15 @@ void FieldInFile::reportOverlaps(Platform::InputFile file) const {
 std::vector<std::uint64_t> FieldInFile::linesOf(const std::vector<std::size_t>& offsets,
                                                 Platform::InputFile file) const {
     LineSearch search(offsets);
-    walkRecords(fileName_, std::move(file), getFormat(), search);
+    walkRecords(fileName_, std::move(file), getFormat(), bytes().addressUnit(), search);
     return search.takeLines();
 }
 
 void walkRecords(const std::string& path, Platform::InputFile file, Facts::InputFormat format,
-                 Import::RecordVisitor& visitor) {
+                 std::uint32_t addressUnit, Import::RecordVisitor& visitor) {
     Facts::Unheard unheard;
     const Facts::ListenerScope listening(unheard);
-    const auto parser = makeParser(path, format, file.size());
+    const auto parser = makeParser(path, format, file.size(), addressUnit);
     FieldLines lines(std::move(file));
     parser->walk(lines, visitor);
 }

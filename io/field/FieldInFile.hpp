@@ -9,6 +9,7 @@
 #include "io/InFile.hpp"
 #include "io/field/FieldParser.hpp"
 #include "io/import/OverlapSearch.hpp"
+#include "io/import/ReadOptions.hpp"
 #include "io/import/TessaronImportApi.hpp"
 
 namespace Io::Field {
@@ -19,11 +20,11 @@ class FieldInFile final : public TextInFile, public Import::TessaronImportApi {
 public:
     /// @param file  the open file `path`
     /// @param format   Intel HEX or S-records
-    /// @param rule     overlaps are reported unless it is set
+    /// @param options  overlaps are reported unless they have a rule
     /// @param visitor  learns which sound records the file has; null for nobody
     /// @throws Io::bad_open  if the file has changed since it was opened
     FieldInFile(const std::string& path, Platform::InputFile file, Facts::InputFormat format,
-                Buffer::OverlapRule rule, Import::RecordVisitor* visitor = nullptr);
+                const Import::ReadOptions& options, Import::RecordVisitor* visitor = nullptr);
 
     /// A line is damaged, so that the file has no data.
     bool isDamaged() const { return parser_->isDamaged(); }
@@ -65,7 +66,9 @@ private:
 };
 
 /// Visits the records of a file that has been read before, without a report.
+///
+/// @param addressUnit  the addresses of the file count words of that many bytes
 void walkRecords(const std::string& path, Platform::InputFile file, Facts::InputFormat format,
-                 Import::RecordVisitor& visitor);
+                 std::uint32_t addressUnit, Import::RecordVisitor& visitor);
 
 }  // namespace Io::Field

@@ -130,6 +130,8 @@ void FieldParser::takeAhead(FieldLines& lines) {
     if (isEnded_ || !keepsData_ || isDamaged() || textEndLine_ != 0 || data_.bytes().empty() ||
         !ahead_.isDue())
         return;
+    // What follows a record counts bytes.
+    if (data_.bytes().addressUnit() != 1) return;
     const std::uint64_t before = number_;
     for (;;) {
         const std::string_view text = lines.textAhead();
@@ -177,6 +179,7 @@ void FieldParser::visitRun(const Util::Records::DataRun& run, std::string_view t
 }
 
 void FieldParser::setStartAddress(std::uint64_t address) {
+    address *= data_.bytes().addressUnit();
     if (startAddress_.value_or(address) != address)
         Facts::report(Facts::StartAddressesDiffer{reports_.file(), *startAddress_, startLine_,
                                                   address, number_});

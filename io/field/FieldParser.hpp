@@ -84,10 +84,21 @@ protected:
         reports_.damage(number_, line_, fault, found, expected);
     }
 
+    /// The addresses that data of `size` bytes has in the file, where they may count words.
+    std::size_t addressesOf(std::size_t size) const { return size / data_.bytes().addressUnit(); }
+
+    /// Data of the current line is not a whole number of the words that addresses count.
+    bool cutsWord(std::size_t size) {
+        const std::uint32_t unit = data_.bytes().addressUnit();
+        if (size % unit == 0) return false;
+        damage(Facts::RecordFault::WordCut, size, unit);
+        return true;
+    }
+
     /// Data of the current line, or of the run that it ends, passes the end of the address space.
     bool passesEnd(std::uint64_t address, std::size_t size) {
         constexpr std::uint64_t addressSpaceEnd = std::uint64_t{1} << 32U;
-        if (address + size <= addressSpaceEnd) return false;
+        if (address + addressesOf(size) <= addressSpaceEnd) return false;
         damage(Facts::RecordFault::AddressSpace, address);
         return true;
     }
@@ -99,7 +110,8 @@ protected:
 
     /// The current line is a sound data record.
     void visitData(std::uint8_t kind, std::uint64_t address, std::size_t size) {
-        if (visitor_ != nullptr) visitor_->visit({number_, 1, kind, true, address, size});
+        if (visitor_ != nullptr)
+            visitor_->visit({number_, 1, kind, true, address * data_.bytes().addressUnit(), size});
     }
     void tolerate(Facts::Tolerance tolerance) { reports_.tolerate(tolerance, number_); }
 

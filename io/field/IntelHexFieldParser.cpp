@@ -22,7 +22,8 @@ bool IntelHexFieldParser::takeRecord(std::string_view line) {
 
 void IntelHexFieldParser::useData(const IntelRecord& record) {
     const std::uint64_t address = base_ + record.address();
-    noteBorder(record.address() + record.length());
+    if (cutsWord(record.length())) return;
+    noteBorder(record.address() + addressesOf(record.length()));
     if (passesEnd(address, record.length())) return;
     visitData(record.bytes[3], address, record.length());
     store(address, record.data());

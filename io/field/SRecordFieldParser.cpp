@@ -77,8 +77,8 @@ void SRecordFieldParser::use(SRecordType type, std::uint8_t kind, const SRecord&
         case SRecordType::S1:
         case SRecordType::S2:
         case SRecordType::S3:
-            if (passesEnd(address, size)) return;
-            noteBorder(address + size, record.addressSize);
+            if (cutsWord(size) || passesEnd(address, size)) return;
+            noteBorder(address + addressesOf(size), record.addressSize);
             visitData(kind, address, size);
             store(address, record.data());
             return;

@@ -9,12 +9,14 @@
 
 namespace Io::Formats {
 
-AnyFile openAny(const std::string& path, Import::RecordVisitor* visitor) {
+AnyFile openAny(const std::string& path, Import::RecordVisitor* visitor,
+                std::uint32_t addressUnit) {
     Platform::InputFile file = openInput(path);
     AnyFile any{formatOf(path, file), file.size(), nullptr};
     if (any.format)
         any.reader =
-            rowOf(*any.format).open(path, std::move(file), Buffer::OverlapRule::NotSet, visitor);
+            rowOf(*any.format)
+                .open(path, std::move(file), {Buffer::OverlapRule::NotSet, addressUnit}, visitor);
     else
         Facts::report(Facts::FormatForeign{path, std::nullopt});
     return any;

@@ -20,9 +20,11 @@ struct AnyFile {
 
 /// Opens a file once, and reads it.
 ///
-/// @param visitor  learns which records a text file has; null for nobody
+/// @param visitor      learns which records a text file has; null for nobody
+/// @param addressUnit  the addresses of the file count words of that many bytes
 /// @throws Io::bad_open
 /// @throws Import::Malformed  after a report
-AnyFile openAny(const std::string& path, Import::RecordVisitor* visitor = nullptr);
+AnyFile openAny(const std::string& path, Import::RecordVisitor* visitor = nullptr,
+                std::uint32_t addressUnit = 1);
 
 }  // namespace Io::Formats

@@ -9,8 +9,8 @@
 
 namespace Io::Formats {
 
-std::unique_ptr<Import::TessaronImportApi> FieldReading::open(const std::string& path,
-                                                              Buffer::OverlapRule rule) const {
+std::unique_ptr<Import::TessaronImportApi> FieldReading::open(
+    const std::string& path, const Import::ReadOptions& options) const {
     Platform::InputFile file = openInput(path);
     const auto format = formatOf(path, file);
     const bool isOwn =
@@ -19,7 +19,7 @@ std::unique_ptr<Import::TessaronImportApi> FieldReading::open(const std::string&
         Facts::report(Facts::FormatForeign{path, format});
         return nullptr;
     }
-    return rowOf(*format).open(path, std::move(file), rule, nullptr);
+    return rowOf(*format).open(path, std::move(file), options, nullptr);
 }
 
 }  // namespace Io::Formats

@@ -13,8 +13,8 @@ namespace Io::Formats {
 /// of its own.
 class FieldReading final : public Import::InputReading {
 public:
-    std::unique_ptr<Import::TessaronImportApi> open(const std::string& path,
-                                                    Buffer::OverlapRule rule) const override;
+    std::unique_ptr<Import::TessaronImportApi> open(
+        const std::string& path, const Import::ReadOptions& options) const override;
 };
 
 }  // namespace Io::Formats

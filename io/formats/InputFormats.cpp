@@ -17,38 +17,47 @@ namespace Io::Formats {
 namespace {
 
 using Facts::InputFormat;
+using Import::ReadOptions;
 using Import::RecordVisitor;
 using Import::TessaronImportApi;
 using Platform::InputFile;
 using Pointer = std::unique_ptr<TessaronImportApi>;
 
 template <InputFormat format>
-Pointer openRecords(const std::string& path, InputFile file, Buffer::OverlapRule rule,
+Pointer openRecords(const std::string& path, InputFile file, const ReadOptions& options,
                     RecordVisitor* visitor) {
     auto reader =
-        std::make_unique<Field::FieldInFile>(path, std::move(file), format, rule, visitor);
+        std::make_unique<Field::FieldInFile>(path, std::move(file), format, options, visitor);
     return reader->isDamaged() ? nullptr : std::move(reader);
 }
 
 template <InputFormat format>
-void walkRecords(const std::string& path, InputFile file, RecordVisitor& visitor) {
-    Field::walkRecords(path, std::move(file), format, visitor);
+void walkRecords(const std::string& path, InputFile file, std::uint32_t addressUnit,
+                 RecordVisitor& visitor) {
+    Field::walkRecords(path, std::move(file), format, addressUnit, visitor);
 }
 
 /// Reads a file of a format that has no lines.
 template <class Reader>
-Pointer openBinary(const std::string& path, InputFile file, Buffer::OverlapRule /*rule*/,
+Pointer openBinary(const std::string& path, InputFile file, const ReadOptions& /*options*/,
                    RecordVisitor* /*visitor*/) {
     return std::make_unique<Reader>(path, std::move(file));
 }
 
-Pointer openTiTxt(const std::string& path, InputFile file, Buffer::OverlapRule /*rule*/,
-                  RecordVisitor* visitor) {
-    return std::make_unique<Import::TiTxtInFile>(path, std::move(file), visitor);
+Pointer openElf(const std::string& path, InputFile file, const ReadOptions& options,
+                RecordVisitor* /*visitor*/) {
+    return std::make_unique<Import::ElfInFile>(path, std::move(file), options.addressUnit);
 }
 
-void walkTiTxt(const std::string& path, InputFile file, RecordVisitor& visitor) {
-    const Import::TiTxtInFile walked(path, std::move(file), &visitor);
+Pointer openTiTxt(const std::string& path, InputFile file, const ReadOptions& options,
+                  RecordVisitor* visitor) {
+    return std::make_unique<Import::TiTxtInFile>(path, std::move(file), visitor,
+                                                 options.addressUnit);
+}
+
+void walkTiTxt(const std::string& path, InputFile file, std::uint32_t addressUnit,
+               RecordVisitor& visitor) {
+    const Import::TiTxtInFile walked(path, std::move(file), &visitor, addressUnit);
 }
 
 constexpr auto hexEndings = std::to_array<std::string_view>({".hex", ".ihx", ".ihex"});
@@ -71,6 +80,7 @@ constexpr std::array<InputFormatRow, Facts::inputFormatCount> rows{{
      .name = "Intel HEX",
      .endings = hexEndings,
      .startAddress = StartAddress::Optional,
+     .mayCountWords = true,
      .open = &openRecords<InputFormat::IntelHex>,
      .walk = &walkRecords<InputFormat::IntelHex>,
      .recordKinds = hexKinds},
@@ -78,6 +88,7 @@ constexpr std::array<InputFormatRow, Facts::inputFormatCount> rows{{
      .name = "S-records",
      .endings = sRecordEndings,
      .startAddress = StartAddress::Always,
+     .mayCountWords = true,
      .open = &openRecords<InputFormat::MotorolaS>,
      .walk = &walkRecords<InputFormat::MotorolaS>,
      .recordKinds = sRecordKinds},
@@ -93,8 +104,9 @@ constexpr std::array<InputFormatRow, Facts::inputFormatCount> rows{{
      .trace = "SetElfFileAsSource -> ",
      .endings = elfEndings,
      .startAddress = StartAddress::Always,
+     .mayCountWords = true,
      .looksLike = &Import::ElfInFile::looksLike,
-     .open = &openBinary<Import::ElfInFile>},
+     .open = &openElf},
     {.format = InputFormat::Uf2,
      .name = "UF2",
      .keyword = "FROM_UF2",
@@ -107,6 +119,7 @@ constexpr std::array<InputFormatRow, Facts::inputFormatCount> rows{{
      .keyword = "FROM_TI_TXT",
      .trace = "SetTiTxtFileAsSource -> ",
      .endings = tiTxtEndings,
+     .mayCountWords = true,
      .looksLike = &Import::TiTxtInFile::looksLike,
      .open = &openTiTxt,
      .walk = &walkTiTxt},

@@ -8,6 +8,7 @@
 
 #include "facts/InputFormat.hpp"
 #include "io/import/InputReading.hpp"
+#include "io/import/ReadOptions.hpp"
 #include "io/import/RecordVisitor.hpp"
 #include "io/import/TessaronImportApi.hpp"
 #include "platform/Files.hpp"
@@ -20,19 +21,18 @@ namespace Io::Formats {
 
 /// Reads the open file `path`. Null after a report if a text file is damaged.
 ///
-/// @param rule     for addresses that the file gives more than once; a reader that reports them
-/// does
-///                 it only without a rule
 /// @param visitor  learns which records a text file has; null for nobody
 /// @throws Io::bad_open  if the file has changed since it was opened
 /// @throws Import::Malformed  after a report, if a file of another kind is damaged
 using Open = std::unique_ptr<Import::TessaronImportApi> (*)(const std::string& path,
                                                             Platform::InputFile file,
-                                                            Buffer::OverlapRule rule,
+                                                            const Import::ReadOptions& options,
                                                             Import::RecordVisitor* visitor);
 
 /// Visits the records of an open file that has been read before, without a report.
-using Walk = void (*)(const std::string& path, Platform::InputFile file,
+///
+/// @param addressUnit  the addresses of the file count words of that many bytes
+using Walk = void (*)(const std::string& path, Platform::InputFile file, std::uint32_t addressUnit,
                       Import::RecordVisitor& visitor);
 
 /// What a format can say of a start address.
@@ -52,6 +52,7 @@ struct InputFormatRow {
     const char* trace = nullptr;
     std::span<const std::string_view> endings = {};  ///< of its files' names, in lower case
     StartAddress startAddress = StartAddress::Never;
+    bool mayCountWords = false;  ///< its addresses count words for some devices
     /// Whether a file that begins with `head` has the format; null for one that has no mark there.
     bool (*looksLike)(std::string_view head) = nullptr;
     Open open = nullptr;

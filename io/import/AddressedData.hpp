@@ -28,6 +28,7 @@ public:
     std::optional<Buffer::Overlap> findOverlap(bool isDifferent) const override {
         return Import::findOverlap(data_, isDifferent);
     }
+    std::uint32_t likelyAddressUnit() const override { return data_.likelyAddressUnit(); }
     void preferFirst() override { data_.preferFirst(); }
     bool hasStartAddress() const override { return startAddress_.has_value(); }
     std::uint64_t getStartAddress() const override { return startAddress_.value_or(0); }

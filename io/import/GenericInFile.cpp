@@ -23,11 +23,14 @@ void takeAhead(TextLines& lines, InFileType type, IntelHexParser& intelHex,
 
 }  // namespace
 
-GenericInFile::GenericInFile(std::string path) : fileName_(std::move(path)) {
+GenericInFile::GenericInFile(std::string path, std::uint32_t addressUnit)
+    : fileName_(std::move(path)) {
     TextLines lines(fileName_);
     FormatScan scan;
     IntelHexParser intelHex(lines.fileSize());
     MotorolaS_Parser motorolaS(lines.fileSize());
+    intelHex.setAddressUnit(addressUnit);
+    motorolaS.setAddressUnit(addressUnit);
     while (!scan.isFinal() && lines.next()) {
         scan.look(lines.line());
         intelHex.take(lines);

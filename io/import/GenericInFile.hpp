@@ -19,8 +19,9 @@ public:
     /// Detects the format by the first character of each line, see FormatScan, and reads the file
     /// in the same pass.
     ///
+    /// @param addressUnit  of a text format: its addresses count words of that many bytes
     /// @throws Io::bad_open
-    explicit GenericInFile(std::string path);
+    explicit GenericInFile(std::string path, std::uint32_t addressUnit = 1);
 
     /// Takes the file as raw bytes without a look at it.
     ///

@@ -5,8 +5,8 @@
 namespace Io::Import {
 
 std::unique_ptr<TessaronImportApi> ClassicReading::open(const std::string& path,
-                                                        Buffer::OverlapRule /*rule*/) const {
-    return std::make_unique<GenericInFile>(path);
+                                                        const ReadOptions& options) const {
+    return std::make_unique<GenericInFile>(path, options.addressUnit);
 }
 
 const InputReading& classicReading() {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "io/import/ReadOptions.hpp"
 #include "io/import/TessaronImportApi.hpp"
 
 namespace Io::Import {
@@ -17,18 +18,16 @@ public:
 
     /// Reads a file, or returns null after a report if no image can be made of it.
     ///
-    /// @param rule  for addresses that the file gives more than once; a reader that reports them
-    ///              does so only if it is not set
     /// @throws Io::bad_open
     virtual std::unique_ptr<TessaronImportApi> open(const std::string& path,
-                                                    Buffer::OverlapRule rule) const = 0;
+                                                    const ReadOptions& options) const = 0;
 };
 
 /// Reads every file by GenericInFile, and returns null for none.
 class ClassicReading final : public InputReading {
 public:
     std::unique_ptr<TessaronImportApi> open(const std::string& path,
-                                            Buffer::OverlapRule rule) const override;
+                                            const ReadOptions& options) const override;
 };
 
 /// The classic way of reading, which has no state.

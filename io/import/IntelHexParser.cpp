@@ -75,8 +75,8 @@ LineFault IntelHexParser::parseRecord(std::string_view line) {
     return LineFault::None;
 }
 
-bool IntelHexParser::isConsistent(const IntelRecord& record) {
-    if (record.type() == IntelRecordType::Data) return true;
+bool IntelHexParser::isConsistent(const IntelRecord& record) const {
+    if (record.type() == IntelRecordType::Data) return isOfWords(record.length());
     // An end-of-file record is the last line, which does not come here.
     if (record.type() == IntelRecordType::EndOfFile) return false;
     return record.address() == 0 && record.length() == intelDataSize(record.type());

@@ -42,7 +42,7 @@ private:
     void takeLast(std::string_view line);
     void takeRecord(const TextLines& lines);
     LineFault parseRecord(std::string_view line);
-    static bool isConsistent(const IntelRecord& record);
+    bool isConsistent(const IntelRecord& record) const;
     void storeRecord(const IntelRecord& record);
 
     std::unique_ptr<Syntax> syntax_;

@@ -20,15 +20,15 @@ public:
     void append(std::uint64_t address, std::span<const std::uint8_t> bytes, std::uint64_t number) {
         if (bytes.empty()) return;
         bytes_.append(address, bytes);
-        noteLines(address, bytes.size(), number, number);
+        noteLines(bytes.size(), number, number);
     }
 
     /// Appends the first `size` bytes in the room of `bytes`, which the lines from `first` to
-    /// `last` have for the addresses from `address` on.
+    /// `last` have and which belong to `address` and the bytes after it.
     void appendInPlace(std::uint64_t address, std::size_t size, std::uint64_t first,
                        std::uint64_t last) {
         bytes_.appendInPlace(address, size);
-        noteLines(address, size, first, last);
+        noteLines(size, first, last);
     }
 
     /// Discards all data and gives its memory back.
@@ -45,10 +45,9 @@ public:
     std::vector<SourceRun> takeSources() { return std::move(sources_); }
 
 private:
-    void noteLines(std::uint64_t address, std::size_t size, std::uint64_t first,
-                   std::uint64_t last) {
+    void noteLines(std::size_t size, std::uint64_t first, std::uint64_t last) {
         if (bytes_.runs().size() != sources_.size())
-            sources_.push_back({{address, 0}, first, last});
+            sources_.push_back({{bytes_.runs().back().area.start, 0}, first, last});
         sources_.back().area.length += size;
         sources_.back().lastLine = last;
     }

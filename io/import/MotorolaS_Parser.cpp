@@ -126,7 +126,7 @@ bool MotorolaS_Parser::isConsistent(const Record& record) const {
         case SRecordType::S1:
         case SRecordType::S2:
         case SRecordType::S3:
-            return true;
+            return isOfWords(record.dataSize);
         case SRecordType::S5:
             return isNumber(bytes.data(), dataRecordCount_);
         case SRecordType::S7:

@@ -1,6 +1,7 @@
 #include "io/import/ParsedData.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <queue>
 #include <utility>
@@ -14,7 +15,7 @@ void ParsedData::append(std::uint64_t address, std::span<const std::uint8_t> byt
     if (bytes.empty()) return;
     reserve();
     std::memcpy(room(), bytes.data(), bytes.size());
-    appendInPlace(address, bytes.size());
+    appendInPlace(address * addressUnit_, bytes.size());
 }
 
 /// Reserves the memory for all bytes of the file.
@@ -30,7 +31,9 @@ void ParsedData::beginRun(const Buffer::Area& area) {
 }
 
 void ParsedData::clear() {
-    *this = ParsedData(reader_, capacity_);
+    ParsedData empty(reader_, capacity_);
+    empty.setAddressUnit(addressUnit_);
+    *this = std::move(empty);
 }
 
 void ParsedData::finish() {
@@ -61,6 +64,24 @@ std::vector<ParsedData::Run> ParsedData::visibleParts(bool isFirstVisible) const
         while (!begun.empty() && begun.top().area.end() <= at) begun.pop();
     }
     return parts;
+}
+
+std::uint32_t ParsedData::likelyAddressUnit() const {
+    constexpr std::array<std::uint32_t, 2> units{2, 4};
+    constexpr std::size_t fewest = 2;  // one may be a slip
+    std::size_t within = 0;
+    std::array<std::size_t, units.size()> fitting{};
+    for (std::size_t i = 1; i < runs_.size(); ++i) {
+        const Buffer::Area& before = runs_[i - 1].area;
+        const std::uint64_t distance = runs_[i].area.start - before.start;
+        if (distance == 0 || distance >= before.length) continue;
+        ++within;
+        for (std::size_t k = 0; k < units.size(); ++k)
+            if (distance * units[k] == before.length) ++fitting[k];
+    }
+    for (std::size_t k = 0; k < units.size(); ++k)
+        if (fitting[k] >= fewest && 2 * fitting[k] > within) return units[k];
+    return 1;
 }
 
 void ParsedData::preferFirst() {

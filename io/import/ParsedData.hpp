@@ -32,6 +32,11 @@ public:
     ParsedData(Facts::InputFormat reader, std::size_t capacity)
         : reader_(reader), capacity_(capacity) {}
 
+    /// Lets the addresses of the file count words of `bytes` bytes; those of the data always count
+    /// bytes. Called before the first byte is appended.
+    void setAddressUnit(std::uint32_t bytes) { addressUnit_ = bytes; }
+    std::uint32_t addressUnit() const { return addressUnit_; }
+
     /// Appends `bytes`, which the file has from `address` on.
     void append(std::uint64_t address, std::span<const std::uint8_t> bytes);
 
@@ -39,7 +44,7 @@ public:
     /// What is put there becomes data by `appendInPlace`. Not before some bytes have been appended.
     std::uint8_t* room() const { return reinterpret_cast<std::uint8_t*>(bytes_.data()) + size_; }
 
-    /// Appends the first `size` bytes in `room`, which the file has from `address` on.
+    /// Appends the first `size` bytes in `room`, which belong to `address` and the bytes after it.
     void appendInPlace(std::uint64_t address, std::size_t size) {
         if (size == 0) return;
         if (!runs_.empty() && runs_.back().area.end() == address)
@@ -56,7 +61,7 @@ public:
     void appendRead(std::uint64_t address, std::size_t length, Read read) {
         reserve();
         read(std::span(room(), length));
-        appendInPlace(address, length);
+        appendInPlace(address * addressUnit_, length);
     }
 
     /// Discards all bytes and gives their memory back.
@@ -96,6 +101,10 @@ public:
     /// An address is given more than once. Known after `finish`.
     bool hasOverlaps() const;
 
+    /// The bytes of the words that the addresses of the file seem to count, as most of its runs
+    /// begin within the run before where they would begin if that ended; 1 if they count bytes.
+    std::uint32_t likelyAddressUnit() const;
+
     /// Lets the first of several bytes for one address count, in place of the last one. Called
     /// after `finish`.
     void preferFirst();
@@ -112,6 +121,7 @@ private:
 
     Facts::InputFormat reader_;
     std::size_t capacity_;
+    std::uint32_t addressUnit_ = 1;
     Platform::PageBlock bytes_;
     std::size_t size_ = 0;
     std::vector<Run> runs_;

@@ -20,6 +20,7 @@ void moveTo(TextLines& lines, const LinePosition& line) {
 RecordInFile::RecordInFile(const std::string& path, TextLines& lines, ParsedFile parsed,
                            std::uint64_t mostBytes)
     : TextInFile(path), parsedData_(std::move(parsed.data)), startAddress_(parsed.startAddress) {
+    if (startAddress_) *startAddress_ *= parsedData_.addressUnit();
     if (parsed.isExhausted) throw std::bad_alloc();
     reportFault(lines, parsed);
     limitSpan(mostBytes);

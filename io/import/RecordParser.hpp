@@ -48,6 +48,9 @@ struct ParsedFile {
 /// notes its first fault, or that it ran out of memory, and ignores the lines after it.
 class RecordParser {
 public:
+    /// Lets the addresses of the file count words of `bytes` bytes. Called before the first line.
+    void setAddressUnit(std::uint32_t bytes) { parsed_.data.setAddressUnit(bytes); }
+
     /// Hands the result over, once all lines are taken.
     ParsedFile takeResult() { return std::move(parsed_); }
 
@@ -80,6 +83,8 @@ protected:
     std::uint64_t takeDataAhead(TextLines& lines, Decode decode, std::uint64_t base) {
         // The first data record reserves the memory.
         if (isOver() || parsed_.data.empty() || !ahead_.isDue()) return 0;
+        // What follows a record counts bytes.
+        if (parsed_.data.addressUnit() != 1) return 0;
         const std::string_view all = lines.textAhead();
         std::string_view text = all;
         std::uint64_t count = 0;
@@ -97,6 +102,9 @@ protected:
         ahead_.note(count != 0);
         return count;
     }
+
+    /// Data of `size` bytes is a whole number of the words that addresses count.
+    bool isOfWords(std::size_t size) const { return size % parsed_.data.addressUnit() == 0; }
 
     ParsedFile parsed_;
 

@@ -98,6 +98,9 @@ public:
     /// The devices that the file says it is for, in words.
     virtual std::vector<std::string> getDevices() const { return {}; }
 
+    /// The bytes of the words that the addresses of the file seem to count; 1 if they count bytes.
+    virtual std::uint32_t likelyAddressUnit() const { return 1; }
+
     virtual ~TessaronImportApi() = default;
 };
 

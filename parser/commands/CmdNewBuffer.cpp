@@ -120,6 +120,15 @@ bool CmdNewBuffer::execute(CmdContext& context) {
 }
 
 std::optional<MemoryBuffer> CmdNewBuffer::build(CmdContext& context) const {
+    if (sourceKind_ != BufferSourceKind::SourceFile && !mayCountWords("this source", false))
+        return std::nullopt;
+    if (!arrangement_.isPossible(bufferName_, sourceBuffers_.size())) return std::nullopt;
+    std::optional<MemoryBuffer> image = gather(context);
+    if (!image) return std::nullopt;
+    return arrangement_.arranged(bufferName_, std::move(*image), context.observer);
+}
+
+std::optional<MemoryBuffer> CmdNewBuffer::gather(CmdContext& context) const {
     Area range = bufferRange_;
     if (!isGiven(range) && !areas_.empty()) {
         Extent extent;
@@ -145,11 +154,16 @@ std::optional<MemoryBuffer> CmdNewBuffer::fromBuffers(CmdContext& context, Area 
     for (const std::string& name : sourceBuffers_) {
         const MemoryBuffer* const source = findBuffer(context, name);
         if (source == nullptr) return std::nullopt;
-        // Without areas an extract would equal its source.
-        parts.push_back(areas_.empty()
+        // Without areas an extract would equal its source. A range is that of the sources, and of
+        // lanes there is no common image that it could apply to.
+        const Area own = arrangement_.interleave ? range : Area{};
+        parts.push_back(areas_.empty() && !isGiven(own)
                             ? source
-                            : &extracts.emplace_back(extractAreas(*source, areas_, Area{})));
+                            : &extracts.emplace_back(extractAreas(*source, areas_, own)));
     }
+    if (arrangement_.interleave)
+        return arrangement_.interleaved(bufferName_, sourceBuffers_,
+                                        std::vector(parts.begin(), parts.end()), context.observer);
     if (!isGiven(range)) {
         Extent extent;
         for (const MemoryBuffer* part : parts) extent.include(part->getArea());
@@ -175,6 +189,13 @@ std::optional<MemoryBuffer> CmdNewBuffer::fromFile(const CmdContext& context, Ar
     }
 }
 
+/// Reports an address unit where the addresses of `format` cannot count words.
+bool CmdNewBuffer::mayCountWords(std::string_view format, bool mayCount) const {
+    if (!addressUnit_ || mayCount) return true;
+    Facts::report(Facts::AddressUnitRefused{Facts::Subject::Buffer, bufferName_, format});
+    return false;
+}
+
 /// The format has a source of its own and is read as a whole or not at all, so that, unless the
 /// statement has a rule, nothing is lost where the file contradicts itself.
 bool CmdNewBuffer::isWhole() const {
@@ -184,13 +205,16 @@ bool CmdNewBuffer::isWhole() const {
 std::unique_ptr<TessaronImportApi> CmdNewBuffer::openFile(const CmdContext& context) const {
     // For the system a path ends at a zero byte.
     const std::string path = fileName_.substr(0, fileName_.find('\0'));
-    if (format_ == nullptr) return context.reading->open(path, overlapRule_);
-    return format_->open(path, Io::openInput(path), overlapRule_, nullptr);
+    const Io::Import::ReadOptions options{overlapRule_, addressUnit()};
+    if (format_ == nullptr) return context.reading->open(path, options);
+    return format_->open(path, Io::openInput(path), options, nullptr);
 }
 
 std::optional<MemoryBuffer> CmdNewBuffer::readFile(const CmdContext& context, Area range) const {
     const std::unique_ptr<TessaronImportApi> reader = openFile(context);
     if (!reader) return std::nullopt;
+    const auto& row = Io::Formats::rowOf(reader->getFormat());
+    if (!mayCountWords(row.name, row.mayCountWords)) return std::nullopt;
     if (!isGiven(range)) range = {reader->getMinAddress(), reader->getDataLength()};
     const bool isRaw = format_ != nullptr && format_->format == Facts::InputFormat::RawBinary;
     if (!isRaw && range.length > longestFile) {
@@ -200,7 +224,8 @@ std::optional<MemoryBuffer> CmdNewBuffer::readFile(const CmdContext& context, Ar
     if (overlapRule_ == OverlapRule::First) reader->preferFirst();
     if (isRefusing(overlapRule_) || isWhole())
         if (const auto overlap = reader->findOverlap(overlapRule_ != OverlapRule::Error))
-            if (refuses(overlapRule_, *overlap, fileName_, target())) return std::nullopt;
+            if (refuses(overlapRule_, *overlap, fileName_, target(), reader->likelyAddressUnit()))
+                return std::nullopt;
     if (context.observer != nullptr) context.observer->onRead(*this, *reader, range);
     MemoryBuffer result(range.start, range.length);
     if (areas_.empty()) overlayOrReplace(result, reader->takeMemory());

@@ -10,6 +10,7 @@
 #include "buffer/Overlap.hpp"
 #include "io/formats/InputFormats.hpp"
 #include "io/import/TessaronImportApi.hpp"
+#include "parser/commands/Arrangement.hpp"
 #include "parser/commands/CmdApi.hpp"
 #include "parser/commands/Layering.hpp"
 
@@ -49,10 +50,27 @@ public:
     void addArea(const Area& area) { areas_.push_back(area); }
     void setOverlapRule(Buffer::OverlapRule rule) { overlapRule_ = rule; }
 
+    /// One lane of a bus.
+    ///
+    /// @param numbers  which one, of how many, and the bytes of a lane
+    void setLane(std::vector<std::uint32_t> numbers) {
+        arrangement_.lane = {numbers.at(0), numbers.at(1), numbers.at(2)};
+    }
+
+    /// The sources are the lanes of a bus, each of them `width` bytes wide.
+    void setInterleave(std::uint32_t width) { arrangement_.interleave = width; }
+
+    /// Reverses the bytes of each word of 2, 4 or 8 bytes.
+    void setSwappedWord(std::uint32_t size) { arrangement_.wordSize = size; }
+
+    /// The addresses of the file count words of that many bytes.
+    void setAddressUnit(std::uint32_t bytes) { addressUnit_ = bytes; }
+
     const std::string& bufferName() const { return bufferName_; }
     BufferSourceKind sourceKind() const { return sourceKind_; }
     const std::string& fileName() const { return fileName_; }
     const AreaList& areas() const { return areas_; }
+    std::uint32_t addressUnit() const { return addressUnit_.value_or(1); }
     Buffer::OverlapRule overlapRule() const { return overlapRule_; }
 
     bool execute(CmdContext& context) override;
@@ -60,9 +78,12 @@ public:
 
 private:
     bool isWhole() const;
+    bool mayCountWords(std::string_view format, bool mayCount) const;
     std::unique_ptr<Io::Import::TessaronImportApi> openFile(const CmdContext& context) const;
-    /// The image of the statement's source, or nothing after a report.
+    /// The image of the statement, not yet moved, or nothing after a report.
     std::optional<Buffer::MemoryBuffer> build(CmdContext& context) const;
+    /// The image of the statement's source, or nothing after a report.
+    std::optional<Buffer::MemoryBuffer> gather(CmdContext& context) const;
     std::optional<Buffer::MemoryBuffer> fromBuffers(CmdContext& context, Area range) const;
     std::optional<Buffer::MemoryBuffer> fromFile(const CmdContext& context, Area range) const;
     std::optional<Buffer::MemoryBuffer> readFile(const CmdContext& context, Area range) const;
@@ -80,6 +101,8 @@ private:
     Area bufferRange_;
     AreaList areas_;
     Buffer::OverlapRule overlapRule_ = Buffer::OverlapRule::NotSet;
+    std::optional<std::uint32_t> addressUnit_;
+    Arrangement arrangement_;
     std::vector<std::uint32_t> values_;
     std::vector<std::string> sourceBuffers_;
 };

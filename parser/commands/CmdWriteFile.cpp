@@ -17,6 +17,7 @@
 #include "io/export/uf2/Uf2OutFile.hpp"
 #include "io/export/vmem/VmemOutFile.hpp"
 #include "io/formats/InputFormats.hpp"
+#include "parser/commands/Arrangement.hpp"
 #include "parser/commands/Conventions.hpp"
 
 namespace Parser::WrapperLib {
@@ -55,8 +56,20 @@ void setRecordSize(OutputStyles& styles, std::uint32_t number) {
     styles.motorolaStyle.maximumRecordSize = number;
 }
 
-WriterPointer makeTiTxt(const std::string& path, const OutputStyles& /*styles*/) {
-    return std::make_unique<Io::Export::TiTxtOutFile>(path.c_str());
+WriterPointer makeTiTxt(const std::string& path, const OutputStyles& styles) {
+    return std::make_unique<Io::Export::TiTxtOutFile>(path.c_str(), styles.tiTxtStyle);
+}
+
+void setHexUnit(OutputStyles& styles, std::uint32_t bytes) {
+    styles.intelHexStyle.addressUnit = bytes;
+}
+
+void setMotorolaUnit(OutputStyles& styles, std::uint32_t bytes) {
+    styles.motorolaStyle.addressUnit = bytes;
+}
+
+void setTiTxtUnit(OutputStyles& styles, std::uint32_t bytes) {
+    styles.tiTxtStyle.addressUnit = bytes;
 }
 
 WriterPointer makeUf2(const std::string& path, const OutputStyles& styles) {
@@ -120,6 +133,7 @@ constexpr auto exportFormats = std::to_array<ExportFormat>({
      .makeWriter = &makeIntelHex,
      .numberForm = Optional,
      .setNumber = &setRecordLength,
+     .setAddressUnit = &setHexUnit,
      .hasStartAddress = true,
      .endings = hexEndings,
      .otherEndings = textEndings},
@@ -129,6 +143,7 @@ constexpr auto exportFormats = std::to_array<ExportFormat>({
      .makeWriter = &makeIntelHex,
      .numberForm = Optional,
      .setNumber = &setRecordLength,
+     .setAddressUnit = &setHexUnit,
      .hasStartAddress = true,
      .useSegmentAddressing = true,
      .otherEndings = hexTextEndings},
@@ -146,6 +161,7 @@ constexpr auto exportFormats = std::to_array<ExportFormat>({
      .makeWriter = &makeMotorola,
      .numberForm = Optional,
      .setNumber = &setRecordSize,
+     .setAddressUnit = &setMotorolaUnit,
      .hasStartAddress = true,
      .endings = sRecordEndings,
      .otherEndings = textEndings,
@@ -154,6 +170,7 @@ constexpr auto exportFormats = std::to_array<ExportFormat>({
      .meaning = "TI-TXT",
      .trace = "SetExportFormatOptionTiTxt -> ",
      .makeWriter = &makeTiTxt,
+     .setAddressUnit = &setTiTxtUnit,
      .endings = tiTxtEndings},
     {.keyword = "Uf2",
      .meaning = "UF2, for the loader of a family of devices",
@@ -269,7 +286,15 @@ bool CmdWriteFile::execute(CmdContext& context) {
                    [&] { return write(context); });
 }
 
+const ExportFormat& CmdWriteFile::format() const {
+    return format_ == nullptr ? *formatNamed(usualFormat) : *format_;
+}
+
 bool CmdWriteFile::isPossible() const {
+    if (addressUnit_ != 1 && format().setAddressUnit == nullptr) {
+        Facts::report(Facts::AddressUnitRefused{Facts::Subject::File, fileName_, format().keyword});
+        return false;
+    }
     if (format_ == nullptr) return true;
     if (unwritten_ == Io::Export::Unwritten::Skipped && !format_->hasAddresses) {
         Facts::report(Facts::GapsNotExpressible{format_->keyword, fileName_});
@@ -293,7 +318,13 @@ bool CmdWriteFile::write(CmdContext& context) const {
     const auto writer = makeWriter(styles);
     Layers layers;
     if (!layImages(context, layers)) return false;
-    for (const Buffer::MemoryBuffer* const image : layers.images())
+    std::vector<const Buffer::MemoryBuffer*> images = layers.images();
+    std::deque<Buffer::MemoryBuffer> padded;
+    std::deque<Buffer::MemoryBuffer> swapped;
+    const bool isSkipping = unwritten_ == Io::Export::Unwritten::Skipped;
+    if (!padding_.apply(images, padded, isSkipping, fileName_)) return false;
+    if (!swapBytes(images, swapped) || !areOfWords(images)) return false;
+    for (const Buffer::MemoryBuffer* const image : images)
         writer->insert({image->getStartAddress(), image->viewElements(), unwritten_});
     if (hasExecutionStartAddress_) writer->setExecutionAddress(executionStartAddress_);
     try {
@@ -314,11 +345,44 @@ bool CmdWriteFile::layImages(CmdContext& context, Layers& layers) const {
     return layers.add(images, overlapRule_, {Facts::Subject::File, fileName_});
 }
 
+bool CmdWriteFile::areOfWords(const std::vector<const Buffer::MemoryBuffer*>& images) const {
+    if (addressUnit_ == 1) return true;
+    bool areWhole = true;
+    for (const Buffer::MemoryBuffer* const image : images)
+        Io::Export::forStretches(
+            {image->getStartAddress(), image->viewElements(), unwritten_},
+            [&](const Io::Export::ImageView& stretch) {
+                const std::uint64_t start = stretch.startAddress;
+                const std::uint64_t end = start + stretch.elements.size();
+                if (!areWhole || (start % addressUnit_ == 0 && end % addressUnit_ == 0)) return;
+                areWhole = false;
+                Facts::report(Facts::ImageNotOfWords{Facts::Subject::File, fileName_,
+                                                     Facts::WordUse::AddressUnit, start, end,
+                                                     addressUnit_});
+            });
+    return areWhole;
+}
+
+bool CmdWriteFile::swapBytes(std::vector<const Buffer::MemoryBuffer*>& images,
+                             std::deque<Buffer::MemoryBuffer>& swapped) const {
+    if (swappedWord_ == 0) return true;
+    for (const Buffer::MemoryBuffer*& image : images) {
+        if (!isOfWords(*image, swappedWord_, Facts::WordUse::SwappedBytes, Facts::Subject::File,
+                       fileName_))
+            return false;
+        swapped.push_back(
+            Buffer::regrouped(std::array{image}, Buffer::Regrouping::swapped(swappedWord_)));
+        image = &swapped.back();
+    }
+    return true;
+}
+
 std::unique_ptr<Io::Export::TessaronExportApi> CmdWriteFile::makeWriter(
     const OutputStyles& styles) const {
-    // Without a format no setting counts.
-    return format_ == nullptr ? makeIntelHex(fileName_, {})
-                              : format_->makeWriter(fileName_, styles);
+    // Without a format none of its settings counts.
+    OutputStyles counting = format_ == nullptr ? OutputStyles{} : styles;
+    if (addressUnit_ != 1) format().setAddressUnit(counting, addressUnit_);
+    return format().makeWriter(fileName_, counting);
 }
 
 }  // namespace Parser::WrapperLib

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <optional>
 #include <span>
@@ -16,6 +17,7 @@
 #include "io/export/TessaronExportApi.hpp"
 #include "parser/commands/CmdApi.hpp"
 #include "parser/commands/Layering.hpp"
+#include "parser/commands/Padding.hpp"
 
 namespace Parser::WrapperLib {
 
@@ -25,6 +27,7 @@ struct OutputStyles {
     Io::Export::MotorolaSOutputStyle motorolaStyle;
     Io::Export::IntelHexOutputStyle intelHexStyle;
     Io::Export::EmbeddedOutputStyle embeddedStyle;
+    Io::Export::TiTxtOutputStyle tiTxtStyle;
     Io::Export::Uf2OutputStyle uf2Style;
     Io::Export::VmemOutputStyle vmemStyle;
     Io::Export::CArrayOutputStyle arrayStyle;
@@ -52,7 +55,9 @@ struct ExportFormat {
     void (*setNumber)(OutputStyles& styles, std::uint32_t number) = nullptr;
     /// The names of the form `Named`.
     std::span<const Io::NamedNumber> (*names)() = nullptr;
-    bool hasAddresses = true;           ///< it can express gaps
+    bool hasAddresses = true;  ///< it can express gaps
+    /// Lets addresses count words of that many bytes; null if they cannot.
+    void (*setAddressUnit)(OutputStyles& styles, std::uint32_t bytes) = nullptr;
     bool hasStartAddress = false;       ///< it writes the execution address
     bool useSegmentAddressing = false;  ///< of Intel HEX, for this and all later formats
     bool isImageItself = false;         ///< the bytes of the images, one image after the other
@@ -109,9 +114,25 @@ public:
     /// Lets addresses that nothing wrote stay gaps. A format without addresses refuses that.
     void skipUnwritten() { unwritten_ = Io::Export::Unwritten::Skipped; }
 
+    /// Fills gaps of up to `most` addresses that nothing wrote, and lets longer ones stay gaps.
+    void setShortGaps(std::uint32_t most) {
+        padding_.shortGaps = most;
+        skipUnwritten();
+    }
+
+    /// Lets what the file has of the images begin and end at multiples of `alignment`.
+    void setAlignment(std::uint32_t alignment) { padding_.alignment = alignment; }
+
     /// Which byte counts where images have one for the same address. Without a rule the file has
     /// them all, one after the other.
     void setOverlapRule(Buffer::OverlapRule rule) { overlapRule_ = rule; }
+
+    /// Reverses the bytes of each word of 2, 4 or 8 bytes in the file.
+    void setSwappedWord(std::uint32_t size) { swappedWord_ = size; }
+
+    /// Lets the addresses of the file count words of that many bytes; those of images, and the
+    /// execution address, count bytes.
+    void setAddressUnit(std::uint32_t bytes) { addressUnit_ = bytes; }
 
     /// The number form of the execution address.
     void setExecutionStartAddress(std::uint32_t address);
@@ -134,12 +155,26 @@ private:
     /// Fills `layers` with the images in the order in which they are written. False after a report.
     bool layImages(CmdContext& context, Layers& layers) const;
 
+    /// What the file has of `images` is made of the words that its addresses count; reports it if
+    /// not.
+    bool areOfWords(const std::vector<const Buffer::MemoryBuffer*>& images) const;
+
+    /// The format of the statement, or the one that counts without `-setFormat`.
+    const ExportFormat& format() const;
+
+    /// Replaces `images` by those with reversed words, which `swapped` keeps. False after a report.
+    bool swapBytes(std::vector<const Buffer::MemoryBuffer*>& images,
+                   std::deque<Buffer::MemoryBuffer>& swapped) const;
+
     std::string fileName_;
     std::vector<std::string> bufferNames_;
     std::uint64_t executionStartAddress_ = 0;
     bool hasExecutionStartAddress_ = false;
     Buffer::OverlapRule overlapRule_ = Buffer::OverlapRule::NotSet;
     Io::Export::Unwritten unwritten_ = Io::Export::Unwritten::Filled;
+    Padding padding_;
+    std::uint32_t addressUnit_ = 1;
+    std::uint32_t swappedWord_ = 0;         ///< bytes; 0 leaves them in their order
     const ExportFormat* format_ = nullptr;  ///< null without `-setFormat`
     OutputStyles styles_;
 };

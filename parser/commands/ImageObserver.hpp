@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 #include "buffer/Area.hpp"
 #include "buffer/MemoryBuffer.hpp"
+#include "buffer/Regrouping.hpp"
 #include "io/import/TessaronImportApi.hpp"
 
 namespace Parser::WrapperLib {
@@ -36,6 +38,16 @@ public:
 
     /// The fillers of `area` were set by the statement itself.
     virtual void onFill(const std::string& /*name*/, const Buffer::Area& /*area*/) {}
+
+    /// The bytes of the image that a NEW_BUFFER is making have gone to other places.
+    virtual void onRegroup(const Buffer::Regrouping& /*regrouping*/) {}
+
+    /// `image`, which a NEW_BUFFER is making, was made of `lanes`, which are images of those names
+    /// or areas of them.
+    virtual void onInterleave(const Buffer::Regrouping& /*regrouping*/,
+                              std::span<const std::string> /*names*/,
+                              std::span<const Buffer::MemoryBuffer* const> /*lanes*/,
+                              const Buffer::MemoryBuffer& /*image*/) {}
 
     /// A new image has its name; it was moved by `distance` addresses, modulo 2^64, at the end.
     virtual void onMade(const std::string& /*name*/, const Buffer::MemoryBuffer& /*image*/,

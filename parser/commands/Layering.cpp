@@ -46,13 +46,13 @@ std::vector<Group> groupsOf(const std::vector<NamedImage>& images) {
 }  // namespace
 
 bool refuses(OverlapRule rule, const Buffer::Overlap& overlap, std::string_view source,
-             const LayeringTarget& target) {
+             const LayeringTarget& target, std::uint32_t likelyUnit) {
     const bool isDifferent = overlap.differences != 0;
     if (rule == OverlapRule::Same && !isDifferent) return false;
     Facts::report(Facts::OverlapRefused{target.subject, target.name, source, overlap.area.start,
                                         overlap.area.end(), isDifferent,
                                         isDifferent ? overlap.firstDifference : overlap.area.start,
-                                        overlap.earlier, overlap.later});
+                                        overlap.earlier, overlap.later, likelyUnit});
     return true;
 }
 

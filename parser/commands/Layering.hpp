@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <string>
 #include <string_view>
@@ -27,8 +28,10 @@ bool lay(Buffer::MemoryBuffer& result, const Buffer::MemoryBuffer& part, Buffer:
          std::string_view source, const LayeringTarget& target);
 
 /// Reports the overlap and returns true if the rule refuses it.
+///
+/// @param likelyUnit  the bytes of the words that the addresses of a file seem to count
 bool refuses(Buffer::OverlapRule rule, const Buffer::Overlap& overlap, std::string_view source,
-             const LayeringTarget& target);
+             const LayeringTarget& target, std::uint32_t likelyUnit = 1);
 
 /// The rule looks for overlaps that it refuses.
 constexpr bool isRefusing(Buffer::OverlapRule rule) {

@@ -33,8 +33,9 @@ struct NewBufferRules final : StatementRules {
               rules.valueList[on.values("SetHexList -> ", Role::Bytes, &CmdNewBuffer::setValues)]) |
              buffersSource(rules, on, "AddBufferAsSource -> ", &CmdNewBuffer::addSourceBuffer)) >>
             rules.ws;
-        newOptions = *(newStartAddressOption | newByteOrderOption | newAreasOption |
-                       bufferRangeOption | newOverlapOption);
+        newOptions =
+            *(newStartAddressOption | newByteOrderOption | newAreasOption | bufferRangeOption |
+              newOverlapOption | laneOption | interleaveOption | newSwapOption | newUnitOption);
         newStartAddressOption = startAddressSetting[on.number("SetStartAddress -> ", Role::Address,
                                                               &CmdNewBuffer::setNewStartAddress)] >>
                                 rules.ws;
@@ -47,6 +48,18 @@ struct NewBufferRules final : StatementRules {
             rules.area[on.area("SetBufferRange -> ", Role::Range, &CmdNewBuffer::setBufferRange)] >>
             rules.ws;
         newOverlapOption = overlapOption(rules, on);
+        laneOption =
+            rules.keyword("-useLane") >> rules.equals >>
+            (rules.openBrace >> rules.listedValue >> rules.separator >> rules.listedValue >>
+             rules.separator >> rules.listedValue >>
+             rules.closeBrace)[on.values("SetLane -> ", Role::Lane, &CmdNewBuffer::setLane)] >>
+            rules.ws;
+        interleaveOption = rules.keyword("-interleave") >> rules.equals >>
+                           rules.notedValue[on.number("SetInterleave -> ", Role::Interleave,
+                                                      &CmdNewBuffer::setInterleave)] >>
+                           rules.ws;
+        newSwapOption = swapOption(rules, on);
+        newUnitOption = addressUnitOption(rules, on);
     }
 
     /// A rule for each source that is a file.
@@ -74,7 +87,8 @@ struct NewBufferRules final : StatementRules {
     }
 
     Rule newSource, newOptions, newStartAddressOption, startAddressSetting, newByteOrderOption,
-        newAreasOption, bufferRangeOption, newOverlapOption;
+        newAreasOption, bufferRangeOption, newOverlapOption, laneOption, interleaveOption,
+        newSwapOption, newUnitOption;
     std::deque<Rule> files;
 };
 

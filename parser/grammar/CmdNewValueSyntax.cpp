@@ -52,15 +52,9 @@ struct NewValueRules : StatementRules {
             rules.keyword("-setType") >> rules.equals >> (namedType | describedType) >> rules.ws;
         namedType = KeywordOf(Command::types(), type,
                               rules)[on.row(type, Role::Type, &CmdNewValue::setType)];
-        const auto setWordSize = [](CmdNewValue& statement, std::string_view digit) {
-            statement.setWordSize(static_cast<std::uint32_t>(digit.front() - '0'));
-        };
         wordSizeOption =
             rules.keyword("-useWordSize") >> rules.equals >>
-            rules.expected(
-                "2, 4 or 8",
-                (ch_p('2') | ch_p('4') | ch_p('8')) >>
-                    ~eps_p(alnum_p))[on.with("SetWordSize -> ", Role::WordSize, setWordSize)] >>
+            wordSize(rules, on, "SetWordSize -> ", Role::WordSize, &CmdNewValue::setWordSize) >>
             rules.ws;
     }
 

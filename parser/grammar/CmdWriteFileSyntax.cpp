@@ -74,8 +74,18 @@ struct WriteFileRules final : StatementRules {
                          rules.separator) >>
                        rules.closeBrace >> rules.ws;
         writeOverlapOption = overlapOption(rules, on);
-        writeOptions = *(formatOption | skipUnwrittenOption | writeOverlapOption | arrayNameOption |
-                         idOption | executionAddressOption);
+        writeOptions =
+            *(formatOption | skipUnwrittenOption | writeOverlapOption | arrayNameOption | idOption |
+              writeSwapOption | paddingOption | writeUnitOption | executionAddressOption);
+        writeUnitOption = addressUnitOption(rules, on);
+        writeSwapOption = swapOption(rules, on);
+        paddingOption = ((rules.keyword("-fillGapsUpTo") >> rules.equals >>
+                          rules.notedValue[on.number("SetFillGapsUpTo -> ", Role::ShortGaps,
+                                                     &CmdWriteFile::setShortGaps)]) |
+                         (rules.keyword("-alignTo") >> rules.equals >>
+                          rules.notedValue[on.number("SetAlignTo -> ", Role::Alignment,
+                                                     &CmdWriteFile::setAlignment)])) >>
+                        rules.ws;
         arrayNameOption =
             rules.keyword("-setArrayName") >> rules.equals >>
             rules.expected("a name of C", (alpha_p | ch_p('_')) >> *(alnum_p | ch_p('_')))[on.text(
@@ -147,7 +157,8 @@ struct WriteFileRules final : StatementRules {
 
     std::uint32_t named = 0;  ///< the number whose name was read last
     Rule writeBuffers, writeOptions, formatOption, formatName, skipUnwrittenOption,
-        executionAddressOption, arrayNameOption, idOption, writeOverlapOption;
+        executionAddressOption, arrayNameOption, idOption, writeOverlapOption, writeSwapOption,
+        paddingOption, writeUnitOption;
     std::deque<Rule> formats;
 };
 

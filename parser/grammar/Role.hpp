@@ -34,8 +34,14 @@ enum class Role : unsigned char {
     Overlap,  ///< which byte counts
     ByteOrder,
     WordSize,
-    Gaps,       ///< unwritten addresses are left out
-    ArrayName,  ///< a name in C
+    Gaps,         ///< unwritten addresses are left out
+    Lane,         ///< one chip of a bus
+    Interleave,   ///< a bus of its chips
+    SwapBytes,    ///< in words
+    AddressUnit,  ///< of a file
+    ShortGaps,    ///< of a file that are filled
+    Alignment,    ///< of the ends of a file's data
+    ArrayName,    ///< a name in C
     Option,
     None,  ///< of a step of the parser that says nothing new
 };
@@ -54,12 +60,12 @@ public:
     constexpr bool hasAny(Roles roles) const { return (bits_ & roles.bits_) != 0; }
 
 private:
-    static_assert(static_cast<unsigned>(Role::None) < 32, "a bit for each role");
-    static constexpr std::uint32_t bitOf(Role role) {
-        return std::uint32_t{1} << static_cast<unsigned>(role);
+    static_assert(static_cast<unsigned>(Role::None) < 64, "a bit for each role");
+    static constexpr std::uint64_t bitOf(Role role) {
+        return std::uint64_t{1} << static_cast<unsigned>(role);
     }
 
-    std::uint32_t bits_ = 0;
+    std::uint64_t bits_ = 0;
 };
 
 /// The choice of an `InputFile`.

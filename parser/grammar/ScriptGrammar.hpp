@@ -329,6 +329,42 @@ auto overlapOption(CommonRules& rules, const StatementActions<Command>& on) {
            rules.ws;
 }
 
+/// 2 | 4 | 8, as a whole word
+template <class Command>
+auto wordSize(CommonRules& rules, const StatementActions<Command>& on, const char* traceText,
+              Role role, void (Command::*setter)(std::uint32_t)) {
+    using Spirit::ch_p;
+    const auto set = [setter](Command& command, std::string_view digit) {
+        (command.*setter)(static_cast<std::uint32_t>(digit.front() - '0'));
+    };
+    return rules.expected("2, 4 or 8",
+                          (ch_p('2') | ch_p('4') | ch_p('8')) >>
+                              ~Spirit::eps_p(Spirit::alnum_p))[on.with(traceText, role, set)];
+}
+
+/// -setAddressUnit = 2 | 4
+template <class Command>
+auto addressUnitOption(CommonRules& rules, const StatementActions<Command>& on) {
+    const auto set = [](Command& command, std::string_view digit) {
+        command.setAddressUnit(static_cast<std::uint32_t>(digit.front() - '0'));
+    };
+    return rules.keyword("-setAddressUnit") >> rules.equals >>
+           rules.expected(
+               "2 or 4",
+               (Spirit::ch_p('2') | Spirit::ch_p('4')) >>
+                   ~Spirit::eps_p(
+                       Spirit::alnum_p))[on.with("SetAddressUnit -> ", Role::AddressUnit, set)] >>
+           rules.ws;
+}
+
+/// -swapBytes = 2 | 4 | 8
+template <class Command>
+auto swapOption(CommonRules& rules, const StatementActions<Command>& on) {
+    return rules.keyword("-swapBytes") >> rules.equals >>
+           wordSize(rules, on, "SetSwapBytes -> ", Role::SwapBytes, &Command::setSwappedWord) >>
+           rules.ws;
+}
+
 /// [-resolveSymbolsAsHexValue = { name ... }] ...
 template <class Command>
 auto symbolsOption(CommonRules& rules, const StatementActions<Command>& on) {

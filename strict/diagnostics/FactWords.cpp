@@ -171,7 +171,7 @@ Words words(const TooManyBytes& f, const Circumstances& /*c*/) {
 Words words(const GapsNotExpressible& f, const Circumstances& /*c*/) {
     return {{Kind::Outside,
              std::string(f.format) + " has no addresses, so it cannot skip unwritten ones",
-             {Role::Gaps},
+             {Role::Gaps, Role::ShortGaps},
              "choose a format with addresses, or leave the option out"}};
 }
 
@@ -207,6 +207,14 @@ Words words(const NameNotFound& f, const Circumstances& c) {
 
 Words words(const OverlapRefused& f, const Circumstances& /*c*/) {
     const std::string range = addressesText({f.start, f.end - f.start});
+    if (f.likelyUnit != 1) {
+        const std::string unit = std::to_string(f.likelyUnit);
+        return {{Kind::Conflict,
+                 "the addresses of " + std::string(f.source) + " count words of " + unit +
+                     " bytes, so that as addresses of bytes they overlap",
+                 {Role::InputFile},
+                 "-setAddressUnit=" + unit + " reads it"}};
+    }
     if (!f.isDifferent)
         return {{Kind::Conflict,
                  std::string(f.source) + " writes " + range + " a second time, with equal bytes",
@@ -238,6 +246,56 @@ Words words(const WordIncomplete& f, const Circumstances& /*c*/) {
              "the data has " + std::to_string(f.length) + " bytes, which is not a multiple of " +
                  std::to_string(f.wordSize),
              {f.isOfType ? Role::Type : Role::WordSize}}};
+}
+
+Words words(const BusRefused& f, const Circumstances& /*c*/) {
+    const std::vector<Role> bus{Role::Lane, Role::Interleave};
+    switch (f.fault) {
+        case BusFault::WidthZero:
+            return {{Kind::Outside, "a lane of 0 bytes has nothing of the bus", bus}};
+        case BusFault::LanesZero:
+            return {{Kind::Outside, "a bus of 0 lanes has no byte", bus}};
+        case BusFault::LaneUnknown:
+            return {{Kind::Outside,
+                     "there is no lane " + std::to_string(f.lane) + " of " +
+                         std::to_string(f.lanes) + ": they are counted from 0",
+                     bus, "a lane is {which, of how many, bytes of each}"}};
+        case BusFault::RowTooLong:
+            return {{Kind::Outside, "the lanes have 2^32 bytes or more together", bus}};
+        case BusFault::ImagesFew:
+            break;
+    }
+    return {{Kind::Outside, "there are not several images to interleave", bus,
+             "the lanes of a bus are named by FROM_BUFFERS {@Even, @Odd}"}};
+}
+
+/// The part of a statement that needs words.
+Role roleOf(WordUse use) {
+    constexpr std::array roles{Role::SwapBytes, Role::Lane, Role::Interleave, Role::AddressUnit};
+    return roles.at(static_cast<std::size_t>(use));
+}
+
+Words words(const ImageNotOfWords& f, const Circumstances& /*c*/) {
+    std::string text = "the data from " + Inspect::rangeText({f.start, f.end - f.start}) +
+                       " does not begin and end with whole words of " +
+                       Inspect::countText(f.wordSize, "byte");
+    return {{Kind::WordSize,
+             std::move(text),
+             {roleOf(f.use)},
+             f.subject == Subject::File
+                 ? "-alignTo=" + std::to_string(f.wordSize) + " fills up the words at the ends"
+                 : "-useBufferRange={start, length} gives an image whole words"}};
+}
+
+Words words(const AddressUnitRefused& f, const Circumstances& /*c*/) {
+    return {{Kind::Outside,
+             "the addresses of " + std::string(f.format) + " cannot count words",
+             {Role::AddressUnit},
+             "those of Intel HEX, S-records, TI-TXT and ELF can"}};
+}
+
+Words words(const AlignmentZero& /*f*/, const Circumstances& /*c*/) {
+    return {{Kind::Outside, "an end cannot be a multiple of 0", {Role::Alignment}}};
 }
 
 Words words(const FileNotOpened& f, const Circumstances& c) {
@@ -307,9 +365,10 @@ concept NotARefusal = isPrinted<Fact> ||
     OneOf<Fact, FillPatternEmpty, ReadRangeOutside, TextFileEmpty, LastLineMismatched,
           RecordContradictory, LineNotARecord, RecordCountTooLow, DataSpanTooLong, FileMalformed,
           RecordLengthCorrected, GapsNotExpressible, FormatNumberWrong, NameNotFound,
-          OverlapRefused, StatementExhausted, CrcParameterRefused, WordIncomplete, FileNotOpened,
-          FileNotWritten, FileSpanTooLong, ProgramCalled, ProgramEnded, ScriptNotOpened,
-          VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
+          OverlapRefused, StatementExhausted, CrcParameterRefused, WordIncomplete, BusRefused,
+          ImageNotOfWords, AddressUnitRefused, AlignmentZero, FileNotOpened, FileNotWritten,
+          FileSpanTooLong, ProgramCalled, ProgramEnded, ScriptNotOpened, VariableRejected,
+          ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace
 

@@ -27,6 +27,7 @@ Kind kindOf(RecordFault fault) {
         case RecordFault::Digits:
         case RecordFault::CountTooLow:
         case RecordFault::DataSize:
+        case RecordFault::WordCut:
             return Kind::RecordLength;
         case RecordFault::Checksum:
             return Kind::RecordChecksum;
@@ -84,6 +85,9 @@ std::string textOf(const LineDamaged& fact) {
         case RecordFault::DataSize:
             return "the record has " + counted(fact.found, "data byte", "data bytes") +
                    ", one of this type has " + std::to_string(fact.expected);
+        case RecordFault::WordCut:
+            return "the record has " + counted(fact.found, "data byte", "data bytes") +
+                   ", not a whole number of words of " + std::to_string(fact.expected);
         case RecordFault::Checksum:
             return "checksum is " + Util::hexByte(static_cast<std::uint8_t>(fact.found)) +
                    ", the record's bytes give " +
@@ -213,6 +217,14 @@ struct WordsFor {
                     std::to_string(fact.earlierLine) + " and " + Util::hexByte(fact.laterByte) +
                     " in this one",
                 "", fact.file, fact.laterLine};
+    }
+
+    FieldWords operator()(const AddressesCountWords& fact) const {
+        const std::string unit = std::to_string(fact.unit);
+        return {Kind::Conflict,
+                "the addresses of " + std::string(fact.file) + " count words of " + unit +
+                    " bytes, so that as addresses of bytes they overlap",
+                "-setAddressUnit=" + unit + " reads it", fact.file};
     }
 
     FieldWords operator()(const FurtherOverlaps& fact) const {

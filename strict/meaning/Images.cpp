@@ -1,11 +1,13 @@
 #include "strict/meaning/Images.hpp"
 
 #include <algorithm>
+#include <limits>
 #include <string>
 #include <utility>
 
 #include "buffer/MemoryBuffer.hpp"
 #include "buffer/Overlap.hpp"
+#include "buffer/Regrouping.hpp"
 
 namespace Strict {
 
@@ -50,6 +52,48 @@ std::optional<Area> builtRange(const Statement& statement, const std::optional<A
     if (statement.has(Role::InputFile)) return std::nullopt;
     if (const Part* const values = statement.last(Role::Bytes)) return Area{0, values->numberCount};
     return sources ? std::optional(spanOf(*sources)) : std::nullopt;
+}
+
+/// The bus of a part that describes one; nothing if it describes none that can be.
+std::optional<Buffer::Bus> busOf(std::uint64_t lanes, std::uint64_t width) {
+    if (lanes == 0 || width == 0 || lanes * width > std::numeric_limits<std::uint32_t>::max())
+        return std::nullopt;
+    return Buffer::Bus{lanes, width};
+}
+
+/// The range of an image of a bus, of its lanes.
+///
+/// @param built    what the statement cuts all lanes to, if it does
+/// @param sources  the ranges of the lanes; nothing if one is not known
+std::optional<Area> interleavedRange(const Statement& statement,
+                                     const std::optional<AreaList>& sources,
+                                     std::optional<Area> cut) {
+    const auto width = statement.numbersOf(*statement.last(Role::Interleave)).back().value;
+    if (!sources) return std::nullopt;
+    const auto bus = busOf(sources->size(), width);
+    if (!bus) return std::nullopt;
+    AreaList lanes = *sources;
+    if (cut) std::ranges::fill(lanes, *cut);
+    return Buffer::Regrouping::interleaved(*bus).rangeOf(lanes);
+}
+
+/// The range of the lane that a statement takes of an image.
+std::optional<Area> laneRange(const Statement& statement, const std::optional<Area>& image) {
+    const auto numbers = statement.numbersOf(*statement.last(Role::Lane)).last(3);
+    const auto bus = busOf(numbers[1].value, numbers[2].value);
+    if (!image || !bus || numbers[0].value >= bus->lanes) return std::nullopt;
+    return bus->laneArea(numbers[0].value, *image);
+}
+
+/// What `builtRange` is once the statement has put the bytes into their order.
+std::optional<Area> arrangedRange(const Statement& statement,
+                                  const std::optional<AreaList>& sources) {
+    std::optional<Area> range = builtRange(statement, sources);
+    if (statement.has(Role::Interleave)) {
+        const bool isCut = statement.has(Role::Area) || statement.has(Role::Range);
+        range = interleavedRange(statement, sources, isCut ? range : std::nullopt);
+    }
+    return statement.has(Role::Lane) ? laneRange(statement, range) : range;
 }
 
 /// The first of some `united` areas that ends after an address.
@@ -188,7 +232,7 @@ void Images::link(Image& image, const Statement& statement, std::span<const std:
         else
             ranges.reset();
     }
-    image.range = builtRange(statement, ranges);
+    image.range = arrangedRange(statement, ranges);
     std::uint64_t distance = 0;
     if (const Part* const address = statement.last(Role::Address)) {
         if (!image.range) {
@@ -196,6 +240,11 @@ void Images::link(Image& image, const Statement& statement, std::span<const std:
             return;
         }
         distance = statement.numbersOf(*address).back().value - image.range->start;
+    }
+    if (statement.roles.hasAny({Role::Lane, Role::Interleave, Role::SwapBytes})) {
+        // Its bytes are at other places, at which no value can be looked for.
+        if (image.range) image.range->start += distance;
+        return;
     }
     const Area held = image.range.value_or(everywhere);
     for (const std::size_t source : sources) {

@@ -41,6 +41,7 @@ constexpr std::array rules{
     Rule{{Role::ChangesImage}, checkValueSizes},
     Rule{{Role::String}, checkTextSizes},
     Rule{{Role::Bytes}, checkCroppedValues},
+    Rule{{Role::Lane}, checkLaneRows},
     Rule{digests, checkEmptyDigest},
     Rule{{Role::OutputFile}, checkFormatEnding},
     Rule{{Role::OutputFile}, checkEmptyOutput},

@@ -111,7 +111,8 @@ void checkOutputOverlaps(const Step& step) {
     for (std::size_t i = 1, longest = 0; i < images.size(); ++i) {
         const Written& one = images[longest];
         const Written& other = images[i];
-        const Common common = compared(*one.image, *other.image, step.has(Role::Gaps));
+        const Common common = compared(*one.image, *other.image,
+                                       step.statement.roles.hasAny({Role::Gaps, Role::ShortGaps}));
         const bool isInOrder = one.part < other.part;
         if (common.area.length != 0)
             report(step, isInOrder ? one : other, isInOrder ? other : one, common);

@@ -125,6 +125,25 @@ void checkCroppedValues(const Step& step) {
                          "the first value has the address 0; -changeStartAddressTo= moves them");
 }
 
+void checkLaneRows(const Step& step) {
+    const Part* const lane = step.statement.last(Role::Lane);
+    const auto numbers = step.statement.numbersOf(*lane).last(3);
+    const std::uint64_t row = std::uint64_t{numbers[1].value} * numbers[2].value;
+    std::optional<Area> range;
+    if (const Part* const given = step.statement.last(Role::Range))
+        range = step.statement.areaOf(*given);
+    else if (!step.has(Role::Area) && step.used.size() == 1)
+        range = step.images[step.used.front()].range;
+    if (row == 0 || !range || (range->start % row == 0 && range->end() % row == 0)) return;
+    Diagnostic diagnostic{Kind::WordSize,
+                          "the image, " + Inspect::rangeText(*range) +
+                              ", does not begin and end with a row of all lanes, which has " +
+                              Inspect::countText(row, "byte") + ", so some lanes are shorter"};
+    diagnostic.usual = Severity::Warning;
+    diagnostic.hint = "-useBufferRange={start, length} gives an image whole rows";
+    step.findings.report(std::move(diagnostic), lane->text);
+}
+
 void checkEmptyDigest(const Step& step) {
     const Statement& statement = step.statement;
     constexpr std::array made{Role::MakesCrc, Role::MakesHash};
@@ -143,7 +162,8 @@ void checkEmptyOutput(const Step& step) {
     const Part* const file = statement.last(Role::OutputFile);
     const bool hasImage = step.has(Role::UsesImage);
     const bool isEmpty = !hasImage || hasNoAddress(step);
-    const bool hasGaps = step.context != nullptr && step.has(Role::Gaps);
+    const bool hasGaps =
+        step.context != nullptr && statement.roles.hasAny({Role::Gaps, Role::ShortGaps});
     if (!isEmpty && !(hasGaps && hasNothingWritten(step))) return;
     std::string text = "the file gets no byte, since ";
     if (!hasImage)

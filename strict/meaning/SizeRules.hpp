@@ -20,6 +20,10 @@ void checkTextSizes(const Step& step);
 /// `cropped`: bytes of a list that are not in the areas or the range of the image made of it.
 void checkCroppedValues(const Step& step);
 
+/// `word-size`, a warning: an image that lanes are taken of, and that does not begin and end with a
+/// row of all of them. Each lane gets its bytes, but they do not have the same length.
+void checkLaneRows(const Step& step);
+
 /// `empty-digest`: a CRC or hash over no image, or over images without an address.
 void checkEmptyDigest(const Step& step);
 

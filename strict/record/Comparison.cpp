@@ -30,11 +30,13 @@ bool isRaw(const Inspect::Image& image) {
 }
 
 /// The file as the host in force has it; nothing if it cannot be opened or is damaged.
-std::optional<Inspect::Image> contentsOf(const std::string& path) {
+///
+/// @param addressUnit  its addresses count words of that many bytes
+std::optional<Inspect::Image> contentsOf(const std::string& path, std::uint32_t addressUnit) {
     Facts::Unheard unheard;
     const Facts::ListenerScope silence(unheard);
     try {
-        auto image = Inspect::openImage(path);
+        auto image = Inspect::openImage(path, addressUnit);
         return image && image->parts.empty() ? std::nullopt : std::move(image);
     } catch (const Io::bad_open&) {
         return std::nullopt;
@@ -118,16 +120,22 @@ struct ScriptOutput {
     const Inspect::Image* contents;
     const Parser::WrapperLib::ExportFormat* format;
     Images images;
+    std::uint32_t addressUnit;  ///< bytes of the words that its addresses count
+    std::uint32_t swappedWord;  ///< bytes of the words that are reversed
 
     /// The origin of a position in the contents; nothing where the format has no addresses.
     std::optional<ImagePlace> whereOf(std::uint64_t position) const {
-        if (format != nullptr && format->isImageItself) return whereInRaw(images, position);
+        if (format != nullptr && format->isImageItself) return whereInRaw(images, before(position));
         if (format != nullptr && format->addressAt != nullptr) {
             const auto address = format->addressAt(contents->parts.front(), position);
-            return address ? whereIs(images, *address) : std::nullopt;
+            return address ? whereIs(images, before(*address)) : std::nullopt;
         }
-        return isRaw(*contents) ? std::nullopt : whereIs(images, position);
+        return isRaw(*contents) ? std::nullopt : whereIs(images, before(position));
     }
+
+private:
+    /// Where a byte was before the bytes of words were reversed.
+    std::uint64_t before(std::uint64_t address) const { return address ^ (swappedWord - 1); }
 };
 
 /// A note with the statement, and the line of the input, that a byte comes from.
@@ -175,7 +183,8 @@ void explainDamage(Diagnostic& diagnostic, std::uint64_t line, const ScriptOutpu
                    const std::string& path, const Inspect::RunRecord& record) {
     diagnostic.hint =
         "the file is damaged; the first line that differs is line " + Inspect::grouped(line);
-    for (const Inspect::LineRun& run : Inspect::lineRunsOf(path, made.contents->format)) {
+    for (const Inspect::LineRun& run :
+         Inspect::lineRunsOf(path, made.contents->format, made.addressUnit)) {
         if (line < run.firstLine) continue;
         const std::uint64_t distance = (line - run.firstLine) * run.bytesPerLine;
         if (distance >= run.area.length) continue;
@@ -206,13 +215,13 @@ bool haveSameLines(std::string_view one, std::string_view other) {
 /// Adds where an output that the script makes differs from the file on disk, whose text is `text`.
 void explain(Diagnostic& diagnostic, RunFiles& files, const Inspect::FileRecord& output,
              const std::string& path, std::string_view text, const Inspect::RunRecord& record) {
-    const std::optional<Inspect::Image> disk = contentsOf(path);
+    const std::optional<Inspect::Image> disk = contentsOf(path, output.addressUnit);
     const Io::HostScope hosting(files);
-    const std::optional<Inspect::Image> contents = contentsOf(path);
+    const std::optional<Inspect::Image> contents = contentsOf(path, output.addressUnit);
     if (!contents) return;
     const ScriptOutput made{&*contents,
                             Parser::WrapperLib::CmdWriteFile::formatNamed(output.format),
-                            imagesOf(output, record)};
+                            imagesOf(output, record), output.addressUnit, output.swappedWord};
     if (!disk) {
         explainDamage(diagnostic, firstDifferentLine(text, files.contentsOf(path)), made, path,
                       record);

@@ -107,7 +107,8 @@ OriginMap Provenance::originsIn(const CmdNewBuffer& statement, const TessaronImp
         all.set(run.area, sources_.size());
         sources_.push_back({origins_.size(), run.area, run.firstLine, run.lastLine});
     }
-    origins_.push_back({statement.fileName(), reader.getFormat(), reports_->statementPlace()});
+    origins_.push_back({statement.fileName(), reader.getFormat(), reports_->statementPlace(),
+                        statement.addressUnit()});
     return all;
 }
 
@@ -184,21 +185,44 @@ void Provenance::onOverlay(const CmdNewBuffer& statement, const MemoryBuffer& im
 
 const std::vector<Inspect::LineRun>& Provenance::lineRunsOf(const Source& source) const {
     const Origin& origin = originOf(source);
-    const auto [lines, isNew] = lines_.try_emplace(origin.file);
+    const auto [lines, isNew] = lines_.try_emplace({origin.file, origin.addressUnit});
     if (!isNew) return lines->second;
     Facts::Unheard unheard;
     const Facts::ListenerScope listening(unheard);
     try {
-        lines->second = Inspect::lineRunsOf(origin.file, origin.format);
+        lines->second = Inspect::lineRunsOf(origin.file, origin.format, origin.addressUnit);
     } catch (const std::exception&) {
         // The file is gone, or is another one by now: none of its lines is known.
     }
     return lines->second;
 }
 
+/// The byte that a source has at an address, where it was before images were regrouped; nothing if
+/// nothing wrote it.
+std::optional<Provenance::Byte> Provenance::byteAt(std::size_t source,
+                                                   std::uint64_t address) const {
+    while (const auto regrouped = sources_[source].regrouped) {
+        const auto& [how, before] = regrouped_[*regrouped];
+        const auto origin = how.originOf(address);
+        const OriginMap::Range* const range = before[origin.source].find(origin.address);
+        if (range == nullptr) return std::nullopt;
+        source = range->source;
+        address = origin.address - range->moved;
+    }
+    return Byte{source, address};
+}
+
 Provenance::Lines Provenance::linesOf(const OriginMap::Range& range) const {
     const Source& source = sources_[range.source];
     const Area area{range.area.start - range.moved, range.area.length};
+    if (source.regrouped) {
+        const auto lineAt = [&](std::uint64_t address) {
+            const auto byte = byteAt(range.source, address);
+            return byte ? linesOf({{byte->address, 1}, byte->source, 0}).first : 0;
+        };
+        const auto [first, last] = std::minmax({lineAt(area.start), lineAt(area.end() - 1)});
+        return first == 0 || originOf(source).file.empty() ? Lines{} : Lines{first, last};
+    }
     if (area == source.area || source.firstLine == source.lastLine)
         return {source.firstLine, source.lastLine};
     const auto lineAt = [&](std::uint64_t address) {
@@ -211,10 +235,12 @@ Provenance::Lines Provenance::linesOf(const OriginMap::Range& range) const {
 Note Provenance::originNote(const char* what, const OriginMap& origins,
                             std::uint64_t address) const {
     const OriginMap::Range* const found = origins.find(address);
-    if (found == nullptr) return {what, std::nullopt};
-    const Origin& origin = originOf(sources_[found->source]);
+    const auto byte =
+        found == nullptr ? std::nullopt : byteAt(found->source, address - found->moved);
+    if (!byte) return {what, std::nullopt};
+    const Origin& origin = originOf(sources_[byte->source]);
     if (origin.file.empty()) return {what, origin.statement};
-    const std::uint64_t line = linesOf({{address, 1}, found->source, found->moved}).first;
+    const std::uint64_t line = linesOf({{byte->address, 1}, byte->source, 0}).first;
     Note note{what, Place{origin.file, static_cast<std::size_t>(line), 0, "", 0, 0}};
     if (line == 0) note.text += " " + origin.file;
     return note;
@@ -283,6 +309,54 @@ void Provenance::onWrite(const std::string& name, const Area& area) {
 
 void Provenance::onFill(const std::string& name, const Area& area) {
     images_[name].fillers.set(area, thisStatement());
+}
+
+/// Adds a source whose bytes have gone to other places; its number.
+std::size_t Provenance::sourceOf(Source source, std::size_t regrouped) {
+    source.area = {};
+    source.firstLine = source.lastLine = 0;
+    source.regrouped = regrouped;
+    sources_.push_back(source);
+    return sources_.size() - 1;
+}
+
+/// The origins of an image, given those of the only one that it is made of.
+OriginMap Provenance::regroupedOrigins(const OriginMap& before,
+                                       const Buffer::Regrouping& regrouping) {
+    OriginMap after;
+    const std::size_t number = regrouped_.size();
+    for (const auto& [start, range] : before.ranges()) {
+        const std::size_t source = sourceOf(sources_[range.source], number);
+        for (const Area& area : regrouping.placesOf(range.area)) after.set(area, source);
+    }
+    regrouped_.push_back({regrouping, {before}});
+    return after;
+}
+
+void Provenance::onRegroup(const Buffer::Regrouping& regrouping) {
+    current_.written = regroupedOrigins(current_.written, regrouping);
+    current_.fillers = regroupedOrigins(current_.fillers, regrouping);
+}
+
+void Provenance::onInterleave(const Buffer::Regrouping& regrouping,
+                              std::span<const std::string> names,
+                              std::span<const MemoryBuffer* const> lanes,
+                              const MemoryBuffer& image) {
+    Regrouped written{regrouping, {}};
+    for (std::size_t i = 0; i < lanes.size(); ++i)
+        written.before.emplace_back().lay(images_[names[i]].written, lanes[i]->getArea());
+    // Neighbours come from different images, so a range for each of them would be one for each
+    // byte: the statement is what all of them have in common.
+    const std::size_t source = sourceOf(sources_[thisStatement()], regrouped_.size());
+    for (const Area& area : Buffer::writtenAreas(image, image.getArea()))
+        current_.written.set(area, source);
+    regrouped_.push_back(std::move(written));
+    // Fillers are laid under whole images.
+    const auto isFilled = [this](const std::string& name) {
+        return !images_[name].fillers.empty();
+    };
+    if (std::ranges::all_of(names, isFilled))
+        current_.fillers.set(image.getArea(), thisStatement());
 }
 
 void Provenance::onMade(const std::string& name, const MemoryBuffer& /*image*/,

@@ -4,9 +4,12 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "buffer/Regrouping.hpp"
 #include "facts/InputFormat.hpp"
 #include "inspect/RunRecord.hpp"
 #include "parser/commands/CmdNewBuffer.hpp"
@@ -27,6 +30,7 @@ public:
         std::string file;           ///< as the script names it; empty for a statement by itself
         Facts::InputFormat format;  ///< of the file
         Place statement;
+        std::uint32_t addressUnit = 1;  ///< bytes of the words that addresses of the file count
     };
 
     /// Bytes that follow each other in a file and in the address space, or all of a statement.
@@ -36,6 +40,9 @@ public:
         Buffer::Area area;            ///< in the file; of length 0 for a statement by itself
         std::uint64_t firstLine = 0;  ///< 0 in a file without lines
         std::uint64_t lastLine = 0;
+        /// Of `regrouped_`, which says where the bytes were before; none for those of a file or a
+        /// statement.
+        std::optional<std::size_t> regrouped = {};
     };
 
     /// Lines of an input file; 0 and 0 for one without lines.
@@ -89,11 +96,29 @@ public:
                    const Buffer::MemoryBuffer& part) override;
     void onWrite(const std::string& name, const Buffer::Area& area) override;
     void onFill(const std::string& name, const Buffer::Area& area) override;
+    void onRegroup(const Buffer::Regrouping& regrouping) override;
+    void onInterleave(const Buffer::Regrouping& regrouping, std::span<const std::string> names,
+                      std::span<const Buffer::MemoryBuffer* const> lanes,
+                      const Buffer::MemoryBuffer& image) override;
     void onMade(const std::string& name, const Buffer::MemoryBuffer& image,
                 std::uint64_t distance) override;
 
 private:
+    /// Images whose bytes have gone to other places, as they were before.
+    struct Regrouped {
+        Buffer::Regrouping how;
+        std::vector<OriginMap> before;  ///< of each image
+    };
+    /// A byte of a file, or of a statement by itself.
+    struct Byte {
+        std::size_t source;
+        std::uint64_t address;  ///< in that
+    };
+
     std::size_t thisStatement();
+    std::size_t sourceOf(Source source, std::size_t regrouped);
+    OriginMap regroupedOrigins(const OriginMap& before, const Buffer::Regrouping& regrouping);
+    std::optional<Byte> byteAt(std::size_t source, std::uint64_t address) const;
     OriginMap originsIn(const Parser::WrapperLib::CmdNewBuffer& statement,
                         const Io::Import::TessaronImportApi& reader);
     void reportCropped(const std::string& file, const OriginMap& all, const OriginMap& kept);
@@ -109,7 +134,9 @@ private:
     std::map<std::string, Image> images_;
     std::vector<Origin> origins_;
     std::vector<Source> sources_;
-    mutable std::map<std::string, std::vector<Inspect::LineRun>> lines_;  ///< by path
+    std::vector<Regrouped> regrouped_;
+    /// By path and address unit.
+    mutable std::map<std::pair<std::string, std::uint32_t>, std::vector<Inspect::LineRun>> lines_;
     std::vector<Input> inputs_;
 };
 

@@ -229,6 +229,12 @@ private:
         return image.getByteOrder() == Buffer::ByteOrder::BigEndian ? "BigEndian" : "LittleEndian";
     }
 
+    /// The digit that an option of the statement has; 1 without the option.
+    static std::uint32_t digitOf(const Statement& statement, Role option) {
+        const std::string_view digit = statement.textOf(option);
+        return digit.empty() ? 1 : static_cast<std::uint32_t>(digit.front() - '0');
+    }
+
     void addOutput(const Statement& statement) {
         const std::string name = cleanedPath(std::string(statement.textOf(Role::OutputFile)));
         Inspect::FileRecord file;
@@ -239,6 +245,8 @@ private:
         file.line = lineOf(statement);
         if (const Part* const start = statement.last(Role::Start))
             file.startAddress = statement.numbersOf(*start).back().value;
+        file.addressUnit = digitOf(statement, Role::AddressUnit);
+        file.swappedWord = digitOf(statement, Role::SwapBytes);
         const FileDigest digest = run_->files->outputDigest(name);
         file.size = digest.size;
         file.sha256 = digest.sha256;

@@ -265,6 +265,7 @@ void ScriptCheck::checkDecimal(const Number& number) {
 
 /// The bytes of a new image as far as its statement fixes their number.
 std::optional<std::uint64_t> ScriptCheck::lengthOf(const Statement& statement) {
+    if (statement.roles.hasAny({Role::Lane, Role::Interleave})) return std::nullopt;
     if (const Part* const range = statement.last(Role::Range))
         return statement.areaOf(*range).length;
     if (statement.has(Role::Area)) return std::nullopt;

@@ -32,7 +32,7 @@ private:
 };
 
 std::unique_ptr<Io::Import::TessaronImportApi> openField(const std::string& path) {
-    return FieldReading().open(path, Buffer::OverlapRule::NotSet);
+    return FieldReading().open(path, {});
 }
 
 /// A data record of one byte. Its checksum makes the sum of its bytes 0.

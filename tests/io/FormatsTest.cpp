@@ -162,7 +162,7 @@ TEST(RecordWalk, VisitsEveryRecordWithItsLineWhileItReadsAndAfterwards) {
         EXPECT_EQ(file.format, walk.format);
         EXPECT_EQ(oneByOne(reading.all), walk.records);
         Visited walking;
-        Io::Formats::rowOf(walk.format).walk(path, Io::openInput(path), walking);
+        Io::Formats::rowOf(walk.format).walk(path, Io::openInput(path), 1, walking);
         EXPECT_EQ(oneByOne(walking.all), walk.records);
     }
 }

@@ -47,6 +47,28 @@ void expect(const std::vector<Row>& rows, const std::string& before = "") {
 const std::string app = "NEW_BUFFER @app FROM_FILE app.hex\n";
 const std::string crc = "NEW_CRC @crc FROM_BUFFER @app ";
 
+TEST(MeaningTest, LanesHaveTheRangesOfTheirBus) {
+    const auto expectOf = [](const std::string& area, const std::string& made, const Lines& lines) {
+        const std::string script =
+            "NEW_BUFFER @bus EMPTY -useBufferRange={0x10, 12}\nNEW_BUFFER @l " + made +
+            "\nNEW_CRC @crc FROM_BUFFER @l -useAreas={{" + area + "}}";
+        EXPECT_EQ(found(script), lines) << script;
+    };
+    expectOf("8, 6", "FROM_BUFFER @bus -useLane={0, 2, 1}", {});
+    expectOf("8, 7", "FROM_BUFFER @bus -useLane={0, 2, 1}", {"3:40 outside"});
+    expectOf("5, 4", "FROM_BUFFER @bus -useLane={2, 3, 1}", {"2:41 word-size"});
+    expectOf("6, 4", "FROM_BUFFER @bus -useBufferRange={18, 12} -useLane={2, 3, 1}", {});
+    expectOf("5, 4", "FROM_BUFFER @bus -useBufferRange={18, 12} -useLane={2, 3, 1}",
+             {"3:40 outside"});
+    expectOf("32, 24", "FROM_BUFFERS {@bus, @bus} -interleave=4", {});
+    expectOf("31, 24", "FROM_BUFFERS {@bus, @bus} -interleave=4", {"3:40 outside"});
+    expectOf("16, 16", "FROM_BUFFERS {@bus, @bus} -interleave=4 -useBufferRange={8, 8}", {});
+    expectOf("16, 12", "FROM_BUFFERS {@bus, @bus} -interleave=4 -useLane={0, 2, 4}", {});
+    // What cannot be has no range, and its statement says so when it runs.
+    expectOf("0, 99", "FROM_BUFFER @bus -useLane={0, 0, 1}", {});
+    expectOf("0, 99", "FROM_BUFFERS {@bus, @bus} -interleave=0", {});
+}
+
 TEST(MeaningTest, AValueFitsItsArea) {
     expect({{"FILL_BUFFER @app WITH_CRC @crc -useAreas={{0, 4}}", {}},
             {"FILL_BUFFER @app WITH_CRC @crc -useAreas={{0, 2}}", {"4:43 value-size"}},

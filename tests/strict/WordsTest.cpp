@@ -26,6 +26,7 @@ using Parser::Role;
 const std::vector<Role> area{Role::Area, Role::Range, Role::Address};
 const std::vector<Role> input{Role::InputFile};
 const std::vector<Role> output{Role::OutputFile};
+const std::vector<Role> bus{Role::Lane, Role::Interleave};
 
 /// The system gives a reason for all that fails but "silent", and a statement makes "@made".
 Circumstances circumstances(bool isScript) {
@@ -170,6 +171,31 @@ std::vector<FactRow> imageRows() {
          {{Kind::WordSize,
            "the data has 7 bytes, which is not a multiple of 4",
            {Role::WordSize}}}},
+        {BusRefused{"@l", BusFault::WidthZero, 0, 2},
+         {{Kind::Outside, "a lane of 0 bytes has nothing of the bus", bus}}},
+        {BusRefused{"@l", BusFault::LanesZero, 0, 0},
+         {{Kind::Outside, "a bus of 0 lanes has no byte", bus}}},
+        {BusRefused{"@l", BusFault::LaneUnknown, 2, 2},
+         {{Kind::Outside, "there is no lane 2 of 2: they are counted from 0", bus,
+           "a lane is {which, of how many, bytes of each}"}}},
+        {BusRefused{"@l", BusFault::RowTooLong, 0, 2},
+         {{Kind::Outside, "the lanes have 2^32 bytes or more together", bus}}},
+        {BusRefused{"@l", BusFault::ImagesFew, 0, 1},
+         {{Kind::Outside, "there are not several images to interleave", bus,
+           "the lanes of a bus are named by FROM_BUFFERS {@Even, @Odd}"}}},
+        {AddressUnitRefused{Subject::Buffer, "@raw", "raw bytes"},
+         {{Kind::Outside,
+           "the addresses of raw bytes cannot count words",
+           {Role::AddressUnit},
+           "those of Intel HEX, S-records, TI-TXT and ELF can"}}},
+        {AlignmentZero{"out"},
+         {{Kind::Outside, "an end cannot be a multiple of 0", {Role::Alignment}}}},
+        {ImageNotOfWords{Subject::File, "out", WordUse::AddressUnit, 1, 5, 2},
+         {{Kind::WordSize,
+           "the data from 0x00000001 to 0x00000004 does not begin and end with whole words of 2 "
+           "bytes",
+           {Role::AddressUnit},
+           "-alignTo=2 fills up the words at the ends"}}},
     };
 }
 
@@ -235,7 +261,7 @@ std::vector<FactRow> fileRows() {
         {GapsNotExpressible{"RawBinary", "out"},
          {{Kind::Outside,
            "RawBinary has no addresses, so it cannot skip unwritten ones",
-           {Role::Gaps},
+           {Role::Gaps, Role::ShortGaps},
            "choose a format with addresses, or leave the option out"}}},
         {ProgramEnded{"sign", 0}, {}},
         {ProgramEnded{"sign", 3}, {{Kind::CallFailed, "sign ended with code 3", {Role::Program}}}},
@@ -347,6 +373,8 @@ const std::vector<FaultRow>& faultRows() {
     constexpr auto motorola = InputFormat::MotorolaS;
     static const std::vector<FaultRow> rows{
         {NotARecord, 0, 0, Kind::RecordLine, "the line is not a record"},
+        {WordCut, 3, 2, Kind::RecordLength,
+         "the record has 3 data bytes, not a whole number of words of 2"},
         {ForeignText, 0x1A, 6, Kind::RecordLine,
          "text goes on after the byte 1A at the end of line 6"},
         {OtherFormat, 0, 0, Kind::WrongFormat, "an S-record in a file of Intel HEX"},
@@ -449,6 +477,10 @@ std::vector<FieldRow> fieldRows() {
          {Kind::Conflict, "1 more range of f with other bytes", "", "f"}},
         {FurtherOverlaps{"f", false, 2},
          {Kind::Overlap, "2 more ranges of f with the same bytes again", "", "f", 0, 0, {}, 2}},
+        {AddressesCountWords{"f", 2},
+         {Kind::Conflict,
+          "the addresses of f count words of 2 bytes, so that as addresses of bytes they overlap",
+          "-setAddressUnit=2 reads it", "f"}},
     };
     for (const FaultRow& row : faultRows()) {
         // The digit is the only fault with a place in its line.
@@ -479,7 +511,7 @@ TEST(FieldWordsTest, EveryFactHasItsKindItsWordsAndItsPlace) {
     EXPECT_EQ(facts.size(), std::variant_size_v<FieldFact>) << "each fact has a row";
     std::set<RecordFault> faults;
     for (const FaultRow& row : faultRows()) faults.insert(row.fault);
-    EXPECT_EQ(faults.size(), static_cast<std::size_t>(RecordFault::InRemark) + 1);
+    EXPECT_EQ(faults.size(), static_cast<std::size_t>(RecordFault::WordCut) + 1);
     std::set<Tolerance> tolerances;
     for (const ToleranceRow& row : toleranceRows()) tolerances.insert(row.tolerance);
     EXPECT_EQ(tolerances.size(), toleranceCount);

@@ -104,10 +104,10 @@ syntax match tessaronConstant /\v<%(Hash_Sha3_224|Hash_Sha3_256|Hash_Sha3_384|Ha
 " Options.
 syntax match tessaronSection /\.\?\k\+/ contained
 syntax match tessaronSectionEquals /=/ contained nextgroup=tessaronSection skipwhite skipempty
-syntax match tessaronOption /\v<%(-changeStartAddressTo|-setByteOrder|-setType|-setFormat|-skipUnwritten|-onOverlap|-useWordSize|-setAlignment|-setVendorId|-setProductId)/
+syntax match tessaronOption /\v<%(-changeStartAddressTo|-setByteOrder|-setType|-setFormat|-skipUnwritten|-onOverlap|-useWordSize|-interleave|-swapBytes|-setAddressUnit|-fillGapsUpTo|-alignTo|-setAlignment|-setVendorId|-setProductId)/
 syntax match tessaronOption /\v<%(-setExecutionAddress|-setArrayName)/
       \ nextgroup=tessaronSectionEquals skipwhite skipempty
-syntax match tessaronOption /\v<%(-useAreas|-useBufferRange)/
+syntax match tessaronOption /\v<%(-useAreas|-useBufferRange|-useLane)/
       \ nextgroup=tessaronNumbersEquals skipwhite skipempty
 syntax match tessaronOption /\v<-resolveSymbolsAsHexValue/
       \ nextgroup=tessaronNamesEquals skipwhite skipempty

@@ -35,7 +35,8 @@ void writeLine(PieceWriter& out, std::span<const std::uint8_t> bytes) {
 void TiTxtOutFile::insert(const ImageView& image) {
     images_.push_back(image);
     forStretches(image, [this](const ImageView& stretch) {
-        isBeyond_ = isBeyond_ || stretch.startAddress + stretch.elements.size() > addressSpace32;
+        const std::uint64_t end = stretch.startAddress + stretch.elements.size();
+        isBeyond_ = isBeyond_ || end / style_.addressUnit > addressSpace32;
     });
 }
 
@@ -49,7 +50,7 @@ void TiTxtOutFile::saveToFile() {
     for (const ImageView& image : images_)
         forStretches(image, [&](const ImageView& stretch) {
             if (stretch.elements.empty()) return;
-            writeAddress(out, stretch.startAddress);
+            writeAddress(out, stretch.startAddress / style_.addressUnit);
             forEffectiveBytes(stretch.elements, perLine,
                               [&](std::span<const std::uint8_t> bytes) { writeLine(out, bytes); });
         });

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "io/OutFile.hpp"
+#include "io/export/OutputStyles.hpp"
 #include "io/export/TessaronExportApi.hpp"
 
 namespace Io::Export {
@@ -15,13 +16,15 @@ namespace Io::Export {
 /// address of four digits or more. Addresses above 0xFFFFFFFF cancel the file.
 class TiTxtOutFile final : public TextOutFile, public TessaronExportApi {
 public:
-    explicit TiTxtOutFile(std::string path) : TextOutFile(std::move(path)) {}
+    explicit TiTxtOutFile(std::string path, TiTxtOutputStyle style = {})
+        : TextOutFile(std::move(path)), style_(style) {}
 
     void insert(const ImageView& image) override;
     void saveToFile() override;
     void setExecutionAddress(std::uint64_t /*address*/) override {}
 
 private:
+    TiTxtOutputStyle style_;
     std::deque<ImageView> images_;
     bool isBeyond_ = false;
 };

@@ -32,16 +32,20 @@ void ElfFile::refuse(FormatFault fault, std::uint64_t where, std::uint64_t numbe
     Import::refuse(Facts::InputFormat::Elf, fileName_, fault, where, number);
 }
 
-ElfFile::ElfFile(const std::string& path, Platform::InputFile file)
-    : BinaryInFile(path, std::move(file)) {
+ElfFile::ElfFile(const std::string& path, Platform::InputFile file, std::uint32_t addressUnit)
+    : BinaryInFile(path, std::move(file)), addressUnit_(addressUnit) {
     const std::vector<std::uint8_t> header = readHeader();
     const auto number = [&](Elf::Field field) { return numbers_.of(field, header); };
-    entry_ = number(layout_->header.entry);
-    const std::uint64_t machine = number(layout_->header.machine);
-    isArm_ = machine == Elf::machineArm;
-    hasMappingSymbols_ = isArm_ || machine == Elf::machineAArch64 || machine == Elf::machineRiscV;
+    entry_ = number(layout_->header.entry) * addressUnit_;
+    machine_ = number(layout_->header.machine);
+    isArm_ = machine_ == Elf::machineArm;
+    hasMappingSymbols_ = isArm_ || machine_ == Elf::machineAArch64 || machine_ == Elf::machineRiscV;
     readTables(header);
     findSegments();
+}
+
+std::uint32_t ElfFile::addressUnitOfMachine() const {
+    return machine_ == Elf::machineC2000 || machine_ == Elf::machineDsPic30F ? 2 : 1;
 }
 
 void ElfFile::readAll(std::uint64_t start, std::span<std::uint8_t> out) const {
@@ -132,12 +136,13 @@ void ElfFile::addSegment(std::uint64_t index, bool usesVirtual) {
         refuse(FormatFault::SegmentTooLong, index, fileLength);
     const std::uint64_t address =
         number(usesVirtual ? fields.virtualAddress : fields.physicalAddress);
-    if (address > std::numeric_limits<std::uint64_t>::max() - fileLength)
+    if (address > (std::numeric_limits<std::uint64_t>::max() - fileLength) / addressUnit_)
         refuse(FormatFault::AddressTooHigh, index, address);
     const std::uint64_t end = offset + fileLength;
     const std::uint64_t begin =
         offset < layout_->header.size ? firstSectionIn(offset, end) : offset;
-    if (begin < end) segments_.push_back({address + (begin - offset), begin, end - begin});
+    if (begin < end)
+        segments_.push_back({address * addressUnit_ + (begin - offset), begin, end - begin});
 }
 
 /// Where the data of a segment [`offset`, `end`) of the file begins that has the file's headers.
@@ -184,7 +189,7 @@ std::optional<Symbol> ElfFile::symbolOf(std::span<const std::uint8_t> entry,
     if (!isDefined || type == Elf::sectionSymbol || type == Elf::fileSymbol) return std::nullopt;
     constexpr unsigned bindingShift = 4;
     const bool isGlobal = number(fields.info) >> bindingShift != Elf::localBinding;
-    Symbol symbol{nameAt(names, number(fields.name)), number(fields.value),
+    Symbol symbol{nameAt(names, number(fields.name)), number(fields.value) * addressUnit_,
                   number(fields.symbolSize), Symbol::Kind::Other, isGlobal};
     const bool isMapping = hasMappingSymbols_ && !isGlobal && isMappingName(symbol.name);
     if (isMapping) return std::nullopt;

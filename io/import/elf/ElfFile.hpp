@@ -33,10 +33,17 @@ public:
     explicit ElfFile(const std::string& path) : ElfFile(path, openInput(path)) {}
 
     /// The file `path` has been opened already.
-    ElfFile(const std::string& path, Platform::InputFile file);
+    ///
+    /// @param addressUnit  the addresses of the file count words of that many bytes, its sizes
+    /// count
+    ///                     bytes; those that are answered all count bytes
+    ElfFile(const std::string& path, Platform::InputFile file, std::uint32_t addressUnit = 1);
 
     /// The entry point; 0 counts as none.
     std::uint64_t entry() const { return entry_; }
+
+    /// The bytes of the words that addresses count on the machine that the file is for.
+    std::uint32_t addressUnitOfMachine() const;
 
     /// What is to be loaded, in the order of the program headers.
     ///
@@ -91,6 +98,8 @@ private:
 
     const Elf::Layout* layout_ = nullptr;
     Elf::Numbers numbers_;
+    std::uint32_t addressUnit_;
+    std::uint64_t machine_ = 0;
     std::uint64_t entry_ = 0;
     bool isArm_ = false;
     bool hasMappingSymbols_ = false;

@@ -19,14 +19,17 @@ public:
     explicit ElfInFile(const std::string& path) : ElfInFile(path, openInput(path)) {}
 
     /// The file `path` has been opened already.
-    ElfInFile(const std::string& path, Platform::InputFile file)
-        : ElfInFile(std::make_unique<ElfFile>(path, std::move(file))) {}
+    ///
+    /// @param addressUnit  the addresses of the file count words of that many bytes
+    ElfInFile(const std::string& path, Platform::InputFile file, std::uint32_t addressUnit = 1)
+        : ElfInFile(std::make_unique<ElfFile>(path, std::move(file), addressUnit)) {}
 
     /// A file that begins with `head` is an ELF file (System V ABI, chapter 4).
     static bool looksLike(std::string_view head) { return head.starts_with("\x7F\x45LF"); }
 
     Buffer::AreaList getSegments() const override;
     std::vector<Symbol> getSymbols() const override { return file_->symbols(); }
+    std::uint32_t likelyAddressUnit() const override { return file_->addressUnitOfMachine(); }
 
 private:
     explicit ElfInFile(std::unique_ptr<const ElfFile> file);

@@ -60,8 +60,12 @@ inline constexpr std::uint64_t sectionSymbol = 3;        ///< STT_SECTION
 inline constexpr std::uint64_t fileSymbol = 4;           ///< STT_FILE
 inline constexpr std::uint64_t localBinding = 0;         ///< STB_LOCAL
 inline constexpr std::uint64_t machineArm = 40;          ///< EM_ARM
-inline constexpr std::uint64_t machineAArch64 = 183;     ///< EM_AARCH64
-inline constexpr std::uint64_t machineRiscV = 243;       ///< EM_RISCV
+/// EM_DSPIC30F; as on the next, an address counts words of 16 bits.
+inline constexpr std::uint64_t machineDsPic30F = 118;
+/// EM_TI_C2000 (Texas Instruments, "C28x Embedded Application Binary Interface", SPRAC71).
+inline constexpr std::uint64_t machineC2000 = 141;
+inline constexpr std::uint64_t machineAArch64 = 183;  ///< EM_AARCH64
+inline constexpr std::uint64_t machineRiscV = 243;    ///< EM_RISCV
 
 /// Numbers of structures in the byte order of the file.
 class Numbers {

@@ -38,16 +38,19 @@ constexpr bool isBlank(char c) {
 /// Takes the lines of a file one after the other.
 class Parser final : public TextInFile {
 public:
-    Parser(const std::string& path, Platform::InputFile file, RecordVisitor* visitor)
+    Parser(const std::string& path, Platform::InputFile file, RecordVisitor* visitor,
+           std::uint32_t addressUnit)
         : TextInFile(path),
           lines_(std::move(file)),
           visitor_(visitor),
+          addressUnit_(addressUnit),
           data_(Facts::InputFormat::TiTxt, static_cast<std::size_t>(lines_.fileSize() / 2 + 1)) {}
 
     LinedData parse() {
         while (lines_.next()) take(lines_.line());
         close(lines_);
         if (!isEnded_) refuseLine(FormatFault::EndMissing);
+        refuseCutWord();
         if (data_.bytes().empty())
             refuse(Facts::InputFormat::TiTxt, fileName_, FormatFault::NothingToLoad, 0);
         data_.bytes().finish();
@@ -79,7 +82,14 @@ private:
         constexpr int base = 16;
         const auto [stop, error] = std::from_chars(digits.data(), end, address, base);
         if (error != std::errc() || stop != end) refuseLine(FormatFault::LineUnknown);
-        address_ = address;
+        refuseCutWord();
+        address_ = std::uint64_t{address} * addressUnit_;
+    }
+
+    /// What follows an address is a whole number of words.
+    void refuseCutWord() const {
+        if (address_ && *address_ % addressUnit_ != 0)
+            refuseLine(FormatFault::WordCut, addressUnit_);
     }
 
     void takeBytes(std::string_view line) {
@@ -99,7 +109,7 @@ private:
             bytes_[count++] = static_cast<std::uint8_t>(high << 4U | low);
             at += 3;
         }
-        constexpr std::uint64_t addressSpaceEnd = std::uint64_t{1} << 32U;
+        const std::uint64_t addressSpaceEnd = (std::uint64_t{1} << 32U) * addressUnit_;
         if (count > addressSpaceEnd - *address_) refuseLine(FormatFault::AddressTooHigh, *address_);
         data_.append(*address_, std::span(bytes_).first(count), lines_.number());
         if (visitor_ != nullptr) visitor_->visit({lines_.number(), 1, 0, true, *address_, count});
@@ -108,8 +118,9 @@ private:
 
     TextLines lines_;
     RecordVisitor* visitor_;
+    std::uint32_t addressUnit_;
     LinedData data_;
-    std::optional<std::uint64_t> address_;  ///< of the next byte
+    std::optional<std::uint64_t> address_;  ///< of the next byte, in bytes
     bool isEnded_ = false;
     std::vector<std::uint8_t> bytes_;
 };
@@ -121,8 +132,9 @@ TiTxtInFile::TiTxtInFile(LinedData data)
 
 TiTxtInFile::TiTxtInFile(const std::string& path) : TiTxtInFile(path, openInput(path)) {}
 
-TiTxtInFile::TiTxtInFile(const std::string& path, Platform::InputFile file, RecordVisitor* visitor)
-    : TiTxtInFile(Parser(path, std::move(file), visitor).parse()) {}
+TiTxtInFile::TiTxtInFile(const std::string& path, Platform::InputFile file, RecordVisitor* visitor,
+                         std::uint32_t addressUnit)
+    : TiTxtInFile(Parser(path, std::move(file), visitor, addressUnit).parse()) {}
 
 bool TiTxtInFile::looksLike(std::string_view head) {
     static constexpr std::string_view blanks = " \t\r\n\f\v";

@@ -25,9 +25,10 @@ public:
 
     /// The file `path` has been opened already.
     ///
-    /// @param visitor  learns which lines have data; null for nobody
-    TiTxtInFile(const std::string& path, Platform::InputFile file,
-                RecordVisitor* visitor = nullptr);
+    /// @param visitor      learns which lines have data; null for nobody
+    /// @param addressUnit  the addresses of the file count words of that many bytes
+    TiTxtInFile(const std::string& path, Platform::InputFile file, RecordVisitor* visitor = nullptr,
+                std::uint32_t addressUnit = 1);
 
     /// A file that begins with `head` is a TI-TXT file: "@" comes first, then an address and bytes
     /// that blanks separate, or the end.

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+
+#include "buffer/Overlap.hpp"
+
+namespace Io::Import {
+
+/// What a statement says on how a file is read.
+struct ReadOptions {
+    /// For addresses that the file gives more than once; a reader that reports them does so only
+    /// without a rule.
+    Buffer::OverlapRule rule = Buffer::OverlapRule::NotSet;
+    /// The addresses of the file count words of that many bytes. Those of what is read count bytes.
+    std::uint32_t addressUnit = 1;
+};
+
+}  // namespace Io::Import
