@@ -145,7 +145,7 @@ constexpr const char* imageName = "@Image";
 
 /// Adds an option whose value is a number.
 void addNumber(Strict::ProgramMaker& maker, const char* option, Role role, std::uint32_t number) {
-    maker.add(" " + std::string(option) + "=");
+    for (const char* const text : {" ", option, "="}) maker.add(text);
     Piece piece("");
     piece.addNumber(number, std::to_string(number));
     maker.add(role, piece);
@@ -153,7 +153,7 @@ void addNumber(Strict::ProgramMaker& maker, const char* option, Role role, std::
 
 /// Adds an option whose value is a digit.
 void addDigit(Strict::ProgramMaker& maker, const char* option, Role role, std::uint32_t digit) {
-    maker.add(" " + std::string(option) + "=");
+    for (const char* const text : {" ", option, "="}) maker.add(text);
     maker.add(role, std::to_string(digit));
 }
 
