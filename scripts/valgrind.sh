@@ -9,7 +9,7 @@ scripts/setup.sh valgrind
 [ $# -gt 0 ] || set -- $(ls -dr tests/scripts/*/ | grep -vE 'variable-(doubling|relabelling)')
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
-if ! { cmake --preset valgrind && cmake --build --preset valgrind; } >"$log" 2>&1; then
+if ! { cmake --preset valgrind && cmake --build --preset valgrind --target CmdTessaron; } >"$log" 2>&1; then
     cat "$log"
     exit 1
 fi
