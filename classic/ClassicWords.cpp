@@ -262,6 +262,19 @@ public:
         line("Operation aborted.");
     }
 
+    void operator()(const FamiliesNotOfImages& fact) const {
+        line("Error: File ", fact.file, " could not be written ! It has ",
+             std::to_string(fact.families), " families for ", std::to_string(fact.images),
+             " images.");
+        line("Operation aborted.");
+    }
+
+    void operator()(const HeaderTooLong& fact) const {
+        line("Error: File ", fact.file, " could not be written ! Its header has more than ",
+             std::to_string(fact.longest), " bytes.");
+        line("Operation aborted.");
+    }
+
     void operator()(const FileWriteIncomplete& fact) const {
         errors_ << "Warning: File " << fact.file << " could not be written completely !"
                 << std::endl;

@@ -147,6 +147,12 @@ std::vector<Fact> examples(Of<AddressBeyondFormat> /*type*/) {
 std::vector<Fact> examples(Of<FormatNumberWrong> /*type*/) {
     return {FormatNumberWrong{"FORMAT", "PATH", number}};
 }
+std::vector<Fact> examples(Of<FamiliesNotOfImages> /*type*/) {
+    return {FamiliesNotOfImages{"PATH", number, number}};
+}
+std::vector<Fact> examples(Of<HeaderTooLong> /*type*/) {
+    return {HeaderTooLong{"PATH", number, 252}};
+}
 std::vector<Fact> examples(Of<FileWriteIncomplete> /*type*/) {
     return {FileWriteIncomplete{"PATH"}};
 }

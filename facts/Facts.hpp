@@ -233,7 +233,25 @@ struct FormatNumberWrong {
     std::string_view format;  ///< the keyword of the language
     std::string_view file;
     std::uint32_t number;
+    std::string_view allowed = {};  ///< the numbers that it takes, in words
     bool operator==(const FormatNumberWrong&) const = default;
+};
+
+/// A file for several families of devices does not have a family for each image; the statement
+/// failed.
+struct FamiliesNotOfImages {
+    std::string_view file;
+    std::size_t families;
+    std::size_t images;
+    bool operator==(const FamiliesNotOfImages&) const = default;
+};
+
+/// The text of a header record is too long; the statement failed.
+struct HeaderTooLong {
+    std::string_view file;
+    std::size_t length;   ///< in bytes
+    std::size_t longest;  ///< that a record takes
+    bool operator==(const HeaderTooLong&) const = default;
 };
 
 /// A format without addresses was asked to leave gaps; the statement failed.
@@ -460,16 +478,18 @@ struct RunEnded {
     bool operator==(const RunEnded&) const = default;
 };
 
-using Fact = std::variant<
-    ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside, FillTooLong,
-    ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty, LastLineMismatched,
-    RecordContradictory, LineNotARecord, RecordCountTooLow, DataSpanTooLong, RawFileTooLong,
-    FileMalformed, FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
-    RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible, AddressBeyondFormat,
-    FormatNumberWrong, FileWriteIncomplete, NameNotFound, OverlapRefused, StatementExhausted,
-    CrcParameterRefused, WordIncomplete, BusRefused, ImageNotOfWords, AddressUnitRefused,
-    AlignmentZero, FileNotOpened, FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted,
-    CrcPrinted, HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
-    VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
+using Fact =
+    std::variant<ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside,
+                 FillTooLong, ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty,
+                 LastLineMismatched, RecordContradictory, LineNotARecord, RecordCountTooLow,
+                 DataSpanTooLong, RawFileTooLong, FileMalformed, FileReadIncomplete,
+                 RecordLengthCorrected, AddressNotExpressible, RecordTypeUnknown,
+                 ImageBeyondSRecords, TooManyBytes, GapsNotExpressible, AddressBeyondFormat,
+                 FormatNumberWrong, FamiliesNotOfImages, HeaderTooLong, FileWriteIncomplete,
+                 NameNotFound, OverlapRefused, StatementExhausted, CrcParameterRefused,
+                 WordIncomplete, BusRefused, ImageNotOfWords, AddressUnitRefused, AlignmentZero,
+                 FileNotOpened, FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted,
+                 CrcPrinted, HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
+                 VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace Facts

@@ -65,7 +65,7 @@ void checkAnswers(TessaronImportApi& file) {
     if (last.end() != 0 && last.end() <= addressSpaceEnd) {
         using namespace Io::Export;
         checkWritten<Io::Import::TiTxtInFile>(images, TiTxtOutFile(outputPath));
-        checkWritten<Io::Import::Uf2InFile>(images, Uf2OutFile(outputPath, {1}));
+        checkWritten<Io::Import::Uf2InFile>(images, Uf2OutFile(outputPath, {.families = {1}}));
     }
     if (file.getDataLength() > longestSpan) return;
     const MemoryBuffer whole = file.getMemory();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <future>
+#include <string_view>
 #include <utility>
 
 #include "inspect/Json.hpp"
@@ -160,9 +161,18 @@ std::string wordFor(Io::Import::Symbol::Kind kind) {
     return "label";
 }
 
+/// Without blanks and zeros at both ends: fixed fields are filled up with them.
+std::string trimmed(const std::string& text) {
+    constexpr std::string_view filling(" \0", 2);
+    const std::size_t begin = text.find_first_not_of(filling);
+    if (begin == std::string::npos) return {};
+    return text.substr(begin, text.find_last_not_of(filling) + 1 - begin);
+}
+
 /// Adds what only some formats have. Damaged symbols, which were reported, are left out.
 void addLoaded(Info& info, const Io::Import::TessaronImportApi& file, bool withSymbols) {
     info.devices = file.getDevices();
+    info.header = trimmed(file.getHeader());
     for (const Area& area : file.getSegments()) info.segments.push_back({area, "", ""});
     if (!withSymbols) return;
     try {
@@ -225,6 +235,7 @@ std::string textOf(const Info& info, std::size_t width) {
                        countText(info.fileSize, "byte") + "\n";
     if (info.records.total() != 0) text += recordsText(info.records, width);
     if (info.startAddress) text += "  start     " + addressText(*info.startAddress) + "\n";
+    if (!info.header.empty()) text += "  header    " + Util::printable(info.header) + "\n";
     for (const std::string& device : info.devices) text += "  device    " + device + "\n";
     text += segmentsText(info.segments);
     text += "  data      " + dataText(info) + "\n";
@@ -246,6 +257,7 @@ std::string jsonOf(const std::vector<Info>& files) {
         for (const auto& [length, count] : info.records.dataLengths)
             json["recordLengths"][std::to_string(length)] = count;
         if (info.startAddress) json["startAddress"] = addressText(*info.startAddress);
+        if (!info.header.empty()) json["header"] = info.header;
         for (const std::string& device : info.devices) json["devices"].push_back(device);
         std::uint64_t bytes = 0;
         AreaList gaps;

@@ -42,6 +42,7 @@ struct Info {
     std::string path;
     std::optional<Facts::InputFormat> format;  ///< nothing for a text without a record
     std::uint64_t fileSize = 0;
+    std::string header;  ///< what the file says of itself, without blanks around it
     RecordCounts records;
     bool isRead = false;  ///< false for a damaged file, which has no areas
     std::vector<AreaInfo> areas;

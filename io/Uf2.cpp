@@ -60,7 +60,12 @@ constexpr auto publishedFamilies =
                            {"RZA1LU", 0x9517422F},       {"STM32F411xE", 0x2DC309C5},
                            {"STM32F411xC", 0x06D1097B},  {"NRF52832xxAA", 0x72721D4E},
                            {"NRF52832xxAB", 0x6F752678}, {"AT32F415", 0xA0C97B8E},
-                           {"CH32V", 0x699B62EC},        {"RA4M1", 0x7BE8976D}});
+                           {"CH32V", 0x699B62EC},        {"RA4M1", 0x7BE8976D},
+                           {"STM32H5", 0x4E8F1C5D},      {"NRF52820", 0x820D9A5F},
+                           {"ESP32H21", 0xB6DD00AF},     {"ESP32H4", 0x9E0BAA8A},
+                           {"ESP32S31", 0x3101F7C1},     {"MAX32690", 0x7410520A},
+                           {"MAX32650", 0xD63F8632},     {"MAX32666", 0xF0C30D71},
+                           {"MAX78002", 0x91D3FD18},     {"PY32F071-UVK5-V3", 0x7D7A66EF}});
 
 }  // namespace
 

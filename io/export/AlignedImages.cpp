@@ -50,8 +50,29 @@ std::uint64_t AlignedImages::size() const {
     return size;
 }
 
+/// Lays the first and the last filler of `image` over the rest of their units.
+void AlignedImages::pad(const ImageView& image, std::span<std::uint8_t> piece,
+                        std::uint64_t start) const {
+    const std::uint8_t* const fillers = image.elements.fillers();
+    if (image.elements.empty() || fillers == nullptr) return;
+    const auto lay = [&](std::uint64_t from, std::uint64_t to, std::uint8_t filler) {
+        const std::uint64_t first = std::max(from, start);
+        const std::uint64_t end = std::min(to, start + piece.size());
+        if (first < end)
+            std::ranges::fill(piece.subspan(static_cast<std::size_t>(first - start),
+                                            static_cast<std::size_t>(end - first)),
+                              filler);
+    };
+    const std::uint64_t mask = unit_ - 1;
+    const std::uint64_t end = image.startAddress + image.elements.size();
+    lay(image.startAddress & ~mask, image.startAddress, fillers[0]);
+    lay(end, (end + mask) & ~mask, fillers[image.elements.size() - 1]);
+}
+
 void AlignedImages::fill(std::span<std::uint8_t> piece, std::uint64_t start) const {
     std::ranges::fill(piece, std::uint8_t{0});
+    if (padding_ == Padding::Fillers)
+        for (const ImageView& image : images_) pad(image, piece, start);
     const auto forParts = [&](auto copy) {
         for (const ImageView& image : images_) {
             const std::uint64_t end = image.startAddress + image.elements.size();

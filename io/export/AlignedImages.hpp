@@ -14,11 +14,16 @@ namespace Io::Export {
 ///
 /// A unit is there if an image has one of its addresses, or has written one of them if it skips
 /// unwritten addresses. Of images that overlap, the later one counts, but a filler of an image that
-/// skips unwritten addresses never covers a written byte. What no image has in a unit is 0.
+/// skips unwritten addresses never covers a written byte. What no image has in a unit is 0, or the
+/// filler of the first or the last address of the image beside it.
 class AlignedImages {
 public:
+    /// What the addresses of a unit are that no image has.
+    enum class Padding : std::uint8_t { Zeros, Fillers };
+
     /// @param unit  bytes, a power of two up to 65,536
-    explicit AlignedImages(std::size_t unit) : unit_(unit) {}
+    explicit AlignedImages(std::size_t unit, Padding padding = Padding::Zeros)
+        : unit_(unit), padding_(padding) {}
 
     void insert(const ImageView& image) { images_.push_back(image); }
 
@@ -52,11 +57,13 @@ private:
     };
 
     void addRange(const ImageView& stretch);
+    void pad(const ImageView& image, std::span<std::uint8_t> piece, std::uint64_t start) const;
     void fill(std::span<std::uint8_t> piece, std::uint64_t start) const;
 
     static constexpr std::size_t pieceSize = std::size_t{1} << 16U;
 
     std::size_t unit_;
+    Padding padding_;
     std::vector<ImageView> images_;  ///< in the order of their insertion
     std::vector<Range> ranges_;      ///< of units, ascending and apart, after `finish`
     mutable std::vector<std::uint8_t> piece_ = std::vector<std::uint8_t>(pieceSize);

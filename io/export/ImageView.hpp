@@ -24,6 +24,7 @@ struct ImageView {
     std::uint64_t startAddress;
     Buffer::ElementView elements;
     Unwritten unwritten = Unwritten::Filled;
+    std::size_t group = 0;  ///< of the images of a file that has several groups of them
 
     explicit ImageView(const Buffer::MemoryBuffer& buffer)
         : ImageView(buffer.getStartAddress(), buffer.viewElements()) {}
@@ -33,7 +34,9 @@ struct ImageView {
 
     /// The part of `count` elements from element `at` on.
     ImageView part(std::size_t at, std::size_t count) const {
-        return {startAddress + at, elements.part(at, count), unwritten};
+        ImageView view(startAddress + at, elements.part(at, count), unwritten);
+        view.group = group;
+        return view;
     }
 };
 

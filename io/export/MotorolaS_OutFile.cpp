@@ -93,6 +93,10 @@ std::string MotorolaS_OutFile::getStringRepresentation(const SRecord& record) {
 
 SRecord MotorolaS_OutFile::header() const {
     SRecord record{SRecordType::S0, {0, 0}, {}};
+    if (const auto& text = outputStyle_.headerText) {
+        record.data.assign(text->begin(), text->end());
+        return record;
+    }
     record.data.assign(outputStyle_.moduleName.begin(), outputStyle_.moduleName.end());
     record.data.push_back(outputStyle_.version);
     record.data.push_back(outputStyle_.revision);

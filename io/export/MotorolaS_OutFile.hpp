@@ -29,7 +29,8 @@ enum class SRecordKind { Data, Terminator };
 class MotorolaS_OutFile final : public TextOutFile, public TessaronExportApi {
 public:
     /// A `maximumRecordSize` outside 21 to 32 is reported and corrected. The module name is padded
-    /// on the left to ten characters, the description on the right to eighteen.
+    /// on the left to ten characters, the description on the right to eighteen, unless a text
+    /// takes the place of both.
     MotorolaS_OutFile(std::string path, const MotorolaSOutputStyle& style);
 
     /// An image that reaches beyond 0xFFFFFFFF is reported and left out.

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 /// Settings of the writers and their defaults; WRITE_FILE has templates of its own.
 namespace Io::Export {
@@ -19,6 +21,8 @@ struct MotorolaSOutputStyle {
     std::uint8_t revision = 0;
     std::uint32_t maximumRecordSize = 36;  ///< data bytes a record, 21 to 32; 36 is reported
     std::uint32_t addressUnit = 1;         ///< addresses count words of that many bytes
+    /// All that the S0 record says, at most 252 bytes, in place of its fields; nothing for these.
+    std::optional<std::string> headerText = {};
 };
 
 struct EmbeddedOutputStyle {
@@ -36,17 +40,25 @@ struct TiTxtOutputStyle {
 };
 
 struct Uf2OutputStyle {
-    std::uint32_t family = 0;  ///< of the devices, see Io::Uf2::families
+    /// Of the devices, see Io::Uf2::families: one for each group of images.
+    std::vector<std::uint32_t> families = {0};
 };
 
-struct VmemOutputStyle {
+/// Words of memory files and of arrays.
+struct WordStyle {
     std::uint32_t wordBytes = 1;  ///< 1, 2, 4 or 8
     bool isLittleEndian = false;  ///< the byte of the lowest address is the least significant one
 };
 
+struct HexDumpOutputStyle {
+    std::uint32_t bytesPerLine = 16;  ///< 1 to 256
+};
+
 struct CArrayOutputStyle {
     std::string name = "image";
-    std::uint32_t elementsPerLine = 16;  ///< bytes a line; 0 for all of them on one line
+    std::uint32_t elementsPerLine = 16;  ///< elements a line; 0 for all of them on one line
+    WordStyle element = {1, true};
+    std::string includeGuard;  ///< the macro around the file; empty for none
 };
 
 struct DfuSeOutputStyle {

@@ -51,6 +51,8 @@ public:
     }
     void preferFirst() override { parser_->data().bytes().preferFirst(); }
 
+    std::string getHeader() const override { return parser_->header(); }
+
     /// They stay when the image is taken.
     std::vector<Import::SourceRun> getSourceRuns() const override {
         return parser_->data().sources();

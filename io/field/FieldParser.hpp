@@ -39,6 +39,9 @@ public:
     const Import::LinedData& data() const { return data_; }
     std::optional<std::uint64_t> startAddress() const { return startAddress_; }
 
+    /// What the first header record says.
+    const std::string& header() const { return header_; }
+
 protected:
     FieldParser(const std::string& file, Facts::InputFormat format, std::uint64_t fileSize);
 
@@ -124,6 +127,11 @@ protected:
     }
     void setStartAddress(std::uint64_t address);
 
+    /// The current line is a header record.
+    void setHeader(std::span<const std::uint8_t> text) {
+        if (header_.empty() && keepsData_) header_.assign(text.begin(), text.end());
+    }
+
     /// The current line is a record without data.
     void noteEmptyRecord() {
         if (isEnded_) tolerate(Facts::Tolerance::RecordAfterEnd);
@@ -151,6 +159,7 @@ private:
     FieldReports reports_;
     Import::LinedData data_;
     std::optional<std::uint64_t> startAddress_;
+    std::string header_;
     std::string_view line_;     ///< the current one, as it is in the file
     std::uint64_t number_ = 0;  ///< its number
     bool isEnded_ = false;      ///< an end record was taken

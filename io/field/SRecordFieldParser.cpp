@@ -94,6 +94,8 @@ void SRecordFieldParser::use(SRecordType type, std::uint8_t kind, const SRecord&
             end();
             return;
         case SRecordType::S0:
+            setHeader(record.data());
+            [[fallthrough]];
         case SRecordType::S5:
         case SRecordType::Unknown:
             visit(kind);

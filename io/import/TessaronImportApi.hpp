@@ -87,6 +87,9 @@ public:
     /// Lets the first of several bytes for one address count from now on, in place of the last one.
     virtual void preferFirst() {}
 
+    /// What the header of the file says; empty without one.
+    virtual std::string getHeader() const { return {}; }
+
     /// The parts that the file names of its data, in its order; none if its format has no parts.
     virtual Buffer::AreaList getSegments() const { return {}; }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cstddef>
+#include <deque>
 #include <exception>
 #include <utility>
 
@@ -12,7 +14,10 @@
 #include "io/export/MotorolaS_OutFile.hpp"
 #include "io/export/RawBinaryOutFile.hpp"
 #include "io/export/carray/CArrayOutFile.hpp"
+#include "io/export/coe/CoeOutFile.hpp"
 #include "io/export/dfuse/DfuSeOutFile.hpp"
+#include "io/export/hexdump/HexDumpOutFile.hpp"
+#include "io/export/mif/MifOutFile.hpp"
 #include "io/export/titxt/TiTxtOutFile.hpp"
 #include "io/export/uf2/Uf2OutFile.hpp"
 #include "io/export/vmem/VmemOutFile.hpp"
@@ -77,11 +82,36 @@ WriterPointer makeUf2(const std::string& path, const OutputStyles& styles) {
 }
 
 WriterPointer makeVmem(const std::string& path, const OutputStyles& styles) {
-    return std::make_unique<Io::Export::VmemOutFile>(path.c_str(), styles.vmemStyle);
+    return std::make_unique<Io::Export::VmemOutFile>(path.c_str(), styles.wordStyle);
+}
+
+WriterPointer makeMif(const std::string& path, const OutputStyles& styles) {
+    return std::make_unique<Io::Export::MifOutFile>(path.c_str(), styles.wordStyle);
+}
+
+WriterPointer makeCoe(const std::string& path, const OutputStyles& styles) {
+    return std::make_unique<Io::Export::CoeOutFile>(path.c_str(), styles.wordStyle);
+}
+
+WriterPointer makeHexDump(const std::string& path, const OutputStyles& styles) {
+    return std::make_unique<Io::Export::HexDumpOutFile>(path.c_str(), styles.hexDumpStyle);
 }
 
 WriterPointer makeArray(const std::string& path, const OutputStyles& styles) {
     return std::make_unique<Io::Export::CArrayOutFile>(path.c_str(), styles.arrayStyle);
+}
+
+/// With wider elements, and with a guard.
+template <std::uint32_t ElementBytes>
+WriterPointer makeWideArray(const std::string& path, const OutputStyles& styles) {
+    Io::Export::CArrayOutputStyle style = styles.arrayStyle;
+    style.element.wordBytes = ElementBytes;
+    if (style.includeGuard.empty()) {
+        style.includeGuard = "INCLUDED_" + style.name;
+        for (char& c : style.includeGuard)
+            if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+    }
+    return std::make_unique<Io::Export::CArrayOutFile>(path.c_str(), std::move(style));
 }
 
 WriterPointer makeDfuSe(const std::string& path, const OutputStyles& styles) {
@@ -89,19 +119,38 @@ WriterPointer makeDfuSe(const std::string& path, const OutputStyles& styles) {
 }
 
 void setFamily(OutputStyles& styles, std::uint32_t number) {
-    styles.uf2Style.family = number;
+    styles.uf2Style.families = {number};
+}
+
+void setFamilies(OutputStyles& styles, std::vector<std::uint32_t> numbers) {
+    styles.uf2Style.families = std::move(numbers);
 }
 
 void setWordBytes(OutputStyles& styles, std::uint32_t number) {
-    styles.vmemStyle.wordBytes = number;
+    styles.wordStyle.wordBytes = number;
+}
+
+void setDumpLine(OutputStyles& styles, std::uint32_t number) {
+    styles.hexDumpStyle.bytesPerLine = number;
+}
+
+std::optional<std::uint32_t> wrongWordSize(const OutputStyles& styles) {
+    constexpr std::uint32_t largestWord = 8;
+    const std::uint32_t size = styles.wordStyle.wordBytes;
+    return std::has_single_bit(size) && size <= largestWord ? std::nullopt : std::optional(size);
+}
+
+std::optional<std::uint32_t> wrongDumpLine(const OutputStyles& styles) {
+    const std::uint32_t bytes = styles.hexDumpStyle.bytesPerLine;
+    const bool isRight = bytes >= 1 && bytes <= Io::Export::HexDumpOutFile::longestLine;
+    return isRight ? std::nullopt : std::optional(bytes);
 }
 
 void setArrayLine(OutputStyles& styles, std::uint32_t number) {
     styles.arrayStyle.elementsPerLine = number;
 }
 
-/// Bytes of the largest word of the Vmem format.
-constexpr std::uint32_t largestWord = 8;
+constexpr const char* wordSizes = "a word has 1, 2, 4 or 8 bytes";
 
 using enum FormatNumber;
 
@@ -113,6 +162,10 @@ constexpr auto tiTxtEndings = std::to_array<std::string_view>({".txt"});
 constexpr auto uf2Endings = std::to_array<std::string_view>({".uf2"});
 constexpr auto vmemEndings = std::to_array<std::string_view>({".vmem"});
 constexpr auto arrayEndings = std::to_array<std::string_view>({".h"});
+constexpr auto headerEndings = std::to_array<std::string_view>({".h", ".hpp", ".inc"});
+constexpr auto mifEndings = std::to_array<std::string_view>({".mif"});
+constexpr auto coeEndings = std::to_array<std::string_view>({".coe"});
+constexpr auto dumpEndings = std::to_array<std::string_view>({".xxd", ".hexdump"});
 /// Any text may be called so.
 constexpr auto textEndings = std::to_array<std::string_view>({".txt"});
 constexpr auto hexTextEndings = std::to_array<std::string_view>({".hex", ".ihx", ".ihex", ".txt"});
@@ -179,6 +232,7 @@ constexpr auto exportFormats = std::to_array<ExportFormat>({
      .numberForm = Named,
      .setNumber = &setFamily,
      .names = &Io::Uf2::families,
+     .setNumbers = &setFamilies,
      .endings = uf2Endings,
      .choice = "a family, such as Uf2_RP2040"},
     {.keyword = "Vmem",
@@ -187,10 +241,67 @@ constexpr auto exportFormats = std::to_array<ExportFormat>({
      .makeWriter = &makeVmem,
      .numberForm = Required,
      .setNumber = &setWordBytes,
+     .wrongNumber = &wrongWordSize,
+     .numbers = wordSizes,
      .endings = vmemEndings,
      // Verilog's $readmemh files are often called so.
      .otherEndings = hexTextEndings,
      .choice = "Vmem_1, Vmem_2, Vmem_4 or Vmem_8"},
+    {.keyword = "Mif",
+     .meaning = "a memory initialization file for FPGAs, in words",
+     .trace = "SetExportFormatOptionMif -> ",
+     .makeWriter = &makeMif,
+     .numberForm = Required,
+     .setNumber = &setWordBytes,
+     .wrongNumber = &wrongWordSize,
+     .numbers = wordSizes,
+     .endings = mifEndings,
+     .choice = "Mif_1, Mif_2, Mif_4 or Mif_8"},
+    {.keyword = "Coe",
+     .meaning = "a coefficient file for memories of FPGAs, in words",
+     .trace = "SetExportFormatOptionCoe -> ",
+     .makeWriter = &makeCoe,
+     .numberForm = Required,
+     .setNumber = &setWordBytes,
+     .wrongNumber = &wrongWordSize,
+     .numbers = wordSizes,
+     .hasAddresses = false,
+     .endings = coeEndings,
+     .choice = "Coe_1, Coe_2, Coe_4 or Coe_8"},
+    {.keyword = "HexDump",
+     .meaning = "a hex dump, as xxd writes and reads it",
+     .trace = "SetExportFormatOptionHexDump -> ",
+     .makeWriter = &makeHexDump,
+     .numberForm = Optional,
+     .setNumber = &setDumpLine,
+     .wrongNumber = &wrongDumpLine,
+     .numbers = "a line has 1 to 256 bytes",
+     .endings = dumpEndings,
+     .otherEndings = textEndings},
+    {.keyword = "CArray16",
+     .meaning = "an array in C of words of 16 bits",
+     .trace = "SetExportFormatOptionCArray16 -> ",
+     .makeWriter = &makeWideArray<2>,
+     .numberForm = Optional,
+     .setNumber = &setArrayLine,
+     .hasAddresses = false,
+     .otherEndings = headerEndings},
+    {.keyword = "CArray32",
+     .meaning = "an array in C of words of 32 bits",
+     .trace = "SetExportFormatOptionCArray32 -> ",
+     .makeWriter = &makeWideArray<4>,
+     .numberForm = Optional,
+     .setNumber = &setArrayLine,
+     .hasAddresses = false,
+     .otherEndings = headerEndings},
+    {.keyword = "CArray64",
+     .meaning = "an array in C of words of 64 bits",
+     .trace = "SetExportFormatOptionCArray64 -> ",
+     .makeWriter = &makeWideArray<8>,
+     .numberForm = Optional,
+     .setNumber = &setArrayLine,
+     .hasAddresses = false,
+     .otherEndings = headerEndings},
     {.keyword = "CArray",
      .meaning = "an array in C",
      .trace = "SetExportFormatOptionCArray -> ",
@@ -272,6 +383,15 @@ void CmdWriteFile::setFormat(const ExportFormat& newFormat, std::optional<std::u
     if (number) format_->setNumber(styles_, *number);
 }
 
+void CmdWriteFile::setFormat(const ExportFormat& newFormat, std::vector<std::uint32_t> numbers) {
+    setFormat(newFormat, std::nullopt);
+    format_->setNumbers(styles_, std::move(numbers));
+}
+
+void CmdWriteFile::setHeaderText(std::string argument) {
+    styles_.motorolaStyle.headerText = cleanedPath(std::move(argument));
+}
+
 void CmdWriteFile::setExecutionStartAddress(std::uint32_t address) {
     executionStartAddress_ = address;
     hasExecutionStartAddress_ = true;
@@ -300,11 +420,21 @@ bool CmdWriteFile::isPossible() const {
         Facts::report(Facts::GapsNotExpressible{format_->keyword, fileName_});
         return false;
     }
-    const std::uint32_t width = styles_.vmemStyle.wordBytes;
-    // A format that was named before does not count.
-    const bool hasWords = format_->setNumber == &setWordBytes;
-    if (hasWords && (!std::has_single_bit(width) || width > largestWord)) {
-        Facts::report(Facts::FormatNumberWrong{format_->keyword, fileName_, width});
+    const auto wrong =
+        format_->wrongNumber == nullptr ? std::nullopt : format_->wrongNumber(styles_);
+    if (wrong) {
+        Facts::report(
+            Facts::FormatNumberWrong{format_->keyword, fileName_, *wrong, format_->numbers});
+        return false;
+    }
+    if (groupCount() != 1 && groupCount() != bufferNames_.size()) {
+        Facts::report(Facts::FamiliesNotOfImages{fileName_, groupCount(), bufferNames_.size()});
+        return false;
+    }
+    const auto& header = styles_.motorolaStyle.headerText;
+    // Of a format that was named before no setting counts.
+    if (header && header->size() > longestHeader && format_->setNumber == &setRecordSize) {
+        Facts::report(Facts::HeaderTooLong{fileName_, header->size(), longestHeader});
         return false;
     }
     return true;
@@ -313,19 +443,26 @@ bool CmdWriteFile::isPossible() const {
 bool CmdWriteFile::write(CmdContext& context) const {
     if (!isPossible()) return false;
     OutputStyles styles = styles_;
-    styles.vmemStyle.isLittleEndian =
-        byteOrderOf(context, bufferNames_) == Buffer::ByteOrder::LittleEndian;
+    const Buffer::ByteOrder order = byteOrderOf(context, bufferNames_);
+    styles.wordStyle.isLittleEndian = order == Buffer::ByteOrder::LittleEndian;
+    // Elements of an array are numbers of a program, and as such of the order of other values.
+    styles.arrayStyle.element.isLittleEndian = order != Buffer::ByteOrder::BigEndian;
     const auto writer = makeWriter(styles);
-    Layers layers;
-    if (!layImages(context, layers)) return false;
-    std::vector<const Buffer::MemoryBuffer*> images = layers.images();
+    std::deque<Layers> layers;
     std::deque<Buffer::MemoryBuffer> padded;
     std::deque<Buffer::MemoryBuffer> swapped;
     const bool isSkipping = unwritten_ == Io::Export::Unwritten::Skipped;
-    if (!padding_.apply(images, padded, isSkipping, fileName_)) return false;
-    if (!swapBytes(images, swapped) || !areOfWords(images)) return false;
-    for (const Buffer::MemoryBuffer* const image : images)
-        writer->insert({image->getStartAddress(), image->viewElements(), unwritten_});
+    for (std::size_t group = 0; group < groupCount(); ++group) {
+        if (!layImages(context, group, layers.emplace_back())) return false;
+        std::vector<const Buffer::MemoryBuffer*> images = layers.back().images();
+        if (!padding_.apply(images, padded, isSkipping, fileName_)) return false;
+        if (!swapBytes(images, swapped) || !areOfWords(images)) return false;
+        for (const Buffer::MemoryBuffer* const image : images) {
+            Io::Export::ImageView view(image->getStartAddress(), image->viewElements(), unwritten_);
+            view.group = group;
+            writer->insert(view);
+        }
+    }
     if (hasExecutionStartAddress_) writer->setExecutionAddress(executionStartAddress_);
     try {
         writer->saveToFile();
@@ -336,10 +473,25 @@ bool CmdWriteFile::write(CmdContext& context) const {
     return true;
 }
 
-bool CmdWriteFile::layImages(CmdContext& context, Layers& layers) const {
+/// Of a file for several families, the images of each are a group.
+std::size_t CmdWriteFile::groupCount() const {
+    const bool hasGroups = format_ != nullptr && format_->setNumbers != nullptr;
+    return hasGroups ? styles_.uf2Style.families.size() : 1;
+}
+
+/// The place of the image's family, where it occurs first.
+std::size_t CmdWriteFile::groupOf(std::size_t image) const {
+    if (groupCount() == 1) return 0;
+    const auto& families = styles_.uf2Style.families;
+    const auto first = std::ranges::find(families, families[image]);
+    return static_cast<std::size_t>(first - families.begin());
+}
+
+bool CmdWriteFile::layImages(CmdContext& context, std::size_t group, Layers& layers) const {
     std::vector<NamedImage> images;
-    for (const std::string& name : bufferNames_) {
-        images.push_back({findBuffer(context, name), name});
+    for (std::size_t i = 0; i < bufferNames_.size(); ++i) {
+        if (groupOf(i) != group) continue;
+        images.push_back({findBuffer(context, bufferNames_[i]), bufferNames_[i]});
         if (images.back().image == nullptr) return false;
     }
     return layers.add(images, overlapRule_, {Facts::Subject::File, fileName_});

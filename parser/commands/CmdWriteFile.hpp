@@ -29,7 +29,8 @@ struct OutputStyles {
     Io::Export::EmbeddedOutputStyle embeddedStyle;
     Io::Export::TiTxtOutputStyle tiTxtStyle;
     Io::Export::Uf2OutputStyle uf2Style;
-    Io::Export::VmemOutputStyle vmemStyle;
+    Io::Export::WordStyle wordStyle;  ///< of memory files
+    Io::Export::HexDumpOutputStyle hexDumpStyle;
     Io::Export::CArrayOutputStyle arrayStyle;
     Io::Export::DfuSeOutputStyle dfuSeStyle;
 };
@@ -53,8 +54,13 @@ struct ExportFormat {
     FormatNumber numberForm = FormatNumber::None;
     /// Takes the number of the underscore form; null if the format has no such form.
     void (*setNumber)(OutputStyles& styles, std::uint32_t number) = nullptr;
+    /// The number of the settings, if the format does not take it; null if it takes all.
+    std::optional<std::uint32_t> (*wrongNumber)(const OutputStyles& styles) = nullptr;
+    const char* numbers = "";  ///< in words, those that it takes
     /// The names of the form `Named`.
     std::span<const Io::NamedNumber> (*names)() = nullptr;
+    /// Takes a list of them, one for each image; null if the format has one for all.
+    void (*setNumbers)(OutputStyles& styles, std::vector<std::uint32_t> numbers) = nullptr;
     bool hasAddresses = true;  ///< it can express gaps
     /// Lets addresses count words of that many bytes; null if they cannot.
     void (*setAddressUnit)(OutputStyles& styles, std::uint32_t bytes) = nullptr;
@@ -104,7 +110,17 @@ public:
     ///                   elements of a line, keep their value
     void setFormat(const ExportFormat& newFormat, std::optional<std::uint32_t> number);
 
-    /// The name of the array of the CArray format.
+    /// A format of the form `Named` with several of its names, one for each image.
+    void setFormat(const ExportFormat& newFormat, std::vector<std::uint32_t> numbers);
+
+    /// The text of the header record of S-records, at most 252 bytes.
+    void setHeaderText(std::string argument);
+    static constexpr std::size_t longestHeader = 252;
+
+    /// The macro around the arrays of C.
+    void setIncludeGuard(std::string name) { styles_.arrayStyle.includeGuard = std::move(name); }
+
+    /// The name of the array of the formats with CArray in their name.
     void setArrayName(std::string name) { styles_.arrayStyle.name = std::move(name); }
 
     /// The vendor and the product that a DfuSe file is for; the low 16 bits count.
@@ -150,10 +166,13 @@ public:
 private:
     bool write(CmdContext& context) const;
     bool isPossible() const;
+    std::size_t groupCount() const;
+    std::size_t groupOf(std::size_t image) const;
     std::unique_ptr<Io::Export::TessaronExportApi> makeWriter(const OutputStyles& styles) const;
 
-    /// Fills `layers` with the images in the order in which they are written. False after a report.
-    bool layImages(CmdContext& context, Layers& layers) const;
+    /// Fills `layers` with the images of a group in the order in which they are written. False
+    /// after a report.
+    bool layImages(CmdContext& context, std::size_t group, Layers& layers) const;
 
     /// What the file has of `images` is made of the words that its addresses count; reports it if
     /// not.

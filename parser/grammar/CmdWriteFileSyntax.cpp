@@ -74,9 +74,9 @@ struct WriteFileRules final : StatementRules {
                          rules.separator) >>
                        rules.closeBrace >> rules.ws;
         writeOverlapOption = overlapOption(rules, on);
-        writeOptions =
-            *(formatOption | skipUnwrittenOption | writeOverlapOption | arrayNameOption | idOption |
-              writeSwapOption | paddingOption | writeUnitOption | executionAddressOption);
+        writeOptions = *(formatOption | skipUnwrittenOption | writeOverlapOption | arrayNameOption |
+                         guardOption | headerOption | idOption | writeSwapOption | paddingOption |
+                         writeUnitOption | executionAddressOption);
         writeUnitOption = addressUnitOption(rules, on);
         writeSwapOption = swapOption(rules, on);
         paddingOption = ((rules.keyword("-fillGapsUpTo") >> rules.equals >>
@@ -104,7 +104,18 @@ struct WriteFileRules final : StatementRules {
                 [](CmdWriteFile& write, std::string_view) { write.skipUnwritten(); })] >>
             rules.ws;
         formatName = FirstOf(formatRules(rules, state));
-        formatOption = rules.keyword("-setFormat") >> rules.equals >> formatName >> rules.ws;
+        formatList = FirstOf(listRules(rules, state));
+        formatOption =
+            rules.keyword("-setFormat") >> rules.equals >> (formatList | formatName) >> rules.ws;
+        guardOption =
+            rules.keyword("-setIncludeGuard") >> rules.equals >>
+            rules.expected("a name of C", (alpha_p | ch_p('_')) >> *(alnum_p | ch_p('_')))[on.text(
+                "SetIncludeGuard -> ", Role::GuardName, &CmdWriteFile::setIncludeGuard)] >>
+            rules.ws;
+        headerOption = rules.keyword("-setHeaderText") >> rules.equals >>
+                       rules.textArg[on.text("SetHeaderText -> ", Role::Header,
+                                             &CmdWriteFile::setHeaderText)] >>
+                       rules.ws;
         // A bare number is the execution address; the keyword takes a name, digits or not.
         executionAddressOption =
             ((rules.keyword("-setExecutionAddress") >> rules.equals >>
@@ -155,7 +166,40 @@ struct WriteFileRules final : StatementRules {
         return alternatives;
     }
 
-    std::uint32_t named = 0;  ///< the number whose name was read last
+    /// A rule for each format with a list, as Uf2_{RP2040, RP2350_ARM_S}. The brace alone is not
+    /// noted as missing: nearly all scripts have a name there.
+    std::vector<const Rule*> listRules(CommonRules& rules, ParserState& state) {
+        const StatementActions<CmdWriteFile> on(state);
+        std::vector<const Rule*> alternatives;
+        std::uint32_t choice = 0;  // the row of the table
+        for (const ExportFormat& format : CmdWriteFile::formats()) {
+            const std::uint32_t row = choice++;
+            if (format.setNumbers == nullptr) continue;
+            // A name is not an expression, so no digits are noted with its number.
+            const auto addNamed = [this, &state](Position first, Position /*last*/) {
+                state.statement.noteValue(named, first, first);
+                namedList.push_back(named);
+            };
+            const auto addNumber = [this, &state](Position, Position) {
+                namedList.push_back(state.expression.currentValue());
+            };
+            const auto set = [this, &format](CmdWriteFile& write, std::string_view) {
+                write.setFormat(format, namedList);
+            };
+            Rule& rule = formats.emplace_back();
+            rule = rules.keyword(format.keyword) >> ch_p('_') >>
+                   (rules.ws >> ch_p('{')[([this](char) { namedList.clear(); })] >> rules.ws >>
+                    +((FormatName(state, format, named)[addNamed] | rules.notedValue[addNumber]) >>
+                      rules.separator) >>
+                    rules.closeBrace)[on.with(format.trace, Role::Format, set, row)];
+            alternatives.push_back(&rule);
+        }
+        return alternatives;
+    }
+
+    std::uint32_t named = 0;               ///< the number whose name was read last
+    std::vector<std::uint32_t> namedList;  ///< those of the list that is being read
+    Rule formatList, guardOption, headerOption;
     Rule writeBuffers, writeOptions, formatOption, formatName, skipUnwrittenOption,
         executionAddressOption, arrayNameOption, idOption, writeOverlapOption, writeSwapOption,
         paddingOption, writeUnitOption;

@@ -42,6 +42,8 @@ enum class Role : unsigned char {
     ShortGaps,    ///< of a file that are filled
     Alignment,    ///< of the ends of a file's data
     ArrayName,    ///< a name in C
+    GuardName,    ///< of a macro in C
+    Header,       ///< the text of a header record
     Option,
     None,  ///< of a step of the parser that says nothing new
 };

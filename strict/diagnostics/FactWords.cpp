@@ -185,7 +185,22 @@ Words words(const FormatNumberWrong& f, const Circumstances& /*c*/) {
     return {{Kind::Outside,
              std::string(f.format) + " does not take the number " + std::to_string(f.number),
              {Role::Format},
-             "a word has 1, 2, 4 or 8 bytes"}};
+             std::string(f.allowed)}};
+}
+
+Words words(const FamiliesNotOfImages& f, const Circumstances& /*c*/) {
+    return {{Kind::Outside,
+             "there are " + std::to_string(f.families) + " families for " +
+                 Inspect::countText(f.images, "image"),
+             {Role::Format},
+             "give one family for all images, or one for each"}};
+}
+
+Words words(const HeaderTooLong& f, const Circumstances& /*c*/) {
+    return {{Kind::TextSize,
+             "the header has " + std::to_string(f.length) + " bytes, and its record takes " +
+                 std::to_string(f.longest),
+             {Role::Header}}};
 }
 
 Words words(const FileWriteIncomplete& f, const Circumstances& c) {
@@ -364,11 +379,11 @@ template <class Fact>
 concept NotARefusal = isPrinted<Fact> ||
     OneOf<Fact, FillPatternEmpty, ReadRangeOutside, TextFileEmpty, LastLineMismatched,
           RecordContradictory, LineNotARecord, RecordCountTooLow, DataSpanTooLong, FileMalformed,
-          RecordLengthCorrected, GapsNotExpressible, FormatNumberWrong, NameNotFound,
-          OverlapRefused, StatementExhausted, CrcParameterRefused, WordIncomplete, BusRefused,
-          ImageNotOfWords, AddressUnitRefused, AlignmentZero, FileNotOpened, FileNotWritten,
-          FileSpanTooLong, ProgramCalled, ProgramEnded, ScriptNotOpened, VariableRejected,
-          ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
+          RecordLengthCorrected, GapsNotExpressible, FormatNumberWrong, FamiliesNotOfImages,
+          HeaderTooLong, NameNotFound, OverlapRefused, StatementExhausted, CrcParameterRefused,
+          WordIncomplete, BusRefused, ImageNotOfWords, AddressUnitRefused, AlignmentZero,
+          FileNotOpened, FileNotWritten, FileSpanTooLong, ProgramCalled, ProgramEnded,
+          ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace
 

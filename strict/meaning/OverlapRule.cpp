@@ -22,10 +22,11 @@ using Parser::Role;
 using Parser::Statement;
 using Parser::WrapperLib::CmdWriteFile;
 
-/// An image of the statement, and the part that names it.
+/// An image of the statement, the part that names it, and the family of devices that it is for.
 struct Written {
     const Part* part;
     const MemoryBuffer* image;
+    std::uint32_t family = 0;  ///< 0 if all images are for the same one
 
     std::string name() const { return std::string(part->text); }
 };
@@ -43,11 +44,18 @@ bool hasAddresses(const Statement& statement) {
 }
 
 std::vector<Written> imagesOf(const Step& step) {
+    const Part* const format = step.statement.last(Role::Format);
+    const bool hasList = format != nullptr && format->numberCount > 1;
     std::vector<Written> images;
+    std::size_t index = 0;
     for (const Part& part : step.statement.all(Role::UsesImage)) {
         const auto image = step.context->buffers.find(std::string(part.text));
         if (image == step.context->buffers.end()) return {};
-        if (image->second.getDataLength() != 0) images.push_back({&part, &image->second});
+        Written written{&part, &image->second};
+        if (hasList && index < format->numberCount)
+            written.family = step.statement.numbersOf(*format)[index].value;
+        ++index;
+        if (image->second.getDataLength() != 0) images.push_back(written);
     }
     return images;
 }
@@ -105,18 +113,21 @@ void checkOutputOverlaps(const Step& step) {
     if (step.context == nullptr) return;
     if (step.has(Role::Overlap) || !hasAddresses(statement)) return;
     std::vector<Written> images = imagesOf(step);
-    std::ranges::stable_sort(
-        images, {}, [](const Written& written) { return written.image->getStartAddress(); });
+    std::ranges::stable_sort(images, {}, [](const Written& written) {
+        return std::pair(written.family, written.image->getStartAddress());
+    });
     // An image that overlaps any before it also overlaps the one of these that ends last.
     for (std::size_t i = 1, longest = 0; i < images.size(); ++i) {
         const Written& one = images[longest];
         const Written& other = images[i];
-        const Common common = compared(*one.image, *other.image,
-                                       step.statement.roles.hasAny({Role::Gaps, Role::ShortGaps}));
+        const bool isOtherDevice = one.family != other.family;
+        const bool onlyWritten = step.statement.roles.hasAny({Role::Gaps, Role::ShortGaps});
+        const Common common =
+            isOtherDevice ? Common{} : compared(*one.image, *other.image, onlyWritten);
         const bool isInOrder = one.part < other.part;
         if (common.area.length != 0)
             report(step, isInOrder ? one : other, isInOrder ? other : one, common);
-        if (other.image->getArea().end() > one.image->getArea().end()) longest = i;
+        if (isOtherDevice || other.image->getArea().end() > one.image->getArea().end()) longest = i;
     }
 }
 

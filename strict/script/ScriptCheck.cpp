@@ -212,10 +212,14 @@ void ScriptCheck::checkEffects(const Statement& statement) {
     if (statement.has(Role::String) && !statement.has(Role::Area))
         report(Kind::NoEffect, "WITH_STRING writes nothing without an area",
                statement.textOf(Role::String), "add -useAreas={{start, length}}");
-    const std::string_view array = statement.textOf(Role::ArrayName);
-    if (isKeywordOfC(array))
-        report(Kind::Outside, "an array of C cannot have the name " + std::string(array), array,
-               "it is a keyword of C or C++");
+    for (const Role role : {Role::ArrayName, Role::GuardName}) {
+        const std::string_view name = statement.textOf(role);
+        if (isKeywordOfC(name))
+            report(Kind::Outside,
+                   std::string(role == Role::ArrayName ? "an array" : "a macro") +
+                       " of C cannot have the name " + std::string(name),
+                   name, "it is a keyword of C or C++");
+    }
 }
 
 /// A name to resolve occurs in the text before the options.

@@ -198,6 +198,20 @@ class Inspection(unittest.TestCase):
             self.assertEqual((info["devices"], info["areas"][0]["start"]), ([name], "0xFFFFFF00"))
             self.assertIn("  device    %s\n" % name, tessaron("info", "a.uf2"))
 
+    def test_header_of_s_records(self):
+        """The text of srec_cat, and the fixed fields of an S0 that are filled up."""
+        pathlib.Path("one.bin").write_bytes(b"1")
+        for header, shown in (("Boot 1.2", "Boot 1.2"), ("  a\tb", "a\tb"), (" ", None)):
+            srec_cat("one.bin", "-binary", "-execution-start-address", "0", "-header", header, "-o",
+                     "h.s19", "-motorola")
+            info, = json.loads(tessaron("info", "--json", "h.s19"))
+            self.assertEqual(info.get("header"), shown)
+        self.assertNotIn("  header ", tessaron("info", "h.s19"))
+        pathlib.Path("h.s19").write_text(
+            "S027000020202020202020202020000043726561746564204279205465737361726F6E2032303038AC\n"
+            "S107000001020304EE\nS9030000FC\n")
+        self.assertIn("  header    Created By Tessaron 2008\n", tessaron("info", "h.s19"))
+
     def test_info(self):
         info, = json.loads(tessaron("info", "--json", "a.hex"))
         whole = b"".join(self.image.values())

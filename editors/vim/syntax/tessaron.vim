@@ -88,7 +88,7 @@ syntax match tessaronStringComment "//.*" contained
 syntax match tessaronConstant /\v<%(LittleEndian|BigEndian)/
 syntax match tessaronConstant /\v%(<-onOverlap\s*\=\s*)@<=%(Last|First|Same|Error)/
 syntax match tessaronConstant /\v<%(InterpretAsLittleEndian|InterpretAsBigEndian)/
-syntax match tessaronConstant /\v<%(RawBinary|TiTxt|DfuSe|Uf2_\k+|Uf2|%(IntelHexExtended|IntelHexSegment|EmbeddedC_Assembler|MotorolaS|Vmem|CArray)_?)/
+syntax match tessaronConstant /\v<%(RawBinary|TiTxt|DfuSe|Uf2_\k+|Uf2|%(IntelHexExtended|IntelHexSegment|EmbeddedC_Assembler|MotorolaS|Vmem|Mif|Coe|HexDump|CArray16|CArray32|CArray64|CArray)_?)/
 syntax match tessaronConstant /\v<%(Crc8_Standard|Crc8_OnesComplement|Crc8_TwosComplement|Crc8_Eeprom)/
 syntax match tessaronConstant /\v<%(Crc16_Standard|Crc16_OnesComplement_BE|Crc16_TwosComplement_BE|Crc16_Legacy_Karst_Brae|Crc16_Ccitt|Crc16_ibm_sdlc)/
 syntax match tessaronConstant /\v<%(Crc32_Standard|Crc32_Tolmen|Crc32_Ethernet_Mpeg2|Crc32_Vector_AUTOSAR)/
@@ -105,10 +105,14 @@ syntax match tessaronConstant /\v<%(Hash_Sha3_224|Hash_Sha3_256|Hash_Sha3_384|Ha
 syntax match tessaronSection /\.\?\k\+/ contained
 syntax match tessaronSectionEquals /=/ contained nextgroup=tessaronSection skipwhite skipempty
 syntax match tessaronOption /\v<%(-changeStartAddressTo|-setByteOrder|-setType|-setFormat|-skipUnwritten|-onOverlap|-useWordSize|-interleave|-swapBytes|-setAddressUnit|-fillGapsUpTo|-alignTo|-setAlignment|-setVendorId|-setProductId)/
-syntax match tessaronOption /\v<%(-setExecutionAddress|-setArrayName)/
+syntax match tessaronOption /\v<%(-setExecutionAddress|-setArrayName|-setIncludeGuard)/
       \ nextgroup=tessaronSectionEquals skipwhite skipempty
 syntax match tessaronOption /\v<%(-useAreas|-useBufferRange|-useLane)/
       \ nextgroup=tessaronNumbersEquals skipwhite skipempty
+syntax match tessaronHeaderEquals /=/ contained
+      \ nextgroup=tessaronBareText,tessaronQuotedText,tessaronBracedText skipwhite skipempty
+syntax match tessaronOption /\v<-setHeaderText/
+      \ nextgroup=tessaronHeaderEquals skipwhite skipempty
 syntax match tessaronOption /\v<-resolveSymbolsAsHexValue/
       \ nextgroup=tessaronNamesEquals skipwhite skipempty
 
@@ -175,6 +179,7 @@ highlight default link tessaronOperator Operator
 highlight default link tessaronNamesEquals Operator
 highlight default link tessaronNumbersEquals Operator
 highlight default link tessaronSectionEquals Operator
+highlight default link tessaronHeaderEquals Operator
 highlight default link tessaronDelimiter Delimiter
 highlight default link tessaronSeparator Delimiter
 highlight default link tessaronBareText String

@@ -11,9 +11,10 @@
 
 namespace Io::Export {
 
-/// Writes a header of C, an array of constant bytes for each image (ISO/IEC 9899:1999, with
-/// <stdint.h>), its length and its address. The arrays after the first one have the name and a
-/// number from 2 on. An image without bytes has no array, since C has none of length 0.
+/// Writes a header of C, an array of constant bytes or of wider elements for each image (ISO/IEC
+/// 9899:1999, with <stdint.h>), its length in bytes and its address. An incomplete last element is
+/// filled up with bytes of 0. The arrays after the first one have the name and a number from 2 on.
+/// An image without bytes has no array, since C has none of length 0.
 class CArrayOutFile final : public TextOutFile, public TessaronExportApi {
 public:
     CArrayOutFile(std::string path, CArrayOutputStyle style)

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "facts/Listener.hpp"
+#include "io/export/WordText.hpp"
 #include "util/Hex.hpp"
 
 namespace Io::Export {
@@ -18,7 +19,7 @@ void writeAddress(PieceWriter& out, std::uint64_t address) {
 
 }  // namespace
 
-VmemOutFile::VmemOutFile(std::string path, VmemOutputStyle style)
+VmemOutFile::VmemOutFile(std::string path, WordStyle style)
     : TextOutFile(std::move(path)), style_(style), images_(style.wordBytes) {}
 
 void VmemOutFile::saveToFile() {
@@ -46,16 +47,10 @@ void VmemOutFile::saveToFile() {
 }
 
 void VmemOutFile::writeLine(PieceWriter& out, std::span<const std::uint8_t> bytes) const {
-    const std::size_t width = style_.wordBytes;
     char* const place = out.reserve(3 * bytes.size());
-    char* at = place;
-    for (std::size_t word = 0; word < bytes.size(); word += width) {
-        for (std::size_t i = 0; i < width; ++i)
-            at = Util::writeHex(at, bytes[word + (style_.isLittleEndian ? width - 1 - i : i)]);
-        *at++ = ' ';
-    }
-    at[-1] = '\n';
-    out.commit(at);
+    char* const end = writeWords(place, bytes, style_);
+    end[-1] = '\n';
+    out.commit(end);
 }
 
 }  // namespace Io::Export

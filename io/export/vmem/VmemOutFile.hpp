@@ -19,7 +19,7 @@ namespace Io::Export {
 /// 0xFFFFFFFF cancel the file.
 class VmemOutFile final : public TextOutFile, public TessaronExportApi {
 public:
-    VmemOutFile(std::string path, VmemOutputStyle style);
+    VmemOutFile(std::string path, WordStyle style);
 
     void insert(const ImageView& image) override { images_.insert(image); }
     void saveToFile() override;
@@ -28,7 +28,7 @@ public:
 private:
     void writeLine(PieceWriter& out, std::span<const std::uint8_t> bytes) const;
 
-    VmemOutputStyle style_;
+    WordStyle style_;
     AlignedImages images_;
 };
 

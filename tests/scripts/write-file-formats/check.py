@@ -27,7 +27,8 @@ def uf2(name, family, data, addresses):
     for number, address in enumerate(blocks):
         block = text[512 * number:512 * number + 512]
         head = (0x0A324655, 0x9E5D5157, 0x2000, address, 256, number, len(blocks), family)
-        payload = bytes(data.get(address + i, 0) for i in range(256))
+        # Outside of the image, its last filler goes on.
+        payload = bytes(data.get(address + i, 0xEE) for i in range(256))
         if block != struct.pack("<8I", *head) + payload + bytes(220) + struct.pack(
                 "<I", 0x0AB16F30):
             fail("block %d of %s" % (number, name))
@@ -104,7 +105,7 @@ if shutil.which("srec_cat"):
             ("all.txt", ["-ti-txt"], A_ALL),
             ("gaps.txt", ["-ti-txt"], {**WRITTEN, **B}),
             ("txt.srec", [], {**WRITTEN, **B}),
-            ("uf2.srec", [], {at: {**A_ALL, **B}.get(at, 0) for block in (0x1000, 0x1200, 0x1300)
+            ("uf2.srec", [], {at: {**A_ALL, **B}.get(at, 0xEE) for block in (0x1000, 0x1200, 0x1300)
                               for at in range(block, block + 256)}),
             # srec_cat takes the byte of the lowest address as the most significant one.
             ("1.vmem", ["-vmem"], WRITTEN),
