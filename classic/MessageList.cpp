@@ -98,7 +98,11 @@ std::optional<std::pair<FormatFault, FormatFault>> faultsOf(InputFormat format) 
         case InputFormat::Uf2:
             return {{FormatFault::SizeNotWhole, FormatFault::FamiliesMixed}};
         case InputFormat::TiTxt:
-            return {{FormatFault::LineUnknown, FormatFault::AfterEnd}};
+            return {{FormatFault::LineUnknown, FormatFault::WordCut}};
+        case InputFormat::Vmem:
+            return {{FormatFault::WordUneven, FormatFault::CommentOpen}};
+        case InputFormat::DfuSe:
+            return {{FormatFault::LengthWrong, FormatFault::ChecksumWrong}};
     }
     return std::nullopt;
 }

@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "cli/Listing.hpp"
+#include "io/formats/InputFormats.hpp"
 #include "platform/Paths.hpp"
 #include "platform/Version.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
@@ -39,6 +40,8 @@ struct Texts {
     std::string interleave;
     std::string shortGaps;
     std::string alignment;
+    std::vector<std::string> fileFormats;    ///< of the files that are inspected
+    std::optional<std::string> inputFormat;  ///< of the file that is converted
 };
 
 /// The number that a text is as a whole, decimal or with 0x hexadecimal; 0x may be followed by
@@ -102,6 +105,17 @@ Parser::FormatChoice formatIn(const std::string& option, const std::string& text
     throw CLI::ValidationError(
         option, "\"" + text + "\" is not a format; " +
                     (advice.hint.empty() ? "tessaron help formats lists them" : advice.hint));
+}
+
+/// A format of input files, by its word or its name.
+Facts::InputFormat inputFormatIn(const std::string& text) {
+    if (const auto* const row = Io::Formats::rowCalled(text)) return row->format;
+    std::vector<std::string> words;
+    for (const auto& row : Io::Formats::inputFormats()) words.emplace_back(row.word);
+    const std::string meant = Strict::didYouMean(text, words);
+    throw CLI::ValidationError(
+        "--from", "\"" + text + "\" is not a format" +
+                      (meant.empty() ? "; there are " + CLI::detail::join(words, ", ") : meant));
 }
 
 /// A file that is read or written as a file, not as a stream.
@@ -247,6 +261,13 @@ void apply(Request& request, const Texts& texts) {
     if (!texts.shortGaps.empty()) arranging.shortGaps = positiveIn("--fill-gaps", texts.shortGaps);
     if (!texts.alignment.empty()) arranging.alignment = positiveIn("--align", texts.alignment);
     if (texts.format) request.conversion.format = formatIn("--format", *texts.format);
+    for (const std::string& text : texts.fileFormats)
+        request.inspection.formats.push_back(inputFormatIn(text));
+    const std::size_t given = texts.fileFormats.size();
+    if (given > 1 && given != request.inspection.files.size())
+        throw CLI::ValidationError("--from",
+                                   "give it once for all files, or once for each of them");
+    if (texts.inputFormat) request.conversion.inputFormat = inputFormatIn(*texts.inputFormat);
     if (texts.areWarningsErrors) request.policy.makeWarningsErrors();
     set(texts.errors, Strict::Severity::Error);
     set(texts.warnings, Strict::Severity::Warning);
@@ -255,6 +276,11 @@ void apply(Request& request, const Texts& texts) {
 
 void addInspection(CLI::App& command, Request& request, Texts& texts) {
     addDisplay(command, request, texts);
+    command
+        .add_option("--from", texts.fileFormats,
+                    "the format of the files; may be given once for each of them")
+        ->type_name("FORMAT")
+        ->allow_extra_args(false);
     command.add_option("--width", request.inspection.width, "columns to use")
         ->type_name("N")
         ->check(CLI::Range(20, 1000).description(""));
@@ -366,6 +392,8 @@ void addConvert(CLI::App& app, Request& request, Texts& texts) {
             ->type_name("N")
             ->check(&faultIfEmpty);
     addArranging(*convert, conversion.arranging, texts, fill, offset);
+    convert->add_option("--from", texts.inputFormat, "the format of the inputs")
+        ->type_name("FORMAT");
     convert->add_option("--format", texts.format, "a format of WRITE_FILE")
         ->type_name("NAME")
         ->check(&faultIfEmpty);

@@ -4,6 +4,8 @@
 
 #include "inspect/Image.hpp"
 #include "inspect/Words.hpp"
+#include "io/InFile.hpp"
+#include "io/formats/FormatDetection.hpp"
 #include "io/formats/InputFormats.hpp"
 #include "parser/commands/CmdFillBuffer.hpp"
 #include "parser/commands/CmdNewBuffer.hpp"
@@ -35,21 +37,59 @@ void fail(Strict::Kind kind, std::string text, std::string hint, Strict::Printer
     printer.take({kind, std::move(text), std::nullopt, std::move(hint), {}});
 }
 
+/// What a file is, by its name and its contents; a pipe has no contents before it is read.
+Io::Formats::Detected detectedIn(const std::string& input) {
+    if (!Platform::isRegularFile(input)) return {};
+    try {
+        return Io::Formats::formatOf(input, Io::openInput(input));
+    } catch (const Io::bad_open&) {
+        return {};  // the statement says why
+    }
+}
+
+/// The name of the input is that of one format, and its contents are surely of another.
+void refuseSource(const std::string& input, const InputFormatRow& named,
+                  const InputFormatRow& detected, Strict::Printer& printer) {
+    const auto option = [](const InputFormatRow& row) { return "--from " + std::string(row.word); };
+    fail(Strict::Kind::WrongFormat,
+         input + " has the ending of " + std::string(named.name) + " and the contents of " +
+             std::string(detected.name),
+         "say which it is: " + option(named) + " or " + option(detected), printer);
+}
+
 /// How a file is read.
 struct Source {
-    const InputFormatRow* format;  ///< null if its contents decide
-    std::string keyword;           ///< of NEW_BUFFER
+    const InputFormatRow* format = nullptr;  ///< null if FROM_FILE finds it
 };
 
-/// How the input is read, by its ending; nothing after a diagnostic.
-std::optional<Source> sourceOf(const std::string& input, Strict::Printer& printer) {
-    if (const InputFormatRow* const named = Io::Formats::rowByEnding(input))
-        return Source{named->keyword == nullptr ? nullptr : named,
-                      std::string(Io::Formats::sourceOf(*named))};
-    if (CmdWriteFile::formatByEnding(input) == nullptr) return Source{nullptr, "FROM_FILE"};
-    // Read as raw bytes, it would put heads and digits of the format into the image.
-    fail(Strict::Kind::WrongFormat,
-         "files with the ending of " + input + " are written and not read", "", printer);
+/// How a file of a format is read that FROM_FILE may find by itself.
+Source sourceBy(const InputFormatRow& row) {
+    return {Io::Formats::isOfRecords(row) ? nullptr : &row};
+}
+
+/// How an input is read; nothing after a diagnostic.
+///
+/// @param given  its format; nothing if name and contents decide
+std::optional<Source> sourceOf(const std::string& input, std::optional<Facts::InputFormat> given,
+                               Strict::Printer& printer) {
+    if (given) return Source{&Io::Formats::rowOf(*given)};
+    const InputFormatRow* const named = Io::Formats::rowByEnding(input);
+    const auto [format, foreign] = detectedIn(input);
+    if (!foreign.empty()) return Source{};
+    const bool isUnknown = !format || *format == Facts::InputFormat::RawBinary;
+    if (named == nullptr && isUnknown && CmdWriteFile::formatByEnding(input) != nullptr) {
+        // Read as raw bytes, it would put heads and digits of the format into the image.
+        fail(Strict::Kind::WrongFormat,
+             "files with the ending of " + input + " are written and not read", "", printer);
+        return std::nullopt;
+    }
+    if (named == nullptr) return isUnknown ? Source{} : sourceBy(Io::Formats::rowOf(*format));
+    const bool isShared = Io::Formats::hasEnding(input, named->sharedEndings);
+    if (!format || (isShared && isUnknown)) return sourceBy(*named);
+    const InputFormatRow& detected = Io::Formats::rowOf(*format);
+    const bool areRecords = Io::Formats::isOfRecords(*named) && Io::Formats::isOfRecords(detected);
+    if (isShared || areRecords || &detected == named) return sourceBy(detected);
+    refuseSource(input, *named, detected, printer);
     return std::nullopt;
 }
 
@@ -87,7 +127,7 @@ std::optional<InputFacts> factsOf(const Conversion& conversion, Strict::Printer&
     const std::string& input = conversion.input;
     Strict::KeptDiagnostics kept;
     const std::uint32_t unit = conversion.arranging.inputUnit;
-    const auto image = Strict::readImage(input, kept, unit == 0 ? 1 : unit);
+    const auto image = Strict::readImage(input, conversion.inputFormat, kept, unit == 0 ? 1 : unit);
     if (!image || conversion.printsScript) kept.pass(printer);
     if (!image) return std::nullopt;
     if (!conversion.printsScript && !Platform::isRegularFile(input)) {
@@ -195,11 +235,12 @@ void addNewBuffer(Strict::ProgramMaker& maker, const Steps& steps, const std::st
     auto& image = maker.begin<CmdNewBuffer>("NEW_BUFFER");
     image.setBufferName(name);
     maker.addWord(Role::MakesImage, name);
-    image.setPath(input, source.format);
-    maker.add(" " + source.keyword);
+    const InputFormatRow* const format = source.format;
+    image.setPath(input, format);
+    maker.add(
+        std::string(" ").append(format == nullptr ? "FROM_FILE" : Io::Formats::sourceOf(*format)));
     using Parser::FileReading;
-    const FileReading reading =
-        source.format == nullptr ? FileReading::Detected : FileReading::Named;
+    const FileReading reading = format == nullptr ? FileReading::Detected : FileReading::Named;
     maker.addPath(Role::InputFile, input, static_cast<std::uint32_t>(reading));
     if (steps.crop) {
         image.setBufferRange(*steps.crop);
@@ -316,7 +357,7 @@ void addWriteFile(Strict::ProgramMaker& maker, const Steps& steps) {
 
 /// What the conversion does, or nothing after a diagnostic.
 std::optional<Steps> stepsOf(const Conversion& conversion, Strict::Printer& printer) {
-    const auto source = sourceOf(conversion.input, printer);
+    const auto source = sourceOf(conversion.input, conversion.inputFormat, printer);
     const auto format = formatOf(conversion, printer);
     if (!source || !format) return std::nullopt;
     if (conversion.crop &&
@@ -336,7 +377,7 @@ std::optional<Steps> stepsOf(const Conversion& conversion, Strict::Printer& prin
                 conversion.arranging,
                 {}};
     for (const std::string& further : conversion.arranging.furtherInputs) {
-        const auto furtherSource = sourceOf(further, printer);
+        const auto furtherSource = sourceOf(further, conversion.inputFormat, printer);
         if (!furtherSource) return std::nullopt;
         steps.furtherSources.push_back(*furtherSource);
     }
@@ -354,13 +395,23 @@ std::optional<Steps> stepsOf(const Conversion& conversion, Strict::Printer& prin
 /// Prints the script that does the same, unless there is none.
 ExitCode print(const Conversion& conversion, const Strict::Program& program,
                Strict::Printer& printer, std::ostream& output) {
-    std::vector<std::string> paths{conversion.input, conversion.output};
+    std::vector<std::string> inputs{conversion.input};
     const auto& further = conversion.arranging.furtherInputs;
-    paths.insert(paths.end(), further.begin(), further.end());
+    inputs.insert(inputs.end(), further.begin(), further.end());
+    std::vector<std::string> paths = inputs;
+    paths.push_back(conversion.output);
     for (const std::string& path : paths)
         if (const auto argument = Strict::argumentOf(path); !argument.obstacle.empty())
             fail(Strict::Kind::Syntax, "no script can name the file " + path, argument.obstacle,
                  printer);
+    const auto& given = conversion.inputFormat;
+    const bool isRecords = given && Io::Formats::isOfRecords(Io::Formats::rowOf(*given));
+    for (const std::string& input : inputs)
+        if (isRecords && detectedIn(input).format != given)
+            fail(Strict::Kind::WrongFormat,
+                 "no script can say that " + input + " is read as " +
+                     std::string(Io::Formats::rowOf(*given).name),
+                 "FROM_FILE takes it for something else", printer);
     if (printer.errors() != 0) return ExitCode::Failed;
     output << program.text().written() << std::flush;
     if (output) return ExitCode::Good;

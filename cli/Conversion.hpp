@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "buffer/Area.hpp"
+#include "facts/InputFormat.hpp"
 #include "parser/commands/Arrangement.hpp"
 #include "parser/grammar/FormatChoice.hpp"
 #include "strict/Run.hpp"
@@ -32,7 +33,8 @@ struct Arranging {
 struct Conversion {
     std::string input;
     std::string output;
-    std::optional<Parser::FormatChoice> format = {};  ///< nothing for that of the ending
+    std::optional<Parser::FormatChoice> format = {};     ///< nothing for that of the ending
+    std::optional<Facts::InputFormat> inputFormat = {};  ///< nothing: name and contents decide
     std::optional<Buffer::Area> crop = {};
     std::vector<std::uint8_t> fill = {};  ///< bytes for the gaps; none leaves them gaps
     std::int64_t offset = 0;              ///< added to all addresses

@@ -35,11 +35,19 @@ ExitCode ended(std::ostream& output, Printer& printer, ExitCode good) {
     return good == ExitCode::Good ? ExitCode::Failed : ExitCode::Unusable;
 }
 
+/// The format that was given for a file, by its number.
+std::optional<Facts::InputFormat> formatOf(const Inspection& inspection, std::size_t file) {
+    const auto& formats = inspection.formats;
+    if (formats.empty()) return std::nullopt;
+    return formats.size() == 1 ? formats.front() : formats[file];
+}
+
 /// The images of the files that can be read.
 std::vector<Inspect::Image> imagesOf(const Inspection& inspection, Printer& printer) {
     std::vector<Inspect::Image> images;
-    for (const std::string& file : inspection.files)
-        if (auto image = Strict::readImage(file, printer)) images.push_back(std::move(*image));
+    for (std::size_t i = 0; i < inspection.files.size(); ++i)
+        if (auto image = Strict::readImage(inspection.files[i], formatOf(inspection, i), printer))
+            images.push_back(std::move(*image));
     return images;
 }
 
@@ -49,9 +57,10 @@ ExitCode info(const Inspection& inspection, Printer& printer, const Strict::Poli
               std::ostream& output) {
     std::vector<Inspect::Info> files;
     bool isGood = true;
-    for (const std::string& file : inspection.files) {
+    for (std::size_t i = 0; i < inspection.files.size(); ++i) {
+        const std::string& file = inspection.files[i];
         Strict::KeptDiagnostics kept;
-        auto info = Strict::readInfo(file, inspection.withSymbols, kept);
+        auto info = Strict::readInfo(file, formatOf(inspection, i), inspection.withSymbols, kept);
         Strict::RemarkList remarks(policy);
         kept.pass(remarks);
         if (info && info->isRead && info->areas.empty())

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "buffer/Area.hpp"
+#include "facts/InputFormat.hpp"
 #include "strict/Run.hpp"
 #include "strict/diagnostics/Policy.hpp"
 #include "strict/diagnostics/Printer.hpp"
@@ -15,6 +16,8 @@ namespace CommandLine {
 /// What `info`, `diff` and `map` are asked for.
 struct Inspection {
     std::vector<std::string> files;
+    /// The formats of the files, or one for all of them; none if names and contents decide.
+    std::vector<Facts::InputFormat> formats;
     bool isJson = false;
     Buffer::AreaList ignored;     ///< by `diff`
     std::size_t context = 1;      ///< of `diff`

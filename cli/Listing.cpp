@@ -53,11 +53,14 @@ std::string table(const std::vector<Row>& rows) {
     return text;
 }
 
-std::string listed(std::span<const std::string_view> words) {
+std::string listed(std::span<const std::string_view> words,
+                   std::span<const std::string_view> further = {}) {
     std::string text;
-    for (const std::string_view word : words) {
-        if (!text.empty()) text += " ";
-        text += word;
+    for (const auto some : {words, further}) {
+        for (const std::string_view word : some) {
+            if (!text.empty()) text += " ";
+            text += word;
+        }
     }
     return text;
 }
@@ -115,10 +118,10 @@ std::string formOf(const ExportFormat& format) {
 }
 
 std::string formats() {
-    std::vector<Row> inputs{{"source", "format", "endings"}};
+    std::vector<Row> inputs{{"source", "name", "format", "endings"}};
     for (const auto& row : Io::Formats::inputFormats())
-        inputs.push_back(
-            {std::string(Io::Formats::sourceOf(row)), std::string(row.name), listed(row.endings)});
+        inputs.push_back({std::string(Io::Formats::sourceOf(row)), std::string(row.word),
+                          std::string(row.name), listed(row.endings, row.sharedEndings)});
     std::vector<Row> outputs{{"name", "format", "endings"}};
     std::string named;
     for (const ExportFormat& format : CmdWriteFile::formats()) {
@@ -130,7 +133,8 @@ std::string formats() {
         named.append("\n").append(format.keyword).append("_NAME, or the number itself:\n");
         named += table(names);
     }
-    return "Inputs, sources of NEW_BUFFER; FROM_FILE_BINARY reads any file as it is:\n" +
+    return "Inputs, sources of NEW_BUFFER, and --from=name of the commands without a script;\n"
+           "FROM_FILE_BINARY reads any file as it is:\n" +
            table(inputs) + "\nOutputs, -setFormat=name of WRITE_FILE and --format of convert:\n" +
            table(outputs) + named;
 }

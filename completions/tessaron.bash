@@ -32,6 +32,9 @@ _tessaron_words() {
         -D | --define | --symbol | --width | --context | --max-lines | \
             --crop | --fill | --offset | --format | --lane | --interleave | --fill-gaps | \
             --align) return ;;
+        --from)
+            compgen -W 'IntelHex MotorolaS RawBinary Elf Uf2 TiTxt Vmem DfuSe' -- "$current"
+            return ;;
         --swap-bytes) compgen -W '2 4 8' -- "$current"; return ;;
         --unit-in | --unit-out) compgen -W '2 4' -- "$current"; return ;;
     esac
@@ -42,12 +45,12 @@ _tessaron_words() {
         :*) compgen -W 'run check info diff map convert help' -- "$current" ;;
         run:-*) compgen -W "$script --depfile --manifest --map --report" -- "$current" ;;
         check:-*) compgen -W "$script --against-disk --manifest" -- "$current" ;;
-        info:-*) compgen -W "$common --json --symbols --width" -- "$current" ;;
+        info:-*) compgen -W "$common --json --symbols --from --width" -- "$current" ;;
         diff:-*)
-            compgen -W "$common --json --ignore --context --max-lines --width" -- "$current" ;;
-        map:-*) compgen -W "$common --svg --ascii --width" -- "$current" ;;
+            compgen -W "$common --json --ignore --context --max-lines --from --width" -- "$current" ;;
+        map:-*) compgen -W "$common --svg --ascii --from --width" -- "$current" ;;
         convert:-*)
-            compgen -W "$common --crop --fill --offset --format --lane --interleave --with \
+            compgen -W "$common --crop --fill --offset --from --format --lane --interleave --with \
                 --swap-bytes --unit-in --unit-out --fill-gaps --align --print-script" \
                 -- "$current" ;;
         help:-*) compgen -W '--help' -- "$current" ;;

@@ -10,6 +10,7 @@ set -l kinds no-end unknown-name duplicate-name outside wiped empty-image empty-
     value-size whole-image text-size number-range empty-area digest-self \
     digest-stale format-ending empty-output double-area repeated-option in-place \
     unused-image bare-word unknown-text leading-zero backslash-path typographic-quote
+set -l formats IntelHex MotorolaS RawBinary Elf Uf2 TiTxt Vmem DfuSe
 set -l none "not __fish_seen_subcommand_from $commands"
 set -l any "__fish_seen_subcommand_from $commands"
 set -l run '__fish_seen_subcommand_from run'
@@ -19,6 +20,7 @@ set -l info '__fish_seen_subcommand_from info'
 set -l diff '__fish_seen_subcommand_from diff'
 set -l map '__fish_seen_subcommand_from map'
 set -l convert '__fish_seen_subcommand_from convert'
+set -l files '__fish_seen_subcommand_from info diff map convert'
 
 complete -c tessaron -s h -l help -d 'Print the help and exit'
 complete -c tessaron -n $none -l version -d 'Print the version and exit'
@@ -62,6 +64,7 @@ complete -c tessaron -n $map -l width -x -d 'Columns to use'
 complete -c tessaron -n $convert -l crop -x -d 'Keep only this area, START,LENGTH'
 complete -c tessaron -n $convert -l fill -x -d 'Lay bytes into the gaps'
 complete -c tessaron -n $convert -l offset -x -d 'Add to all addresses'
+complete -c tessaron -n $files -l from -x -a "$formats" -d 'The format of the input'
 complete -c tessaron -n $convert -l format -x -d 'A format of WRITE_FILE'
 complete -c tessaron -n $convert -l lane -x -d 'Take one chip of a bus, LANE,LANES,WIDTH'
 complete -c tessaron -n $convert -l interleave -x -d 'Make a bus of its chips'

@@ -167,7 +167,13 @@ enum class FormatFault : std::uint8_t {
     AddressMissing,    ///< line `where` has data, and no line before has an address
     EndMissing,        ///< the file has no end after line `where`
     AfterEnd,          ///< line `where` comes after the end
-    WordCut            ///< before line `where` a run of data has no whole number of `number` bytes
+    WordCut,           ///< before line `where` a run of data has no whole number of `number` bytes
+    WordUneven,        ///< line `where` has a word of `number` digits, which are not whole bytes
+    WordsDiffer,   ///< line `where` has a word of `number` digits, and others have more or fewer
+    BitsUnknown,   ///< line `where` has a digit for bits without a value
+    CommentOpen,   ///< the comment that begins in line `where` does not end
+    LengthWrong,   ///< the length at byte `where` is `number`, which what follows contradicts
+    ChecksumWrong  ///< the checksum of the file is `where`, and its bytes give `number`
 };
 
 /// A file contradicts its format; nothing of it was used and the statement failed.

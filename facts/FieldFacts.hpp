@@ -87,7 +87,8 @@ struct EndMissing {
 /// A file is neither Intel HEX nor S-records; no image is made of it.
 struct FormatForeign {
     std::string_view file;
-    std::optional<InputFormat> format;  ///< nothing for a text without a record
+    std::optional<InputFormat> format;  ///< nothing for one that is not read
+    std::string_view foreign = {};      ///< what such a file is, with an article, if it is known
     bool operator==(const FormatForeign&) const = default;
 };
 

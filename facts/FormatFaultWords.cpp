@@ -61,9 +61,25 @@ std::string textOf(const FileMalformed& fact) {
             return "the data before line " + where + " does not end with a whole word of " +
                    number + " bytes";
         case FormatFault::AfterEnd:
+            return "line " + where + " comes after the end";
+        case FormatFault::WordUneven:
+            return "line " + where + " has a word of " + number +
+                   " digits, which are not whole bytes";
+        case FormatFault::WordsDiffer:
+            return "line " + where + " has a word of " + number +
+                   " digits, and the words before it have another number of them";
+        case FormatFault::BitsUnknown:
+            return "line " + where + " has a digit x or z, whose bits have no value";
+        case FormatFault::CommentOpen:
+            return "the comment that begins in line " + where + " does not end";
+        case FormatFault::LengthWrong:
+            return "the length at byte " + where + " is " + number +
+                   ", which is not that of the data after it";
+        case FormatFault::ChecksumWrong:
             break;
     }
-    return "line " + where + " comes after the end";
+    return "the checksum is " + hexadecimal(fact.where) + ", the bytes of the file give " +
+           hexadecimal(fact.number);
 }
 
 }  // namespace Facts

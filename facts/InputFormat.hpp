@@ -6,8 +6,17 @@
 namespace Facts {
 
 /// The formats of input files. Each has a row in io/formats.
-enum class InputFormat : std::uint8_t { IntelHex, MotorolaS, RawBinary, Elf, Uf2, TiTxt };
-inline constexpr std::size_t inputFormatCount = 6;
+enum class InputFormat : std::uint8_t {
+    IntelHex,
+    MotorolaS,
+    RawBinary,
+    Elf,
+    Uf2,
+    TiTxt,
+    Vmem,
+    DfuSe
+};
+inline constexpr std::size_t inputFormatCount = 8;
 
 /// The name of the reader of a format in reports.
 constexpr const char* readerName(InputFormat format) {
@@ -24,6 +33,10 @@ constexpr const char* readerName(InputFormat format) {
             return "Uf2InFile";
         case InputFormat::TiTxt:
             return "TiTxtInFile";
+        case InputFormat::Vmem:
+            return "VmemInFile";
+        case InputFormat::DfuSe:
+            return "DfuSeInFile";
     }
     return "RawBinaryInFile";
 }

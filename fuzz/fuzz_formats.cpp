@@ -1,5 +1,6 @@
 // The readers of all formats that have a mark: what one of them accepts is the same in every
-// question of its interface, and is read again from what the writers of UF2 and TI-TXT make of it.
+// question of its interface, and is read again from what the writers of UF2, TI-TXT, VMEM and DfuSe
+// make of it.
 
 #include <cstddef>
 #include <cstdint>
@@ -9,13 +10,17 @@
 #include "fuzz/Check.hpp"
 #include "fuzz/PlatformInMemory.hpp"
 #include "io/InFile.hpp"
+#include "io/export/dfuse/DfuSeOutFile.hpp"
 #include "io/export/titxt/TiTxtOutFile.hpp"
 #include "io/export/uf2/Uf2OutFile.hpp"
+#include "io/export/vmem/VmemOutFile.hpp"
 #include "io/formats/InputFormats.hpp"
 #include "io/import/Malformed.hpp"
+#include "io/import/dfuse/DfuSeInFile.hpp"
 #include "io/import/elf/ElfFile.hpp"
 #include "io/import/titxt/TiTxtInFile.hpp"
 #include "io/import/uf2/Uf2InFile.hpp"
+#include "io/import/vmem/VmemInFile.hpp"
 
 namespace {
 
@@ -66,6 +71,8 @@ void checkAnswers(TessaronImportApi& file) {
         using namespace Io::Export;
         checkWritten<Io::Import::TiTxtInFile>(images, TiTxtOutFile(outputPath));
         checkWritten<Io::Import::Uf2InFile>(images, Uf2OutFile(outputPath, {.families = {1}}));
+        checkWritten<Io::Import::VmemInFile>(images, VmemOutFile(outputPath, {}));
+        checkWritten<Io::Import::DfuSeInFile>(images, DfuSeOutFile(outputPath, {}));
     }
     if (file.getDataLength() > longestSpan) return;
     const MemoryBuffer whole = file.getMemory();

@@ -55,8 +55,10 @@ def input_files():
 
 
 def format_files():
-    """Name and contents of every ELF and TI-TXT file of the tests, and of a UF2 file."""
-    for pattern in "tests/data/elf/*.elf", "tests/scripts/read-formats-bad/*.txt":
+    """Name and contents of the files of the tests in formats with a mark, and of a UF2 file."""
+    for pattern in ("tests/data/elf/*.elf", "tests/scripts/read-formats-bad/*.txt",
+                    "tests/scripts/read-formats-bad/*.vmem", "tests/data/foreign/*.vmem",
+                    "tests/data/foreign/*.dfu"):
         for path in sorted(ROOT.glob(pattern)):
             yield path.name, path.read_bytes()
     blocks = [struct.pack("<8I", 0x0A324655, 0x9E5D5157, 0x2000, 256 * i, 256, i, 2, 1) +

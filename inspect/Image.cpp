@@ -66,8 +66,9 @@ Image imageOf(const std::string& path, Io::Import::TessaronImportApi& reader) {
     return image;
 }
 
-std::optional<Image> openImage(const std::string& path, std::uint32_t addressUnit) {
-    const Io::Formats::AnyFile file = Io::Formats::openAny(path, nullptr, addressUnit);
+std::optional<Image> openImage(const std::string& path, std::optional<Facts::InputFormat> format,
+                               std::uint32_t addressUnit) {
+    const Io::Formats::AnyFile file = Io::Formats::openAny(path, format, nullptr, addressUnit);
     if (file.reader == nullptr) return std::nullopt;
     return imageOf(path, *file.reader);
 }

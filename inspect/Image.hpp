@@ -32,14 +32,18 @@ struct Image {
 /// Reads a file of any format, as files are in the field. What is odd about it is reported to the
 /// listener in force; nothing is returned for a damaged file.
 ///
+/// @param format       that of the file; nothing if name and contents decide
+/// @param addressUnit  the addresses of the file count words of that many bytes
 /// @throws Io::bad_open
 /// @throws Io::Import::Malformed  after a report
-std::optional<Image> openImage(const std::string& path, std::uint32_t addressUnit = 1);
+std::optional<Image> openImage(const std::string& path,
+                               std::optional<Facts::InputFormat> format = {},
+                               std::uint32_t addressUnit = 1);
 
 /// What `reader` has read of the file `path`, which it gives away.
 Image imageOf(const std::string& path, Io::Import::TessaronImportApi& reader);
 
-/// The name of a format for people; "no image" for a text without a record.
+/// The name of a format for people; "no image" for a file that is not read.
 std::string formatText(std::optional<Facts::InputFormat> format);
 
 /// The areas in ascending order, joined where they overlap or at most `gap` addresses lie between

@@ -206,11 +206,12 @@ std::string symbolsText(const std::vector<Loaded>& symbols) {
 
 }  // namespace
 
-Info infoAbout(const std::string& path, bool withSymbols) {
+Info infoAbout(const std::string& path, std::optional<Facts::InputFormat> format,
+               bool withSymbols) {
     Info info;
     info.path = path;
     RecordCounter counter;
-    const Io::Formats::AnyFile file = Io::Formats::openAny(path, &counter);
+    const Io::Formats::AnyFile file = Io::Formats::openAny(path, format, &counter);
     info.format = file.format;
     info.fileSize = file.size;
     if (info.format) info.records = counter.result(*info.format);
@@ -236,7 +237,8 @@ std::string textOf(const Info& info, std::size_t width) {
     if (info.records.total() != 0) text += recordsText(info.records, width);
     if (info.startAddress) text += "  start     " + addressText(*info.startAddress) + "\n";
     if (!info.header.empty()) text += "  header    " + Util::printable(info.header) + "\n";
-    for (const std::string& device : info.devices) text += "  device    " + device + "\n";
+    for (const std::string& device : info.devices)
+        text += "  device    " + Util::printable(device) + "\n";
     text += segmentsText(info.segments);
     text += "  data      " + dataText(info) + "\n";
     if (!info.areas.empty())

@@ -40,7 +40,7 @@ struct Loaded {
 /// What there is to know of a file.
 struct Info {
     std::string path;
-    std::optional<Facts::InputFormat> format;  ///< nothing for a text without a record
+    std::optional<Facts::InputFormat> format;  ///< nothing for a file that is not read
     std::uint64_t fileSize = 0;
     std::string header;  ///< what the file says of itself, without blanks around it
     RecordCounts records;
@@ -56,10 +56,11 @@ struct Info {
 
 /// Reads a file and computes all but the remarks; what is odd goes to the listener in force.
 ///
+/// @param format  that of the file; nothing if name and contents decide
 /// @param withSymbols  also lists the symbols of an ELF file
 /// @throws Io::bad_open
 /// @throws Io::Import::Malformed  after a report
-Info infoAbout(const std::string& path, bool withSymbols);
+Info infoAbout(const std::string& path, std::optional<Facts::InputFormat> format, bool withSymbols);
 
 /// A table for a terminal of `width` columns: digests are cut to fit, or left out where too little
 /// of them would remain. With 0, nothing is cut.

@@ -36,18 +36,22 @@ auto readWith(Read read, const std::string& path, DiagnosticSink& sink) -> declt
 
 }  // namespace
 
-std::optional<Inspect::Image> readImage(const std::string& path, DiagnosticSink& sink,
-                                        std::uint32_t addressUnit) {
+std::optional<Inspect::Image> readImage(const std::string& path,
+                                        std::optional<Facts::InputFormat> format,
+                                        DiagnosticSink& sink, std::uint32_t addressUnit) {
     return readWith(
-        [addressUnit](const std::string& file) { return Inspect::openImage(file, addressUnit); },
+        [format, addressUnit](const std::string& file) {
+            return Inspect::openImage(file, format, addressUnit);
+        },
         path, sink);
 }
 
-std::optional<Inspect::Info> readInfo(const std::string& path, bool withSymbols,
+std::optional<Inspect::Info> readInfo(const std::string& path,
+                                      std::optional<Facts::InputFormat> format, bool withSymbols,
                                       DiagnosticSink& sink) {
     return readWith(
-        [withSymbols](const std::string& file) {
-            return std::optional(Inspect::infoAbout(file, withSymbols));
+        [format, withSymbols](const std::string& file) {
+            return std::optional(Inspect::infoAbout(file, format, withSymbols));
         },
         path, sink);
 }

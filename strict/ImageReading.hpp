@@ -13,14 +13,18 @@ namespace Strict {
 /// Reads a file of any format. What is odd about it, or the reason why it cannot be read, goes to
 /// the sink.
 ///
+/// @param format       that of the file; nothing if name and contents decide
 /// @param addressUnit  the addresses of the file count words of that many bytes
-std::optional<Inspect::Image> readImage(const std::string& path, DiagnosticSink& sink,
-                                        std::uint32_t addressUnit = 1);
+std::optional<Inspect::Image> readImage(const std::string& path,
+                                        std::optional<Facts::InputFormat> format,
+                                        DiagnosticSink& sink, std::uint32_t addressUnit = 1);
 
 /// All that there is to know of a file; nothing if it cannot be read.
 ///
+/// @param format  that of the file; nothing if name and contents decide
 /// @param withSymbols  also lists the symbols of an ELF file
-std::optional<Inspect::Info> readInfo(const std::string& path, bool withSymbols,
+std::optional<Inspect::Info> readInfo(const std::string& path,
+                                      std::optional<Facts::InputFormat> format, bool withSymbols,
                                       DiagnosticSink& sink);
 
 }  // namespace Strict

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "io/import/FormatScan.hpp"
+#include "io/field/RecordLine.hpp"
 
 namespace Io::Field {
 
@@ -14,69 +14,141 @@ namespace {
 
 using Facts::InputFormat;
 
-constexpr std::string_view hexDigits = "0123456789ABCDEFabcdef";
-/// Digits after the first characters of a record that distinguish it from other text.
-constexpr std::size_t recordDigits = 8;
-constexpr std::size_t longestStart = 2 + recordDigits;
-
-bool areDigits(std::string_view text, std::size_t count) {
-    return text.size() >= count &&
-           text.substr(0, count).find_first_not_of(hexDigits) == std::string_view::npos;
+/// Bytes that are one character of UTF-8 above U+007F; 0 if `text` does not begin with one.
+std::size_t sequenceSize(std::string_view text) {
+    const auto first = static_cast<unsigned char>(text.front());
+    std::size_t size = 0;
+    if (first >= 0xC2 && first < 0xE0) size = 2;
+    if (first >= 0xE0 && first < 0xF0) size = 3;
+    if (first >= 0xF0 && first < 0xF5) size = 4;
+    if (text.size() < size) return 0;
+    const auto isContinuation = [](char c) { return (static_cast<unsigned char>(c) >> 6U) == 2; };
+    return std::ranges::all_of(text.substr(1, std::max<std::size_t>(size, 1) - 1), isContinuation)
+               ? size
+               : 0;
 }
 
-bool isDecimal(char c) {
-    return c >= '0' && c <= '9';
+/// A printable character of ASCII, or a control that texts have.
+constexpr bool isAsciiText(char c) {
+    return (c >= ' ' && c <= '~') || (c >= '\t' && c <= '\r') || c == '\x1A';
 }
 
-/// The place of the first record in a piece of a text that begins with `first`, and at the
-/// beginning of a line.
-std::size_t findRecord(std::string_view piece, char first, std::size_t most) {
-    for (std::size_t at = piece.find(first); at < most; at = piece.find(first, at + 1)) {
-        const bool isAtLine = at == 0 || piece[at - 1] == '\n' || piece[at - 1] == '\r';
-        if (isAtLine && recordFormatOf(piece.substr(at, longestStart))) return at;
+/// Counts the bytes of a file by what their lines are, each format for itself.
+class LineTally {
+public:
+    /// Takes the next piece of the file.
+    void take(std::string_view piece) {
+        while (!piece.empty()) {
+            const auto end = static_cast<std::size_t>(
+                std::ranges::find_if(piece, [](char c) { return c == '\n' || c == '\r'; }) -
+                piece.begin());
+            extend(piece.substr(0, end));
+            if (end < piece.size()) endLine();
+            piece.remove_prefix(std::min(end + 1, piece.size()));
+        }
     }
-    return most;
-}
+
+    void endLine() {
+        std::string_view line(line_.data(), std::min(length_, line_.size()));
+        if (isFirst_ && line.starts_with(utf8Mark)) line.remove_prefix(utf8Mark.size());
+        isFirst_ = isFirst_ && length_ == 0;
+        count(withoutBlanks(line));
+        length_ = 0;
+    }
+
+    /// The format of the first line that begins as a record does.
+    std::optional<InputFormat> first() const { return first_; }
+
+    /// The format to which most of the bytes so far belong.
+    ///
+    /// @param isText  then a line with a digit belongs to a format, too
+    std::optional<InputFormat> most(bool isText) const {
+        for (const InputFormat format : {InputFormat::IntelHex, InputFormat::MotorolaS}) {
+            const Count& count = counts_[static_cast<std::size_t>(format)];
+            if (2 * (count.records + (isText ? count.beginnings : 0)) > all_) return format;
+        }
+        return std::nullopt;
+    }
+
+private:
+    /// Bytes of the lines of one format.
+    struct Count {
+        std::uint64_t records = 0;
+        std::uint64_t beginnings = 0;  ///< of lines that may be damaged records
+    };
+
+    void extend(std::string_view text) {
+        if (length_ < line_.size())
+            std::ranges::copy(text.substr(0, line_.size() - length_),
+                              line_.begin() + static_cast<std::ptrdiff_t>(length_));
+        length_ += text.size();
+    }
+
+    void count(std::string_view line) {
+        all_ += length_;
+        if (const auto record = recordFormatOf(line)) {
+            if (!first_) first_ = record;
+            countOf(*record).records += length_;
+        } else if (const auto stripped = strippedFormatOf(line)) {
+            countOf(*stripped).records += length_;
+        } else if (const auto beginning = beginningOf(line)) {
+            countOf(*beginning).beginnings += length_;
+        }
+    }
+
+    Count& countOf(InputFormat format) { return counts_[static_cast<std::size_t>(format)]; }
+
+    std::array<char, longestRecord> line_{};  ///< the beginning of the current one
+    std::size_t length_ = 0;                  ///< of the current line
+    bool isFirst_ = true;
+    std::uint64_t all_ = 0;
+    std::array<Count, 2> counts_{};
+    std::optional<InputFormat> first_;
+};
 
 }  // namespace
 
-std::optional<InputFormat> recordFormatOf(std::string_view line) {
-    if (line.starts_with(':') && areDigits(line.substr(1), recordDigits))
-        return InputFormat::IntelHex;
-    const bool isS = line.size() > 2 && (line[0] == 'S' || line[0] == 's') && isDecimal(line[1]);
-    if (isS && areDigits(line.substr(2), recordDigits)) return InputFormat::MotorolaS;
-    return std::nullopt;
+bool isText(std::string_view piece) {
+    piece = piece.substr(0, piece.find_last_not_of('\0') + 1);
+    constexpr std::size_t mostForeign = 64;
+    std::size_t foreign = 0;
+    for (std::size_t at = 0; at < piece.size();) {
+        const std::size_t size = isAsciiText(piece[at]) ? 1 : sequenceSize(piece.substr(at));
+        foreign += size == 0 ? 1 : 0;
+        at += std::max<std::size_t>(size, 1);
+    }
+    return !piece.empty() && foreign * mostForeign <= piece.size();
 }
 
-std::optional<InputFormat> firstRecordFormatOf(const Platform::InputFile& file) {
+std::string_view firstContentOf(std::string_view text) {
+    if (text.starts_with(utf8Mark)) text.remove_prefix(utf8Mark.size());
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
+        const std::string_view line = withoutBlanks(text.substr(0, end));
+        if (!line.empty() && remarkMark(line) == 0) return line;
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return {};
+}
+
+std::optional<InputFormat> recordFormatIn(const Platform::InputFile& file) {
     constexpr std::size_t pieceSize = std::size_t{1} << 17U;
     std::vector<char> buffer(
         static_cast<std::size_t>(std::min<std::uint64_t>(pieceSize, file.size())));
+    LineTally lines;
     for (std::uint64_t start = 0; start < file.size();) {
         const std::string_view piece(buffer.data(), file.readAt(start, buffer));
         if (piece.empty()) break;
-        // Once more from a line end on, which precedes the first character that is looked at.
-        const bool isMarked = start == 0 && piece.starts_with(utf8Mark);
-        const std::string_view text = piece.substr(isMarked ? utf8Mark.size() : 0);
-        std::size_t first = text.size();
-        for (const char c : {':', 'S', 's'}) first = findRecord(text, c, first);
-        if (first < text.size()) return recordFormatOf(text.substr(first, longestStart));
-        if (start + piece.size() >= file.size()) break;
-        start += piece.size() - std::min(piece.size() - 1, longestStart);
+        start += piece.size();
+        lines.take(piece);
+        if (start >= file.size()) lines.endLine();
+        const bool isTextPiece = isText(piece);
+        if (const auto most = lines.most(isTextPiece)) return most;
+        // What follows binary data is not looked at: any bytes may be in it.
+        if (!isTextPiece) break;
+        if (lines.first()) return lines.first();
     }
     return std::nullopt;
-}
-
-bool beginsAsRecords(const Platform::InputFile& file) {
-    std::array<char, 4096> head{};
-    Import::FormatScan scan;
-    std::string_view text(head.data(), file.readAt(0, head));
-    while (!text.empty() && !scan.isFinal()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        scan.look(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
-    return scan.type() != Import::InFileType::RawBinary;
 }
 
 }  // namespace Io::Field

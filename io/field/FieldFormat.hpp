@@ -8,18 +8,19 @@
 
 namespace Io::Field {
 
-/// The byte order mark of UTF-8, which editors put at the beginning of a file.
-inline constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
+/// Nearly all of it is text in UTF-8: of 64 bytes, no more than one is anything else. Zero bytes
+/// at its end do not count.
+bool isText(std::string_view piece);
 
-/// The format of which `line` is a record, damaged or not: it begins as one, and eight digits
-/// follow.
-std::optional<Facts::InputFormat> recordFormatOf(std::string_view line);
+/// The first line that is neither empty nor a remark, without a byte order mark and without blanks
+/// at its ends; empty if there is none.
+std::string_view firstContentOf(std::string_view text);
 
-/// The format of the first record of a file, wherever it is; nothing if there is none.
-std::optional<Facts::InputFormat> firstRecordFormatOf(const Platform::InputFile& file);
-
-/// Every line of a file's beginning begins as a record does, or is a remark or empty, and there is
-/// one that begins as a record.
-bool beginsAsRecords(const Platform::InputFile& file);
+/// The format of the records of a file, damaged or not; nothing if it is not a file of records.
+///
+/// A file has records if most of it is lines that begin as records do, indented or not, or that are
+/// records but for their lost beginning. A text has them if one of its lines begins as a record
+/// does, wherever it is. A file that is neither has none, whatever its bytes look like.
+std::optional<Facts::InputFormat> recordFormatIn(const Platform::InputFile& file);
 
 }  // namespace Io::Field

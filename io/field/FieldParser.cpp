@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <numeric>
 
 #include "facts/Listener.hpp"
-#include "io/IntelHexRecord.hpp"
-#include "io/field/FieldFormat.hpp"
+#include "io/field/RecordLine.hpp"
 #include "util/Hex.hpp"
 
 namespace Io::Field {
@@ -17,35 +15,6 @@ using Facts::RecordFault;
 using Facts::Tolerance;
 
 constexpr char endMark = 0x1A;
-
-/// Characters of the mark that makes a line a remark; 0 if it is none.
-std::size_t remarkMark(std::string_view line) {
-    constexpr std::string_view marks = "#;*!";
-    if (marks.find(line.front()) != std::string_view::npos) return 1;
-    return line.starts_with("//") || line.starts_with("/*") ? 2 : 0;
-}
-
-/// Bytes of two digits each whose sum, with the first one as their number less `uncounted`, is
-/// `sum`: a record without its first characters.
-bool isRecordBody(std::string_view digits, std::size_t uncounted, std::uint8_t sum) {
-    std::array<std::uint8_t, 260> bytes{};
-    const std::size_t size = digits.size() / 2;
-    const bool isRead = size != 0 && size <= bytes.size() && digits.size() % 2 == 0 &&
-                        Util::readHex(bytes.data(), digits.data(), size);
-    return isRead && bytes[0] + uncounted == size &&
-           static_cast<std::uint8_t>(std::accumulate(bytes.begin(), bytes.end(), 0U)) == sum;
-}
-
-/// What follows the mark of a remark is a whole record of one of the formats. The mark may be what
-/// damage made of a colon: ";" and "*" differ from it in one bit.
-bool isMarkedRecord(std::string_view text) {
-    constexpr std::string_view blanks = " \t";
-    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-    if (text.size() > 2 && text[0] == 'S' && text[1] >= '0' && text[1] <= '9')
-        return isRecordBody(text.substr(2), 1, 0xFF);
-    if (text.starts_with(':')) text.remove_prefix(1);
-    return isRecordBody(text, IntelRecord::frameSize, 0);
-}
 
 /// The last line of a text that ends with a line end, without it.
 std::string_view lastLine(std::string_view text) {

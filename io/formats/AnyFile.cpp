@@ -9,16 +9,17 @@
 
 namespace Io::Formats {
 
-AnyFile openAny(const std::string& path, Import::RecordVisitor* visitor,
-                std::uint32_t addressUnit) {
+AnyFile openAny(const std::string& path, std::optional<Facts::InputFormat> given,
+                Import::RecordVisitor* visitor, std::uint32_t addressUnit) {
     Platform::InputFile file = openInput(path);
-    AnyFile any{formatOf(path, file), file.size(), nullptr};
+    const Detected detected = given ? Detected{given, {}} : formatOf(path, file);
+    AnyFile any{detected.format, file.size(), nullptr};
     if (any.format)
         any.reader =
             rowOf(*any.format)
                 .open(path, std::move(file), {Buffer::OverlapRule::NotSet, addressUnit}, visitor);
     else
-        Facts::report(Facts::FormatForeign{path, std::nullopt});
+        Facts::report(Facts::FormatForeign{path, std::nullopt, detected.foreign});
     return any;
 }
 

@@ -13,18 +13,19 @@ namespace Io::Formats {
 
 /// A file that was read in whatever format it has.
 struct AnyFile {
-    std::optional<Facts::InputFormat> format;           ///< nothing for a text without a record
+    std::optional<Facts::InputFormat> format;           ///< nothing for one that is not read
     std::uint64_t size = 0;                             ///< of the file, in bytes
     std::unique_ptr<Import::TessaronImportApi> reader;  ///< null, after a report, without an image
 };
 
 /// Opens a file once, and reads it.
 ///
+/// @param given        its format; nothing if name and contents decide
 /// @param visitor      learns which records a text file has; null for nobody
 /// @param addressUnit  the addresses of the file count words of that many bytes
 /// @throws Io::bad_open
 /// @throws Import::Malformed  after a report
-AnyFile openAny(const std::string& path, Import::RecordVisitor* visitor = nullptr,
-                std::uint32_t addressUnit = 1);
+AnyFile openAny(const std::string& path, std::optional<Facts::InputFormat> given = {},
+                Import::RecordVisitor* visitor = nullptr, std::uint32_t addressUnit = 1);
 
 }  // namespace Io::Formats

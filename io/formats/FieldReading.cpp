@@ -12,11 +12,11 @@ namespace Io::Formats {
 std::unique_ptr<Import::TessaronImportApi> FieldReading::open(
     const std::string& path, const Import::ReadOptions& options) const {
     Platform::InputFile file = openInput(path);
-    const auto format = formatOf(path, file);
+    const auto [format, foreign] = formatOf(path, file);
     const bool isOwn =
-        format && (rowOf(*format).keyword == nullptr || *format == Facts::InputFormat::RawBinary);
+        format && (isOfRecords(rowOf(*format)) || *format == Facts::InputFormat::RawBinary);
     if (!isOwn) {
-        Facts::report(Facts::FormatForeign{path, format});
+        Facts::report(Facts::FormatForeign{path, format, foreign});
         return nullptr;
     }
     return rowOf(*format).open(path, std::move(file), options, nullptr);

@@ -5,6 +5,8 @@
 #include <cstddef>
 
 #include "io/field/FieldFormat.hpp"
+#include "io/field/RecordLine.hpp"
+#include "io/formats/ForeignFormats.hpp"
 #include "io/formats/InputFormats.hpp"
 
 namespace Io::Formats {
@@ -13,23 +15,55 @@ namespace {
 
 using Facts::InputFormat;
 
-/// `path` ends as those of the formats do that FROM_FILE recognises.
-bool hasRecordName(const std::string& path) {
-    const InputFormatRow* const named = rowByEnding(path);
-    return named != nullptr && named->keyword == nullptr;
+/// The format with the mark that a file begins with, of the text formats or of the others.
+std::optional<Detected> markedFormat(std::string_view head, bool isText) {
+    for (const InputFormatRow& row : inputFormats())
+        if (isText == (row.walk != nullptr) && row.looksLike != nullptr && row.looksLike(head))
+            return Detected{row.format, {}};
+    for (const ForeignFormat& foreign : foreignFormats())
+        if (isText == foreign.isText && foreign.looksLike(head))
+            return Detected{std::nullopt, foreign.name};
+    return std::nullopt;
+}
+
+std::optional<Detected> foreignByEnding(std::string_view path) {
+    for (const ForeignFormat& foreign : foreignFormats())
+        if (hasEnding(path, foreign.endings)) return Detected{std::nullopt, foreign.name};
+    return std::nullopt;
+}
+
+/// The format of a text by its beginning alone.
+std::optional<Detected> soundRecordFormat(std::string_view head) {
+    if (const auto format = Field::soundFormatOf(Field::firstContentOf(head)))
+        return Detected{format, {}};
+    return std::nullopt;
+}
+
+/// The row whose files alone have the ending of `path`, or null.
+const InputFormatRow* rowByOwnEnding(std::string_view path) {
+    const InputFormatRow* const row = rowByEnding(path);
+    return row != nullptr && hasEnding(path, row->endings) ? row : nullptr;
 }
 
 }  // namespace
 
-std::optional<InputFormat> formatOf(const std::string& path, const Platform::InputFile& file) {
-    if (file.size() == 0) return InputFormat::RawBinary;
-    std::array<char, 256> head{};
-    const std::size_t size = file.readAt(0, head);
-    for (const InputFormatRow& row : inputFormats())
-        if (row.looksLike != nullptr && row.looksLike({head.data(), size})) return row.format;
-    if (const auto format = Field::firstRecordFormatOf(file)) return format;
-    if (Field::beginsAsRecords(file) || hasRecordName(path)) return std::nullopt;
-    return InputFormat::RawBinary;
+Detected formatOf(const std::string& path, const Platform::InputFile& file) {
+    if (file.size() == 0) return {InputFormat::RawBinary, {}};
+    std::array<char, 4096> buffer{};
+    const std::string_view head(buffer.data(), file.readAt(0, buffer));
+    const bool isText = Field::isText(head);
+    if (const auto marked = markedFormat(head, false)) return *marked;
+    if (isText)
+        if (const auto sound = soundRecordFormat(head)) return *sound;
+    const InputFormatRow* const named = rowByOwnEnding(path);
+    const bool isNamed = named != nullptr && !isOfRecords(*named);
+    if (isNamed) return {named->format, {}};
+    if (isText)
+        if (const auto marked = markedFormat(head, true)) return *marked;
+    if (const auto foreign = foreignByEnding(path)) return *foreign;
+    if (const auto records = Field::recordFormatIn(file)) return {records, {}};
+    if (named != nullptr) return {};
+    return {InputFormat::RawBinary, {}};
 }
 
 }  // namespace Io::Formats

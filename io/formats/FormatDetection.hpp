@@ -2,16 +2,32 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "facts/InputFormat.hpp"
 #include "platform/Files.hpp"
 
 namespace Io::Formats {
 
-/// The format of a file: the one whose mark it begins with, or that of its first record, wherever
-/// it is. A file with neither is raw, unless each of its lines begins as a record does or `path`
-/// ends as those of record files do: nothing then. An empty file is raw.
-std::optional<Facts::InputFormat> formatOf(const std::string& path,
-                                           const Platform::InputFile& file);
+/// What a file is.
+struct Detected {
+    std::optional<Facts::InputFormat> format;  ///< nothing for a file that is not read
+    /// What such a file is, with an article; empty for one with the name of a file of records and
+    /// without a record.
+    std::string_view foreign;
+    bool operator==(const Detected&) const = default;
+};
+
+/// The format of a file, from the surest sign to the weakest:
+///
+/// 1. the mark of a binary format that it begins with,
+/// 2. a whole sound record that it begins with as a text,
+/// 3. the ending of `path`, if only files of one format have it,
+/// 4. the mark of a text format,
+/// 5. its records, damaged or not (Field::recordFormatIn).
+///
+/// Any other file is raw, and so is an empty one. A text format's own ending comes before all but
+/// the first two; the endings of record files name a file of records in either format.
+Detected formatOf(const std::string& path, const Platform::InputFile& file);
 
 }  // namespace Io::Formats

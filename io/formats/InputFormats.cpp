@@ -8,9 +8,11 @@
 
 #include "io/field/FieldInFile.hpp"
 #include "io/import/RawBinaryInFile.hpp"
+#include "io/import/dfuse/DfuSeInFile.hpp"
 #include "io/import/elf/ElfInFile.hpp"
 #include "io/import/titxt/TiTxtInFile.hpp"
 #include "io/import/uf2/Uf2InFile.hpp"
+#include "io/import/vmem/VmemInFile.hpp"
 
 namespace Io::Formats {
 
@@ -60,13 +62,26 @@ void walkTiTxt(const std::string& path, InputFile file, std::uint32_t addressUni
     const Import::TiTxtInFile walked(path, std::move(file), &visitor, addressUnit);
 }
 
+Pointer openVmem(const std::string& path, InputFile file, const ReadOptions& /*options*/,
+                 RecordVisitor* visitor) {
+    return std::make_unique<Import::VmemInFile>(path, std::move(file), visitor);
+}
+
+void walkVmem(const std::string& path, InputFile file, std::uint32_t /*addressUnit*/,
+              RecordVisitor& visitor) {
+    const Import::VmemInFile walked(path, std::move(file), &visitor);
+}
+
 constexpr auto hexEndings = std::to_array<std::string_view>({".hex", ".ihx", ".ihex"});
 constexpr auto sRecordEndings =
     std::to_array<std::string_view>({".mot", ".s19", ".s28", ".s37", ".srec", ".sre"});
 constexpr auto rawEndings = std::to_array<std::string_view>({".bin", ".raw", ".img"});
-constexpr auto elfEndings = std::to_array<std::string_view>({".elf", ".axf", ".out"});
+constexpr auto elfEndings = std::to_array<std::string_view>({".elf", ".axf"});
+constexpr auto sharedElfEndings = std::to_array<std::string_view>({".out"});
 constexpr auto uf2Endings = std::to_array<std::string_view>({".uf2"});
-constexpr auto tiTxtEndings = std::to_array<std::string_view>({".txt"});
+constexpr auto sharedTiTxtEndings = std::to_array<std::string_view>({".txt"});
+constexpr auto vmemEndings = std::to_array<std::string_view>({".vmem"});
+constexpr auto dfuSeEndings = std::to_array<std::string_view>({".dfu"});
 
 constexpr auto hexKinds = std::to_array<std::string_view>(
     {"data", "end of file", "extended segment address", "start segment address",
@@ -78,6 +93,7 @@ constexpr auto sRecordKinds =
 constexpr std::array<InputFormatRow, Facts::inputFormatCount> rows{{
     {.format = InputFormat::IntelHex,
      .name = "Intel HEX",
+     .word = "IntelHex",
      .endings = hexEndings,
      .startAddress = StartAddress::Optional,
      .mayCountWords = true,
@@ -86,6 +102,7 @@ constexpr std::array<InputFormatRow, Facts::inputFormatCount> rows{{
      .recordKinds = hexKinds},
     {.format = InputFormat::MotorolaS,
      .name = "S-records",
+     .word = "MotorolaS",
      .endings = sRecordEndings,
      .startAddress = StartAddress::Always,
      .mayCountWords = true,
@@ -94,21 +111,25 @@ constexpr std::array<InputFormatRow, Facts::inputFormatCount> rows{{
      .recordKinds = sRecordKinds},
     {.format = InputFormat::RawBinary,
      .name = "raw bytes",
+     .word = "RawBinary",
      .keyword = "FROM_FILE_BINARY",
      .trace = "SetRawFileAsSource -> ",
      .endings = rawEndings,
      .open = &openBinary<Import::RawBinaryInFile>},
     {.format = InputFormat::Elf,
      .name = "ELF",
+     .word = "Elf",
      .keyword = "FROM_ELF",
      .trace = "SetElfFileAsSource -> ",
      .endings = elfEndings,
+     .sharedEndings = sharedElfEndings,
      .startAddress = StartAddress::Always,
      .mayCountWords = true,
      .looksLike = &Import::ElfInFile::looksLike,
      .open = &openElf},
     {.format = InputFormat::Uf2,
      .name = "UF2",
+     .word = "Uf2",
      .keyword = "FROM_UF2",
      .trace = "SetUf2FileAsSource -> ",
      .endings = uf2Endings,
@@ -116,18 +137,38 @@ constexpr std::array<InputFormatRow, Facts::inputFormatCount> rows{{
      .open = &openBinary<Import::Uf2InFile>},
     {.format = InputFormat::TiTxt,
      .name = "TI-TXT",
+     .word = "TiTxt",
      .keyword = "FROM_TI_TXT",
      .trace = "SetTiTxtFileAsSource -> ",
-     .endings = tiTxtEndings,
+     .sharedEndings = sharedTiTxtEndings,
      .mayCountWords = true,
      .looksLike = &Import::TiTxtInFile::looksLike,
      .open = &openTiTxt,
      .walk = &walkTiTxt},
+    {.format = InputFormat::Vmem,
+     .name = "VMEM",
+     .word = "Vmem",
+     .keyword = "FROM_VMEM",
+     .trace = "SetVmemFileAsSource -> ",
+     .endings = vmemEndings,
+     .looksLike = &Import::VmemInFile::looksLike,
+     .open = &openVmem,
+     .walk = &walkVmem},
+    {.format = InputFormat::DfuSe,
+     .name = "DfuSe",
+     .word = "DfuSe",
+     .keyword = "FROM_DFUSE",
+     .trace = "SetDfuSeFileAsSource -> ",
+     .endings = dfuSeEndings,
+     .looksLike = &Import::DfuSeInFile::looksLike,
+     .open = &openBinary<Import::DfuSeInFile>},
 }};
 
 constexpr bool areInOrder() {
     for (std::size_t i = 0; i < rows.size(); ++i)
-        if (static_cast<std::size_t>(rows[i].format) != i || rows[i].name.empty()) return false;
+        if (static_cast<std::size_t>(rows[i].format) != i || rows[i].name.empty() ||
+            rows[i].word.empty())
+            return false;
     return true;
 }
 static_assert(areInOrder(), "each format has a row, at the place of its number");
@@ -146,9 +187,29 @@ std::string_view sourceOf(const InputFormatRow& row) {
     return row.keyword == nullptr ? "FROM_FILE" : row.keyword;
 }
 
+bool isOfRecords(const InputFormatRow& row) {
+    return row.keyword == nullptr;
+}
+
+const InputFormatRow* rowCalled(std::string_view text) {
+    const auto lettersOf = [](std::string_view name) {
+        std::string letters;
+        for (const char c : name)
+            if (std::isalnum(static_cast<unsigned char>(c)) != 0)
+                letters += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        return letters;
+    };
+    const std::string letters = lettersOf(text);
+    const auto* const found = std::ranges::find_if(rows, [&](const InputFormatRow& row) {
+        return letters == lettersOf(row.word) || letters == lettersOf(row.name);
+    });
+    return found == rows.end() ? nullptr : found;
+}
+
 const InputFormatRow* rowByEnding(std::string_view path) {
-    const auto* const found = std::ranges::find_if(
-        rows, [path](const InputFormatRow& row) { return hasEnding(path, row.endings); });
+    const auto* const found = std::ranges::find_if(rows, [path](const InputFormatRow& row) {
+        return hasEnding(path, row.endings) || hasEnding(path, row.sharedEndings);
+    });
     return found == rows.end() ? nullptr : found;
 }
 

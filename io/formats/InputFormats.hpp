@@ -46,11 +46,13 @@ enum class StartAddress : std::uint8_t {
 struct InputFormatRow {
     Facts::InputFormat format;
     std::string_view name;  ///< for people
+    std::string_view word;  ///< the name as one word, for the command line
     /// The source of NEW_BUFFER for it, and the trace text of the parser action; null for a format
     /// that FROM_FILE recognises.
     const char* keyword = nullptr;
     const char* trace = nullptr;
-    std::span<const std::string_view> endings = {};  ///< of its files' names, in lower case
+    std::span<const std::string_view> endings = {};        ///< of its files' names, in lower case
+    std::span<const std::string_view> sharedEndings = {};  ///< that other files have as well
     StartAddress startAddress = StartAddress::Never;
     bool mayCountWords = false;  ///< its addresses count words for some devices
     /// Whether a file that begins with `head` has the format; null for one that has no mark there.
@@ -69,7 +71,14 @@ const InputFormatRow& rowOf(Facts::InputFormat format);
 /// The source of NEW_BUFFER that reads the format.
 std::string_view sourceOf(const InputFormatRow& row);
 
-/// The row with the ending of `path`, in either case, or null.
+/// A format that FROM_FILE recognises by its records.
+bool isOfRecords(const InputFormatRow& row);
+
+/// The row that `text` names by its word or its name, or null. Case, blanks and hyphens do not
+/// count.
+const InputFormatRow* rowCalled(std::string_view text);
+
+/// The row with the ending of `path`, one that is shared as well, in either case, or null.
 const InputFormatRow* rowByEnding(std::string_view path);
 
 /// Whether `path` ends with one of the endings, which are in lower case, in either case.

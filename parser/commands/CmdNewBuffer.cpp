@@ -199,7 +199,8 @@ bool CmdNewBuffer::mayCountWords(std::string_view format, bool mayCount) const {
 /// The format has a source of its own and is read as a whole or not at all, so that, unless the
 /// statement has a rule, nothing is lost where the file contradicts itself.
 bool CmdNewBuffer::isWhole() const {
-    return format_ != nullptr && overlapRule_ == OverlapRule::NotSet;
+    return format_ != nullptr && !Io::Formats::isOfRecords(*format_) &&
+           overlapRule_ == OverlapRule::NotSet;
 }
 
 std::unique_ptr<TessaronImportApi> CmdNewBuffer::openFile(const CmdContext& context) const {

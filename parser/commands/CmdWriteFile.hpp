@@ -67,6 +67,8 @@ struct ExportFormat {
     bool hasStartAddress = false;       ///< it writes the execution address
     bool useSegmentAddressing = false;  ///< of Intel HEX, for this and all later formats
     bool isImageItself = false;         ///< the bytes of the images, one image after the other
+    /// Its files are compared by the addresses of their data, not byte for byte.
+    bool isComparedByAddress = false;
     std::span<const std::string_view> endings = {};  ///< of its files' names, in lower case
     /// Endings that its files may have as well, though they mean another format by themselves.
     std::span<const std::string_view> otherEndings = {};
@@ -74,8 +76,8 @@ struct ExportFormat {
     const char* usualForm = nullptr;
     /// What the user has to choose from where an ending does not say enough; null otherwise.
     const char* choice = nullptr;
-    /// The address of the byte at an offset of a file that was written, where a reader takes the
-    /// file for raw bytes and it has addresses nevertheless.
+    /// The address of the byte at an offset of a file that was written, where the file is compared
+    /// byte for byte and has addresses nevertheless.
     std::optional<std::uint64_t> (*addressAt)(const Buffer::MemoryBuffer& file,
                                               std::uint64_t offset) = nullptr;
 

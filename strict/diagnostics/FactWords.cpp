@@ -124,6 +124,7 @@ Words words(const RawFileTooLong& f, const Circumstances& /*c*/) {
 Words words(const FileMalformed& f, const Circumstances& /*c*/) {
     const Kind kind = f.fault == FormatFault::EndMissing      ? Kind::NoEnd
                       : f.fault == FormatFault::NothingToLoad ? Kind::EmptyImage
+                      : f.fault == FormatFault::ChecksumWrong ? Kind::RecordChecksum
                                                               : Kind::WrongFormat;
     return {{kind,
              std::string(f.file) + " cannot be read as " +

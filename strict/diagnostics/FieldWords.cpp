@@ -184,6 +184,9 @@ struct WordsFor {
 
     FieldWords operator()(const FormatForeign& fact) const {
         std::string text(fact.file);
+        if (!fact.foreign.empty())
+            return {Kind::WrongFormat, text.append(" is ").append(fact.foreign),
+                    "FROM_FILE_BINARY takes a file byte for byte", fact.file};
         if (!fact.format)
             return {Kind::WrongFormat, text + " has no record of Intel HEX and no S-record",
                     "FROM_FILE_BINARY takes a file byte for byte", fact.file};

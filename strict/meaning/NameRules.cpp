@@ -52,11 +52,10 @@ bool isLikeVariable(std::string_view word) {
     return hasJoint;
 }
 
-/// The ending is that of a format which is read and not written. Other files may have its further
-/// endings, such as .out, as well.
+/// The ending is that of a format which is read and not written, and of no other files.
 bool isOnlyRead(std::string_view path) {
     const auto* const row = Io::Formats::rowByEnding(path);
-    return row != nullptr && Io::Formats::hasEnding(path, row->endings.first(1));
+    return row != nullptr && Io::Formats::hasEnding(path, row->endings);
 }
 
 /// A device of the system, such as NUL of Windows.

@@ -31,12 +31,17 @@ bool isRaw(const Inspect::Image& image) {
 
 /// The file as the host in force has it; nothing if it cannot be opened or is damaged.
 ///
+/// @param format       that of the output
 /// @param addressUnit  its addresses count words of that many bytes
-std::optional<Inspect::Image> contentsOf(const std::string& path, std::uint32_t addressUnit) {
+std::optional<Inspect::Image> contentsOf(const std::string& path,
+                                         const Parser::WrapperLib::ExportFormat* format,
+                                         std::uint32_t addressUnit) {
+    const bool isRaw = format == nullptr || !format->isComparedByAddress;
+    const auto given = isRaw ? std::optional(Facts::InputFormat::RawBinary) : std::nullopt;
     Facts::Unheard unheard;
     const Facts::ListenerScope silence(unheard);
     try {
-        auto image = Inspect::openImage(path, addressUnit);
+        auto image = Inspect::openImage(path, given, addressUnit);
         return image && image->parts.empty() ? std::nullopt : std::move(image);
     } catch (const Io::bad_open&) {
         return std::nullopt;
@@ -215,13 +220,13 @@ bool haveSameLines(std::string_view one, std::string_view other) {
 /// Adds where an output that the script makes differs from the file on disk, whose text is `text`.
 void explain(Diagnostic& diagnostic, RunFiles& files, const Inspect::FileRecord& output,
              const std::string& path, std::string_view text, const Inspect::RunRecord& record) {
-    const std::optional<Inspect::Image> disk = contentsOf(path, output.addressUnit);
+    const auto* const format = Parser::WrapperLib::CmdWriteFile::formatNamed(output.format);
+    const std::optional<Inspect::Image> disk = contentsOf(path, format, output.addressUnit);
     const Io::HostScope hosting(files);
-    const std::optional<Inspect::Image> contents = contentsOf(path, output.addressUnit);
+    const std::optional<Inspect::Image> contents = contentsOf(path, format, output.addressUnit);
     if (!contents) return;
-    const ScriptOutput made{&*contents,
-                            Parser::WrapperLib::CmdWriteFile::formatNamed(output.format),
-                            imagesOf(output, record), output.addressUnit, output.swappedWord};
+    const ScriptOutput made{&*contents, format, imagesOf(output, record), output.addressUnit,
+                            output.swappedWord};
     if (!disk) {
         explainDamage(diagnostic, firstDifferentLine(text, files.contentsOf(path)), made, path,
                       record);

@@ -571,10 +571,11 @@ class Inspection(unittest.TestCase):
         # The crop that was asked for is not news.
         self.assertEqual(complaint("convert", "a.hex", "out.h", "--crop", "0x8000000,16"), "")
         self.assertIn("0x08000000", pathlib.Path("out.h").read_text())
+        self.assertIn("[wrong-format]", complaint("convert", "out.h", "back.hex"))
+        self.assertFalse(pathlib.Path("back.hex").exists())
         tessaron("convert", "a.hex", "out.dfu", "--crop", "0x8000000,16")
-        for name in ("out.dfu", "out.h"):
-            self.assertIn("[wrong-format]", complaint("convert", name, "back.hex"))
-            self.assertFalse(pathlib.Path("back.hex").exists())
+        tessaron("convert", "out.dfu", "back.hex")
+        self.assertEqual(tessaron("diff", "out.dfu", "back.hex"), "")
         for name, choice in (("out.uf2", "Uf2_"), ("out.vmem", "Vmem_4")):
             self.assertIn(choice, complaint("convert", "a.hex", name))
             self.assertFalse(pathlib.Path(name).exists())
@@ -602,6 +603,68 @@ class Inspection(unittest.TestCase):
         tessaron("convert", "a.hex", "out.hex", "--offset", "0xF0000000", code=1)
         tessaron("convert", "a.hex", "out.hex", "--offset", "0x8000000000000000", code=2)
 
+    def test_formats(self):
+        """What a file is, by its name, its contents and --from."""
+        def format_of(*arguments, code=0):
+            return re.search(": (.*?), ", tessaron("info", *arguments, code=code))[1]
+
+        write("sound.hex", {0x100: b"image"})
+        records = pathlib.Path("sound.hex").read_bytes()
+        binary = b"S\1\2\3"
+        for name in ("s.bin", "s"):
+            pathlib.Path(name).write_bytes(binary)
+            self.assertEqual(format_of(name), "raw bytes")
+            tessaron("convert", name, "s.s19")
+            self.assertEqual(tessaron("diff", name, "s.s19"), "")
+        pathlib.Path("part").write_bytes(b"S123456789")
+        self.assertEqual(format_of("part", code=1), "S-records")
+        self.assertEqual(format_of("part", "--from", "RawBinary"), "raw bytes")
+        self.assertIn("[record-", complaint("convert", "part", "part.hex"))
+        tessaron("convert", "part", "part.hex", "--from=raw bytes")
+        self.assertEqual(tessaron("diff", "part", "part.hex", "--from", "RawBinary",
+                                  "--from", "IntelHex"), "")
+        tessaron("diff", "part", "part.hex", "--from", "RawBinary", code=1)
+        self.assertIn("10 bytes of data", tessaron("map", "part", "--from", "rawbinary"))
+        # A name and the beginning of its file that disagree.
+        pathlib.Path("odd.bin").write_bytes(records)
+        self.assertEqual(format_of("odd.bin"), "Intel HEX")
+        self.assertIn("--from RawBinary or --from IntelHex",
+                      complaint("convert", "odd.bin", "odd.s37"))
+        self.assertFalse(pathlib.Path("odd.s37").exists())
+        for given, wanted in (("IntelHex", b"image"), ("RawBinary", records)):
+            command = ("convert", "odd.bin", "want.raw", "--from", given)
+            tessaron(*command)
+            self.assertEqual(pathlib.Path("want.raw").read_bytes(), wanted)
+            pathlib.Path("want.raw").unlink()
+            tessaron("run", "-", standard_input=tessaron(*command, "--print-script"))
+            self.assertEqual(pathlib.Path("want.raw").read_bytes(), wanted)
+        self.assertIn("no script can say", complaint("convert", "s.bin", "x.raw", "--from",
+                                                     "IntelHex", "--print-script"))
+        # Text has many contents.
+        shutil.copy("sound.hex", "text.txt")
+        tessaron("convert", "text.txt", "text.bin")
+        self.assertEqual(pathlib.Path("text.bin").read_bytes(), b"image")
+        pathlib.Path("cut.txt").write_text("1000\n01 02\nq\n")
+        self.assertIn("TI-TXT: line 1", complaint("convert", "cut.txt", "cut.bin"))
+        pathlib.Path("app.mif").write_text("DEPTH = 4;\n")
+        for command in (("info", "app.mif"), ("convert", "app.mif", "app.bin")):
+            self.assertIn("a memory initialization file (MIF)",
+                          complaint(*command) + tessaron(*command, code=1))
+        tessaron("info", "sound.hex", "--from", "hex", code=2)
+        tessaron("info", "s", "s", "s", "--from", "IntelHex", "--from", "IntelHex", code=2)
+        # An output is of the format in which it is written, whatever its bytes look like.
+        pathlib.Path("keep.tsn").write_text(
+            "NEW_BUFFER @A FROM_FILE_BINARY sound.hex\n"
+            "WRITE_FILE keep.bin WITH_BUFFERS {@A} -setFormat=RawBinary\n"
+            "NEW_BUFFER @B FROM_FILE s.bin\n"
+            "WRITE_FILE s.raw WITH_BUFFERS {@B} -setFormat=RawBinary\n")
+        tessaron("run", "keep.tsn")
+        self.assertEqual(pathlib.Path("keep.bin").read_bytes(), records)
+        self.assertEqual(pathlib.Path("s.raw").read_bytes(), binary)
+        pathlib.Path("keep.bin").write_bytes(records.replace(b"1", b"2"))
+        self.assertIn("they differ at the offsets",
+                      complaint("check", "keep.tsn", "--against-disk"))
+
     def test_printed_scripts(self):
         """The script of each pair of formats, with and without options, writes the same bytes."""
         write("in.hex", {FLASH: b"first" * 9, FLASH + 0x100: b"second"})
@@ -611,11 +674,14 @@ class Inspection(unittest.TestCase):
         tessaron("convert", "in.hex", "in.uf2", "--format", "Uf2_0xE48BFF56")
         elf = pathlib.Path(__file__).resolve().parents[1] / "data/elf/arm.elf"
         pathlib.Path("in.elf").write_bytes(elf.read_bytes())
+        tessaron("convert", "in.hex", "in.vmem", "--format", "Vmem_4")
+        tessaron("convert", "in.hex", "in.dfu")
         outputs = [["out" + ending] for ending in (".hex", ".s19", ".bin", ".txt", ".dfu")]
         outputs += [["out.x", "--format", name] for name in
                     ("IntelHexSegment", "MotorolaS_24", "Uf2_0xE48BFF56", "Vmem_4", "CArray_8")]
         starts = {"in.bin": 0, "in.elf": 0x8000}
-        for name in ("in.hex", "in.s37", "in.txt", "in.bin", "in.uf2", "in.elf"):
+        for name in ("in.hex", "in.s37", "in.txt", "in.bin", "in.uf2", "in.elf",
+                     "in.vmem", "in.dfu"):
             crop = "--crop=%d,20" % (starts.get(name, FLASH) + 4)
             # Segments and the records of 24 bits have lower addresses.
             low = "--offset=%d" % (0x10000 - starts.get(name, FLASH))

@@ -1,8 +1,11 @@
 #include <array>
+#include <string_view>
 
+#include "facts/Listener.hpp"
 #include "io/export/IntelHexOutFile.hpp"
 #include "io/export/MotorolaS_OutFile.hpp"
 #include "io/export/RawBinaryOutFile.hpp"
+#include "io/formats/AnyFile.hpp"
 #include "io/import/GenericInFile.hpp"
 #include "tests/io/IoFixtures.hpp"
 
@@ -96,6 +99,20 @@ TEST(ForeignFiles, HoldTheSameBytes) {
         EXPECT_EQ(bytesOf(file.getMemory(0xFFA0, 200)), first) << name;
         EXPECT_EQ(bytesOf(file.getMemory(0x10123, 100)), second) << name;
     }
+    Facts::Unheard unheard;
+    const Facts::ListenerScope silence(unheard);
+    for (const char* const name : {"srec_cat.vmem", "srec_cat-32.vmem", "dfu-suffix.dfu"}) {
+        const auto file = Io::Formats::openAny(folder + name).reader;
+        EXPECT_EQ(bytesOf(file->getMemory(0xFFA0, 200)), first) << name;
+        const bool hasBoth = file->getDataAreas().size() == 2;
+        EXPECT_EQ(hasBoth, std::string_view(name) != "srec_cat-32.vmem");
+        if (hasBoth) {
+            EXPECT_EQ(bytesOf(file->getMemory(0x10123, 100)), second) << name;
+        }
+    }
+    EXPECT_EQ(Io::Formats::openAny(folder + "dfu-suffix.dfu").reader->getDevices(),
+              (std::vector<std::string>{"USB vendor 0x0483, product 0xDF11",
+                                        "alternate setting 0, Internal Flash"}));
     EXPECT_EQ(bytesOf(GenericInFile(folder + "objcopy.bin", Io::Import::rawBinary).getMemory()),
               bytesOf(GenericInFile(folder + "srec_cat.hex").getMemory()));
     EXPECT_EQ(GenericInFile(folder + "srec_cat.hex").getStartAddress(), 0x10000U);

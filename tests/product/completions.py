@@ -27,6 +27,10 @@ KINDS = {line.split()[0] for line in subprocess.run(
     if " always " not in line}
 COMMANDS = ("run", "check", "info", "diff", "map", "convert")
 TOPICS = {"statements", "crcs", "hashes", "formats", "kinds"}
+# The second column of the inputs.
+FORMATS = {line.split()[1] for line in subprocess.run(
+    [PROGRAM, "help", "formats"], stdout=subprocess.PIPE, text=True, check=True)
+    .stdout.split("Outputs")[0].splitlines() if line.startswith("  FROM_")}
 EDITS = "\x1b[?2004h"  # what zsh prints when it begins to read a line
 BASH = """source "$1"; COMP_WORDS=("${@:2}"); COMP_CWORD=$(($# - 2)); _tessaron
 ((${#COMPREPLY[@]} == 0)) || printf '%s\\n' "${COMPREPLY[@]}" """
@@ -115,6 +119,8 @@ class ValuesOfOptions:
         for command in ("run", "check"):
             self.assertEqual(self.complete(command, "--ignore", ""), KINDS)
         self.assertFalse(self.complete("diff", "--ignore", "") & KINDS)
+        for command in ("info", "diff", "map", "convert"):
+            self.assertEqual(self.complete(command, "--from", ""), FORMATS)
         self.assertEqual(self.complete("help", ""), {*TOPICS, *COMMANDS, "help"})
 
 

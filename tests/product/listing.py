@@ -87,7 +87,7 @@ class Listing(unittest.TestCase):
     def test_formats(self):
         listed = rows("formats")
         self.assertEqual(listed["IntelHexExtended[_N]"][1], ".hex .ihx .ihex")
-        self.assertEqual(listed["FROM_UF2"], ["UF2", ".uf2"])
+        self.assertEqual(listed["FROM_UF2"], ["Uf2", "UF2", ".uf2"])
         for name, number in FAMILIES.items():
             self.assertEqual(listed[name], [number])
 

@@ -57,6 +57,8 @@ std::vector<FactRow> malformedRows() {
     constexpr auto elf = InputFormat::Elf;
     constexpr auto uf2 = InputFormat::Uf2;
     constexpr auto titxt = InputFormat::TiTxt;
+    constexpr auto vmem = InputFormat::Vmem;
+    constexpr auto dfuSe = InputFormat::DfuSe;
     const std::vector<Row> rows{
         {elf, MagicMissing, 0, 0, Kind::WrongFormat,
          "ELF: the mark of the format is missing at byte 0"},
@@ -88,6 +90,21 @@ std::vector<FactRow> malformedRows() {
          "TI-TXT: line 1 has bytes without an address before them"},
         {titxt, EndMissing, 4, 0, Kind::NoEnd, "TI-TXT: there is no end after line 4"},
         {titxt, AfterEnd, 5, 0, Kind::WrongFormat, "TI-TXT: line 5 comes after the end"},
+        {titxt, WordCut, 5, 2, Kind::WrongFormat,
+         "TI-TXT: the data before line 5 does not end with a whole word of 2 bytes"},
+        {vmem, WordUneven, 2, 3, Kind::WrongFormat,
+         "VMEM: line 2 has a word of 3 digits, which are not whole bytes"},
+        {vmem, WordsDiffer, 2, 4, Kind::WrongFormat,
+         "VMEM: line 2 has a word of 4 digits, and the words before it have another number of "
+         "them"},
+        {vmem, BitsUnknown, 2, 0, Kind::WrongFormat,
+         "VMEM: line 2 has a digit x or z, whose bits have no value"},
+        {vmem, CommentOpen, 2, 0, Kind::WrongFormat,
+         "VMEM: the comment that begins in line 2 does not end"},
+        {dfuSe, LengthWrong, 6, 99, Kind::WrongFormat,
+         "DfuSe: the length at byte 6 is 99, which is not that of the data after it"},
+        {dfuSe, ChecksumWrong, 0x1A, 0x2B, Kind::RecordChecksum,
+         "DfuSe: the checksum is 0x1a, the bytes of the file give 0x2b"},
     };
     std::vector<FactRow> list;
     for (const Row& row : rows)
@@ -319,7 +336,7 @@ TEST(FactWordsTest, EveryFactHasItsKindItsWordsAndThePartToBlame) {
                 faults.insert(malformed->fault);
         }
     EXPECT_EQ(facts.size(), std::variant_size_v<Fact>) << "each fact has a row";
-    EXPECT_EQ(faults.size(), static_cast<std::size_t>(FormatFault::AfterEnd) + 1);
+    EXPECT_EQ(faults.size(), static_cast<std::size_t>(FormatFault::ChecksumWrong) + 1);
 }
 
 TEST(FactWordsTest, NamesOfACommandLineGetNoAdviceOnScripts) {
@@ -466,6 +483,9 @@ std::vector<FieldRow> fieldRows() {
          {Kind::NoEnd, "f has no S7, S8 or S9 record; it may have been cut off", pass, "f"}},
         {FormatForeign{"f", {}},
          {Kind::WrongFormat, "f has no record of Intel HEX and no S-record",
+          "FROM_FILE_BINARY takes a file byte for byte", "f"}},
+        {FormatForeign{"f", {}, "a source file of C"},
+         {Kind::WrongFormat, "f is a source file of C",
           "FROM_FILE_BINARY takes a file byte for byte", "f"}},
         {FormatForeign{"f", InputFormat::Uf2},
          {Kind::WrongFormat, "f has the format UF2", "use FROM_UF2", "f"}},

@@ -124,7 +124,7 @@ syntax match tessaronSource "\v<%(FROM_BUFFERS%(\s*%(\{|$|//))@=|WITH_BUFFERS)"
       \ nextgroup=tessaronNames skipwhite skipempty
 syntax match tessaronSource /\v<%(FROM_VALUES|WITH_FILLER|WITH_VALUES)/
       \ nextgroup=tessaronNumbers skipwhite skipempty
-syntax match tessaronSource /\v<%(FROM_FILE_BINARY|FROM_FILE|FROM_ELF|FROM_UF2|FROM_TI_TXT)/
+syntax match tessaronSource /\v<%(FROM_FILE_BINARY|FROM_FILE|FROM_ELF|FROM_UF2|FROM_TI_TXT|FROM_VMEM|FROM_DFUSE)/
       \ nextgroup=tessaronBareText,tessaronQuotedText,tessaronBracedText,tessaronTextComment
       \ skipwhite skipempty
 syntax match tessaronSource /\v<WITH_ARGUMENTS/

@@ -5,20 +5,14 @@
 #include <string_view>
 
 #include "facts/Listener.hpp"
+#include "io/DfuSe.hpp"
 #include "util/crc/GenericCrc.hpp"
 
 namespace Io::Export {
 
 namespace {
 
-constexpr std::size_t prefixSize = 11;
-constexpr std::size_t targetPrefixSize = 274;
-constexpr std::size_t targetNameSize = 255;
-constexpr std::size_t elementPrefixSize = 8;
-constexpr std::uint8_t suffixSize = 16;
-constexpr std::uint8_t formatVersion = 1;
-constexpr std::uint32_t anyDevice = 0xFFFF;
-constexpr std::uint32_t dfuSeVersion = 0x011A;
+using namespace DfuSe;
 
 /// Output whose CRC goes along.
 class CheckedOutput {

@@ -1,5 +1,6 @@
 python3 - <<'END'
 import struct
+import zlib
 
 
 def block(number, count, address=0, size=256, family=0xE48BFF56, flags=0x2000, mark=0x0AB16F30):
@@ -26,4 +27,48 @@ files = {
 }
 for name, text in files.items():
     open(name + '.uf2', 'wb').write(text)
+
+
+def element(address, data, size=None):
+    return struct.pack('<II', address, len(data) if size is None else size) + data
+
+
+def target(*elements, mark=b'Target', count=None, size=None, name=b''):
+    body = b''.join(elements)
+    return (mark + struct.pack('<BI', 1, 1 if name else 0) + name.ljust(255, b'\0')
+            + struct.pack('<II', len(body) if size is None else size,
+                          len(elements) if count is None else count) + body)
+
+
+def dfu(*targets, mark=b'DfuSe', version=1, size=None, tail=b'', suffix=b'UFD\x10', crc=0):
+    """UM0391 and appendix B of the class specification of USB."""
+    body = b''.join(targets) + tail
+    text = (mark + struct.pack('<BIB', version, 11 + len(body) if size is None else size,
+                               len(targets)) + body)
+    text += struct.pack('<4H', 0xFFFF, 0xDF11, 0x0483, 0x011A) + suffix
+    return text + struct.pack('<I', zlib.crc32(text) ^ 0xFFFFFFFF ^ crc)
+
+
+good = target(element(0x10, b'abc'), name=b'Flash')
+files = {
+    'short': dfu()[:-1],
+    'prefix': dfu(good, mark=b'DfuSE'),
+    'version': dfu(good, version=2),
+    'suffix': dfu(good, suffix=b'UFE\x10'),
+    'suffixSize': dfu(good, suffix=b'UFD\x0F'),
+    'checksum': dfu(good, crc=1),
+    'size': dfu(good, size=0x100),
+    'target': dfu(good, target(mark=b'target')),
+    'more': dfu(target(element(0x10, b'abc'), count=2)),
+    'cut': dfu(good[:-4]),
+    'beyond': dfu(target(element(0xFFFFFFFE, b'abc'))),
+    'element': dfu(target(element(0x10, b'abc', 0xFFFFFFFF))),
+    'tail': dfu(good, tail=b'x'),
+    'none': dfu(target(element(0x10, b''))),
+    # Two targets, and an element without data.
+    'targets': dfu(target(element(0x10, b'abc'), element(0x18, b'')), target(element(0x20, b'd'))),
+    'twice': dfu(good, target(element(0x12, b'd'))),
+}
+for name, text in files.items():
+    open(name + '.dfu', 'wb').write(text)
 END

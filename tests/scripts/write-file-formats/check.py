@@ -105,6 +105,10 @@ if shutil.which("srec_cat"):
             ("all.txt", ["-ti-txt"], A_ALL),
             ("gaps.txt", ["-ti-txt"], {**WRITTEN, **B}),
             ("txt.srec", [], {**WRITTEN, **B}),
+            ("dfu.srec", [], {**WRITTEN, **B}),
+            ("v1.srec", [], WRITTEN),
+            # The most significant byte is read to the lowest address.
+            ("v8.srec", [], swapped(padded(WRITTEN, 8), 8)),
             ("uf2.srec", [], {at: {**A_ALL, **B}.get(at, 0xEE) for block in (0x1000, 0x1200, 0x1300)
                               for at in range(block, block + 256)}),
             # srec_cat takes the byte of the lowest address as the most significant one.
