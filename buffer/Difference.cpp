@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
+#include <span>
 
 namespace Buffer {
 
@@ -26,11 +27,20 @@ void add(AreaList& areas, std::uint64_t address) {
 template <class Take>
 void compare(ElementView left, ElementView right, std::uint64_t start, Take take) {
     const std::size_t size = std::max(left.size(), right.size());
-    for (std::size_t at = 0; at < size; at += WrittenBits::perWord) {
-        const std::size_t count = std::min(WrittenBits::perWord, size - at);
+    const auto nextWritten = [&](std::size_t at) {
+        return std::min(left.empty() ? size : left.findWritten(at),
+                        right.empty() ? size : right.findWritten(at));
+    };
+    std::size_t count = 0;
+    for (std::size_t at = nextWritten(0); at < size; at += count) {
+        count = std::min(WrittenBits::perWord, size - at);
+        count = left.inBlock(at, right.inBlock(at, count));
         const WrittenBits::Word mine = flags(left, at, count);
         const WrittenBits::Word other = flags(right, at, count);
-        if ((mine | other) == 0) continue;
+        if ((mine | other) == 0) {
+            count = nextWritten(at + count) - at;
+            continue;
+        }
         const bool bothAreThere = !left.empty() && !right.empty();
         if (mine == other && bothAreThere &&
             std::memcmp(left.values() + at, right.values() + at, count) == 0)
@@ -49,6 +59,16 @@ ElementView part(const MemoryBuffer* image, const Area& range) {
     return image == nullptr ? ElementView() : image->viewRange(range.start, range.length);
 }
 
+/// Adds the places at which the bytes differ, the first of which has the address `start`.
+void addDifferent(AreaList& areas, std::span<const std::uint8_t> one,
+                  std::span<const std::uint8_t> other, std::uint64_t start) {
+    for (std::size_t at = 0; at < one.size(); ++at) {
+        const auto rest = std::ranges::mismatch(one.subspan(at), other.subspan(at));
+        at = static_cast<std::size_t>(rest.in1 - one.begin());
+        if (at != one.size()) add(areas, start + at);
+    }
+}
+
 }  // namespace
 
 void appendDifferences(const MemoryBuffer* left, const MemoryBuffer* right, const Area& range,
@@ -60,6 +80,23 @@ void appendDifferences(const MemoryBuffer* left, const MemoryBuffer* right, cons
                                               : found.changed;
                 add(areas, address);
             });
+}
+
+AreaList effectiveDifferences(ElementView one, ElementView other, std::uint64_t start) {
+    constexpr std::size_t pieceSize = 4096;
+    std::array<std::uint8_t, pieceSize> ones{};
+    std::array<std::uint8_t, pieceSize> others{};
+    AreaList areas;
+    std::size_t count = 0;
+    for (std::size_t at = 0;; at += count) {
+        at = std::min(one.skipUntouched(at), other.skipUntouched(at));
+        if (at == one.size()) return areas;
+        count = std::min(pieceSize, one.size() - at);
+        one.part(at, count).copyBytes(ones.data());
+        other.part(at, count).copyBytes(others.data());
+        addDifferent(areas, std::span(ones).first(count), std::span(others).first(count),
+                     start + at);
+    }
 }
 
 AreaList differences(const MemoryBuffer& left, const MemoryBuffer& right) {

@@ -22,4 +22,8 @@ void appendDifferences(const MemoryBuffer* left, const MemoryBuffer* right, cons
 /// them has a written byte there and the other has another one or none. Fillers do not count.
 AreaList differences(const MemoryBuffer& left, const MemoryBuffer& right);
 
+/// The ranges, ascending and as long as possible, at which the effective bytes of two views of
+/// equal size differ. The first element has the address `start`.
+AreaList effectiveDifferences(ElementView one, ElementView other, std::uint64_t start);
+
 }  // namespace Buffer

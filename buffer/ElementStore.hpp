@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 
 #include "buffer/ElementView.hpp"
@@ -15,6 +16,10 @@ namespace Buffer {
 /// before something is written to them, so an array without fillers costs little more than a byte
 /// an element, and one of gaps next to nothing. Positions and counts are of elements and must lie
 /// in the array.
+///
+/// The array of a sparse image (ImageSpace) reserves addresses alone, and takes memory for blocks
+/// of elements when something is written to them. What an operation needs it takes before it
+/// changes anything; it throws std::bad_alloc if the machine has no more.
 class ElementStore {
 public:
     ElementStore() = default;
@@ -33,7 +38,7 @@ public:
 
     std::size_t size() const { return size_; }
     ElementView view() const {
-        return {values(), hasFillers_ ? fillers() : nullptr, written(), size_};
+        return {values(), hasFillers_ ? fillers() : nullptr, written(), size_, blocks_.get()};
     }
 
     /// Makes written elements with filler 0 of `bytes`, from `at` on.
@@ -51,6 +56,7 @@ public:
     /// elements with filler 0 as it returns. `read` must not touch more than those.
     template <class Read>
     void writeWith(std::size_t at, std::size_t count, Read read) {
+        takeValues(at, count);
         setWritten(at, read(std::span(values() + at, count)));
     }
 
@@ -69,15 +75,32 @@ public:
     void merge(std::size_t at, ElementView elements, bool keepsWritten);
 
 private:
+    ElementStore(std::uint64_t count, bool isSparse);
+
     std::uint8_t* values() const { return reinterpret_cast<std::uint8_t*>(values_.data()); }
     std::uint8_t* fillers() const { return reinterpret_cast<std::uint8_t*>(fillers_.data()); }
     WrittenBits::Word* written() const {
         return reinterpret_cast<WrittenBits::Word*>(written_.data());
     }
+    bool hasValues(std::size_t at) const { return blocks_ == nullptr || blocks_->values.has(at); }
+    bool hasFillers(std::size_t at) const {
+        return hasFillers_ && (blocks_ == nullptr || blocks_->fillers.has(at));
+    }
+    void takeValues(std::size_t at, std::size_t count);
+    void takeFillers(std::size_t at, std::size_t count);
+    void takeFor(std::size_t at, ElementView elements);
     void setWritten(std::size_t at, std::size_t count);
     void setFlags(std::size_t at, std::size_t count);
-    /// A source of fillers may be null, for zeros; flags, at most 64, select elements.
+    /// The flags, at most 64, from `at` on, in one word.
+    WrittenBits::Word flagsAt(std::size_t at, std::size_t count) const {
+        return hasValues(at) ? WrittenBits::read(written(), at, count) : 0;
+    }
+    void clearFillers(std::size_t at, std::size_t count);
+    /// A source of fillers may be null, for zeros; flags, at most 64, select elements. All of them
+    /// are in one block.
     void setFillers(std::size_t at, const std::uint8_t* source, std::size_t count);
+    void replaceValues(std::size_t at, ElementView elements, const std::uint8_t* values);
+    void mergeFillers(std::size_t at, const std::uint8_t* source, WrittenBits::Word flags);
     void applyValues(std::size_t at, const std::uint8_t* source, WrittenBits::Word flags,
                      std::size_t count);
     void applyFillers(std::size_t at, const std::uint8_t* source, WrittenBits::Word flags,
@@ -87,6 +110,7 @@ private:
     Platform::PageBlock fillers_;
     Platform::PageBlock written_;
     std::size_t size_ = 0;
+    std::unique_ptr<SparseBlocks> blocks_;  ///< null unless the image is sparse
     /// A filler other than 0 may have been set. Until then no filler is read.
     bool hasFillers_ = false;
 };

@@ -12,8 +12,8 @@ MemoryBuffer::MemoryBuffer(std::uint64_t start, std::uint64_t dataLength) : star
         Facts::report(Facts::ImageNotAddressable{start, dataLength});
         return;
     }
-    if (dataLength >= MAX_ALLOWED_MEMORY_BUFFER_SIZE) {
-        Facts::report(Facts::ImageTooLong{dataLength, MAX_ALLOWED_MEMORY_BUFFER_SIZE});
+    if (dataLength >= imageSpace().lengthEnd) {
+        Facts::report(Facts::ImageTooLong{dataLength, imageSpace().lengthEnd});
         return;
     }
     elements_ = std::move(reserved);

@@ -8,19 +8,18 @@
 
 #include "buffer/Area.hpp"
 #include "buffer/ElementStore.hpp"
+#include "buffer/ImageSpace.hpp"
 
 namespace Buffer {
 
 enum class ByteOrder : std::uint32_t { NotSet = 0, LittleEndian = 1, BigEndian = 2 };
 
-/// Exclusive bound for the length of an image.
-inline constexpr std::uint64_t MAX_ALLOWED_MEMORY_BUFFER_SIZE = 0xFFFFFFFF;
-
 /// One contiguous address range of a flash image, one element per address.
 ///
 /// An element has a value, which is the byte that was written to the address, a filler, which the
 /// address reads as while nothing was written, and a flag that selects one of them. Values, fillers
-/// and flags are kept as three arrays (ElementStore). The operations that place bytes differ in
+/// and flags are kept as three arrays (ElementStore), of which those of a sparse image (ImageSpace)
+/// have memory only where something was written. The operations that place bytes differ in
 /// what they do to an element and in what they do with a range that leaves the image:
 ///
 /// | operation | value and flag | filler | range outside the image |
@@ -37,8 +36,8 @@ inline constexpr std::uint64_t MAX_ALLOWED_MEMORY_BUFFER_SIZE = 0xFFFFFFFF;
 class MemoryBuffer {
 public:
     /// `dataLength` default elements at `startAddress`. A range that passes the end of the 64-bit
-    /// address space, or one of MAX_ALLOWED_MEMORY_BUFFER_SIZE and more, is reported and leaves an
-    /// empty image with that start address. The memory is reserved before either check.
+    /// address space, or one of `ImageSpace::lengthEnd` and more, is reported and leaves an empty
+    /// image with that start address. The memory is reserved before either check.
     MemoryBuffer(std::uint64_t startAddress, std::uint64_t dataLength);
 
     /// An image of `length` written elements with filler 0, whose values are the first bytes of

@@ -24,15 +24,16 @@ void addFlags(AreaList& areas, std::uint64_t start, std::size_t count, Word flag
         WrittenBits::forEach(flags, [&](std::size_t k) { add(start + k, 1); });
 }
 
-/// The ranges of `size` addresses from `start` on whose flag `select(at, count)` sets, for each
-/// stretch of at most 64 of them.
+/// The ranges of addresses that `elements`, from `start` on, have written and whose flag
+/// `select(at, count)` sets, for each stretch of at most 64 of them.
 template <class Select>
-AreaList areasWhere(std::uint64_t start, std::size_t size, Select select) {
+AreaList areasWhere(std::uint64_t start, const ElementView& elements, Select select) {
     AreaList areas;
-    for (std::size_t at = 0; at < size; at += WrittenBits::perWord) {
-        const std::size_t count = std::min(WrittenBits::perWord, size - at);
-        if (const Word flags = select(at, count); flags != 0)
-            addFlags(areas, start + at, count, flags);
+    for (std::size_t at = elements.findWritten(0); at < elements.size();) {
+        const std::size_t count = std::min(WrittenBits::perWord, elements.size() - at);
+        const Word flags = select(at, count);
+        if (flags != 0) addFlags(areas, start + at, count, flags);
+        at = flags != 0 ? at + count : elements.findWritten(at + count);
     }
     return areas;
 }
@@ -75,7 +76,7 @@ void compare(Overlap& overlap, const Common& common) {
 std::vector<Overlap> overlaps(const MemoryBuffer& earlier, const MemoryBuffer& later) {
     const Common common(earlier, later);
     const AreaList areas =
-        areasWhere(common.start, common.earlier.size(), [&](std::size_t at, std::size_t count) {
+        areasWhere(common.start, common.earlier, [&](std::size_t at, std::size_t count) {
             return common.earlier.written(at, count) & common.later.written(at, count);
         });
     std::vector<Overlap> found;
@@ -89,7 +90,7 @@ std::vector<Overlap> overlaps(const MemoryBuffer& earlier, const MemoryBuffer& l
 
 AreaList wipedAreas(const MemoryBuffer& earlier, const MemoryBuffer& later) {
     const Common common(earlier, later);
-    return areasWhere(common.start, common.earlier.size(), [&](std::size_t at, std::size_t count) {
+    return areasWhere(common.start, common.earlier, [&](std::size_t at, std::size_t count) {
         return common.earlier.written(at, count) & ~common.later.written(at, count);
     });
 }
@@ -98,7 +99,7 @@ AreaList writtenAreas(const MemoryBuffer& image, const Area& area) {
     const auto part = area.clippedTo(image.getArea());
     if (!part) return {};
     const ElementView elements = image.viewRange(part->start, part->length);
-    return areasWhere(part->start, elements.size(), [&](std::size_t at, std::size_t count) {
+    return areasWhere(part->start, elements, [&](std::size_t at, std::size_t count) {
         return elements.written(at, count);
     });
 }

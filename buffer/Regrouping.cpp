@@ -67,7 +67,8 @@ public:
         next_ = nowhere;
         if (from >= area_.end()) return nowhere;
         const auto at = static_cast<std::size_t>(from - area_.start);
-        const std::size_t found = elements_.fillers() != nullptr ? at : elements_.findWritten(at);
+        const std::size_t found = elements_.fillers() != nullptr ? elements_.skipUntouched(at)
+                                                                 : elements_.findWritten(at);
         if (found != elements_.size()) next_ = area_.start + found;
         return *next_;
     }

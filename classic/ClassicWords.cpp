@@ -359,7 +359,7 @@ public:
     void operator()(const BufferPrinted& fact) const {
         line("Buffer : ", fact.name);
         line("  StartAddress: 0x", Util::hexWord(fact.start));
-        line("  DataLength  : 0x", Util::hexWord(fact.length));
+        line("  DataLength  : 0x", Util::hexNumber(fact.length, 8));
     }
 
     void operator()(const ContentPrinted& fact) const {

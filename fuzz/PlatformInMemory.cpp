@@ -87,6 +87,12 @@ PageBlock::PageBlock(std::size_t size) {
     size_ = size;
 }
 
+PageBlock PageBlock::reserve(std::size_t size) {
+    return PageBlock(size);
+}
+
+void PageBlock::take(std::size_t /*offset*/, std::size_t /*size*/) {}
+
 PageBlock::~PageBlock() {
     std::free(data_);
 }

@@ -91,6 +91,14 @@ Digest digestOf(const Buffer::MemoryBuffer& image) {
     return digester.finish();
 }
 
+Digest digestOf(const Buffer::MemoryBuffer& image, const Buffer::AreaList& areas) {
+    Digester digester;
+    for (const Buffer::Area& area : areas)
+        forBytes(image.viewRange(area.start, area.length),
+                 [&digester](Bytes bytes) { digester.take(bytes); });
+    return digester.finish();
+}
+
 std::string sha256Of(std::string_view text) {
     Sha256 hash;
     hash.take(text);

@@ -56,6 +56,9 @@ Digest digestOf(const Parts& parts, const Buffer::AreaList& areas);
 /// The digests of the effective bytes of a whole image.
 Digest digestOf(const Buffer::MemoryBuffer& image);
 
+/// The digests of the effective bytes of areas of an image, one after the other.
+Digest digestOf(const Buffer::MemoryBuffer& image, const Buffer::AreaList& areas);
+
 /// What CRC-32 is of all data that ends with its own CRC-32, lowest byte first: the remainder that
 /// the published catalogue gives as residue, 0xDEBB20E3, after the final xor. It tells no data from
 /// other.

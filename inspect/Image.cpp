@@ -14,19 +14,9 @@ using Buffer::Area;
 using Buffer::AreaList;
 using Buffer::MemoryBuffer;
 
-/// A span up to this length is one image; its gaps cost a bit an address at most.
-constexpr std::uint64_t longestWhole = std::uint64_t{1} << 28U;
-/// A gap from here on divides a longer one.
-constexpr std::uint64_t dividingGap = std::uint64_t{1} << 20U;
-
 Parts partsOf(Io::Import::TessaronImportApi& file) {
     Parts parts;
-    if (file.getDataLength() <= longestWhole) {
-        if (file.getDataLength() != 0) parts.push_back(file.takeMemory());
-        return parts;
-    }
-    for (const Area& area : joined(file.getDataAreas(), dividingGap))
-        parts.push_back(file.getMemory(area.start, area.length));
+    if (file.getDataLength() != 0) parts.push_back(file.takeMemory());
     return parts;
 }
 

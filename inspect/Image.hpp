@@ -14,8 +14,8 @@ namespace Inspect {
 
 /// The written bytes of a file or of a run's image, wherever they lie in the address space.
 ///
-/// The parts are ascending and do not overlap. A file whose data is spread over a large range has
-/// several, so that the machine need not hold the range.
+/// The parts are ascending and do not overlap. A file with data is one part, which is sparse if its
+/// range is large (Buffer::ImageSpace).
 using Parts = std::vector<Buffer::MemoryBuffer>;
 
 /// A file as it was read.

@@ -3,6 +3,7 @@
 
 #include "inspect/CrcWords.hpp"
 #include "inspect/Digest.hpp"
+#include "inspect/Gaps.hpp"
 #include "inspect/Json.hpp"
 #include "inspect/RunRecord.hpp"
 #include "inspect/Words.hpp"
@@ -42,11 +43,21 @@ Json rangeJson(const OriginRange& range) {
     return json;
 }
 
+/// The digests of the whole image, or of what has a byte or a filler if the gaps are too wide: they
+/// would take longer than all the rest of a run.
+Digest imageDigest(const ImageRecord& record) {
+    Buffer::AreaList areas;
+    for (const OriginRange& range : record.ranges) areas.push_back(range.area);
+    return record.image->getDataLength() - byteCount(areas) > widestGaps
+               ? digestOf(*record.image, areas)
+               : digestOf(*record.image);
+}
+
 Json imageJson(const ImageRecord& record) {
     const Buffer::Area area = record.image->getArea();
     Json json{{"name", record.name}};
     json.update(toJson(area));
-    const Digest digest = digestOf(*record.image);
+    const Digest digest = imageDigest(record);
     json["crc32"] = Util::hexWord(digest.crc32);
     json["sha256"] = digest.sha256;
     if (record.startAddress) json["startAddress"] = addressText(*record.startAddress);

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <new>
@@ -34,6 +35,22 @@ PageBlock::PageBlock(std::size_t size) {
     }
     if (data_ == nullptr) throw std::bad_alloc();
     size_ = size;
+}
+
+PageBlock PageBlock::reserve(std::size_t size) {
+    size = std::max(size, largeBlock);
+    PageBlock block;
+    block.data_ =
+        static_cast<std::byte*>(::VirtualAlloc(nullptr, size, MEM_RESERVE, PAGE_READWRITE));
+    if (block.data_ == nullptr) throw std::bad_alloc();
+    block.size_ = size;
+    return block;
+}
+
+void PageBlock::take(std::size_t offset, std::size_t size) {
+    if (size > availableMemory() ||
+        ::VirtualAlloc(data_ + offset, size, MEM_COMMIT, PAGE_READWRITE) == nullptr)
+        throw std::bad_alloc();
 }
 
 PageBlock::~PageBlock() {

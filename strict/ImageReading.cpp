@@ -7,6 +7,7 @@
 #include "facts/Listener.hpp"
 #include "io/File.hpp"
 #include "io/import/Malformed.hpp"
+#include "strict/AddressSpace.hpp"
 #include "strict/RunListener.hpp"
 #include "strict/files/RunFiles.hpp"
 
@@ -24,6 +25,7 @@ auto readWith(Read read, const std::string& path, DiagnosticSink& sink) -> declt
                           [](std::string_view /*name*/) { return true; }, false});
     const Facts::ListenerScope listening(listener);
     const Io::HostScope hosting(files);
+    const Buffer::ImageSpaceScope space(imageSpace);
     try {
         return read(path);
     } catch (const Io::bad_open&) {

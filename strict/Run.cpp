@@ -19,6 +19,7 @@
 #include "platform/Paths.hpp"
 #include "platform/Replace.hpp"
 #include "platform/Streams.hpp"
+#include "strict/AddressSpace.hpp"
 #include "strict/ElfSymbols.hpp"
 #include "strict/RunListener.hpp"
 #include "strict/diagnostics/RemarkList.hpp"
@@ -31,6 +32,7 @@
 #include "strict/record/Proof.hpp"
 #include "strict/record/Provenance.hpp"
 #include "strict/record/RunRecording.hpp"
+#include "strict/record/WideGaps.hpp"
 #include "strict/script/ParsedScript.hpp"
 #include "strict/script/ScriptCheck.hpp"
 #include "strict/script/ScriptText.hpp"
@@ -178,6 +180,7 @@ public:
         if (isScript) meaning_.emplace(program, provenance_, printer);
         context_.reading = &reading_;
         context_.observer = &provenance_;
+        context_.longestFile = addressCount;
     }
 
     /// Names the files of all statements. False if two that exclude each other have one place.
@@ -249,10 +252,11 @@ private:
         const Parser::Statement statement = program_->statements()[number];
         reports_.enter(statement);
         listener_.enter();
-        provenance_.enter();
+        provenance_.enter(statement);
         if (meaning_) meaning_->enter(number, context_);
         if (statement.has(Parser::Role::MakesCrc) || statement.has(Parser::Role::MakesHash))
             provenance_.checkCovered(statement, context_);
+        checkWideGaps(statement, context_, provenance_, reports_, meaning_.has_value());
         if (printer_->errors() != before) return false;
         const bool isDone =
             program_->commands()[number]->execute(context_) && !listener_.hasRefused();
@@ -365,6 +369,7 @@ public:
 private:
     template <class Work>
     ExitCode guarded(Work work) {
+        const Buffer::ImageSpaceScope space(imageSpace);
         try {
             return work();
         } catch (const std::bad_alloc&) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
 
@@ -25,6 +26,9 @@ struct CmdContext {
     std::map<std::string, Buffer::MemoryBuffer> buffers;  ///< made by NEW_BUFFER
     /// How FROM_FILE reads, borrowed.
     const Io::Import::InputReading* reading = &Io::Import::classicReading();
+    /// Longest range that NEW_BUFFER takes from a file that is not raw. A file beyond it is more
+    /// likely two records far apart, for which not every machine has the memory.
+    std::uint64_t longestFile = 0xFFFFFFF;
     /// Learns what goes into the images, borrowed; null for nobody.
     ImageObserver* observer = nullptr;
 };

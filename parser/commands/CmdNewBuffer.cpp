@@ -19,9 +19,6 @@ using Buffer::MemoryBuffer;
 using Buffer::OverlapRule;
 using Io::Import::TessaronImportApi;
 
-/// Longest range that FROM_FILE takes; a file beyond it is more likely two far apart records.
-constexpr std::uint64_t longestFile = 0xFFFFFFF;
-
 /// A range of 0 and 0 counts as not given.
 bool isGiven(const Area& range) {
     return range.start != 0 || range.length != 0;
@@ -218,7 +215,7 @@ std::optional<MemoryBuffer> CmdNewBuffer::readFile(const CmdContext& context, Ar
     if (!mayCountWords(row.name, row.mayCountWords)) return std::nullopt;
     if (!isGiven(range)) range = {reader->getMinAddress(), reader->getDataLength()};
     const bool isRaw = format_ != nullptr && format_->format == Facts::InputFormat::RawBinary;
-    if (!isRaw && range.length > longestFile) {
+    if (!isRaw && range.length > context.longestFile) {
         Facts::report(Facts::FileSpanTooLong{range.length});
         return std::nullopt;
     }

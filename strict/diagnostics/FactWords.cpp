@@ -338,10 +338,11 @@ Words words(const FileNotWritten& f, const Circumstances& c) {
 }
 
 Words words(const FileSpanTooLong& f, const Circumstances& /*c*/) {
-    return {{Kind::Outside,
-             "the data of the file spans " + hexText(f.length) + " bytes, more than 0xFFFFFFF",
-             {Role::InputFile},
-             "name a part of it with -useBufferRange={start, length}"}};
+    return {
+        {Kind::Outside,
+         "the range has " + hexText(f.length) + " bytes, and 32 bits address 0x100000000 of them",
+         {Role::InputFile},
+         "name a part of it with -useBufferRange={start, length}"}};
 }
 
 Words words(const ProgramEnded& f, const Circumstances& c) {

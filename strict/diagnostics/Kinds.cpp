@@ -110,6 +110,8 @@ constexpr std::array<KindRow, static_cast<std::size_t>(Kind::Count)> allKinds{{
             "a path with a backslash on a system that separates folders by /"},
     KindRow{Kind::TypographicQuote, "typographic-quote", Error, false,
             "a text that begins with a typographic quote"},
+    KindRow{Kind::WideGap, "wide-gap", Error, false,
+            "more than 64 MiB of gaps that would be filled"},
 }};
 
 /// A kind is the index of its row.

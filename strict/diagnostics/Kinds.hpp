@@ -82,6 +82,7 @@ enum class Kind : unsigned char {
     LeadingZero,
     BackslashPath,
     TypographicQuote,
+    WideGap,
     Count,  ///< of the kinds, itself not one
 };
 

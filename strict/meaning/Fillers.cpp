@@ -1,8 +1,11 @@
 #include "strict/meaning/Fillers.hpp"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
-#include <vector>
 
 #include "buffer/MemoryBuffer.hpp"
 #include "buffer/Overlap.hpp"
@@ -21,12 +24,16 @@ using Parser::Role;
 /// The effective bytes of `gap` are not those of the pattern, which begins at `start`.
 bool isChanged(const MemoryBuffer& image, const Area& gap, std::span<const Number> pattern,
                std::uint64_t start) {
-    std::vector<std::uint8_t> bytes;
-    image.appendBytes(bytes, gap.start, gap.length);
-    std::size_t at = static_cast<std::size_t>((gap.start - start) % pattern.size());
-    for (const std::uint8_t byte : bytes) {
-        if (byte != static_cast<std::uint8_t>(pattern[at].value)) return true;
-        if (++at == pattern.size()) at = 0;
+    std::array<std::uint8_t, 4096> piece{};
+    const auto elements = image.viewRange(gap.start, gap.length);
+    std::size_t next = static_cast<std::size_t>((gap.start - start) % pattern.size());
+    for (std::size_t at = 0; at < elements.size(); at += piece.size()) {
+        const std::size_t count = std::min(piece.size(), elements.size() - at);
+        elements.part(at, count).copyBytes(piece.data());
+        for (const std::uint8_t byte : std::span(piece).first(count)) {
+            if (byte != static_cast<std::uint8_t>(pattern[next].value)) return true;
+            if (++next == pattern.size()) next = 0;
+        }
     }
     return false;
 }

@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "buffer/Difference.hpp"
 #include "buffer/MemoryBuffer.hpp"
 #include "buffer/Overlap.hpp"
 #include "buffer/Regrouping.hpp"
@@ -114,22 +115,10 @@ bool overlap(AreaList areas) {
 /// addresses of `image`.
 AreaList differences(const MemoryBuffer& source, const MemoryBuffer& image, const Area& area,
                      std::uint64_t distance) {
-    std::vector<std::uint8_t> before;
-    std::vector<std::uint8_t> after;
-    source.appendBytes(before, area.start, area.length);
-    image.appendBytes(after, area.start + distance, area.length);
-    AreaList found;
-    if (before.size() != after.size()) return found;
-    for (std::size_t at = 0; at < before.size();) {
-        const auto first = static_cast<std::ptrdiff_t>(at);
-        const auto [one, other] =
-            std::mismatch(before.begin() + first, before.end(), after.begin() + first);
-        const auto start = static_cast<std::size_t>(one - before.begin());
-        at = start;
-        while (at < before.size() && before[at] != after[at]) ++at;
-        if (at != start) found.push_back({area.start + distance + start, at - start});
-    }
-    return found;
+    const auto before = source.viewRange(area.start, area.length);
+    const auto after = image.viewRange(area.start + distance, area.length);
+    if (before.size() != after.size()) return {};
+    return Buffer::effectiveDifferences(before, after, area.start + distance);
 }
 
 const MemoryBuffer& bufferOf(const CmdContext& context, std::string_view name) {

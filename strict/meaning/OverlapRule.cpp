@@ -5,7 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "buffer/Difference.hpp"
 #include "buffer/MemoryBuffer.hpp"
+#include "buffer/Overlap.hpp"
+#include "inspect/Image.hpp"
 #include "inspect/Words.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
 #include "strict/record/Provenance.hpp"
@@ -16,6 +19,7 @@ namespace Strict {
 namespace {
 
 using Buffer::Area;
+using Buffer::AreaList;
 using Buffer::MemoryBuffer;
 using Parser::Part;
 using Parser::Role;
@@ -64,17 +68,21 @@ Common compared(const MemoryBuffer& one, const MemoryBuffer& other, bool onlyWri
     Common common;
     const auto range = one.getArea().clippedTo(other.getArea());
     if (!range) return common;
-    const auto ones = one.viewRange(range->start, range->length);
-    const auto others = other.viewRange(range->start, range->length);
-    for (std::size_t i = 0; i < ones.size(); ++i) {
-        const auto element = ones[i];
-        const auto opposite = others[i];
-        if (onlyWritten && (element.hasValue == 0 || opposite.hasValue == 0)) continue;
-        if (common.area.length == 0) common.area.start = range->start + i;
-        common.area.length = range->start + i + 1 - common.area.start;
-        if (element.effectiveByte() == opposite.effectiveByte()) continue;
-        if (common.different++ == 0) common.first = range->start + i;
+    if (onlyWritten) {
+        for (const Buffer::Overlap& overlap : Buffer::overlaps(one, other)) {
+            if (common.area.length == 0) common.area.start = overlap.area.start;
+            common.area.length = overlap.area.end() - common.area.start;
+            if (common.different == 0) common.first = overlap.firstDifference;
+            common.different += overlap.differences;
+        }
+        return common;
     }
+    common.area = *range;
+    const AreaList areas =
+        Buffer::effectiveDifferences(one.viewRange(range->start, range->length),
+                                     other.viewRange(range->start, range->length), range->start);
+    if (!areas.empty()) common.first = areas.front().start;
+    common.different = Inspect::byteCount(areas);
     return common;
 }
 

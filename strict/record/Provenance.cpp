@@ -81,9 +81,11 @@ void addGaps(AreaList& gaps, const MemoryBuffer& image, const Area& area,
 
 }  // namespace
 
-void Provenance::enter() {
+void Provenance::enter(const Parser::Statement& statement) {
     statement_.reset();
     current_ = {};
+    current_.hasNamedRange = statement.roles.hasAny({Role::Range, Role::Area}) ||
+                             !statement.roles.hasAny({Role::InputFile, Role::UsesImage});
 }
 
 /// The number of the source that the statement itself is.
@@ -114,15 +116,23 @@ OriginMap Provenance::originsIn(const CmdNewBuffer& statement, const TessaronImp
 
 void Provenance::onRead(const CmdNewBuffer& statement, const TessaronImportApi& reader,
                         const Area& range) {
-    const OriginMap all = originsIn(statement, reader);
+    OriginMap all = originsIn(statement, reader);
     AreaList areas;
+    areas.reserve(all.ranges().size());
     for (const auto& [start, entry] : all.ranges()) areas.push_back(entry.area);
+    // Most files are taken as a whole.
+    const bool isWhole = statement.areas().empty() && !areas.empty() &&
+                         range.contains(areas.front()) && range.contains(areas.back());
     inputs_.push_back({statement.fileName(), reader.getFormat(), std::move(areas),
                        reports_->statementPlace().line});
+    if (reader.hasStartAddress()) current_.startAddress = reader.getStartAddress();
+    if (isWhole) {
+        current_.written = std::move(all);
+        return;
+    }
     if (statement.areas().empty()) current_.written.lay(all, range);
     for (const Area& area : statement.areas())
         if (const auto part = area.clippedTo(range)) current_.written.lay(all, *part);
-    if (reader.hasStartAddress()) current_.startAddress = reader.getStartAddress();
     const std::string& file = statement.fileName();
     if (all.empty()) {
         reports_->report(Kind::EmptyImage, file + " has no data", {Role::InputFile});
@@ -142,7 +152,6 @@ void Provenance::onRead(const CmdNewBuffer& statement, const TessaronImportApi& 
 
 void Provenance::reportCropped(const std::string& file, const OriginMap& all,
                                const OriginMap& kept) {
-    // Most files are taken as a whole.
     if (all.size() == kept.size()) return;
     AreaList cropped;
     for (const auto& [start, entry] : all.ranges())
@@ -167,6 +176,8 @@ void Provenance::onOverlay(const CmdNewBuffer& statement, const MemoryBuffer& im
         reportOverlaps(image, name, part);
         reportWiped(image, name, part);
     }
+    current_.hasNamedRange =
+        current_.hasNamedRange || (source.hasNamedRange && part.getArea() == image.getArea());
     const auto common = part.getArea().clippedTo(image.getArea());
     if (!common || part.getDataLength() == 0 || image.getDataLength() == 0) return;
     if (statement.overlapRule() == OverlapRule::NotSet) {

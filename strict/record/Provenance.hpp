@@ -56,6 +56,8 @@ public:
         OriginMap written;
         OriginMap fillers;                          ///< what FILL_BUFFER WITH_FILLER laid
         std::optional<std::uint64_t> startAddress;  ///< that its input file names
+        /// The script gives its range, and not the distance between parts of what it is made of.
+        bool hasNamedRange = false;
     };
 
     /// A file that became a part of an image.
@@ -68,8 +70,8 @@ public:
 
     explicit Provenance(StatementReports& reports) : reports_(&reports) {}
 
-    /// A statement is about to run.
-    void enter();
+    /// The statement is about to run.
+    void enter(const Parser::Statement& statement);
 
     /// Reports the addresses without a byte or a filler that a CRC or hash is going to cover.
     void checkCovered(const Parser::Statement& statement,

@@ -187,6 +187,22 @@ class Together(unittest.TestCase):
         self.assertEqual(done.returncode, 1)
         self.assertIn("[out-of-memory]", done.stderr)
 
+    def test_few_addresses(self):
+        """An image whose range the process has no addresses for leaves the old outputs."""
+        self.put_old(1)
+        (self.path / "far.hex").write_text(":0100000001FE\n:02000004FFFFFC\n:01FFFF0002FF\n"
+                                           ":00000001FF\n")
+        text = ("NEW_BUFFER @A FROM_FILE far.hex\n"
+                "WRITE_FILE out0.bin WITH_BUFFERS {@A} -skipUnwritten -setFormat=TiTxt\n")
+        for limit, code in ((60 << 20, 1), (2 << 30, 1), (5 << 30, 1), (32 << 30, 0)):
+            done = self.run_script(text, "--ignore", "format-ending", preexec_fn=lambda: (
+                resource.setrlimit(resource.RLIMIT_AS, (limit, limit))))
+            self.assertEqual(done.returncode, code, (limit, done.stderr))
+            if code != 0:
+                self.assertIn("not enough memory for far.hex [out-of-memory]", done.stderr)
+                self.assertEqual(self.bytes_of_outputs(1), [0])
+        self.assertEqual((self.path / "out0.bin").read_text(), "@0000\n01\n@FFFFFFFF\n02\nq\n")
+
     def test_killed_runs_leave_whole_files(self):
         self.put_old()
         (self.path / "script.tsn").write_text(script(1))

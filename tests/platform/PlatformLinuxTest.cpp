@@ -92,6 +92,22 @@ TEST(PlatformLinuxTest, UntouchedBlocksCountAsUsed) {
     EXPECT_FALSE(fits(size));
 }
 
+TEST(PlatformLinuxTest, ReservedAddressesDoNotCountAsUsed) {
+    constexpr std::size_t unit = Platform::PageBlock::reservedUnit;
+    constexpr std::size_t large = std::size_t{1} << 38U;  // more than the machine has
+    EXPECT_THROW(Platform::PageBlock::reserve(std::size_t{1} << 62U), std::bad_alloc);
+    Platform::PageBlock reserved = Platform::PageBlock::reserve(large);
+    EXPECT_THROW(reserved.take(0, large), std::bad_alloc);
+    const Platform::PageBlock other(std::size_t{33} << 20U);
+    EXPECT_NE(other.data(), nullptr);
+    reserved.take(large - unit, unit);
+    std::byte* const last = reserved.data() + large - 1;
+    EXPECT_EQ(*last, std::byte{0});
+    *last = std::byte{7};
+    reserved.take(large - 2 * unit, 2 * unit);
+    EXPECT_EQ(*last, std::byte{7});
+}
+
 TEST(PlatformLinuxTest, AProgramRunsWhateverItsPathHolds) {
     const fs::path folder = ownPath("a b$HOME'\"`c");
     fs::create_directories(folder);

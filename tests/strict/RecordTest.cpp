@@ -44,7 +44,7 @@ public:
         const Parser::StatementList& statements = program_.statements();
         for (std::size_t i = 0; i < statements.size(); ++i) {
             reports_.enter(statements[i]);
-            provenance_.enter();
+            provenance_.enter(statements[i]);
             EXPECT_TRUE(program_.commands()[i]->execute(context_)) << statements[i].text;
         }
     }
@@ -293,6 +293,19 @@ TEST_F(RecordTest, TheDigestsOfAnImageAreThoseOfItsBytes) {
         for (const char& byte : bytes)
             digester.take({reinterpret_cast<const std::uint8_t*>(&byte), 1});
         EXPECT_EQ(digest.crc32, digester.finish().crc32) << size;
+    }
+}
+
+TEST_F(RecordTest, TheDigestsOfAnImageWithWideGapsAreThoseOfItsRanges) {
+    constexpr std::size_t most = std::size_t{64} << 20U;
+    for (const std::size_t gaps : {most, most + 1}) {
+        Rehearsal run("NEW_BUFFER @a FROM_VALUES {1, 2} -useBufferRange={0, " +
+                      std::to_string(gaps + 3) + "}\nFILL_BUFFER @a WITH_FILLER {3} -useAreas={{" +
+                      std::to_string(gaps + 2) + ", 1}}\n");
+        std::string bytes = "\1\2\3";
+        if (gaps == most) bytes.insert(2, gaps, '\0');
+        const std::string manifest = Inspect::manifestOf(run.record());
+        EXPECT_NE(manifest.find(Inspect::sha256Of(bytes)), std::string::npos) << gaps;
     }
 }
 

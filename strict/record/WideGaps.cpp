@@ -1,0 +1,118 @@
+#include "strict/record/WideGaps.hpp"
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "inspect/Gaps.hpp"
+#include "inspect/Image.hpp"
+#include "inspect/Words.hpp"
+#include "parser/commands/CmdWriteFile.hpp"
+
+namespace Strict {
+
+namespace {
+
+using Buffer::AreaList;
+using Parser::Part;
+using Parser::Role;
+using Parser::Statement;
+using Parser::WrapperLib::CmdContext;
+using Parser::WrapperLib::CmdWriteFile;
+
+/// Counts the addresses of images to which nothing gave a byte or a filler. An address that several
+/// images have counts once.
+class GapCount {
+public:
+    GapCount(const CmdContext& context, const Provenance& provenance)
+        : context_(&context), provenance_(&provenance) {}
+
+    void add(const std::string& name) {
+        const auto image = context_->buffers.find(name);
+        const auto origins = provenance_->images().find(name);
+        if (image == context_->buffers.end() || origins == provenance_->images().end()) return;
+        const Buffer::Area range = image->second.getArea();
+        ranges_.push_back(range);
+        for (const OriginMap* const some : {&origins->second.fillers, &origins->second.written})
+            given_.lay(*some, range);
+    }
+
+    std::uint64_t gaps() const {
+        return Inspect::byteCount(Inspect::joined(ranges_, 0)) - given_.size();
+    }
+
+private:
+    const CmdContext* context_;
+    const Provenance* provenance_;
+    AreaList ranges_;
+    OriginMap given_;
+};
+
+std::uint64_t gapsOf(const Statement& statement, const CmdContext& context,
+                     const Provenance& provenance) {
+    GapCount together(context, provenance);
+    std::uint64_t apart = 0;
+    for (const Part& part : statement.all(Role::UsesImage)) {
+        const std::string name(part.text);
+        together.add(name);
+        GapCount alone(context, provenance);
+        alone.add(name);
+        apart += alone.gaps();
+    }
+    // Without a rule the file has all of each image.
+    return statement.has(Role::Overlap) ? together.gaps() : apart;
+}
+
+bool hasAddresses(const Statement& statement) {
+    const Part* const format = statement.last(Role::Format);
+    return format == nullptr || CmdWriteFile::formats()[format->choice].hasAddresses;
+}
+
+std::string adviceOnOutput(const Statement& statement, bool isScript) {
+    if (!isScript)
+        return "a format with addresses leaves them gaps, and --crop START,LENGTH keeps a part";
+    if (hasAddresses(statement)) return "-skipUnwritten leaves them gaps";
+    return "take a part with -useBufferRange of NEW_BUFFER, or choose a format with addresses and "
+           "-skipUnwritten";
+}
+
+std::string sizeOf(std::uint64_t gaps) {
+    return Inspect::countText(gaps, "byte") + " (" + Inspect::sizeText(gaps) + ")";
+}
+
+void checkOutput(const Statement& statement, const CmdContext& context,
+                 const Provenance& provenance, StatementReports& reports, bool isScript) {
+    if (statement.roles.hasAny({Role::Gaps, Role::ShortGaps})) return;
+    const std::uint64_t gaps = gapsOf(statement, context, provenance);
+    if (gaps <= Inspect::widestGaps) return;
+    reports.report(Kind::WideGap, "the file would get " + sizeOf(gaps) + " of gaps",
+                   {Role::OutputFile}, adviceOnOutput(statement, isScript));
+}
+
+void checkFiller(const Statement& statement, const CmdContext& context,
+                 const Provenance& provenance, StatementReports& reports, bool isScript) {
+    const std::string name(statement.textOf(Role::ChangesImage));
+    const auto image = provenance.images().find(name);
+    if (image == provenance.images().end() || image->second.hasNamedRange) return;
+    GapCount count(context, provenance);
+    count.add(name);
+    const std::uint64_t gaps = count.gaps();
+    if (gaps <= Inspect::widestGaps) return;
+    reports.reportName(Kind::WideGap, name,
+                       "the filler would fill " + sizeOf(gaps) + " of gaps in " + name,
+                       isScript ? "name the areas that it is for with -useAreas"
+                                : "leave out --fill, or keep a part with --crop START,LENGTH");
+}
+
+}  // namespace
+
+void checkWideGaps(const Statement& statement, const CmdContext& context,
+                   const Provenance& provenance, StatementReports& reports, bool isScript) {
+    if (statement.has(Role::OutputFile))
+        checkOutput(statement, context, provenance, reports, isScript);
+    else if (statement.has(Role::Filler) && !statement.has(Role::Area))
+        checkFiller(statement, context, provenance, reports, isScript);
+}
+
+}  // namespace Strict
