@@ -99,8 +99,8 @@ private:
     std::uint64_t lane_;
 };
 
-/// A new image with the bytes, flags and fillers of `sources` in their new order, and with the byte
+/// A new image with the bytes, flags and fillers of `images` in their new order, and with the byte
 /// order tag of a new image. An image that cannot be is reported and empty, as by its constructor.
-MemoryBuffer regrouped(std::span<const MemoryBuffer* const> sources, const Regrouping& regrouping);
+MemoryBuffer regrouped(std::span<const MemoryBuffer* const> images, const Regrouping& regrouping);
 
 }  // namespace Buffer

@@ -125,7 +125,7 @@ constexpr auto mifEndings = std::to_array<std::string_view>({".mif"});
 constexpr auto coeEndings = std::to_array<std::string_view>({".coe"});
 constexpr auto cEndings = std::to_array<std::string_view>({".c", ".h"});
 
-constexpr auto rows = std::to_array<ForeignFormat>({
+constexpr auto foreignRows = std::to_array<ForeignFormat>({
     {.name = "an archive of object files", .isText = false, .looksLike = &isArchive},
     {.name = "a text in UTF-16", .isText = false, .looksLike = &isWideRecords},
     {.name = "a Tektronix hexadecimal file",
@@ -140,7 +140,7 @@ constexpr auto rows = std::to_array<ForeignFormat>({
 }  // namespace
 
 std::span<const ForeignFormat> foreignFormats() {
-    return rows;
+    return foreignRows;
 }
 
 }  // namespace Io::Formats

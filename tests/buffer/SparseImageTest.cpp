@@ -20,7 +20,7 @@ using Buffer::AreaList;
 using Buffer::ImageSpace;
 using Buffer::ImageSpaceScope;
 using Buffer::MemoryBuffer;
-using Bytes = std::vector<std::uint8_t>;
+using SparseBytes = std::vector<std::uint8_t>;
 
 constexpr std::uint64_t all = std::uint64_t{1} << 32U;
 constexpr std::uint64_t mebi = std::uint64_t{1} << 20U;
@@ -50,8 +50,8 @@ public:
         const AreaList written = writtenAreas(dense_, area);
         ASSERT_EQ(writtenAreas(sparse_, area), written);
         ASSERT_TRUE(differences(dense_, sparse_).empty());
-        Bytes one;
-        Bytes other;
+        SparseBytes one;
+        SparseBytes other;
         dense_.appendBytes(one, area.start, area.length);
         sparse_.appendBytes(other, area.start, area.length);
         ASSERT_TRUE(one == other);
@@ -75,7 +75,7 @@ class Changes {
 public:
     void change(Twins& image, const Twins& source) {
         const Area area = part(image.dense().getArea());
-        const Bytes pattern = bytes();
+        const SparseBytes pattern = bytes();
         // Either kind of image is laid over either kind.
         const bool isSwapped = number(2) == 0;
         const auto other = [&](const MemoryBuffer& target) -> const MemoryBuffer& {
@@ -126,8 +126,8 @@ private:
         return {range.start + start, 1 + number(std::min(most, range.length - start))};
     }
 
-    Bytes bytes() {
-        Bytes pattern(1 + number(5));
+    SparseBytes bytes() {
+        SparseBytes pattern(1 + number(5));
         // Fillers of zeros alone are none.
         const bool isZero = number(4) == 0;
         for (std::uint8_t& byte : pattern) byte = static_cast<std::uint8_t>(isZero ? 0 : random_());
@@ -162,7 +162,7 @@ TEST(SparseImageTest, MayHaveAllAddresses) {
     const ImageSpaceScope scope({all + 1, 1});
     MemoryBuffer image(0, all);
     ASSERT_EQ(image.getDataLength(), all);
-    const Bytes bytes{1, 2, 3};
+    const SparseBytes bytes{1, 2, 3};
     image.overlayBytes(bytes, all - 2);
     image.overlayBytes(bytes, 0);
     image.overlayBytes(bytes, 0x10001014);
@@ -171,7 +171,7 @@ TEST(SparseImageTest, MayHaveAllAddresses) {
     EXPECT_EQ(image.viewElements()[all - 1].effectiveByte(), 2);
     EXPECT_EQ(image.viewElements().findUnwritten(all - 2), all);
 
-    const Bytes filler{0xFF};
+    const SparseBytes filler{0xFF};
     MemoryBuffer other = image;
     other.fillPattern(filler, 0x80000000, 5);
     other.writePattern(filler, 0x10001016, 2);
@@ -191,7 +191,7 @@ TEST(SparseImageTest, MayHaveAllAddresses) {
 TEST(SparseImageTest, TheBytesOfAWrittenRangeAreInPlace) {
     const ImageSpaceScope scope(everySparse);
     MemoryBuffer image(0, 4 * mebi);
-    const Bytes pattern{7};
+    const SparseBytes pattern{7};
     image.writePattern(pattern, mebi - 1, mebi + 2);
     const auto written = image.viewRange(mebi - 1, mebi + 2).bytes();
     ASSERT_TRUE(written);
