@@ -1,5 +1,6 @@
 #include "parser/commands/Arrangement.hpp"
 
+#include <algorithm>
 #include <array>
 #include <limits>
 #include <utility>
@@ -28,12 +29,11 @@ MemoryBuffer regroup(const MemoryBuffer& image, const Regrouping& regrouping,
 /// The addresses of a bus of those lanes fit into 64 bits; reports it if not.
 bool isAddressable(const Bus& bus, std::span<const MemoryBuffer* const> lanes) {
     constexpr std::uint64_t highest = std::numeric_limits<std::uint64_t>::max();
-    for (const MemoryBuffer* const lane : lanes) {
-        if (lane->getArea().end() / bus.width < highest / bus.row()) continue;
+    return std::ranges::all_of(lanes, [&](const MemoryBuffer* lane) {
+        if (lane->getArea().end() / bus.width < highest / bus.row()) return true;
         Facts::report(Facts::ImageNotAddressable{highest, lane->getDataLength() * bus.lanes});
         return false;
-    }
-    return true;
+    });
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "parser/commands/CmdNewValue.hpp"
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <utility>
 
@@ -33,20 +35,19 @@ std::optional<std::size_t> CmdNewValue::valueSize() const {
 }
 
 /// The value as it is kept.
-ByteList CmdNewValue::stored(ByteList value) const {
+ByteList CmdNewValue::stored(const ByteList& value) const {
     const auto& crc = algorithm_.parameters;
     return crc ? Util::Crc::aligned(value, crc->width, alignment_) : value;
 }
 
 /// False after a report.
 bool CmdNewValue::hasWholeWords(std::size_t length) const {
-    for (const bool isOfType : {false, true}) {
+    return std::ranges::all_of(std::array{false, true}, [&](bool isOfType) {
         const std::uint32_t size = isOfType ? algorithm_.wordSize : wordSize_;
-        if (length % size == 0) continue;
+        if (length % size == 0) return true;
         Facts::report(Facts::WordIncomplete{subject_, name_, length, size, isOfType});
         return false;
-    }
-    return true;
+    });
 }
 
 bool CmdNewValue::execute(CmdContext& context) {

@@ -86,7 +86,7 @@ protected:
     }
 
 private:
-    ByteList stored(ByteList value) const;
+    ByteList stored(const ByteList& value) const;
     bool hasWholeWords(std::size_t length) const;
 
     Facts::Subject subject_;
