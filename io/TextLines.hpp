@@ -10,6 +10,9 @@
 
 namespace Io {
 
+/// The byte order mark of UTF-8, which editors put at the beginning of a file.
+inline constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
+
 /// Where the text of a file ends.
 enum class TextEnd : std::uint8_t {
     Mark,  ///< at a byte 0x1A, as in text mode, or with the file

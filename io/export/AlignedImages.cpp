@@ -53,8 +53,8 @@ std::uint64_t AlignedImages::size() const {
 /// Lays the first and the last filler of `image` over the rest of their units.
 void AlignedImages::pad(const ImageView& image, std::span<std::uint8_t> piece,
                         std::uint64_t start) const {
-    const std::uint8_t* const fillers = image.elements.fillers();
-    if (image.elements.empty() || fillers == nullptr) return;
+    const Buffer::ElementView& elements = image.elements;
+    if (elements.empty() || elements.fillers() == nullptr) return;
     const auto lay = [&](std::uint64_t from, std::uint64_t to, std::uint8_t filler) {
         const std::uint64_t first = std::max(from, start);
         const std::uint64_t end = std::min(to, start + piece.size());
@@ -64,9 +64,9 @@ void AlignedImages::pad(const ImageView& image, std::span<std::uint8_t> piece,
                               filler);
     };
     const std::uint64_t mask = unit_ - 1;
-    const std::uint64_t end = image.startAddress + image.elements.size();
-    lay(image.startAddress & ~mask, image.startAddress, fillers[0]);
-    lay(end, (end + mask) & ~mask, fillers[image.elements.size() - 1]);
+    const std::uint64_t end = image.startAddress + elements.size();
+    lay(image.startAddress & ~mask, image.startAddress, elements[0].filler);
+    lay(end, (end + mask) & ~mask, elements[elements.size() - 1].filler);
 }
 
 void AlignedImages::fill(std::span<std::uint8_t> piece, std::uint64_t start) const {

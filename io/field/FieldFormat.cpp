@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "io/TextLines.hpp"
 #include "io/field/RecordLine.hpp"
 
 namespace Io::Field {

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "facts/Listener.hpp"
+#include "io/TextLines.hpp"
 #include "io/field/RecordLine.hpp"
 #include "util/Hex.hpp"
 

@@ -9,9 +9,6 @@
 /// What one line of a text file is, by itself.
 namespace Io::Field {
 
-/// The byte order mark of UTF-8, which editors put at the beginning of a file.
-inline constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
-
 /// Characters of the longest record, the 514 of an S-record and the 521 of Intel HEX among them.
 inline constexpr std::size_t longestRecord = 528;
 

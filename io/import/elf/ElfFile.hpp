@@ -34,9 +34,8 @@ public:
 
     /// The file `path` has been opened already.
     ///
-    /// @param addressUnit  the addresses of the file count words of that many bytes, its sizes
-    /// count
-    ///                     bytes; those that are answered all count bytes
+    /// @param addressUnit  bytes of the words that the addresses of the file count; its sizes, and
+    ///                     all that is answered, count bytes
     ElfFile(const std::string& path, Platform::InputFile file, std::uint32_t addressUnit = 1);
 
     /// The entry point; 0 counts as none.

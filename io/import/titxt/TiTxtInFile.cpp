@@ -20,7 +20,6 @@ namespace {
 
 using Facts::FormatFault;
 
-constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr std::uint8_t noDigit = 0xFF;
 
 constexpr std::array<std::uint8_t, 256> digitValues = [] {

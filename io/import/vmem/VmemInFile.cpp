@@ -18,7 +18,6 @@ namespace {
 
 using Facts::FormatFault;
 
-constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view blanks = " \t\r\n\v\f";
 constexpr std::string_view tokenEnds = " \t\r\n\v\f/";
 constexpr std::uint64_t addressSpaceEnd = std::uint64_t{1} << 32U;
