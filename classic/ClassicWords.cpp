@@ -275,6 +275,21 @@ public:
         line("Operation aborted.");
     }
 
+    void operator()(const ElfTemplateUnfit& fact) const {
+        const auto [file, fault, start, end] = fact;
+        const auto range = [start = start, end = end] {
+            return "0x" + Util::hexWord(start) + " to 0x" + Util::hexWord(end - 1);
+        };
+        if (fault == TemplateFault::ByteOutside)
+            line("Error: Template ", file, " has no segment for the bytes from ", range(), " !");
+        else if (fault == TemplateFault::ByteMissing)
+            line("Error: Template ", file, " loads bytes that no image has, from ", range(), " !");
+        else
+            line("Error: Template ", file, " has segments that share bytes, at 0x",
+                 Util::hexWord(start), " and 0x", Util::hexWord(end), " !");
+        line("Operation aborted.");
+    }
+
     void operator()(const FileWriteIncomplete& fact) const {
         errors_ << "Warning: File " << fact.file << " could not be written completely !"
                 << std::endl;

@@ -157,6 +157,14 @@ std::vector<Fact> examples(Of<FamiliesNotOfImages> /*type*/) {
 std::vector<Fact> examples(Of<HeaderTooLong> /*type*/) {
     return {HeaderTooLong{"PATH", number, 252}};
 }
+std::vector<Fact> examples(Of<ElfTemplateUnfit> /*type*/) {
+    std::vector<Fact> facts;
+    for (const TemplateFault fault :
+         {TemplateFault::ByteOutside, TemplateFault::ByteMissing, TemplateFault::SegmentsShared})
+        facts.emplace_back(ElfTemplateUnfit{
+            "PATH", fault, number, fault == TemplateFault::SegmentsShared ? number : number + 1});
+    return facts;
+}
 std::vector<Fact> examples(Of<FileWriteIncomplete> /*type*/) {
     return {FileWriteIncomplete{"PATH"}};
 }

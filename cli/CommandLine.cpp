@@ -397,6 +397,9 @@ void addConvert(CLI::App& app, Request& request, Texts& texts) {
     convert->add_option("--format", texts.format, "a format of WRITE_FILE")
         ->type_name("NAME")
         ->check(&faultIfEmpty);
+    convert->add_option("--elf-template", conversion.elfTemplate, "the ELF file that OUT copies")
+        ->type_name("FILE")
+        ->check(&faultIfEmpty);
     convert->add_flag("--print-script", conversion.printsScript,
                       "prints the script that does this, instead of running it");
     addDisplay(*convert, request, texts);

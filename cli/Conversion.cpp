@@ -179,6 +179,7 @@ struct Steps {
     FormatChoice format;
     Arranging arranging;
     std::vector<Source> furtherSources;  ///< of the further inputs
+    std::string elfTemplate = {};
 };
 
 constexpr const char* imageName = "@Image";
@@ -352,14 +353,32 @@ void addWriteFile(Strict::ProgramMaker& maker, const Steps& steps) {
     write.setFormat(format, steps.format.number);
     maker.add(" -setFormat=");
     addFormat(maker, steps.format);
+    if (!steps.elfTemplate.empty()) {
+        write.setElfTemplatePath(steps.elfTemplate);
+        maker.add(" -setElfTemplate=");
+        maker.addPath(Role::Template, steps.elfTemplate);
+    }
     maker.end();
+}
+
+/// The output is a copy of a file that is named, or needs none. False after a diagnostic.
+bool hasTemplate(const Conversion& conversion, const FormatChoice& format,
+                 Strict::Printer& printer) {
+    const bool isNamed = !conversion.elfTemplate.empty();
+    if (rowOf(format).needsTemplate == isNamed) return true;
+    fail(Strict::Kind::WrongFormat,
+         isNamed ? std::string("--elf-template is for ELF files, and the output is ") +
+                       rowOf(format).keyword
+                 : "an ELF file is written as a copy of one",
+         isNamed ? "" : "name the one to copy by --elf-template", printer);
+    return false;
 }
 
 /// What the conversion does, or nothing after a diagnostic.
 std::optional<Steps> stepsOf(const Conversion& conversion, Strict::Printer& printer) {
     const auto source = sourceOf(conversion.input, conversion.inputFormat, printer);
     const auto format = formatOf(conversion, printer);
-    if (!source || !format) return std::nullopt;
+    if (!source || !format || !hasTemplate(conversion, *format, printer)) return std::nullopt;
     if (conversion.crop &&
         (conversion.crop->start > highestAddress || conversion.crop->length > highestAddress)) {
         fail(Strict::Kind::Outside, "the area to keep leaves the 32-bit address space", "",
@@ -375,7 +394,8 @@ std::optional<Steps> stepsOf(const Conversion& conversion, Strict::Printer& prin
                 {},
                 *format,
                 conversion.arranging,
-                {}};
+                {},
+                conversion.elfTemplate};
     for (const std::string& further : conversion.arranging.furtherInputs) {
         const auto furtherSource = sourceOf(further, conversion.inputFormat, printer);
         if (!furtherSource) return std::nullopt;
@@ -400,6 +420,7 @@ ExitCode print(const Conversion& conversion, const Strict::Program& program,
     inputs.insert(inputs.end(), further.begin(), further.end());
     std::vector<std::string> paths = inputs;
     paths.push_back(conversion.output);
+    if (!conversion.elfTemplate.empty()) paths.push_back(conversion.elfTemplate);
     for (const std::string& path : paths)
         if (const auto argument = Strict::argumentOf(path); !argument.obstacle.empty())
             fail(Strict::Kind::Syntax, "no script can name the file " + path, argument.obstacle,

@@ -38,6 +38,7 @@ struct Conversion {
     std::optional<Buffer::Area> crop = {};
     std::vector<std::uint8_t> fill = {};  ///< bytes for the gaps; none leaves them gaps
     std::int64_t offset = 0;              ///< added to all addresses
+    std::string elfTemplate = {};         ///< the file that an ELF output is a copy of
     Arranging arranging = {};
     bool printsScript = false;  ///< instead of running it
 };

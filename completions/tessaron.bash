@@ -52,7 +52,7 @@ _tessaron_words() {
         map:-*) compgen -W "$common --svg --ascii --from --width" -- "$current" ;;
         convert:-*)
             compgen -W "$common --crop --fill --offset --from --format --lane --interleave --with \
-                --swap-bytes --unit-in --unit-out --fill-gaps --align --print-script" \
+                --swap-bytes --unit-in --unit-out --fill-gaps --align --elf-template --print-script" \
                 -- "$current" ;;
         help:-*) compgen -W '--help' -- "$current" ;;
         help:*)

@@ -75,4 +75,5 @@ complete -c tessaron -n $convert -l unit-in -x -a '2 4' -d 'Addresses of the inp
 complete -c tessaron -n $convert -l unit-out -x -a '2 4' -d 'Addresses of the output count words'
 complete -c tessaron -n $convert -l fill-gaps -x -d 'Fill gaps of up to this length'
 complete -c tessaron -n $convert -l align -x -d 'Let data begin and end at multiples'
+complete -c tessaron -n $convert -l elf-template -r -d 'The ELF file to copy'
 complete -c tessaron -n $convert -l print-script -d 'Print the script'

@@ -267,6 +267,22 @@ struct GapsNotExpressible {
     bool operator==(const GapsNotExpressible&) const = default;
 };
 
+/// What an ELF file that is to be copied has against the images.
+enum class TemplateFault : std::uint8_t {
+    ByteOutside,    ///< an image has written bytes that no segment has in the file
+    ByteMissing,    ///< a segment has bytes that no image has
+    SegmentsShared  ///< the segments at the two addresses share bytes or addresses
+};
+
+/// An ELF file does not fit the images that a copy of it is to get; the statement failed.
+struct ElfTemplateUnfit {
+    std::string_view file;
+    TemplateFault fault;
+    std::uint64_t start;
+    std::uint64_t end;
+    bool operator==(const ElfTemplateUnfit&) const = default;
+};
+
 /// A write failed; the file holds what was written before.
 struct FileWriteIncomplete {
     std::string_view file;
@@ -484,18 +500,17 @@ struct RunEnded {
     bool operator==(const RunEnded&) const = default;
 };
 
-using Fact =
-    std::variant<ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside,
-                 FillTooLong, ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty,
-                 LastLineMismatched, RecordContradictory, LineNotARecord, RecordCountTooLow,
-                 DataSpanTooLong, RawFileTooLong, FileMalformed, FileReadIncomplete,
-                 RecordLengthCorrected, AddressNotExpressible, RecordTypeUnknown,
-                 ImageBeyondSRecords, TooManyBytes, GapsNotExpressible, AddressBeyondFormat,
-                 FormatNumberWrong, FamiliesNotOfImages, HeaderTooLong, FileWriteIncomplete,
-                 NameNotFound, OverlapRefused, StatementExhausted, CrcParameterRefused,
-                 WordIncomplete, BusRefused, ImageNotOfWords, AddressUnitRefused, AlignmentZero,
-                 FileNotOpened, FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted,
-                 CrcPrinted, HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
-                 VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
+using Fact = std::variant<
+    ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside, FillTooLong,
+    ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty, LastLineMismatched,
+    RecordContradictory, LineNotARecord, RecordCountTooLow, DataSpanTooLong, RawFileTooLong,
+    FileMalformed, FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
+    RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible, AddressBeyondFormat,
+    FormatNumberWrong, FamiliesNotOfImages, HeaderTooLong, ElfTemplateUnfit, FileWriteIncomplete,
+    NameNotFound, OverlapRefused, StatementExhausted, CrcParameterRefused, WordIncomplete,
+    BusRefused, ImageNotOfWords, AddressUnitRefused, AlignmentZero, FileNotOpened, FileNotWritten,
+    FileSpanTooLong, BufferPrinted, ContentPrinted, CrcPrinted, HashPrinted, TextPrinted,
+    ProgramCalled, ProgramEnded, ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError,
+    RunEnded, FieldFact>;
 
 }  // namespace Facts

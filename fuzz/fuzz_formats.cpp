@@ -1,23 +1,30 @@
 // The readers of all formats that have a mark: what one of them accepts is the same in every
 // question of its interface, and is read again from what the writers of UF2, TI-TXT, VMEM and DfuSe
 // make of it.
+// A copy of an ELF file with its own bytes is the file itself.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "fuzz/Check.hpp"
 #include "fuzz/PlatformInMemory.hpp"
 #include "io/InFile.hpp"
 #include "io/export/dfuse/DfuSeOutFile.hpp"
+#include "io/export/elf/ElfOutFile.hpp"
 #include "io/export/titxt/TiTxtOutFile.hpp"
 #include "io/export/uf2/Uf2OutFile.hpp"
 #include "io/export/vmem/VmemOutFile.hpp"
 #include "io/formats/InputFormats.hpp"
 #include "io/import/Malformed.hpp"
+#include "io/import/RawBinaryInFile.hpp"
 #include "io/import/dfuse/DfuSeInFile.hpp"
 #include "io/import/elf/ElfFile.hpp"
+#include "io/import/elf/ElfInFile.hpp"
 #include "io/import/titxt/TiTxtInFile.hpp"
 #include "io/import/uf2/Uf2InFile.hpp"
 #include "io/import/vmem/VmemInFile.hpp"
@@ -88,6 +95,32 @@ void checkReader(const Io::Formats::InputFormatRow& format) {
     }
 }
 
+/// A copy with the bytes of the file, some of which are left to the template.
+void checkCopy(std::string_view contents) {
+    try {
+        const Io::Import::ElfInFile file(inputPath);
+        const std::vector<MemoryBuffer> images = imagesOf(file);
+        for (const std::size_t left : {0U, 1U}) {
+            Io::Export::ElfOutFile copy(outputPath, {inputPath});
+            for (const MemoryBuffer& image : std::span(images).subspan(left))
+                copy.insert(
+                    {image.getStartAddress(), image.viewElements(),
+                     left == 0 ? Io::Export::Unwritten::Filled : Io::Export::Unwritten::Skipped});
+            copy.saveToFile();
+            const Io::Import::RawBinaryInFile written(outputPath);
+            std::vector<std::uint8_t> bytes;
+            written.getMemory().appendBytes(bytes, 0, written.getDataLength());
+            check(std::ranges::equal(bytes, contents,
+                                     [](std::uint8_t one, char other) {
+                                         return one == static_cast<std::uint8_t>(other);
+                                     }),
+                  "a copy with the same bytes is the same file");
+        }
+    } catch (const Io::Import::Malformed&) {
+    } catch (const Io::Export::GivenUp&) {
+    }
+}
+
 void checkSymbols(std::size_t size) {
     try {
         for (const auto& symbol : Io::Import::ElfFile(inputPath).symbols())
@@ -104,6 +137,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     machine.addFile(inputPath, {reinterpret_cast<const char*>(data), size});
     for (const Io::Formats::InputFormatRow& format : Io::Formats::inputFormats())
         if (format.looksLike != nullptr) checkReader(format);
+    checkCopy({reinterpret_cast<const char*>(data), size});
     checkSymbols(size);
     return 0;
 }

@@ -188,8 +188,9 @@ public:
         bool isGood = true;
         for (const Parser::Statement& statement : program_->statements()) {
             reports_.enter(statement);
-            if (const auto* const input = statement.last(Parser::Role::InputFile))
-                isGood = nameFile(*input, FileRole::Input) && isGood;
+            for (const Parser::Role role : {Parser::Role::InputFile, Parser::Role::Template})
+                if (const auto* const input = statement.last(role))
+                    isGood = nameFile(*input, FileRole::Input) && isGood;
             if (const auto* const output = statement.last(Parser::Role::OutputFile))
                 isGood = nameFile(*output, FileRole::Output) && isGood;
         }

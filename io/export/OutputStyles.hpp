@@ -66,4 +66,8 @@ struct DfuSeOutputStyle {
     std::uint32_t productId = 0xFFFF;
 };
 
+struct ElfOutputStyle {
+    std::string templatePath;  ///< of the ELF file that is copied
+};
+
 }  // namespace Io::Export

@@ -3,9 +3,15 @@
 #include <cstdint>
 
 #include "buffer/MemoryBuffer.hpp"
+#include "io/File.hpp"
 #include "io/export/ImageView.hpp"
 
 namespace Io::Export {
+
+/// A writer gives its file up, which has been reported, and the statement fails.
+struct GivenUp : Io::exception {
+    const char* what() const noexcept override { return "Output given up"; }
+};
 
 /// A writer of one output format. Called in this order: construction, which reports and corrects
 /// settings out of their limits; `insert` for each image; `setExecutionAddress` if
@@ -31,6 +37,7 @@ public:
     /// Writes the file. A writer that gives up reports why and leaves an existing file as it is.
     ///
     /// @throws Io::bad_open
+    /// @throws GivenUp
     virtual void saveToFile() = 0;
 
     /// Notes the execution start address, for the formats that can carry one.

@@ -16,6 +16,7 @@
 #include "io/export/carray/CArrayOutFile.hpp"
 #include "io/export/coe/CoeOutFile.hpp"
 #include "io/export/dfuse/DfuSeOutFile.hpp"
+#include "io/export/elf/ElfOutFile.hpp"
 #include "io/export/hexdump/HexDumpOutFile.hpp"
 #include "io/export/mif/MifOutFile.hpp"
 #include "io/export/titxt/TiTxtOutFile.hpp"
@@ -118,6 +119,10 @@ WriterPointer makeDfuSe(const std::string& path, const OutputStyles& styles) {
     return std::make_unique<Io::Export::DfuSeOutFile>(path.c_str(), styles.dfuSeStyle);
 }
 
+WriterPointer makeElf(const std::string& path, const OutputStyles& styles) {
+    return std::make_unique<Io::Export::ElfOutFile>(path, styles.elfStyle);
+}
+
 void setFamily(OutputStyles& styles, std::uint32_t number) {
     styles.uf2Style.families = {number};
 }
@@ -171,6 +176,9 @@ constexpr auto textEndings = std::to_array<std::string_view>({".txt"});
 constexpr auto hexTextEndings = std::to_array<std::string_view>({".hex", ".ihx", ".ihex", ".txt"});
 constexpr auto arrayTextEndings = std::to_array<std::string_view>({".h", ".txt"});
 constexpr auto dfuSeEndings = std::to_array<std::string_view>({".dfu"});
+constexpr auto elfEndings = std::to_array<std::string_view>({".elf"});
+/// What compilers of several vendors call an ELF file.
+constexpr auto otherElfEndings = std::to_array<std::string_view>({".axf", ".out"});
 
 constexpr auto exportFormats = std::to_array<ExportFormat>({
     {.keyword = "RawBinary",
@@ -321,6 +329,13 @@ constexpr auto exportFormats = std::to_array<ExportFormat>({
      .makeWriter = &makeDfuSe,
      .endings = dfuSeEndings,
      .addressAt = &Io::Export::DfuSeOutFile::addressAt},
+    {.keyword = "Elf",
+     .meaning = "a copy of an ELF file with the bytes of the images",
+     .trace = "SetExportFormatOptionElf -> ",
+     .makeWriter = &makeElf,
+     .needsTemplate = true,
+     .endings = elfEndings,
+     .otherEndings = otherElfEndings},
 });
 
 }  // namespace
@@ -375,6 +390,14 @@ CmdWriteFile::CmdWriteFile() {
 
 void CmdWriteFile::setFileName(std::string argument) {
     setPath(cleanedPath(std::move(argument)));
+}
+
+void CmdWriteFile::setElfTemplate(std::string argument) {
+    setElfTemplatePath(cleanedPath(std::move(argument)));
+}
+
+bool CmdWriteFile::lacksTemplate() const {
+    return format_ != nullptr && format_->needsTemplate && styles_.elfStyle.templatePath.empty();
 }
 
 void CmdWriteFile::addBuffer(std::string name) {
@@ -471,6 +494,8 @@ bool CmdWriteFile::write(CmdContext& context) const {
     if (hasExecutionStartAddress_) writer->setExecutionAddress(executionStartAddress_);
     try {
         writer->saveToFile();
+    } catch (const Io::Export::GivenUp&) {
+        return false;
     } catch (const std::exception&) {
         Facts::report(Facts::FileNotWritten{fileName_});
         return false;

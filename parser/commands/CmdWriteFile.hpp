@@ -33,6 +33,7 @@ struct OutputStyles {
     Io::Export::HexDumpOutputStyle hexDumpStyle;
     Io::Export::CArrayOutputStyle arrayStyle;
     Io::Export::DfuSeOutputStyle dfuSeStyle;
+    Io::Export::ElfOutputStyle elfStyle;
 };
 
 /// What may follow the keyword of a format.
@@ -66,6 +67,7 @@ struct ExportFormat {
     void (*setAddressUnit)(OutputStyles& styles, std::uint32_t bytes) = nullptr;
     bool hasStartAddress = false;       ///< it writes the execution address
     bool useSegmentAddressing = false;  ///< of Intel HEX, for this and all later formats
+    bool needsTemplate = false;         ///< it is a copy of a file with other bytes
     bool isImageItself = false;         ///< the bytes of the images, one image after the other
     /// Its files are compared by the addresses of their data, not byte for byte.
     bool isComparedByAddress = false;
@@ -128,6 +130,17 @@ public:
     /// The vendor and the product that a DfuSe file is for; the low 16 bits count.
     void setVendorId(std::uint32_t id) { styles_.dfuSeStyle.vendorId = id; }
     void setProductId(std::uint32_t id) { styles_.dfuSeStyle.productId = id; }
+
+    /// The ELF file that the Elf format copies.
+    ///
+    /// @param argument  the path as written in the script, delimiters included
+    void setElfTemplate(std::string argument);
+
+    /// The same by its path, in which every character counts.
+    void setElfTemplatePath(std::string path) { styles_.elfStyle.templatePath = std::move(path); }
+
+    /// The format copies a file, and none was named.
+    bool lacksTemplate() const;
 
     /// Lets addresses that nothing wrote stay gaps. A format without addresses refuses that.
     void skipUnwritten() { unwritten_ = Io::Export::Unwritten::Skipped; }

@@ -56,6 +56,26 @@ private:
     std::uint32_t* number_;
 };
 
+/// Nothing, in a statement that names the file that its format copies or needs none.
+class NamedTemplate : public Spirit::parser<NamedTemplate> {
+public:
+    explicit NamedTemplate(ParserState& state) : state_(&state) {}
+
+    template <class ScannerT>
+    typename Spirit::parser_result<NamedTemplate, ScannerT>::type parse(
+        const ScannerT& scan) const {
+        const Position first = scan.first;
+        if (!state_->statement.command<CmdWriteFile>().lacksTemplate())
+            return scan.create_match(0, Spirit::nil_t(), first, first);
+        if (state_->expectations != nullptr)
+            state_->expectations->missNeeded(first, "-setElfTemplate");
+        return scan.no_match();
+    }
+
+private:
+    ParserState* state_;
+};
+
 /// The choices of `Role::Option`.
 enum OptionChoice : std::uint32_t { VendorId, ProductId };
 
@@ -66,7 +86,7 @@ struct WriteFileRules final : StatementRules {
         command = (rules.keyword("WRITE_FILE")[on.begin("CmdWriteFile: Begin -> ")] >> rules.ws >>
                    rules.textArg[on.text("SetFileName -> ", Role::OutputFile,
                                          &CmdWriteFile::setFileName)] >>
-                   writeBuffers >> writeOptions)[on.end()] >>
+                   writeBuffers >> writeOptions >> NamedTemplate(state))[on.end()] >>
                   rules.ws;
         writeBuffers = rules.ws >> rules.keyword("WITH_BUFFERS") >> rules.ws >> rules.openBrace >>
                        *(rules.name[on.text("AddBufferToExportList -> ", Role::UsesImage,
@@ -76,7 +96,7 @@ struct WriteFileRules final : StatementRules {
         writeOverlapOption = overlapOption(rules, on);
         writeOptions = *(formatOption | skipUnwrittenOption | writeOverlapOption | arrayNameOption |
                          guardOption | headerOption | idOption | writeSwapOption | paddingOption |
-                         writeUnitOption | executionAddressOption);
+                         writeUnitOption | templateOption | executionAddressOption);
         writeUnitOption = addressUnitOption(rules, on);
         writeSwapOption = swapOption(rules, on);
         paddingOption = ((rules.keyword("-fillGapsUpTo") >> rules.equals >>
@@ -86,6 +106,10 @@ struct WriteFileRules final : StatementRules {
                           rules.notedValue[on.number("SetAlignTo -> ", Role::Alignment,
                                                      &CmdWriteFile::setAlignment)])) >>
                         rules.ws;
+        templateOption = rules.keyword("-setElfTemplate") >> rules.equals >>
+                         rules.textArg[on.text("SetElfTemplate -> ", Role::Template,
+                                               &CmdWriteFile::setElfTemplate)] >>
+                         rules.ws;
         arrayNameOption =
             rules.keyword("-setArrayName") >> rules.equals >>
             rules.expected("a name of C", (alpha_p | ch_p('_')) >> *(alnum_p | ch_p('_')))[on.text(
@@ -202,7 +226,7 @@ struct WriteFileRules final : StatementRules {
     Rule formatList, guardOption, headerOption;
     Rule writeBuffers, writeOptions, formatOption, formatName, skipUnwrittenOption,
         executionAddressOption, arrayNameOption, idOption, writeOverlapOption, writeSwapOption,
-        paddingOption, writeUnitOption;
+        paddingOption, writeUnitOption, templateOption;
     std::deque<Rule> formats;
 };
 

@@ -20,6 +20,12 @@ struct Expectations {
         furthest = position;
         if (std::ranges::find(words, word) == words.end()) words.push_back(word);
     }
+
+    /// Notes the same of a word without which nothing else at `position` helps.
+    void missNeeded(Position position, std::string_view word) {
+        miss(position, word);
+        if (position == furthest) words.assign(1, word);
+    }
 };
 
 }  // namespace Parser

@@ -18,6 +18,7 @@ enum class Role : unsigned char {
     UsesHash,
     UsesValue,  ///< a CRC or, if none has the name, a hash, which its text names
     InputFile,
+    Template,  ///< a file that an output is a copy of
     OutputFile,
     Program,
     Text,     ///< to print, or arguments of a program

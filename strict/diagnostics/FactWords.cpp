@@ -129,13 +129,13 @@ Words words(const FileMalformed& f, const Circumstances& /*c*/) {
     return {{kind,
              std::string(f.file) + " cannot be read as " +
                  std::string(Io::Formats::rowOf(f.format).name) + ": " + textOf(f),
-             {Role::InputFile}}};
+             {Role::InputFile, Role::Template}}};
 }
 
 Words words(const FileReadIncomplete& f, const Circumstances& /*c*/) {
     return {{Kind::ShortRead,
              std::string(f.file) + " could not be read completely",
-             {Role::InputFile}}};
+             {Role::InputFile, Role::Template}}};
 }
 
 Words words(const RecordLengthCorrected& f, const Circumstances& /*c*/) {
@@ -202,6 +202,25 @@ Words words(const HeaderTooLong& f, const Circumstances& /*c*/) {
              "the header has " + std::to_string(f.length) + " bytes, and its record takes " +
                  std::to_string(f.longest),
              {Role::Header}}};
+}
+
+Words words(const ElfTemplateUnfit& f, const Circumstances& c) {
+    const std::string file(f.file);
+    const std::string range = addressesText({f.start, f.end - f.start});
+    if (f.fault == TemplateFault::ByteOutside)
+        return {{Kind::Outside,
+                 "no segment of " + file + " has " + range + ", which the images have",
+                 {Role::Template},
+                 "is it the ELF file of these images?"}};
+    if (f.fault == TemplateFault::ByteMissing)
+        return {{Kind::Outside,
+                 file + " loads " + range + ", which no image has",
+                 {Role::Template},
+                 c.isScript ? "-skipUnwritten keeps the bytes of the file there" : ""}};
+    return {{Kind::WrongFormat,
+             "the segments of " + file + " at " + addressText(f.start) + " and " +
+                 addressText(f.end) + " share bytes",
+             {Role::Template}}};
 }
 
 Words words(const FileWriteIncomplete& f, const Circumstances& c) {
@@ -318,10 +337,12 @@ Words words(const FileNotOpened& f, const Circumstances& c) {
     const std::string file(f.file);
     const std::string reason = c.reason(f.file);
     if (reason.empty())
-        return {{Kind::OutOfMemory, "there is not enough memory for " + file, {Role::InputFile}}};
+        return {{Kind::OutOfMemory,
+                 "there is not enough memory for " + file,
+                 {Role::InputFile, Role::Template}}};
     return {{Kind::CannotOpen,
              "cannot open " + file + ": " + reason,
-             {Role::InputFile},
+             {Role::InputFile, Role::Template},
              c.isScript ? adviceOn(f.file) : ""}};
 }
 
@@ -382,10 +403,11 @@ concept NotARefusal = isPrinted<Fact> ||
     OneOf<Fact, FillPatternEmpty, ReadRangeOutside, TextFileEmpty, LastLineMismatched,
           RecordContradictory, LineNotARecord, RecordCountTooLow, DataSpanTooLong, FileMalformed,
           RecordLengthCorrected, GapsNotExpressible, FormatNumberWrong, FamiliesNotOfImages,
-          HeaderTooLong, NameNotFound, OverlapRefused, StatementExhausted, CrcParameterRefused,
-          WordIncomplete, BusRefused, ImageNotOfWords, AddressUnitRefused, AlignmentZero,
-          FileNotOpened, FileNotWritten, FileSpanTooLong, ProgramCalled, ProgramEnded,
-          ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
+          HeaderTooLong, ElfTemplateUnfit, NameNotFound, OverlapRefused, StatementExhausted,
+          CrcParameterRefused, WordIncomplete, BusRefused, ImageNotOfWords, AddressUnitRefused,
+          AlignmentZero, FileNotOpened, FileNotWritten, FileSpanTooLong, ProgramCalled,
+          ProgramEnded, ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded,
+          FieldFact>;
 
 }  // namespace
 

@@ -240,7 +240,7 @@ void explain(Diagnostic& diagnostic, RunFiles& files, const Inspect::FileRecord&
     if (areas.empty()) {
         diagnostic.hint = haveSameLines(text, files.contentsOf(path))
                               ? "only the line ends differ"
-                              : "the bytes of the images are the same, the text differs";
+                              : "the bytes of the images are the same, the rest of the file differs";
         return;
     }
     diagnostic.hint =

@@ -6,6 +6,7 @@
 
 #include "inspect/Words.hpp"
 #include "parser/commands/CmdNewHash.hpp"
+#include "parser/commands/CmdWriteFile.hpp"
 #include "parser/commands/Conventions.hpp"
 #include "platform/Paths.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
@@ -32,6 +33,13 @@ bool computesNothing(std::string_view type) {
     const auto row =
         std::ranges::find_if(types, [type](const auto& known) { return type == known.keyword; });
     return row != types.end() && row->compute == nullptr;
+}
+
+/// The output of the statement is a copy of a file.
+bool copiesFile(const Statement& statement) {
+    const Part* const format = statement.last(Role::Format);
+    return format != nullptr &&
+           Parser::WrapperLib::CmdWriteFile::formats()[format->choice].needsTemplate;
 }
 
 }  // namespace
@@ -154,14 +162,14 @@ void ScriptCheck::use(const Names& names, std::string_view name, const char* wha
 }
 
 void ScriptCheck::checkTexts(const Statement& statement) {
+    constexpr Parser::Roles files{Role::InputFile, Role::Template, Role::OutputFile};
     for (const Part& part : statement.parts)
-        if (part.role == Role::InputFile || part.role == Role::OutputFile ||
-            part.role == Role::Program || part.role == Role::Text) {
+        if (files.has(part.role) || part.role == Role::Program || part.role == Role::Text) {
             checkText(part);
             checkQuote(part);
         }
     for (const Part& part : statement.parts)
-        if (part.role == Role::InputFile || part.role == Role::OutputFile) checkPath(part);
+        if (files.has(part.role)) checkPath(part);
 }
 
 /// A text in braces or plain quotes may begin with any sign.
@@ -177,7 +185,7 @@ void ScriptCheck::checkQuote(const Part& part) {
 void ScriptCheck::checkPath(const Part& part) {
     if (Platform::pathSeparator == '\\' || part.text.find('\\') == std::string_view::npos) return;
     std::string path = Parser::WrapperLib::cleanedPath(std::string(part.text));
-    if (part.role == Role::InputFile && Platform::isRegularFile(path)) return;
+    if (part.role != Role::OutputFile && Platform::isRegularFile(path)) return;
     std::ranges::replace(path, '\\', '/');
     report(Kind::BackslashPath,
            "a backslash is a part of the name here and does not separate folders", part.text,
@@ -212,6 +220,10 @@ void ScriptCheck::checkEffects(const Statement& statement) {
     if (statement.has(Role::String) && !statement.has(Role::Area))
         report(Kind::NoEffect, "WITH_STRING writes nothing without an area",
                statement.textOf(Role::String), "add -useAreas={{start, length}}");
+    const Part* const copied = statement.last(Role::Template);
+    if (copied != nullptr && !copiesFile(statement))
+        report(Kind::NoEffect, "-setElfTemplate has no effect without -setFormat=Elf",
+               copied->text);
     for (const Role role : {Role::ArrayName, Role::GuardName}) {
         const std::string_view name = statement.textOf(role);
         if (isKeywordOfC(name))

@@ -67,6 +67,12 @@ TEST(GrammarTest, TheLongerKeywordComesFirstAndTheFirstMatchWins) {
         {"WRITE_FILE f WITH_BUFFERS {A} -setFormat=MotorolaS19", all, 1,
          "CmdWriteFile: Begin -> SetFileName -> AddBufferToExportList -> "
          "SetExportFormatOptionMotorolaS -> SetExecutionStartAddress -> End"},
+        {"WRITE_FILE f WITH_BUFFERS {A} -setElfTemplate=a.elf -setFormat=Elf", all, 1,
+         "CmdWriteFile: Begin -> SetFileName -> AddBufferToExportList -> SetElfTemplate -> "
+         "SetExportFormatOptionElf -> End"},
+        {"WRITE_FILE f WITH_BUFFERS {A} -setFormat=Elf", 0, 0,
+         "CmdWriteFile: Begin -> SetFileName -> AddBufferToExportList -> "
+         "SetExportFormatOptionElf -> "},
         // The form with a number fails, the bare one wins and leaves the underscore.
         {"WRITE_FILE f WITH_BUFFERS {A} -setFormat=MotorolaS_x", 50, 1,
          "CmdWriteFile: Begin -> SetFileName -> AddBufferToExportList -> "

@@ -39,6 +39,18 @@ def expected_image():
     return start, bytes(image)
 
 
+def check_elf(image):
+    """The bytes of the image are in the file, and nothing else has changed."""
+    run("arm-none-eabi-objcopy", "-O", "binary", "release.elf", "release.bin")
+    check("release.elf", pathlib.Path("release.bin").read_bytes(), image)
+    for options in ("-hlSs", "-wi"):
+        told = [run("arm-none-eabi-readelf", options, name) for name in
+                ("release.elf", "firmware.elf")]
+        check("readelf " + options, *told)
+    sizes = [pathlib.Path(name).stat().st_size for name in ("release.elf", "firmware.elf")]
+    check("size of release.elf", *sizes)
+
+
 def main():
     program = pathlib.Path(sys.argv[1]).resolve()
     with tempfile.TemporaryDirectory(prefix="tessaron-arm-") as work:
@@ -56,6 +68,7 @@ def main():
         dfu = pathlib.Path("firmware.dfu").read_bytes()
         check("firmware.dfu", dfu[11 + 274:-16], struct.pack("<II", start, len(image)) + image)
         run("dfu-suffix", "-c", "firmware.dfu")
+        check_elf(image)
 
 
 if __name__ == "__main__":

@@ -371,7 +371,7 @@ TEST_F(RecordTest, AFileOnDiskIsComparedWithWhatTheScriptMakes) {
          {differs + "only the line ends differ)"}},
         {"records",
          ":020010000102EB\n:020012000506E1\n:020020000304D7\n:00000001FF\n",
-         {differs + "the bytes of the images are the same, the text differs)"}},
+         {differs + "the bytes of the images are the same, the rest of the file differs)"}},
         {"format", "S1070010010205 06DA\nS9030000FC\n", {differs + "the formats differ)"}},
         {"another byte",
          ":0400100001020906DA\n:020020000304D7\n:00000001FF\n",

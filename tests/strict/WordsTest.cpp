@@ -25,6 +25,7 @@ using Parser::Role;
 
 const std::vector<Role> area{Role::Area, Role::Range, Role::Address};
 const std::vector<Role> input{Role::InputFile};
+const std::vector<Role> anyInput{Role::InputFile, Role::Template};
 const std::vector<Role> output{Role::OutputFile};
 const std::vector<Role> bus{Role::Lane, Role::Interleave};
 
@@ -109,7 +110,7 @@ std::vector<FactRow> malformedRows() {
     std::vector<FactRow> list;
     for (const Row& row : rows)
         list.push_back({FileMalformed{row.format, "f", row.fault, row.where, row.number},
-                        {{row.kind, std::string("f cannot be read as ") + row.text, input}}});
+                        {{row.kind, std::string("f cannot be read as ") + row.text, anyInput}}});
     return list;
 }
 
@@ -223,21 +224,21 @@ std::vector<FactRow> fileRows() {
          {{Kind::Outside, "the file has more than 0xFFFFFFF bytes", input}},
          refuses},
         {FileReadIncomplete{"f"},
-         {{Kind::ShortRead, "f could not be read completely", input}},
+         {{Kind::ShortRead, "f could not be read completely", anyInput}},
          refuses},
         {FileSpanTooLong{0x100000001},
          {{Kind::Outside,
            "the range has 0x100000001 bytes, and 32 bits address 0x100000000 of them", input,
            "name a part of it with -useBufferRange={start, length}"}}},
-        {FileNotOpened{"a.hex"}, {{Kind::CannotOpen, "cannot open a.hex: it broke", input}}},
+        {FileNotOpened{"a.hex"}, {{Kind::CannotOpen, "cannot open a.hex: it broke", anyInput}}},
         {FileNotOpened{"inFile"},
-         {{Kind::CannotOpen, "cannot open inFile: it broke", input,
+         {{Kind::CannotOpen, "cannot open inFile: it broke", anyInput,
            "was the variable inFile given?"}}},
         {FileNotOpened{"a.hex;"},
-         {{Kind::CannotOpen, "cannot open a.hex;: it broke", input,
+         {{Kind::CannotOpen, "cannot open a.hex;: it broke", anyInput,
            "a statement has no semicolon at its end"}}},
         {FileNotOpened{"silent"},
-         {{Kind::OutOfMemory, "there is not enough memory for silent", input}}},
+         {{Kind::OutOfMemory, "there is not enough memory for silent", anyInput}}},
         {FileNotWritten{"out"}, {{Kind::CannotWrite, "cannot write out: it broke", output}}},
         {FileNotWritten{"nowhere/out"},
          {{Kind::CannotWrite, "cannot write nowhere/out: No such file or directory", output,
@@ -288,6 +289,10 @@ std::vector<FactRow> fileRows() {
            "RawBinary has no addresses, so it cannot skip unwritten ones",
            {Role::Gaps, Role::ShortGaps},
            "choose a format with addresses, or leave the option out"}}},
+        {ElfTemplateUnfit{"app.elf", TemplateFault::SegmentsShared, 0x100, 0x180},
+         {{Kind::WrongFormat,
+           "the segments of app.elf at 0x00000100 and 0x00000180 share bytes",
+           {Role::Template}}}},
         {ProgramEnded{"sign", 0}, {}},
         {ProgramEnded{"sign", 3}, {{Kind::CallFailed, "sign ended with code 3", {Role::Program}}}},
         {ProgramEnded{"sign", 126}, {{Kind::CallFailed, "sign cannot be run", {Role::Program}}}},
@@ -342,7 +347,7 @@ TEST(FactWordsTest, EveryFactHasItsKindItsWordsAndThePartToBlame) {
 
 TEST(FactWordsTest, NamesOfACommandLineGetNoAdviceOnScripts) {
     expectWords(
-        {FileNotOpened{"inFile"}, {{Kind::CannotOpen, "cannot open inFile: it broke", input}}},
+        {FileNotOpened{"inFile"}, {{Kind::CannotOpen, "cannot open inFile: it broke", anyInput}}},
         false);
 }
 

@@ -88,7 +88,7 @@ syntax match tessaronStringComment "//.*" contained
 syntax match tessaronConstant /\v<%(LittleEndian|BigEndian)/
 syntax match tessaronConstant /\v%(<-onOverlap\s*\=\s*)@<=%(Last|First|Same|Error)/
 syntax match tessaronConstant /\v<%(InterpretAsLittleEndian|InterpretAsBigEndian)/
-syntax match tessaronConstant /\v<%(RawBinary|TiTxt|DfuSe|Uf2_\k+|Uf2|%(IntelHexExtended|IntelHexSegment|EmbeddedC_Assembler|MotorolaS|Vmem|Mif|Coe|HexDump|CArray16|CArray32|CArray64|CArray)_?)/
+syntax match tessaronConstant /\v<%(RawBinary|TiTxt|DfuSe|Elf|Uf2_\k+|Uf2|%(IntelHexExtended|IntelHexSegment|EmbeddedC_Assembler|MotorolaS|Vmem|Mif|Coe|HexDump|CArray16|CArray32|CArray64|CArray)_?)/
 syntax match tessaronConstant /\v<%(Crc8_Standard|Crc8_OnesComplement|Crc8_TwosComplement|Crc8_Eeprom)/
 syntax match tessaronConstant /\v<%(Crc16_Standard|Crc16_OnesComplement_BE|Crc16_TwosComplement_BE|Crc16_Legacy_Karst_Brae|Crc16_Ccitt|Crc16_ibm_sdlc)/
 syntax match tessaronConstant /\v<%(Crc32_Standard|Crc32_Tolmen|Crc32_Ethernet_Mpeg2|Crc32_Vector_AUTOSAR)/
@@ -104,7 +104,7 @@ syntax match tessaronConstant /\v<%(Hash_Sha3_224|Hash_Sha3_256|Hash_Sha3_384|Ha
 " Options.
 syntax match tessaronSection /\.\?\k\+/ contained
 syntax match tessaronSectionEquals /=/ contained nextgroup=tessaronSection skipwhite skipempty
-syntax match tessaronOption /\v<%(-changeStartAddressTo|-setByteOrder|-setType|-setFormat|-skipUnwritten|-onOverlap|-useWordSize|-interleave|-swapBytes|-setAddressUnit|-fillGapsUpTo|-alignTo|-setAlignment|-setVendorId|-setProductId)/
+syntax match tessaronOption /\v<%(-changeStartAddressTo|-setByteOrder|-setType|-setFormat|-skipUnwritten|-onOverlap|-useWordSize|-interleave|-swapBytes|-setAddressUnit|-fillGapsUpTo|-alignTo|-setAlignment|-setVendorId|-setProductId|-setElfTemplate)/
 syntax match tessaronOption /\v<%(-setExecutionAddress|-setArrayName|-setIncludeGuard)/
       \ nextgroup=tessaronSectionEquals skipwhite skipempty
 syntax match tessaronOption /\v<%(-useAreas|-useBufferRange|-useLane)/

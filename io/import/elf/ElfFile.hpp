@@ -38,6 +38,9 @@ public:
     ///                     all that is answered, count bytes
     ElfFile(const std::string& path, Platform::InputFile file, std::uint32_t addressUnit = 1);
 
+    /// The length of the file, in bytes.
+    std::uint64_t size() const { return fileSize(); }
+
     /// The entry point; 0 counts as none.
     std::uint64_t entry() const { return entry_; }
 

@@ -1,0 +1,230 @@
+#include "io/export/elf/ElfOutFile.hpp"
+
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string_view>
+
+#include "buffer/Area.hpp"
+#include "facts/Listener.hpp"
+#include "io/import/Malformed.hpp"
+#include "io/import/elf/ElfFile.hpp"
+#include "platform/Memory.hpp"
+
+namespace Io::Export {
+
+namespace {
+
+using Buffer::Area;
+using Facts::TemplateFault;
+using Import::ElfFile;
+using Import::ElfSegment;
+
+/// A segment of the template, and the parts of images that lie in its addresses.
+struct Part {
+    ElfSegment segment;
+    std::vector<ImageView> layers = {};  ///< in the order in which they are laid
+
+    std::uint64_t fileEnd() const { return segment.fileOffset + segment.length; }
+    Area area() const { return {segment.address, segment.length}; }
+
+    /// The layer that gives all bytes, or null if the template or several layers give some.
+    const ImageView* source() const {
+        const bool isWhole = layers.size() == 1 && isComplete(layers.front());
+        return isWhole ? &layers.front() : nullptr;
+    }
+
+    /// Adds an image as far as the segment has its addresses.
+    void lay(const ImageView& image) {
+        const auto common = area().clippedTo({image.startAddress, image.elements.size()});
+        if (!common) return;
+        const ImageView layer =
+            image.part(static_cast<std::size_t>(common->start - image.startAddress),
+                       static_cast<std::size_t>(common->length));
+        if (isComplete(layer)) layers.clear();
+        layers.push_back(layer);
+    }
+
+private:
+    bool isComplete(const ImageView& layer) const {
+        const std::size_t size = layer.elements.size();
+        return size == segment.length &&
+               (layer.unwritten == Unwritten::Filled || layer.elements.findUnwritten(0) >= size);
+    }
+};
+
+/// A stretch of the output: bytes of an image, or those in memory from `at` on.
+struct Run {
+    const ImageView* image;
+    std::size_t at = 0;
+    std::size_t length = 0;
+};
+
+/// All of the output: what it takes from images, and in memory what it takes from the template.
+class Copy {
+public:
+    /// @throws GivenUp  after a report
+    Copy(const ElfFile& file, std::string_view path, std::span<const ImageView> images)
+        : path_(path) {
+        for (const ElfSegment& segment : file.segments()) parts_.push_back({segment});
+        refuseShared(&ElfSegment::fileOffset);
+        // Without a shared address the ends ascend as the starts do.
+        refuseShared(&ElfSegment::address);
+        for (const ImageView& image : images) {
+            refuseOutside(image);
+            for (auto part = partFrom(image.startAddress);
+                 part != parts_.end() &&
+                 part->segment.address < image.startAddress + image.elements.size();
+                 ++part)
+                part->lay(image);
+        }
+        const bool isFilled = std::ranges::none_of(
+            images, [](const ImageView& image) { return image.unwritten == Unwritten::Skipped; });
+        if (isFilled)
+            for (const Part& part : parts_) refuseMissing(part);
+        read(file);
+    }
+
+    void write(PieceWriter& out) const {
+        constexpr std::size_t pieceSize = std::size_t{1} << 16U;
+        for (const Run& run : runs_) {
+            if (run.image == nullptr)
+                out.append(bytesAt(run.at, run.length));
+            else
+                forEffectiveBytes(
+                    run.image->elements, pieceSize,
+                    [&out](std::span<const std::uint8_t> bytes) { out.append(bytes); });
+        }
+    }
+
+private:
+    std::span<std::uint8_t> bytesAt(std::size_t at, std::size_t length) const {
+        return std::span(reinterpret_cast<std::uint8_t*>(rest_.data()), rest_.size())
+            .subspan(at, length);
+    }
+
+    [[noreturn]] void refuse(TemplateFault fault, std::uint64_t start, std::uint64_t end) const {
+        Facts::report(Facts::ElfTemplateUnfit{path_, fault, start, end});
+        throw GivenUp();
+    }
+
+    /// Sorts the segments by a number of theirs, and refuses two that share a byte by it.
+    void refuseShared(std::uint64_t ElfSegment::*start) {
+        const auto startOf = [start](const Part& part) { return part.segment.*start; };
+        std::ranges::sort(parts_, {}, startOf);
+        for (std::size_t i = 1; i < parts_.size(); ++i) {
+            const ElfSegment& earlier = parts_[i - 1].segment;
+            const ElfSegment& later = parts_[i].segment;
+            if (later.*start - earlier.*start < earlier.length)
+                refuse(TemplateFault::SegmentsShared, earlier.address, later.address);
+        }
+    }
+
+    /// The first segment that ends after the address.
+    std::vector<Part>::iterator partFrom(std::uint64_t address) {
+        return std::ranges::partition_point(
+            parts_, [address](const Part& part) { return part.area().end() <= address; });
+    }
+
+    /// Refuses an image with a written byte that no segment has.
+    void refuseOutside(const ImageView& image) {
+        forStretches({image.startAddress, image.elements, Unwritten::Skipped},
+                     [this](const ImageView& stretch) {
+                         const std::uint64_t end = stretch.startAddress + stretch.elements.size();
+                         std::uint64_t at = stretch.startAddress;
+                         for (auto part = partFrom(at); at < end; ++part) {
+                             const bool isLast = part == parts_.end();
+                             if (isLast || part->segment.address > at)
+                                 refuse(TemplateFault::ByteOutside, at,
+                                        isLast ? end : std::min(end, part->segment.address));
+                             at = part->area().end();
+                         }
+                     });
+    }
+
+    /// Refuses a segment with a byte that no image has.
+    void refuseMissing(const Part& part) const {
+        std::vector<Area> areas;
+        for (const ImageView& layer : part.layers)
+            areas.push_back({layer.startAddress, layer.elements.size()});
+        std::ranges::sort(areas, {}, &Area::start);
+        std::uint64_t at = part.segment.address;
+        for (const Area& area : areas) {
+            if (area.start > at) refuse(TemplateFault::ByteMissing, at, area.start);
+            at = std::max(at, area.end());
+        }
+        if (at < part.area().end()) refuse(TemplateFault::ByteMissing, at, part.area().end());
+    }
+
+    /// Divides the file into runs, and reads those that are not of an image.
+    void read(const ElfFile& file) {
+        std::ranges::sort(parts_, {}, [](const Part& part) { return part.segment.fileOffset; });
+        std::size_t held = 0;
+        std::vector<std::uint64_t> offsets;  // in the file, of each run
+        const auto hold = [&](std::uint64_t from, std::uint64_t to) {
+            if (from == to) return;
+            runs_.push_back({nullptr, held, static_cast<std::size_t>(to - from)});
+            offsets.push_back(from);
+            held += runs_.back().length;
+        };
+        std::uint64_t at = 0;
+        std::vector<std::size_t> heldAt(parts_.size());
+        for (std::size_t i = 0; i < parts_.size(); ++i) {
+            const Part& part = parts_[i];
+            hold(at, part.segment.fileOffset);
+            heldAt[i] = held;
+            at = part.fileEnd();
+            if (const ImageView* const image = part.source()) {
+                runs_.push_back({image});
+                offsets.push_back(part.segment.fileOffset);
+            } else {
+                hold(part.segment.fileOffset, at);
+            }
+        }
+        hold(at, file.size());
+        rest_ = Platform::PageBlock(held);
+        for (std::size_t i = 0; i < runs_.size(); ++i)
+            if (runs_[i].image == nullptr)
+                file.readAll(offsets[i], bytesAt(runs_[i].at, runs_[i].length));
+        for (std::size_t i = 0; i < parts_.size(); ++i)
+            if (parts_[i].source() == nullptr) lay(parts_[i], heldAt[i]);
+    }
+
+    /// Lays the layers of a part over its bytes in memory.
+    void lay(const Part& part, std::size_t at) const {
+        for (const ImageView& layer : part.layers)
+            forStretches(layer, [&](const ImageView& stretch) {
+                const auto offset =
+                    static_cast<std::size_t>(stretch.startAddress - part.segment.address);
+                stretch.elements.copyBytes(bytesAt(at + offset, stretch.elements.size()).data());
+            });
+    }
+
+    std::string_view path_;
+    std::vector<Part> parts_;
+    std::vector<Run> runs_;  ///< in the order of the file
+    Platform::PageBlock rest_;
+};
+
+/// The template is closed again when this returns.
+Copy copyOf(const std::string& path, std::span<const ImageView> images) {
+    try {
+        return Copy(ElfFile(path), path, images);
+    } catch (const bad_open&) {
+        Facts::report(Facts::FileNotOpened{path});
+    } catch (const Import::Malformed&) {
+    }
+    throw GivenUp();
+}
+
+}  // namespace
+
+void ElfOutFile::saveToFile() {
+    const Copy copy = copyOf(style_.templatePath, images_);
+    PieceWriter out = startOutput();
+    copy.write(out);
+    out.finish();
+}
+
+}  // namespace Io::Export

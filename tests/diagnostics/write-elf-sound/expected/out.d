@@ -1,0 +1,4 @@
+out.elf out.axf: \
+  script.tsn \
+  app.elf \
+  template.elf
