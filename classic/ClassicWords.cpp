@@ -275,6 +275,17 @@ public:
         line("Operation aborted.");
     }
 
+    void operator()(const SectionUnfit& fact) const {
+        if (fact.fault == SectionFault::NoSections)
+            line("Error: Section ", fact.section,
+                 " could not be read ! Only FROM_ELF has sections.");
+        else
+            line("Error: File ", fact.file,
+                 fact.fault == SectionFault::Unknown ? " has no section " : " loads no section ",
+                 fact.section, " !");
+        line("Operation aborted.");
+    }
+
     void operator()(const ElfTemplateUnfit& fact) const {
         const auto [file, fault, start, end] = fact;
         const auto range = [start = start, end = end] {

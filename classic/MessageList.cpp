@@ -157,6 +157,13 @@ std::vector<Fact> examples(Of<FamiliesNotOfImages> /*type*/) {
 std::vector<Fact> examples(Of<HeaderTooLong> /*type*/) {
     return {HeaderTooLong{"PATH", number, 252}};
 }
+std::vector<Fact> examples(Of<SectionUnfit> /*type*/) {
+    std::vector<Fact> facts;
+    for (const SectionFault fault :
+         {SectionFault::Unknown, SectionFault::NotLoaded, SectionFault::NoSections})
+        facts.emplace_back(SectionUnfit{"PATH", "NAME", fault, ""});
+    return facts;
+}
 std::vector<Fact> examples(Of<ElfTemplateUnfit> /*type*/) {
     std::vector<Fact> facts;
     for (const TemplateFault fault :

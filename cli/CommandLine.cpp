@@ -35,6 +35,8 @@ struct Texts {
     std::string crop;
     std::string fill;
     std::string offset;
+    std::string sections;
+    std::string skippedSections;
     std::optional<std::string> format;
     std::string lane;
     std::string interleave;
@@ -67,6 +69,20 @@ std::vector<std::uint64_t> numbersIn(const std::string& option, std::string text
         at = comma + 1;
     }
     return numbers;
+}
+
+/// The names of a list ".text, .data", which may be in braces; none if the text is empty.
+std::vector<std::string> namesIn(const std::string& option, const std::string& text) {
+    constexpr std::string_view delimiters = ",; {}";
+    std::vector<std::string> names;
+    for (std::size_t at = text.find_first_not_of(delimiters); at != std::string::npos;) {
+        const std::size_t end = std::min(text.find_first_of(delimiters, at), text.size());
+        names.push_back(text.substr(at, end - at));
+        at = text.find_first_not_of(delimiters, end);
+    }
+    if (names.empty() && !text.empty())
+        throw CLI::ValidationError(option, text + " names no section");
+    return names;
 }
 
 Buffer::Area areaIn(const std::string& option, const std::string& text) {
@@ -209,6 +225,8 @@ void addCommon(CLI::App& command, Request& request, Texts& texts) {
                                  colon + 1 < text.size();
             return isWhole ? std::string() : text + " is not NAME=FILE:SYMBOL";
         });
+    addFileOption(command, "--elf", request.run.nameFile,
+                  "names the functions and data at addresses");
     command.add_flag("--keep-going", request.run.keepsGoing,
                      "goes on after a statement that failed");
     command.add_option("--ignore", texts.ignored, "drops these diagnostics")
@@ -232,6 +250,9 @@ void apply(Request& request, const Texts& texts) {
             if (const std::string fault = request.policy.set(name, severity); !fault.empty())
                 throw CLI::ValidationError(fault);
     };
+    const Inspection& inspection = request.inspection;
+    if (inspection.nameFiles.size() > 1 && inspection.nameFiles.size() != inspection.files.size())
+        throw CLI::ValidationError("--elf", "is given once for all files, or once for each");
     for (const std::string& text : texts.ignoredAreas)
         request.inspection.ignored.push_back(areaIn("--ignore", text));
     if (!texts.crop.empty()) {
@@ -249,10 +270,7 @@ void apply(Request& request, const Texts& texts) {
         const bool isNegative = texts.offset.front() == '-';
         const std::uint64_t distance =
             numberIn("--offset", std::string_view(texts.offset).substr(isNegative ? 1 : 0));
-        if (distance > std::numeric_limits<std::uint32_t>::max())
-            throw CLI::ValidationError("--offset", texts.offset + " has more than 32 bits");
-        const auto offset = static_cast<std::int64_t>(distance);
-        request.conversion.offset = isNegative ? -offset : offset;
+        request.conversion.offset = isNegative ? 0 - distance : distance;
     }
     Arranging& arranging = request.conversion.arranging;
     if (!texts.lane.empty()) arranging.lane = laneIn("--lane", texts.lane);
@@ -260,6 +278,8 @@ void apply(Request& request, const Texts& texts) {
         arranging.interleave = positiveIn("--interleave", texts.interleave);
     if (!texts.shortGaps.empty()) arranging.shortGaps = positiveIn("--fill-gaps", texts.shortGaps);
     if (!texts.alignment.empty()) arranging.alignment = positiveIn("--align", texts.alignment);
+    request.conversion.sections = {namesIn("--sections", texts.sections),
+                                   namesIn("--skip-sections", texts.skippedSections)};
     if (texts.format) request.conversion.format = formatIn("--format", *texts.format);
     for (const std::string& text : texts.fileFormats)
         request.inspection.formats.push_back(inputFormatIn(text));
@@ -286,6 +306,16 @@ void addInspection(CLI::App& command, Request& request, Texts& texts) {
         ->check(CLI::Range(20, 1000).description(""));
 }
 
+/// Adds the option for the names at addresses.
+void addNames(CLI::App& command, Request& request) {
+    command
+        .add_option("--elf", request.inspection.nameFiles,
+                    "names the functions and data at addresses")
+        ->type_name("FILE")
+        ->allow_extra_args(false)
+        ->check(&faultIfEmpty);
+}
+
 void addInfo(CLI::App& app, Request& request, Texts& texts) {
     CLI::App* const info = app.add_subcommand(
         "info", "prints format, areas, start address, digests and oddities of files");
@@ -294,6 +324,7 @@ void addInfo(CLI::App& app, Request& request, Texts& texts) {
         ->type_name("FILE")
         ->required();
     info->add_flag("--json", request.inspection.isJson, "prints a JSON array");
+    addNames(*info, request);
     info->add_flag("--symbols", request.inspection.withSymbols, "lists the symbols of ELF files");
     addInspection(*info, request, texts);
     info->parse_complete_callback([&request] { request.command = Command::Info; });
@@ -311,6 +342,7 @@ void addDiff(CLI::App& app, Request& request, Texts& texts) {
     diff->add_option("--ignore", texts.ignoredAreas, "leaves out an area")
         ->type_name("START,LENGTH")
         ->allow_extra_args(false);
+    addNames(*diff, request);
     diff->add_option("--context", request.inspection.context, "rows around a changed range (1)")
         ->type_name("N")
         ->check(CLI::Range(0, 1000).description(""));
@@ -394,6 +426,12 @@ void addConvert(CLI::App& app, Request& request, Texts& texts) {
     addArranging(*convert, conversion.arranging, texts, fill, offset);
     convert->add_option("--from", texts.inputFormat, "the format of the inputs")
         ->type_name("FORMAT");
+    convert->add_option("--sections", texts.sections, "reads only these sections of an ELF file")
+        ->type_name("NAME[,NAME]...")
+        ->check(&faultIfEmpty);
+    convert->add_option("--skip-sections", texts.skippedSections, "leaves out these sections")
+        ->type_name("NAME[,NAME]...")
+        ->check(&faultIfEmpty);
     convert->add_option("--format", texts.format, "a format of WRITE_FILE")
         ->type_name("NAME")
         ->check(&faultIfEmpty);

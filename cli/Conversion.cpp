@@ -123,11 +123,15 @@ struct InputFacts {
 
 /// Reads the input for its facts; nothing after a diagnostic. A run reads it again and reports
 /// what is odd about it.
-std::optional<InputFacts> factsOf(const Conversion& conversion, Strict::Printer& printer) {
+std::optional<InputFacts> factsOf(const Conversion& conversion, const FormatChoice& format,
+                                  Strict::Printer& printer) {
     const std::string& input = conversion.input;
     Strict::KeptDiagnostics kept;
-    const std::uint32_t unit = conversion.arranging.inputUnit;
-    const auto image = Strict::readImage(input, conversion.inputFormat, kept, unit == 0 ? 1 : unit);
+    const std::uint32_t given = conversion.arranging.inputUnit;
+    const std::uint32_t unit = given == 0 ? 1 : given;
+    const auto image = conversion.sections.isEmpty()
+                           ? Strict::readImage(input, conversion.inputFormat, kept, unit)
+                           : Strict::readSections(input, conversion.sections, unit, kept);
     if (!image || conversion.printsScript) kept.pass(printer);
     if (!image) return std::nullopt;
     if (!conversion.printsScript && !Platform::isRegularFile(input)) {
@@ -138,11 +142,14 @@ std::optional<InputFacts> factsOf(const Conversion& conversion, Strict::Printer&
     InputFacts facts;
     if (!image->parts.empty()) facts.lowest = image->parts.front().getStartAddress();
     facts.startAddress = image->startAddress;
-    if (!facts.startAddress || *facts.startAddress <= highestAddress) return facts;
+    // It moves with the data. 0 counts as none.
+    if (facts.startAddress.value_or(0) != 0) *facts.startAddress += conversion.offset;
+    const bool isIn32Bits = facts.startAddress.value_or(0) <= highestAddress;
+    if (isIn32Bits || !rowOf(format).hasStartAddress) return facts;
     fail(Strict::Kind::Outside,
          "the start address " + Inspect::addressText(*facts.startAddress) + " of " + input +
              " has more than 32 bits",
-         "choose a format without a start address", printer);
+         "bring it into range by --offset, or choose a format without a start address", printer);
     return std::nullopt;
 }
 
@@ -153,9 +160,8 @@ std::optional<std::uint32_t> movedStart(const Conversion& conversion, std::uint6
     std::uint64_t start = conversion.crop ? conversion.crop->start : lowest;
     if (lane && lane->lanes != 0 && lane->width != 0)
         start = Buffer::Bus{lane->lanes, lane->width}.laneAddress(lane->lane, start);
-    const auto moved = static_cast<std::int64_t>(start) + conversion.offset;
-    if (moved >= 0 && moved <= static_cast<std::int64_t>(highestAddress))
-        return static_cast<std::uint32_t>(moved);
+    const std::uint64_t moved = start + conversion.offset;
+    if (moved <= highestAddress) return static_cast<std::uint32_t>(moved);
     fail(Strict::Kind::Outside,
          "the offset moves the start " + Inspect::addressText(start) +
              " out of the 32-bit address space",
@@ -180,6 +186,7 @@ struct Steps {
     Arranging arranging;
     std::vector<Source> furtherSources;  ///< of the further inputs
     std::string elfTemplate = {};
+    Io::Import::SectionChoice sections = {};
 };
 
 constexpr const char* imageName = "@Image";
@@ -228,6 +235,20 @@ void addArrangement(Strict::ProgramMaker& maker, CmdNewBuffer& image, const Step
     maker.addWord(Role::Address, option);
 }
 
+/// Adds an option that names sections, unless there are none.
+template <class Set>
+void addSections(Strict::ProgramMaker& maker, const char* option,
+                 const std::vector<std::string>& names, Set set) {
+    if (names.empty()) return;
+    maker.add(std::string(" ") + option + "={");
+    for (const std::string& name : names) {
+        set(name);
+        if (&name != &names.front()) maker.add(", ");
+        maker.add(Role::Sections, name);
+    }
+    maker.add("}");
+}
+
 /// Adds the statement that makes an image of a file.
 ///
 /// @param isLast  it is the image that is written
@@ -243,6 +264,10 @@ void addNewBuffer(Strict::ProgramMaker& maker, const Steps& steps, const std::st
     using Parser::FileReading;
     const FileReading reading = format == nullptr ? FileReading::Detected : FileReading::Named;
     maker.addPath(Role::InputFile, input, static_cast<std::uint32_t>(reading));
+    addSections(maker, "-useSections", steps.sections.used,
+                [&image](const std::string& name) { image.useSection(name); });
+    addSections(maker, "-skipSections", steps.sections.skipped,
+                [&image](const std::string& name) { image.skipSection(name); });
     if (steps.crop) {
         image.setBufferRange(*steps.crop);
         maker.add(" -useBufferRange=");
@@ -395,7 +420,8 @@ std::optional<Steps> stepsOf(const Conversion& conversion, Strict::Printer& prin
                 *format,
                 conversion.arranging,
                 {},
-                conversion.elfTemplate};
+                conversion.elfTemplate,
+                conversion.sections};
     for (const std::string& further : conversion.arranging.furtherInputs) {
         const auto furtherSource = sourceOf(further, conversion.inputFormat, printer);
         if (!furtherSource) return std::nullopt;
@@ -403,7 +429,7 @@ std::optional<Steps> stepsOf(const Conversion& conversion, Strict::Printer& prin
     }
     const bool hasStart = rowOf(*format).hasStartAddress;
     if (!hasStart && conversion.offset == 0) return steps;
-    const auto facts = factsOf(conversion, printer);
+    const auto facts = factsOf(conversion, *format, printer);
     if (!facts) return std::nullopt;
     if (hasStart && facts->startAddress)
         steps.startAddress = static_cast<std::uint32_t>(*facts->startAddress);

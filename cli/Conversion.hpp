@@ -8,6 +8,7 @@
 
 #include "buffer/Area.hpp"
 #include "facts/InputFormat.hpp"
+#include "io/import/SectionChoice.hpp"
 #include "parser/commands/Arrangement.hpp"
 #include "parser/grammar/FormatChoice.hpp"
 #include "strict/Run.hpp"
@@ -36,9 +37,10 @@ struct Conversion {
     std::optional<Parser::FormatChoice> format = {};     ///< nothing for that of the ending
     std::optional<Facts::InputFormat> inputFormat = {};  ///< nothing: name and contents decide
     std::optional<Buffer::Area> crop = {};
-    std::vector<std::uint8_t> fill = {};  ///< bytes for the gaps; none leaves them gaps
-    std::int64_t offset = 0;              ///< added to all addresses
-    std::string elfTemplate = {};         ///< the file that an ELF output is a copy of
+    std::vector<std::uint8_t> fill = {};      ///< bytes for the gaps; none leaves them gaps
+    std::uint64_t offset = 0;                 ///< added to all addresses, modulo 2^64
+    Io::Import::SectionChoice sections = {};  ///< of an ELF file
+    std::string elfTemplate = {};             ///< the file that an ELF output is a copy of
     Arranging arranging = {};
     bool printsScript = false;  ///< instead of running it
 };

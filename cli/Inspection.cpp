@@ -1,6 +1,7 @@
 #include "cli/Inspection.hpp"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <utility>
 
@@ -51,12 +52,44 @@ std::vector<Inspect::Image> imagesOf(const Inspection& inspection, Printer& prin
     return images;
 }
 
+/// The names for each file: of the ELF or map file that is given for it or for all, or of an ELF
+/// file itself.
+class NameFiles {
+public:
+    /// Reports files without names to `printer`.
+    NameFiles(const Inspection& inspection, Printer& printer) : given_(inspection.nameFiles) {
+        for (const std::string& path : given_) {
+            auto names = Strict::readNames(path, printer);
+            isGood_ = isGood_ && names;
+            names_.push_back(names ? std::move(*names) : Inspect::Names());
+        }
+    }
+
+    bool isGood() const { return isGood_; }
+
+    /// @param number  of the file
+    Inspect::Names of(std::size_t number, const std::string& path,
+                      std::optional<Facts::InputFormat> format) const {
+        if (!names_.empty()) return names_[std::min(number, names_.size() - 1)];
+        if (format != Facts::InputFormat::Elf) return {};
+        // A stripped file is sound.
+        Strict::KeptDiagnostics unheard;
+        return Strict::readNames(path, unheard).value_or(Inspect::Names());
+    }
+
+private:
+    const std::vector<std::string>& given_;
+    std::vector<Inspect::Names> names_;
+    bool isGood_ = true;
+};
+
 }  // namespace
 
 ExitCode info(const Inspection& inspection, Printer& printer, const Strict::Policy& policy,
               std::ostream& output) {
+    const NameFiles names(inspection, printer);
     std::vector<Inspect::Info> files;
-    bool isGood = true;
+    bool isGood = names.isGood();
     for (std::size_t i = 0; i < inspection.files.size(); ++i) {
         const std::string& file = inspection.files[i];
         Strict::KeptDiagnostics kept;
@@ -73,6 +106,7 @@ ExitCode info(const Inspection& inspection, Printer& printer, const Strict::Poli
         std::ranges::stable_sort(remarks.remarks, {}, &Inspect::Remark::line);
         remarks.finish();
         info->remarks = std::move(remarks.remarks);
+        info->names = names.of(i, file, info->format);
         files.push_back(std::move(*info));
     }
     if (inspection.isJson) output << Inspect::jsonOf(files);
@@ -84,8 +118,15 @@ ExitCode info(const Inspection& inspection, Printer& printer, const Strict::Poli
 
 ExitCode diff(const Inspection& inspection, Printer& printer, std::ostream& output) {
     const std::vector<Inspect::Image> images = imagesOf(inspection, printer);
-    if (images.size() != 2 || printer.errors() != 0) return ExitCode::Unusable;
-    const Inspect::Diff found = Inspect::compare(images[0], images[1], inspection.ignored);
+    const NameFiles files(inspection, printer);
+    if (images.size() != 2 || !files.isGood() || printer.errors() != 0) return ExitCode::Unusable;
+    Inspect::Diff found = Inspect::compare(images[0], images[1], inspection.ignored);
+    std::array<Inspect::Names, 2> names;
+    if (!found.isEqual())
+        for (std::size_t i = 0; i < names.size(); ++i)
+            names[i] = files.of(i, images[i].path, images[i].format);
+    found.leftNames = &names[0];
+    found.rightNames = &names[1];
     const std::size_t width = widthOf(inspection);
     const Inspect::DiffStyle style{inspection.context, inspection.mostLines,
                                    width == 0 ? usualWidth : width, inspection.hasColor};

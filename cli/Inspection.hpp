@@ -18,6 +18,7 @@ struct Inspection {
     std::vector<std::string> files;
     /// The formats of the files, or one for all of them; none if names and contents decide.
     std::vector<Facts::InputFormat> formats;
+    std::vector<std::string> nameFiles;  ///< with the names at addresses, one for all or for each
     bool isJson = false;
     Buffer::AreaList ignored;     ///< by `diff`
     std::size_t context = 1;      ///< of `diff`

@@ -32,7 +32,7 @@ _tessaron_words() {
         -C | --directory) compgen -d -- "$current"; return ;;
         -D | --define | --symbol | --width | --context | --max-lines | \
             --crop | --fill | --offset | --format | --lane | --interleave | --fill-gaps | \
-            --align) return ;;
+            --align | --sections | --skip-sections) return ;;
         --from)
             compgen -W 'IntelHex MotorolaS RawBinary Elf Uf2 TiTxt Vmem DfuSe' -- "$current"
             return ;;
@@ -40,19 +40,20 @@ _tessaron_words() {
         --unit-in | --unit-out) compgen -W '2 4' -- "$current"; return ;;
     esac
     local common='--help --directory --quiet --diagnostics --color --error --warn'
-    local script="$common --define --symbol --keep-going --ignore --werror"
+    local script="$common --define --symbol --elf --keep-going --ignore --werror"
     case $command:$current in
         :-*) compgen -W '--help --version' -- "$current" ;;
         :*) compgen -W 'run check info diff map convert help' -- "$current" ;;
         run:-*) compgen -W "$script --depfile --manifest --map --report" -- "$current" ;;
         check:-*) compgen -W "$script --against-disk --manifest" -- "$current" ;;
-        info:-*) compgen -W "$common --json --symbols --from --width" -- "$current" ;;
+        info:-*) compgen -W "$common --json --symbols --elf --from --width" -- "$current" ;;
         diff:-*)
-            compgen -W "$common --json --ignore --context --max-lines --from --width" -- "$current" ;;
+            compgen -W "$common --json --ignore --context --max-lines --elf --from --width" -- "$current" ;;
         map:-*) compgen -W "$common --svg --ascii --from --width" -- "$current" ;;
         convert:-*)
             compgen -W "$common --crop --fill --offset --from --format --lane --interleave --with \
-                --swap-bytes --unit-in --unit-out --fill-gaps --align --elf-template --print-script" \
+                --swap-bytes --unit-in --unit-out --fill-gaps --align --sections --skip-sections \
+                --elf-template --print-script" \
                 -- "$current" ;;
         help:-*) compgen -W '--help' -- "$current" ;;
         help:*)

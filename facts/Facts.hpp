@@ -186,6 +186,21 @@ struct FileMalformed {
     bool operator==(const FileMalformed&) const = default;
 };
 
+enum class SectionFault : std::uint8_t {
+    Unknown,    ///< the file has no section of the name
+    NotLoaded,  ///< it has no bytes in the file that are loaded
+    NoSections  ///< what the image is made of has no sections
+};
+
+/// A section that was asked for cannot be read; the statement failed.
+struct SectionUnfit {
+    std::string_view file;
+    std::string_view section;
+    SectionFault fault;
+    std::string_view known;  ///< the names of the file's sections that are loaded, a line each
+    bool operator==(const SectionUnfit&) const = default;
+};
+
 // Output files
 
 enum class OutputFormat : std::uint8_t { IntelHex, MotorolaS, RawBinary, EmbeddedC_Assembler };
@@ -504,7 +519,7 @@ using Fact = std::variant<
     ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside, FillTooLong,
     ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty, LastLineMismatched,
     RecordContradictory, LineNotARecord, RecordCountTooLow, DataSpanTooLong, RawFileTooLong,
-    FileMalformed, FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
+    FileMalformed, SectionUnfit, FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
     RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible, AddressBeyondFormat,
     FormatNumberWrong, FamiliesNotOfImages, HeaderTooLong, ElfTemplateUnfit, FileWriteIncomplete,
     NameNotFound, OverlapRefused, StatementExhausted, CrcParameterRefused, WordIncomplete,

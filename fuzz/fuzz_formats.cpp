@@ -13,6 +13,7 @@
 
 #include "fuzz/Check.hpp"
 #include "fuzz/PlatformInMemory.hpp"
+#include "inspect/Names.hpp"
 #include "io/InFile.hpp"
 #include "io/export/dfuse/DfuSeOutFile.hpp"
 #include "io/export/elf/ElfOutFile.hpp"
@@ -121,6 +122,34 @@ void checkCopy(std::string_view contents) {
     }
 }
 
+/// What is left without a section, and what the section alone has, is a part of the file.
+void checkSections() {
+    for (const bool isUsed : {false, true}) try {
+            const Io::Import::ElfFile file(inputPath);
+            std::uint64_t all = 0;
+            for (const auto& segment : file.segments()) all += segment.length;
+            Io::Import::SectionChoice choice;
+            (isUsed ? choice.used : choice.skipped).emplace_back(".text");
+            std::uint64_t some = 0;
+            for (const auto& segment : file.chosen(choice)) some += segment.length;
+            check(some != 0 && some <= all, "sections are parts of the segments");
+        } catch (const Io::Import::Malformed&) {
+        }
+}
+
+/// Names that do not overlap, of an ELF file or of the map of a linker.
+void checkNames() {
+    try {
+        std::uint64_t end = 0;
+        const Inspect::Names names = Inspect::namesIn(inputPath);
+        for (const Inspect::Name& name : names.all()) {
+            check(name.area.length != 0 && name.area.start >= end, "names are ascending");
+            end = name.area.end();
+        }
+    } catch (const Io::Import::Malformed&) {
+    }
+}
+
 void checkSymbols(std::size_t size) {
     try {
         for (const auto& symbol : Io::Import::ElfFile(inputPath).symbols())
@@ -138,6 +167,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const Io::Formats::InputFormatRow& format : Io::Formats::inputFormats())
         if (format.looksLike != nullptr) checkReader(format);
     checkCopy({reinterpret_cast<const char*>(data), size});
+    checkSections();
+    checkNames();
     checkSymbols(size);
     return 0;
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "inspect/Json.hpp"
+#include "inspect/NameDiff.hpp"
 #include "inspect/Words.hpp"
 #include "io/formats/InputFormats.hpp"
 #include "util/Hex.hpp"
@@ -90,6 +91,23 @@ struct Hunk {
     std::uint64_t bytes;  ///< that have changed
 };
 
+std::string nameOf(const Names* names, const Area& area) {
+    return names == nullptr ? "" : names->of(area);
+}
+
+/// ", in main+0x14", or nothing without a name.
+std::string inText(const std::string& name) {
+    return name.empty() ? "" : ", in " + Util::printable(name);
+}
+
+/// ", in main+0x14", or what each image has there if that is not the same.
+std::string placeText(const Diff& diff, const Area& area) {
+    const std::string left = nameOf(diff.leftNames, area);
+    const std::string right = nameOf(diff.rightNames, area);
+    if (left == right || right.empty()) return inText(left);
+    return inText(left) + (left.empty() ? inText(right) : ", now " + Util::printable(right));
+}
+
 /// Prints both images side by side.
 class Dump {
 public:
@@ -100,7 +118,7 @@ public:
         for (const Hunk& hunk : hunks()) {
             lines.add("");
             lines.add(rangeText(hunk.changed) + ": " + countText(hunk.bytes, "byte") +
-                      (hunk.bytes == 1 ? " differs" : " differ"));
+                      (hunk.bytes == 1 ? " differs" : " differ") + placeText(*diff_, hunk.changed));
             std::uint64_t rows = hunk.last - hunk.first + 1;
             for (; rows != 0 && !lines.isFull(); --rows) lines.add(rowText(hunk.last - rows + 1));
             lines.skip(rows);
@@ -175,12 +193,46 @@ private:
     std::size_t perRow_;
 };
 
-void appendAreas(Lines& lines, const AreaList& areas, const std::string& path) {
+void appendAreas(Lines& lines, const AreaList& areas, const std::string& path, const Names* names) {
     if (areas.empty()) return;
     lines.add("");
     lines.add("only in " + Util::printable(path) + ":");
     for (const Area& area : areas)
-        lines.add("  " + rangeText(area) + "  " + countText(area.length, "byte"));
+        lines.add("  " + rangeText(area) + "  " + countText(area.length, "byte") +
+                  inText(nameOf(names, area)));
+}
+
+/// Both images have names.
+bool hasNames(const Diff& diff) {
+    return diff.leftNames != nullptr && diff.rightNames != nullptr && !diff.leftNames->isEmpty() &&
+           !diff.rightNames->isEmpty();
+}
+
+void appendNames(Lines& lines, const Diff& diff) {
+    if (!hasNames(diff)) return;
+    const auto table = linesOf(changesOf(diff, *diff.leftNames, *diff.rightNames));
+    if (!table.empty()) lines.add("");
+    for (const std::string& line : table) lines.add(line);
+}
+
+Json changeJson(const NameChange& change) {
+    using Kind = Name::Kind;
+    const Name& name = change.name();
+    Json json{{"name", name.text},
+              {"kind", name.kind == Kind::Function ? "function"
+                       : name.kind == Kind::Data   ? "data"
+                                                   : "label"},
+              {"change", wordFor(change.what)}};
+    if (change.left != nullptr) json["left"] = toJson(change.left->area);
+    if (change.right != nullptr) json["right"] = toJson(change.right->area);
+    return json;
+}
+
+void addNames(Json& json, const Names* left, const Names* right, const Area& area) {
+    const std::string before = nameOf(left, area);
+    const std::string after = nameOf(right, area);
+    if (!before.empty()) json["leftName"] = before;
+    if (!after.empty()) json["rightName"] = after;
 }
 
 std::string startText(const Image& image) {
@@ -222,7 +274,7 @@ bool saysStart(const Image& image) {
 }  // namespace
 
 Diff compare(const Image& left, const Image& right, const AreaList& ignored) {
-    Diff diff{&left, &right, {}, false, joined(ignored, 0)};
+    Diff diff{&left, &right, {}, false, joined(ignored, 0), nullptr, nullptr};
     const auto borders = bordersOf(left.parts, right.parts);
     for (std::size_t i = 0; i + 1 < borders.size(); ++i) {
         const Area range{borders[i], borders[i + 1] - borders[i]};
@@ -251,8 +303,9 @@ std::string textOf(const Diff& diff, const DiffStyle& style) {
             countText(byteCount(diff.where.onlyRight), "byte") + " only in " +
             Util::printable(diff.right->path) + "\n";
     Lines lines(style.mostLines);
-    appendAreas(lines, diff.where.onlyLeft, diff.left->path);
-    appendAreas(lines, diff.where.onlyRight, diff.right->path);
+    appendNames(lines, diff);
+    appendAreas(lines, diff.where.onlyLeft, diff.left->path, diff.leftNames);
+    appendAreas(lines, diff.where.onlyRight, diff.right->path, diff.rightNames);
     Dump(diff, style).appendTo(lines);
     return text + lines.text();
 }
@@ -267,10 +320,16 @@ std::string jsonOf(const Diff& diff) {
         Json entry = toJson(area);
         entry["left"] = hexOf(diff.left->parts, area);
         entry["right"] = hexOf(diff.right->parts, area);
+        addNames(entry, diff.leftNames, diff.rightNames, area);
         json["changed"].push_back(std::move(entry));
     }
     json["onlyLeft"] = toJson(diff.where.onlyLeft);
     json["onlyRight"] = toJson(diff.where.onlyRight);
+    if (hasNames(diff)) {
+        json["names"] = Json::array();
+        for (const NameChange& change : changesOf(diff, *diff.leftNames, *diff.rightNames))
+            json["names"].push_back(changeJson(change));
+    }
     return dump(json);
 }
 

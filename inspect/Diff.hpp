@@ -6,6 +6,7 @@
 #include "buffer/Area.hpp"
 #include "buffer/Difference.hpp"
 #include "inspect/Image.hpp"
+#include "inspect/Names.hpp"
 
 namespace Inspect {
 
@@ -17,6 +18,9 @@ struct Diff {
     /// Both files say what the start address is, and it is not the same. None counts as 0.
     bool hasOtherStart = false;
     Buffer::AreaList ignored;  ///< ascending, without overlap
+    /// What is at the addresses of each image, borrowed; null if nobody knows.
+    const Names* leftNames = nullptr;
+    const Names* rightNames = nullptr;
 
     bool isEqual() const {
         return where.changed.empty() && where.onlyLeft.empty() && where.onlyRight.empty() &&
@@ -35,7 +39,8 @@ struct DiffStyle {
     bool hasColor = false;
 };
 
-/// The areas that only one image has, and a dump of the changed ranges, both images side by side.
+/// What has changed by names, if they are known, the areas that only one image has, and a dump of
+/// the changed ranges, both images side by side.
 std::string textOf(const Diff& diff, const DiffStyle& style);
 
 /// One JSON object.

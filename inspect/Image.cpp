@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "buffer/Overlap.hpp"
+#include "io/InFile.hpp"
 #include "io/formats/AnyFile.hpp"
 #include "io/formats/InputFormats.hpp"
 
@@ -61,6 +62,13 @@ std::optional<Image> openImage(const std::string& path, std::optional<Facts::Inp
     const Io::Formats::AnyFile file = Io::Formats::openAny(path, format, nullptr, addressUnit);
     if (file.reader == nullptr) return std::nullopt;
     return imageOf(path, *file.reader);
+}
+
+Image openSections(const std::string& path, const Io::Import::SectionChoice& sections,
+                   std::uint32_t addressUnit) {
+    const auto& elf = Io::Formats::rowOf(Facts::InputFormat::Elf);
+    return imageOf(path, *elf.openSections(path, Io::openInput(path),
+                                           {Buffer::OverlapRule::NotSet, addressUnit}, sections));
 }
 
 std::uint64_t byteCount(const AreaList& areas) {

@@ -8,6 +8,7 @@
 #include "buffer/Area.hpp"
 #include "buffer/MemoryBuffer.hpp"
 #include "facts/InputFormat.hpp"
+#include "io/import/SectionChoice.hpp"
 #include "io/import/TessaronImportApi.hpp"
 
 namespace Inspect {
@@ -39,6 +40,14 @@ struct Image {
 std::optional<Image> openImage(const std::string& path,
                                std::optional<Facts::InputFormat> format = {},
                                std::uint32_t addressUnit = 1);
+
+/// Reads the chosen sections of an ELF file.
+///
+/// @param addressUnit  as above
+/// @throws Io::bad_open
+/// @throws Io::Import::Malformed  after a report
+Image openSections(const std::string& path, const Io::Import::SectionChoice& sections,
+                   std::uint32_t addressUnit);
 
 /// What `reader` has read of the file `path`, which it gives away.
 Image imageOf(const std::string& path, Io::Import::TessaronImportApi& reader);

@@ -194,6 +194,19 @@ std::string segmentsText(const std::vector<Loaded>& segments) {
     return text;
 }
 
+/// What each area begins and ends with.
+std::string namesText(const Info& info) {
+    std::string text;
+    std::size_t number = 0;
+    for (const auto& [area, digest] : info.areas) {
+        ++number;
+        const std::string names = info.names.of(area);
+        if (!names.empty())
+            text += right(std::to_string(number), 4) + "  " + Util::printable(names) + "\n";
+    }
+    return text.empty() ? "" : "\narea  names\n" + text;
+}
+
 std::string symbolsText(const std::vector<Loaded>& symbols) {
     if (symbols.empty()) return "";
     std::string text = "\n  symbol         bytes  kind      name\n";
@@ -245,7 +258,7 @@ std::string textOf(const Info& info, std::size_t width) {
         text += "  CRC-32    " + checksumText(info.digest.crc32) + "\n  SHA-256   " +
                 info.digest.sha256 + "\n";
     for (const Remark& remark : info.remarks) text += remarkText(remark);
-    if (!info.areas.empty()) text += "\n" + areasText(info.areas, width);
+    if (!info.areas.empty()) text += "\n" + areasText(info.areas, width) + namesText(info);
     return text + symbolsText(info.symbols);
 }
 
@@ -271,6 +284,8 @@ std::string jsonOf(const std::vector<Info>& files) {
             Json entry = toJson(area);
             entry["crc32"] = Util::hexWord(digest.crc32);
             entry["sha256"] = digest.sha256;
+            if (const std::string names = info.names.of(area); !names.empty())
+                entry["names"] = names;
             areas.push_back(std::move(entry));
         }
         if (!gaps.empty()) gaps.pop_back();

@@ -9,6 +9,7 @@
 #include "buffer/Area.hpp"
 #include "inspect/Digest.hpp"
 #include "inspect/Image.hpp"
+#include "inspect/Names.hpp"
 #include "inspect/RecordCounts.hpp"
 
 namespace Inspect {
@@ -52,6 +53,7 @@ struct Info {
     std::vector<Loaded> segments;      ///< of an ELF file, in the order of its program headers
     std::vector<Loaded> symbols;       ///< of an ELF file, by address, if they were asked for
     std::vector<Remark> remarks;
+    Names names;  ///< of what is at its addresses, if anybody knows
 };
 
 /// Reads a file and computes all but the remarks; what is odd goes to the listener in force.

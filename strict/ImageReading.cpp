@@ -48,6 +48,25 @@ std::optional<Inspect::Image> readImage(const std::string& path,
         path, sink);
 }
 
+std::optional<Inspect::Image> readSections(const std::string& path,
+                                           const Io::Import::SectionChoice& sections,
+                                           std::uint32_t addressUnit, DiagnosticSink& sink) {
+    return readWith(
+        [&sections, addressUnit](const std::string& file) {
+            return std::optional(Inspect::openSections(file, sections, addressUnit));
+        },
+        path, sink);
+}
+
+std::optional<Inspect::Names> readNames(const std::string& path, DiagnosticSink& sink) {
+    auto names = readWith(
+        [](const std::string& file) { return std::optional(Inspect::namesIn(file)); }, path, sink);
+    if (!names || !names->isEmpty()) return names;
+    sink.take({Kind::UnknownName, path + " has no names of what it loads", std::nullopt,
+               "it has to be an ELF file with symbols, or a map file of GNU ld"});
+    return std::nullopt;
+}
+
 std::optional<Inspect::Info> readInfo(const std::string& path,
                                       std::optional<Facts::InputFormat> format, bool withSymbols,
                                       DiagnosticSink& sink) {

@@ -6,6 +6,8 @@
 
 #include "inspect/Image.hpp"
 #include "inspect/Info.hpp"
+#include "inspect/Names.hpp"
+#include "io/import/SectionChoice.hpp"
 #include "strict/diagnostics/Diagnostic.hpp"
 
 namespace Strict {
@@ -18,6 +20,15 @@ namespace Strict {
 std::optional<Inspect::Image> readImage(const std::string& path,
                                         std::optional<Facts::InputFormat> format,
                                         DiagnosticSink& sink, std::uint32_t addressUnit = 1);
+
+/// Reads the chosen sections of an ELF file in the same way.
+std::optional<Inspect::Image> readSections(const std::string& path,
+                                           const Io::Import::SectionChoice& sections,
+                                           std::uint32_t addressUnit, DiagnosticSink& sink);
+
+/// The names in an ELF file or a map file of GNU ld; nothing after a diagnostic if it cannot be
+/// read or has none.
+std::optional<Inspect::Names> readNames(const std::string& path, DiagnosticSink& sink);
 
 /// All that there is to know of a file; nothing if it cannot be read.
 ///

@@ -21,6 +21,7 @@
 #include "platform/Streams.hpp"
 #include "strict/AddressSpace.hpp"
 #include "strict/ElfSymbols.hpp"
+#include "strict/ImageReading.hpp"
 #include "strict/RunListener.hpp"
 #include "strict/diagnostics/RemarkList.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
@@ -195,6 +196,14 @@ public:
                 isGood = nameFile(*output, FileRole::Output) && isGood;
         }
         return isGood;
+    }
+
+    /// Names what is at the addresses of images, in diagnostics. False after a diagnostic.
+    bool readNames(const std::string& path) {
+        if (path.empty()) return true;
+        auto names = Strict::readNames(path, *printer_);
+        if (names) provenance_.setNames(std::move(*names));
+        return names.has_value();
     }
 
     /// Reports slips of meaning, as far as they can be known before the run.
@@ -399,6 +408,7 @@ private:
 
     ExitCode execute(const Program& program) {
         Execution execution(program, !options_.script.empty(), *printer_, *output_, files_);
+        if (!execution.readNames(options_.nameFile)) return ExitCode::Failed;
         const bool hasPlaces = execution.nameFiles();
         execution.checkMeaning();
         if (!hasPlaces || (printer_->errors() != 0 && !options_.keepsGoing))

@@ -10,6 +10,7 @@ namespace Strict {
 struct RunOptions {
     std::string script;  ///< a path; "-" is standard input
     std::map<std::string, std::string> variables;
+    std::string nameFile;              ///< with the names at addresses; empty for none
     std::vector<std::string> symbols;  ///< variables of ELF symbols, "NAME=file:symbol"
     bool isCheck = false;              ///< runs in memory, writes nothing and starts no program
     bool comparesDisk = false;   ///< with `isCheck`: compares the outputs with the files on disk

@@ -51,6 +51,11 @@ Pointer openElf(const std::string& path, InputFile file, const ReadOptions& opti
     return std::make_unique<Import::ElfInFile>(path, std::move(file), options.addressUnit);
 }
 
+Pointer openElfSections(const std::string& path, InputFile file, const ReadOptions& options,
+                        const Import::SectionChoice& choice) {
+    return std::make_unique<Import::ElfInFile>(path, std::move(file), options.addressUnit, choice);
+}
+
 Pointer openTiTxt(const std::string& path, InputFile file, const ReadOptions& options,
                   RecordVisitor* visitor) {
     return std::make_unique<Import::TiTxtInFile>(path, std::move(file), visitor,
@@ -126,7 +131,8 @@ constexpr std::array<InputFormatRow, Facts::inputFormatCount> rows{{
      .startAddress = StartAddress::Always,
      .mayCountWords = true,
      .looksLike = &Import::ElfInFile::looksLike,
-     .open = &openElf},
+     .open = &openElf,
+     .openSections = &openElfSections},
     {.format = InputFormat::Uf2,
      .name = "UF2",
      .word = "Uf2",

@@ -10,6 +10,7 @@
 #include "io/import/InputReading.hpp"
 #include "io/import/ReadOptions.hpp"
 #include "io/import/RecordVisitor.hpp"
+#include "io/import/SectionChoice.hpp"
 #include "io/import/TessaronImportApi.hpp"
 #include "platform/Files.hpp"
 
@@ -28,6 +29,14 @@ using Open = std::unique_ptr<Import::TessaronImportApi> (*)(const std::string& p
                                                             Platform::InputFile file,
                                                             const Import::ReadOptions& options,
                                                             Import::RecordVisitor* visitor);
+
+/// Reads the chosen sections of the open file `path`.
+///
+/// @throws Io::bad_open  if the file has changed since it was opened
+/// @throws Import::Malformed  after a report
+using OpenSections = std::unique_ptr<Import::TessaronImportApi> (*)(
+    const std::string& path, Platform::InputFile file, const Import::ReadOptions& options,
+    const Import::SectionChoice& choice);
 
 /// Visits the records of an open file that has been read before, without a report.
 ///
@@ -58,7 +67,8 @@ struct InputFormatRow {
     /// Whether a file that begins with `head` has the format; null for one that has no mark there.
     bool (*looksLike)(std::string_view head) = nullptr;
     Open open = nullptr;
-    Walk walk = nullptr;  ///< null for a format without lines
+    OpenSections openSections = nullptr;  ///< null for a format without sections
+    Walk walk = nullptr;                  ///< null for a format without lines
     /// The names of its kinds of records, by their numbers; empty if they are not counted.
     std::span<const std::string_view> recordKinds = {};
 };

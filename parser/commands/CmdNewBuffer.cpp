@@ -117,6 +117,12 @@ bool CmdNewBuffer::execute(CmdContext& context) {
 }
 
 std::optional<MemoryBuffer> CmdNewBuffer::build(CmdContext& context) const {
+    if (!sections_.isEmpty() && !hasSections()) {
+        const auto& names = sections_.used.empty() ? sections_.skipped : sections_.used;
+        Facts::report(
+            Facts::SectionUnfit{fileName_, names.front(), Facts::SectionFault::NoSections, {}});
+        return std::nullopt;
+    }
     if (sourceKind_ != BufferSourceKind::SourceFile && !mayCountWords("this source", false))
         return std::nullopt;
     if (!arrangement_.isPossible(bufferName_, sourceBuffers_.size())) return std::nullopt;
@@ -200,11 +206,18 @@ bool CmdNewBuffer::isWhole() const {
            overlapRule_ == OverlapRule::NotSet;
 }
 
+bool CmdNewBuffer::hasSections() const {
+    return sourceKind_ == BufferSourceKind::SourceFile && format_ != nullptr &&
+           format_->openSections != nullptr;
+}
+
 std::unique_ptr<TessaronImportApi> CmdNewBuffer::openFile(const CmdContext& context) const {
     // For the system a path ends at a zero byte.
     const std::string path = fileName_.substr(0, fileName_.find('\0'));
     const Io::Import::ReadOptions options{overlapRule_, addressUnit()};
     if (format_ == nullptr) return context.reading->open(path, options);
+    if (!sections_.isEmpty())
+        return format_->openSections(path, Io::openInput(path), options, sections_);
     return format_->open(path, Io::openInput(path), options, nullptr);
 }
 

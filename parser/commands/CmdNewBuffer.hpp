@@ -4,11 +4,13 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "buffer/MemoryBuffer.hpp"
 #include "buffer/Overlap.hpp"
 #include "io/formats/InputFormats.hpp"
+#include "io/import/SectionChoice.hpp"
 #include "io/import/TessaronImportApi.hpp"
 #include "parser/commands/Arrangement.hpp"
 #include "parser/commands/CmdApi.hpp"
@@ -41,6 +43,12 @@ public:
     ///
     /// @param format  a row of the table; null for a format that is recognised by its contents
     void setPath(std::string path, const Io::Formats::InputFormatRow* format);
+
+    /// Reads a section of an ELF file, and no others but those that are named as well.
+    void useSection(std::string name) { sections_.used.push_back(std::move(name)); }
+
+    /// Leaves out a section of an ELF file.
+    void skipSection(std::string name) { sections_.skipped.push_back(std::move(name)); }
 
     void setValues(std::vector<std::uint32_t> list);
     void addSourceBuffer(std::string name);
@@ -79,6 +87,7 @@ public:
 private:
     bool isWhole() const;
     bool mayCountWords(std::string_view format, bool mayCount) const;
+    bool hasSections() const;
     std::unique_ptr<Io::Import::TessaronImportApi> openFile(const CmdContext& context) const;
     /// The image of the statement, not yet moved, or nothing after a report.
     std::optional<Buffer::MemoryBuffer> build(CmdContext& context) const;
@@ -96,6 +105,7 @@ private:
     bool hasNewStartAddress_ = false;
     std::string fileName_;
     const Io::Formats::InputFormatRow* format_ = nullptr;  ///< null if the contents decide
+    Io::Import::SectionChoice sections_;
     BufferSourceKind sourceKind_ = BufferSourceKind::SourceEmpty;
     Buffer::ByteOrder byteOrder_ = Buffer::ByteOrder::NotSet;
     Area bufferRange_;

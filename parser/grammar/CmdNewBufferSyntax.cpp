@@ -11,6 +11,9 @@
 namespace Parser {
 
 using Io::Formats::InputFormatRow;
+using Spirit::anychar_p;
+using Spirit::ch_p;
+using Spirit::space_p;
 using WrapperLib::CmdNewBuffer;
 
 namespace {
@@ -33,9 +36,22 @@ struct NewBufferRules final : StatementRules {
               rules.valueList[on.values("SetHexList -> ", Role::Bytes, &CmdNewBuffer::setValues)]) |
              buffersSource(rules, on, "AddBufferAsSource -> ", &CmdNewBuffer::addSourceBuffer)) >>
             rules.ws;
-        newOptions =
-            *(newStartAddressOption | newByteOrderOption | newAreasOption | bufferRangeOption |
-              newOverlapOption | laneOption | interleaveOption | newSwapOption | newUnitOption);
+        newOptions = *(newStartAddressOption | newByteOrderOption | newAreasOption |
+                       bufferRangeOption | newOverlapOption | laneOption | interleaveOption |
+                       newSwapOption | newUnitOption | sectionsOption);
+        // A name as linkers take it, such as .text.main.
+        sectionName = rules.expected(
+            "the name of a section",
+            +(anychar_p - (space_p | ch_p(',') | ch_p(';') | ch_p('{') | ch_p('}'))));
+        const auto sections = [&](const char* keyword, const auto& action) {
+            return rules.keyword(keyword) >> rules.equals >> rules.openBrace >>
+                   +(sectionName[action] >> rules.separator) >> rules.closeBrace >> rules.ws;
+        };
+        sectionsOption =
+            sections("-useSections",
+                     on.text("UseSection -> ", Role::Sections, &CmdNewBuffer::useSection)) |
+            sections("-skipSections",
+                     on.text("SkipSection -> ", Role::Sections, &CmdNewBuffer::skipSection));
         newStartAddressOption = startAddressSetting[on.number("SetStartAddress -> ", Role::Address,
                                                               &CmdNewBuffer::setNewStartAddress)] >>
                                 rules.ws;
@@ -88,7 +104,7 @@ struct NewBufferRules final : StatementRules {
 
     Rule newSource, newOptions, newStartAddressOption, startAddressSetting, newByteOrderOption,
         newAreasOption, bufferRangeOption, newOverlapOption, laneOption, interleaveOption,
-        newSwapOption, newUnitOption;
+        newSwapOption, newUnitOption, sectionsOption, sectionName;
     std::deque<Rule> files;
 };
 

@@ -21,18 +21,19 @@ enum class Role : unsigned char {
     Template,  ///< a file that an output is a copy of
     OutputFile,
     Program,
-    Text,     ///< to print, or arguments of a program
-    Bytes,    ///< a list of numbers of which the low eight bits count
-    Filler,   ///< the same, laid under what nothing writes
-    String,   ///< characters to write
-    Area,     ///< {start, length} in an image
-    Range,    ///< {start, length} of a new image
-    Address,  ///< where an image is moved to
-    Start,    ///< where a program begins to run
-    Section,  ///< the name of a section
-    Type,     ///< of a CRC or a hash
-    Format,   ///< of a file that is written
-    Overlap,  ///< which byte counts
+    Text,      ///< to print, or arguments of a program
+    Bytes,     ///< a list of numbers of which the low eight bits count
+    Filler,    ///< the same, laid under what nothing writes
+    String,    ///< characters to write
+    Area,      ///< {start, length} in an image
+    Range,     ///< {start, length} of a new image
+    Address,   ///< where an image is moved to
+    Start,     ///< where a program begins to run
+    Section,   ///< the name of a section that is written
+    Sections,  ///< the name of a section of an input
+    Type,      ///< of a CRC or a hash
+    Format,    ///< of a file that is written
+    Overlap,   ///< which byte counts
     ByteOrder,
     WordSize,
     Gaps,         ///< unwritten addresses are left out

@@ -11,6 +11,7 @@
 #include "inspect/Words.hpp"
 #include "io/formats/InputFormats.hpp"
 #include "platform/Paths.hpp"
+#include "strict/diagnostics/Suggestion.hpp"
 #include "util/Hex.hpp"
 
 namespace Strict {
@@ -202,6 +203,39 @@ Words words(const HeaderTooLong& f, const Circumstances& /*c*/) {
              "the header has " + std::to_string(f.length) + " bytes, and its record takes " +
                  std::to_string(f.longest),
              {Role::Header}}};
+}
+
+/// The lines of a text.
+std::vector<std::string> linesOf(std::string_view text) {
+    std::vector<std::string> lines;
+    for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
+        lines.emplace_back(text.substr(0, end));
+        text.remove_prefix(end + 1);
+    }
+    return lines;
+}
+
+Words words(const SectionUnfit& f, const Circumstances& /*c*/) {
+    const std::string file(f.file);
+    const std::string section(f.section);
+    if (f.fault == SectionFault::NoSections)
+        return {{Kind::Outside,
+                 "only an ELF file that is read by FROM_ELF has sections",
+                 {},
+                 {},
+                 section}};
+    if (f.fault == SectionFault::NotLoaded)
+        return {{Kind::Outside,
+                 "the section " + section + " of " + file + " has no bytes that are loaded",
+                 {},
+                 {},
+                 section}};
+    const auto close = nearest(section, linesOf(f.known));
+    return {{Kind::UnknownName,
+             file + " has no section " + section,
+             {},
+             close ? "did you mean " + *close + "?" : "",
+             section}};
 }
 
 Words words(const ElfTemplateUnfit& f, const Circumstances& c) {
@@ -403,11 +437,11 @@ concept NotARefusal = isPrinted<Fact> ||
     OneOf<Fact, FillPatternEmpty, ReadRangeOutside, TextFileEmpty, LastLineMismatched,
           RecordContradictory, LineNotARecord, RecordCountTooLow, DataSpanTooLong, FileMalformed,
           RecordLengthCorrected, GapsNotExpressible, FormatNumberWrong, FamiliesNotOfImages,
-          HeaderTooLong, ElfTemplateUnfit, NameNotFound, OverlapRefused, StatementExhausted,
-          CrcParameterRefused, WordIncomplete, BusRefused, ImageNotOfWords, AddressUnitRefused,
-          AlignmentZero, FileNotOpened, FileNotWritten, FileSpanTooLong, ProgramCalled,
-          ProgramEnded, ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded,
-          FieldFact>;
+          HeaderTooLong, ElfTemplateUnfit, SectionUnfit, NameNotFound, OverlapRefused,
+          StatementExhausted, CrcParameterRefused, WordIncomplete, BusRefused, ImageNotOfWords,
+          AddressUnitRefused, AlignmentZero, FileNotOpened, FileNotWritten, FileSpanTooLong,
+          ProgramCalled, ProgramEnded, ScriptNotOpened, VariableRejected, ScriptNotPrepared,
+          SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace
 

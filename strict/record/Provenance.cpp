@@ -30,12 +30,15 @@ std::string range(const Area& area) {
     return (area.length == 1 ? "at " : "from ") + Inspect::rangeText(area);
 }
 
-/// "from 0x00000010 to 0x0000001F, at 0x00000030 and in 2 more ranges"
-std::string list(const AreaList& areas) {
+/// "from 0x00000010 to 0x0000001F, at 0x00000030 (main+0x4) and in 2 more ranges"
+std::string list(const AreaList& areas, const Inspect::Names& names = {}) {
     constexpr std::size_t mostListed = 3;
     std::string text;
-    for (std::size_t i = 0; i < std::min(areas.size(), mostListed); ++i)
+    for (std::size_t i = 0; i < std::min(areas.size(), mostListed); ++i) {
         text += (text.empty() ? "" : ", ") + range(areas[i]);
+        const std::string name = names.of(areas[i]);
+        if (!name.empty()) text += " (" + name + ")";
+    }
     if (areas.size() > mostListed)
         text += " and in " + Inspect::countText(areas.size() - mostListed, "more range");
     return text;
@@ -146,12 +149,11 @@ void Provenance::onRead(const CmdNewBuffer& statement, const TessaronImportApi& 
                              ", lies where the image is",
                          {Role::InputFile});
     } else {
-        reportCropped(file, all, current_.written);
+        reportCropped(inputs_.back(), all, current_.written);
     }
 }
 
-void Provenance::reportCropped(const std::string& file, const OriginMap& all,
-                               const OriginMap& kept) {
+void Provenance::reportCropped(const Input& input, const OriginMap& all, const OriginMap& kept) {
     if (all.size() == kept.size()) return;
     AreaList cropped;
     for (const auto& [start, entry] : all.ranges())
@@ -163,8 +165,8 @@ void Provenance::reportCropped(const std::string& file, const OriginMap& all,
         }
     if (cropped.empty()) return;
     reports_->report(Kind::Cropped,
-                     Inspect::countText(Inspect::byteCount(cropped), "byte") + " of " + file +
-                         " are left out: " + list(cropped),
+                     Inspect::countText(Inspect::byteCount(cropped), "byte") + " of " + input.file +
+                         " are left out: " + list(cropped, namesOf(input.file, input.format)),
                      {Role::InputFile});
 }
 
@@ -243,6 +245,25 @@ Provenance::Lines Provenance::linesOf(const OriginMap::Range& range) const {
     return lines.first == 0 || lines.last == 0 ? Lines{} : lines;
 }
 
+/// The names of what the file has at its addresses. Those of an ELF file are read at the first call
+/// for it.
+const Inspect::Names& Provenance::namesOf(const std::string& file,
+                                          Facts::InputFormat format) const {
+    static const Inspect::Names unknown;
+    if (!names_.isEmpty()) return names_;
+    if (format != Facts::InputFormat::Elf) return unknown;
+    const auto [names, isNew] = elfNames_.try_emplace(file);
+    if (!isNew) return names->second;
+    Facts::Unheard unheard;
+    const Facts::ListenerScope listening(unheard);
+    try {
+        names->second = Inspect::namesIn(file);
+    } catch (const std::exception&) {
+        // The file is gone, or its symbols are damaged: none of its names is known.
+    }
+    return names->second;
+}
+
 Note Provenance::originNote(const char* what, const OriginMap& origins,
                             std::uint64_t address) const {
     const OriginMap::Range* const found = origins.find(address);
@@ -252,8 +273,10 @@ Note Provenance::originNote(const char* what, const OriginMap& origins,
     const Origin& origin = originOf(sources_[byte->source]);
     if (origin.file.empty()) return {what, origin.statement};
     const std::uint64_t line = linesOf({{byte->address, 1}, byte->source, 0}).first;
+    const std::string name = namesOf(origin.file, origin.format).at(byte->address);
     Note note{what, Place{origin.file, static_cast<std::size_t>(line), 0, "", 0, 0}};
-    if (line == 0) note.text += " " + origin.file;
+    if (!name.empty()) note.text += " " + name;
+    if (line == 0) note.text += (name.empty() ? " " : " of ") + origin.file;
     return note;
 }
 

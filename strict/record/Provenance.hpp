@@ -11,6 +11,7 @@
 
 #include "buffer/Regrouping.hpp"
 #include "facts/InputFormat.hpp"
+#include "inspect/Names.hpp"
 #include "inspect/RunRecord.hpp"
 #include "parser/commands/CmdNewBuffer.hpp"
 #include "parser/commands/ImageObserver.hpp"
@@ -70,6 +71,10 @@ public:
 
     explicit Provenance(StatementReports& reports) : reports_(&reports) {}
 
+    /// Tells what is at the addresses of images, for what is reported of them. Without it, ELF
+    /// files say so of the bytes that come from them.
+    void setNames(Inspect::Names names) { names_ = std::move(names); }
+
     /// The statement is about to run.
     void enter(const Parser::Statement& statement);
 
@@ -123,11 +128,12 @@ private:
     std::optional<Byte> byteAt(std::size_t source, std::uint64_t address) const;
     OriginMap originsIn(const Parser::WrapperLib::CmdNewBuffer& statement,
                         const Io::Import::TessaronImportApi& reader);
-    void reportCropped(const std::string& file, const OriginMap& all, const OriginMap& kept);
+    void reportCropped(const Input& input, const OriginMap& all, const OriginMap& kept);
     void reportOverlaps(const Buffer::MemoryBuffer& image, const std::string& name,
                         const Buffer::MemoryBuffer& part) const;
     void reportWiped(const Buffer::MemoryBuffer& image, const std::string& name,
                      const Buffer::MemoryBuffer& part) const;
+    const Inspect::Names& namesOf(const std::string& file, Facts::InputFormat format) const;
     Note originNote(const char* what, const OriginMap& origins, std::uint64_t address) const;
 
     StatementReports* reports_;
@@ -140,6 +146,8 @@ private:
     /// By path and address unit.
     mutable std::map<std::pair<std::string, std::uint32_t>, std::vector<Inspect::LineRun>> lines_;
     std::vector<Input> inputs_;
+    Inspect::Names names_;  ///< of all images; empty if nobody gave them
+    mutable std::map<std::string, Inspect::Names> elfNames_;  ///< by path
 };
 
 }  // namespace Strict

@@ -10,9 +10,10 @@ using Parser::Role;
 
 namespace {
 
+/// The part names something that is there already.
 bool usesName(Role role) {
     return role == Role::UsesImage || role == Role::ChangesImage || role == Role::UsesCrc ||
-           role == Role::UsesHash || role == Role::UsesValue;
+           role == Role::UsesHash || role == Role::UsesValue || role == Role::Sections;
 }
 
 }  // namespace

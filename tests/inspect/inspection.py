@@ -27,6 +27,46 @@ DATA = pathlib.Path(__file__).resolve().parents[1] / "data"
 FLASH, FAR = 0x08000000, 0x1FFF7800
 
 
+LINKER_MAP = """Archive member included to satisfy reference by file (symbol)
+
+Discarded input sections
+
+ .text          0x00000000        0x4 lib/b.o
+
+Linker script and memory map
+
+LOAD lib/a.o
+
+.text           0x08000000       0x34
+ *(.text*)
+                0x08000000                . = ALIGN (0x4)
+                0x20005000                stackTop = 0x20005000
+ .text          0x08000000        0x0 lib/a.o
+ .text.f        0x08000000       0x22 lib/a.o
+ *fill*         0x08000022        0x2
+ .text.startup.main
+                0x08000024        0xc lib/a.o
+                                 0x10 (size before relaxing)
+                0x08000024                main
+ .text.unlikely._ZN2ns1gEi
+                0x08000030        0x4 lib/a.o
+                0x08000030                ns::g(int)
+
+.data           0x20000000       0x10 load address 0x08000034
+ *(.data*)
+ .data          0x20000000       0x10 lib/a.o
+                0x20000004                text
+
+.bss            0x20000010       0x64 load address 0x08000044
+ .bss           0x20000010       0x64 lib/a.o
+                0x20000010                zero
+OUTPUT(a.elf elf32-littlearm)
+
+.debug_info     0x00000000     0x8000
+ .debug_info    0x00000000     0x8000 lib/a.o
+"""
+
+
 def tessaron(*arguments, code=0, standard_input=None):
     done = subprocess.run([PROGRAM, *arguments], capture_output=True, text=True, check=False,
                           input=standard_input)
@@ -53,6 +93,28 @@ def write(path, image, *options):
     if "-execution-start-address" not in options:
         options = ("-execution-start-address", "0")
     srec_cat(*arguments, *options, "-o", path, "-intel" if path.endswith("hex") else "-motorola")
+
+
+def link(name, parts):
+    """Assembles and links the parts, each a section, a symbol and its bytes, to an ELF file with its
+    map file, and makes a HEX file of it. What is called isr is a label without size."""
+    lines = []
+    for section, symbol, data in parts:
+        lines += ['.section .%s, "%s"' % (section, {"text": "ax", "data": "aw"}[section]),
+                  ".global " + symbol]
+        if symbol != "isr":
+            lines += [".type %s, %%%s" % (symbol, {"text": "function", "data": "object"}[section]),
+                      ".size %s, %d" % (symbol, len(data))]
+        lines += [symbol + ":", ".byte " + ", ".join(str(byte) for byte in data)]
+    pathlib.Path("parts.s").write_text("\n".join(lines) + "\n")
+    pathlib.Path("parts.ld").write_text(
+        "MEMORY { flash : ORIGIN = 0x8000000, LENGTH = 64K  ram : ORIGIN = 0x20000000, LENGTH = 16K }\n"
+        "SECTIONS { .text : { *(.text) } >flash  .data : { *(.data) } >ram AT>flash\n"
+        "           .bss : { *(.bss) } >ram  /DISCARD/ : { *(*) } }\n")
+    for command in (["as", "-o", "parts.o", "parts.s"],
+                    ["ld", "-T", "parts.ld", "-Map", name + ".map", "-o", name + ".elf", "parts.o"],
+                    ["objcopy", "-O", "ihex", name + ".elf", name + ".hex"]):
+        subprocess.run(command, check=True, stderr=subprocess.DEVNULL)
 
 
 def area(address, length):
@@ -171,9 +233,13 @@ class Inspection(unittest.TestCase):
         stripped = bytearray(elf)
         struct.pack_into("<I", stripped, head + size * sections.index(table) + 4, 0)
         self.assertIn("was it stripped?", value(stripped, "settings", code=1))
-        # Whatever the name of the file is, and one that does not exist ends at the first colon.
-        shutil.copy(DATA / "elf" / "arm.elf", "a:b.elf")
-        for path, code, said in (("a:b.elf", 0, "0x00020000\n"), ("x:b.elf", 1, "cannot open x: ")):
+        # Whatever the name of the file is, and one that does not exist ends at the first colon. No
+        # file of Windows has a colon in its name.
+        named = [("x:b.elf", 1, "cannot open x: ")]
+        if not IS_WINDOWS:
+            shutil.copy(DATA / "elf" / "arm.elf", "a:b.elf")
+            named.append(("a:b.elf", 0, "0x00020000\n"))
+        for path, code, said in named:
             arguments = ("run", "value.tsn", "--symbol=VALUE=" + path + ":settings")
             self.assertIn(said, tessaron(*arguments, code=code) or complaint(*arguments))
         twice = elf.replace(b"\0counters\0", b"\0settings\0")
@@ -563,11 +629,12 @@ class Inspection(unittest.TestCase):
                  "--offset", "-0x1000")
         srec_cat("a.hex", "-intel", "-crop", "0x8000000", "0x8002000", "-fill", "0xFF",
                  "0x8000000", "0x8002000", "-offset", "-0x1000", "-disable=data-count",
-                 "-o", "want.s37", "-motorola",
-                 "-execution-start-address", hex(FLASH + 0x131))
+                 "-o", "want.s37", "-motorola")
         self.assertEqual(tessaron("diff", "out.s37", "want.s37"), "")
-        self.assertTrue(pathlib.Path("out.s37").read_text().rstrip().splitlines()[-1]
-                        .startswith("S70508000131"))
+        # The start address moves with the data.
+        last = pathlib.Path("want.s37").read_text().rstrip().splitlines()[-1]
+        self.assertTrue(last.startswith("S70507FFF131"))
+        self.assertEqual(pathlib.Path("out.s37").read_text().rstrip().splitlines()[-1], last)
         # The crop that was asked for is not news.
         self.assertEqual(complaint("convert", "a.hex", "out.h", "--crop", "0x8000000,16"), "")
         self.assertIn("0x08000000", pathlib.Path("out.h").read_text())
@@ -601,7 +668,117 @@ class Inspection(unittest.TestCase):
         self.assertEqual(tessaron("diff", "gaps.hex", "again.hex"), "")
         tessaron("convert", "a.hex", "out.unknown", code=1)
         tessaron("convert", "a.hex", "out.hex", "--offset", "0xF0000000", code=1)
-        tessaron("convert", "a.hex", "out.hex", "--offset", "0x8000000000000000", code=2)
+        tessaron("convert", "a.hex", "out.hex", "--offset", "0x8000000000000000", code=1)
+
+    def test_convert_elf(self):
+        """Sections by objcopy, an entry beyond 32 bits, and copies of the ELF file itself."""
+        data = pathlib.Path(__file__).resolve().parents[1] / "data/elf"
+        for name in ("arm", "powerpc64", "headers64", "avr"):
+            elf = str(data / (name + ".elf"))
+            # What aligns .text goes with it.
+            section = ".text"
+            for option in ("-j", "-R"):
+                subprocess.run(["objcopy", option, section, "-O", "srec", "--srec-forceS3", elf,
+                                "want.s37"], check=True)
+                flag = "--sections" if option == "-j" else "--skip-sections"
+                tessaron("convert", elf, "out.s37", flag, section)
+                self.assertEqual(tessaron("diff", "out.s37", "want.s37"), "", (name, section))
+                script = tessaron("convert", elf, "by script.s37", flag, section, "--print-script")
+                tessaron("run", "-", standard_input=script)
+                self.assertEqual(pathlib.Path("by script.s37").read_bytes(),
+                                 pathlib.Path("out.s37").read_bytes())
+        # The image lies at 0xFFFFFFFF80008000, and begins to run at an address 8 bytes on.
+        high = bytearray((data / "mips64el.elf").read_bytes())
+        entry, = struct.unpack_from("<Q", high, 24)
+        programs, = struct.unpack_from("<Q", high, 32)
+        count, = struct.unpack_from("<H", high, 56)
+        top = 0xFFFFFFFF80000000
+        struct.pack_into("<Q", high, 24, entry + top)
+        for at in range(programs, programs + 56 * count, 56):
+            for place in (at + 16, at + 24):
+                struct.pack_into("<Q", high, place, struct.unpack_from("<Q", high, place)[0] + top)
+        pathlib.Path("high.elf").write_bytes(high)
+        self.assertIn("--offset", complaint("convert", "high.elf", "out.hex"))
+        self.assertIn("[outside]", complaint("convert", "high.elf", "out.hex", "--offset",
+                                             "-0x80000000"))
+        for offset in ("0x100000000", "-0xFFFFFFFF00000000"):
+            tessaron("convert", "high.elf", "out.hex", "--offset", offset)
+            tessaron("convert", str(data / "mips64el.elf"), "low.hex", "--offset", "0x80000000")
+            self.assertEqual(pathlib.Path("out.hex").read_bytes(),
+                             pathlib.Path("low.hex").read_bytes())
+            self.assertIn("0x80008020", tessaron("info", "out.hex"))
+        tessaron("convert", "high.elf", "out.bin")
+        self.assertIn("--elf-template", complaint("convert", "high.elf", "out.elf"))
+        self.assertIn("Intel", complaint("convert", "high.elf", "out.hex", "--elf-template",
+                                         "high.elf"))
+        tessaron("convert", "high.elf", "out.elf", "--elf-template", "high.elf")
+        self.assertEqual(pathlib.Path("out.elf").read_bytes(), high)
+
+    @unittest.skipUnless(shutil.which("as") and shutil.which("ld") and shutil.which("objcopy"),
+                         "no assembler and linker")
+    def test_symbols_at_bytes(self):
+        """Two programs by the linker: a function grows and moves the others, one comes, one goes."""
+        old = [("text", "_ZN2fw5resetEv", range(1, 13)), ("text", "helper", range(50, 58)),
+               ("text", "gone", [7] * 6), ("text", "isr", [3, 4]),
+               ("data", "settings", b"1.0\0"), ("data", "limit", [9, 9])]
+        new = [("text", "_ZN2fw5resetEv", range(1, 17)), ("text", "helper", range(50, 58)),
+               ("text", "added", [8] * 5), ("text", "isr", [3, 4]),
+               ("data", "settings", b"1.1\0"), ("data", "limit", [9, 9])]
+        for name, parts in (("old", old), ("new", new)):
+            link(name, parts)
+        want = """
+       old       new     bytes  name
+         6         -        -6  gone  removed
+         -         5        +5  added  added
+        12        16        +4  fw::reset()
+         4         4         0  settings
+3 names moved with the same bytes
+"""
+        for left, right, *options in (
+                ("old.elf", "new.elf"), ("old.hex", "new.hex", "--elf", "old.elf", "--elf=new.elf"),
+                ("old.hex", "new.elf", "--elf", "old.map", "--elf", "new.map")):
+            said = tessaron("diff", left, right, *options, "--max-lines", "7", code=1)
+            self.assertIn(want, said, (left, right))
+        document = json.loads(tessaron("diff", "old.elf", "new.elf", "--json", code=1))
+        self.assertEqual([(one["name"], one["change"], one["kind"]) for one in document["names"]],
+                         [("gone", "removed", "function"), ("added", "added", "function"),
+                          ("fw::reset()", "changed", "function"), ("settings", "changed", "data"),
+                          ("helper", "moved", "function"), ("isr", "moved", "label"),
+                          ("limit", "moved", "data")])
+        self.assertEqual(document["names"][2]["right"], area(FLASH, 16))
+        # The data is loaded behind the code, and runs elsewhere.
+        self.assertEqual(document["names"][3]["left"], area(FLASH + 28, 4))
+        tessaron("convert", "old.elf", "old.bin")
+        image = bytearray(pathlib.Path("old.bin").read_bytes())
+        image[30] = 0x39
+        write("patched.hex", {FLASH: bytes(image)})
+        said = tessaron("diff", "old.hex", "patched.hex", "--elf", "old.elf", code=1)
+        self.assertIn("1 byte differs, in settings+0x2\n", said)
+        self.assertIn("         4         4         0  settings\n", said)
+        self.assertNotIn("moved", said)
+        tessaron("diff", "old.elf", "old.hex", "--elf", "old.map")
+        self.assertNotIn("settings", tessaron("diff", "old.hex", "patched.hex", code=1))
+        self.assertIn("fw::reset() to limit+0x1", tessaron("info", "old.hex", "--elf", "old.elf"))
+        self.assertIn("fw::reset() to limit+0x1", tessaron("info", "old.elf"))
+        subprocess.run(["strip", "-o", "stripped.elf", "old.elf"], check=True)
+        tessaron("diff", "stripped.elf", "old.hex")
+        for bad in ("stripped.elf", "old.hex", "missing.elf"):
+            tessaron("diff", "old.hex", "patched.hex", "--elf", bad, code=2)
+            tessaron("info", "old.hex", "--elf", bad, code=1)
+
+    def test_linker_map(self):
+        """What GNU ld 2.40 writes for functions in sections of their own, and data in flash."""
+        pathlib.Path("hand.map").write_text(LINKER_MAP)
+        data = bytes(0x60)
+        write("zeros.hex", {FLASH: data})
+        for at, said in ((0x02, ", in f+0x2"), (0x24, ", in main"), (0x26, ", in main+0x2"),
+                         (0x35, ", in a.o(.data)+0x1"), (0x39, ", in text+0x1"), (0x45, ""),
+                         (0x32, ", in ns::g(int)+0x2")):
+            write("one.hex", {FLASH: data[:at] + b"\1" + data[at + 1:]})
+            found = tessaron("diff", "zeros.hex", "one.hex", "--elf", "hand.map", code=1)
+            self.assertIn("1 byte differs%s\n" % said, found)
+        write("low.hex", {0x10: b"code"})
+        self.assertNotIn("names", tessaron("info", "low.hex", "--elf", "hand.map"))
 
     def test_formats(self):
         """What a file is, by its name, its contents and --from."""

@@ -42,8 +42,7 @@ REFUSED = (
     *((["convert", "in.hex", "out.bin", "--crop", text], "is not a number")
       for text in ("1,x", "0x,1", "1,-2", "1,2x", "1,", ",1")),
     (["convert", "in.hex", "out.bin", "--fill", "0,256"], "0,256 is above 0xFF"),
-    *((["convert", "in.hex", "out.bin", "--offset=" + text], "has more than 32 bits")
-      for text in ("4294967296", "-0x100000000")),
+    (["convert", "in.elf", "out.bin", "--sections", " , "], "names no section"),
     *((["convert", "in.hex", "out.bin", "--offset=" + text], "is not a number")
       for text in ("-", "1x", "--1")),
     (["convert", "in.hex", "out.bin", "--format", "IntelHexExtendet"], "did you mean IntelHexExt"),
@@ -51,6 +50,8 @@ REFUSED = (
     (["convert", "in.hex", "out.bin", "--crop", "0,0"], "0,0 has no address"),
     (["convert", "in.hex", "out.bin", "--crop", ""], "empty"),
     (["convert", "in.hex", "out.bin", "--fill", ""], "empty"),
+    (["convert", "in.elf", "out.bin", "--skip-sections", ""], "empty"),
+    (["convert", "in.elf", "out.elf", "--elf-template", ""], "empty"),
     (["convert", "in.hex", "out.bin", "--offset="], "missing"),
     *((["convert", "in.hex", "out.bin", "--lane", text], "is not a lane LANE,LANES,WIDTH")
       for text in ("0", "0,2", "2,2,1", "0,0,1", "0,2,0", "0,2,0x100000000", "0,2,1,1")),

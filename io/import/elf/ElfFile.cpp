@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <limits>
+#include <set>
 #include <utility>
 
+#include "facts/Listener.hpp"
 #include "io/import/Malformed.hpp"
 
 namespace Io::Import {
@@ -37,6 +40,7 @@ ElfFile::ElfFile(const std::string& path, Platform::InputFile file, std::uint32_
     const std::vector<std::uint8_t> header = readHeader();
     const auto number = [&](Elf::Field field) { return numbers_.of(field, header); };
     entry_ = number(layout_->header.entry) * addressUnit_;
+    sectionNames_ = number(layout_->header.sectionNames);
     machine_ = number(layout_->header.machine);
     isArm_ = machine_ == Elf::machineArm;
     hasMappingSymbols_ = isArm_ || machine_ == Elf::machineAArch64 || machine_ == Elf::machineRiscV;
@@ -142,7 +146,104 @@ void ElfFile::addSegment(std::uint64_t index, bool usesVirtual) {
     const std::uint64_t begin =
         offset < layout_->header.size ? firstSectionIn(offset, end) : offset;
     if (begin < end)
-        segments_.push_back({address * addressUnit_ + (begin - offset), begin, end - begin});
+        segments_.push_back({address * addressUnit_ + (begin - offset), begin, end - begin,
+                             number(fields.virtualAddress) * addressUnit_ + (begin - offset)});
+}
+
+ElfFile::Table ElfFile::sectionNames() const {
+    std::uint64_t index = sectionNames_;
+    if (index == Elf::nameInSection && sections_.count != 0)
+        index = numbers_.of(layout_->section.link, sections_.entry(0));
+    if (index == 0 || index >= sections_.count) return {};
+    return tableOf(sections_.entry(index), 1, 1);
+}
+
+/// The sections that are loaded, in the order of the file.
+std::vector<ElfFile::Section> ElfFile::loadedSections(const Table& names) const {
+    const Elf::SectionFields& fields = layout_->section;
+    std::vector<Section> found;
+    for (std::uint64_t i = 0; i < sections_.count; ++i) {
+        const auto header = sections_.entry(i);
+        if (!isLoaded(header)) continue;
+        const std::uint64_t begin = numbers_.of(fields.offset, header);
+        const std::uint64_t size = numbers_.of(fields.sectionSize, header);
+        requireInFile(begin, size);
+        found.push_back(
+            {nameAt(names.bytes, numbers_.of(fields.name, header)), begin, begin + size});
+    }
+    std::ranges::stable_sort(found, {}, &Section::begin);
+    for (std::size_t i = 1; i < found.size(); ++i)
+        if (found[i].begin < found[i - 1].end)
+            refuse(FormatFault::DataRepeated, found[i].begin, found[i].end - found[i].begin);
+    return found;
+}
+
+void ElfFile::refuseSection(Facts::SectionFault fault, std::string_view name,
+                            std::span<const Section> known) const {
+    std::string names;
+    for (const Section& section : known) names += section.name + "\n";
+    Facts::report(Facts::SectionUnfit{fileName_, name, fault, names});
+    throw Malformed();
+}
+
+/// Refuses names that no section has.
+void ElfFile::requireSections(const SectionChoice& choice, const Table& names,
+                              std::span<const Section> known) const {
+    std::set<std::string, std::less<>> all;
+    for (std::uint64_t i = 0; i < sections_.count; ++i)
+        all.insert(nameAt(names.bytes, numbers_.of(layout_->section.name, sections_.entry(i))));
+    for (const auto* const list : {&choice.used, &choice.skipped})
+        for (const std::string& name : *list)
+            if (!all.contains(name)) refuseSection(Facts::SectionFault::Unknown, name, known);
+}
+
+std::vector<ElfSegment> ElfFile::chosen(const SectionChoice& choice) const {
+    const Table names = sectionNames();
+    const std::vector<Section> sections = loadedSections(names);
+    requireSections(choice, names, sections);
+    const bool isExact = !choice.used.empty();
+    std::set<std::string_view> loaded;  // the names of what is taken
+    std::vector<ElfSegment> pieces;
+    for (const ElfSegment& segment : segments_) {
+        const std::uint64_t end = segment.fileOffset + segment.length;
+        const auto add = [&](std::uint64_t from, std::uint64_t to) {
+            from = std::max(from, segment.fileOffset);
+            to = std::min(to, end);
+            if (from >= to) return;
+            const std::uint64_t at = from - segment.fileOffset;
+            pieces.push_back({segment.address + at, from, to - from, segment.virtualAddress + at});
+        };
+        auto section = std::ranges::partition_point(
+            sections, [&segment](const Section& one) { return one.end <= segment.fileOffset; });
+        // What is kept reaches up to here.
+        std::uint64_t kept = segment.fileOffset;
+        std::uint64_t before = segment.fileOffset;
+        for (; section != sections.end() && section->begin < end; ++section) {
+            const bool isTaken = choice.takes(section->name);
+            if (isTaken) loaded.insert(section->name);
+            if (isExact && isTaken) add(section->begin, section->end);
+            if (!isExact && !isTaken) {
+                add(kept, before);
+                kept = section->end;
+            }
+            before = section->end;
+        }
+        // The end of the segment goes with its last section.
+        if (!isExact) add(kept, kept == before && kept != segment.fileOffset ? kept : end);
+    }
+    for (const std::string& name : choice.used)
+        if (choice.takes(name) && !loaded.contains(name))
+            refuseSection(Facts::SectionFault::NotLoaded, name, sections);
+    if (pieces.empty()) refuse(FormatFault::NothingToLoad, 0);
+    return pieces;
+}
+
+/// The section has bytes in the file that the program has when it runs.
+bool ElfFile::isLoaded(std::span<const std::uint8_t> section) const {
+    const auto number = [&](Elf::Field field) { return numbers_.of(field, section); };
+    const Elf::SectionFields& fields = layout_->section;
+    return (number(fields.flags) & Elf::allocated) != 0 && number(fields.type) != Elf::noBits &&
+           number(fields.sectionSize) != 0;
 }
 
 /// Where the data of a segment [`offset`, `end`) of the file begins that has the file's headers.
@@ -156,11 +257,8 @@ std::uint64_t ElfFile::firstSectionIn(std::uint64_t offset, std::uint64_t end) c
     const Elf::SectionFields& fields = layout_->section;
     for (std::uint64_t i = 0; i < sections_.count; ++i) {
         const auto header = sections_.entry(i);
-        const auto number = [&](Elf::Field field) { return numbers_.of(field, header); };
-        const bool isData = (number(fields.flags) & Elf::allocated) != 0 &&
-                            number(fields.type) != Elf::noBits && number(fields.sectionSize) != 0;
-        const std::uint64_t begin = number(fields.offset);
-        if (isData && begin >= offset) first = std::min(first, begin);
+        const std::uint64_t begin = numbers_.of(fields.offset, header);
+        if (isLoaded(header) && begin >= offset) first = std::min(first, begin);
     }
     return first;
 }

@@ -10,6 +10,7 @@
 
 #include "facts/Facts.hpp"
 #include "io/InFile.hpp"
+#include "io/import/SectionChoice.hpp"
 #include "io/import/TessaronImportApi.hpp"
 #include "io/import/elf/ElfLayout.hpp"
 
@@ -17,9 +18,10 @@ namespace Io::Import {
 
 /// A part of an ELF file that its program headers load.
 struct ElfSegment {
-    std::uint64_t address;     ///< physical, of its first byte
-    std::uint64_t fileOffset;  ///< of its first byte
-    std::uint64_t length;      ///< in bytes; zeros that only the memory has are left out
+    std::uint64_t address;         ///< physical, of its first byte
+    std::uint64_t fileOffset;      ///< of its first byte
+    std::uint64_t length;          ///< in bytes; zeros that only the memory has are left out
+    std::uint64_t virtualAddress;  ///< of its first byte when the program runs
 };
 
 /// An ELF file of 32 or 64 bits in either byte order. Every offset and size in it is checked
@@ -55,6 +57,14 @@ public:
     /// section: linkers let segments begin there, and nobody wants headers in a flash image.
     const std::vector<ElfSegment>& segments() const { return segments_; }
 
+    /// What is to be loaded of the chosen sections, ascending in each segment. Of sections that are
+    /// used, it is their bytes alone. With those that are skipped goes what aligns them, from the
+    /// section before; whatever else a segment has is kept.
+    ///
+    /// @throws Malformed  after a report: there is no such section, it has no bytes that are
+    /// loaded, sections share bytes, or nothing is left
+    std::vector<ElfSegment> chosen(const SectionChoice& choice) const;
+
     /// The symbols that have a name and a section or a value of their own, in the order of the
     /// symbol table; none if the file was stripped. The address of an Arm function is even: the low
     /// bit of its value only selects the instruction set. Mapping symbols, which mark where code
@@ -82,6 +92,13 @@ private:
         }
     };
 
+    /// A section with bytes in the file that the program has when it runs.
+    struct Section {
+        std::string name;
+        std::uint64_t begin;  ///< offset in the file
+        std::uint64_t end;
+    };
+
     [[noreturn]] void refuse(Facts::FormatFault fault, std::uint64_t where,
                              std::uint64_t number = 0) const;
     void requireInFile(std::uint64_t offset, std::uint64_t length) const;
@@ -91,6 +108,13 @@ private:
     void readTables(std::span<const std::uint8_t> header);
     void findSegments();
     void addSegment(std::uint64_t index, bool usesVirtual);
+    bool isLoaded(std::span<const std::uint8_t> section) const;
+    std::vector<Section> loadedSections(const Table& names) const;
+    Table sectionNames() const;
+    [[noreturn]] void refuseSection(Facts::SectionFault fault, std::string_view name,
+                                    std::span<const Section> known) const;
+    void requireSections(const SectionChoice& choice, const Table& names,
+                         std::span<const Section> known) const;
     std::uint64_t firstSectionIn(std::uint64_t offset, std::uint64_t end) const;
     Table tableOf(std::span<const std::uint8_t> section, std::uint64_t entrySize,
                   std::size_t smallestEntry) const;
@@ -103,6 +127,7 @@ private:
     std::uint32_t addressUnit_;
     std::uint64_t machine_ = 0;
     std::uint64_t entry_ = 0;
+    std::uint64_t sectionNames_ = 0;  ///< the section with the names of all
     bool isArm_ = false;
     bool hasMappingSymbols_ = false;
     Table programs_;

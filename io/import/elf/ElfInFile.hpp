@@ -24,6 +24,11 @@ public:
     ElfInFile(const std::string& path, Platform::InputFile file, std::uint32_t addressUnit = 1)
         : ElfInFile(std::make_unique<ElfFile>(path, std::move(file), addressUnit)) {}
 
+    /// The same, of the chosen sections alone.
+    ElfInFile(const std::string& path, Platform::InputFile file, std::uint32_t addressUnit,
+              const SectionChoice& choice)
+        : ElfInFile(std::make_unique<ElfFile>(path, std::move(file), addressUnit), &choice) {}
+
     /// A file that begins with `head` is an ELF file (System V ABI, chapter 4).
     static bool looksLike(std::string_view head) { return head.starts_with("\x7F\x45LF"); }
 
@@ -32,9 +37,13 @@ public:
     std::uint32_t likelyAddressUnit() const override { return file_->addressUnitOfMachine(); }
 
 private:
-    explicit ElfInFile(std::unique_ptr<const ElfFile> file);
+    /// @param choice  null for all that the file loads
+    explicit ElfInFile(std::unique_ptr<const ElfFile>&& file,
+                       const SectionChoice* choice = nullptr);
+    ElfInFile(std::unique_ptr<const ElfFile>&& file, std::vector<ElfSegment> segments);
 
     std::unique_ptr<const ElfFile> file_;
+    std::vector<ElfSegment> segments_;  ///< that were read
 };
 
 }  // namespace Io::Import

@@ -16,7 +16,7 @@ struct Field {
 
 struct HeaderFields {
     Field type, machine, entry, programOffset, sectionOffset, programEntrySize, programCount,
-        sectionEntrySize, sectionCount;
+        sectionEntrySize, sectionCount, sectionNames;
     std::size_t size;
 };
 
@@ -26,7 +26,7 @@ struct SegmentFields {
 };
 
 struct SectionFields {
-    Field type, flags, offset, sectionSize, link, info, entrySize;
+    Field name, type, flags, offset, sectionSize, link, info, entrySize;
     std::size_t size;
 };
 
@@ -51,6 +51,7 @@ inline constexpr std::size_t largestHeader = 64;
 
 inline constexpr std::uint64_t loadSegment = 1;          ///< PT_LOAD
 inline constexpr std::uint64_t countInSection = 0xFFFF;  ///< PN_XNUM
+inline constexpr std::uint64_t nameInSection = 0xFFFF;   ///< SHN_XINDEX
 inline constexpr std::uint64_t symbolTable = 2;          ///< SHT_SYMTAB
 inline constexpr std::uint64_t noBits = 8;               ///< SHT_NOBITS
 inline constexpr std::uint64_t allocated = 2;            ///< SHF_ALLOC
