@@ -265,9 +265,9 @@ void addNewBuffer(Strict::ProgramMaker& maker, const Steps& steps, const std::st
     const FileReading reading = format == nullptr ? FileReading::Detected : FileReading::Named;
     maker.addPath(Role::InputFile, input, static_cast<std::uint32_t>(reading));
     addSections(maker, "-useSections", steps.sections.used,
-                [&image](const std::string& name) { image.useSection(name); });
+                [&image](const std::string& section) { image.useSection(section); });
     addSections(maker, "-skipSections", steps.sections.skipped,
-                [&image](const std::string& name) { image.skipSection(name); });
+                [&image](const std::string& section) { image.skipSection(section); });
     if (steps.crop) {
         image.setBufferRange(*steps.crop);
         maker.add(" -useBufferRange=");

@@ -54,6 +54,25 @@ std::string readFile(const fs::path& path) {
     return std::regex_replace(std::string(std::istreambuf_iterator<char>(file), {}), time, "");
 }
 
+/// An ELF file of 32 bits, little endian, that loads `length` bytes to address 0.
+std::string elfFile(std::uint32_t length) {
+    std::string file("\x7F\x45LF\1\1\1", 7);
+    file.resize(84 + length);
+    const auto set = [&file](std::size_t at, std::uint32_t value) {
+        for (int i = 0; i < 4; ++i) file[at++] = static_cast<char>(value >> 8 * i);
+    };
+    set(16, 2 | 40 << 16);    // e_type, e_machine
+    set(20, 1);               // e_version
+    set(28, 52);              // e_phoff
+    set(40, 52 | 32U << 16);  // e_ehsize, e_phentsize
+    set(44, 1);               // e_phnum
+    set(52, 1);               // p_type
+    set(56, 84);              // p_offset
+    set(68, length);          // p_filesz
+    set(72, length);          // p_memsz
+    return file;
+}
+
 /// Makes a statement in the way the grammar does, but without one.
 template <class Command, class Settings>
 std::function<Statement()> making(Settings set) {
@@ -132,6 +151,8 @@ std::vector<Case> writeCases() {
                              command.setFormat(format, hasNumber ? std::optional(isWord ? 8U : 32U)
                                                                  : std::nullopt);
                              command.setExecutionStartAddress(0x1234);
+                             if (format.needsTemplate)
+                                 command.setElfTemplate(inFolder("template.elf"));
                          })});
     }
     return cases;
@@ -179,6 +200,7 @@ protected:
         std::string hex = ":020000040000FA\n";
         for (int i = 0; i < 40; ++i) hex += ":0410000001020304E2\n";
         writeFile(inFolder("in.hex"), hex + ":00000001FF\n");
+        writeFile(inFolder("template.elf"), elfFile(100'000));
         writeFile(inFolder("in.s19"), "S107100001020304DE\nS9030000FC\n");
     }
     ~AllocationFaultTest() override { fs::remove_all(folder()); }
