@@ -39,7 +39,7 @@ const char* wordFor(Subject subject) {
 }
 
 const char* wordFor(Work work) {
-    constexpr std::array words{"created", "filled", "printed", "written", "called"};
+    constexpr std::array words{"created", "filled", "verified", "printed", "written", "called"};
     return words.at(static_cast<std::size_t>(work));
 }
 
@@ -321,6 +321,25 @@ public:
         else
             line(fact.source, " has the same bytes as written before from 0x",
                  Util::hexWord(fact.start), " to 0x", Util::hexWord(fact.end - 1));
+        line("Operation aborted.");
+    }
+
+    void operator()(const ImageDiffers& fact) const {
+        line("Error: ", wordFor(Subject::Buffer), " ", fact.image, " could not be verified !");
+        std::string text = "Address 0x" + Util::hexWord(fact.address);
+        if (fact.found)
+            text += " has 0x" + Util::hexByte(*fact.found) + " instead of 0x";
+        else
+            text += " is not there to have 0x";
+        text += Util::hexByte(fact.wanted);
+        if (fact.count > 1) text += ", and " + std::to_string(fact.count - 1) + " more differ";
+        line(text);
+        line("Operation aborted.");
+    }
+
+    void operator()(const NothingCompared& fact) const {
+        line("Error: ", wordFor(Subject::Buffer), " ", fact.image, " could not be verified !");
+        line("No byte was compared");
         line("Operation aborted.");
     }
 

@@ -188,14 +188,24 @@ std::vector<Fact> examples(Of<OverlapRefused> /*type*/) {
     equal.isDifferent = false;
     return {refused, equal};
 }
+std::vector<Fact> examples(Of<ImageDiffers> /*type*/) {
+    return {ImageDiffers{"NAME", "", number, byte, byte, number + 1},
+            ImageDiffers{"NAME", "NAME", number, byte, byte, 1},
+            ImageDiffers{"NAME", "", number, std::nullopt, byte, number + 1},
+            ImageDiffers{"NAME", "NAME", number, std::nullopt, byte, 1}};
+}
+std::vector<Fact> examples(Of<NothingCompared> /*type*/) {
+    return {NothingCompared{"NAME"}};
+}
 std::vector<Fact> examples(Of<StatementExhausted> /*type*/) {
     std::vector<Fact> facts;
     for (const auto& [subject, work] :
          {std::pair{Subject::Buffer, Work::Created}, std::pair{Subject::Buffer, Work::Filled},
-          std::pair{Subject::Buffer, Work::Printed}, std::pair{Subject::Crc, Work::Created},
-          std::pair{Subject::Crc, Work::Printed}, std::pair{Subject::Hash, Work::Created},
-          std::pair{Subject::Hash, Work::Printed}, std::pair{Subject::Text, Work::Printed},
-          std::pair{Subject::File, Work::Written}, std::pair{Subject::Application, Work::Called}})
+          std::pair{Subject::Buffer, Work::Verified}, std::pair{Subject::Buffer, Work::Printed},
+          std::pair{Subject::Crc, Work::Created}, std::pair{Subject::Crc, Work::Printed},
+          std::pair{Subject::Hash, Work::Created}, std::pair{Subject::Hash, Work::Printed},
+          std::pair{Subject::Text, Work::Printed}, std::pair{Subject::File, Work::Written},
+          std::pair{Subject::Application, Work::Called}})
         facts.emplace_back(StatementExhausted{subject, "NAME", work});
     return facts;
 }

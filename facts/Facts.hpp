@@ -317,7 +317,24 @@ struct NameNotFound {
 };
 
 enum class Subject : std::uint8_t { Buffer, Crc, Hash, Text, File, Application };
-enum class Work : std::uint8_t { Created, Filled, Printed, Written, Called };
+enum class Work : std::uint8_t { Created, Filled, Verified, Printed, Written, Called };
+
+/// An image has other bytes than a statement compares it with, which fails.
+struct ImageDiffers {
+    std::string_view image;
+    std::string_view other;             ///< the image that it is compared with; empty for a pattern
+    std::uint64_t address;              ///< the first one that differs
+    std::optional<std::uint8_t> found;  ///< nothing if the image does not have the address
+    std::uint8_t wanted;
+    std::uint64_t count;  ///< of addresses that differ
+    bool operator==(const ImageDiffers&) const = default;
+};
+
+/// A statement that compares an image has compared no byte; it failed.
+struct NothingCompared {
+    std::string_view image;
+    bool operator==(const NothingCompared&) const = default;
+};
 
 /// Two sources of an image, or two records of its file, write the same addresses, which the
 /// statement refuses; it failed.
@@ -522,10 +539,10 @@ using Fact = std::variant<
     FileMalformed, SectionUnfit, FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
     RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible, AddressBeyondFormat,
     FormatNumberWrong, FamiliesNotOfImages, HeaderTooLong, ElfTemplateUnfit, FileWriteIncomplete,
-    NameNotFound, OverlapRefused, StatementExhausted, CrcParameterRefused, WordIncomplete,
-    BusRefused, ImageNotOfWords, AddressUnitRefused, AlignmentZero, FileNotOpened, FileNotWritten,
-    FileSpanTooLong, BufferPrinted, ContentPrinted, CrcPrinted, HashPrinted, TextPrinted,
-    ProgramCalled, ProgramEnded, ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError,
-    RunEnded, FieldFact>;
+    NameNotFound, OverlapRefused, ImageDiffers, NothingCompared, StatementExhausted,
+    CrcParameterRefused, WordIncomplete, BusRefused, ImageNotOfWords, AddressUnitRefused,
+    AlignmentZero, FileNotOpened, FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted,
+    CrcPrinted, HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
+    VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace Facts

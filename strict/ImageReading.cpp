@@ -20,7 +20,7 @@ template <class Read>
 auto readWith(Read read, const std::string& path, DiagnosticSink& sink) -> decltype(read(path)) {
     RunFiles files(RunFiles::Mode::Memory);
     StatementReports reports(nullptr, sink);
-    RunListener listener(reports, nullptr,
+    RunListener listener(reports, nullptr, nullptr,
                          {[&files](std::string_view file) { return files.reasonFor(file); },
                           [](std::string_view /*name*/) { return true; }, false});
     const Facts::ListenerScope listening(listener);

@@ -174,7 +174,7 @@ public:
           files_(&files),
           printed_(output, output),
           reports_(&program.text(), printer),
-          listener_(reports_, &printed_,
+          listener_(reports_, &provenance_, &printed_,
                     {[&files](std::string_view path) { return files.reasonFor(path); },
                      [&program](std::string_view name) { return program.makes(name); }, isScript}),
           provenance_(reports_) {

@@ -42,6 +42,13 @@ void RunListener::reportField(const FieldFact& fact) {
             {words.kind, std::move(words.text), placeOf(words), std::move(words.hint)});
 }
 
+/// Where bytes that differ come from.
+std::vector<Note> RunListener::notesOn(const Fact& fact) const {
+    const auto* const differs = std::get_if<ImageDiffers>(&fact);
+    return differs == nullptr || provenance_ == nullptr ? std::vector<Note>()
+                                                        : provenance_->notesOn(*differs);
+}
+
 void RunListener::hear(const Fact& fact) {
     if (const auto* const field = std::get_if<FieldFact>(&fact)) {
         reportField(*field);
@@ -51,7 +58,7 @@ void RunListener::hear(const Fact& fact) {
     if (auto words = wordsFor(fact, circumstances_)) {
         if (words->name.empty())
             reports_->report(words->kind, std::move(words->text), words->roles,
-                             std::move(words->hint));
+                             std::move(words->hint), notesOn(fact));
         else
             reports_->reportName(words->kind, words->name, std::move(words->text),
                                  std::move(words->hint));

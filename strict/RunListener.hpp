@@ -1,10 +1,12 @@
 #pragma once
 
 #include <utility>
+#include <vector>
 
 #include "classic/ClassicWords.hpp"
 #include "facts/Listener.hpp"
 #include "strict/diagnostics/FactWords.hpp"
+#include "strict/record/Provenance.hpp"
 #include "strict/script/StatementReports.hpp"
 
 namespace Strict {
@@ -14,10 +16,14 @@ namespace Strict {
 class RunListener final : public Facts::Listener {
 public:
     /// @param reports  at the statement that runs
-    /// @param printed  where the output of PRINT_* statements goes; null where there are none
-    RunListener(StatementReports& reports, Classic::ClassicWords* printed,
-                Circumstances circumstances)
-        : reports_(&reports), printed_(printed), circumstances_(std::move(circumstances)) {}
+    /// @param provenance  of the images of the run; null where there are none
+    /// @param printed     where the output of PRINT_* statements goes; null where there are none
+    RunListener(StatementReports& reports, const Provenance* provenance,
+                Classic::ClassicWords* printed, Circumstances circumstances)
+        : reports_(&reports),
+          provenance_(provenance),
+          printed_(printed),
+          circumstances_(std::move(circumstances)) {}
 
     void hear(const Facts::Fact& fact) override;
 
@@ -29,8 +35,10 @@ public:
 
 private:
     void reportField(const Facts::FieldFact& fact);
+    std::vector<Note> notesOn(const Facts::Fact& fact) const;
 
     StatementReports* reports_;
+    const Provenance* provenance_;
     Classic::ClassicWords* printed_;
     Circumstances circumstances_;
     bool hasRefused_ = false;

@@ -16,7 +16,8 @@ enum class CmdType : std::uint32_t {
     PrintHash = 6,
     WriteFile = 7,
     PrintText = 8,
-    CallApp = 9
+    CallApp = 9,
+    VerifyBuffer = 10
 };
 
 /// One statement of a script. The parser fills its fields while it reads the statement; the runner

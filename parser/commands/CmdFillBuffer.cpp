@@ -1,7 +1,5 @@
 #include "parser/commands/CmdFillBuffer.hpp"
 
-#include <algorithm>
-#include <boost/algorithm/string/trim.hpp>
 #include <utility>
 
 #include "parser/commands/Conventions.hpp"
@@ -13,28 +11,27 @@ void CmdFillBuffer::setBufferName(std::string name) {
 }
 
 void CmdFillBuffer::setFillPattern(std::vector<std::uint32_t> bytes) {
-    values_ = std::move(bytes);
+    pattern_.setNumbers(std::move(bytes));
     fillKind_ = FillKind::FillFiller;
 }
 
 void CmdFillBuffer::setFillValues(std::vector<std::uint32_t> bytes) {
-    values_ = std::move(bytes);
+    pattern_.setNumbers(std::move(bytes));
     fillKind_ = FillKind::FillValues;
 }
 
 void CmdFillBuffer::setFillString(std::string text) {
-    boost::algorithm::trim(text);
-    values_.assign(text.begin(), text.end());
+    pattern_.setText(std::move(text));
     fillKind_ = FillKind::FillString;
 }
 
 void CmdFillBuffer::setFillCrc(std::string name) {
-    crcName_ = std::move(name);
+    pattern_.setCrc(std::move(name));
     fillKind_ = FillKind::FillCrc;
 }
 
 void CmdFillBuffer::setFillHash(std::string name) {
-    hashName_ = std::move(name);
+    pattern_.setHash(std::move(name));
     fillKind_ = FillKind::FillHash;
 }
 
@@ -46,28 +43,22 @@ bool CmdFillBuffer::execute(CmdContext& context) {
 bool CmdFillBuffer::fill(CmdContext& context) {
     Buffer::MemoryBuffer* const buffer = findBuffer(context, bufferName_);
     if (buffer == nullptr) return false;
+    const auto pattern = pattern_.bytesFor(context, buffer->getByteOrder());
+    if (!pattern) return false;
     switch (fillKind_) {
         case FillKind::FillFiller:
-            fillClipped(context, *buffer, &Buffer::MemoryBuffer::fillPattern);
-            return true;
+            fillClipped(context, *buffer, &Buffer::MemoryBuffer::fillPattern, *pattern);
+            break;
         case FillKind::FillValues:
-            fillClipped(context, *buffer, &Buffer::MemoryBuffer::writePattern);
-            return true;
+            fillClipped(context, *buffer, &Buffer::MemoryBuffer::writePattern, *pattern);
+            break;
         case FillKind::FillString:
-            writeOnce(context, *buffer);
-            return true;
-        case FillKind::FillCrc: {
-            const ByteList* const crc = findCrc(context, crcName_);
-            if (crc == nullptr) return false;
-            writeUnclipped(context, *buffer, inOrderOf(*buffer, *crc));
-            return true;
-        }
-        case FillKind::FillHash: {
-            const ByteList* const hash = findHash(context, hashName_);
-            if (hash == nullptr) return false;
-            writeUnclipped(context, *buffer, *hash);
-            return true;
-        }
+            writeOnce(context, *buffer, *pattern);
+            break;
+        case FillKind::FillCrc:
+        case FillKind::FillHash:
+            writeUnclipped(context, *buffer, *pattern);
+            break;
         case FillKind::FillNone:
             break;
     }
@@ -75,9 +66,8 @@ bool CmdFillBuffer::fill(CmdContext& context) {
 }
 
 /// Fills the areas as far as they lie in the image.
-void CmdFillBuffer::fillClipped(CmdContext& context, Buffer::MemoryBuffer& buffer,
-                                Fill operation) const {
-    const ByteList pattern = lowBytes(values_);
+void CmdFillBuffer::fillClipped(CmdContext& context, Buffer::MemoryBuffer& buffer, Fill operation,
+                                const ByteList& pattern) const {
     const Area image = buffer.getArea();
     if (areas_.empty()) put(context, buffer, operation, pattern, image);
     for (const Area& area : areas_)
@@ -86,8 +76,8 @@ void CmdFillBuffer::fillClipped(CmdContext& context, Buffer::MemoryBuffer& buffe
 }
 
 /// Writes the pattern once at the start of each area, whatever the area's length.
-void CmdFillBuffer::writeOnce(CmdContext& context, Buffer::MemoryBuffer& buffer) const {
-    const ByteList pattern = lowBytes(values_);
+void CmdFillBuffer::writeOnce(CmdContext& context, Buffer::MemoryBuffer& buffer,
+                              const ByteList& pattern) const {
     for (const Area& area : areas_)
         put(context, buffer, &Buffer::MemoryBuffer::writePattern, pattern,
             {area.start, pattern.size()});
@@ -111,13 +101,6 @@ void CmdFillBuffer::put(CmdContext& context, Buffer::MemoryBuffer& buffer, Fill 
         context.observer->onFill(bufferName_, area);
     else
         context.observer->onWrite(bufferName_, area);
-}
-
-ByteList CmdFillBuffer::inOrderOf(const Buffer::MemoryBuffer& buffer, ByteList crc) const {
-    const bool isOwnOrder = byteOrder_ != Buffer::ByteOrder::NotSet;
-    const Buffer::ByteOrder order = isOwnOrder ? byteOrder_ : buffer.getByteOrder();
-    if (order == Buffer::ByteOrder::BigEndian) std::ranges::reverse(crc);
-    return crc;
 }
 
 }  // namespace Parser::WrapperLib

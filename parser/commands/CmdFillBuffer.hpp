@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "buffer/MemoryBuffer.hpp"
+#include "parser/commands/BytePattern.hpp"
 #include "parser/commands/CmdApi.hpp"
 
 namespace Parser::WrapperLib {
@@ -29,7 +30,8 @@ public:
     void setFillString(std::string text);
     void setFillCrc(std::string name);
     void setFillHash(std::string name);
-    void setByteOrder(Buffer::ByteOrder order) { byteOrder_ = order; }
+    void setByteOrder(Buffer::ByteOrder order) { pattern_.setByteOrder(order); }
+    void setValueSize(std::uint32_t bytes) { pattern_.setValueSize(bytes); }
     void addArea(const Area& area) { areas_.push_back(area); }
 
     bool execute(CmdContext& context) override;
@@ -40,21 +42,19 @@ private:
                                                 std::uint64_t start, std::uint64_t numberOfBytes);
 
     bool fill(CmdContext& context);
-    void fillClipped(CmdContext& context, Buffer::MemoryBuffer& buffer, Fill operation) const;
-    void writeOnce(CmdContext& context, Buffer::MemoryBuffer& buffer) const;
+    void fillClipped(CmdContext& context, Buffer::MemoryBuffer& buffer, Fill operation,
+                     const ByteList& pattern) const;
+    void writeOnce(CmdContext& context, Buffer::MemoryBuffer& buffer,
+                   const ByteList& pattern) const;
     void writeUnclipped(CmdContext& context, Buffer::MemoryBuffer& buffer,
                         const ByteList& pattern) const;
     void put(CmdContext& context, Buffer::MemoryBuffer& buffer, Fill operation,
              const ByteList& pattern, const Area& area) const;
-    ByteList inOrderOf(const Buffer::MemoryBuffer& buffer, ByteList crc) const;
 
     std::string bufferName_;
     FillKind fillKind_ = FillKind::FillNone;
-    std::string crcName_;
-    std::string hashName_;
+    BytePattern pattern_;
     AreaList areas_;
-    std::vector<std::uint32_t> values_;
-    Buffer::ByteOrder byteOrder_ = Buffer::ByteOrder::NotSet;
 };
 
 }  // namespace Parser::WrapperLib

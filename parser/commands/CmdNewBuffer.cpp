@@ -8,6 +8,7 @@
 
 #include "io/InFile.hpp"
 #include "io/import/Malformed.hpp"
+#include "parser/commands/BytePattern.hpp"
 #include "parser/commands/Conventions.hpp"
 #include "parser/commands/Layering.hpp"
 
@@ -246,7 +247,7 @@ std::optional<MemoryBuffer> CmdNewBuffer::readFile(const CmdContext& context, Ar
 }
 
 MemoryBuffer CmdNewBuffer::fromValues(const CmdContext& context, Area range) const {
-    const ByteList bytes = lowBytes(values_);
+    const ByteList bytes = bytesOf(values_, valueSize_, byteOrder_);
     MemoryBuffer source(0, bytes.size());
     source.writePattern(bytes, 0, bytes.size());
     MemoryBuffer result = extractAreas(source, areas_, range);

@@ -54,6 +54,9 @@ public:
     void addSourceBuffer(std::string name);
     void setNewStartAddress(std::uint32_t address);
     void setByteOrder(Buffer::ByteOrder order) { byteOrder_ = order; }
+
+    /// The bytes of each number of FROM_VALUES: 1, 2 or 4.
+    void setValueSize(std::uint32_t bytes) { valueSize_ = bytes; }
     void setBufferRange(const Area& range) { bufferRange_ = range; }
     void addArea(const Area& area) { areas_.push_back(area); }
     void setOverlapRule(Buffer::OverlapRule rule) { overlapRule_ = rule; }
@@ -114,6 +117,7 @@ private:
     std::optional<std::uint32_t> addressUnit_;
     Arrangement arrangement_;
     std::vector<std::uint32_t> values_;
+    std::uint32_t valueSize_ = 1;
     std::vector<std::string> sourceBuffers_;
 };
 

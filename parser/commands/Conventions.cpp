@@ -138,13 +138,6 @@ std::optional<GatheredBytes> gatherBytes(CmdContext& context, const std::vector<
     return GatheredBytes(ranges);
 }
 
-ByteList lowBytes(const std::vector<std::uint32_t>& values) {
-    ByteList bytes(values.size());
-    std::ranges::transform(values, bytes.begin(),
-                           [](std::uint32_t value) { return static_cast<std::uint8_t>(value); });
-    return bytes;
-}
-
 std::string cleanedPath(std::string text) {
     return trimmedWithout(std::move(text), "{}\"'");
 }

@@ -59,9 +59,6 @@ private:
 std::optional<GatheredBytes> gatherBytes(CmdContext& context, const std::vector<std::string>& names,
                                          const AreaList& areas);
 
-/// The low eight bits of each value of a byte list.
-ByteList lowBytes(const std::vector<std::uint32_t>& values);
-
 /// The text of a path argument: all braces and all quotes of both kinds removed, white space
 /// trimmed from both ends.
 std::string cleanedPath(std::string text);

@@ -38,12 +38,13 @@ struct FillBufferRules final : StatementRules {
                                                    &CmdFillBuffer::setFillString)] >>
               rules.quote)) >>
             rules.ws;
-        fillOptions = *(fillByteOrderOption | fillAreasOption);
+        fillOptions = *(fillByteOrderOption | fillAreasOption | fillSizeOption);
+        fillSizeOption = valueSizeOption(rules, on);
         fillByteOrderOption = byteOrderOption(rules, on);
         fillAreasOption = areasOption(rules, on);
     }
 
-    Rule fillSource, fillOptions, fillByteOrderOption, fillAreasOption;
+    Rule fillSource, fillOptions, fillByteOrderOption, fillAreasOption, fillSizeOption;
 };
 
 }  // namespace

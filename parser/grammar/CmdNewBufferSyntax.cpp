@@ -38,7 +38,8 @@ struct NewBufferRules final : StatementRules {
             rules.ws;
         newOptions = *(newStartAddressOption | newByteOrderOption | newAreasOption |
                        bufferRangeOption | newOverlapOption | laneOption | interleaveOption |
-                       newSwapOption | newUnitOption | sectionsOption);
+                       newSwapOption | newUnitOption | sectionsOption | newSizeOption);
+        newSizeOption = valueSizeOption(rules, on);
         // A name as linkers take it, such as .text.main.
         sectionName = rules.expected(
             "the name of a section",
@@ -104,7 +105,7 @@ struct NewBufferRules final : StatementRules {
 
     Rule newSource, newOptions, newStartAddressOption, startAddressSetting, newByteOrderOption,
         newAreasOption, bufferRangeOption, newOverlapOption, laneOption, interleaveOption,
-        newSwapOption, newUnitOption, sectionsOption, sectionName;
+        newSwapOption, newUnitOption, sectionsOption, newSizeOption, sectionName;
     std::deque<Rule> files;
 };
 

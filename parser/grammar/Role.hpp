@@ -36,6 +36,7 @@ enum class Role : unsigned char {
     Overlap,   ///< which byte counts
     ByteOrder,
     WordSize,
+    ValueSize,    ///< bytes of each number of a list
     Gaps,         ///< unwritten addresses are left out
     Lane,         ///< one chip of a bus
     Interleave,   ///< a bus of its chips

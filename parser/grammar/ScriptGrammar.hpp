@@ -342,18 +342,32 @@ auto wordSize(CommonRules& rules, const StatementActions<Command>& on, const cha
                               ~Spirit::eps_p(Spirit::alnum_p))[on.with(traceText, role, set)];
 }
 
+/// 2 | 4, as a whole word
+template <class Command>
+auto shortWordSize(CommonRules& rules, const StatementActions<Command>& on, const char* traceText,
+                   Role role, void (Command::*setter)(std::uint32_t)) {
+    const auto set = [setter](Command& command, std::string_view digit) {
+        (command.*setter)(static_cast<std::uint32_t>(digit.front() - '0'));
+    };
+    return rules.expected("2 or 4",
+                          (Spirit::ch_p('2') | Spirit::ch_p('4')) >>
+                              ~Spirit::eps_p(Spirit::alnum_p))[on.with(traceText, role, set)];
+}
+
 /// -setAddressUnit = 2 | 4
 template <class Command>
 auto addressUnitOption(CommonRules& rules, const StatementActions<Command>& on) {
-    const auto set = [](Command& command, std::string_view digit) {
-        command.setAddressUnit(static_cast<std::uint32_t>(digit.front() - '0'));
-    };
     return rules.keyword("-setAddressUnit") >> rules.equals >>
-           rules.expected(
-               "2 or 4",
-               (Spirit::ch_p('2') | Spirit::ch_p('4')) >>
-                   ~Spirit::eps_p(
-                       Spirit::alnum_p))[on.with("SetAddressUnit -> ", Role::AddressUnit, set)] >>
+           shortWordSize(rules, on, "SetAddressUnit -> ", Role::AddressUnit,
+                         &Command::setAddressUnit) >>
+           rules.ws;
+}
+
+/// -setValueSize = 2 | 4
+template <class Command>
+auto valueSizeOption(CommonRules& rules, const StatementActions<Command>& on) {
+    return rules.keyword("-setValueSize") >> rules.equals >>
+           shortWordSize(rules, on, "SetValueSize -> ", Role::ValueSize, &Command::setValueSize) >>
            rules.ws;
 }
 

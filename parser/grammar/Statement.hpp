@@ -93,6 +93,9 @@ struct Statement {
     const Part* last(Role role) const { return has(role) ? last(std::span(&role, 1)) : nullptr; }
     bool has(Role role) const { return roles.has(role); }
 
+    /// It compares an image with bytes instead of changing it.
+    bool isComparison() const { return kind == WrapperLib::CmdType::VerifyBuffer; }
+
     /// The text of the last part of a role; empty if there is none.
     std::string_view textOf(Role role) const {
         const Part* const part = last(role);
@@ -104,6 +107,13 @@ struct Statement {
     Choice choiceOf(Role role, Choice otherwise) const {
         const Part* const part = last(role);
         return part == nullptr ? otherwise : static_cast<Choice>(part->choice);
+    }
+
+    /// The bytes that a list of numbers makes: each is one byte long unless a value size is given.
+    std::uint64_t bytesOf(const Part& list) const {
+        const std::string_view digit = textOf(Role::ValueSize);
+        const auto size = digit.empty() ? 1U : static_cast<std::uint32_t>(digit.front() - '0');
+        return std::uint64_t{list.numberCount} * size;
     }
 
     /// The area that a part of that role says.

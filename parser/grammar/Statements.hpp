@@ -20,6 +20,7 @@ std::unique_ptr<const StatementRules> writeFileCmd(CommonRules& rules, ParserSta
 std::unique_ptr<const StatementRules> newCrcCmd(CommonRules& rules, ParserState& state);
 std::unique_ptr<const StatementRules> newHashCmd(CommonRules& rules, ParserState& state);
 std::unique_ptr<const StatementRules> callAppCmd(CommonRules& rules, ParserState& state);
+std::unique_ptr<const StatementRules> verifyBufferCmd(CommonRules& rules, ParserState& state);
 
 struct StatementRow {
     StatementDefinition define;
@@ -27,7 +28,7 @@ struct StatementRow {
 };
 
 /// In the order in which the grammar tries them.
-inline constexpr std::array<StatementRow, 10> statementRows{{
+inline constexpr std::array<StatementRow, 11> statementRows{{
     {&newBufferCmd, "makes an image from a file, from values, from other images or empty"},
     {&fillBufferCmd, "writes values, text, a filler, a CRC or a hash into an image"},
     {&printTextCmd, "prints a text"},
@@ -38,6 +39,7 @@ inline constexpr std::array<StatementRow, 10> statementRows{{
     {&newCrcCmd, "computes a CRC, or another checksum, of images"},
     {&newHashCmd, "computes a hash of images"},
     {&callAppCmd, "runs a program"},
+    {&verifyBufferCmd, "compares an image with values, a text, a CRC, a hash or another image"},
 }};
 
 }  // namespace Parser

@@ -296,6 +296,27 @@ Words words(const OverlapRefused& f, const Circumstances& /*c*/) {
              {Role::Overlap}}};
 }
 
+Words words(const ImageDiffers& f, const Circumstances& /*c*/) {
+    const std::string address = addressText(f.address);
+    const std::string image(f.image);
+    std::string text = f.found ? image + " has " + Util::hexByte(*f.found) + " at " + address +
+                                     " instead of " + Util::hexByte(f.wanted)
+                               : image + " does not have the address " + address + ", where " +
+                                     Util::hexByte(f.wanted) + " should be";
+    if (f.count > 1)
+        text += ", and " + Inspect::countText(f.count - 1, "more byte") +
+                (f.count == 2 ? " differs" : " differ");
+    return {{Kind::Verify,
+             std::move(text),
+             {Role::UsesCrc, Role::UsesHash, Role::Bytes, Role::String, Role::UsesImage}}};
+}
+
+Words words(const NothingCompared& f, const Circumstances& /*c*/) {
+    return {{Kind::Verify,
+             "nothing of " + std::string(f.image) + " is compared",
+             {Role::Area, Role::UsesImage}}};
+}
+
 Words words(const StatementExhausted& /*f*/, const Circumstances& /*c*/) {
     return {{Kind::OutOfMemory, "there is not enough memory for this statement", {}}};
 }
@@ -437,11 +458,11 @@ concept NotARefusal = isPrinted<Fact> ||
     OneOf<Fact, FillPatternEmpty, ReadRangeOutside, TextFileEmpty, LastLineMismatched,
           RecordContradictory, LineNotARecord, RecordCountTooLow, DataSpanTooLong, FileMalformed,
           RecordLengthCorrected, GapsNotExpressible, FormatNumberWrong, FamiliesNotOfImages,
-          HeaderTooLong, ElfTemplateUnfit, SectionUnfit, NameNotFound, OverlapRefused,
-          StatementExhausted, CrcParameterRefused, WordIncomplete, BusRefused, ImageNotOfWords,
-          AddressUnitRefused, AlignmentZero, FileNotOpened, FileNotWritten, FileSpanTooLong,
-          ProgramCalled, ProgramEnded, ScriptNotOpened, VariableRejected, ScriptNotPrepared,
-          SyntaxError, RunEnded, FieldFact>;
+          HeaderTooLong, ElfTemplateUnfit, SectionUnfit, NameNotFound, OverlapRefused, ImageDiffers,
+          NothingCompared, StatementExhausted, CrcParameterRefused, WordIncomplete, BusRefused,
+          ImageNotOfWords, AddressUnitRefused, AlignmentZero, FileNotOpened, FileNotWritten,
+          FileSpanTooLong, ProgramCalled, ProgramEnded, ScriptNotOpened, VariableRejected,
+          ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace
 

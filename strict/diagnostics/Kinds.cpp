@@ -112,6 +112,8 @@ constexpr std::array<KindRow, static_cast<std::size_t>(Kind::Count)> allKinds{{
             "a text that begins with a typographic quote"},
     KindRow{Kind::WideGap, "wide-gap", Error, false,
             "more than 64 MiB of gaps that would be filled"},
+    KindRow{Kind::Verify, "verify", Error, false,
+            "an image that VERIFY_BUFFER finds to have other bytes"},
 }};
 
 /// A kind is the index of its row.

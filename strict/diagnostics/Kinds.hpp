@@ -83,6 +83,7 @@ enum class Kind : unsigned char {
     BackslashPath,
     TypographicQuote,
     WideGap,
+    Verify,
     Count,  ///< of the kinds, itself not one
 };
 

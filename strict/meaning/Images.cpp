@@ -51,7 +51,8 @@ std::optional<Area> builtRange(const Statement& statement, const std::optional<A
     const AreaList areas = statement.areas();
     if (!areas.empty()) return spanOf(areas);
     if (statement.has(Role::InputFile)) return std::nullopt;
-    if (const Part* const values = statement.last(Role::Bytes)) return Area{0, values->numberCount};
+    if (const Part* const values = statement.last(Role::Bytes))
+        return Area{0, statement.bytesOf(*values)};
     return sources ? std::optional(spanOf(*sources)) : std::nullopt;
 }
 

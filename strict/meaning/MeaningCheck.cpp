@@ -38,7 +38,7 @@ constexpr std::array rules{
     Rule{{Role::Area}, checkOutsideAreas},
     Rule{{Role::Area}, checkDoubleAreas},
     Rule{{Role::UsesCrc, Role::UsesHash}, checkWholeImage},
-    Rule{{Role::ChangesImage}, checkValueSizes},
+    Rule{{Role::Area}, checkValueSizes},
     Rule{{Role::String}, checkTextSizes},
     Rule{{Role::Bytes}, checkCroppedValues},
     Rule{{Role::Lane}, checkLaneRows},

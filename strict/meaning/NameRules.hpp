@@ -7,13 +7,14 @@ namespace Strict {
 
 /// Roles of which only the last part of a statement counts; of options, that of one choice.
 inline constexpr Parser::Roles onlyOnce{
-    Parser::Role::Range,       Parser::Role::Address,    Parser::Role::Start,
-    Parser::Role::Section,     Parser::Role::Type,       Parser::Role::Format,
-    Parser::Role::Overlap,     Parser::Role::ByteOrder,  Parser::Role::WordSize,
-    Parser::Role::Gaps,        Parser::Role::ArrayName,  Parser::Role::Option,
-    Parser::Role::Lane,        Parser::Role::Interleave, Parser::Role::SwapBytes,
-    Parser::Role::AddressUnit, Parser::Role::ShortGaps,  Parser::Role::Alignment,
-    Parser::Role::GuardName,   Parser::Role::Header,     Parser::Role::Template};
+    Parser::Role::Range,     Parser::Role::Address,     Parser::Role::Start,
+    Parser::Role::Section,   Parser::Role::Type,        Parser::Role::Format,
+    Parser::Role::Overlap,   Parser::Role::ByteOrder,   Parser::Role::WordSize,
+    Parser::Role::ValueSize, Parser::Role::Gaps,        Parser::Role::ArrayName,
+    Parser::Role::Option,    Parser::Role::Lane,        Parser::Role::Interleave,
+    Parser::Role::SwapBytes, Parser::Role::AddressUnit, Parser::Role::ShortGaps,
+    Parser::Role::Alignment, Parser::Role::GuardName,   Parser::Role::Header,
+    Parser::Role::Template};
 
 /// `repeated-option`: of an option that has one value only the last one counts. Areas, which add
 /// up, may be given several times.

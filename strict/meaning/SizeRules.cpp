@@ -72,7 +72,7 @@ void checkWholeImage(const Step& step) {
 
 void checkValueSizes(const Step& step) {
     const Statement& statement = step.statement;
-    if (!step.has(Role::ChangesImage) || !step.has(Role::Area)) return;
+    if (!step.has(Role::ChangesImage) && !statement.isComparison()) return;
     if (step.put) {
         const auto size = step.values.sizeOf(*step.put);
         for (const Part& part : statement.all(Role::Area)) {
@@ -84,8 +84,8 @@ void checkValueSizes(const Step& step) {
     if (const Part* const list = statement.last(lists))
         for (const Part& part : statement.all(Role::Area)) {
             const std::uint64_t length = statement.areaOf(part).length;
-            if (list->numberCount > length && length != 0)
-                reportSize(step, "the list", list->numberCount, part);
+            const std::uint64_t size = statement.bytesOf(*list);
+            if (size > length && length != 0) reportSize(step, "the list", size, part);
         }
 }
 
@@ -110,16 +110,17 @@ void checkCroppedValues(const Step& step) {
     const Part* const list = statement.last(Role::Bytes);
     const Part* const range = statement.last(Role::Range);
     if (range == nullptr && !step.has(Role::Area)) return;
-    AreaList kept{{0, list->numberCount}};
+    const std::uint64_t all = statement.bytesOf(*list);
+    AreaList kept{{0, all}};
     if (range != nullptr && statement.areaOf(*range) != Area{})
         kept = clipped(std::move(kept), statement.areaOf(*range));
     if (step.has(Role::Area)) kept = clipped(kept, united(statement.areas()));
     std::uint64_t bytes = 0;
     for (const Area& area : kept) bytes += area.length;
-    if (bytes == list->numberCount) return;
+    if (bytes == all) return;
     step.findings.report(Kind::Cropped,
-                         std::to_string(list->numberCount - bytes) + " of " +
-                             Inspect::countText(list->numberCount, "value") +
+                         std::to_string(all - bytes) + " of " +
+                             Inspect::countText(all, step.has(Role::ValueSize) ? "byte" : "value") +
                              " are left out of the image",
                          (range != nullptr ? *range : *statement.last(Role::Area)).text,
                          "the first value has the address 0; -changeStartAddressTo= moves them");

@@ -21,7 +21,8 @@ struct Step {
     /// The images that the statement reads or changes, by their numbers; unknown ones are left out.
     std::span<const std::size_t> used;
     std::optional<std::size_t> changed;  ///< the image that it changes, if it is known
-    std::optional<std::size_t> put;      ///< the value that it puts there, if it is known
+    /// The value that it puts there or compares the image with, if it is known.
+    std::optional<std::size_t> put;
     const Images& images;
     const StoredValues& values;
     Findings& findings;

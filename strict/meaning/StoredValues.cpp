@@ -91,7 +91,7 @@ void StoredValues::addSources(Piece& piece, std::size_t image, AreaList areas) c
 }
 
 std::optional<std::size_t> StoredValues::putBy(const Statement& statement) const {
-    if (!statement.has(Role::ChangesImage)) return std::nullopt;
+    if (!statement.has(Role::ChangesImage) && !statement.isComparison()) return std::nullopt;
     for (const auto& [role, values] :
          {std::pair(Role::UsesCrc, &crcs_), std::pair(Role::UsesHash, &hashes_)}) {
         if (!statement.has(role)) continue;

@@ -35,7 +35,8 @@ public:
     void compute(const Parser::Statement& statement, std::span<const std::size_t> covered,
                  const Parser::WrapperLib::CmdNewValue& command);
 
-    /// The number of the CRC or hash that a statement puts somewhere, or nothing.
+    /// The number of the CRC or hash that a statement puts into an image or compares one with, or
+    /// nothing.
     std::optional<std::size_t> putBy(const Parser::Statement& statement) const;
 
     bool empty() const { return values_.empty(); }

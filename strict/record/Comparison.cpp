@@ -238,9 +238,10 @@ void explain(Diagnostic& diagnostic, RunFiles& files, const Inspect::FileRecord&
     }
     const Buffer::AreaList areas = differences(*disk, *contents);
     if (areas.empty()) {
-        diagnostic.hint = haveSameLines(text, files.contentsOf(path))
-                              ? "only the line ends differ"
-                              : "the bytes of the images are the same, the rest of the file differs";
+        diagnostic.hint =
+            haveSameLines(text, files.contentsOf(path))
+                ? "only the line ends differ"
+                : "the bytes of the images are the same, the rest of the file differs";
         return;
     }
     diagnostic.hint =

@@ -85,6 +85,9 @@ void addGaps(AreaList& gaps, const MemoryBuffer& image, const Area& area,
 }  // namespace
 
 void Provenance::enter(const Parser::Statement& statement) {
+    running_ = statement;
+    for (const Role made : {Role::MakesCrc, Role::MakesHash})
+        if (statement.has(made)) values_.insert(statement.textOf(made));
     statement_.reset();
     current_ = {};
     current_.hasNamedRange = statement.roles.hasAny({Role::Range, Role::Area}) ||
@@ -285,6 +288,22 @@ Note Provenance::noteOf(const char* what, const std::string& image, std::uint64_
     if (found == images_.end()) return {what, std::nullopt};
     const bool isWritten = found->second.written.find(address) != nullptr;
     return originNote(what, isWritten ? found->second.written : found->second.fillers, address);
+}
+
+std::vector<Note> Provenance::notesOn(const Facts::ImageDiffers& difference) const {
+    std::vector<Note> notes;
+    const auto add = [&](const char* what, std::string_view image) {
+        Note note = noteOf(what, std::string(image), difference.address);
+        if (note.place) notes.push_back(std::move(note));
+    };
+    if (difference.found) add("this byte comes from", difference.image);
+    if (!difference.other.empty()) add("the other byte comes from", difference.other);
+    for (const Role used : {Role::UsesCrc, Role::UsesHash}) {
+        const auto value = values_.find(running_.textOf(used));
+        if (running_.has(used) && value != values_.end())
+            notes.push_back({std::string(*value) + " is computed here", reports_->placeOf(*value)});
+    }
+    return notes;
 }
 
 void Provenance::reportOverlaps(const MemoryBuffer& image, const std::string& name,

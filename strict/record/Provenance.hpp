@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <utility>
@@ -96,6 +97,9 @@ public:
     /// A note on what gave an image its byte at `address`.
     Note noteOf(const char* what, const std::string& image, std::uint64_t address) const;
 
+    /// Notes on what gave both sides of a comparison their first byte that differs.
+    std::vector<Note> notesOn(const Facts::ImageDiffers& difference) const;
+
     void onRead(const Parser::WrapperLib::CmdNewBuffer& statement,
                 const Io::Import::TessaronImportApi& reader, const Buffer::Area& range) override;
     void onOverlay(const Parser::WrapperLib::CmdNewBuffer& statement,
@@ -137,6 +141,9 @@ private:
     Note originNote(const char* what, const OriginMap& origins, std::uint64_t address) const;
 
     StatementReports* reports_;
+    Parser::Statement running_;
+    /// The names of the CRCs and hashes that were computed, where their statements have them.
+    std::set<std::string_view> values_;
     std::optional<std::size_t> statement_;  ///< the source that the statement is, once needed
     Image current_;                         ///< the image that is being made
     std::map<std::string, Image> images_;

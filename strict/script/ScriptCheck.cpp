@@ -217,9 +217,13 @@ void ScriptCheck::checkEffects(const Statement& statement) {
         report(Kind::ExecutionAddress,
                "-setExecutionAddress sets the name of a section, not a start address", section,
                "give the address without an option: " + std::string(section));
-    if (statement.has(Role::String) && !statement.has(Role::Area))
+    if (statement.roles.has(Role::ChangesImage) && statement.has(Role::String) &&
+        !statement.has(Role::Area))
         report(Kind::NoEffect, "WITH_STRING writes nothing without an area",
                statement.textOf(Role::String), "add -useAreas={{start, length}}");
+    if (statement.has(Role::ValueSize) && !statement.roles.hasAny({Role::Bytes, Role::Filler}))
+        report(Kind::NoEffect, "-setValueSize has no effect without a list of values",
+               statement.textOf(Role::ValueSize));
     const Part* const copied = statement.last(Role::Template);
     if (copied != nullptr && !copiesFile(statement))
         report(Kind::NoEffect, "-setElfTemplate has no effect without -setFormat=Elf",
@@ -286,7 +290,7 @@ std::optional<std::uint64_t> ScriptCheck::lengthOf(const Statement& statement) {
         return statement.areaOf(*range).length;
     if (statement.has(Role::Area)) return std::nullopt;
     const Part* const bytes = statement.last(Role::Bytes);
-    return bytes == nullptr ? std::nullopt : std::optional<std::uint64_t>(bytes->numberCount);
+    return bytes == nullptr ? std::nullopt : std::optional(statement.bytesOf(*bytes));
 }
 
 void ScriptCheck::checkEnd(const Statement& statement) {
@@ -308,11 +312,16 @@ void ScriptCheck::checkEnd(const Statement& statement) {
 }
 
 void ScriptCheck::checkBytes(const Statement& statement, const Part& part) {
+    const std::string_view size = statement.textOf(Role::ValueSize);
+    if (size == "4") return;
     for (const Number& number : statement.numbersOf(part))
-        if (number.value > 0xFF)
+        if (size.empty() && number.value > 0xFF)
             report(Kind::TruncatedValue,
-                   "the value does not fit into a byte, only its low eight bits count",
-                   number.text);
+                   "the value does not fit into a byte, only its low eight bits count", number.text,
+                   "-setValueSize=2 or 4 takes larger values");
+        else if (number.value > 0xFFFF)
+            report(Kind::ValueSize, "the value does not fit into 2 bytes", number.text,
+                   "-setValueSize=4 takes all values");
 }
 
 void ScriptCheck::checkArea(const Statement& statement, const Part& part) {

@@ -104,7 +104,7 @@ syntax match tessaronConstant /\v<%(Hash_Sha3_224|Hash_Sha3_256|Hash_Sha3_384|Ha
 " Options.
 syntax match tessaronSection /\.\?\k\+/ contained
 syntax match tessaronSectionEquals /=/ contained nextgroup=tessaronSection skipwhite skipempty
-syntax match tessaronOption /\v<%(-changeStartAddressTo|-setByteOrder|-setType|-setFormat|-skipUnwritten|-onOverlap|-useWordSize|-interleave|-swapBytes|-setAddressUnit|-fillGapsUpTo|-alignTo|-setAlignment|-setVendorId|-setProductId|-setElfTemplate|-useSections|-skipSections)/
+syntax match tessaronOption /\v<%(-changeStartAddressTo|-setByteOrder|-setType|-setFormat|-skipUnwritten|-onOverlap|-useWordSize|-interleave|-swapBytes|-setAddressUnit|-fillGapsUpTo|-alignTo|-setAlignment|-setVendorId|-setProductId|-setElfTemplate|-setValueSize|-useSections|-skipSections)/
 syntax match tessaronOption /\v<%(-setExecutionAddress|-setArrayName|-setIncludeGuard)/
       \ nextgroup=tessaronSectionEquals skipwhite skipempty
 syntax match tessaronOption /\v<%(-useAreas|-useBufferRange|-useLane)/
@@ -118,7 +118,7 @@ syntax match tessaronOption /\v<-resolveSymbolsAsHexValue/
 
 " Sources.
 syntax match tessaronSource /\v<EMPTY/
-syntax match tessaronSource /\v<%(WITH_CRC|WITH_HASH|FROM_BUFFER)/
+syntax match tessaronSource /\v<%(WITH_CRC|WITH_HASH|WITH_BUFFER|FROM_BUFFER)/
       \ nextgroup=tessaronName,tessaronNameComment skipwhite skipempty
 syntax match tessaronSource "\v<%(FROM_BUFFERS%(\s*%(\{|$|//))@=|WITH_BUFFERS)"
       \ nextgroup=tessaronNames skipwhite skipempty
@@ -135,7 +135,7 @@ syntax match tessaronSource /\v<WITH_STRING/
 
 " Statements.
 syntax match tessaronStatement /\v<CALCULATE/
-syntax match tessaronStatement /\v<%(NEW_BUFFER|FILL_BUFFER|NEW_CRC|NEW_HASH|PRINT_BUFFER|PRINT_CRC|PRINT_HASH)/
+syntax match tessaronStatement /\v<%(NEW_BUFFER|FILL_BUFFER|VERIFY_BUFFER|NEW_CRC|NEW_HASH|PRINT_BUFFER|PRINT_CRC|PRINT_HASH)/
       \ nextgroup=tessaronName,tessaronNameComment skipwhite skipempty
 syntax match tessaronStatement /\v<PRINT_TEXT/
       \ nextgroup=tessaronPrintedBareText,tessaronPrintedQuotedText,tessaronPrintedBracedText,
