@@ -2,7 +2,7 @@
 # Runs clang-tidy over the sources of the program, those for Windows left out: it has no headers for
 # them.
 #   scripts/tidy.sh              all of them
-#   scripts/tidy.sh --changed    those changed since the last tag, or in the last 20 commits if there
+#   scripts/tidy.sh --changed    those changed since the last tag, or in the last 10 commits if there
 #                                is no tag, and those beside a changed header
 set -eu
 cd "$(dirname "$0")/.."
@@ -12,7 +12,7 @@ files=$(git ls-files -co --exclude-standard -- '*.cpp' |
 if [ "${1:-}" = --changed ]; then
     # A shallow clone ends earlier; its first commit is then what the files are compared with.
     base=$(git describe --tags --abbrev=0 2>/dev/null ||
-        git rev-list --first-parent --max-count=21 HEAD | tail -n 1)
+        git rev-list --first-parent --max-count=11 HEAD | tail -n 1)
     changed=$(git diff --name-only "$base" -- '*.cpp' '*.hpp' | sed 's/\.[ch]pp$//')
     files=$(for file in $files; do
         ! echo "$changed" | grep -qxF "${file%.cpp}" || echo "$file"
