@@ -50,6 +50,8 @@ Names namesOf(const ElfFile& file) {
     std::ranges::stable_sort(segments, {}, start);
     std::vector<Name> names;
     for (const Io::Import::Symbol& symbol : file.symbols()) {
+        // Such as the numbers of registers.
+        if (symbol.isAbsolute) continue;
         const auto after = std::ranges::upper_bound(segments, symbol.address, {}, start);
         if (after == segments.begin()) continue;
         const ElfSegment& segment = **std::prev(after);

@@ -27,7 +27,8 @@ struct Symbol {
     std::uint64_t address;
     std::uint64_t size;
     Kind kind;
-    bool isGlobal;  ///< known to all files that were linked, not to one alone
+    bool isGlobal;    ///< known to all files that were linked, not to one alone
+    bool isAbsolute;  ///< a number that no section has, not the address of something
 };
 
 /// A file as a set of addressed bytes, whatever its format. A reader parses the whole file in its

@@ -97,8 +97,9 @@ def write(path, image, *options):
 
 def link(name, parts):
     """Assembles and links the parts, each a section, a symbol and its bytes, to an ELF file with its
-    map file, and makes a HEX file of it. What is called isr is a label without size."""
-    lines = []
+    map file, and makes a HEX file of it. What is called isr is a label without size, and `register`
+    a number that is not the name of what is at that address."""
+    lines = [".set register, 0x800001B"]
     for section, symbol, data in parts:
         lines += ['.section .%s, "%s"' % (section, {"text": "ax", "data": "aw"}[section]),
                   ".global " + symbol]

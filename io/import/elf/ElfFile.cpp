@@ -288,7 +288,8 @@ std::optional<Symbol> ElfFile::symbolOf(std::span<const std::uint8_t> entry,
     constexpr unsigned bindingShift = 4;
     const bool isGlobal = number(fields.info) >> bindingShift != Elf::localBinding;
     Symbol symbol{nameAt(names, number(fields.name)), number(fields.value) * addressUnit_,
-                  number(fields.symbolSize), Symbol::Kind::Other, isGlobal};
+                  number(fields.symbolSize), Symbol::Kind::Other, isGlobal,
+                  number(fields.section) == Elf::absoluteSection};
     const bool isMapping = hasMappingSymbols_ && !isGlobal && isMappingName(symbol.name);
     if (isMapping) return std::nullopt;
     if (type == Elf::dataSymbol) symbol.kind = Symbol::Kind::Data;

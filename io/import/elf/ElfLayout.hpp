@@ -49,18 +49,19 @@ extern const Layout layout64;
 inline constexpr std::size_t identificationSize = 16;
 inline constexpr std::size_t largestHeader = 64;
 
-inline constexpr std::uint64_t loadSegment = 1;          ///< PT_LOAD
-inline constexpr std::uint64_t countInSection = 0xFFFF;  ///< PN_XNUM
-inline constexpr std::uint64_t nameInSection = 0xFFFF;   ///< SHN_XINDEX
-inline constexpr std::uint64_t symbolTable = 2;          ///< SHT_SYMTAB
-inline constexpr std::uint64_t noBits = 8;               ///< SHT_NOBITS
-inline constexpr std::uint64_t allocated = 2;            ///< SHF_ALLOC
-inline constexpr std::uint64_t dataSymbol = 1;           ///< STT_OBJECT
-inline constexpr std::uint64_t functionSymbol = 2;       ///< STT_FUNC
-inline constexpr std::uint64_t sectionSymbol = 3;        ///< STT_SECTION
-inline constexpr std::uint64_t fileSymbol = 4;           ///< STT_FILE
-inline constexpr std::uint64_t localBinding = 0;         ///< STB_LOCAL
-inline constexpr std::uint64_t machineArm = 40;          ///< EM_ARM
+inline constexpr std::uint64_t loadSegment = 1;           ///< PT_LOAD
+inline constexpr std::uint64_t countInSection = 0xFFFF;   ///< PN_XNUM
+inline constexpr std::uint64_t nameInSection = 0xFFFF;    ///< SHN_XINDEX
+inline constexpr std::uint64_t absoluteSection = 0xFFF1;  ///< SHN_ABS
+inline constexpr std::uint64_t symbolTable = 2;           ///< SHT_SYMTAB
+inline constexpr std::uint64_t noBits = 8;                ///< SHT_NOBITS
+inline constexpr std::uint64_t allocated = 2;             ///< SHF_ALLOC
+inline constexpr std::uint64_t dataSymbol = 1;            ///< STT_OBJECT
+inline constexpr std::uint64_t functionSymbol = 2;        ///< STT_FUNC
+inline constexpr std::uint64_t sectionSymbol = 3;         ///< STT_SECTION
+inline constexpr std::uint64_t fileSymbol = 4;            ///< STT_FILE
+inline constexpr std::uint64_t localBinding = 0;          ///< STB_LOCAL
+inline constexpr std::uint64_t machineArm = 40;           ///< EM_ARM
 /// EM_DSPIC30F; as on the next, an address counts words of 16 bits.
 inline constexpr std::uint64_t machineDsPic30F = 118;
 /// EM_TI_C2000 (Texas Instruments, "C28x Embedded Application Binary Interface", SPRAC71).
