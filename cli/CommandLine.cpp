@@ -361,6 +361,7 @@ void addMap(CLI::App& app, Request& request, Texts& texts) {
         ->required();
     addFileOption(*map, "--svg", request.inspection.svgFile, "writes a picture instead");
     map->add_flag("--ascii", request.inspection.isAscii, "draws without block characters");
+    addNames(*map, request);
     addInspection(*map, request, texts);
     map->parse_complete_callback([&request] { request.command = Command::Map; });
 }

@@ -43,13 +43,10 @@ std::optional<Facts::InputFormat> formatOf(const Inspection& inspection, std::si
     return formats.size() == 1 ? formats.front() : formats[file];
 }
 
-/// The images of the files that can be read.
-std::vector<Inspect::Image> imagesOf(const Inspection& inspection, Printer& printer) {
-    std::vector<Inspect::Image> images;
-    for (std::size_t i = 0; i < inspection.files.size(); ++i)
-        if (auto image = Strict::readImage(inspection.files[i], formatOf(inspection, i), printer))
-            images.push_back(std::move(*image));
-    return images;
+/// The image of a file, by its number; nothing after a diagnostic.
+std::optional<Inspect::Image> imageOf(const Inspection& inspection, std::size_t file,
+                                      Printer& printer) {
+    return Strict::readImage(inspection.files[file], formatOf(inspection, file), printer);
 }
 
 /// The names for each file: of the ELF or map file that is given for it or for all, or of an ELF
@@ -117,7 +114,9 @@ ExitCode info(const Inspection& inspection, Printer& printer, const Strict::Poli
 }
 
 ExitCode diff(const Inspection& inspection, Printer& printer, std::ostream& output) {
-    const std::vector<Inspect::Image> images = imagesOf(inspection, printer);
+    std::vector<Inspect::Image> images;
+    for (std::size_t i = 0; i < inspection.files.size(); ++i)
+        if (auto image = imageOf(inspection, i, printer)) images.push_back(std::move(*image));
     const NameFiles files(inspection, printer);
     if (images.size() != 2 || !files.isGood() || printer.errors() != 0) return ExitCode::Unusable;
     Inspect::Diff found = Inspect::compare(images[0], images[1], inspection.ignored);
@@ -140,7 +139,8 @@ namespace {
 void writePicture(const Inspection& inspection, const std::string& picture, Printer& printer) {
     using Strict::FileRole;
     Strict::RunFiles files(Strict::RunFiles::Mode::Disk);
-    for (const std::string& file : inspection.files) files.name(file, FileRole::Input);
+    for (const auto* const inputs : {&inspection.files, &inspection.nameFiles})
+        for (const std::string& file : *inputs) files.name(file, FileRole::Input);
     if (Strict::nameFile(files, inspection.svgFile, FileRole::Map, printer))
         Strict::writeWhole(files, inspection.svgFile, picture, printer);
 }
@@ -148,9 +148,14 @@ void writePicture(const Inspection& inspection, const std::string& picture, Prin
 }  // namespace
 
 ExitCode map(const Inspection& inspection, Printer& printer, std::ostream& output) {
+    const NameFiles names(inspection, printer);
     std::vector<Inspect::MapRow> rows;
-    for (const Inspect::Image& image : imagesOf(inspection, printer))
-        rows.push_back(Inspect::rowOf(image));
+    for (std::size_t i = 0; i < inspection.files.size(); ++i) {
+        const auto image = imageOf(inspection, i, printer);
+        if (!image) continue;
+        rows.push_back(Inspect::rowOf(*image));
+        rows.back().names = names.of(i, image->path, image->format);
+    }
     const Inspect::Map drawn(std::move(rows));
     const std::size_t width = widthOf(inspection);
     if (inspection.svgFile.empty())

@@ -49,7 +49,7 @@ _tessaron_words() {
         info:-*) compgen -W "$common --json --symbols --elf --from --width" -- "$current" ;;
         diff:-*)
             compgen -W "$common --json --ignore --context --max-lines --elf --from --width" -- "$current" ;;
-        map:-*) compgen -W "$common --svg --ascii --from --width" -- "$current" ;;
+        map:-*) compgen -W "$common --svg --ascii --elf --from --width" -- "$current" ;;
         convert:-*)
             compgen -W "$common --crop --fill --offset --from --format --lane --interleave --with \
                 --swap-bytes --unit-in --unit-out --fill-gaps --align --sections --skip-sections \

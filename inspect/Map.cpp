@@ -79,8 +79,13 @@ AreaList panelsOf(const std::vector<MapRow>& rows) {
 /// How many bytes of each kind a cell has.
 struct Cell {
     std::array<std::uint64_t, looks.size()> bytes{};
+    Area filled{};  ///< from the first of them to the last one, in the panel
 
-    void add(MapKind kind, std::uint64_t count) { bytes[static_cast<std::size_t>(kind)] += count; }
+    void add(MapKind kind, const Area& area) {
+        bytes[static_cast<std::size_t>(kind)] += area.length;
+        if (filled.length == 0) filled.start = area.start;
+        filled.length = area.end() - filled.start;
+    }
     std::uint64_t of(MapKind kind) const { return bytes[static_cast<std::size_t>(kind)]; }
 };
 
@@ -103,7 +108,7 @@ std::vector<Cell> cellsOf(const MapRow& row, const Area& panel, std::size_t coun
             const std::uint64_t next = cell + 1 == count ? panel.length : beginOf(cell + 1);
             if (next <= at) continue;
             const std::uint64_t taken = std::min(next, end) - at;
-            cells[static_cast<std::size_t>(cell)].add(range.kind, taken);
+            cells[static_cast<std::size_t>(cell)].add(range.kind, {at, taken});
             at += taken;
         }
     }
@@ -145,6 +150,23 @@ std::string summary(const MapRow& row) {
             text += ", " + sizeText(bytes) +
                     (kind == MapKind::Filler ? " of filler" : " of values in it");
     return text;
+}
+
+/// What the ranges of a row begin and end with.
+std::string namedRanges(const MapRow& row) {
+    constexpr std::size_t mostShown = 20;
+    std::string text;
+    std::size_t count = 0;
+    for (const MapRange& range : row.ranges) {
+        const std::string names = row.names.of(range.area);
+        if (names.empty() || ++count > mostShown) continue;
+        text.append("  ").append(rangeText(range.area)).append("  ");
+        text.append(Util::printable(names)).append("\n");
+    }
+    if (count > mostShown)
+        text.append("  and ").append(countText(count - mostShown, "more area")).append("\n");
+    if (text.empty()) return text;
+    return std::string("\n").append(Util::printable(row.label)).append("\n").append(text);
 }
 
 /// The number of cells of a panel of up to `most`; none is smaller than a byte.
@@ -285,28 +307,44 @@ private:
         y_ += 20;
     }
 
+    /// @param title  shown to who points at the box; empty for none
     void addBox(const Look& look, std::size_t x, std::size_t y, std::size_t boxWidth,
-                std::size_t height) {
+                std::size_t height, const std::string& title = {}) {
         body_ += "<rect class=\"" + std::string(&look == &partLook ? "part" : look.word) +
                  "\" x=\"" + std::to_string(x) + "\" y=\"" + std::to_string(y) + "\" width=\"" +
-                 std::to_string(boxWidth) + "\" height=\"" + std::to_string(height) + "\"/>\n";
+                 std::to_string(boxWidth) + "\" height=\"" + std::to_string(height) + "\"";
+        body_ += title.empty() ? "/>\n"
+                               : "><title>" + Util::printableMarkup(title) + "</title></rect>\n";
+    }
+
+    /// Where the names of a row are, or nothing.
+    static std::string titleOf(const Names& names, const Area& area) {
+        const std::string text = names.of(area);
+        return text.empty() ? "" : rangeText(area) + ": " + text;
     }
 
     void addRow(const Area& panel, const MapRow& row) {
         body_ += "<g><title>" + Util::printableMarkup(row.label) + "</title>";
         addText(labelOf(row), left, y_ + 15);
         addBox(lookOf(MapKind::Gap), bars, y_, width, boxHeight);
-        // Cells that look alike become one rectangle, so that no map has more than a thousand.
+        // Cells that look alike and have one name become one rectangle, so that no map has more
+        // than a thousand.
         const std::size_t count = cellCount(panel, width);
         const auto cells = cellsOf(row, panel, count);
         const auto lookAt = [&](std::size_t i) { return &lookOf(cells[i], panel.length / count); };
+        const auto nameAt = [&](std::size_t i) {
+            return row.names.find(panel.start + cells[i].filled.start);
+        };
         for (std::size_t i = 0; i < count;) {
             const Look* const look = lookAt(i);
             std::size_t next = i + 1;
-            while (next < count && lookAt(next) == look) ++next;
+            while (next < count && lookAt(next) == look && nameAt(next) == nameAt(i)) ++next;
+            const Area filled{panel.start + cells[i].filled.start,
+                              cells[next - 1].filled.end() - cells[i].filled.start};
             if (look != &lookOf(MapKind::Gap))
                 addBox(*look, bars + i * width / count, y_,
-                       next * width / count - i * width / count, boxHeight);
+                       next * width / count - i * width / count, boxHeight,
+                       titleOf(row.names, filled));
             i = next;
         }
         body_ += "</g>\n";
@@ -342,6 +380,7 @@ std::string Map::text(std::size_t width, bool isUnicode) const {
         text += drawing.panel(panel, rows_);
     }
     if (!panels_.empty()) text.append("\n").append(drawing.legend());
+    for (const MapRow& row : rows_) text += namedRanges(row);
     return text;
 }
 

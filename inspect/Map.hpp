@@ -7,6 +7,7 @@
 
 #include "buffer/Area.hpp"
 #include "inspect/Image.hpp"
+#include "inspect/Names.hpp"
 
 namespace Inspect {
 
@@ -28,6 +29,7 @@ struct MapRange {
 struct MapRow {
     std::string label;
     std::vector<MapRange> ranges;
+    Names names = {};  ///< of what is at its addresses, if anybody knows
 };
 
 /// A map of images beside each other: the same address is in the same column.
@@ -35,12 +37,14 @@ class Map {
 public:
     explicit Map(std::vector<MapRow> rows);
 
-    /// Lines for a terminal of `width` columns.
+    /// Lines for a terminal of `width` columns. What ranges begin and end with follows the map, of
+    /// the first ranges of a row that have names.
     ///
     /// @param isUnicode  whether it shows block characters; others get ASCII
     std::string text(std::size_t width, bool isUnicode) const;
 
-    /// A picture in the format SVG.
+    /// A picture in the format SVG. Where a row has names, a box for each of them shows it to who
+    /// points at it.
     std::string svg() const;
 
     /// The ranges of addresses that are shown, each with its own scale: where no image has anything
@@ -52,7 +56,7 @@ private:
     Buffer::AreaList panels_;
 };
 
-/// The data of a file as a row.
+/// The data of a file as a row, without names.
 MapRow rowOf(const Image& image);
 
 }  // namespace Inspect

@@ -117,17 +117,22 @@ std::string Names::of(const Area& area) const {
     const Name* const first = find(area.start);
     const Name* const last = find(area.end() - 1);
     const std::string text = at(area.start);
-    if (area.length == 1 || last == nullptr) return text;
-    if (first == nullptr) return at(area.end() - 1);
-    if (first == last) return text + " to " + offsetText(area.end() - 1 - first->area.start);
-    return text + " to " + at(area.end() - 1);
+    if (area.length == 1) return text;
+    const bool isOne = first == last && first != nullptr;
+    return fromTo(text,
+                  isOne ? offsetText(area.end() - 1 - first->area.start) : at(area.end() - 1));
 }
 
-Names namesIn(const std::string& path) {
+std::string fromTo(const std::string& first, const std::string& last) {
+    return first.empty() || last.empty() ? first + last : first + " to " + last;
+}
+
+Names namesIn(const std::string& path, std::uint32_t addressUnit) {
     Platform::InputFile file = Io::openInput(path);
     std::string head(4, '\0');
     head.resize(file.readAt(0, head));
-    if (Io::Import::ElfInFile::looksLike(head)) return namesOf(ElfFile(path, std::move(file)));
+    if (Io::Import::ElfInFile::looksLike(head))
+        return namesOf(ElfFile(path, std::move(file), addressUnit));
     return namesOfLinkerMap(file);
 }
 

@@ -44,18 +44,23 @@ public:
     /// empty if neither has one.
     std::string of(const Buffer::Area& area) const;
 
-private:
+    /// The name that has the address, or null.
     const Name* find(std::uint64_t address) const;
 
+private:
     std::vector<Name> names_;
 };
 
 /// The names of what an ELF file or the map file of GNU ld says is loaded. A file of another kind
 /// has none.
 ///
+/// @param addressUnit  the addresses of an ELF file count words of that many bytes
 /// @throws Io::bad_open
 /// @throws Io::Import::Malformed  after a report, for a damaged ELF file
-Names namesIn(const std::string& path);
+Names namesIn(const std::string& path, std::uint32_t addressUnit = 1);
+
+/// "main+0x14 to table", of the names of two addresses; the only one if one of them is empty.
+std::string fromTo(const std::string& first, const std::string& last);
 
 /// The name of a symbol as the source has it, if it is that of C++.
 std::string demangled(const std::string& symbol);

@@ -138,7 +138,7 @@ private:
     void addInputs();
     void addImages();
     void addImage(std::size_t index);
-    void addRange(std::size_t index, const OriginRange& range);
+    void addRange(std::size_t index, const OriginRange& range, bool hasNames);
     void addValues();
     void addRemarks();
     void addScript();
@@ -349,22 +349,27 @@ void Page::addImage(std::size_t index) {
     add("<label>Address <input id=\"go-" + number + "\" value=\"" + addressText(area.start) +
         "\" spellcheck=\"false\"></label><span class=\"dim\" id=\"view-" + number +
         "\"></span></div>\n<output id=\"at-" + number + "\"></output>\n");
-    addTable(
-        "<th>Addresses</th><th class=\"n\">Bytes</th><th>What</th><th>Made in</th><th>From</th>");
-    for (std::size_t i = 0; i < image.ranges.size() && i < mostRows; ++i)
-        addRange(index, image.ranges[i]);
+    const std::span shown = std::span(image.ranges).first(std::min(image.ranges.size(), mostRows));
+    const bool hasNames =
+        std::ranges::any_of(shown, [](const OriginRange& range) { return !range.names.empty(); });
+    addTable(hasNames ? "<th>Addresses</th><th class=\"n\">Bytes</th><th>What</th><th>Names</th>"
+                        "<th>Made in</th><th>From</th>"
+                      : "<th>Addresses</th><th class=\"n\">Bytes</th><th>What</th><th>Made in</th>"
+                        "<th>From</th>");
+    for (const OriginRange& range : shown) addRange(index, range, hasNames);
     endTable();
     if (image.ranges.size() > mostRows)
         addText(countText(image.ranges.size() - mostRows, "more range"));
     add("</section>\n");
 }
 
-void Page::addRange(std::size_t index, const OriginRange& range) {
+void Page::addRange(std::size_t index, const OriginRange& range, bool hasNames) {
     constexpr std::array words{"", "filler", "data", "value"};
     add("<tr><td class=\"m\">" + rangeLink(index, range.area) + rangeText(range.area) +
         "</a></td>");
     addCell(grouped(range.area.length), " class=\"n\"");
     addCell(words[static_cast<std::size_t>(range.kind)]);
+    if (hasNames) addCell(range.names);
     add("<td>" + lineLink(range.line) + "</td>");
     std::string from = range.file;
     if (range.firstLine != 0) from += ", " + linesText(range.firstLine, range.lastLine);

@@ -47,6 +47,7 @@ struct OriginRange {
     std::uint64_t firstLine = 0;  ///< of the input file; 0 in a file without lines
     std::uint64_t lastLine = 0;
     std::vector<LineRun> lines;  ///< ascending, as far as the lines are regular
+    std::string names = {};      ///< of the first and the last address; empty if nobody knows
 };
 
 /// An image at the end of a run; what it holds is borrowed.

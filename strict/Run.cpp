@@ -320,6 +320,7 @@ bool nameFiles(const RunOptions& options, RunFiles& files, DiagnosticSink& sink)
         FileRole role;
     };
     if (options.script != "-") nameFile(files, options.script, FileRole::Script, sink);
+    if (!options.nameFile.empty()) nameFile(files, options.nameFile, FileRole::Input, sink);
     if (options.isCheck) return true;
     bool isGood = true;
     for (const Row& row :
@@ -340,12 +341,13 @@ bool checkInputs(RunFiles& files, DiagnosticSink& sink) {
 }
 
 /// Compares the record with what is on disk, or adds it to the outputs. False if anything differs.
-bool useRecord(const RunOptions& options, const Inspect::RunRecord& record, RunFiles& files,
-               DiagnosticSink& sink) {
+bool useRecord(const RunOptions& options, const Inspect::RunRecord& record,
+               const Provenance& provenance, RunFiles& files, DiagnosticSink& sink) {
     if (options.isCheck) {
         const bool isAsListed =
             options.manifest.empty() || compareWithManifest(options.manifest, record, sink);
-        return (!options.comparesDisk || compareWithDisk(files, record, sink)) && isAsListed;
+        return (!options.comparesDisk || compareWithDisk(files, record, provenance, sink)) &&
+               isAsListed;
     }
     if (!options.manifest.empty())
         addFile(files, options.manifest, Inspect::manifestOf(record), sink);
@@ -434,14 +436,14 @@ private:
         if (!checkInputs(files_, *printer_)) return false;
         const FinishedRun finished{scriptSha256_,        &options_.variables,     &program,
                                    &execution.context(), &execution.provenance(), &files_};
-        const bool withLines = !options_.report.empty() || options_.comparesDisk;
-        Inspect::RunRecord record = recordOf(finished, withLines);
+        const bool withDetails = !options_.report.empty() || options_.comparesDisk;
+        Inspect::RunRecord record = recordOf(finished, withDetails);
         remarks_.finish();
         record.remarks = std::move(remarks_.remarks);
         // The record names all files by portable paths, its links lead from one to the other.
         for (Inspect::Remark& remark : record.remarks)
             remark.file = Platform::portablePath(remark.file);
-        return useRecord(options_, record, files_, *printer_);
+        return useRecord(options_, record, execution.provenance(), files_, *printer_);
     }
 
     RunOptions options_;

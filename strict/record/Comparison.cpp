@@ -67,17 +67,6 @@ Buffer::AreaList differences(const Inspect::Image& left, const Inspect::Image& r
     return Inspect::joined(std::move(all), 0);
 }
 
-std::string textOf(const Buffer::AreaList& areas) {
-    constexpr std::size_t mostShown = 8;
-    std::string text;
-    for (std::size_t i = 0; i < areas.size() && i < mostShown; ++i)
-        text += (i == 0 ? "" : ", ") + Inspect::addressText(areas[i].start) + " (" +
-                Inspect::countText(areas[i].length, "byte") + ")";
-    if (areas.size() > mostShown)
-        text += " and in " + Inspect::countText(areas.size() - mostShown, "more area");
-    return text;
-}
-
 /// The image that gave a byte of an output, and the address that the byte has in it.
 struct ImagePlace {
     const Inspect::ImageRecord* image;
@@ -142,6 +131,36 @@ private:
     /// Where a byte was before the bytes of words were reversed.
     std::uint64_t before(std::uint64_t address) const { return address ^ (swappedWord - 1); }
 };
+
+/// What is at an area of an output, as far as the run knows.
+std::string namesOf(const Buffer::Area& area, const ScriptOutput& made,
+                    const Provenance& provenance) {
+    const auto first = made.whereOf(area.start);
+    const auto last = made.whereOf(area.end() - 1);
+    const auto nameAt = [&provenance](const std::optional<ImagePlace>& where) {
+        return where ? provenance.namesAt(where->image->name, {where->address, 1}) : "";
+    };
+    if (first && last && first->image == last->image &&
+        last->address - first->address == area.length - 1)
+        return provenance.namesAt(first->image->name, {first->address, area.length});
+    return Inspect::fromTo(nameAt(first), nameAt(last));
+}
+
+/// "0x00008002 (1 byte, settings+0x2), 0x00008006 (2 bytes) and in 3 more areas"
+std::string textOf(const Buffer::AreaList& areas, const ScriptOutput& made,
+                   const Provenance& provenance) {
+    constexpr std::size_t mostShown = 8;
+    std::string text;
+    for (std::size_t i = 0; i < areas.size() && i < mostShown; ++i) {
+        const std::string names = namesOf(areas[i], made, provenance);
+        text += (i == 0 ? "" : ", ") + Inspect::addressText(areas[i].start) + " (" +
+                Inspect::countText(areas[i].length, "byte") + (names.empty() ? "" : ", " + names) +
+                ")";
+    }
+    if (areas.size() > mostShown)
+        text += " and in " + Inspect::countText(areas.size() - mostShown, "more area");
+    return text;
+}
 
 /// A note with the statement, and the line of the input, that a byte comes from.
 Note noteOn(std::string text, const std::optional<ImagePlace>& where,
@@ -219,7 +238,8 @@ bool haveSameLines(std::string_view one, std::string_view other) {
 
 /// Adds where an output that the script makes differs from the file on disk, whose text is `text`.
 void explain(Diagnostic& diagnostic, RunFiles& files, const Inspect::FileRecord& output,
-             const std::string& path, std::string_view text, const Inspect::RunRecord& record) {
+             const std::string& path, std::string_view text, const Inspect::RunRecord& record,
+             const Provenance& provenance) {
     const auto* const format = Parser::WrapperLib::CmdWriteFile::formatNamed(output.format);
     const std::optional<Inspect::Image> disk = contentsOf(path, format, output.addressUnit);
     const Io::HostScope hosting(files);
@@ -246,13 +266,14 @@ void explain(Diagnostic& diagnostic, RunFiles& files, const Inspect::FileRecord&
     }
     diagnostic.hint =
         (isRaw(*disk) ? "they differ at the offsets " : "they differ at the addresses ") +
-        textOf(areas);
+        textOf(areas, made, provenance);
     diagnostic.notes = notesOn(areas, *disk, made, record);
 }
 
 }  // namespace
 
-bool compareWithDisk(RunFiles& files, const Inspect::RunRecord& record, DiagnosticSink& sink) {
+bool compareWithDisk(RunFiles& files, const Inspect::RunRecord& record,
+                     const Provenance& provenance, DiagnosticSink& sink) {
     bool isEqual = true;
     for (const std::string& path : files.outputs()) {
         const auto disk = Platform::readFile(path);
@@ -264,7 +285,7 @@ bool compareWithDisk(RunFiles& files, const Inspect::RunRecord& record, Diagnost
         const auto output = std::ranges::find(record.outputs, Platform::portablePath(path),
                                               &Inspect::FileRecord::path);
         if (disk && output != record.outputs.end())
-            explain(diagnostic, files, *output, path, disk->text(), record);
+            explain(diagnostic, files, *output, path, disk->text(), record, provenance);
         sink.take(diagnostic);
     }
     return isEqual;

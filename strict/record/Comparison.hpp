@@ -3,11 +3,15 @@
 #include "inspect/RunRecord.hpp"
 #include "strict/diagnostics/Diagnostic.hpp"
 #include "strict/files/RunFiles.hpp"
+#include "strict/record/Provenance.hpp"
 
 namespace Strict {
 
 /// Compares what a run in memory wrote with the files on disk and reports each that differs, with
-/// the areas at which it does and where the bytes there come from. True if all are equal.
-bool compareWithDisk(RunFiles& files, const Inspect::RunRecord& record, DiagnosticSink& sink);
+/// the areas at which it does, what is there, and where the bytes come from. True if all are equal.
+///
+/// @param provenance  of the run
+bool compareWithDisk(RunFiles& files, const Inspect::RunRecord& record,
+                     const Provenance& provenance, DiagnosticSink& sink);
 
 }  // namespace Strict

@@ -117,6 +117,7 @@ OriginMap Provenance::originsIn(const CmdNewBuffer& statement, const TessaronImp
     }
     origins_.push_back({statement.fileName(), reader.getFormat(), reports_->statementPlace(),
                         statement.addressUnit()});
+    if (mayHaveNames(origins_.back())) current_.named = {{origins_.size() - 1, 0}};
     return all;
 }
 
@@ -152,11 +153,11 @@ void Provenance::onRead(const CmdNewBuffer& statement, const TessaronImportApi& 
                              ", lies where the image is",
                          {Role::InputFile});
     } else {
-        reportCropped(inputs_.back(), all, current_.written);
+        reportCropped(origins_.back(), all, current_.written);
     }
 }
 
-void Provenance::reportCropped(const Input& input, const OriginMap& all, const OriginMap& kept) {
+void Provenance::reportCropped(const Origin& input, const OriginMap& all, const OriginMap& kept) {
     if (all.size() == kept.size()) return;
     AreaList cropped;
     for (const auto& [start, entry] : all.ranges())
@@ -169,7 +170,7 @@ void Provenance::reportCropped(const Input& input, const OriginMap& all, const O
     if (cropped.empty()) return;
     reports_->report(Kind::Cropped,
                      Inspect::countText(Inspect::byteCount(cropped), "byte") + " of " + input.file +
-                         " are left out: " + list(cropped, namesOf(input.file, input.format)),
+                         " are left out: " + list(cropped, namesOf(input)),
                      {Role::InputFile});
 }
 
@@ -189,6 +190,11 @@ void Provenance::onOverlay(const CmdNewBuffer& statement, const MemoryBuffer& im
         current_.written.erase(*common);
         current_.fillers.erase(*common);
     }
+    // One that is known is not added, since many parts may have the same names.
+    for (const NamedFile& file : source.named)
+        if (std::ranges::none_of(
+                current_.named, [&](const NamedFile& known) { return haveSameNames(known, file); }))
+            current_.named.insert(isFirst ? current_.named.end() : current_.named.begin(), file);
     OriginMap written;
     written.lay(source.written, *common);
     if (isFirst) written.lay(current_.written, *common);
@@ -248,19 +254,34 @@ Provenance::Lines Provenance::linesOf(const OriginMap::Range& range) const {
     return lines.first == 0 || lines.last == 0 ? Lines{} : lines;
 }
 
-/// The names of what the file has at its addresses. Those of an ELF file are read at the first call
+bool Provenance::areGivenNamesOf(const Origin& origin) const {
+    return !names_.isEmpty() && origin.addressUnit == 1;
+}
+
+bool Provenance::mayHaveNames(const Origin& origin) const {
+    return areGivenNamesOf(origin) || origin.format == Facts::InputFormat::Elf;
+}
+
+bool Provenance::haveSameNames(const NamedFile& one, const NamedFile& other) const {
+    const Origin& origin = origins_[one.origin];
+    const Origin& another = origins_[other.origin];
+    if (one.moved != other.moved) return false;
+    if (areGivenNamesOf(origin)) return areGivenNamesOf(another);
+    return origin.file == another.file && origin.addressUnit == another.addressUnit;
+}
+
+/// The names of what a file has at its addresses. Those of an ELF file are read at the first call
 /// for it.
-const Inspect::Names& Provenance::namesOf(const std::string& file,
-                                          Facts::InputFormat format) const {
+const Inspect::Names& Provenance::namesOf(const Origin& origin) const {
     static const Inspect::Names unknown;
-    if (!names_.isEmpty()) return names_;
-    if (format != Facts::InputFormat::Elf) return unknown;
-    const auto [names, isNew] = elfNames_.try_emplace(file);
+    if (areGivenNamesOf(origin)) return names_;
+    if (!mayHaveNames(origin)) return unknown;
+    const auto [names, isNew] = elfNames_.try_emplace({origin.file, origin.addressUnit});
     if (!isNew) return names->second;
     Facts::Unheard unheard;
     const Facts::ListenerScope listening(unheard);
     try {
-        names->second = Inspect::namesIn(file);
+        names->second = Inspect::namesIn(origin.file, origin.addressUnit);
     } catch (const std::exception&) {
         // The file is gone, or its symbols are damaged: none of its names is known.
     }
@@ -276,11 +297,41 @@ Note Provenance::originNote(const char* what, const OriginMap& origins,
     const Origin& origin = originOf(sources_[byte->source]);
     if (origin.file.empty()) return {what, origin.statement};
     const std::uint64_t line = linesOf({{byte->address, 1}, byte->source, 0}).first;
-    const std::string name = namesOf(origin.file, origin.format).at(byte->address);
+    const std::string name = namesOf(origin).at(byte->address);
     Note note{what, Place{origin.file, static_cast<std::size_t>(line), 0, "", 0, 0}};
     if (!name.empty()) note.text += " " + name;
     if (line == 0) note.text += (name.empty() ? " " : " of ") + origin.file;
     return note;
+}
+
+/// Nothing where no name can be.
+std::optional<Provenance::NamedByte> Provenance::namedByteAt(const Image& image,
+                                                             std::uint64_t address) const {
+    const OriginMap::Range* const range = image.written.find(address);
+    const auto byte =
+        range == nullptr ? std::nullopt : byteAt(range->source, address - range->moved);
+    if (!byte) return std::nullopt;
+    const Origin& origin = originOf(sources_[byte->source]);
+    if (!origin.file.empty()) return NamedByte{&namesOf(origin), byte->address};
+    for (const NamedFile& file : image.named) {
+        const Inspect::Names& names = namesOf(origins_[file.origin]);
+        if (names.find(address - file.moved) != nullptr)
+            return NamedByte{&names, address - file.moved};
+    }
+    return std::nullopt;
+}
+
+std::string Provenance::namesAt(const std::string& image, const Area& area) const {
+    const auto found = images_.find(image);
+    if (found == images_.end() || area.length == 0) return "";
+    const auto first = namedByteAt(found->second, area.start);
+    const auto last = namedByteAt(found->second, area.end() - 1);
+    if (first && last && first->names == last->names &&
+        last->address - first->address == area.length - 1)
+        return first->names->of({first->address, area.length});
+    const std::string begin = first ? first->names->at(first->address) : "";
+    const std::string end = last ? last->names->at(last->address) : "";
+    return Inspect::fromTo(begin, end);
 }
 
 Note Provenance::noteOf(const char* what, const std::string& image, std::uint64_t address) const {
@@ -387,6 +438,7 @@ OriginMap Provenance::regroupedOrigins(const OriginMap& before,
 }
 
 void Provenance::onRegroup(const Buffer::Regrouping& regrouping) {
+    current_.named.clear();
     current_.written = regroupedOrigins(current_.written, regrouping);
     current_.fillers = regroupedOrigins(current_.fillers, regrouping);
 }
@@ -416,6 +468,7 @@ void Provenance::onMade(const std::string& name, const MemoryBuffer& /*image*/,
                         std::uint64_t distance) {
     current_.written.move(distance);
     current_.fillers.move(distance);
+    for (NamedFile& file : current_.named) file.moved += distance;
     images_.insert_or_assign(name, std::move(current_));
     current_ = {};
 }

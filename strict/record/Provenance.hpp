@@ -53,6 +53,12 @@ public:
         std::uint64_t last = 0;
     };
 
+    /// A file that was read into an image, and how far its addresses were moved since.
+    struct NamedFile {
+        std::size_t origin;   ///< its place among `origins`
+        std::uint64_t moved;  ///< modulo 2^64
+    };
+
     /// The origins of one image.
     struct Image {
         OriginMap written;
@@ -60,6 +66,9 @@ public:
         std::optional<std::uint64_t> startAddress;  ///< that its input file names
         /// The script gives its range, and not the distance between parts of what it is made of.
         bool hasNamedRange = false;
+        /// Whose names are those of the image's addresses, the ones that count first. None once
+        /// the bytes have gone to other places.
+        std::vector<NamedFile> named;
     };
 
     /// A file that became a part of an image.
@@ -72,8 +81,8 @@ public:
 
     explicit Provenance(StatementReports& reports) : reports_(&reports) {}
 
-    /// Tells what is at the addresses of images, for what is reported of them. Without it, ELF
-    /// files say so of the bytes that come from them.
+    /// Tells what is at the addresses of files that count bytes, for what is reported of them.
+    /// Without it, ELF files say so of the bytes that come from them.
     void setNames(Inspect::Names names) { names_ = std::move(names); }
 
     /// The statement is about to run.
@@ -93,6 +102,11 @@ public:
 
     /// All lines of a source's file. The first call for a file reads it once more.
     const std::vector<Inspect::LineRun>& lineRunsOf(const Source& source) const;
+
+    /// What is at addresses of an image, by the names of the files that gave it its bytes: bytes
+    /// of a file have their names in it, and those of a statement the names of what they replaced.
+    /// Empty if nobody knows.
+    std::string namesAt(const std::string& image, const Buffer::Area& area) const;
 
     /// A note on what gave an image its byte at `address`.
     Note noteOf(const char* what, const std::string& image, std::uint64_t address) const;
@@ -125,6 +139,11 @@ private:
         std::size_t source;
         std::uint64_t address;  ///< in that
     };
+    /// An address of which names may say what is there.
+    struct NamedByte {
+        const Inspect::Names* names;
+        std::uint64_t address;
+    };
 
     std::size_t thisStatement();
     std::size_t sourceOf(Source source, std::size_t regrouped);
@@ -132,12 +151,16 @@ private:
     std::optional<Byte> byteAt(std::size_t source, std::uint64_t address) const;
     OriginMap originsIn(const Parser::WrapperLib::CmdNewBuffer& statement,
                         const Io::Import::TessaronImportApi& reader);
-    void reportCropped(const Input& input, const OriginMap& all, const OriginMap& kept);
+    void reportCropped(const Origin& input, const OriginMap& all, const OriginMap& kept);
     void reportOverlaps(const Buffer::MemoryBuffer& image, const std::string& name,
                         const Buffer::MemoryBuffer& part) const;
     void reportWiped(const Buffer::MemoryBuffer& image, const std::string& name,
                      const Buffer::MemoryBuffer& part) const;
-    const Inspect::Names& namesOf(const std::string& file, Facts::InputFormat format) const;
+    bool areGivenNamesOf(const Origin& origin) const;
+    bool mayHaveNames(const Origin& origin) const;
+    bool haveSameNames(const NamedFile& one, const NamedFile& other) const;
+    const Inspect::Names& namesOf(const Origin& origin) const;
+    std::optional<NamedByte> namedByteAt(const Image& image, std::uint64_t address) const;
     Note originNote(const char* what, const OriginMap& origins, std::uint64_t address) const;
 
     StatementReports* reports_;
@@ -154,7 +177,8 @@ private:
     mutable std::map<std::pair<std::string, std::uint32_t>, std::vector<Inspect::LineRun>> lines_;
     std::vector<Input> inputs_;
     Inspect::Names names_;  ///< of all images; empty if nobody gave them
-    mutable std::map<std::string, Inspect::Names> elfNames_;  ///< by path
+    /// By path and address unit.
+    mutable std::map<std::pair<std::string, std::uint32_t>, Inspect::Names> elfNames_;
 };
 
 }  // namespace Strict

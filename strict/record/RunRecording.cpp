@@ -42,7 +42,7 @@ private:
 
 class Recorder {
 public:
-    Recorder(const FinishedRun& run, bool withLines) : run_(&run), withLines_(withLines) {}
+    Recorder(const FinishedRun& run, bool withDetails) : run_(&run), withDetails_(withDetails) {}
 
     Inspect::RunRecord record() {
         record_.scriptPath = Platform::portablePath(run_->program->text().file());
@@ -118,8 +118,11 @@ private:
             return;
         Inspect::ImageRecord entry{name, &image->second, {}, origins->second.startAddress};
         const OriginMap& written = origins->second.written;
-        for (const auto& [start, range] : written.ranges())
+        for (const auto& [start, range] : written.ranges()) {
             entry.ranges.push_back(writtenRange(range));
+            if (withDetails_)
+                entry.ranges.back().names = run_->provenance->namesAt(name, range.area);
+        }
         for (const auto& [start, range] : origins->second.fillers.ranges())
             for (const Area& area : uncovered(range.area, written))
                 entry.ranges.push_back(
@@ -144,7 +147,7 @@ private:
                           lines.first,
                           lines.last,
                           {}};
-        if (withLines_ && source.firstLine != 0) addLines(entry, source, range.moved);
+        if (withDetails_ && source.firstLine != 0) addLines(entry, source, range.moved);
         return entry;
     }
 
@@ -254,14 +257,14 @@ private:
     }
 
     const FinishedRun* run_;
-    bool withLines_;
+    bool withDetails_;
     Inspect::RunRecord record_;
 };
 
 }  // namespace
 
-Inspect::RunRecord recordOf(const FinishedRun& run, bool withLines) {
-    return Recorder(run, withLines).record();
+Inspect::RunRecord recordOf(const FinishedRun& run, bool withDetails) {
+    return Recorder(run, withDetails).record();
 }
 
 }  // namespace Strict

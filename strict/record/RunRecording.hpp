@@ -25,8 +25,8 @@ struct FinishedRun {
 /// What went into the run and what came out of it. The remarks are left to the caller, and the
 /// images are those of the run.
 ///
-/// @param withLines  whether to find out which line of an input file gave which address, which
-///                   reads the file once more
-Inspect::RunRecord recordOf(const FinishedRun& run, bool withLines);
+/// @param withDetails  whether to find out which line of an input file gave which address, which
+///                     reads the file once more, and what has names
+Inspect::RunRecord recordOf(const FinishedRun& run, bool withDetails);
 
 }  // namespace Strict

@@ -761,11 +761,56 @@ class Inspection(unittest.TestCase):
         self.assertNotIn("settings", tessaron("diff", "old.hex", "patched.hex", code=1))
         self.assertIn("fw::reset() to limit+0x1", tessaron("info", "old.hex", "--elf", "old.elf"))
         self.assertIn("fw::reset() to limit+0x1", tessaron("info", "old.elf"))
+        area_names = "  0x08000000 to 0x08000021  fw::reset() to limit+0x1\n"
+        self.assertTrue(tessaron("map", "old.elf").endswith("\n\nold.elf\n" + area_names))
+        self.assertTrue(tessaron("map", "patched.hex", "old.hex", "--elf=new.elf", "--elf=old.elf")
+                        .endswith("\n\nold.hex\n" + area_names))
+        self.assertNotIn("reset", tessaron("map", "old.hex"))
+
+        def titles(*arguments):
+            tessaron("map", *arguments, "--svg", "names.svg")
+            boxes = xml.etree.ElementTree.parse("names.svg").iter("{http://www.w3.org/2000/svg}rect")
+            return ["".join(box.itertext()).replace("0x080000", "") for box in boxes if len(box)]
+        self.assertEqual(titles("old.hex"), [])
+        self.assertEqual(titles("old.hex", "--elf", "old.map"), [
+            "00 to 0B: fw::reset() to +0xB", "0C to 13: helper to +0x7", "14 to 19: gone to +0x5",
+            "1A to 1B: isr to +0x1", "1C to 1F: settings to +0x3", "20 to 21: limit to +0x1"])
+        self.assertIn("[same-file]", complaint("map", "old.hex", "--elf=old.map", "--svg=old.map"))
         subprocess.run(["strip", "-o", "stripped.elf", "old.elf"], check=True)
         tessaron("diff", "stripped.elf", "old.hex")
         for bad in ("stripped.elf", "old.hex", "missing.elf"):
             tessaron("diff", "old.hex", "patched.hex", "--elf", bad, code=2)
             tessaron("info", "old.hex", "--elf", bad, code=1)
+            tessaron("map", "old.hex", "--elf", bad, code=1)
+
+    @unittest.skipUnless(shutil.which("as") and shutil.which("ld") and shutil.which("objcopy"),
+                         "no assembler and linker")
+    def test_names_in_reports(self):
+        """The rows of a report name what is there: by the ELF file that was read, or by --elf."""
+        link("page", [("text", "_Z5firstIiEvT_", range(1, 13)), ("text", "second", range(50, 58)),
+                      ("data", "stored", [0, 0, 0, 0])])
+        made = "FILL_BUFFER @App WITH_VALUES {1, 2} -useAreas={{0x8000015, 2}}\n" \
+            "NEW_BUFFER @Moved FROM_BUFFER @App -changeStartAddressTo=0x100\n" \
+            "WRITE_FILE page.bin WITH_BUFFERS {@App} -setFormat=RawBinary\n"
+        named = [("0x08000000", "void first<int>(int) to stored"), ("0x08000015", "stored+0x1 to +0x2"),
+                 ("0x08000017", "stored+0x3")]
+        named += [("0x000001" + at[8:], text) for at, text in named]
+
+        def rows(source, *options):
+            pathlib.Path("page.tsn").write_text("NEW_BUFFER @App " + source + "\n" + made)
+            tessaron("run", "page.tsn", "--report", "page.html", *options)
+            page = pathlib.Path("page.html").read_text()
+            reader = StrictPage(page)
+            self.assertEqual(reader.faults, [])
+            cells = reader.cells
+            return [(cells[i].split()[0], cells[i + 3]) for i in range(len(cells) - 3)
+                    if cells[i + 2] in ("data", "value")]
+        self.assertEqual(rows("FROM_ELF page.elf"), named)
+        self.assertEqual(rows("FROM_FILE page.hex", "--elf", "page.map"), named)
+        # Without names, the column after the kind has the lines of the script.
+        self.assertEqual({text for _, text in rows("FROM_FILE page.hex")}, {"line 1", "line 2"})
+        self.assertIn("[same-file]", complaint("run", "page.tsn", "--elf=page.map",
+                                               "--report=page.map"))
 
     def test_linker_map(self):
         """What GNU ld 2.40 writes for functions in sections of their own, and data in flash."""
@@ -778,6 +823,11 @@ class Inspection(unittest.TestCase):
             write("one.hex", {FLASH: data[:at] + b"\1" + data[at + 1:]})
             found = tessaron("diff", "zeros.hex", "one.hex", "--elf", "hand.map", code=1)
             self.assertIn("1 byte differs%s\n" % said, found)
+        write("many.hex", {FLASH + at: b"\1" for at in range(0, 0x44, 2)})
+        said = tessaron("map", "many.hex", "--elf", "hand.map").split("\n\nmany.hex\n")[1]
+        # Nothing has the name of the fill byte at 0x22.
+        self.assertEqual(len(said.splitlines()), 21)
+        self.assertTrue(said.endswith("  0x08000028  main+0x4\n  and 13 more areas\n"), said)
         write("low.hex", {0x10: b"code"})
         self.assertNotIn("names", tessaron("info", "low.hex", "--elf", "hand.map"))
 

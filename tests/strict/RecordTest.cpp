@@ -49,10 +49,13 @@ public:
         }
     }
 
-    Inspect::RunRecord record(bool withLines = false) {
+    Inspect::RunRecord record(bool withDetails = false) {
         return recordOf({"script digest", &variables, &program_, &context_, &provenance_, &files},
-                        withLines);
+                        withDetails);
     }
+
+    /// Says in `sink` where the outputs differ from the files on disk.
+    bool matchesDisk() { return compareWithDisk(files, record(true), provenance_, sink); }
 
     const std::map<std::string, std::string> variables{{"a", "b"}};
     Tests::TakenDiagnostics sink;
@@ -394,7 +397,7 @@ TEST_F(RecordTest, AFileOnDiskIsComparedWithWhatTheScriptMakes) {
         Rehearsal run(
             "NEW_BUFFER @f FROM_FILE in.hex\n"
             "WRITE_FILE a.hex WITH_BUFFERS {@f} -skipUnwritten\n");
-        const bool isEqual = compareWithDisk(run.files, run.record(true), run.sink);
+        const bool isEqual = run.matchesDisk();
         EXPECT_EQ(run.sink.lines, row.found) << row.name;
         EXPECT_EQ(isEqual, row.found.empty()) << row.name;
     }
@@ -410,7 +413,7 @@ TEST_F(RecordTest, ADifferenceShowsEightAreasAndExplainsFour) {
         Rehearsal run("NEW_BUFFER @v FROM_VALUES {" + values +
                       "} -changeStartAddressTo=0x100\n"
                       "WRITE_FILE a.bin WITH_BUFFERS {@v} -setFormat=RawBinary\n");
-        EXPECT_FALSE(compareWithDisk(run.files, run.record(true), run.sink));
+        EXPECT_FALSE(run.matchesDisk());
         ASSERT_EQ(run.sink.lines.size(), 1U + 4) << areas;
         EXPECT_EQ(run.sink.lines[4],
                   "+ 1:0 0x00000106 of @v has 01 in the file and 00 in the image");
