@@ -130,7 +130,8 @@ std::optional<InputFacts> factsOf(const Conversion& conversion, const FormatChoi
     const std::uint32_t given = conversion.arranging.inputUnit;
     const std::uint32_t unit = given == 0 ? 1 : given;
     const auto image = conversion.sections.isEmpty()
-                           ? Strict::readImage(input, conversion.inputFormat, kept, unit)
+                           ? Strict::readImage(input, conversion.inputFormat, kept,
+                                               Strict::OptionsOf::Convert, unit)
                            : Strict::readSections(input, conversion.sections, unit, kept);
     if (!image || conversion.printsScript) kept.pass(printer);
     if (!image) return std::nullopt;

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "buffer/Overlap.hpp"
+#include "facts/Facts.hpp"
+#include "facts/Listener.hpp"
 #include "io/InFile.hpp"
 #include "io/formats/AnyFile.hpp"
 #include "io/formats/InputFormats.hpp"
@@ -19,6 +21,17 @@ Parts partsOf(Io::Import::TessaronImportApi& file) {
     Parts parts;
     if (file.getDataLength() != 0) parts.push_back(file.takeMemory());
     return parts;
+}
+
+/// Reports the first address for which the file has two bytes. The readers of records report this
+/// themselves, with the lines.
+void reportConflict(const std::string& path, const Io::Import::TessaronImportApi& reader) {
+    if (Io::Formats::isOfRecords(Io::Formats::rowOf(reader.getFormat()))) return;
+    const auto overlap = reader.findOverlap(true);
+    if (!overlap) return;
+    Facts::report(Facts::OverlapRefused{
+        Facts::Subject::Buffer, path, path, overlap->area.start, overlap->area.end(), true,
+        overlap->firstDifference, overlap->earlier, overlap->later, reader.likelyAddressUnit()});
 }
 
 }  // namespace
@@ -53,6 +66,7 @@ std::string formatText(std::optional<Facts::InputFormat> format) {
 Image imageOf(const std::string& path, Io::Import::TessaronImportApi& reader) {
     Image image{path, reader.getFormat(), {}, std::nullopt};
     if (reader.hasStartAddress()) image.startAddress = reader.getStartAddress();
+    reportConflict(path, reader);
     image.parts = partsOf(reader);
     return image;
 }

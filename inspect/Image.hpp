@@ -49,7 +49,8 @@ std::optional<Image> openImage(const std::string& path,
 Image openSections(const std::string& path, const Io::Import::SectionChoice& sections,
                    std::uint32_t addressUnit);
 
-/// What `reader` has read of the file `path`, which it gives away.
+/// What `reader` has read of the file `path`, which it gives away. Two bytes for one address are
+/// reported; the later one counts.
 Image imageOf(const std::string& path, Io::Import::TessaronImportApi& reader);
 
 /// The name of a format for people; "no image" for a file that is not read.

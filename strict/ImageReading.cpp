@@ -17,12 +17,13 @@ namespace {
 
 /// What `read` returns for the path, or nothing after a diagnostic.
 template <class Read>
-auto readWith(Read read, const std::string& path, DiagnosticSink& sink) -> decltype(read(path)) {
+auto readWith(Read read, const std::string& path, DiagnosticSink& sink,
+              OptionsOf options = OptionsOf::Inspection) -> decltype(read(path)) {
     RunFiles files(RunFiles::Mode::Memory);
     StatementReports reports(nullptr, sink);
     RunListener listener(reports, nullptr, nullptr,
                          {[&files](std::string_view file) { return files.reasonFor(file); },
-                          [](std::string_view /*name*/) { return true; }, false});
+                          [](std::string_view /*name*/) { return true; }, options});
     const Facts::ListenerScope listening(listener);
     const Io::HostScope hosting(files);
     const Buffer::ImageSpaceScope space(imageSpace);
@@ -40,12 +41,13 @@ auto readWith(Read read, const std::string& path, DiagnosticSink& sink) -> declt
 
 std::optional<Inspect::Image> readImage(const std::string& path,
                                         std::optional<Facts::InputFormat> format,
-                                        DiagnosticSink& sink, std::uint32_t addressUnit) {
+                                        DiagnosticSink& sink, OptionsOf options,
+                                        std::uint32_t addressUnit) {
     return readWith(
         [format, addressUnit](const std::string& file) {
             return Inspect::openImage(file, format, addressUnit);
         },
-        path, sink);
+        path, sink, options);
 }
 
 std::optional<Inspect::Image> readSections(const std::string& path,
@@ -55,7 +57,7 @@ std::optional<Inspect::Image> readSections(const std::string& path,
         [&sections, addressUnit](const std::string& file) {
             return std::optional(Inspect::openSections(file, sections, addressUnit));
         },
-        path, sink);
+        path, sink, OptionsOf::Convert);
 }
 
 std::optional<Inspect::Names> readNames(const std::string& path, DiagnosticSink& sink) {

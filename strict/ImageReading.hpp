@@ -8,6 +8,7 @@
 #include "inspect/Info.hpp"
 #include "inspect/Names.hpp"
 #include "io/import/SectionChoice.hpp"
+#include "strict/diagnostics/Circumstances.hpp"
 #include "strict/diagnostics/Diagnostic.hpp"
 
 namespace Strict {
@@ -16,12 +17,15 @@ namespace Strict {
 /// the sink.
 ///
 /// @param format       that of the file; nothing if name and contents decide
+/// @param options      that advice may name
 /// @param addressUnit  the addresses of the file count words of that many bytes
 std::optional<Inspect::Image> readImage(const std::string& path,
                                         std::optional<Facts::InputFormat> format,
-                                        DiagnosticSink& sink, std::uint32_t addressUnit = 1);
+                                        DiagnosticSink& sink,
+                                        OptionsOf options = OptionsOf::Inspection,
+                                        std::uint32_t addressUnit = 1);
 
-/// Reads the chosen sections of an ELF file in the same way.
+/// Reads the chosen sections of an ELF file in the same way, for `convert`.
 std::optional<Inspect::Image> readSections(const std::string& path,
                                            const Io::Import::SectionChoice& sections,
                                            std::uint32_t addressUnit, DiagnosticSink& sink);

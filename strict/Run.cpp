@@ -176,7 +176,8 @@ public:
           reports_(&program.text(), printer),
           listener_(reports_, &provenance_, &printed_,
                     {[&files](std::string_view path) { return files.reasonFor(path); },
-                     [&program](std::string_view name) { return program.makes(name); }, isScript}),
+                     [&program](std::string_view name) { return program.makes(name); },
+                     isScript ? OptionsOf::Statements : OptionsOf::Convert}),
           provenance_(reports_) {
         if (isScript) meaning_.emplace(program, provenance_, printer);
         context_.reading = &reading_;

@@ -33,7 +33,7 @@ Place placeOf(const FieldWords& words) {
 }  // namespace
 
 void RunListener::reportField(const FieldFact& fact) {
-    FieldWords words = wordsFor(fact);
+    FieldWords words = wordsFor(fact, circumstances_.options);
     if (words.line == 0)
         reports_->report(words.kind, std::move(words.text), {Parser::Role::InputFile},
                          std::move(words.hint), {}, words.count);

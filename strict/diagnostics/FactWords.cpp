@@ -215,12 +215,13 @@ std::vector<std::string> linesOf(std::string_view text) {
     return lines;
 }
 
-Words words(const SectionUnfit& f, const Circumstances& /*c*/) {
+Words words(const SectionUnfit& f, const Circumstances& c) {
     const std::string file(f.file);
     const std::string section(f.section);
     if (f.fault == SectionFault::NoSections)
         return {{Kind::Outside,
-                 "only an ELF file that is read by FROM_ELF has sections",
+                 c.isScript() ? "only an ELF file that is read by FROM_ELF has sections"
+                              : "only an ELF file has sections",
                  {},
                  {},
                  section}};
@@ -250,7 +251,7 @@ Words words(const ElfTemplateUnfit& f, const Circumstances& c) {
         return {{Kind::Outside,
                  file + " loads " + range + ", which no image has",
                  {Role::Template},
-                 c.isScript ? "-skipUnwritten keeps the bytes of the file there" : ""}};
+                 c.isScript() ? "-skipUnwritten keeps the bytes of the file there" : ""}};
     return {{Kind::WrongFormat,
              "the segments of " + file + " at " + addressText(f.start) + " and " +
                  addressText(f.end) + " share bytes",
@@ -274,7 +275,7 @@ Words words(const NameNotFound& f, const Circumstances& c) {
              std::string(f.name)}};
 }
 
-Words words(const OverlapRefused& f, const Circumstances& /*c*/) {
+Words words(const OverlapRefused& f, const Circumstances& c) {
     const std::string range = addressesText({f.start, f.end - f.start});
     if (f.likelyUnit != 1) {
         const std::string unit = std::to_string(f.likelyUnit);
@@ -282,7 +283,7 @@ Words words(const OverlapRefused& f, const Circumstances& /*c*/) {
                  "the addresses of " + std::string(f.source) + " count words of " + unit +
                      " bytes, so that as addresses of bytes they overlap",
                  {Role::InputFile},
-                 "-setAddressUnit=" + unit + " reads it"}};
+                 adviceOnUnit(f.likelyUnit, c.options)}};
     }
     if (!f.isDifferent)
         return {{Kind::Conflict,
@@ -365,16 +366,19 @@ Role roleOf(WordUse use) {
     return roles.at(static_cast<std::size_t>(use));
 }
 
-Words words(const ImageNotOfWords& f, const Circumstances& /*c*/) {
+Words words(const ImageNotOfWords& f, const Circumstances& c) {
     std::string text = "the data from " + Inspect::rangeText({f.start, f.end - f.start}) +
                        " does not begin and end with whole words of " +
                        Inspect::countText(f.wordSize, "byte");
-    return {{Kind::WordSize,
-             std::move(text),
-             {roleOf(f.use)},
-             f.subject == Subject::File
-                 ? "-alignTo=" + std::to_string(f.wordSize) + " fills up the words at the ends"
-                 : "-useBufferRange={start, length} gives an image whole words"}};
+    const std::string size = std::to_string(f.wordSize);
+    std::string hint = f.subject == Subject::File
+                           ? "-alignTo=" + size + " fills up the words at the ends"
+                           : "-useBufferRange={start, length} gives an image whole words";
+    if (!c.isScript())
+        hint = f.subject == Subject::File
+                   ? "--fill BYTE with --align " + size + " fills up the words at the ends"
+                   : "--crop START,LENGTH keeps whole words";
+    return {{Kind::WordSize, std::move(text), {roleOf(f.use)}, std::move(hint)}};
 }
 
 Words words(const AddressUnitRefused& f, const Circumstances& /*c*/) {
@@ -398,7 +402,7 @@ Words words(const FileNotOpened& f, const Circumstances& c) {
     return {{Kind::CannotOpen,
              "cannot open " + file + ": " + reason,
              {Role::InputFile, Role::Template},
-             c.isScript ? adviceOn(f.file) : ""}};
+             c.isScript() ? adviceOn(f.file) : ""}};
 }
 
 Words words(const FileNotWritten& f, const Circumstances& c) {
@@ -413,12 +417,13 @@ Words words(const FileNotWritten& f, const Circumstances& c) {
              reason == noSuchFile() ? "its folder does not exist" : ""}};
 }
 
-Words words(const FileSpanTooLong& f, const Circumstances& /*c*/) {
+Words words(const FileSpanTooLong& f, const Circumstances& c) {
     return {
         {Kind::Outside,
          "the range has " + hexText(f.length) + " bytes, and 32 bits address 0x100000000 of them",
          {Role::InputFile},
-         "name a part of it with -useBufferRange={start, length}"}};
+         c.isScript() ? "name a part of it with -useBufferRange={start, length}"
+                      : "--crop START,LENGTH keeps a part of it"}};
 }
 
 Words words(const ProgramEnded& f, const Circumstances& c) {

@@ -1,28 +1,16 @@
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <type_traits>
 #include <vector>
 
 #include "facts/Facts.hpp"
 #include "parser/grammar/Role.hpp"
+#include "strict/diagnostics/Circumstances.hpp"
 #include "strict/diagnostics/Kinds.hpp"
 
 namespace Strict {
-
-/// What the words for a fact depend on beside the fact.
-struct Circumstances {
-    /// Why the last attempt to open, create or write a file, or to start a program, failed, in the
-    /// system's words; empty if the system gave no reason.
-    std::function<std::string(std::string_view path)> reason;
-    /// A statement makes something of that name, whether it succeeds or not.
-    std::function<bool(std::string_view name)> isMade;
-    /// The statements are of a script, whose variables and marks may be wrong.
-    bool isScript = true;
-};
 
 /// A diagnostic about the statement that reported a fact.
 struct FactWords {

@@ -145,7 +145,15 @@ std::string textOf(const LinesTolerated& fact) {
     return "the end record has an address, which is not used";
 }
 
+/// How a file is read whose contents say nothing, or something else.
+std::string adviceOnBytes(OptionsOf options) {
+    return std::string(options == OptionsOf::Statements ? "FROM_FILE_BINARY" : "--from RawBinary") +
+           " takes a file byte for byte";
+}
+
 struct WordsFor {
+    OptionsOf options;
+
     FieldWords operator()(const LineDamaged& fact) const {
         const bool hasColumn = fact.fault == RecordFault::Digit;
         return {kindOf(fact.fault),
@@ -186,14 +194,18 @@ struct WordsFor {
         std::string text(fact.file);
         if (!fact.foreign.empty())
             return {Kind::WrongFormat, text.append(" is ").append(fact.foreign),
-                    "FROM_FILE_BINARY takes a file byte for byte", fact.file};
+                    adviceOnBytes(options), fact.file};
         if (!fact.format)
             return {Kind::WrongFormat, text + " has no record of Intel HEX and no S-record",
-                    "FROM_FILE_BINARY takes a file byte for byte", fact.file};
+                    adviceOnBytes(options), fact.file};
         const Io::Formats::InputFormatRow& row = Io::Formats::rowOf(*fact.format);
         text.append(" has the format ").append(row.name);
         std::string hint = "use ";
-        return {Kind::WrongFormat, std::move(text), hint.append(row.keyword), fact.file};
+        if (options == OptionsOf::Statements)
+            hint += row.keyword;
+        else
+            hint.append("--from ").append(row.word);
+        return {Kind::WrongFormat, std::move(text), std::move(hint), fact.file};
     }
 
     FieldWords operator()(const StartAddressesDiffer& fact) const {
@@ -227,7 +239,7 @@ struct WordsFor {
         return {Kind::Conflict,
                 "the addresses of " + std::string(fact.file) + " count words of " + unit +
                     " bytes, so that as addresses of bytes they overlap",
-                "-setAddressUnit=" + unit + " reads it", fact.file};
+                adviceOnUnit(fact.unit, options), fact.file};
     }
 
     FieldWords operator()(const FurtherOverlaps& fact) const {
@@ -245,8 +257,8 @@ struct WordsFor {
 
 }  // namespace
 
-FieldWords wordsFor(const Facts::FieldFact& fact) {
-    return std::visit(WordsFor{}, fact);
+FieldWords wordsFor(const Facts::FieldFact& fact, OptionsOf options) {
+    return std::visit(WordsFor{options}, fact);
 }
 
 }  // namespace Strict

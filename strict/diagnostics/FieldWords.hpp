@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "facts/FieldFacts.hpp"
+#include "strict/diagnostics/Circumstances.hpp"
 #include "strict/diagnostics/Kinds.hpp"
 
 namespace Strict {
@@ -22,6 +23,6 @@ struct FieldWords {
     std::uint64_t count = 1;  ///< findings that it sums up
 };
 
-FieldWords wordsFor(const Facts::FieldFact& fact);
+FieldWords wordsFor(const Facts::FieldFact& fact, OptionsOf options);
 
 }  // namespace Strict

@@ -211,6 +211,35 @@ class Inspection(unittest.TestCase):
         broken.write_bytes((folder / "arm.elf").read_bytes()[:100])
         tessaron("info", str(broken), code=1)
 
+    def test_files_that_contradict_themselves(self):
+        """Addresses that count words, segments that share bytes, and advice by options of the
+        command."""
+        folder = DATA.parent / "diagnostics/word-addresses"
+        shutil.copy(DATA / "elf" / "arm.elf", "shared.elf")
+        elf = bytearray(pathlib.Path("shared.elf").read_bytes())
+        # The second segment has 21 22 23 24, and now the address of the first one's 11 12 13 14.
+        struct.pack_into("<I", elf, 52 + 32 + 12, 0x8020)
+        pathlib.Path("shared.elf").write_bytes(elf)
+        pathlib.Path("shared.txt").write_text("@10\n01 02\n@11\n03\nq\n")
+        words = "--unit-in 2 reads it"
+        for name, said in (("shared.elf", "shared.elf has 21 at 0x00008020, written before as 11"),
+                           ("shared.txt", "shared.txt has 03 at 0x00000011, written before as 02"),
+                           (str(folder / "c28x.elf"), "tessaron convert " + words),
+                           (str(folder / "c28x.hex"), "tessaron convert " + words)):
+            self.assertIn(said, tessaron("info", name, code=1))
+            self.assertIn(said, complaint("map", name))
+            self.assertIn(said, complaint("diff", name, "a.hex"))
+            tessaron("map", name, code=1)
+            tessaron("diff", name, name, code=2)
+            said = complaint("convert", name, "no.hex")
+            self.assertIn("[conflict]", said)
+            self.assertEqual((words in said, "convert --unit" in said), ("c28x" in name, False))
+        tessaron("convert", str(folder / "c28x.elf"), "words.hex", "--unit-in", "2")
+        pathlib.Path("foreign.hex").write_text("int main() { return 0; }\n")
+        said = tessaron("info", "foreign.hex", code=1) + complaint("convert", "foreign.hex", "no.bin")
+        self.assertEqual(said.count("--from RawBinary takes a file byte for byte"), 2)
+        self.assertNotIn("FROM_FILE_BINARY", said)
+
     def test_symbols(self):
         """The file of a linker, with names as those of C++, with a static variable, with damage."""
         elf = bytearray((DATA / "elf" / "arm.elf").read_bytes())

@@ -30,12 +30,12 @@ const std::vector<Role> output{Role::OutputFile};
 const std::vector<Role> bus{Role::Lane, Role::Interleave};
 
 /// The system gives a reason for all that fails but "silent", and a statement makes "@made".
-Circumstances circumstances(bool isScript) {
+Circumstances circumstances(OptionsOf options) {
     return {[](std::string_view path) {
                 if (path == "nowhere/out") return std::string("No such file or directory");
                 return std::string(path == "silent" ? "" : "it broke");
             },
-            [](std::string_view name) { return name == "@made"; }, isScript};
+            [](std::string_view name) { return name == "@made"; }, options};
 }
 
 struct FactRow {
@@ -334,10 +334,10 @@ std::vector<FactRow> silentRows() {
             {ProgramCalled{}, {}}};
 }
 
-void expectWords(const FactRow& row, bool isScript = true) {
+void expectWords(const FactRow& row, OptionsOf options = OptionsOf::Statements) {
     const std::string what = row.words ? row.words->text : std::to_string(row.fact.index());
     EXPECT_EQ(isRefusal(row.fact), row.isRefusal) << what;
-    const auto words = wordsFor(row.fact, circumstances(isScript));
+    const auto words = wordsFor(row.fact, circumstances(options));
     ASSERT_EQ(words.has_value(), row.words.has_value()) << what;
     if (!words) return;
     EXPECT_EQ(words->text, what);
@@ -361,10 +361,30 @@ TEST(FactWordsTest, EveryFactHasItsKindItsWordsAndThePartToBlame) {
     EXPECT_EQ(faults.size(), static_cast<std::size_t>(FormatFault::ChecksumWrong) + 1);
 }
 
-TEST(FactWordsTest, NamesOfACommandLineGetNoAdviceOnScripts) {
-    expectWords(
-        {FileNotOpened{"inFile"}, {{Kind::CannotOpen, "cannot open inFile: it broke", anyInput}}},
-        false);
+TEST(FactWordsTest, AdviceNamesOptionsThatTheCommandHas) {
+    using enum OptionsOf;
+    struct Row {
+        Fact fact;
+        OptionsOf options;
+        const char* hint;
+    };
+    const OverlapRefused words{Subject::Buffer, "@a", "in.elf", 0, 4, true, 0, 1, 2, 4};
+    const ImageNotOfWords file{Subject::File, "out", WordUse::AddressUnit, 1, 5, 2};
+    const ImageNotOfWords image{Subject::Buffer, "@a", WordUse::SwappedBytes, 1, 5, 2};
+    for (const Row& row : {
+             Row{words, Statements, "-setAddressUnit=4 reads it"},
+             Row{words, Convert, "--unit-in 4 reads it"},
+             Row{words, Inspection, "tessaron convert --unit-in 4 reads it"},
+             Row{file, Convert, "--fill BYTE with --align 2 fills up the words at the ends"},
+             Row{image, Convert, "--crop START,LENGTH keeps whole words"},
+             Row{FileSpanTooLong{0x100000001}, Convert, "--crop START,LENGTH keeps a part of it"},
+             Row{FileNotOpened{"inFile"}, Convert, ""},
+             Row{FileNotOpened{"inFile"}, Inspection, ""},
+         }) {
+        const auto found = wordsFor(row.fact, circumstances(row.options));
+        ASSERT_TRUE(found) << row.hint;
+        EXPECT_EQ(found->hint, row.hint);
+    }
 }
 
 TEST(NumbersInWordsTest, ReadAsPeopleWriteThem) {
@@ -546,7 +566,7 @@ std::vector<FieldRow> fieldRows() {
 TEST(FieldWordsTest, EveryFactHasItsKindItsWordsAndItsPlace) {
     std::set<std::size_t> facts;
     for (const auto& [fact, wanted] : fieldRows()) {
-        const FieldWords words = wordsFor(fact);
+        const FieldWords words = wordsFor(fact, OptionsOf::Statements);
         EXPECT_EQ(words.text, wanted.text);
         EXPECT_STREQ(nameOf(words.kind), nameOf(wanted.kind)) << wanted.text;
         EXPECT_EQ(words.hint, wanted.hint) << wanted.text;
@@ -564,6 +584,21 @@ TEST(FieldWordsTest, EveryFactHasItsKindItsWordsAndItsPlace) {
     std::set<Tolerance> tolerances;
     for (const ToleranceRow& row : toleranceRows()) tolerances.insert(row.tolerance);
     EXPECT_EQ(tolerances.size(), toleranceCount);
+}
+
+TEST(FieldWordsTest, AdviceNamesOptionsThatTheCommandHas) {
+    const auto hint = [](const FieldFact& fact, OptionsOf options) {
+        return wordsFor(fact, options).hint;
+    };
+    for (const OptionsOf options : {OptionsOf::Convert, OptionsOf::Inspection}) {
+        const std::string convert = options == OptionsOf::Convert ? "" : "tessaron convert ";
+        EXPECT_EQ(hint(AddressesCountWords{"f", 2}, options), convert + "--unit-in 2 reads it");
+        EXPECT_EQ(hint(FormatForeign{"f", {}}, options),
+                  "--from RawBinary takes a file byte for byte");
+        EXPECT_EQ(hint(FormatForeign{"f", {}, "a source file of C"}, options),
+                  "--from RawBinary takes a file byte for byte");
+        EXPECT_EQ(hint(FormatForeign{"f", InputFormat::TiTxt}, options), "use --from TiTxt");
+    }
 }
 
 }  // namespace
