@@ -287,17 +287,18 @@ public:
     }
 
     void operator()(const ElfTemplateUnfit& fact) const {
-        const auto [file, fault, start, end] = fact;
-        const auto range = [start = start, end = end] {
-            return "0x" + Util::hexWord(start) + " to 0x" + Util::hexWord(end - 1);
+        const auto range = [&fact] {
+            return "0x" + Util::hexWord(fact.start) + " to 0x" + Util::hexWord(fact.end - 1);
         };
-        if (fault == TemplateFault::ByteOutside)
-            line("Error: Template ", file, " has no segment for the bytes from ", range(), " !");
-        else if (fault == TemplateFault::ByteMissing)
-            line("Error: Template ", file, " loads bytes that no image has, from ", range(), " !");
+        if (fact.fault == TemplateFault::ByteOutside)
+            line("Error: Template ", fact.file, " has no segment for the bytes from ", range(),
+                 " !");
+        else if (fact.fault == TemplateFault::ByteMissing)
+            line("Error: Template ", fact.file, " loads bytes that no image has, from ", range(),
+                 " !");
         else
-            line("Error: Template ", file, " has segments that share bytes, at 0x",
-                 Util::hexWord(start), " and 0x", Util::hexWord(end), " !");
+            line("Error: Template ", fact.file, " has segments that share bytes, at 0x",
+                 Util::hexWord(fact.start), " and 0x", Util::hexWord(fact.end), " !");
         line("Operation aborted.");
     }
 

@@ -295,6 +295,9 @@ struct ElfTemplateUnfit {
     TemplateFault fault;
     std::uint64_t start;
     std::uint64_t end;
+    /// The bytes of the words that the addresses of the file count by its machine; 1 if they count
+    /// bytes, or were read as those of words.
+    std::uint32_t likelyUnit = 1;
     bool operator==(const ElfTemplateUnfit&) const = default;
 };
 

@@ -67,7 +67,8 @@ struct DfuSeOutputStyle {
 };
 
 struct ElfOutputStyle {
-    std::string templatePath;  ///< of the ELF file that is copied
+    std::string templatePath;       ///< of the ELF file that is copied
+    std::uint32_t addressUnit = 1;  ///< its addresses count words of that many bytes
 };
 
 }  // namespace Io::Export

@@ -123,6 +123,10 @@ WriterPointer makeElf(const std::string& path, const OutputStyles& styles) {
     return std::make_unique<Io::Export::ElfOutFile>(path, styles.elfStyle);
 }
 
+void setElfUnit(OutputStyles& styles, std::uint32_t bytes) {
+    styles.elfStyle.addressUnit = bytes;
+}
+
 void setFamily(OutputStyles& styles, std::uint32_t number) {
     styles.uf2Style.families = {number};
 }
@@ -333,6 +337,7 @@ constexpr auto exportFormats = std::to_array<ExportFormat>({
      .meaning = "a copy of an ELF file with the bytes of the images",
      .trace = "SetExportFormatOptionElf -> ",
      .makeWriter = &makeElf,
+     .setAddressUnit = &setElfUnit,
      .needsTemplate = true,
      .endings = elfEndings,
      .otherEndings = otherElfEndings},

@@ -242,6 +242,14 @@ Words words(const SectionUnfit& f, const Circumstances& c) {
 Words words(const ElfTemplateUnfit& f, const Circumstances& c) {
     const std::string file(f.file);
     const std::string range = addressesText({f.start, f.end - f.start});
+    if (f.likelyUnit != 1) {
+        const std::string unit = std::to_string(f.likelyUnit);
+        return {{Kind::WrongFormat,
+                 "the addresses of " + file + " count words of " + unit +
+                     " bytes, and as addresses of bytes they do not fit the images",
+                 {Role::Template},
+                 (c.isScript() ? "-setAddressUnit=" : "--unit-out ") + unit + " writes it"}};
+    }
     if (f.fault == TemplateFault::ByteOutside)
         return {{Kind::Outside,
                  "no segment of " + file + " has " + range + ", which the images have",

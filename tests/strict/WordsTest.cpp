@@ -369,12 +369,15 @@ TEST(FactWordsTest, AdviceNamesOptionsThatTheCommandHas) {
         const char* hint;
     };
     const OverlapRefused words{Subject::Buffer, "@a", "in.elf", 0, 4, true, 0, 1, 2, 4};
+    const ElfTemplateUnfit elf{"in.elf", TemplateFault::ByteOutside, 0, 4, 2};
     const ImageNotOfWords file{Subject::File, "out", WordUse::AddressUnit, 1, 5, 2};
     const ImageNotOfWords image{Subject::Buffer, "@a", WordUse::SwappedBytes, 1, 5, 2};
     for (const Row& row : {
              Row{words, Statements, "-setAddressUnit=4 reads it"},
              Row{words, Convert, "--unit-in 4 reads it"},
              Row{words, Inspection, "tessaron convert --unit-in 4 reads it"},
+             Row{elf, Statements, "-setAddressUnit=2 writes it"},
+             Row{elf, Convert, "--unit-out 2 writes it"},
              Row{file, Convert, "--fill BYTE with --align 2 fills up the words at the ends"},
              Row{image, Convert, "--crop START,LENGTH keeps whole words"},
              Row{FileSpanTooLong{0x100000001}, Convert, "--crop START,LENGTH keeps a part of it"},

@@ -64,9 +64,11 @@ struct Run {
 /// All of the output: what it takes from images, and in memory what it takes from the template.
 class Copy {
 public:
+    /// @param style  by which the file was opened
     /// @throws GivenUp  after a report
-    Copy(const ElfFile& file, std::string_view path, std::span<const ImageView> images)
-        : path_(path) {
+    Copy(const ElfFile& file, const ElfOutputStyle& style, std::span<const ImageView> images)
+        : path_(style.templatePath),
+          likelyUnit_(style.addressUnit == 1 ? file.addressUnitOfMachine() : 1) {
         for (const ElfSegment& segment : file.segments()) parts_.push_back({segment});
         refuseShared(&ElfSegment::fileOffset);
         // Without a shared address the ends ascend as the starts do.
@@ -105,7 +107,7 @@ private:
     }
 
     [[noreturn]] void refuse(TemplateFault fault, std::uint64_t start, std::uint64_t end) const {
-        Facts::report(Facts::ElfTemplateUnfit{path_, fault, start, end});
+        Facts::report(Facts::ElfTemplateUnfit{path_, fault, start, end, likelyUnit_});
         throw GivenUp();
     }
 
@@ -202,15 +204,17 @@ private:
     }
 
     std::string_view path_;
+    std::uint32_t likelyUnit_;  ///< that the addresses count; 1 if the statement gives one
     std::vector<Part> parts_;
     std::vector<Run> runs_;  ///< in the order of the file
     Platform::PageBlock rest_;
 };
 
 /// The template is closed again when this returns.
-Copy copyOf(const std::string& path, std::span<const ImageView> images) {
+Copy copyOf(const ElfOutputStyle& style, std::span<const ImageView> images) {
+    const std::string& path = style.templatePath;
     try {
-        return Copy(ElfFile(path), path, images);
+        return Copy(ElfFile(path, openInput(path), style.addressUnit), style, images);
     } catch (const bad_open&) {
         Facts::report(Facts::FileNotOpened{path});
     } catch (const Import::Malformed&) {
@@ -221,7 +225,7 @@ Copy copyOf(const std::string& path, std::span<const ImageView> images) {
 }  // namespace
 
 void ElfOutFile::saveToFile() {
-    const Copy copy = copyOf(style_.templatePath, images_);
+    const Copy copy = copyOf(style_, images_);
     PieceWriter out = startOutput();
     copy.write(out);
     out.finish();
