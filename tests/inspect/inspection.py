@@ -744,6 +744,49 @@ class Inspection(unittest.TestCase):
         tessaron("convert", "high.elf", "out.elf", "--elf-template", "high.elf")
         self.assertEqual(pathlib.Path("out.elf").read_bytes(), high)
 
+    def test_elf_copies_in_part(self):
+        """Long and short stretches of images, in one segment and across two, one after the other in
+        memory and not in the file."""
+        kib = 1024
+        length, base = 200 * kib, 0x8000
+        places = {base: 0x1000 + length, base + length: 0x1000}  # offsets by addresses
+        pseudo = random.Random(3)
+        template = bytearray(pseudo.randbytes(0x1000 + 2 * length + 100))
+        struct.pack_into("<16sHHIIIIIHHHHHH", template, 0, b"\x7fELF\1\1\1" + bytes(9), 2, 40, 1, base,
+                         52, 0, 0, 52, 32, 2, 40, 0, 0)
+        for i, (address, offset) in enumerate(places.items()):
+            struct.pack_into("<8I", template, 52 + 32 * i, 1, offset, address, address, length, length,
+                             5, 4)
+        pathlib.Path("in.elf").write_bytes(template)
+        for areas in ([(0, 2 * length)],
+                      [(100, 64 * kib), (65 * kib, 64 * kib - 1), (190 * kib, 90 * kib)],
+                      [(0, 64 * kib - 1), (64 * kib, 128 * kib), (399 * kib, kib)],
+                      [(length - 1, 2), (length + 64 * kib, 100 * kib)]):
+            want = bytearray(template)
+            image = {base + start: pseudo.randbytes(size) for start, size in areas}
+            for start, data in image.items():
+                for i, (address, offset) in enumerate(places.items()):
+                    first, end = max(start, address), min(start + len(data), address + length)
+                    if first < end:
+                        want[offset + first - address:offset + end - address] = \
+                            data[first - start:end - start]
+            write("part.hex", image)
+            tessaron("convert", "part.hex", "out.elf", "--elf-template", "in.elf")
+            self.assertTrue(pathlib.Path("out.elf").read_bytes() == want, areas)
+        # Of images that overlap, the later one counts.
+        early, late = pseudo.randbytes(150 * kib), pseudo.randbytes(80 * kib)
+        write("early.hex", {base: early})
+        write("late.hex", {base + 20 * kib: late})
+        want = bytearray(template)
+        for at, data in ((0, early), (20 * kib, late)):
+            want[places[base] + at:places[base] + at + len(data)] = data
+        pathlib.Path("two.tsn").write_text(
+            "NEW_BUFFER @Early FROM_FILE early.hex\nNEW_BUFFER @Late FROM_FILE late.hex\n"
+            "WRITE_FILE out.elf WITH_BUFFERS {@Early, @Late} -skipUnwritten -setFormat=Elf "
+            "-setElfTemplate=in.elf\n")
+        tessaron("run", "two.tsn", "--warn", "conflict")
+        self.assertTrue(pathlib.Path("out.elf").read_bytes() == want)
+
     @unittest.skipUnless(shutil.which("as") and shutil.which("ld") and shutil.which("objcopy"),
                          "no assembler and linker")
     def test_symbols_at_bytes(self):

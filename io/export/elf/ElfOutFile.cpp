@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 
 #include "buffer/Area.hpp"
 #include "facts/Listener.hpp"
@@ -25,14 +27,31 @@ using Import::ElfSegment;
 struct Part {
     ElfSegment segment;
     std::vector<ImageView> layers = {};  ///< in the order in which they are laid
+    bool areApart = false;               ///< no two of them have an address in common
 
     std::uint64_t fileEnd() const { return segment.fileOffset + segment.length; }
     Area area() const { return {segment.address, segment.length}; }
 
-    /// The layer that gives all bytes, or null if the template or several layers give some.
-    const ImageView* source() const {
-        const bool isWhole = layers.size() == 1 && isComplete(layers.front());
-        return isWhole ? &layers.front() : nullptr;
+    /// Where a stretch of a layer lies in the file.
+    std::uint64_t offsetOf(const ImageView& stretch) const {
+        return segment.fileOffset + (stretch.startAddress - segment.address);
+    }
+
+    /// Whether the bytes of a stretch of a layer are written from the image: they are many, and no
+    /// other layer has their addresses.
+    bool isInPlace(const ImageView& stretch) const {
+        constexpr std::size_t shortest = std::size_t{1} << 16U;
+        return areApart && stretch.elements.size() >= shortest;
+    }
+
+    /// Hands `take` the stretches that are written from images, ascending.
+    template <class Take>
+    void forThoseInPlace(Take take) const {
+        if (!areApart) return;
+        for (const ImageView& layer : layers)
+            forStretches(layer, [&](const ImageView& stretch) {
+                if (isInPlace(stretch)) take(stretch);
+            });
     }
 
     /// Adds an image as far as the segment has its addresses.
@@ -46,6 +65,17 @@ struct Part {
         layers.push_back(layer);
     }
 
+    /// All layers are laid. Those that have no address in common ascend from now on.
+    void finish() {
+        std::vector<ImageView> sorted = layers;
+        std::ranges::sort(sorted, {}, &ImageView::startAddress);
+        const auto overlap = [](const ImageView& one, const ImageView& next) {
+            return next.startAddress - one.startAddress < one.elements.size();
+        };
+        areApart = std::ranges::adjacent_find(sorted, overlap) == sorted.end();
+        if (areApart) layers = std::move(sorted);
+    }
+
 private:
     bool isComplete(const ImageView& layer) const {
         const std::size_t size = layer.elements.size();
@@ -56,9 +86,10 @@ private:
 
 /// A stretch of the output: bytes of an image, or those in memory from `at` on.
 struct Run {
-    const ImageView* image;
+    std::uint64_t fileOffset;
+    std::size_t length;
+    std::optional<ImageView> image = {};
     std::size_t at = 0;
-    std::size_t length = 0;
 };
 
 /// All of the output: what it takes from images, and in memory what it takes from the template.
@@ -91,7 +122,7 @@ public:
     void write(PieceWriter& out) const {
         constexpr std::size_t pieceSize = std::size_t{1} << 16U;
         for (const Run& run : runs_) {
-            if (run.image == nullptr)
+            if (!run.image)
                 out.append(bytesAt(run.at, run.length));
             else
                 forEffectiveBytes(
@@ -163,43 +194,40 @@ private:
     void read(const ElfFile& file) {
         std::ranges::sort(parts_, {}, [](const Part& part) { return part.segment.fileOffset; });
         std::size_t held = 0;
-        std::vector<std::uint64_t> offsets;  // in the file, of each run
-        const auto hold = [&](std::uint64_t from, std::uint64_t to) {
-            if (from == to) return;
-            runs_.push_back({nullptr, held, static_cast<std::size_t>(to - from)});
-            offsets.push_back(from);
-            held += runs_.back().length;
-        };
         std::uint64_t at = 0;
-        std::vector<std::size_t> heldAt(parts_.size());
-        for (std::size_t i = 0; i < parts_.size(); ++i) {
-            const Part& part = parts_[i];
-            hold(at, part.segment.fileOffset);
-            heldAt[i] = held;
-            at = part.fileEnd();
-            if (const ImageView* const image = part.source()) {
-                runs_.push_back({image});
-                offsets.push_back(part.segment.fileOffset);
-            } else {
-                hold(part.segment.fileOffset, at);
-            }
+        const auto hold = [&](std::uint64_t to) {
+            if (at == to) return;
+            runs_.push_back({at, static_cast<std::size_t>(to - at), {}, held});
+            held += runs_.back().length;
+            at = to;
+        };
+        for (Part& part : parts_) {
+            part.finish();
+            hold(part.segment.fileOffset);
+            part.forThoseInPlace([&](const ImageView& stretch) {
+                hold(part.offsetOf(stretch));
+                runs_.push_back({at, stretch.elements.size(), stretch});
+                at += stretch.elements.size();
+            });
+            hold(part.fileEnd());
         }
-        hold(at, file.size());
+        hold(file.size());
         rest_ = Platform::PageBlock(held);
-        for (std::size_t i = 0; i < runs_.size(); ++i)
-            if (runs_[i].image == nullptr)
-                file.readAll(offsets[i], bytesAt(runs_[i].at, runs_[i].length));
-        for (std::size_t i = 0; i < parts_.size(); ++i)
-            if (parts_[i].source() == nullptr) lay(parts_[i], heldAt[i]);
+        for (const Run& run : runs_)
+            if (!run.image) file.readAll(run.fileOffset, bytesAt(run.at, run.length));
+        for (const Part& part : parts_) lay(part);
     }
 
     /// Lays the layers of a part over its bytes in memory.
-    void lay(const Part& part, std::size_t at) const {
+    void lay(const Part& part) const {
         for (const ImageView& layer : part.layers)
             forStretches(layer, [&](const ImageView& stretch) {
-                const auto offset =
-                    static_cast<std::size_t>(stretch.startAddress - part.segment.address);
-                stretch.elements.copyBytes(bytesAt(at + offset, stretch.elements.size()).data());
+                if (part.isInPlace(stretch)) return;
+                const std::uint64_t offset = part.offsetOf(stretch);
+                const Run& run =
+                    *std::prev(std::ranges::upper_bound(runs_, offset, {}, &Run::fileOffset));
+                const auto at = run.at + static_cast<std::size_t>(offset - run.fileOffset);
+                stretch.elements.copyBytes(bytesAt(at, stretch.elements.size()).data());
             });
     }
 
