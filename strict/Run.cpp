@@ -427,7 +427,8 @@ private:
         }
         if (needsRecord(options_) && !record(program, execution)) return ExitCode::Failed;
         if (!options_.dependencyFile.empty() && !options_.isCheck)
-            writeDependencyFile(options_.dependencyFile, options_.script, files_, *printer_);
+            writeDependencyFile(options_.dependencyFile, {options_.script, options_.nameFile},
+                                files_, *printer_);
         commit(files_, *printer_);
         return printer_->errors() == 0 ? ExitCode::Good : ExitCode::Failed;
     }

@@ -339,6 +339,7 @@ constexpr auto exportFormats = std::to_array<ExportFormat>({
      .makeWriter = &makeElf,
      .setAddressUnit = &setElfUnit,
      .needsTemplate = true,
+     .isComparedByAddress = true,
      .endings = elfEndings,
      .otherEndings = otherElfEndings},
 });

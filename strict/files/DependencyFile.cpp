@@ -50,13 +50,17 @@ std::string dependencyRule(const std::vector<std::string>& outputs,
     return rule;
 }
 
-void writeDependencyFile(const std::string& path, const std::string& script, RunFiles& files,
-                         DiagnosticSink& sink) {
+void writeDependencyFile(const std::string& path, const std::vector<std::string>& given,
+                         RunFiles& files, DiagnosticSink& sink) {
     std::vector<std::string> inputs;
-    if (script != "-") inputs.push_back(script);
+    const auto& read = files.inputs();
     // A file that depends on itself is a cycle.
-    std::ranges::copy_if(files.inputs(), std::back_inserter(inputs),
-                         [&files](const std::string& input) { return !files.isWritten(input); });
+    const auto counts = [&files](const std::string& file) { return !files.isWritten(file); };
+    for (const std::string& file : given)
+        if (file != "-" && !file.empty() && counts(file) &&
+            std::ranges::find(read, files.inputName(file)) == read.end())
+            inputs.push_back(file);
+    std::ranges::copy_if(read, std::back_inserter(inputs), counts);
     // A run that writes nothing else has this file.
     const bool isAlone = files.outputs().empty();
     const std::string rule = dependencyRule(isAlone ? std::vector{path} : files.outputs(), inputs);

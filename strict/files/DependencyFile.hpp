@@ -16,9 +16,10 @@ std::string dependencyRule(const std::vector<std::string>& outputs,
 /// Writes the dependency file of a run: what it wrote, and what it read, the script included. An
 /// input that is an output too is left out.
 ///
-/// @param path    where to write it
-/// @param script  the path of the script; "-" for standard input, on which nothing can depend
-void writeDependencyFile(const std::string& path, const std::string& script, RunFiles& files,
-                         DiagnosticSink& sink);
+/// @param path   where to write it
+/// @param given  what the command line names beside them: the script, and the file with the names
+///               at addresses. Nothing can depend on standard input, "-", and on none, "".
+void writeDependencyFile(const std::string& path, const std::vector<std::string>& given,
+                         RunFiles& files, DiagnosticSink& sink);
 
 }  // namespace Strict

@@ -201,14 +201,15 @@ std::uint64_t firstDifferentLine(std::string_view one, std::string_view other) {
     return static_cast<std::uint64_t>(std::count(one.begin(), end, '\n')) + 1;
 }
 
-/// Explains a file that cannot be read as an image: the line in which it differs, and what is
-/// there.
+/// Explains a file that cannot be read as an image: the line in which it differs, if it has lines,
+/// and what is there.
 void explainDamage(Diagnostic& diagnostic, std::uint64_t line, const ScriptOutput& made,
                    const std::string& path, const Inspect::RunRecord& record) {
-    diagnostic.hint =
-        "the file is damaged; the first line that differs is line " + Inspect::grouped(line);
-    for (const Inspect::LineRun& run :
-         Inspect::lineRunsOf(path, made.contents->format, made.addressUnit)) {
+    const auto runs = Inspect::lineRunsOf(path, made.contents->format, made.addressUnit);
+    diagnostic.hint = "the file is damaged";
+    if (!runs.empty())
+        diagnostic.hint += "; the first line that differs is line " + Inspect::grouped(line);
+    for (const Inspect::LineRun& run : runs) {
         if (line < run.firstLine) continue;
         const std::uint64_t distance = (line - run.firstLine) * run.bytesPerLine;
         if (distance >= run.area.length) continue;

@@ -1,3 +1,4 @@
 out\ put.bin: \
   script.tsn \
+  app.elf \
   in\ put\#$$.bin
