@@ -286,6 +286,18 @@ public:
         line("Operation aborted.");
     }
 
+    void operator()(const FamilyUnfit& fact) const {
+        const std::string family = "0x" + Util::hexWord(fact.family);
+        if (fact.fault == FamilyFault::Shared)
+            line("Error: File ", fact.file, " has bytes of several families for 0x",
+                 Util::hexWord(fact.address), " ! They are ", fact.known, ".");
+        else if (fact.fault == FamilyFault::Unknown)
+            line("Error: File ", fact.file, " has no blocks for the family ", family, " !");
+        else
+            line("Error: Family ", family, " could not be read ! Only FROM_UF2 has families.");
+        line("Operation aborted.");
+    }
+
     void operator()(const ElfTemplateUnfit& fact) const {
         const auto range = [&fact] {
             return "0x" + Util::hexWord(fact.start) + " to 0x" + Util::hexWord(fact.end - 1);

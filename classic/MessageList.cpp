@@ -96,7 +96,7 @@ std::optional<std::pair<FormatFault, FormatFault>> faultsOf(InputFormat format) 
         case InputFormat::Elf:
             return {{FormatFault::MagicMissing, FormatFault::AddressTooHigh}};
         case InputFormat::Uf2:
-            return {{FormatFault::SizeNotWhole, FormatFault::FamiliesMixed}};
+            return {{FormatFault::SizeNotWhole, FormatFault::BlockCountWrong}};
         case InputFormat::TiTxt:
             return {{FormatFault::LineUnknown, FormatFault::WordCut}};
         case InputFormat::Vmem:
@@ -162,6 +162,13 @@ std::vector<Fact> examples(Of<SectionUnfit> /*type*/) {
     for (const SectionFault fault :
          {SectionFault::Unknown, SectionFault::NotLoaded, SectionFault::NoSections})
         facts.emplace_back(SectionUnfit{"PATH", "NAME", fault, ""});
+    return facts;
+}
+std::vector<Fact> examples(Of<FamilyUnfit> /*type*/) {
+    std::vector<Fact> facts;
+    for (const FamilyFault fault :
+         {FamilyFault::Shared, FamilyFault::Unknown, FamilyFault::NoFamilies})
+        facts.emplace_back(FamilyUnfit{"PATH", fault, number, number, "NAMES"});
     return facts;
 }
 std::vector<Fact> examples(Of<ElfTemplateUnfit> /*type*/) {

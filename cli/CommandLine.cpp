@@ -37,6 +37,7 @@ struct Texts {
     std::string offset;
     std::string sections;
     std::string skippedSections;
+    std::string family;
     std::optional<std::string> format;
     std::string lane;
     std::string interleave;
@@ -121,6 +122,16 @@ Parser::FormatChoice formatIn(const std::string& option, const std::string& text
     throw CLI::ValidationError(
         option, "\"" + text + "\" is not a format; " +
                     (advice.hint.empty() ? "tessaron help formats lists them" : advice.hint));
+}
+
+/// A family of devices, as the formats of UF2 name it.
+Parser::FormatChoice familyIn(const std::string& text) {
+    if (const auto format = Parser::formatIn("Uf2_" + text)) return *format;
+    const auto* const format = Parser::WrapperLib::CmdWriteFile::formatNamed("Uf2_");
+    const Strict::TypeAdvice advice = Strict::adviceOnFormatName(*format, text);
+    throw CLI::ValidationError(
+        "--family", "\"" + text + "\" is not a family; " +
+                        (advice.hint.empty() ? "info lists those of a file" : advice.hint));
 }
 
 /// A format of input files, by its word or its name.
@@ -280,6 +291,10 @@ void apply(Request& request, const Texts& texts) {
     if (!texts.alignment.empty()) arranging.alignment = positiveIn("--align", texts.alignment);
     request.conversion.sections = {namesIn("--sections", texts.sections),
                                    namesIn("--skip-sections", texts.skippedSections)};
+    if (!texts.family.empty()) {
+        request.conversion.family = familyIn(texts.family);
+        request.inspection.family = request.conversion.family->number;
+    }
     if (texts.format) request.conversion.format = formatIn("--format", *texts.format);
     for (const std::string& text : texts.fileFormats)
         request.inspection.formats.push_back(inputFormatIn(text));
@@ -294,6 +309,14 @@ void apply(Request& request, const Texts& texts) {
     set(texts.ignored, Strict::Severity::Ignored);
 }
 
+void addFamily(CLI::App& command, Texts& texts) {
+    command
+        .add_option("--family", texts.family,
+                    "reads what a UF2 file has for this family of devices")
+        ->type_name("NAME")
+        ->check(&faultIfEmpty);
+}
+
 void addInspection(CLI::App& command, Request& request, Texts& texts) {
     addDisplay(command, request, texts);
     command
@@ -301,6 +324,7 @@ void addInspection(CLI::App& command, Request& request, Texts& texts) {
                     "the format of the files; may be given once for each of them")
         ->type_name("FORMAT")
         ->allow_extra_args(false);
+    addFamily(command, texts);
     command.add_option("--width", request.inspection.width, "columns to use")
         ->type_name("N")
         ->check(CLI::Range(20, 1000).description(""));
@@ -433,6 +457,7 @@ void addConvert(CLI::App& app, Request& request, Texts& texts) {
     convert->add_option("--skip-sections", texts.skippedSections, "leaves out these sections")
         ->type_name("NAME[,NAME]...")
         ->check(&faultIfEmpty);
+    addFamily(*convert, texts);
     convert->add_option("--format", texts.format, "a format of WRITE_FILE")
         ->type_name("NAME")
         ->check(&faultIfEmpty);

@@ -129,9 +129,11 @@ std::optional<InputFacts> factsOf(const Conversion& conversion, const FormatChoi
     Strict::KeptDiagnostics kept;
     const std::uint32_t given = conversion.arranging.inputUnit;
     const std::uint32_t unit = given == 0 ? 1 : given;
+    Io::Import::ReadOptions options{.addressUnit = unit};
+    if (conversion.family) options.family = conversion.family->number;
     const auto image = conversion.sections.isEmpty()
-                           ? Strict::readImage(input, conversion.inputFormat, kept,
-                                               Strict::OptionsOf::Convert, unit)
+                           ? Strict::readImage(input, conversion.inputFormat, kept, options,
+                                               Strict::OptionsOf::Convert)
                            : Strict::readSections(input, conversion.sections, unit, kept);
     if (!image || conversion.printsScript) kept.pass(printer);
     if (!image) return std::nullopt;
@@ -188,6 +190,7 @@ struct Steps {
     std::vector<Source> furtherSources;  ///< of the further inputs
     std::string elfTemplate = {};
     Io::Import::SectionChoice sections = {};
+    std::optional<FormatChoice> family = {};
 };
 
 constexpr const char* imageName = "@Image";
@@ -250,6 +253,13 @@ void addSections(Strict::ProgramMaker& maker, const char* option,
     maker.add("}");
 }
 
+/// The number of a format, by its name if it has one.
+Piece numberOf(const FormatChoice& format) {
+    Piece number(Parser::nameIn(format));
+    if (number.text().empty()) number.addNumber(*format.number, std::to_string(*format.number));
+    return number;
+}
+
 /// Adds the statement that makes an image of a file.
 ///
 /// @param isLast  it is the image that is written
@@ -269,6 +279,11 @@ void addNewBuffer(Strict::ProgramMaker& maker, const Steps& steps, const std::st
                 [&image](const std::string& section) { image.useSection(section); });
     addSections(maker, "-skipSections", steps.sections.skipped,
                 [&image](const std::string& section) { image.skipSection(section); });
+    if (steps.family) {
+        image.setFamily(steps.family->number.value_or(0));
+        maker.add(" -useFamily=");
+        maker.add(Role::Family, numberOf(*steps.family));
+    }
     if (steps.crop) {
         image.setBufferRange(*steps.crop);
         maker.add(" -useBufferRange=");
@@ -336,9 +351,7 @@ void addFormat(Strict::ProgramMaker& maker, const FormatChoice& format) {
         return;
     }
     maker.add(keyword + "_");
-    Piece number(Parser::nameIn(format));
-    if (number.text().empty()) number.addNumber(*format.number, std::to_string(*format.number));
-    maker.add(Role::Format, number, format.row);
+    maker.add(Role::Format, numberOf(format), format.row);
 }
 
 void addWriteFile(Strict::ProgramMaker& maker, const Steps& steps) {
@@ -422,7 +435,8 @@ std::optional<Steps> stepsOf(const Conversion& conversion, Strict::Printer& prin
                 conversion.arranging,
                 {},
                 conversion.elfTemplate,
-                conversion.sections};
+                conversion.sections,
+                conversion.family};
     for (const std::string& further : conversion.arranging.furtherInputs) {
         const auto furtherSource = sourceOf(further, conversion.inputFormat, printer);
         if (!furtherSource) return std::nullopt;

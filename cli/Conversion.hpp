@@ -37,10 +37,11 @@ struct Conversion {
     std::optional<Parser::FormatChoice> format = {};     ///< nothing for that of the ending
     std::optional<Facts::InputFormat> inputFormat = {};  ///< nothing: name and contents decide
     std::optional<Buffer::Area> crop = {};
-    std::vector<std::uint8_t> fill = {};      ///< bytes for the gaps; none leaves them gaps
-    std::uint64_t offset = 0;                 ///< added to all addresses, modulo 2^64
-    Io::Import::SectionChoice sections = {};  ///< of an ELF file
-    std::string elfTemplate = {};             ///< the file that an ELF output is a copy of
+    std::vector<std::uint8_t> fill = {};              ///< bytes for the gaps; none leaves them gaps
+    std::uint64_t offset = 0;                         ///< added to all addresses, modulo 2^64
+    Io::Import::SectionChoice sections = {};          ///< of an ELF file
+    std::optional<Parser::FormatChoice> family = {};  ///< its number: of UF2, that is read
+    std::string elfTemplate = {};                     ///< the file that an ELF output is a copy of
     Arranging arranging = {};
     bool printsScript = false;  ///< instead of running it
 };

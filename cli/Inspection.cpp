@@ -46,7 +46,8 @@ std::optional<Facts::InputFormat> formatOf(const Inspection& inspection, std::si
 /// The image of a file, by its number; nothing after a diagnostic.
 std::optional<Inspect::Image> imageOf(const Inspection& inspection, std::size_t file,
                                       Printer& printer) {
-    return Strict::readImage(inspection.files[file], formatOf(inspection, file), printer);
+    return Strict::readImage(inspection.files[file], formatOf(inspection, file), printer,
+                             {.family = inspection.family});
 }
 
 /// The names for each file: of the ELF or map file that is given for it or for all, or of an ELF
@@ -90,7 +91,8 @@ ExitCode info(const Inspection& inspection, Printer& printer, const Strict::Poli
     for (std::size_t i = 0; i < inspection.files.size(); ++i) {
         const std::string& file = inspection.files[i];
         Strict::KeptDiagnostics kept;
-        auto info = Strict::readInfo(file, formatOf(inspection, i), inspection.withSymbols, kept);
+        auto info = Strict::readInfo(file, formatOf(inspection, i), inspection.withSymbols, kept,
+                                     {.family = inspection.family});
         Strict::RemarkList remarks(policy);
         kept.pass(remarks);
         if (info && info->isRead && info->areas.empty())

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -18,6 +20,8 @@ struct Inspection {
     std::vector<std::string> files;
     /// The formats of the files, or one for all of them; none if names and contents decide.
     std::vector<Facts::InputFormat> formats;
+    /// Of devices, whose blocks are read from files for several; nothing for all.
+    std::optional<std::uint32_t> family;
     std::vector<std::string> nameFiles;  ///< with the names at addresses, one for all or for each
     bool isJson = false;
     Buffer::AreaList ignored;     ///< by `diff`

@@ -32,7 +32,8 @@ _tessaron_words() {
         -C | --directory) compgen -d -- "$current"; return ;;
         -D | --define | --symbol | --width | --context | --max-lines | \
             --crop | --fill | --offset | --format | --lane | --interleave | --fill-gaps | \
-            --align | --sections | --skip-sections) return ;;
+            --align | --sections | --skip-sections | \
+            --family) return ;;
         --from)
             compgen -W 'IntelHex MotorolaS RawBinary Elf Uf2 TiTxt Vmem DfuSe' -- "$current"
             return ;;
@@ -46,14 +47,15 @@ _tessaron_words() {
         :*) compgen -W 'run check info diff map convert help' -- "$current" ;;
         run:-*) compgen -W "$script --depfile --manifest --map --report" -- "$current" ;;
         check:-*) compgen -W "$script --against-disk --manifest" -- "$current" ;;
-        info:-*) compgen -W "$common --json --symbols --elf --from --width" -- "$current" ;;
+        info:-*) compgen -W "$common --json --symbols --elf --from --family --width" -- "$current" ;;
         diff:-*)
-            compgen -W "$common --json --ignore --context --max-lines --elf --from --width" -- "$current" ;;
-        map:-*) compgen -W "$common --svg --ascii --elf --from --width" -- "$current" ;;
+            compgen -W "$common --json --ignore --context --max-lines --elf --from --family \
+                --width" -- "$current" ;;
+        map:-*) compgen -W "$common --svg --ascii --elf --from --family --width" -- "$current" ;;
         convert:-*)
             compgen -W "$common --crop --fill --offset --from --format --lane --interleave --with \
                 --swap-bytes --unit-in --unit-out --fill-gaps --align --sections --skip-sections \
-                --elf-template --print-script" \
+                --family --elf-template --print-script" \
                 -- "$current" ;;
         help:-*) compgen -W '--help' -- "$current" ;;
         help:*)

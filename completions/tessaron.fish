@@ -70,6 +70,7 @@ complete -c tessaron -n $convert -l crop -x -d 'Keep only this area, START,LENGT
 complete -c tessaron -n $convert -l fill -x -d 'Lay bytes into the gaps'
 complete -c tessaron -n $convert -l offset -x -d 'Add to all addresses'
 complete -c tessaron -n $files -l from -x -a "$formats" -d 'The format of the input'
+complete -c tessaron -n $files -l family -x -d 'The devices whose blocks of a UF2 file count'
 complete -c tessaron -n $convert -l format -x -d 'A format of WRITE_FILE'
 complete -c tessaron -n $convert -l lane -x -d 'Take one chip of a bus, LANE,LANES,WIDTH'
 complete -c tessaron -n $convert -l interleave -x -d 'Make a bus of its chips'

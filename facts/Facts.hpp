@@ -162,7 +162,6 @@ enum class FormatFault : std::uint8_t {
     PayloadTooLong,    ///< block `where` has `number` bytes of data, more than there is room for
     BlockNumberWrong,  ///< block `where` has the number `number`, twice or beyond the count
     BlockCountWrong,   ///< there are `where` blocks, but the file says `number`
-    FamiliesMixed,     ///< block `where` is for the family `number`, others are not
     LineUnknown,       ///< line `where` is nothing that the format has
     AddressMissing,    ///< line `where` has data, and no line before has an address
     EndMissing,        ///< the file has no end after line `where`
@@ -199,6 +198,22 @@ struct SectionUnfit {
     SectionFault fault;
     std::string_view known;  ///< the names of the file's sections that are loaded, a line each
     bool operator==(const SectionUnfit&) const = default;
+};
+
+enum class FamilyFault : std::uint8_t {
+    Shared,     ///< several families have blocks for `address`, and none was asked for
+    Unknown,    ///< no block is for the family that was asked for
+    NoFamilies  ///< what the image is made of has no families
+};
+
+/// The blocks for one family of devices cannot be told from a file; the statement failed.
+struct FamilyUnfit {
+    std::string_view file;
+    FamilyFault fault;
+    std::uint32_t family;  ///< that was asked for
+    std::uint64_t address;
+    std::string_view known;  ///< the families of the file, in words
+    bool operator==(const FamilyUnfit&) const = default;
 };
 
 // Output files
@@ -535,17 +550,19 @@ struct RunEnded {
     bool operator==(const RunEnded&) const = default;
 };
 
-using Fact = std::variant<
-    ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside, FillTooLong,
-    ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty, LastLineMismatched,
-    RecordContradictory, LineNotARecord, RecordCountTooLow, DataSpanTooLong, RawFileTooLong,
-    FileMalformed, SectionUnfit, FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
-    RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible, AddressBeyondFormat,
-    FormatNumberWrong, FamiliesNotOfImages, HeaderTooLong, ElfTemplateUnfit, FileWriteIncomplete,
-    NameNotFound, OverlapRefused, ImageDiffers, NothingCompared, StatementExhausted,
-    CrcParameterRefused, WordIncomplete, BusRefused, ImageNotOfWords, AddressUnitRefused,
-    AlignmentZero, FileNotOpened, FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted,
-    CrcPrinted, HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
-    VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
+using Fact =
+    std::variant<ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside,
+                 FillTooLong, ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty,
+                 LastLineMismatched, RecordContradictory, LineNotARecord, RecordCountTooLow,
+                 DataSpanTooLong, RawFileTooLong, FileMalformed, SectionUnfit, FamilyUnfit,
+                 FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
+                 RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible,
+                 AddressBeyondFormat, FormatNumberWrong, FamiliesNotOfImages, HeaderTooLong,
+                 ElfTemplateUnfit, FileWriteIncomplete, NameNotFound, OverlapRefused, ImageDiffers,
+                 NothingCompared, StatementExhausted, CrcParameterRefused, WordIncomplete,
+                 BusRefused, ImageNotOfWords, AddressUnitRefused, AlignmentZero, FileNotOpened,
+                 FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted, CrcPrinted,
+                 HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
+                 VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace Facts

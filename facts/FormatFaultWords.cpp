@@ -48,9 +48,6 @@ std::string textOf(const FileMalformed& fact) {
                    ", which is there already or beyond the count";
         case FormatFault::BlockCountWrong:
             return "there are " + where + " blocks, not " + number;
-        case FormatFault::FamiliesMixed:
-            return "block " + where + " is for the family " + hexadecimal(fact.number) +
-                   ", others are not";
         case FormatFault::LineUnknown:
             return "line " + where + " is neither an address nor bytes";
         case FormatFault::AddressMissing:

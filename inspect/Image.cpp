@@ -72,8 +72,8 @@ Image imageOf(const std::string& path, Io::Import::TessaronImportApi& reader) {
 }
 
 std::optional<Image> openImage(const std::string& path, std::optional<Facts::InputFormat> format,
-                               std::uint32_t addressUnit) {
-    const Io::Formats::AnyFile file = Io::Formats::openAny(path, format, nullptr, addressUnit);
+                               const Io::Import::ReadOptions& options) {
+    const Io::Formats::AnyFile file = Io::Formats::openAny(path, format, nullptr, options);
     if (file.reader == nullptr) return std::nullopt;
     return imageOf(path, *file.reader);
 }

@@ -8,6 +8,7 @@
 #include "buffer/Area.hpp"
 #include "buffer/MemoryBuffer.hpp"
 #include "facts/InputFormat.hpp"
+#include "io/import/ReadOptions.hpp"
 #include "io/import/SectionChoice.hpp"
 #include "io/import/TessaronImportApi.hpp"
 
@@ -33,17 +34,17 @@ struct Image {
 /// Reads a file of any format, as files are in the field. What is odd about it is reported to the
 /// listener in force; nothing is returned for a damaged file.
 ///
-/// @param format       that of the file; nothing if name and contents decide
-/// @param addressUnit  the addresses of the file count words of that many bytes
+/// @param format   that of the file; nothing if name and contents decide
+/// @param options  of which the rule for addresses that are there twice does not count
 /// @throws Io::bad_open
 /// @throws Io::Import::Malformed  after a report
 std::optional<Image> openImage(const std::string& path,
                                std::optional<Facts::InputFormat> format = {},
-                               std::uint32_t addressUnit = 1);
+                               const Io::Import::ReadOptions& options = {});
 
 /// Reads the chosen sections of an ELF file.
 ///
-/// @param addressUnit  as above
+/// @param addressUnit  the addresses of the file count words of that many bytes
 /// @throws Io::bad_open
 /// @throws Io::Import::Malformed  after a report
 Image openSections(const std::string& path, const Io::Import::SectionChoice& sections,

@@ -171,6 +171,7 @@ std::string trimmed(const std::string& text) {
 
 /// Adds what only some formats have. Damaged symbols, which were reported, are left out.
 void addLoaded(Info& info, const Io::Import::TessaronImportApi& file, bool withSymbols) {
+    info.families = file.getFamilies();
     info.devices = file.getDevices();
     info.header = trimmed(file.getHeader());
     for (const Area& area : file.getSegments()) info.segments.push_back({area, "", ""});
@@ -184,6 +185,20 @@ void addLoaded(Info& info, const Io::Import::TessaronImportApi& file, bool withS
     }
     std::ranges::stable_sort(info.symbols, {},
                              [](const Loaded& symbol) { return symbol.area.start; });
+}
+
+/// The devices that the file is for, and what it has for each of several families.
+std::string devicesText(const Info& info) {
+    std::string text;
+    for (const Io::Import::DeviceFamily& family : info.families) {
+        text += "  device    " + family.name;
+        if (info.families.size() > 1)
+            text += ", " + countText(family.blocks, "block") + ", " + rangeText(family.range);
+        text += "\n";
+    }
+    for (const std::string& device : info.devices)
+        text += "  device    " + Util::printable(device) + "\n";
+    return text;
 }
 
 std::string segmentsText(const std::vector<Loaded>& segments) {
@@ -219,12 +234,12 @@ std::string symbolsText(const std::vector<Loaded>& symbols) {
 
 }  // namespace
 
-Info infoAbout(const std::string& path, std::optional<Facts::InputFormat> format,
-               bool withSymbols) {
+Info infoAbout(const std::string& path, std::optional<Facts::InputFormat> format, bool withSymbols,
+               const Io::Import::ReadOptions& options) {
     Info info;
     info.path = path;
     RecordCounter counter;
-    const Io::Formats::AnyFile file = Io::Formats::openAny(path, format, &counter);
+    const Io::Formats::AnyFile file = Io::Formats::openAny(path, format, &counter, options);
     info.format = file.format;
     info.fileSize = file.size;
     if (info.format) info.records = counter.result(*info.format);
@@ -250,8 +265,7 @@ std::string textOf(const Info& info, std::size_t width) {
     if (info.records.total() != 0) text += recordsText(info.records, width);
     if (info.startAddress) text += "  start     " + addressText(*info.startAddress) + "\n";
     if (!info.header.empty()) text += "  header    " + Util::printable(info.header) + "\n";
-    for (const std::string& device : info.devices)
-        text += "  device    " + Util::printable(device) + "\n";
+    text += devicesText(info);
     text += segmentsText(info.segments);
     text += "  data      " + dataText(info) + "\n";
     if (!info.areas.empty())
@@ -273,6 +287,13 @@ std::string jsonOf(const std::vector<Info>& files) {
             json["recordLengths"][std::to_string(length)] = count;
         if (info.startAddress) json["startAddress"] = addressText(*info.startAddress);
         if (!info.header.empty()) json["header"] = info.header;
+        for (const Io::Import::DeviceFamily& family : info.families) {
+            json["devices"].push_back(family.name);
+            Json entry = toJson(family.range);
+            entry["name"] = family.name;
+            entry["blocks"] = family.blocks;
+            json["families"].push_back(std::move(entry));
+        }
         for (const std::string& device : info.devices) json["devices"].push_back(device);
         std::uint64_t bytes = 0;
         AreaList gaps;

@@ -49,7 +49,8 @@ struct Info {
     std::vector<AreaInfo> areas;
     Digest digest;  ///< of the data of all areas, ascending
     std::optional<std::uint64_t> startAddress;
-    std::vector<std::string> devices;  ///< that the file says it is for
+    std::vector<Io::Import::DeviceFamily> families;  ///< that it has blocks for
+    std::vector<std::string> devices;  ///< what else the file says of those that it is for
     std::vector<Loaded> segments;      ///< of an ELF file, in the order of its program headers
     std::vector<Loaded> symbols;       ///< of an ELF file, by address, if they were asked for
     std::vector<Remark> remarks;
@@ -60,9 +61,11 @@ struct Info {
 ///
 /// @param format  that of the file; nothing if name and contents decide
 /// @param withSymbols  also lists the symbols of an ELF file
+/// @param options  as for openImage
 /// @throws Io::bad_open
 /// @throws Io::Import::Malformed  after a report
-Info infoAbout(const std::string& path, std::optional<Facts::InputFormat> format, bool withSymbols);
+Info infoAbout(const std::string& path, std::optional<Facts::InputFormat> format, bool withSymbols,
+               const Io::Import::ReadOptions& options = {});
 
 /// A table for a terminal of `width` columns: digests are cut to fit, or left out where too little
 /// of them would remain. With 0, nothing is cut.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "util/Hex.hpp"
+
 namespace Io::Uf2 {
 
 namespace {
@@ -99,6 +101,13 @@ void writeBlock(std::span<std::uint8_t> out, const Block& block,
 
 std::span<const Family> families() {
     return publishedFamilies;
+}
+
+std::string nameOf(std::uint32_t family) {
+    const std::string number = "0x" + Util::hexWord(family);
+    const auto known = std::ranges::find(publishedFamilies, family, &Family::number);
+    if (known == publishedFamilies.end()) return number;
+    return std::string(known->name) + " (" + number + ")";
 }
 
 }  // namespace Io::Uf2

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 
 #include "io/NamedNumber.hpp"
 
@@ -47,5 +48,8 @@ using Family = NamedNumber;
 
 /// The families of the published list, in its order.
 std::span<const Family> families();
+
+/// The name of a family and its number, or the number alone if it is not of the published list.
+std::string nameOf(std::uint32_t family);
 
 }  // namespace Io::Uf2

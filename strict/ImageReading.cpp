@@ -41,13 +41,13 @@ auto readWith(Read read, const std::string& path, DiagnosticSink& sink,
 
 std::optional<Inspect::Image> readImage(const std::string& path,
                                         std::optional<Facts::InputFormat> format,
-                                        DiagnosticSink& sink, OptionsOf options,
-                                        std::uint32_t addressUnit) {
+                                        DiagnosticSink& sink,
+                                        const Io::Import::ReadOptions& options, OptionsOf advice) {
     return readWith(
-        [format, addressUnit](const std::string& file) {
-            return Inspect::openImage(file, format, addressUnit);
+        [format, &options](const std::string& file) {
+            return Inspect::openImage(file, format, options);
         },
-        path, sink, options);
+        path, sink, advice);
 }
 
 std::optional<Inspect::Image> readSections(const std::string& path,
@@ -71,10 +71,11 @@ std::optional<Inspect::Names> readNames(const std::string& path, DiagnosticSink&
 
 std::optional<Inspect::Info> readInfo(const std::string& path,
                                       std::optional<Facts::InputFormat> format, bool withSymbols,
-                                      DiagnosticSink& sink) {
+                                      DiagnosticSink& sink,
+                                      const Io::Import::ReadOptions& options) {
     return readWith(
-        [format, withSymbols](const std::string& file) {
-            return std::optional(Inspect::infoAbout(file, format, withSymbols));
+        [format, withSymbols, &options](const std::string& file) {
+            return std::optional(Inspect::infoAbout(file, format, withSymbols, options));
         },
         path, sink);
 }

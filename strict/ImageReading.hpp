@@ -7,6 +7,7 @@
 #include "inspect/Image.hpp"
 #include "inspect/Info.hpp"
 #include "inspect/Names.hpp"
+#include "io/import/ReadOptions.hpp"
 #include "io/import/SectionChoice.hpp"
 #include "strict/diagnostics/Circumstances.hpp"
 #include "strict/diagnostics/Diagnostic.hpp"
@@ -16,16 +17,18 @@ namespace Strict {
 /// Reads a file of any format. What is odd about it, or the reason why it cannot be read, goes to
 /// the sink.
 ///
-/// @param format       that of the file; nothing if name and contents decide
-/// @param options      that advice may name
-/// @param addressUnit  the addresses of the file count words of that many bytes
+/// @param format   that of the file; nothing if name and contents decide
+/// @param options  as for Inspect::openImage
+/// @param advice   the options that advice may name
 std::optional<Inspect::Image> readImage(const std::string& path,
                                         std::optional<Facts::InputFormat> format,
                                         DiagnosticSink& sink,
-                                        OptionsOf options = OptionsOf::Inspection,
-                                        std::uint32_t addressUnit = 1);
+                                        const Io::Import::ReadOptions& options = {},
+                                        OptionsOf advice = OptionsOf::Inspection);
 
 /// Reads the chosen sections of an ELF file in the same way, for `convert`.
+///
+/// @param addressUnit  the addresses of the file count words of that many bytes
 std::optional<Inspect::Image> readSections(const std::string& path,
                                            const Io::Import::SectionChoice& sections,
                                            std::uint32_t addressUnit, DiagnosticSink& sink);
@@ -38,8 +41,10 @@ std::optional<Inspect::Names> readNames(const std::string& path, DiagnosticSink&
 ///
 /// @param format  that of the file; nothing if name and contents decide
 /// @param withSymbols  also lists the symbols of an ELF file
+/// @param options  as for Inspect::openImage
 std::optional<Inspect::Info> readInfo(const std::string& path,
                                       std::optional<Facts::InputFormat> format, bool withSymbols,
-                                      DiagnosticSink& sink);
+                                      DiagnosticSink& sink,
+                                      const Io::Import::ReadOptions& options = {});
 
 }  // namespace Strict

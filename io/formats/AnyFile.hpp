@@ -6,6 +6,7 @@
 #include <string>
 
 #include "facts/InputFormat.hpp"
+#include "io/import/ReadOptions.hpp"
 #include "io/import/RecordVisitor.hpp"
 #include "io/import/TessaronImportApi.hpp"
 
@@ -20,12 +21,11 @@ struct AnyFile {
 
 /// Opens a file once, and reads it.
 ///
-/// @param given        its format; nothing if name and contents decide
-/// @param visitor      learns which records a text file has; null for nobody
-/// @param addressUnit  the addresses of the file count words of that many bytes
+/// @param given    its format; nothing if name and contents decide
+/// @param visitor  learns which records a text file has; null for nobody
 /// @throws Io::bad_open
 /// @throws Import::Malformed  after a report
 AnyFile openAny(const std::string& path, std::optional<Facts::InputFormat> given = {},
-                Import::RecordVisitor* visitor = nullptr, std::uint32_t addressUnit = 1);
+                Import::RecordVisitor* visitor = nullptr, const Import::ReadOptions& options = {});
 
 }  // namespace Io::Formats

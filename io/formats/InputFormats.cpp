@@ -46,6 +46,11 @@ Pointer openBinary(const std::string& path, InputFile file, const ReadOptions& /
     return std::make_unique<Reader>(path, std::move(file));
 }
 
+Pointer openUf2(const std::string& path, InputFile file, const ReadOptions& options,
+                RecordVisitor* /*visitor*/) {
+    return std::make_unique<Import::Uf2InFile>(path, std::move(file), options.family);
+}
+
 Pointer openElf(const std::string& path, InputFile file, const ReadOptions& options,
                 RecordVisitor* /*visitor*/) {
     return std::make_unique<Import::ElfInFile>(path, std::move(file), options.addressUnit);
@@ -139,8 +144,9 @@ constexpr std::array<InputFormatRow, Facts::inputFormatCount> rows{{
      .keyword = "FROM_UF2",
      .trace = "SetUf2FileAsSource -> ",
      .endings = uf2Endings,
+     .hasFamilies = true,
      .looksLike = &Import::Uf2InFile::looksLike,
-     .open = &openBinary<Import::Uf2InFile>},
+     .open = &openUf2},
     {.format = InputFormat::TiTxt,
      .name = "TI-TXT",
      .word = "TiTxt",

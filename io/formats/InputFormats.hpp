@@ -64,6 +64,7 @@ struct InputFormatRow {
     std::span<const std::string_view> sharedEndings = {};  ///< that other files have as well
     StartAddress startAddress = StartAddress::Never;
     bool mayCountWords = false;  ///< its addresses count words for some devices
+    bool hasFamilies = false;    ///< of devices, one of which may be chosen
     /// Whether a file that begins with `head` has the format; null for one that has no mark there.
     bool (*looksLike)(std::string_view head) = nullptr;
     Open open = nullptr;

@@ -31,6 +31,13 @@ struct Symbol {
     bool isAbsolute;  ///< a number that no section has, not the address of something
 };
 
+/// What a file has for one of the families of devices that it names.
+struct DeviceFamily {
+    std::string name;
+    std::uint64_t blocks;  ///< that belong into the main flash
+    Buffer::Area range;    ///< from the lowest address of their data to the highest
+};
+
 /// A file as a set of addressed bytes, whatever its format. A reader parses the whole file in its
 /// constructor, which reports what is wrong with it; all other operations are queries. A reader of
 /// a faulty file holds less data, or none: length 0 at address 0.
@@ -99,7 +106,10 @@ public:
     /// @throws Malformed  after a report
     virtual std::vector<Symbol> getSymbols() const { return {}; }
 
-    /// The devices that the file says it is for, in words.
+    /// The families of devices that the file has blocks for, in the order of their first blocks.
+    virtual std::vector<DeviceFamily> getFamilies() const { return {}; }
+
+    /// What else the file says of the devices that it is for, in words.
     virtual std::vector<std::string> getDevices() const { return {}; }
 
     /// The bytes of the words that the addresses of the file seem to count; 1 if they count bytes.

@@ -124,6 +124,12 @@ std::optional<MemoryBuffer> CmdNewBuffer::build(CmdContext& context) const {
             Facts::SectionUnfit{fileName_, names.front(), Facts::SectionFault::NoSections, {}});
         return std::nullopt;
     }
+    const bool isNamed = sourceKind_ == BufferSourceKind::SourceFile && format_ != nullptr;
+    if (family_ && !(isNamed && format_->hasFamilies)) {
+        Facts::report(
+            Facts::FamilyUnfit{fileName_, Facts::FamilyFault::NoFamilies, *family_, 0, {}});
+        return std::nullopt;
+    }
     if (sourceKind_ != BufferSourceKind::SourceFile && !mayCountWords("this source", false))
         return std::nullopt;
     if (!arrangement_.isPossible(bufferName_, sourceBuffers_.size())) return std::nullopt;
@@ -215,7 +221,7 @@ bool CmdNewBuffer::hasSections() const {
 std::unique_ptr<TessaronImportApi> CmdNewBuffer::openFile(const CmdContext& context) const {
     // For the system a path ends at a zero byte.
     const std::string path = fileName_.substr(0, fileName_.find('\0'));
-    const Io::Import::ReadOptions options{overlapRule_, addressUnit()};
+    const Io::Import::ReadOptions options{overlapRule_, addressUnit(), family_};
     if (format_ == nullptr) return context.reading->open(path, options);
     if (!sections_.isEmpty())
         return format_->openSections(path, Io::openInput(path), options, sections_);

@@ -50,6 +50,9 @@ public:
     /// Leaves out a section of an ELF file.
     void skipSection(std::string name) { sections_.skipped.push_back(std::move(name)); }
 
+    /// Reads what a UF2 file has for a family of devices.
+    void setFamily(std::uint32_t family) { family_ = family; }
+
     void setValues(std::vector<std::uint32_t> list);
     void addSourceBuffer(std::string name);
     void setNewStartAddress(std::uint32_t address);
@@ -109,6 +112,7 @@ private:
     std::string fileName_;
     const Io::Formats::InputFormatRow* format_ = nullptr;  ///< null if the contents decide
     Io::Import::SectionChoice sections_;
+    std::optional<std::uint32_t> family_;
     BufferSourceKind sourceKind_ = BufferSourceKind::SourceEmpty;
     Buffer::ByteOrder byteOrder_ = Buffer::ByteOrder::NotSet;
     Area bufferRange_;

@@ -4,8 +4,10 @@
 #include <string_view>
 #include <vector>
 
+#include "io/Uf2.hpp"
 #include "io/formats/InputFormats.hpp"
 #include "parser/commands/CmdNewBuffer.hpp"
+#include "parser/grammar/NumberName.hpp"
 #include "parser/grammar/Statements.hpp"
 
 namespace Parser {
@@ -36,9 +38,10 @@ struct NewBufferRules final : StatementRules {
               rules.valueList[on.values("SetHexList -> ", Role::Bytes, &CmdNewBuffer::setValues)]) |
              buffersSource(rules, on, "AddBufferAsSource -> ", &CmdNewBuffer::addSourceBuffer)) >>
             rules.ws;
-        newOptions = *(newStartAddressOption | newByteOrderOption | newAreasOption |
-                       bufferRangeOption | newOverlapOption | laneOption | interleaveOption |
-                       newSwapOption | newUnitOption | sectionsOption | newSizeOption);
+        newOptions =
+            *(newStartAddressOption | newByteOrderOption | newAreasOption | bufferRangeOption |
+              newOverlapOption | laneOption | interleaveOption | newSwapOption | newUnitOption |
+              sectionsOption | newSizeOption | familyOption);
         newSizeOption = valueSizeOption(rules, on);
         // A name as linkers take it, such as .text.main.
         sectionName = rules.expected(
@@ -53,6 +56,14 @@ struct NewBufferRules final : StatementRules {
                      on.text("UseSection -> ", Role::Sections, &CmdNewBuffer::useSection)) |
             sections("-skipSections",
                      on.text("SkipSection -> ", Role::Sections, &CmdNewBuffer::skipSection));
+        familyOption =
+            rules.keyword("-useFamily") >> rules.equals >>
+            (NumberName(state, &Io::Uf2::families, family)[on.with(
+                 "UseFamily -> ", Role::Family,
+                 [this](CmdNewBuffer& image, std::string_view) { image.setFamily(family); })] |
+             rules
+                 .notedValue[on.number("UseFamily -> ", Role::Family, &CmdNewBuffer::setFamily)]) >>
+            rules.ws;
         newStartAddressOption = startAddressSetting[on.number("SetStartAddress -> ", Role::Address,
                                                               &CmdNewBuffer::setNewStartAddress)] >>
                                 rules.ws;
@@ -105,7 +116,8 @@ struct NewBufferRules final : StatementRules {
 
     Rule newSource, newOptions, newStartAddressOption, startAddressSetting, newByteOrderOption,
         newAreasOption, bufferRangeOption, newOverlapOption, laneOption, interleaveOption,
-        newSwapOption, newUnitOption, sectionsOption, newSizeOption, sectionName;
+        newSwapOption, newUnitOption, sectionsOption, newSizeOption, sectionName, familyOption;
+    std::uint32_t family = 0;  ///< the number whose name was read last
     std::deque<Rule> files;
 };
 

@@ -10,6 +10,7 @@
 #include "io/NamedNumber.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
 #include "parser/grammar/FormatChoice.hpp"
+#include "parser/grammar/NumberName.hpp"
 #include "parser/grammar/Statements.hpp"
 
 namespace Parser {
@@ -23,38 +24,6 @@ using WrapperLib::ExportFormat;
 using WrapperLib::FormatNumber;
 
 namespace {
-
-/// One of the names of a format, as a whole word.
-class FormatName : public Spirit::parser<FormatName> {
-public:
-    /// @param number  set to the number of the last match
-    FormatName(ParserState& state, const ExportFormat& format, std::uint32_t& number)
-        : state_(&state), format_(&format), number_(&number) {}
-
-    template <class ScannerT>
-    typename Spirit::parser_result<FormatName, ScannerT>::type parse(const ScannerT& scan) const {
-        constexpr std::string_view letters =
-            "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-";
-        const Position first = scan.first;
-        std::string_view word(first, static_cast<std::size_t>(scan.last - first));
-        word = word.substr(0, word.find_first_not_of(letters));
-        const auto names = format_->names();
-        const auto found = std::ranges::find(names, word, &Io::NamedNumber::name);
-        if (found == names.end()) {
-            if (state_->expectations != nullptr)
-                for (const auto& known : names) state_->expectations->miss(first, known.name);
-            return scan.no_match();
-        }
-        *number_ = found->number;
-        scan.first = first + word.size();
-        return scan.create_match(word.size(), Spirit::nil_t(), first, scan.first);
-    }
-
-private:
-    ParserState* state_;
-    const ExportFormat* format_;
-    std::uint32_t* number_;
-};
 
 /// Nothing, in a statement that names the file that its format copies or needs none.
 class NamedTemplate : public Spirit::parser<NamedTemplate> {
@@ -174,7 +143,7 @@ struct WriteFileRules final : StatementRules {
                        rules.notedValue[numbered];
             else if (format.numberForm == FormatNumber::Named)
                 rule = rules.keyword(format.keyword) >> rules.expected("_", ch_p('_')) >>
-                       (FormatName(state, format, named)[on.with(
+                       (NumberName(state, format.names, named)[on.with(
                             format.trace, Role::Format,
                             [this, &format](CmdWriteFile& write, std::string_view) {
                                 write.setFormat(format, named);
@@ -213,7 +182,8 @@ struct WriteFileRules final : StatementRules {
             Rule& rule = formats.emplace_back();
             rule = rules.keyword(format.keyword) >> ch_p('_') >>
                    (rules.ws >> ch_p('{')[([this](char) { namedList.clear(); })] >> rules.ws >>
-                    +((FormatName(state, format, named)[addNamed] | rules.notedValue[addNumber]) >>
+                    +((NumberName(state, format.names, named)[addNamed] |
+                       rules.notedValue[addNumber]) >>
                       rules.separator) >>
                     rules.closeBrace)[on.with(format.trace, Role::Format, set, row)];
             alternatives.push_back(&rule);

@@ -31,6 +31,7 @@ enum class Role : unsigned char {
     Start,     ///< where a program begins to run
     Section,   ///< the name of a section that is written
     Sections,  ///< the name of a section of an input
+    Family,    ///< of devices, whose blocks of an input count
     Type,      ///< of a CRC or a hash
     Format,    ///< of a file that is written
     Overlap,   ///< which byte counts

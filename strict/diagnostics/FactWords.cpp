@@ -239,6 +239,24 @@ Words words(const SectionUnfit& f, const Circumstances& c) {
              section}};
 }
 
+Words words(const FamilyUnfit& f, const Circumstances& /*c*/) {
+    const std::string file(f.file);
+    const std::string known = ": " + std::string(f.known);
+    if (f.fault == FamilyFault::NoFamilies)
+        return {{Kind::Outside,
+                 "only a UF2 file that is read by FROM_UF2 has families",
+                 {Role::Family}}};
+    if (f.fault == FamilyFault::Unknown)
+        return {{Kind::UnknownName,
+                 file + " has no blocks for the family " + addressText(f.family),
+                 {Role::Family},
+                 f.known.empty() ? "its blocks name no family" : "there are" + known}};
+    return {{Kind::WrongFormat,
+             file + " has bytes of several families for " + addressText(f.address) + known,
+             {Role::InputFile},
+             "choose one by -useFamily in a script, or by --family"}};
+}
+
 Words words(const ElfTemplateUnfit& f, const Circumstances& c) {
     const std::string file(f.file);
     const std::string range = addressesText({f.start, f.end - f.start});
@@ -471,11 +489,11 @@ concept NotARefusal = isPrinted<Fact> ||
     OneOf<Fact, FillPatternEmpty, ReadRangeOutside, TextFileEmpty, LastLineMismatched,
           RecordContradictory, LineNotARecord, RecordCountTooLow, DataSpanTooLong, FileMalformed,
           RecordLengthCorrected, GapsNotExpressible, FormatNumberWrong, FamiliesNotOfImages,
-          HeaderTooLong, ElfTemplateUnfit, SectionUnfit, NameNotFound, OverlapRefused, ImageDiffers,
-          NothingCompared, StatementExhausted, CrcParameterRefused, WordIncomplete, BusRefused,
-          ImageNotOfWords, AddressUnitRefused, AlignmentZero, FileNotOpened, FileNotWritten,
-          FileSpanTooLong, ProgramCalled, ProgramEnded, ScriptNotOpened, VariableRejected,
-          ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
+          HeaderTooLong, ElfTemplateUnfit, SectionUnfit, FamilyUnfit, NameNotFound, OverlapRefused,
+          ImageDiffers, NothingCompared, StatementExhausted, CrcParameterRefused, WordIncomplete,
+          BusRefused, ImageNotOfWords, AddressUnitRefused, AlignmentZero, FileNotOpened,
+          FileNotWritten, FileSpanTooLong, ProgramCalled, ProgramEnded, ScriptNotOpened,
+          VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace
 

@@ -41,7 +41,7 @@ std::optional<Inspect::Image> contentsOf(const std::string& path,
     Facts::Unheard unheard;
     const Facts::ListenerScope silence(unheard);
     try {
-        auto image = Inspect::openImage(path, given, addressUnit);
+        auto image = Inspect::openImage(path, given, {.addressUnit = addressUnit});
         return image && image->parts.empty() ? std::nullopt : std::move(image);
     } catch (const Io::bad_open&) {
         return std::nullopt;

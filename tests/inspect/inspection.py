@@ -294,6 +294,60 @@ class Inspection(unittest.TestCase):
             self.assertEqual((info["devices"], info["areas"][0]["start"]), ([name], "0xFFFFFF00"))
             self.assertIn("  device    %s\n" % name, tessaron("info", "a.uf2"))
 
+    def test_families_of_uf2(self):
+        """Blocks by the published description: those of each family are numbered for themselves, and
+        a loader ignores the others. Both families have bytes for one address, or they have not."""
+        arm, data, shared = 0xE48BFF59, 0xE48BFF58, FLASH + 0x100
+
+        def uf2(name, *parts):
+            text = b""
+            for family, starts, byte in parts:
+                for number, start in enumerate(starts):
+                    head = (0x0A324655, 0x9E5D5157, 0x2000, start, 256, number, len(starts), family)
+                    text += struct.pack("<8I", *head) + byte * 256 + bytes(220)
+                    text += struct.pack("<I", 0x0AB16F30)
+            pathlib.Path(name).write_bytes(text)
+        uf2("apart.uf2", (arm, (FLASH, shared), b"A"), (data, (FAR,), b"D"))
+        uf2("shared.uf2", (arm, (FLASH, shared), b"A"), (data, (shared,), b"D"))
+        info, = json.loads(tessaron("info", "--json", "apart.uf2"))
+        names = ["RP2350_ARM_S (0xE48BFF59)", "RP2XXX_DATA (0xE48BFF58)"]
+        self.assertEqual(info["devices"], names)
+        self.assertEqual([(family["name"], family["blocks"], family["start"], family["length"])
+                          for family in info["families"]],
+                         [(names[0], 2, "0x08000000", 512), (names[1], 1, "0x1FFF7800", 256)])
+        self.assertIn("  device    %s, 2 blocks, 0x08000000 to 0x080001FF\n"
+                      "  device    %s, 1 block, 0x1FFF7800 to 0x1FFF78FF\n" % tuple(names),
+                      tessaron("info", "apart.uf2"))
+        write("all.hex", {FLASH: b"A" * 512, FAR: b"D" * 256})
+        tessaron("diff", "apart.uf2", "all.hex")
+        for command in (("info", "shared.uf2"), ("convert", "shared.uf2", "o.hex")):
+            tessaron(*command, code=1)
+            said = complaint(*command)
+            self.assertIn("bytes of several families for 0x08000100: " + ", ".join(names), said)
+            self.assertNotIn("conflict", said)
+        tessaron("diff", "shared.uf2", "all.hex", code=2)
+        for family, image in (("RP2350_ARM_S", {FLASH: b"A" * 512}), ("0xE48BFF58", {shared: b"D" * 256})):
+            write("one.hex", image)
+            tessaron("diff", "shared.uf2", "one.hex", "--family", family)
+            tessaron("convert", "shared.uf2", "o.hex", "--family", family)
+            tessaron("diff", "o.hex", "one.hex")
+            pathlib.Path("o.hex").unlink()
+            script = tessaron("convert", "shared.uf2", "o.hex", "--family", family,
+                              "--print-script")
+            self.assertIn("FROM_UF2 \"shared.uf2\" -useFamily=", script)
+            tessaron("run", "-", standard_input=script)
+            tessaron("diff", "o.hex", "one.hex")
+            info, = json.loads(tessaron("info", "--json", "shared.uf2", "--family", family))
+            self.assertEqual((info["devices"], info["bytes"]), (names, len(*image.values())))
+            self.assertIn("0x%08X" % next(iter(image)),
+                          tessaron("map", "shared.uf2", "--ascii", "--family", family))
+        tessaron("convert", "apart.uf2", "o.hex", "--family", "RP2040", code=1)
+        self.assertIn("there are: " + ", ".join(names),
+                      complaint("convert", "apart.uf2", "o.hex", "--family", "RP2040"))
+        tessaron("convert", "all.hex", "o.hex", "--family", "RP2040", code=1)
+        self.assertIn("did you mean RP2040?",
+                      complaint("info", "apart.uf2", "--family", "rp2040"))
+
     def test_header_of_s_records(self):
         """The text of srec_cat, and the fixed fields of an S0 that are filled up."""
         pathlib.Path("one.bin").write_bytes(b"1")

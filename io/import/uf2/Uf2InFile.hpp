@@ -11,31 +11,34 @@
 
 namespace Io::Import {
 
-/// Reads UF2 (io/Uf2.hpp): the blocks that belong into the main flash, all for one family of
-/// devices. The file must have each of the blocks that it counts, in any order.
+/// Reads UF2 (io/Uf2.hpp): the blocks that belong into the main flash, in any order. The file must
+/// have each of the blocks that it counts. Those of several families of devices, which a boot
+/// loader tells apart, are one image if no address is there for two of them.
 class Uf2InFile final : public AddressedData {
 public:
+    /// @param family  of devices whose blocks alone are read; nothing for all of them
     /// @throws Io::bad_open
     /// @throws Malformed  after a report
-    explicit Uf2InFile(const std::string& path);
+    explicit Uf2InFile(const std::string& path, std::optional<std::uint32_t> family = {});
 
     /// The file `path` has been opened already.
-    Uf2InFile(const std::string& path, Platform::InputFile file);
+    Uf2InFile(const std::string& path, Platform::InputFile file,
+              std::optional<std::uint32_t> family = {});
 
     /// A file that begins with `head` is a UF2 file.
     static bool looksLike(std::string_view head) {
         return head.starts_with("UF2\n\x57\x51\x5D\x9E");
     }
 
-    /// The family, by its name and its number, if the blocks name one.
-    std::vector<std::string> getDevices() const override;
+    /// All of the file, those that were not asked for as well; none if no block names one.
+    std::vector<DeviceFamily> getFamilies() const override { return families_; }
 
 private:
     class Parser;
     struct Contents;
     explicit Uf2InFile(Contents contents);
 
-    std::optional<std::uint32_t> family_;
+    std::vector<DeviceFamily> families_;
 };
 
 }  // namespace Io::Import

@@ -18,7 +18,17 @@ files = {
     'missing': block(0, 3) + block(1, 3),
     'fewer': block(0, 2) + block(1, 3),
     'lost': block(0, 2) + block(1, 2, flags=0x2001)[:0],
-    'families': block(0, 2) + block(1, 2, 256, family=1),
+    # Blocks for the last byte of one family and another, which shares it; of one the family has no
+    # name. Then, in a mixed order, a family with a count of its own, and blocks without a family.
+    'families': (block(0, 2, 0x100, 8) + block(0, 1, 0x107, 4, family=1)
+                 + block(1, 2, 0x108, 8)),
+    'apart': (block(0, 2, 0x100, 8) + block(0, 1, 0x108, 4, family=0xE48BFF59)
+              + block(1, 2, 0x10C, 8) + block(0, 2, 0x200, 1, flags=0)
+              + block(1, 2, 0x300, 1, flags=1)),
+    # Numbered through, which a loader never completes, but nothing is missing.
+    'through': block(0, 2, 0x100, 4) + block(1, 2, 0x104, 4, family=1),
+    'fewerOfOne': block(0, 2) + block(0, 1, 0x100, family=1),
+    'countsTooMany': block(0, 2) + block(0, 2, 0x100, family=1) + block(1, 2, 0x200),
     'skipped': block(0, 1, flags=0x2001),
     'top': block(0, 1, address=0xFFFFFF80),
     # In any order, with a block for another memory and one without meaning in front.
