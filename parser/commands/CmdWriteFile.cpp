@@ -230,6 +230,7 @@ constexpr auto exportFormats = std::to_array<ExportFormat>({
      .setNumber = &setRecordSize,
      .setAddressUnit = &setMotorolaUnit,
      .hasStartAddress = true,
+     .hasHeaderText = true,
      .isComparedByAddress = true,
      .endings = sRecordEndings,
      .otherEndings = textEndings,
@@ -302,6 +303,7 @@ constexpr auto exportFormats = std::to_array<ExportFormat>({
      .numberForm = Optional,
      .setNumber = &setArrayLine,
      .hasAddresses = false,
+     .isArray = true,
      .otherEndings = headerEndings},
     {.keyword = "CArray32",
      .meaning = "an array in C of words of 32 bits",
@@ -310,6 +312,7 @@ constexpr auto exportFormats = std::to_array<ExportFormat>({
      .numberForm = Optional,
      .setNumber = &setArrayLine,
      .hasAddresses = false,
+     .isArray = true,
      .otherEndings = headerEndings},
     {.keyword = "CArray64",
      .meaning = "an array in C of words of 64 bits",
@@ -318,6 +321,7 @@ constexpr auto exportFormats = std::to_array<ExportFormat>({
      .numberForm = Optional,
      .setNumber = &setArrayLine,
      .hasAddresses = false,
+     .isArray = true,
      .otherEndings = headerEndings},
     {.keyword = "CArray",
      .meaning = "an array in C",
@@ -326,11 +330,13 @@ constexpr auto exportFormats = std::to_array<ExportFormat>({
      .numberForm = Optional,
      .setNumber = &setArrayLine,
      .hasAddresses = false,
+     .isArray = true,
      .endings = arrayEndings},
     {.keyword = "DfuSe",
      .meaning = "DfuSe, for USB loaders",
      .trace = "SetExportFormatOptionDfuSe -> ",
      .makeWriter = &makeDfuSe,
+     .hasUsbIds = true,
      .endings = dfuSeEndings,
      .addressAt = &Io::Export::DfuSeOutFile::addressAt},
     {.keyword = "Elf",
@@ -467,7 +473,7 @@ bool CmdWriteFile::isPossible() const {
     }
     const auto& header = styles_.motorolaStyle.headerText;
     // Of a format that was named before no setting counts.
-    if (header && header->size() > longestHeader && format_->setNumber == &setRecordSize) {
+    if (header && header->size() > longestHeader && format_->hasHeaderText) {
         Facts::report(Facts::HeaderTooLong{fileName_, header->size(), longestHeader});
         return false;
     }

@@ -68,6 +68,9 @@ struct ExportFormat {
     bool hasStartAddress = false;       ///< it writes the execution address
     bool useSegmentAddressing = false;  ///< of Intel HEX, for this and all later formats
     bool needsTemplate = false;         ///< it is a copy of a file with other bytes
+    bool isArray = false;               ///< of C: it has names in C, of an array and of a guard
+    bool hasHeaderText = false;         ///< a text can be chosen that its files begin with
+    bool hasUsbIds = false;             ///< numbers for USB, of a vendor and of a product
     bool isImageItself = false;         ///< the bytes of the images, one image after the other
     /// Its files are compared by the addresses of their data, not byte for byte.
     bool isComparedByAddress = false;

@@ -45,9 +45,6 @@ private:
     ParserState* state_;
 };
 
-/// The choices of `Role::Option`.
-enum OptionChoice : std::uint32_t { VendorId, ProductId };
-
 /// WRITE_FILE path WITH_BUFFERS { name ... } [option ...]
 struct WriteFileRules final : StatementRules {
     WriteFileRules(CommonRules& rules, ParserState& state) {
@@ -84,13 +81,16 @@ struct WriteFileRules final : StatementRules {
             rules.expected("a name of C", (alpha_p | ch_p('_')) >> *(alnum_p | ch_p('_')))[on.text(
                 "SetArrayName -> ", Role::ArrayName, &CmdWriteFile::setArrayName)] >>
             rules.ws;
-        idOption = ((rules.keyword("-setVendorId") >> rules.equals >>
-                     rules.notedValue[on.number("SetVendorId -> ", Role::Option,
-                                                &CmdWriteFile::setVendorId, VendorId)]) |
-                    (rules.keyword("-setProductId") >> rules.equals >>
-                     rules.notedValue[on.number("SetProductId -> ", Role::Option,
-                                                &CmdWriteFile::setProductId, ProductId)])) >>
-                   rules.ws;
+        idOption =
+            ((rules.keyword("-setVendorId") >> rules.equals >>
+              rules
+                  .notedValue[on.number("SetVendorId -> ", Role::Option, &CmdWriteFile::setVendorId,
+                                        static_cast<std::uint32_t>(UsbId::Vendor))]) |
+             (rules.keyword("-setProductId") >> rules.equals >>
+              rules.notedValue[on.number("SetProductId -> ", Role::Option,
+                                         &CmdWriteFile::setProductId,
+                                         static_cast<std::uint32_t>(UsbId::Product))])) >>
+            rules.ws;
         skipUnwrittenOption =
             rules.keyword("-skipUnwritten")[on.with(
                 "SetSkipUnwritten -> ", Role::Gaps,

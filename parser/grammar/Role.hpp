@@ -48,8 +48,8 @@ enum class Role : unsigned char {
     ArrayName,    ///< a name in C
     GuardName,    ///< of a macro in C
     Header,       ///< the text of a header record
-    Option,
-    None,  ///< of a step of the parser that says nothing new
+    Option,       ///< a number for USB
+    None,         ///< of a step of the parser that says nothing new
 };
 
 /// A set of roles, such as those of a statement's parts: they are asked for far more often than
@@ -73,6 +73,9 @@ private:
 
     std::uint64_t bits_ = 0;
 };
+
+/// The choice of an `Option`.
+enum class UsbId : unsigned char { Vendor, Product };
 
 /// The choice of an `InputFile`.
 enum class FileReading : unsigned char {

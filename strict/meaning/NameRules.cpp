@@ -10,6 +10,7 @@
 #include "io/formats/InputFormats.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
 #include "platform/Replace.hpp"
+#include "strict/script/OutputFormat.hpp"
 
 namespace Strict {
 
@@ -83,9 +84,7 @@ void checkRepeatedOptions(const Step& step) {
 void checkFormatEnding(const Step& step) {
     const Part* const file = step.statement.last(Role::OutputFile);
     const Part* const option = step.statement.last(Role::Format);
-    const ExportFormat* const format = option != nullptr
-                                           ? &CmdWriteFile::formats()[option->choice]
-                                           : CmdWriteFile::formatNamed(CmdWriteFile::usualFormat);
+    const ExportFormat* const format = &outputFormatOf(step.statement);
     const std::string_view path = undelimited(file->text);
     if (path.find('.') == std::string_view::npos) return;
     const ExportFormat* const other = CmdWriteFile::formatByEnding(path);

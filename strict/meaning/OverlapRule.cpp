@@ -10,8 +10,8 @@
 #include "buffer/Overlap.hpp"
 #include "inspect/Image.hpp"
 #include "inspect/Words.hpp"
-#include "parser/commands/CmdWriteFile.hpp"
 #include "strict/record/Provenance.hpp"
+#include "strict/script/OutputFormat.hpp"
 #include "util/Hex.hpp"
 
 namespace Strict {
@@ -24,7 +24,6 @@ using Buffer::MemoryBuffer;
 using Parser::Part;
 using Parser::Role;
 using Parser::Statement;
-using Parser::WrapperLib::CmdWriteFile;
 
 /// An image of the statement, the part that names it, and the family of devices that it is for.
 struct Written {
@@ -41,11 +40,6 @@ struct Common {
     std::uint64_t different = 0;
     std::uint64_t first = 0;  ///< the first one with different bytes
 };
-
-bool hasAddresses(const Statement& statement) {
-    const Part* const format = statement.last(Role::Format);
-    return format == nullptr || CmdWriteFile::formats()[format->choice].hasAddresses;
-}
 
 std::vector<Written> imagesOf(const Step& step) {
     const Part* const format = step.statement.last(Role::Format);
@@ -119,7 +113,7 @@ void report(const Step& step, const Written& earlier, const Written& later, cons
 void checkOutputOverlaps(const Step& step) {
     const Statement& statement = step.statement;
     if (step.context == nullptr) return;
-    if (step.has(Role::Overlap) || !hasAddresses(statement)) return;
+    if (step.has(Role::Overlap) || !outputFormatOf(statement).hasAddresses) return;
     std::vector<Written> images = imagesOf(step);
     std::ranges::stable_sort(images, {}, [](const Written& written) {
         return std::pair(written.family, written.image->getStartAddress());

@@ -10,9 +10,9 @@
 #include "inspect/LineRuns.hpp"
 #include "io/File.hpp"
 #include "parser/commands/CmdNewValue.hpp"
-#include "parser/commands/CmdWriteFile.hpp"
 #include "parser/commands/Conventions.hpp"
 #include "platform/Paths.hpp"
+#include "strict/script/OutputFormat.hpp"
 #include "util/Hex.hpp"
 
 namespace Strict {
@@ -93,13 +93,6 @@ private:
                 record_.inputs.push_back(file);
             }
         }
-    }
-
-    /// The keyword of the format that counts.
-    static std::string formatOf(const Statement& statement) {
-        const Part* const format = statement.last(Role::Format);
-        return format == nullptr ? CmdWriteFile::usualFormat
-                                 : CmdWriteFile::formats()[format->choice].keyword;
     }
 
     void addStatement(const Statement& statement, const CmdApi& command) {
@@ -242,7 +235,7 @@ private:
         const std::string name = cleanedPath(std::string(statement.textOf(Role::OutputFile)));
         Inspect::FileRecord file;
         file.path = Platform::portablePath(name);
-        file.format = formatOf(statement);
+        file.format = outputFormatOf(statement).keyword;
         for (const Part& image : statement.all(Role::UsesImage))
             file.images.emplace_back(image.text);
         file.line = lineOf(statement);

@@ -8,7 +8,7 @@
 #include "inspect/Gaps.hpp"
 #include "inspect/Image.hpp"
 #include "inspect/Words.hpp"
-#include "parser/commands/CmdWriteFile.hpp"
+#include "strict/script/OutputFormat.hpp"
 
 namespace Strict {
 
@@ -19,7 +19,6 @@ using Parser::Part;
 using Parser::Role;
 using Parser::Statement;
 using Parser::WrapperLib::CmdContext;
-using Parser::WrapperLib::CmdWriteFile;
 
 /// Counts the addresses of images to which nothing gave a byte or a filler. An address that several
 /// images have counts once.
@@ -78,15 +77,10 @@ std::uint64_t gapsOf(const Statement& statement, const CmdContext& context,
     return isTogether ? together.gaps() : apart;
 }
 
-bool hasAddresses(const Statement& statement) {
-    const Part* const format = statement.last(Role::Format);
-    return format == nullptr || CmdWriteFile::formats()[format->choice].hasAddresses;
-}
-
 std::string adviceOnOutput(const Statement& statement, bool isScript) {
     if (!isScript)
         return "a format with addresses leaves them gaps, and --crop START,LENGTH keeps a part";
-    if (hasAddresses(statement)) return "-skipUnwritten leaves them gaps";
+    if (outputFormatOf(statement).hasAddresses) return "-skipUnwritten leaves them gaps";
     return "take a part with -useBufferRange of NEW_BUFFER, or choose a format with addresses and "
            "-skipUnwritten";
 }

@@ -1,17 +1,18 @@
 #include "strict/script/ScriptCheck.hpp"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <utility>
 
 #include "inspect/Words.hpp"
 #include "parser/commands/CmdNewHash.hpp"
-#include "parser/commands/CmdWriteFile.hpp"
 #include "parser/commands/Conventions.hpp"
 #include "platform/Paths.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
 #include "strict/script/Arithmetic.hpp"
 #include "strict/script/KeywordsOfC.hpp"
+#include "strict/script/OutputFormat.hpp"
 #include "strict/script/TypographicQuote.hpp"
 
 namespace Strict {
@@ -22,6 +23,8 @@ using Parser::Number;
 using Parser::Part;
 using Parser::Role;
 using Parser::Statement;
+using Parser::WrapperLib::CmdWriteFile;
+using Parser::WrapperLib::ExportFormat;
 
 bool isNumber(std::string_view text) {
     return !text.empty() && text.front() >= '0' && text.front() <= '9';
@@ -35,11 +38,34 @@ bool computesNothing(std::string_view type) {
     return row != types.end() && row->compute == nullptr;
 }
 
-/// The output of the statement is a copy of a file.
-bool copiesFile(const Statement& statement) {
-    const Part* const format = statement.last(Role::Format);
-    return format != nullptr &&
-           Parser::WrapperLib::CmdWriteFile::formats()[format->choice].needsTemplate;
+/// An option of WRITE_FILE that some formats use and all take.
+struct Setting {
+    Role role;
+    std::uint32_t choice;  ///< of the part
+    const char* option;
+    bool ExportFormat::*isUsed;
+};
+
+constexpr std::array settings{
+    Setting{Role::Template, 0, "-setElfTemplate", &ExportFormat::needsTemplate},
+    Setting{Role::ArrayName, 0, "-setArrayName", &ExportFormat::isArray},
+    Setting{Role::GuardName, 0, "-setIncludeGuard", &ExportFormat::isArray},
+    Setting{Role::Header, 0, "-setHeaderText", &ExportFormat::hasHeaderText},
+    Setting{Role::Option, static_cast<std::uint32_t>(Parser::UsbId::Vendor), "-setVendorId",
+            &ExportFormat::hasUsbIds},
+    Setting{Role::Option, static_cast<std::uint32_t>(Parser::UsbId::Product), "-setProductId",
+            &ExportFormat::hasUsbIds},
+};
+
+/// The formats that use a setting, in words.
+std::string usersOf(const Setting& setting) {
+    std::vector<std::string> users;
+    for (const ExportFormat& format : CmdWriteFile::formats())
+        if (format.*setting.isUsed) users.emplace_back(format.keyword);
+    std::string text;
+    for (std::size_t i = 0; i < users.size(); ++i)
+        text += (i == 0 ? "" : i + 1 == users.size() ? " or " : ", ") + users[i];
+    return text;
 }
 
 }  // namespace
@@ -65,6 +91,7 @@ void ScriptCheck::check(const Statement& statement) {
     checkHash(statement);
     checkTexts(statement);
     checkEffects(statement);
+    checkSettings(statement);
     checkSymbols(statement);
     checkNumbers(statement);
 }
@@ -224,10 +251,6 @@ void ScriptCheck::checkEffects(const Statement& statement) {
     if (statement.has(Role::ValueSize) && !statement.roles.hasAny({Role::Bytes, Role::Filler}))
         report(Kind::NoEffect, "-setValueSize has no effect without a list of values",
                statement.textOf(Role::ValueSize));
-    const Part* const copied = statement.last(Role::Template);
-    if (copied != nullptr && !copiesFile(statement))
-        report(Kind::NoEffect, "-setElfTemplate has no effect without -setFormat=Elf",
-               copied->text);
     for (const Role role : {Role::ArrayName, Role::GuardName}) {
         const std::string_view name = statement.textOf(role);
         if (isKeywordOfC(name))
@@ -235,6 +258,21 @@ void ScriptCheck::checkEffects(const Statement& statement) {
                    std::string(role == Role::ArrayName ? "an array" : "a macro") +
                        " of C cannot have the name " + std::string(name),
                    name, "it is a keyword of C or C++");
+    }
+}
+
+/// The format of an output uses the settings that it is given.
+void ScriptCheck::checkSettings(const Statement& statement) {
+    if (!statement.has(Role::OutputFile)) return;
+    const ExportFormat& format = outputFormatOf(statement);
+    for (const Setting& setting : settings) {
+        if (format.*setting.isUsed || !statement.has(setting.role)) continue;
+        for (const Part& part : statement.all(setting.role))
+            if (part.choice == setting.choice)
+                report(Kind::NoEffect,
+                       std::string(setting.option) +
+                           " has no effect without -setFormat=" + usersOf(setting),
+                       part.text);
     }
 }
 

@@ -47,6 +47,7 @@ private:
     void checkTexts(const Parser::Statement& statement);
     void checkText(const Parser::Part& part);
     void checkEffects(const Parser::Statement& statement);
+    void checkSettings(const Parser::Statement& statement);
     void checkSymbols(const Parser::Statement& statement);
     void checkNumbers(const Parser::Statement& statement);
     void checkBytes(const Parser::Statement& statement, const Parser::Part& part);
