@@ -105,7 +105,10 @@ void MeaningCheck::check(Knowledge& known, const Step& step) {
     for (const Rule& rule : rules)
         if (step.statement.roles.hasAny(rule.roles)) rule.check(step);
     if (step.put && step.changed) known.values.checkPut(step.statement, *step.put, *step.changed);
-    if (step.has(Role::OutputFile)) known.values.checkOutput(step.statement, step.used);
+    // What is taken out of an image to other places is as final as what is written.
+    if (step.statement.roles.hasAny(
+            {Role::OutputFile, Role::Lane, Role::Interleave, Role::SwapBytes}))
+        known.values.checkTaken(step.statement, step.used);
     known.filled.clear();
     if (step.context != nullptr && step.has(Role::Filler) && !known.values.empty())
         known.filled = fillerChanges(step.statement, *step.context);

@@ -150,47 +150,48 @@ void StoredValues::checkPut(const Statement& statement, std::size_t value,
     }
 }
 
-void StoredValues::checkOutput(const Statement& statement,
-                               std::span<const std::size_t> written) const {
+void StoredValues::checkTaken(const Statement& statement,
+                              std::span<const std::size_t> taken) const {
     if (values_.empty()) return;
     const Images& images = *images_;
-    const std::string_view output = statement.textOf(Role::OutputFile);
-    for (const std::size_t image : written) {
+    const bool isWritten = statement.has(Role::OutputFile);
+    const Taker taker{statement.textOf(isWritten ? Role::OutputFile : Role::MakesImage),
+                      isWritten ? "and written here" : "and taken to other places here"};
+    for (const std::size_t image : taken) {
         for (const std::size_t value : images[image].spread)
             for (const Piece& piece : values_[value].pieces)
                 if (piece.front().image == image)
-                    checkHeld(value, {image, piece.front().areas}, output);
+                    checkHeld(value, {image, piece.front().areas}, taker);
         if (!images[image].isExact) continue;
         for (const auto& [start, range] : images[image].changes.ranges())
             if (const auto value = images.changes()[range.source].value)
-                checkStored(*value, image, written, output);
+                checkStored(*value, image, taken, taker);
     }
 }
 
-/// Checks a value that `image` holds, which is written with others.
+/// Checks a value that `image` holds, which is taken with others.
 void StoredValues::checkStored(std::size_t value, std::size_t image,
-                               std::span<const std::size_t> written,
-                               std::string_view output) const {
+                               std::span<const std::size_t> taken, const Taker& taker) const {
     for (const Piece& piece : values_[value].pieces) {
         auto held = heldBy(image, piece);
-        for (std::size_t i = 0; !held && i < written.size(); ++i) held = heldBy(written[i], piece);
+        for (std::size_t i = 0; !held && i < taken.size(); ++i) held = heldBy(taken[i], piece);
         if (!held) {
             held = Held{piece.front().image, piece.front().areas};
             images_->noteSpread(piece.front().image, value);
         }
-        checkHeld(value, *held, output);
+        checkHeld(value, *held, taker);
     }
 }
 
 /// Checks that what a value covers is still what it was computed over.
-void StoredValues::checkHeld(std::size_t value, const Held& held, std::string_view output) const {
+void StoredValues::checkHeld(std::size_t value, const Held& held, const Taker& taker) const {
     const Image& image = (*images_)[held.image];
     if (!image.isExact) return;
     const std::string name(nameOf(value));
     // Places cost more than the check, and most values are sound.
     const auto notes = [&] {
         return std::vector<Note>{findings_->note(name + " is computed here", nameOf(value)),
-                                 findings_->note("and written here", output)};
+                                 findings_->note(taker.note, taker.part)};
     };
     if (held.isLost) {
         findings_->report(Kind::DigestStale,

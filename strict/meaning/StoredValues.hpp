@@ -51,11 +51,11 @@ public:
     /// covers.
     void checkPut(const Parser::Statement& statement, std::size_t value, std::size_t image) const;
 
-    /// Reports `digest-stale` for what the statement is about to write into a file.
+    /// Reports `digest-stale` for what the statement is about to write into a file, or to take to
+    /// other places, at which it is not followed.
     ///
-    /// @param written  the images that it writes
-    void checkOutput(const Parser::Statement& statement,
-                     std::span<const std::size_t> written) const;
+    /// @param taken  the images of which it takes the bytes
+    void checkTaken(const Parser::Statement& statement, std::span<const std::size_t> taken) const;
 
 private:
     /// Areas of an image that hold bytes which a value covers.
@@ -78,12 +78,18 @@ private:
         bool isLost = false;  ///< other bytes took the place of some
     };
 
+    /// What takes the bytes of images, and the text of a note there.
+    struct Taker {
+        std::string_view part;
+        const char* note;
+    };
+
     void addSources(Piece& piece, std::size_t image, Buffer::AreaList areas) const;
     std::optional<Held> heldBy(std::size_t image, const Piece& piece, std::size_t& budget) const;
     std::optional<Held> heldBy(std::size_t image, const Piece& piece) const;
-    void checkStored(std::size_t value, std::size_t image, std::span<const std::size_t> written,
-                     std::string_view output) const;
-    void checkHeld(std::size_t value, const Held& held, std::string_view output) const;
+    void checkStored(std::size_t value, std::size_t image, std::span<const std::size_t> taken,
+                     const Taker& taker) const;
+    void checkHeld(std::size_t value, const Held& held, const Taker& taker) const;
     const LatestChange& latestIn(std::size_t image) const;
 
     Images* images_;
