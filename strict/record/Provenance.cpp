@@ -62,6 +62,20 @@ std::string firstDifferences(const MemoryBuffer& earlier, const MemoryBuffer& la
     return text;
 }
 
+/// All fillers of the area are 0, as where nothing was laid: those of a later source count then.
+bool isOfZeros(const MemoryBuffer& image, const Area& area) {
+    const auto elements = image.viewRange(area.start, area.length);
+    for (std::size_t at = 0; at < elements.size();) {
+        const std::size_t length = elements.inBlock(at, elements.size() - at);
+        const std::uint8_t* const fillers = elements.fillersAt(at);
+        if (fillers != nullptr &&
+            std::any_of(fillers, fillers + length, [](std::uint8_t filler) { return filler != 0; }))
+            return false;
+        at += length;
+    }
+    return true;
+}
+
 /// Adds the parts of `area` of which no address was given a byte or a filler. The image itself is
 /// asked, since its origins may be as many as the statements before.
 void addGaps(AreaList& gaps, const MemoryBuffer& image, const Area& area,
@@ -201,7 +215,10 @@ void Provenance::onOverlay(const CmdNewBuffer& statement, const MemoryBuffer& im
     current_.written.lay(written, *common);
     OriginMap fillers;
     fillers.lay(source.fillers, *common);
-    fillers.lay(current_.fillers, *common);
+    for (const auto& [start, range] : current_.fillers.ranges()) {
+        const auto laid = range.area.clippedTo(*common);
+        if (laid && !isOfZeros(image, *laid)) fillers.lay(current_.fillers, *laid);
+    }
     current_.fillers.lay(fillers, *common);
 }
 

@@ -193,8 +193,12 @@ private:
             const auto image = run_->context->buffers.find(std::string(part.text));
             if (image == run_->context->buffers.end()) continue;
             AreaList areas = statement.areas();
-            if (areas.empty()) areas.push_back(image->second.getArea());
-            sources.push_back({image->first, std::move(areas)});
+            const Area range = image->second.getArea();
+            if (areas.empty()) areas.push_back(range);
+            AreaList covered;
+            for (const Area& area : areas)
+                if (const auto held = area.clippedTo(range)) covered.push_back(*held);
+            sources.push_back({image->first, std::move(covered)});
         }
         return sources;
     }

@@ -201,6 +201,32 @@ WRITE_FILE values.hex WITH_BUFFERS {@A} 0x104
                          ["BigEndian", "LittleEndian"])
         self.assertEqual(manifest["outputs"][0]["startAddress"], "0x00000104")
 
+    def test_filler_of_zeros(self):
+        """An address that no source wrote gets the first filler other than 0, and is listed with the
+        statement that laid it; where there is none, with the first that laid zeros. A CRC covers what
+        its image has of an area."""
+        pathlib.Path("zeros.tsn").write_text(
+            "NEW_BUFFER @Zero EMPTY -useBufferRange={0x10, 8}\n"
+            "FILL_BUFFER @Zero WITH_FILLER {0}\n"
+            "NEW_BUFFER @Ones EMPTY -useBufferRange={0x14, 8}\n"
+            "FILL_BUFFER @Ones WITH_FILLER {0xFF}\n"
+            "NEW_BUFFER @Odd EMPTY -useBufferRange={0x18, 8}\n"
+            "FILL_BUFFER @Odd WITH_FILLER {0, 0x11}\n"
+            "NEW_BUFFER @All FROM_BUFFERS {@Zero, @Ones, @Odd} -onOverlap=Last\n"
+            "NEW_CRC @Crc FROM_BUFFER @All -useAreas={{0x1E, 8}, {0x30, 4}, {8, 10}}\n"
+            "WRITE_FILE all.bin WITH_BUFFERS {@All} -setFormat=RawBinary\n")
+        tessaron("run", "zeros.tsn", "--manifest", "zeros.json", "--warn=outside")
+        self.assertEqual(pathlib.Path("all.bin").read_bytes(),
+                         bytes(4) + b"\xFF" * 8 + b"\x00\x11" * 2)
+        manifest = json.loads(pathlib.Path("zeros.json").read_text())
+        image, = (image for image in manifest["images"] if image["name"] == "@All")
+        self.assertEqual([(part["start"], part["length"], part["kind"], part["line"])
+                          for part in image["ranges"]],
+                         [("0x00000010", 4, "filler", 2), ("0x00000014", 8, "filler", 4),
+                          ("0x0000001C", 4, "filler", 6)])
+        self.assertEqual(manifest["values"][0]["covers"],
+                         [{"image": "@All", "areas": [area(0x1E, 2), area(0x10, 2)]}])
+
     def test_same_bytes(self):
         first = pathlib.Path("out.json").read_bytes()
         shutil.copytree(".", "elsewhere")
