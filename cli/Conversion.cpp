@@ -143,7 +143,7 @@ std::optional<InputFacts> factsOf(const Conversion& conversion, const FormatChoi
         return std::nullopt;
     }
     InputFacts facts;
-    if (!image->parts.empty()) facts.lowest = image->parts.front().getStartAddress();
+    facts.lowest = image->data.getStartAddress();
     facts.startAddress = image->startAddress;
     // It moves with the data. 0 counts as none.
     if (facts.startAddress.value_or(0) != 0) *facts.startAddress += conversion.offset;

@@ -1,6 +1,7 @@
 #include "inspect/Diff.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <iterator>
 #include <optional>
@@ -20,18 +21,6 @@ namespace {
 using Buffer::Area;
 using Buffer::AreaList;
 
-/// The borders of all parts, between which an image has all addresses or none.
-std::vector<std::uint64_t> bordersOf(const Parts& left, const Parts& right) {
-    std::vector<std::uint64_t> borders;
-    for (const Parts* const parts : {&left, &right})
-        for (const Buffer::MemoryBuffer& part : *parts) {
-            borders.push_back(part.getArea().start);
-            borders.push_back(part.getArea().end());
-        }
-    std::ranges::sort(borders);
-    return borders;
-}
-
 /// What is left of the ascending `areas` outside the ascending `holes`.
 AreaList without(const AreaList& areas, const AreaList& holes) {
     AreaList rest;
@@ -48,10 +37,10 @@ AreaList without(const AreaList& areas, const AreaList& holes) {
     return rest;
 }
 
-std::optional<std::uint8_t> byteAt(const Parts& parts, std::uint64_t address) {
-    const Buffer::MemoryBuffer* const part = partWith(parts, {address, 1});
-    if (part == nullptr) return std::nullopt;
-    const Buffer::MemoryElement element = part->viewRange(address, 1)[0];
+std::optional<std::uint8_t> byteAt(const Image& image, std::uint64_t address) {
+    const Buffer::MemoryBuffer* const data = image.dataWith({address, 1});
+    if (data == nullptr) return std::nullopt;
+    const Buffer::MemoryElement element = data->viewRange(address, 1)[0];
     return element.hasValue != 0 ? std::optional(element.value) : std::nullopt;
 }
 
@@ -150,8 +139,8 @@ private:
         std::vector<Byte> left;
         std::vector<Byte> right;
         for (std::size_t i = 0; i < perRow_; ++i) {
-            left.push_back(byteAt(diff_->left->parts, row * perRow_ + i));
-            right.push_back(byteAt(diff_->right->parts, row * perRow_ + i));
+            left.push_back(byteAt(*diff_->left, row * perRow_ + i));
+            right.push_back(byteAt(*diff_->right, row * perRow_ + i));
         }
         std::vector<bool> isOther;
         for (std::size_t i = 0; i < perRow_; ++i)
@@ -247,11 +236,11 @@ std::string headText(const char* mark, const Image& image) {
 }
 
 /// The written bytes of `area`, the first ones of a long one.
-std::string hexOf(const Parts& parts, const Area& area) {
+std::string hexOf(const Image& image, const Area& area) {
     constexpr std::uint64_t mostShown = 64;
     std::string text;
     for (std::uint64_t i = 0; i < std::min(area.length, mostShown); ++i)
-        if (const auto byte = byteAt(parts, area.start + i)) Util::appendHex(text, {&*byte, 1});
+        if (const auto byte = byteAt(image, area.start + i)) Util::appendHex(text, {&*byte, 1});
     return text;
 }
 
@@ -275,12 +264,15 @@ bool saysStart(const Image& image) {
 
 Diff compare(const Image& left, const Image& right, const AreaList& ignored) {
     Diff diff{&left, &right, {}, false, joined(ignored, 0), nullptr, nullptr};
-    const auto borders = bordersOf(left.parts, right.parts);
+    // Between two of them, an image has all addresses or none.
+    std::array borders{left.data.getArea().start, left.data.getArea().end(),
+                       right.data.getArea().start, right.data.getArea().end()};
+    std::ranges::sort(borders);
     for (std::size_t i = 0; i + 1 < borders.size(); ++i) {
         const Area range{borders[i], borders[i + 1] - borders[i]};
         if (range.length != 0)
-            Buffer::appendDifferences(partWith(left.parts, range), partWith(right.parts, range),
-                                      range, diff.where);
+            Buffer::appendDifferences(left.dataWith(range), right.dataWith(range), range,
+                                      diff.where);
     }
     if (!diff.ignored.empty())
         for (AreaList* const areas :
@@ -318,8 +310,8 @@ std::string jsonOf(const Diff& diff) {
     json["changed"] = Json::array();
     for (const Area& area : diff.where.changed) {
         Json entry = toJson(area);
-        entry["left"] = hexOf(diff.left->parts, area);
-        entry["right"] = hexOf(diff.right->parts, area);
+        entry["left"] = hexOf(*diff.left, area);
+        entry["right"] = hexOf(*diff.right, area);
         addNames(entry, diff.leftNames, diff.rightNames, area);
         json["changed"].push_back(std::move(entry));
     }

@@ -72,19 +72,6 @@ Digest Digester::finish() {
     return {crc_, sha_.finish()};
 }
 
-Digest digestOf(const Parts& parts, const Buffer::Area& area) {
-    return digestOf(parts, Buffer::AreaList{area});
-}
-
-Digest digestOf(const Parts& parts, const Buffer::AreaList& areas) {
-    Digester digester;
-    for (const Buffer::Area& area : areas)
-        if (const Buffer::MemoryBuffer* const part = partWith(parts, area))
-            forBytes(part->viewRange(area.start, area.length),
-                     [&digester](Bytes bytes) { digester.take(bytes); });
-    return digester.finish();
-}
-
 Digest digestOf(const Buffer::MemoryBuffer& image) {
     Digester digester;
     forBytes(image.viewElements(), [&digester](Bytes bytes) { digester.take(bytes); });

@@ -6,7 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "inspect/Image.hpp"
+#include "buffer/Area.hpp"
+#include "buffer/MemoryBuffer.hpp"
 
 namespace Inspect {
 
@@ -46,12 +47,6 @@ private:
     std::uint32_t crc_ = 0;
     Sha256 sha_;
 };
-
-/// The digests of the effective bytes of `area`, which must lie in one of the parts.
-Digest digestOf(const Parts& parts, const Buffer::Area& area);
-
-/// The digests of the written bytes of all areas, one after the other.
-Digest digestOf(const Parts& parts, const Buffer::AreaList& areas);
 
 /// The digests of the effective bytes of a whole image.
 Digest digestOf(const Buffer::MemoryBuffer& image);

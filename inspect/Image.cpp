@@ -17,12 +17,6 @@ using Buffer::Area;
 using Buffer::AreaList;
 using Buffer::MemoryBuffer;
 
-Parts partsOf(Io::Import::TessaronImportApi& file) {
-    Parts parts;
-    if (file.getDataLength() != 0) parts.push_back(file.takeMemory());
-    return parts;
-}
-
 /// Reports the first address for which the file has two bytes. The readers of records report this
 /// themselves, with the lines.
 void reportConflict(const std::string& path, const Io::Import::TessaronImportApi& reader) {
@@ -37,12 +31,7 @@ void reportConflict(const std::string& path, const Io::Import::TessaronImportApi
 }  // namespace
 
 AreaList Image::areas() const {
-    AreaList all;
-    for (const MemoryBuffer& part : parts) {
-        const AreaList some = Buffer::writtenAreas(part, part.getArea());
-        all.insert(all.end(), some.begin(), some.end());
-    }
-    return all;
+    return Buffer::writtenAreas(data, data.getArea());
 }
 
 AreaList joined(AreaList areas, std::uint64_t gap) {
@@ -64,10 +53,10 @@ std::string formatText(std::optional<Facts::InputFormat> format) {
 }
 
 Image imageOf(const std::string& path, Io::Import::TessaronImportApi& reader) {
-    Image image{path, reader.getFormat(), {}, std::nullopt};
+    Image image{path, reader.getFormat(), MemoryBuffer(0, 0), std::nullopt};
     if (reader.hasStartAddress()) image.startAddress = reader.getStartAddress();
     reportConflict(path, reader);
-    image.parts = partsOf(reader);
+    if (reader.getDataLength() != 0) image.data = reader.takeMemory();
     return image;
 }
 
@@ -89,12 +78,6 @@ std::uint64_t byteCount(const AreaList& areas) {
     std::uint64_t count = 0;
     for (const Area& area : areas) count += area.length;
     return count;
-}
-
-const MemoryBuffer* partWith(const Parts& parts, const Area& area) {
-    const auto found = std::ranges::find_if(
-        parts, [&area](const MemoryBuffer& part) { return part.getArea().contains(area); });
-    return found == parts.end() ? nullptr : &*found;
 }
 
 }  // namespace Inspect

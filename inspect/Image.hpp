@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "buffer/Area.hpp"
 #include "buffer/MemoryBuffer.hpp"
@@ -14,21 +13,20 @@
 
 namespace Inspect {
 
-/// The written bytes of a file or of a run's image, wherever they lie in the address space.
-///
-/// The parts are ascending and do not overlap. A file with data is one part, which is sparse if its
-/// range is large (Buffer::ImageSpace).
-using Parts = std::vector<Buffer::MemoryBuffer>;
-
 /// A file as it was read.
 struct Image {
     std::string path;  ///< as given
     Facts::InputFormat format;
-    Parts parts;
+    Buffer::MemoryBuffer data;  ///< of length 0 if the file has none
     std::optional<std::uint64_t> startAddress;
 
     /// The ranges of written addresses, ascending.
     Buffer::AreaList areas() const;
+
+    /// The data, if it has all of `area`, or null.
+    const Buffer::MemoryBuffer* dataWith(const Buffer::Area& area) const {
+        return data.getArea().contains(area) ? &data : nullptr;
+    }
 };
 
 /// Reads a file of any format, as files are in the field. What is odd about it is reported to the
@@ -63,8 +61,5 @@ Buffer::AreaList joined(Buffer::AreaList areas, std::uint64_t gap);
 
 /// The number of addresses in `areas`.
 std::uint64_t byteCount(const Buffer::AreaList& areas);
-
-/// The part that has all of `area`, or null.
-const Buffer::MemoryBuffer* partWith(const Parts& parts, const Buffer::Area& area);
 
 }  // namespace Inspect

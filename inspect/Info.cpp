@@ -253,8 +253,9 @@ Info infoAbout(const std::string& path, std::optional<Facts::InputFormat> format
     std::future<Digest> whole;
     if (areas.size() != 1)
         whole = std::async(std::launch::async | std::launch::deferred,
-                           [&image, &areas] { return digestOf(image.parts, areas); });
-    for (const Area& area : areas) info.areas.push_back({area, digestOf(image.parts, area)});
+                           [&image, &areas] { return digestOf(image.data, areas); });
+    for (const Area& area : areas)
+        info.areas.push_back({area, digestOf(image.data, AreaList{area})});
     info.digest = whole.valid() ? whole.get() : info.areas.front().digest;
     return info;
 }

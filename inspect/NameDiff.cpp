@@ -35,11 +35,11 @@ bool hasSameBytes(const Diff& diff, const Area& left, const Area& right) {
         return !isTouched(where.changed, left) && !isTouched(where.onlyLeft, left) &&
                !isTouched(where.onlyRight, left);
     }
-    const auto* const leftPart = partWith(diff.left->parts, left);
-    const auto* const rightPart = partWith(diff.right->parts, right);
-    if (leftPart == nullptr || rightPart == nullptr) return leftPart == rightPart;
-    const auto lefts = leftPart->viewRange(left.start, left.length);
-    const auto rights = rightPart->viewRange(right.start, right.length);
+    const auto* const leftData = diff.left->dataWith(left);
+    const auto* const rightData = diff.right->dataWith(right);
+    if (leftData == nullptr || rightData == nullptr) return leftData == rightData;
+    const auto lefts = leftData->viewRange(left.start, left.length);
+    const auto rights = rightData->viewRange(right.start, right.length);
     for (std::size_t i = 0; i < lefts.size(); ++i)
         if (!isSameElement(lefts[i], rights[i])) return false;
     return true;

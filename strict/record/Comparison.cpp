@@ -42,7 +42,7 @@ std::optional<Inspect::Image> contentsOf(const std::string& path,
     const Facts::ListenerScope silence(unheard);
     try {
         auto image = Inspect::openImage(path, given, {.addressUnit = addressUnit});
-        return image && image->parts.empty() ? std::nullopt : std::move(image);
+        return image && image->data.getDataLength() == 0 ? std::nullopt : std::move(image);
     } catch (const Io::bad_open&) {
         return std::nullopt;
     } catch (const Io::Import::Malformed&) {
@@ -52,9 +52,9 @@ std::optional<Inspect::Image> contentsOf(const std::string& path,
 
 /// The written byte of an image as two digits, or "no byte".
 std::string byteText(const Inspect::Image& image, std::uint64_t address) {
-    const Buffer::MemoryBuffer* const part = Inspect::partWith(image.parts, {address, 1});
-    if (part == nullptr) return "no byte";
-    const Buffer::ElementView element = part->viewRange(address, 1);
+    const Buffer::MemoryBuffer* const data = image.dataWith({address, 1});
+    if (data == nullptr) return "no byte";
+    const Buffer::ElementView element = data->viewRange(address, 1);
     return element[0].hasValue == 0 ? "no byte" : Util::hexByte(*element.values());
 }
 
@@ -121,7 +121,7 @@ struct ScriptOutput {
     std::optional<ImagePlace> whereOf(std::uint64_t position) const {
         if (format != nullptr && format->isImageItself) return whereInRaw(images, before(position));
         if (format != nullptr && format->addressAt != nullptr) {
-            const auto address = format->addressAt(contents->parts.front(), position);
+            const auto address = format->addressAt(contents->data, position);
             return address ? whereIs(images, before(*address)) : std::nullopt;
         }
         return isRaw(*contents) ? std::nullopt : whereIs(images, before(position));
