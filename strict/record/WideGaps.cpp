@@ -91,6 +91,8 @@ std::string sizeOf(std::uint64_t gaps) {
 
 void checkOutput(const Statement& statement, const CmdContext& context,
                  const Provenance& provenance, StatementReports& reports, bool isScript) {
+    // A copy of a file has the gaps of that.
+    if (outputFormatOf(statement).needsTemplate) return;
     if (statement.roles.hasAny({Role::Gaps, Role::ShortGaps})) return;
     // Counting takes the origins of all bytes, which few files need.
     if (lengthOf(statement, context) <= Inspect::widestGaps) return;
