@@ -88,9 +88,10 @@ void checkAnswers(TessaronImportApi& file) {
           "an image that is taken is the one that is given");
 }
 
-void checkReader(const Io::Formats::InputFormatRow& format) {
+void checkReader(const Io::Formats::InputFormatRow& format,
+                 const Io::Import::ReadOptions& options = {}) {
     try {
-        const auto file = format.open(inputPath, Io::openInput(inputPath), {}, nullptr);
+        const auto file = format.open(inputPath, Io::openInput(inputPath), options, nullptr);
         if (file) checkAnswers(*file);
     } catch (const Io::Import::Malformed&) {
     }
@@ -165,7 +166,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Fuzz::Machine machine;
     machine.addFile(inputPath, {reinterpret_cast<const char*>(data), size});
     for (const Io::Formats::InputFormatRow& format : Io::Formats::inputFormats())
-        if (format.looksLike != nullptr) checkReader(format);
+        if (format.looksLike != nullptr) {
+            checkReader(format);
+            if (format.hasFamilies) checkReader(format, {.family = 1});
+        }
     checkCopy({reinterpret_cast<const char*>(data), size});
     checkSections();
     checkNames();

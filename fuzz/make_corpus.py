@@ -55,15 +55,18 @@ def input_files():
 
 
 def format_files():
-    """Name and contents of the files of the tests in formats with a mark, and of a UF2 file."""
+    """Name and contents of the files of the tests in formats with a mark, and of UF2 files."""
     for pattern in ("tests/data/elf/*.elf", "tests/scripts/read-formats-bad/*.txt",
                     "tests/scripts/read-formats-bad/*.vmem", "tests/data/foreign/*.vmem",
                     "tests/data/foreign/*.dfu"):
         for path in sorted(ROOT.glob(pattern)):
             yield path.name, path.read_bytes()
-    blocks = [struct.pack("<8I", 0x0A324655, 0x9E5D5157, 0x2000, 256 * i, 256, i, 2, 1) +
-              bytes(range(238)) * 2 + struct.pack("<I", 0x0AB16F30) for i in range(2)]
-    yield "two.uf2", b"".join(blocks)
+    for name, families in (("two.uf2", (1, 1)), ("families.uf2", (1, 2))):
+        blocks = [struct.pack("<8I", 0x0A324655, 0x9E5D5157, 0x2000, 256 * i, 256,
+                              families[:i].count(families[i]), families.count(families[i]),
+                              families[i]) +
+                  bytes(range(238)) * 2 + struct.pack("<I", 0x0AB16F30) for i in range(2)]
+        yield name, b"".join(blocks)
 
 
 def changed(files):

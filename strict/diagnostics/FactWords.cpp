@@ -241,7 +241,7 @@ Words words(const SectionUnfit& f, const Circumstances& c) {
 
 Words words(const FamilyUnfit& f, const Circumstances& /*c*/) {
     const std::string file(f.file);
-    const std::string known = ": " + std::string(f.known);
+    const std::string known(f.known);
     if (f.fault == FamilyFault::NoFamilies)
         return {{Kind::Outside,
                  "only a UF2 file that is read by FROM_UF2 has families",
@@ -250,11 +250,11 @@ Words words(const FamilyUnfit& f, const Circumstances& /*c*/) {
         return {{Kind::UnknownName,
                  file + " has no blocks for the family " + addressText(f.family),
                  {Role::Family},
-                 f.known.empty() ? "its blocks name no family" : "there are" + known}};
+                 known.empty() ? "its blocks name no family" : "it has some for " + known}};
     return {{Kind::WrongFormat,
-             file + " has bytes of several families for " + addressText(f.address) + known,
+             file + " has bytes of several families for " + addressText(f.address),
              {Role::InputFile},
-             "choose one by -useFamily in a script, or by --family"}};
+             "choose one of " + known + " by -useFamily in a script, or by --family"}};
 }
 
 Words words(const ElfTemplateUnfit& f, const Circumstances& c) {
