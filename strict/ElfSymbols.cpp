@@ -1,6 +1,7 @@
 #include "strict/ElfSymbols.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <string_view>
@@ -9,6 +10,7 @@
 
 #include "facts/FormatFaultWords.hpp"
 #include "facts/Listener.hpp"
+#include "inspect/Names.hpp"
 #include "inspect/Words.hpp"
 #include "io/File.hpp"
 #include "io/import/Malformed.hpp"
@@ -60,16 +62,30 @@ std::optional<std::vector<Symbol>> read(const std::string& path, const RunFiles&
     return std::nullopt;
 }
 
+/// The symbols of a name, as the file has it or, if none has, as C++ has it: then a function may be
+/// named without its parameters.
+std::vector<Symbol> symbolsCalled(const std::string& name, const std::vector<Symbol>& all) {
+    std::vector<Symbol> found;
+    std::ranges::copy_if(all, std::back_inserter(found),
+                         [&name](const Symbol& symbol) { return symbol.name == name; });
+    if (!found.empty()) return found;
+    std::ranges::copy_if(all, std::back_inserter(found), [&name](const Symbol& symbol) {
+        const std::string text = Inspect::demangled(symbol.name);
+        return text == name || text.substr(0, text.find('(')) == name;
+    });
+    return found;
+}
+
 /// The address of the symbol `name` of the file `path`, or nothing after a diagnostic.
 std::optional<std::uint64_t> addressOf(const std::vector<Symbol>& symbols, const std::string& path,
                                        const std::string& name, DiagnosticSink& sink) {
     std::optional<std::uint64_t> address;
     // A name that all files of a program share means more than one that a single file has for
     // itself.
-    const bool hasGlobal = std::ranges::any_of(
-        symbols, [&name](const Symbol& symbol) { return symbol.isGlobal && symbol.name == name; });
-    for (const Symbol& symbol : symbols) {
-        if (symbol.name != name || address == symbol.address) continue;
+    const std::vector<Symbol> found = symbolsCalled(name, symbols);
+    const bool hasGlobal = std::ranges::any_of(found, &Symbol::isGlobal);
+    for (const Symbol& symbol : found) {
+        if (address == symbol.address) continue;
         if (hasGlobal && !symbol.isGlobal) continue;
         if (address) {
             std::string text = path;
@@ -81,7 +97,7 @@ std::optional<std::uint64_t> addressOf(const std::vector<Symbol>& symbols, const
     if (!address) {
         std::vector<std::string> names;
         names.reserve(symbols.size());
-        for (const Symbol& symbol : symbols) names.push_back(symbol.name);
+        for (const Symbol& symbol : symbols) names.push_back(Inspect::demangled(symbol.name));
         const auto close = nearest(name, names);
         report(sink, Kind::UnknownName, path + " has no symbol " + name,
                close ? "did you mean " + *close + "?"

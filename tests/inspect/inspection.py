@@ -260,6 +260,12 @@ class Inspection(unittest.TestCase):
             return tessaron(*arguments, code=code).strip() or complaint(*arguments)
         self.assertEqual(value(elf.replace(b"\0settings\0", b"\0ns::item\0"), "ns::item"),
                          "0x00020000")
+        # By the ABI of C++ for Itanium: n::s, and f(int).
+        plus = elf.replace(b"\0settings\0", b"\0_ZN1n1sE\0").replace(b"\0start\0", b"\0_Z1fi\0")
+        for name, address in (("n::s", "0x00020000"), ("_ZN1n1sE", "0x00020000"),
+                              ("f(int)", "0x00008020"), ("f", "0x00008020")):
+            self.assertEqual(value(plus, name), address)
+        self.assertIn("did you mean n::s?", value(plus, "n::t", code=1))
         stripped = bytearray(elf)
         struct.pack_into("<I", stripped, head + size * sections.index(table) + 4, 0)
         self.assertIn("was it stripped?", value(stripped, "settings", code=1))
