@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "strict/diagnostics/FieldWords.hpp"
+#include "strict/record/Provenance.hpp"
 
 namespace Strict {
 

@@ -6,10 +6,11 @@
 #include "classic/ClassicWords.hpp"
 #include "facts/Listener.hpp"
 #include "strict/diagnostics/FactWords.hpp"
-#include "strict/record/Provenance.hpp"
 #include "strict/script/StatementReports.hpp"
 
 namespace Strict {
+
+class Provenance;
 
 /// Turns the facts of a run into diagnostics of the statement that runs, and passes on what PRINT_*
 /// statements print.

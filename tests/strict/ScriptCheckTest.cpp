@@ -282,7 +282,7 @@ TEST(ScriptCheckTest, AMadeUpStatementIsCheckedByItsRoles) {
         sink.lines,
         (Lines{"1:6 unknown-name: no image is called @none",
                "1:27 truncated-value: the value does not fit into a byte, only its low eight "
-               "bits count",
+               "bits count (-setValueSize=2 or 4 takes larger values)",
                "2:16 duplicate-name: there is already an image called @new (this one would be "
                "dropped)",
                "+ 1:17 the first one is made here"}));

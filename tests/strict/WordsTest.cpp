@@ -113,6 +113,8 @@ std::vector<FactRow> malformedRows() {
 }
 
 std::vector<FactRow> imageRows() {
+    const std::vector<Role> verified{Role::UsesCrc, Role::UsesHash, Role::Bytes, Role::String,
+                                     Role::UsesImage};
     return {
         {ImageNotAddressable{0xFFFFFFF0, 0x20},
          {{Kind::Outside,
@@ -166,6 +168,18 @@ std::vector<FactRow> imageRows() {
            "@b writes the addresses 0x00000010 to 0x0000001F a second time, with equal bytes",
            {Role::Overlap},
            "-onOverlap=Same lets equal bytes pass"}}},
+        {ImageDiffers{"@a", "", 0x14, 0x01, 0xFE, 1},
+         {{Kind::Verify, "@a has 01 at 0x00000014 instead of FE", verified}}},
+        {ImageDiffers{"@a", "@b", 0x14, 0x01, 0xFE, 2},
+         {{Kind::Verify, "@a has 01 at 0x00000014 instead of FE, and 1 more byte differs",
+           verified}}},
+        {ImageDiffers{"@a", "", 0x14, std::nullopt, 0xFE, 1003},
+         {{Kind::Verify,
+           "@a does not have the address 0x00000014, where FE should be, and 1,002 more bytes "
+           "differ",
+           verified}}},
+        {NothingCompared{"@a"},
+         {{Kind::Verify, "nothing of @a is compared", {Role::Area, Role::UsesImage}}}},
         {NameNotFound{NameKind::Buffer, "@made"},
          {{Kind::UnknownName,
            "there is no @made: the statement that makes it failed",
