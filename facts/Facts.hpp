@@ -206,7 +206,7 @@ enum class FamilyFault : std::uint8_t {
     NoFamilies  ///< what the image is made of has no families
 };
 
-/// The blocks for one family of devices cannot be told from a file; the statement failed.
+/// No blocks for one family of devices can be read from a file; the statement failed.
 struct FamilyUnfit {
     std::string_view file;
     FamilyFault fault;

@@ -29,7 +29,7 @@ struct NameChange {
 
 /// What has changed between the programs of a comparison, those first whose size changed most,
 /// and those last that have moved only.
-/// Names that several parts of a program share are told apart by their order.
+/// Names that several parts of a program share are paired by their order.
 ///
 /// @param left, right  borrowed by the result
 std::vector<NameChange> changesOf(const Diff& diff, const Names& left, const Names& right);

@@ -81,8 +81,8 @@ public:
 
     explicit Provenance(StatementReports& reports) : reports_(&reports) {}
 
-    /// Tells what is at the addresses of files that count bytes, for what is reported of them.
-    /// Without it, ELF files say so of the bytes that come from them.
+    /// Gives the names at the addresses of files that count bytes, for reports about these bytes.
+    /// Without them, the symbols of an ELF file name the bytes that come from it.
     void setNames(Inspect::Names names) { names_ = std::move(names); }
 
     /// The statement is about to run.

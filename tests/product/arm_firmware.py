@@ -44,9 +44,9 @@ def check_elf(image):
     run("arm-none-eabi-objcopy", "-O", "binary", "release.elf", "release.bin")
     check("release.elf", pathlib.Path("release.bin").read_bytes(), image)
     for options in ("-hlSs", "-wi"):
-        told = [run("arm-none-eabi-readelf", options, name) for name in
+        shown = [run("arm-none-eabi-readelf", options, name) for name in
                 ("release.elf", "firmware.elf")]
-        check("readelf " + options, *told)
+        check("readelf " + options, *shown)
     sizes = [pathlib.Path(name).stat().st_size for name in ("release.elf", "firmware.elf")]
     check("size of release.elf", *sizes)
 

@@ -12,8 +12,8 @@
 namespace Io::Import {
 
 /// Reads UF2 (io/Uf2.hpp): the blocks that belong into the main flash, in any order. The file must
-/// have each of the blocks that it counts. Those of several families of devices, which a boot
-/// loader tells apart, are one image if no address is there for two of them.
+/// have each of the blocks that it counts. Those of several families of devices, of which a boot
+/// loader takes one, are one image if no two of them have a byte for the same address.
 class Uf2InFile final : public AddressedData {
 public:
     /// @param family  of devices whose blocks alone are read; nothing for all of them
