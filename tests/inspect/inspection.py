@@ -964,6 +964,49 @@ class Inspection(unittest.TestCase):
         write("low.hex", {0x10: b"code"})
         self.assertNotIn("names", tessaron("info", "low.hex", "--elf", "hand.map"))
 
+    def test_arrangement(self):
+        """Lanes, words, units, gaps and alignment, as the bytes themselves say; the printed script
+        does the same."""
+        data = bytes(range(1, 33))
+        start = 0x200
+        write("plain.hex", {start: data})
+        write("holes.hex", {start + 1: data[:3], start + 6: data[:2], start + 20: data[:1]})
+        lanes = [bytes(data[i] for i in range(32) if i // 2 % 2 == lane) for lane in (0, 1)]
+        for lane in (0, 1):
+            pathlib.Path("chip%d.bin" % lane).write_bytes(lanes[lane])
+        swapped = b"".join(data[i:i + 4][::-1] for i in range(0, 32, 4))
+        row = data[:3] + b"\xEE\xEE" + data[:2]
+        for source, options, at, wanted in (
+                ("plain.hex", ["--lane", "0,2,2"], {start // 2: lanes[0]}, "lane"),
+                ("plain.hex", ["--lane", "1,2,2"], {start // 2: lanes[1]}, "other"),
+                ("chip0.bin", ["--interleave", "2", "--with", "chip1.bin"], {0: data}, "bus"),
+                ("plain.hex", ["--swap-bytes", "4"], {start: swapped}, "words"),
+                ("plain.hex", ["--unit-in", "2"], {start * 2: data}, "in"),
+                ("plain.hex", ["--unit-out", "2"], None, "out"),
+                ("holes.hex", ["--fill", "0xEE", "--fill-gaps", "2"],
+                 {start + 1: row, start + 20: data[:1]}, "short"),
+                ("holes.hex", ["--fill", "0xEE", "--align", "4"],
+                 {start: b"\xEE" + row + b"\xEE" * 12 + data[:1] + b"\xEE" * 3}, "whole"),
+                ("holes.hex", ["--fill", "0xEE", "--fill-gaps", "2", "--align", "4"],
+                 {start: b"\xEE" + row, start + 20: data[:1] + b"\xEE" * 3}, "ends")):
+            tessaron("convert", source, "arranged.hex", *options)
+            if at is None:
+                # Sixteen bytes are eight words.
+                addresses = re.findall("(?m)^:10(....)00", pathlib.Path("arranged.hex").read_text())
+                self.assertEqual(addresses, ["0100", "0108"])
+                tessaron("convert", "arranged.hex", "unit-back.hex", "--unit-in", "2")
+                tessaron("diff", "unit-back.hex", source)
+            else:
+                wanted = "want-%s.hex" % wanted
+                write(wanted, at)
+                tessaron("diff", "arranged.hex", wanted)
+            direct = pathlib.Path("arranged.hex").read_bytes()
+            script = tessaron("convert", source, "arranged.hex", *options, "--print-script")
+            pathlib.Path("arranged.tsn").write_text(script)
+            pathlib.Path("arranged.hex").unlink()
+            tessaron("run", "arranged.tsn")
+            self.assertEqual(pathlib.Path("arranged.hex").read_bytes(), direct, options)
+
     def test_formats(self):
         """What a file is, by its name, its contents and --from."""
         def format_of(*arguments, code=0):
