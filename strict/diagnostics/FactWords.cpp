@@ -127,10 +127,15 @@ Words words(const FileMalformed& f, const Circumstances& /*c*/) {
                       : f.fault == FormatFault::NothingToLoad ? Kind::EmptyImage
                       : f.fault == FormatFault::ChecksumWrong ? Kind::RecordChecksum
                                                               : Kind::WrongFormat;
+    // Words of one byte look the same in both formats.
+    const bool mayBeVmem =
+        f.format == Facts::InputFormat::TiTxt && f.fault == FormatFault::EndMissing;
     return {{kind,
              std::string(f.file) + " cannot be read as " +
                  std::string(Io::Formats::rowOf(f.format).name) + ": " + textOf(f),
-             {Role::InputFile, Role::Template}}};
+             {Role::InputFile, Role::Template},
+             mayBeVmem ? "a memory file of Verilog has no end: FROM_VMEM or --from Vmem reads it"
+                       : ""}};
 }
 
 Words words(const FileReadIncomplete& f, const Circumstances& /*c*/) {

@@ -53,6 +53,7 @@ std::vector<FactRow> malformedRows() {
         std::uint64_t where, number;
         Kind kind;
         const char* text;
+        const char* hint = "";
     };
     using enum FormatFault;
     constexpr auto elf = InputFormat::Elf;
@@ -87,7 +88,8 @@ std::vector<FactRow> malformedRows() {
          "TI-TXT: line 3 is neither an address nor bytes"},
         {titxt, AddressMissing, 1, 0, Kind::WrongFormat,
          "TI-TXT: line 1 has bytes without an address before them"},
-        {titxt, EndMissing, 4, 0, Kind::NoEnd, "TI-TXT: there is no end after line 4"},
+        {titxt, EndMissing, 4, 0, Kind::NoEnd, "TI-TXT: there is no end after line 4",
+         "a memory file of Verilog has no end: FROM_VMEM or --from Vmem reads it"},
         {titxt, AfterEnd, 5, 0, Kind::WrongFormat, "TI-TXT: line 5 comes after the end"},
         {titxt, WordCut, 5, 2, Kind::WrongFormat,
          "TI-TXT: the data before line 5 does not end with a whole word of 2 bytes"},
@@ -107,8 +109,9 @@ std::vector<FactRow> malformedRows() {
     };
     std::vector<FactRow> list;
     for (const Row& row : rows)
-        list.push_back({FileMalformed{row.format, "f", row.fault, row.where, row.number},
-                        {{row.kind, std::string("f cannot be read as ") + row.text, anyInput}}});
+        list.push_back(
+            {FileMalformed{row.format, "f", row.fault, row.where, row.number},
+             {{row.kind, std::string("f cannot be read as ") + row.text, anyInput, row.hint}}});
     return list;
 }
 
