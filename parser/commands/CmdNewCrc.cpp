@@ -33,12 +33,16 @@ ByteList dataLength(Crc::Bytes data) {
 /// A sum as it is, inverted or negated.
 enum class Complement : std::uint8_t { None, Ones, Twos };
 
-template <auto Sum, Crc::WordOrder Order, Complement Form = Complement::None>
-ByteList summed(Crc::Bytes data) {
-    auto sum = Sum(data, Order);
-    if (Form != Complement::None) sum = static_cast<decltype(sum)>(~sum);
+template <Complement Form, class Word>
+ByteList complemented(Word sum) {
+    if (Form != Complement::None) sum = static_cast<Word>(~sum);
     if (Form == Complement::Twos) ++sum;
     return Crc::toByteList(sum);
+}
+
+template <auto Sum, Crc::WordOrder Order, Complement Form = Complement::None>
+ByteList summed(Crc::Bytes data) {
+    return complemented<Form>(Sum(data, Order));
 }
 
 /// A sum of words in the byte order of the images.
@@ -54,6 +58,12 @@ constexpr ValueType wordSum(const char* keyword, const char* trace, const char* 
 template <auto Sum>
 ByteList summedBytes(Crc::Bytes data) {
     return Crc::toByteList(Sum(data));
+}
+
+/// The complement of a sum of bytes.
+template <auto Sum, Complement Form>
+ByteList complementOfBytes(Crc::Bytes data) {
+    return complemented<Form>(Sum(data, 0));
 }
 
 /// The parameter because of which there is no such CRC.
@@ -89,7 +99,7 @@ constexpr ValueType tolmen = polynomial<Crc::crcCrc32_Tolmen>(
     "Crc32_Tolmen", "SetCrc_Crc32_Tolmen -> ", "CRC-32/MPEG-2 that begins with 0",
     {32, 0x04C11DB7, 0, false, false, 0});
 
-constexpr std::array<ValueType, 26> crcTypes{{
+constexpr std::array<ValueType, 30> crcTypes{{
     {"Crc8_Standard", "SetCrc_Crc8_Standard -> ", &computed<Crc::crcCrc8_Standard>,
      "the sum of the bytes"},
     {"Crc8_OnesComplement", "SetCrc_Crc8_OnesComplement -> ",
@@ -147,6 +157,18 @@ constexpr std::array<ValueType, 26> crcTypes{{
         "WordSum32_TwosComplement", "SetCrc_WordSum32_TwosComplement -> ",
         "the two's complement of the sum of words of 4 bytes", 4),
     wordSum<Crc::wordSum32>("WordSum32", "SetCrc_WordSum32 -> ", "the sum of words of 4 bytes", 4),
+    {"ByteSum16_OnesComplement", "SetCrc_ByteSum16_OnesComplement -> ",
+     &complementOfBytes<Crc::crc16Sum, Complement::Ones>,
+     "the one's complement of the sum of the bytes"},
+    {"ByteSum16_TwosComplement", "SetCrc_ByteSum16_TwosComplement -> ",
+     &complementOfBytes<Crc::crc16Sum, Complement::Twos>,
+     "the two's complement of the sum of the bytes"},
+    {"ByteSum32_OnesComplement", "SetCrc_ByteSum32_OnesComplement -> ",
+     &complementOfBytes<Crc::crc32Sum, Complement::Ones>,
+     "the one's complement of the sum of the bytes"},
+    {"ByteSum32_TwosComplement", "SetCrc_ByteSum32_TwosComplement -> ",
+     &complementOfBytes<Crc::crc32Sum, Complement::Twos>,
+     "the two's complement of the sum of the bytes"},
 }};
 
 }  // namespace

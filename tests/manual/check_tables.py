@@ -13,7 +13,7 @@ import tempfile
 
 CRC = re.compile(r"    (Crc\w+) +(\d+) ([0-9A-F]+) +([0-9A-F]+) +(true|false) +(true|false) +"
                  r"([0-9A-F]+) +([0-9A-F]+) +([0-9A-F]+)$")
-SUM = re.compile(r"    ((?:Crc|WordSum|Adler|Fletcher)\w+) +(\d+) [a-z].*? +([0-9A-F]+) +([0-9A-F]+)$")
+SUM = re.compile(r"    ((?:Crc|ByteSum|WordSum|Adler|Fletcher)\w+) +(\d+) [a-z].*? +([0-9A-F]+) +([0-9A-F]+)$")
 HASH = re.compile(r"    (Hash_\w+) +(\d+)   (?:([0-9A-F]{16}) | {16})")
 CATALOGUE = pathlib.Path(__file__).resolve().parents[2] / "util/crc/catalogue.tsv"
 HASHLIB = {"Md5": "md5", "Sha1": "sha1", "Sha2": "sha", "Sha3": "sha3_"}
@@ -120,7 +120,7 @@ def check_hashes(program, manual):
 def check_types(list_keywords, manual):
     """Every type of NEW_CRC and NEW_HASH has a row; the types without a width are in a text."""
     output = subprocess.run([list_keywords], stdout=subprocess.PIPE, check=True, text=True).stdout
-    types = set(re.findall(r"^(?:Crc\d|WordSum|Adler|Fletcher|Hash_)\S+$", output, re.MULTILINE))
+    types = set(re.findall(r"^(?:Crc\d|ByteSum|WordSum|Adler|Fletcher|Hash_)\S+$", output, re.MULTILINE))
     listed = set().union(*(rows_of(row, manual) for row in (CRC, SUM, HASH)))
     yield from ("%s is a type or has a row, but not both" % name for name in sorted(types ^ listed))
     if len(types) < 30:

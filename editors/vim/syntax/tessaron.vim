@@ -93,6 +93,7 @@ syntax match tessaronConstant /\v<%(Crc8_Standard|Crc8_OnesComplement|Crc8_TwosC
 syntax match tessaronConstant /\v<%(Crc16_Standard|Crc16_OnesComplement_BE|Crc16_TwosComplement_BE|Crc16_Legacy_Karst_Brae|Crc16_Ccitt|Crc16_ibm_sdlc)/
 syntax match tessaronConstant /\v<%(Crc32_Standard|Crc32_Tolmen|Crc32_Ethernet_Mpeg2|Crc32_Vector_AUTOSAR)/
 syntax match tessaronConstant /\v<%(Adler32|Fletcher16|Fletcher32|WordSum16_OnesComplement|WordSum16_TwosComplement|WordSum16|WordSum32_OnesComplement|WordSum32_TwosComplement|WordSum32)/
+syntax match tessaronConstant /\v<%(ByteSum16_OnesComplement|ByteSum16_TwosComplement|ByteSum32_OnesComplement|ByteSum32_TwosComplement)/
 syntax match tessaronConstant /\v%(<-setAlignment\s*\=\s*)@<=%(LeftWithOnes|Left|Right)/
 syntax match tessaronConstant /\v<%(DataLength|Custom|true|false)/
 syntax match tessaronConstant /\v<Catalogue/ nextgroup=tessaronCatalogue skipwhite
