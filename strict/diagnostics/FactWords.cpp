@@ -122,20 +122,29 @@ Words words(const RawFileTooLong& f, const Circumstances& /*c*/) {
              {Role::InputFile}}};
 }
 
+/// What a file may be that is not of the format as which it was read, or nothing.
+std::string likelierFormat(const FileMalformed& f) {
+    using enum Facts::InputFormat;
+    // Words of one byte look the same in both formats.
+    if (f.format == TiTxt && f.fault == FormatFault::EndMissing)
+        return "a memory file of Verilog has no end: FROM_VMEM or --from Vmem reads it";
+    // The suffix of the USB Device Firmware Upgrade specification 1.1 makes a file a DFU file.
+    if (f.format == DfuSe && f.fault == FormatFault::MagicMissing)
+        return "a DFU file that is not DfuSe has no addresses: FROM_FILE_BINARY or --from "
+               "RawBinary reads it with its suffix of 16 bytes";
+    return "";
+}
+
 Words words(const FileMalformed& f, const Circumstances& /*c*/) {
     const Kind kind = f.fault == FormatFault::EndMissing      ? Kind::NoEnd
                       : f.fault == FormatFault::NothingToLoad ? Kind::EmptyImage
                       : f.fault == FormatFault::ChecksumWrong ? Kind::RecordChecksum
                                                               : Kind::WrongFormat;
-    // Words of one byte look the same in both formats.
-    const bool mayBeVmem =
-        f.format == Facts::InputFormat::TiTxt && f.fault == FormatFault::EndMissing;
     return {{kind,
              std::string(f.file) + " cannot be read as " +
                  std::string(Io::Formats::rowOf(f.format).name) + ": " + textOf(f),
              {Role::InputFile, Role::Template},
-             mayBeVmem ? "a memory file of Verilog has no end: FROM_VMEM or --from Vmem reads it"
-                       : ""}};
+             likelierFormat(f)}};
 }
 
 Words words(const FileReadIncomplete& f, const Circumstances& /*c*/) {

@@ -102,6 +102,10 @@ std::vector<FactRow> malformedRows() {
          "VMEM: line 2 has a digit x or z, whose bits have no value"},
         {vmem, CommentOpen, 2, 0, Kind::WrongFormat,
          "VMEM: the comment that begins in line 2 does not end"},
+        {dfuSe, MagicMissing, 0, 0, Kind::WrongFormat,
+         "DfuSe: the mark of the format is missing at byte 0",
+         "a DFU file that is not DfuSe has no addresses: FROM_FILE_BINARY or --from RawBinary "
+         "reads it with its suffix of 16 bytes"},
         {dfuSe, LengthWrong, 6, 99, Kind::WrongFormat,
          "DfuSe: the length at byte 6 is 99, which is not that of the data after it"},
         {dfuSe, ChecksumWrong, 0x1A, 0x2B, Kind::RecordChecksum,
