@@ -137,6 +137,9 @@ protected:
         if (isEnded_) tolerate(Facts::Tolerance::RecordAfterEnd);
     }
 
+    /// An end record was taken.
+    bool hasEnded() const { return isEnded_; }
+
     /// The current line is the end record.
     void end() {
         noteEmptyRecord();

@@ -45,7 +45,10 @@ std::uint64_t IntelHexFieldParser::useRun(const Util::Records::DataRun& run,
 bool IntelHexFieldParser::isSound(const IntelRecord& record) {
     const IntelRecordType type = record.type();
     const auto size = intelDataSize(type);
-    if (!size)
+    // Some tools put their symbols after the end, in records of a type of their own.
+    if (!size && hasEnded())
+        noteEmptyRecord();
+    else if (!size)
         damage(RecordFault::Type, record.bytes[3]);
     else if (record.length() != *size)
         damage(RecordFault::DataSize, record.length(), *size);
