@@ -128,7 +128,7 @@ std::string likelierFormat(const FileMalformed& f) {
     // Words of one byte look the same in both formats.
     if (f.format == TiTxt && f.fault == FormatFault::EndMissing)
         return "a memory file of Verilog has no end: FROM_VMEM or --from Vmem reads it";
-    // The suffix of the USB Device Firmware Upgrade specification 1.1 makes a file a DFU file.
+    // The suffix of USB Device Firmware Upgrade 1.1 makes a file a DFU file.
     if (f.format == DfuSe && f.fault == FormatFault::MagicMissing)
         return "a DFU file that is not DfuSe has no addresses: FROM_FILE_BINARY or --from "
                "RawBinary reads it with its suffix of 16 bytes";
