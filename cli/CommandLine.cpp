@@ -240,6 +240,8 @@ void addCommon(CLI::App& command, Request& request, Texts& texts) {
                   "names the functions and data at addresses");
     command.add_flag("--keep-going", request.run.keepsGoing,
                      "goes on after a statement that failed");
+    command.add_flag("--print-script", request.run.printsScript,
+                     "prints the prepared script, instead of running it");
     command.add_option("--ignore", texts.ignored, "drops these diagnostics")
         ->type_name("NAME")
         ->allow_extra_args(false);

@@ -1,24 +1,16 @@
 # The files that `cmake --install` installs.
-include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
-set(TESSARON_PACKAGE cmdtessaron)
 # The domain .invalid never exists (RFC 2606, section 2): whoever publishes packages names an address.
 set(TESSARON_CONTACT "The Tessaron developers <developers@tessaron.invalid>"
     CACHE STRING "Name and address of those who answer for the packages")
-if(WIN32)
-  set(documents doc)
-  set(support support)
-else()
-  set(documents ${CMAKE_INSTALL_DATAROOTDIR}/doc/${TESSARON_PACKAGE})
-  set(support ${CMAKE_INSTALL_DATAROOTDIR}/${TESSARON_PACKAGE})
-endif()
 set(cmakeFiles ${CMAKE_INSTALL_DATAROOTDIR}/cmake/Tessaron)
 
 install(TARGETS CmdTessaron tessaron EXPORT TessaronProgram RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES CHANGELOG.md docs/CmdTessaronManual.txt docs/cmake.md docs/third-party.md
         DESTINATION ${documents})
 install(DIRECTORY examples DESTINATION ${documents} PATTERN build EXCLUDE)
+install(DIRECTORY recipes/ DESTINATION ${recipes})
 install(DIRECTORY editors DESTINATION ${support} PATTERN node_modules EXCLUDE)
 if(WIN32)
   # In bin, the self-test finds the folder for its files.

@@ -41,7 +41,7 @@ _tessaron_words() {
         --unit-in | --unit-out) compgen -W '2 4' -- "$current"; return ;;
     esac
     local common='--help --directory --quiet --diagnostics --color --error --warn'
-    local script="$common --define --symbol --elf --keep-going --ignore --werror"
+    local script="$common --define --symbol --elf --print-script --keep-going --ignore --werror"
     case $command:$current in
         :-*) compgen -W '--help --version' -- "$current" ;;
         :*) compgen -W 'run check info diff map convert help' -- "$current" ;;

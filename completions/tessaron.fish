@@ -43,6 +43,7 @@ complete -c tessaron -n $any -l warn -x -a "$kinds" -d 'Count these diagnostics 
 complete -c tessaron -n $script -s D -l define -x -d 'A text replacement, NAME=VALUE'
 complete -c tessaron -n $script -l elf -r -d 'Name what is at addresses'
 complete -c tessaron -n $script -l symbol -x -d 'The address of a symbol, NAME=FILE:SYMBOL'
+complete -c tessaron -n $script -l print-script -d 'Print the prepared script'
 complete -c tessaron -n $script -l keep-going -d 'Go on after a statement that failed'
 complete -c tessaron -n $script -l ignore -x -a "$kinds" -d 'Drop these diagnostics'
 complete -c tessaron -n $script -l werror -d 'Count all warnings as errors'

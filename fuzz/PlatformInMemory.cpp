@@ -71,6 +71,10 @@ namespace Platform {
 
 const char pathSeparator = '/';
 
+std::size_t fileNameStart(const std::string& path) {
+    return path.rfind('/') + 1;
+}
+
 bool isRegularFile(const std::string& /*path*/) {
     return true;
 }

@@ -13,8 +13,15 @@ namespace Inspect {
 
 namespace {
 
+/// Adds the line of a statement, and the file that has it if that is not the script itself.
+void addLine(Json& json, std::size_t line, const std::string& script) {
+    json["line"] = line;
+    if (!script.empty()) json["script"] = script;
+}
+
 Json inputJson(const FileRecord& file) {
     Json json{{"path", file.path}, {"size", file.size}, {"sha256", file.sha256}};
+    if (file.isIncluded) json["included"] = true;
     if (!file.format.empty()) {
         json["format"] = file.format;
         json["areas"] = toJson(file.areas);
@@ -23,8 +30,12 @@ Json inputJson(const FileRecord& file) {
 }
 
 Json outputJson(const FileRecord& file) {
-    Json json{{"path", file.path},     {"format", file.format}, {"size", file.size},
-              {"sha256", file.sha256}, {"images", file.images}, {"line", file.line}};
+    Json json{{"path", file.path},
+              {"format", file.format},
+              {"size", file.size},
+              {"sha256", file.sha256},
+              {"images", file.images}};
+    addLine(json, file.line, file.script);
     if (file.startAddress) json["startAddress"] = addressText(*file.startAddress);
     return json;
 }
@@ -37,7 +48,7 @@ const char* wordFor(MapKind kind) {
 Json rangeJson(const OriginRange& range) {
     Json json = toJson(range.area);
     json["kind"] = wordFor(range.kind);
-    json["line"] = range.line;
+    addLine(json, range.line, range.script);
     if (!range.file.empty()) json["file"] = range.file;
     if (range.firstLine != 0) json["fileLines"] = {range.firstLine, range.lastLine};
     return json;
@@ -93,9 +104,12 @@ std::string numberDigits(const ValueRecord& value) {
 }
 
 Json valueJson(const ValueRecord& value) {
-    Json json{{"name", value.name},           {"kind", value.kind},
-              {"value", numberDigits(value)}, {"bytes", value.bytes},
-              {"line", value.line},           {"algorithm", algorithmJson(value.algorithm)}};
+    Json json{{"name", value.name},
+              {"kind", value.kind},
+              {"value", numberDigits(value)},
+              {"bytes", value.bytes}};
+    addLine(json, value.line, value.script);
+    json["algorithm"] = algorithmJson(value.algorithm);
     if (value.wordSize != 1) json["wordSize"] = value.wordSize;
     json["covers"] = Json::array();
     for (const ValueRecord::Source& source : value.sources)
@@ -105,7 +119,7 @@ Json valueJson(const ValueRecord& value) {
         Json entry{{"image", place.image}};
         entry.update(toJson(place.area));
         if (!place.byteOrder.empty()) entry["byteOrder"] = place.byteOrder;
-        entry["line"] = place.line;
+        addLine(entry, place.line, place.script);
         json["places"].push_back(std::move(entry));
     }
     return json;

@@ -126,10 +126,17 @@ Json chunksOf(const ImageRecord& record, std::size_t most, bool& isComplete) {
     return ends.take();
 }
 
+/// A line of the script, file 0, or of a file that it includes, which are counted from 1.
+struct ScriptLine {
+    std::size_t file;
+    std::size_t line;
+    auto operator<=>(const ScriptLine&) const = default;
+};
+
 /// Pieces of HTML, appended to one text.
 class Page {
 public:
-    explicit Page(const RunRecord& record) : record_(&record) {}
+    explicit Page(const RunRecord& record);
     std::string text();
 
 private:
@@ -142,8 +149,9 @@ private:
     void addValues();
     void addRemarks();
     void addScript();
+    void addLines(std::size_t file);
     void findMade();
-    void addMade(std::size_t line);
+    void addMade(const ScriptLine& line);
     void addData();
     Json imageJson(const ImageRecord& image, std::size_t most);
 
@@ -168,20 +176,37 @@ private:
         return "<a href=\"#image-" + number + "\" data-go=\"" + number + "," +
                std::to_string(area.start) + "," + std::to_string(area.length) + "\">";
     }
-    /// A line of the script, linked if the page shows it.
-    std::string lineLink(std::size_t line) const {
-        const std::string number = std::to_string(line);
-        if (line == 0) return "";
-        if (!showsScript()) return "line " + number;
-        return "<a href=\"#line-" + number + "\">line " + number + "</a>";
+    /// A line of the script or of a file that it includes.
+    ///
+    /// @param script  the path of the included file; empty for the script itself
+    ScriptLine lineAt(std::size_t line, const std::string& script) const {
+        const auto file = files_.find(script);
+        return {file == files_.end() ? 0 : file->second, line};
     }
-    bool showsScript() const { return record_->scriptText.size() <= mostScript; }
+    /// What identifies the line in the page.
+    static std::string keyOf(const ScriptLine& line) {
+        return (line.file == 0 ? "" : std::to_string(line.file) + "-") + std::to_string(line.line);
+    }
+    std::string nameOf(const ScriptLine& line) const {
+        return (line.file == 0 ? "" : record_->included[line.file - 1].path + ", ") + "line " +
+               std::to_string(line.line);
+    }
+    /// The line, linked if the page shows it.
+    std::string lineLink(std::size_t line, const std::string& script) const {
+        if (line == 0) return "";
+        const ScriptLine where = lineAt(line, script);
+        const std::string name = Util::printableMarkup(nameOf(where));
+        if (!showsScript_) return name;
+        return "<a href=\"#line-" + keyOf(where) + "\">" + name + "</a>";
+    }
 
     const RunRecord* record_;
     std::string text_;
-    std::vector<std::string_view> lines_;  ///< of the script
+    std::vector<std::vector<std::string_view>> lines_;  ///< of each file, the script first
+    std::map<std::string, std::size_t> files_;          ///< the numbers of included files
+    bool showsScript_ = true;
     /// The ranges that a line of the script made, by the place of their image and their own.
-    std::map<std::size_t, std::vector<std::pair<std::size_t, std::size_t>>> made_;
+    std::map<ScriptLine, std::vector<std::pair<std::size_t, std::size_t>>> made_;
     bool hasAllBytes_ = true;
     bool hasAllRanges_ = true;
 };
@@ -198,8 +223,18 @@ std::vector<std::string_view> linesOf(std::string_view text) {
     return lines;
 }
 
+Page::Page(const RunRecord& record) : record_(&record) {
+    std::size_t size = record.scriptText.size();
+    lines_.push_back(linesOf(record.scriptText));
+    for (const IncludedScript& file : record.included) {
+        size += file.text.size();
+        files_.emplace(file.path, lines_.size());
+        lines_.push_back(linesOf(file.text));
+    }
+    showsScript_ = size <= mostScript;
+}
+
 std::string Page::text() {
-    lines_ = linesOf(record_->scriptText);
     addHead();
     addRemarks();
     addOutputs();
@@ -240,11 +275,15 @@ void Page::addRemarks() {
         add("\">");
         addText(remark.severity);
         add("</strong> ");
-        const bool isInScript = remark.file == record_->scriptPath && remark.line != 0;
+        const bool isIncluded = files_.contains(remark.file);
+        const bool isInScript =
+            remark.line != 0 && (isIncluded || remark.file == record_->scriptPath);
         if (!remark.file.empty() && !isInScript)
             addText(remark.file + (remark.line == 0 ? "" : ":" + std::to_string(remark.line)) +
                     ": ");
-        if (isInScript) add(lineLink(static_cast<std::size_t>(remark.line)) + ": ");
+        if (isInScript)
+            add(lineLink(static_cast<std::size_t>(remark.line), isIncluded ? remark.file : "") +
+                ": ");
         addText(remark.text + (remark.name.empty() ? "" : " [" + remark.name + "]"));
         if (!remark.hint.empty()) addText(" - " + remark.hint);
         add("</li>\n");
@@ -270,7 +309,7 @@ void Page::addOutputs() {
                                                  : std::string()));
         addCell(grouped(file.size), " class=\"n\"");
         addCell(images);
-        add("<td>" + lineLink(file.line) + "</td>");
+        add("<td>" + lineLink(file.line, file.script) + "</td>");
         addCell(file.sha256, " class=\"m digest\"");
         add("</tr>\n");
     }
@@ -299,14 +338,14 @@ void Page::addInputs() {
     for (const FileRecord& file : record_->inputs) {
         add("<tr>");
         addCell(file.path);
-        addCell(file.format);
+        addCell(file.isIncluded ? "included script" : file.format);
         addCell(grouped(file.size), " class=\"n\"");
         std::string data = sizeText(byteCount(file.areas));
         if (!file.areas.empty())
             data += ", " + rangeText({file.areas.front().start,
                                       file.areas.back().end() - file.areas.front().start});
         addCell(data);
-        add("<td>" + lineLink(file.line) + "</td>");
+        add("<td>" + lineLink(file.line, file.script) + "</td>");
         addCell(file.sha256, " class=\"m digest\"");
         add("</tr>\n");
     }
@@ -370,7 +409,7 @@ void Page::addRange(std::size_t index, const OriginRange& range, bool hasNames) 
     addCell(grouped(range.area.length), " class=\"n\"");
     addCell(words[static_cast<std::size_t>(range.kind)]);
     if (hasNames) addCell(range.names);
-    add("<td>" + lineLink(range.line) + "</td>");
+    add("<td>" + lineLink(range.line, range.script) + "</td>");
     std::string from = range.file;
     if (range.firstLine != 0) from += ", " + linesText(range.firstLine, range.lastLine);
     addCell(from);
@@ -415,12 +454,12 @@ void Page::addValues() {
         addCell(value.name);
         addCell(algorithmText(value));
         addCell(sourcesText(value));
-        add("<td>" + lineLink(value.line) + "</td><td>");
+        add("<td>" + lineLink(value.line, value.script) + "</td><td>");
         for (const ValueRecord::Place& place : value.places) {
             addText((&place == &value.places.front() ? "" : "; ") + place.image + " " +
                     rangeText(place.area) +
                     (place.byteOrder.empty() ? "" : ", " + place.byteOrder) + ", ");
-            add(lineLink(place.line));
+            add(lineLink(place.line, place.script));
         }
         if (value.places.empty()) add("nowhere");
         add("</td>");
@@ -432,22 +471,34 @@ void Page::addValues() {
 
 void Page::addScript() {
     add("<h2 id=\"script\">Script</h2>\n");
-    if (!showsScript()) {
+    if (!showsScript_) {
         add("<p>The script is too long for this page.</p>\n");
         return;
     }
     findMade();
+    addLines(0);
+    for (std::size_t i = 0; i < record_->included.size(); ++i) {
+        add("<h3>");
+        addText(record_->included[i].path);
+        add("</h3>\n");
+        addLines(i + 1);
+    }
+}
+
+/// The text of a file of the script.
+void Page::addLines(std::size_t file) {
     add("<ol class=\"script\">\n");
-    for (std::size_t i = 0; i < lines_.size(); ++i) {
+    for (std::size_t i = 0; i < lines_[file].size(); ++i) {
         const std::string number = std::to_string(i + 1);
+        const std::string key = keyOf({file, i + 1});
         for (const std::string_view piece :
-             {std::string_view("<li id=\"line-"), std::string_view(number),
+             {std::string_view("<li id=\"line-"), std::string_view(key),
               std::string_view("\"><span class=\"no\">"), std::string_view(number),
               std::string_view("</span><span class=\"text\">")})
             add(piece);
-        addText(lines_[i]);
+        addText(lines_[file][i]);
         add("</span>");
-        addMade(i + 1);
+        addMade({file, i + 1});
         add("</li>\n");
     }
     add("</ol>\n");
@@ -457,12 +508,12 @@ void Page::findMade() {
     for (std::size_t index = 0; index < record_->images.size(); ++index) {
         const auto& ranges = record_->images[index].ranges;
         for (std::size_t i = 0; i < ranges.size(); ++i)
-            made_[ranges[i].line].emplace_back(index, i);
+            made_[lineAt(ranges[i].line, ranges[i].script)].emplace_back(index, i);
     }
 }
 
 /// Links to the ranges that a line made, a few at most.
-void Page::addMade(std::size_t line) {
+void Page::addMade(const ScriptLine& line) {
     constexpr std::size_t mostLinks = 4;
     const auto made = made_.find(line);
     if (made == made_.end()) return;
@@ -494,7 +545,9 @@ Json Page::imageJson(const ImageRecord& image, std::size_t most) {
     hasAllRanges_ = hasAllRanges_ && shown == image.ranges.size();
     for (std::size_t i = 0; i < shown; ++i) {
         const OriginRange& range = image.ranges[i];
-        const Json origin{Util::printable(range.file), range.line, range.firstLine, range.lastLine};
+        const ScriptLine line = lineAt(range.line, range.script);
+        Json origin{Util::printable(range.file), line.line, range.firstLine, range.lastLine};
+        if (line.file != 0) origin[1] = keyOf(line);
         Json lines = Json::array();
         for (const LineRun& run : range.lines)
             lines.push_back({run.area.start, run.area.length, run.firstLine, run.bytesPerLine});
@@ -515,15 +568,18 @@ Json Page::imageJson(const ImageRecord& image, std::size_t most) {
 
 void Page::addData() {
     Json json{{"images", Json::array()}, {"statements", Json::object()}};
-    std::set<std::size_t> used;
+    std::set<ScriptLine> used;
     for (const ImageRecord& image : record_->images) {
         const std::size_t most = mostBytes / record_->images.size();
         json["images"].push_back(imageJson(image, most));
-        for (const OriginRange& range : image.ranges) used.insert(range.line);
+        for (const OriginRange& range : image.ranges) used.insert(lineAt(range.line, range.script));
     }
-    for (const std::size_t line : used)
-        if (line != 0 && line <= lines_.size())
-            json["statements"][std::to_string(line)] = Util::printableColumns(lines_[line - 1]);
+    for (const ScriptLine& line : used) {
+        const auto& lines = lines_[line.file];
+        if (line.line == 0 || line.line > lines.size()) continue;
+        json["statements"][keyOf(line)] = Util::printableColumns(lines[line.line - 1]);
+        if (line.file != 0) json["places"][keyOf(line)] = Util::printable(nameOf(line));
+    }
     if (!hasAllRanges_) add("<p>The maps show the first ranges of each image only.</p>\n");
     if (!hasAllBytes_)
         add("<p>The images are too long for this page: it has the first and the last bytes of each "

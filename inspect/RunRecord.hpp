@@ -28,6 +28,8 @@ struct FileRecord {
     /// Of an output: the bytes of the words that its addresses count.
     std::uint32_t addressUnit = 1;
     std::uint32_t swappedWord = 1;  ///< of an output: the bytes of the words that are reversed
+    std::string script = {};        ///< the included file that has the line; empty: the script
+    bool isIncluded = false;        ///< an input that is a part of the script
 };
 
 /// Addresses that the lines of a text file from `firstLine` on gave, the same number of bytes each;
@@ -47,6 +49,7 @@ struct OriginRange {
     std::uint64_t firstLine = 0;  ///< of the input file; 0 in a file without lines
     std::uint64_t lastLine = 0;
     std::vector<LineRun> lines;  ///< ascending, as far as the lines are regular
+    std::string script = {};     ///< the included file that has `line`; empty: the script
     std::string names = {};      ///< of the first and the last address; empty if nobody knows
 };
 
@@ -72,7 +75,8 @@ struct ValueRecord {
         std::string image;
         Buffer::Area area;
         std::size_t line;
-        std::string byteOrder;  ///< LittleEndian or BigEndian; empty for a hash
+        std::string byteOrder;    ///< LittleEndian or BigEndian; empty for a hash
+        std::string script = {};  ///< the included file that has the line; empty: the script
     };
     struct Source {
         std::string image;
@@ -86,6 +90,13 @@ struct ValueRecord {
     std::vector<Source> sources;  ///< what it covers, in their order
     std::uint32_t wordSize = 1;   ///< bytes that are taken in reverse order
     std::vector<Place> places;    ///< where it was put
+    std::string script = {};      ///< the included file that has `line`; empty: the script
+};
+
+/// A file that the script includes.
+struct IncludedScript {
+    std::string path;
+    std::string text;  ///< as it was written
 };
 
 /// All that went into a run and came out of it.
@@ -93,6 +104,7 @@ struct RunRecord {
     std::string scriptPath;
     std::string scriptText;    ///< as it was written
     std::string scriptSha256;  ///< of its file
+    std::vector<IncludedScript> included;
     std::map<std::string, std::string> variables;
     std::vector<FileRecord> inputs;
     std::vector<ImageRecord> images;

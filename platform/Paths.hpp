@@ -19,4 +19,8 @@ bool isRegularFile(const std::string& path);
 /// from the current folder, with '/' between folders; any other one unchanged.
 std::string portablePath(const std::string& path);
 
+/// The path of what is at a relative path from the folder of the running program, without symbolic
+/// links to the program; empty if the system does not say where that is.
+std::string besideProgram(const std::string& path);
+
 }  // namespace Platform

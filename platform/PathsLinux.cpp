@@ -25,4 +25,10 @@ std::string portablePath(const std::string& path) {
     return error ? path : given.lexically_proximate(folder).generic_string();
 }
 
+std::string besideProgram(const std::string& path) {
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? "" : (program.parent_path() / path).lexically_normal().string();
+}
+
 }  // namespace Platform

@@ -76,4 +76,14 @@ std::string portablePath(const std::string& path) {
     return seen.empty() ? "." : narrowText(seen.generic_wstring());
 }
 
+std::string besideProgram(const std::string& path) {
+    // The longest path that there is.
+    constexpr unsigned long longest = 32'768;
+    std::wstring program(longest, L'\0');
+    program.resize(::GetModuleFileNameW(nullptr, program.data(), longest));
+    if (program.empty()) return {};
+    const std::filesystem::path folder = std::filesystem::path(program).parent_path();
+    return narrowText((folder / wideText(path)).lexically_normal().wstring());
+}
+
 }  // namespace Platform

@@ -5,26 +5,21 @@
 #include <new>
 #include <optional>
 #include <ostream>
-#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "classic/ClassicWords.hpp"
-#include "inspect/Digest.hpp"
 #include "io/formats/FieldReading.hpp"
-#include "parser/text/VariableExpansion.hpp"
-#include "platform/Files.hpp"
 #include "platform/Paths.hpp"
-#include "platform/Replace.hpp"
 #include "platform/Streams.hpp"
 #include "strict/AddressSpace.hpp"
 #include "strict/ElfSymbols.hpp"
 #include "strict/ImageReading.hpp"
 #include "strict/RunListener.hpp"
+#include "strict/ScriptReading.hpp"
 #include "strict/diagnostics/RemarkList.hpp"
-#include "strict/diagnostics/Suggestion.hpp"
 #include "strict/files/DependencyFile.hpp"
 #include "strict/files/RunFiles.hpp"
 #include "strict/files/WholeFile.hpp"
@@ -41,127 +36,6 @@
 namespace Strict {
 
 namespace {
-
-/// A script as it was read.
-struct ScriptBytes {
-    std::string text;    ///< with line feeds alone
-    std::string sha256;  ///< of its file
-};
-
-/// The script's own text, or nothing after a diagnostic.
-///
-/// @param withDigest  whether the digest is wanted
-std::optional<ScriptBytes> read(const RunOptions& options, bool withDigest, DiagnosticSink& sink) {
-    const bool isStandardInput = options.script == "-";
-    Platform::clearLastError();
-    auto contents =
-        isStandardInput ? Platform::readStandardInput() : Platform::readFile(options.script);
-    if (!contents) {
-        std::error_code error = Platform::lastError();
-        if (isStandardInput && error == std::errc::is_a_directory) {
-            sink.take({Kind::CannotOpen,
-                       "cannot read the script from standard input: it is closed "
-                       "or a folder"});
-            return std::nullopt;
-        }
-        if (!error && !isStandardInput) error = Platform::outputTarget(options.script).error;
-        sink.take({Kind::CannotOpen, "cannot open the script " + options.script + ": " +
-                                         (error ? error.message() : "it has no end to wait for")});
-        return std::nullopt;
-    }
-    if (contents->reading != Platform::Reading::Complete) {
-        sink.take(
-            {Kind::ShortRead, "the script " + options.script + " could not be read completely"});
-        return std::nullopt;
-    }
-    ScriptBytes script;
-    if (withDigest) script.sha256 = Inspect::sha256Of(contents->text());
-    Platform::translateText(*contents);
-    script.text = contents->text();
-    return script;
-}
-
-std::string wordsFor(Facts::VariableFault fault) {
-    switch (fault) {
-        case Facts::VariableFault::NotARegularExpression:
-            return "is not a valid regular expression";
-        case Facts::VariableFault::TooComplex:
-            return "is too complex a regular expression";
-        case Facts::VariableFault::ScriptTooLong:
-            break;
-    }
-    return "makes the script too long";
-}
-
-/// The text made ready, or null after a diagnostic.
-std::unique_ptr<ScriptText> prepare(const RunOptions& options, std::string text,
-                                    DiagnosticSink& sink) {
-    constexpr std::string_view mark = "\xEF\xBB\xBF";
-    if (text.starts_with(mark)) text.erase(0, mark.size());
-    const std::string name = options.script == "-" ? "<stdin>" : options.script;
-    if (const char* const encoding = wideEncodingOf(text)) {
-        sink.take({Kind::Syntax, "the script " + name + " is in " + encoding, std::nullopt,
-                   "save it as UTF-8"});
-        return nullptr;
-    }
-    try {
-        return std::make_unique<ScriptText>(name, std::move(text), options.variables);
-    } catch (const Parser::VariableError& error) {
-        sink.take(
-            {Kind::Syntax, "the variable name " + error.name() + " " + wordsFor(error.fault())});
-    }
-    return nullptr;
-}
-
-/// "did you mean X?" for a word of the script that is like `name`.
-std::string likeWord(const ScriptText& script, const std::string& name) {
-    constexpr std::size_t mostWords = 10'000;
-    constexpr std::string_view letters =
-        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_";
-    const std::string_view text = script.prepared();
-    std::set<std::string> words;
-    for (std::size_t at = text.find_first_of(letters);
-         at != std::string_view::npos && words.size() < mostWords;) {
-        const std::size_t end = std::min(text.find_first_not_of(letters, at), text.size());
-        words.emplace(text.substr(at, end - at));
-        at = text.find_first_of(letters, end);
-    }
-    const std::vector<std::string> list(words.begin(), words.end());
-    const auto word = nearest(name, list);
-    return word ? "did you mean " + *word + "?" : "";
-}
-
-/// A dollar sign that is not one of the two that mean one.
-bool hasLoneDollar(std::string_view value) {
-    for (std::size_t at = value.find('$'); at != std::string_view::npos;
-         at = value.find('$', at + 2))
-        if (value.substr(at, 2) != "$$") return true;
-    return false;
-}
-
-void checkVariables(const RunOptions& options, const ScriptText& script, DiagnosticSink& sink) {
-    for (const auto& variable : script.map().variables()) {
-        if (!variable.isUsed && options.variables.contains(variable.name))
-            sink.take({Kind::UnusedVariable,
-                       "the variable " + variable.name + " does not occur in the script",
-                       std::nullopt,
-                       likeWord(script, variable.name),
-                       {}});
-        if (variable.inWord)
-            sink.take({Kind::VariableInWord,
-                       "the variable " + variable.name + " is replaced within a longer word",
-                       script.placeInFile(*variable.inWord, variable.name.size()),
-                       "",
-                       {}});
-        if (hasLoneDollar(variable.value))
-            sink.take({Kind::VariableDollar,
-                       "the value of the variable " + variable.name +
-                           " holds a $, which has a meaning of its own in a replacement",
-                       std::nullopt,
-                       "write $$ for a dollar sign",
-                       {}});
-    }
-}
 
 /// Runs the statements of a program.
 class Execution {
@@ -397,16 +271,24 @@ private:
         if (!nameFiles(options_, files_, *printer_)) return ExitCode::Failed;
         if (!resolveSymbols(options_.symbols, files_, options_.variables, *printer_))
             return ExitCode::Failed;
-        auto written = read(options_, needsRecord(options_), *printer_);
-        if (!written) return ExitCode::Failed;
-        scriptSha256_ = std::move(written->sha256);
-        auto script = prepare(options_, std::move(written->text), *printer_);
-        if (!script) return ExitCode::Unusable;
+        ScriptReading reading(options_, files_, *printer_);
+        auto script = reading.read(needsRecord(options_));
+        if (!script) return reading.isUnusable() ? ExitCode::Unusable : ExitCode::Failed;
+        scriptSha256_ = reading.sha256();
+        if (options_.printsScript) return print(*script);
         ParsedScript parsed(*script);
         ScriptCheck(*script, *printer_).check(parsed);
         if (!parsed.isWhole()) return ExitCode::Unusable;
-        checkVariables(options_, *script, *printer_);
+        reading.checkVariables(*script);
         return execute(parsed.takeProgram(std::move(script)));
+    }
+
+    /// Prints the text that the grammar would read.
+    ExitCode print(const ScriptText& script) {
+        *output_ << script.prepared() << std::flush;
+        if (!*output_)
+            printer_->take({Kind::ShortWrite, "standard output could not be written completely"});
+        return printer_->errors() == 0 ? ExitCode::Good : ExitCode::Failed;
     }
 
     ExitCode execute(const Program& program) {

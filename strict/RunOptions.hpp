@@ -14,6 +14,7 @@ struct RunOptions {
     std::vector<std::string> symbols;  ///< variables of ELF symbols, "NAME=file:symbol"
     bool isCheck = false;              ///< runs in memory, writes nothing and starts no program
     bool comparesDisk = false;   ///< with `isCheck`: compares the outputs with the files on disk
+    bool printsScript = false;   ///< prints the prepared script instead of running it
     bool keepsGoing = false;     ///< goes on after a statement that failed
     std::string dependencyFile;  ///< empty for none
     std::string manifest;        ///< a file to write, or with `isCheck` to compare with

@@ -42,7 +42,8 @@
       const [file, line, first, last] = this.origins[range[3]];
       text += words[range[2]] + " of ";
       if (file) text += file + fileLine(this.lines[range[3]], address, first, last) + ", read by ";
-      return text + "line " + line + ": " + (data.statements[line] || "");
+      const place = (data.places && data.places[line]) || "line " + line;
+      return text + place + ": " + (data.statements[line] || "");
     }
   }
 

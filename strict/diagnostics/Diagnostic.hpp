@@ -10,6 +10,13 @@
 
 namespace Strict {
 
+/// The line of a file that includes another one.
+struct IncludingLine {
+    std::string file;
+    std::size_t line = 0;
+    bool operator==(const IncludingLine&) const = default;
+};
+
 /// A place in a file as its author wrote it.
 struct Place {
     std::string file;
@@ -18,6 +25,8 @@ struct Place {
     std::string excerpt;          ///< the line, or the part of a long one around the column
     std::size_t caret = 0;        ///< characters of the excerpt before the column
     std::size_t caretLength = 0;  ///< characters that the place covers, of the excerpt's
+    /// Of a script that is included: the line that includes it, and so on up to the script itself.
+    std::vector<IncludingLine> includedFrom = {};
 };
 
 /// What a diagnostic adds to its text.

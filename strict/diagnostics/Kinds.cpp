@@ -115,6 +115,8 @@ constexpr std::array<KindRow, static_cast<std::size_t>(Kind::Count)> allKinds{{
             "more than 64 MiB of gaps that would be filled"},
     KindRow{Kind::Verify, "verify", Error, false,
             "an image that VERIFY_BUFFER finds to have other bytes"},
+    KindRow{Kind::MissingParameter, "missing-parameter", Error, true,
+            "a PARAMETER without a value and a default"},
 }};
 
 /// A kind is the index of its row.

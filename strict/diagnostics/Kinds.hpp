@@ -84,6 +84,7 @@ enum class Kind : unsigned char {
     TypographicQuote,
     WideGap,
     Verify,
+    MissingParameter,
     Count,  ///< of the kinds, itself not one
 };
 

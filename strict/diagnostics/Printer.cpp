@@ -50,6 +50,16 @@ nlohmann::ordered_json toJson(const Place& place) {
     return json;
 }
 
+std::string wordsFor(const IncludingLine& line) {
+    return "included from " + line.file + ":" + std::to_string(line.line);
+}
+
+/// The lines that lead to a place.
+const std::vector<IncludingLine>& linesOf(const std::optional<Place>& place) {
+    static const std::vector<IncludingLine> none;
+    return place ? place->includedFrom : none;
+}
+
 }  // namespace
 
 void Printer::take(const Diagnostic& diagnostic) {
@@ -118,6 +128,14 @@ std::string Printer::textOf(const Place& place, const std::string& hint) const {
     return text;
 }
 
+std::string Printer::textOf(const std::vector<IncludingLine>& lines) const {
+    std::string text;
+    for (const IncludingLine& line : lines)
+        text += color(bold) + std::string("    ") + color(cyan) + "note: " + color(plain) +
+                Util::printable(wordsFor(line)) + "\n";
+    return text;
+}
+
 std::string Printer::textOf(const Diagnostic& diagnostic, Severity severity) const {
     std::string text = color(bold);
     text += diagnostic.place ? prefix(*diagnostic.place) : "tessaron: ";
@@ -132,6 +150,7 @@ std::string Printer::textOf(const Diagnostic& diagnostic, Severity severity) con
         text += textOf(*diagnostic.place, diagnostic.hint);
     else if (!diagnostic.hint.empty())
         text += "    " + Util::printable(diagnostic.hint) + "\n";
+    text += textOf(linesOf(diagnostic.place));
     for (const Note& note : diagnostic.notes) {
         text += color(bold);
         text += note.place ? prefix(*note.place) : "    ";
@@ -139,6 +158,7 @@ std::string Printer::textOf(const Diagnostic& diagnostic, Severity severity) con
         text += "note: ";
         text += color(plain) + Util::printable(note.text) + "\n";
         if (note.place) text += textOf(*note.place, {});
+        if (linesOf(note.place) != linesOf(diagnostic.place)) text += textOf(linesOf(note.place));
     }
     return text;
 }
@@ -149,10 +169,17 @@ std::string Printer::jsonOf(const Diagnostic& diagnostic, Severity severity) {
     json["text"] = diagnostic.text;
     if (diagnostic.place) json.update(toJson(*diagnostic.place));
     if (!diagnostic.hint.empty()) json["hint"] = diagnostic.hint;
+    const auto addLines = [&json](const std::vector<IncludingLine>& lines) {
+        for (const IncludingLine& line : lines)
+            json["notes"].push_back(
+                {{"text", wordsFor(line)}, {"file", line.file}, {"line", line.line}});
+    };
+    addLines(linesOf(diagnostic.place));
     for (const Note& note : diagnostic.notes) {
         nlohmann::ordered_json entry{{"text", note.text}};
         if (note.place) entry.update(toJson(*note.place));
         json["notes"].push_back(entry);
+        if (linesOf(note.place) != linesOf(diagnostic.place)) addLines(linesOf(note.place));
     }
     return lineOf(json);
 }

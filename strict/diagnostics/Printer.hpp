@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "strict/diagnostics/Allowance.hpp"
 #include "strict/diagnostics/Diagnostic.hpp"
@@ -39,6 +40,7 @@ public:
 private:
     std::string textOf(const Diagnostic& diagnostic, Severity severity) const;
     std::string textOf(const Place& place, const std::string& hint) const;
+    std::string textOf(const std::vector<IncludingLine>& lines) const;
     static std::string jsonOf(const Diagnostic& diagnostic, Severity severity);
     bool isShown(Severity severity) const;
     void print(const Diagnostic& diagnostic, Severity severity);

@@ -12,7 +12,8 @@ namespace {
 /// Whether a file may have two roles.
 bool canBeBoth(FileRole one, FileRole other) {
     const auto isRead = [](FileRole role) {
-        return role == FileRole::Script || role == FileRole::Input;
+        return role == FileRole::Script || role == FileRole::IncludedFile ||
+               role == FileRole::Input;
     };
     if (isRead(one) && isRead(other)) return true;
     // What is replaced in place was read before.
@@ -26,6 +27,8 @@ const char* nameOf(FileRole role) {
     switch (role) {
         case FileRole::Script:
             return "script";
+        case FileRole::IncludedFile:
+            return "included file";
         case FileRole::Input:
             return "input";
         case FileRole::Output:

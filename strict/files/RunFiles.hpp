@@ -20,6 +20,7 @@ namespace Strict {
 /// What a file is to a run.
 enum class FileRole : std::uint8_t {
     Script,
+    IncludedFile,  ///< a part of the script
     Input,
     Output,
     DependencyFile,

@@ -27,8 +27,9 @@ std::string wordsFor(const RunFiles::Collision& collision, const std::string& pa
     const std::string text = "the " + std::string(nameOf(role)) + " " + path + " is also ";
     if (collision.path != path) return text + "the " + other + " " + collision.path;
     // One of several, or the only one.
-    const bool isOneOfMany =
-        collision.role == FileRole::Input || collision.role == FileRole::Output;
+    const bool isOneOfMany = collision.role == FileRole::IncludedFile ||
+                             collision.role == FileRole::Input ||
+                             collision.role == FileRole::Output;
     return text + (isOneOfMany ? "an " : "the ") + other;
 }
 

@@ -173,7 +173,8 @@ Note noteOn(std::string text, const std::optional<ImagePlace>& where,
         note.text += ", " + Inspect::linesText(line, line);
     else if (origin->firstLine != 0)
         note.text += ", " + Inspect::linesText(origin->firstLine, origin->lastLine);
-    note.place = Place{record.scriptPath, origin->line, 0, "", 0, 0};
+    note.place = Place{
+        origin->script.empty() ? record.scriptPath : origin->script, origin->line, 0, "", 0, 0};
     return note;
 }
 

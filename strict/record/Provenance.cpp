@@ -144,8 +144,8 @@ void Provenance::onRead(const CmdNewBuffer& statement, const TessaronImportApi& 
     // Most files are taken as a whole.
     const bool isWhole = statement.areas().empty() && !areas.empty() &&
                          range.contains(areas.front()) && range.contains(areas.back());
-    inputs_.push_back({statement.fileName(), reader.getFormat(), std::move(areas),
-                       reports_->statementPlace().line});
+    inputs_.push_back(
+        {statement.fileName(), reader.getFormat(), std::move(areas), reports_->statementPlace()});
     if (reader.hasStartAddress()) current_.startAddress = reader.getStartAddress();
     if (isWhole) {
         current_.written = std::move(all);

@@ -76,7 +76,7 @@ public:
         std::string file;  ///< as the script names it
         Facts::InputFormat format;
         Buffer::AreaList areas;
-        std::size_t line;  ///< of the statement
+        Place statement;
     };
 
     explicit Provenance(StatementReports& reports) : reports_(&reports) {}

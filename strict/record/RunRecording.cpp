@@ -4,6 +4,7 @@
 #include <array>
 #include <map>
 #include <optional>
+#include <set>
 #include <string_view>
 #include <utility>
 
@@ -48,6 +49,7 @@ public:
         record_.scriptPath = Platform::portablePath(run_->program->text().file());
         record_.scriptText = run_->program->text().written();
         record_.scriptSha256 = run_->scriptSha256;
+        addIncluded();
         InputsAsRead inputs(*run_->files);
         const Io::HostScope hosting(inputs);
         addInputs();
@@ -59,8 +61,22 @@ public:
     }
 
 private:
-    std::size_t lineOf(const Statement& statement) const {
-        return run_->program->text().placeOf(statement.text).line;
+    Place placeOf(const Statement& statement) const {
+        return run_->program->text().placeOf(statement.text);
+    }
+
+    /// The included file that has a place; empty for the script itself.
+    static std::string scriptOf(const Place& place) {
+        return place.includedFrom.empty() ? "" : Platform::portablePath(place.file);
+    }
+
+    void addIncluded() {
+        const auto& files = run_->program->text().sources().files();
+        for (std::size_t i = 1; i < files.size(); ++i) {
+            const std::string path = Platform::portablePath(files[i].name());
+            included_.insert(path);
+            record_.included.push_back({path, std::string(files[i].text())});
+        }
     }
 
     /// A value that names a file of the run is a path.
@@ -75,7 +91,10 @@ private:
         std::map<std::string, Inspect::FileRecord> uses;
         for (const Provenance::Input& input : run_->provenance->inputs()) {
             Inspect::FileRecord& file = uses[run_->files->inputName(input.file)];
-            file.line = file.line == 0 ? input.line : file.line;
+            if (file.line == 0) {
+                file.line = input.statement.line;
+                file.script = scriptOf(input.statement);
+            }
             file.areas = Inspect::joined(input.areas, 0);
             file.format = Inspect::formatText(input.format);
         }
@@ -87,6 +106,7 @@ private:
         for (const std::string& path : run_->files->inputs()) {
             Inspect::FileRecord file = std::move(uses[path]);
             file.path = Platform::portablePath(path);
+            file.isIncluded = file.line == 0 && included_.contains(file.path);
             for (const FileDigest& digest : run_->files->inputDigests(path)) {
                 file.size = digest.size;
                 file.sha256 = digest.sha256;
@@ -118,15 +138,15 @@ private:
         }
         for (const auto& [start, range] : origins->second.fillers.ranges())
             for (const Area& area : uncovered(range.area, written))
-                entry.ranges.push_back(
-                    {area, MapKind::Filler, lineOfSource(range.source), "", 0, 0, {}});
+                entry.ranges.push_back(filledRange(area, range.source));
         std::ranges::sort(entry.ranges, {}, [](const OriginRange& r) { return r.area.start; });
         record_.images.push_back(std::move(entry));
     }
 
-    std::size_t lineOfSource(std::size_t number) const {
+    OriginRange filledRange(const Area& area, std::size_t source) const {
         const Provenance& provenance = *run_->provenance;
-        return provenance.originOf(provenance.sources()[number]).statement.line;
+        const Place& statement = provenance.originOf(provenance.sources()[source]).statement;
+        return {area, MapKind::Filler, statement.line, "", 0, 0, {}, scriptOf(statement)};
     }
 
     OriginRange writtenRange(const OriginMap::Range& range) {
@@ -139,7 +159,8 @@ private:
                           Platform::portablePath(origin.file),
                           lines.first,
                           lines.last,
-                          {}};
+                          {},
+                          scriptOf(origin.statement)};
         if (withDetails_ && source.firstLine != 0) addLines(entry, source, range.moved);
         return entry;
     }
@@ -177,7 +198,9 @@ private:
         entry.name = name;
         entry.kind = isCrc ? "crc" : "hash";
         Util::appendHex(entry.bytes, value->second);
-        entry.line = lineOf(statement);
+        const Place place = placeOf(statement);
+        entry.line = place.line;
+        entry.script = scriptOf(place);
         const auto& algorithm = command.algorithm();
         entry.algorithm = {std::string(algorithm.name), std::string(algorithm.meaning),
                            algorithm.parameters, command.alignment()};
@@ -217,9 +240,10 @@ private:
         if (value == record_.values.end() || image == run_->context->buffers.end()) return;
         AreaList areas = statement.areas();
         if (areas.empty()) areas.push_back(image->second.getArea());
-        const std::size_t line = lineOf(statement);
+        const Place place = placeOf(statement);
         const std::string order = isCrc ? orderOf(statement, image->second) : "";
-        for (const Area& area : areas) value->places.push_back({name, area, line, order});
+        for (const Area& area : areas)
+            value->places.push_back({name, area, place.line, order, scriptOf(place)});
     }
 
     /// The order in which FILL_BUFFER writes a CRC: its own, or the image's.
@@ -242,7 +266,9 @@ private:
         file.format = outputFormatOf(statement).keyword;
         for (const Part& image : statement.all(Role::UsesImage))
             file.images.emplace_back(image.text);
-        file.line = lineOf(statement);
+        const Place place = placeOf(statement);
+        file.line = place.line;
+        file.script = scriptOf(place);
         if (const Part* const start = statement.last(Role::Start))
             file.startAddress = statement.numbersOf(*start).back().value;
         file.addressUnit = digitOf(statement, Role::AddressUnit);
@@ -255,6 +281,7 @@ private:
 
     const FinishedRun* run_;
     bool withDetails_;
+    std::set<std::string> included_;  ///< paths of files that the script includes
     Inspect::RunRecord record_;
 };
 

@@ -181,9 +181,12 @@ void ScriptCheck::use(const Names& names, std::string_view name, const char* wha
     if (suggestions_++ < mostSuggestions)
         for (const auto& [other, place] : names) known.push_back(other);
     std::string hint;
-    if (const auto close = nearest(name, known))
-        hint = "did you mean " + *close + " (line " +
-               std::to_string(script_->placeOf(names.at(*close)).line) + ")?";
+    if (const auto close = nearest(name, known)) {
+        const Place made = script_->placeOf(names.at(*close));
+        const bool isHere = made.file == script_->placeOf(name).file;
+        hint = "did you mean " + *close + " (" + (isHere ? "line " : made.file + ":") +
+               std::to_string(made.line) + ")?";
+    }
     report(Kind::UnknownName, "no " + std::string(what) + " is called " + std::string(name), name,
            hint);
 }

@@ -5,26 +5,14 @@
 
 #include "parser/text/Preparation.hpp"
 #include "parser/text/VariableExpansion.hpp"
-#include "util/Printable.hpp"
+#include "strict/script/ValueMark.hpp"
 
 namespace Strict {
 
 namespace {
 
-using Util::characters;
-
-/// Bytes of a long line that are shown on either side of a place.
-constexpr std::size_t shownBefore = 60;
-constexpr std::size_t shownAfter = 100;
-
-/// Bytes between those places of the text for which the characters before them are known.
-constexpr std::size_t blockSize = 4096;
-
-bool isContinuation(char c) {
-    constexpr unsigned mask = 0xC0;
-    constexpr unsigned continuation = 0x80;
-    return (static_cast<unsigned char>(c) & mask) == continuation;
-}
+/// What the values of parameters may make of a text.
+constexpr std::size_t longestPrepared = std::size_t{1} << 26U;
 
 }  // namespace
 
@@ -43,81 +31,71 @@ const char* wideEncodingOf(std::string_view text) {
     return nullptr;
 }
 
-ScriptText::ScriptText(std::string file, std::string text)
-    : file_(std::move(file)), written_(std::move(text)), prepared_(written_) {}
+ScriptText::ScriptText(std::string file, std::string text) : prepared_(text) {
+    sources_.include(sources_.addFile(std::move(file), std::move(text)));
+}
 
 ScriptText::ScriptText(std::string file, std::string written,
                        const std::map<std::string, std::string>& variables)
     : ScriptText(std::move(file), std::move(written)) {
+    prepare(variables);
+}
+
+ScriptText::ScriptText(AssembledText assembled, const std::map<std::string, std::string>& variables)
+    : sources_(std::move(assembled.sources)),
+      parameters_(std::move(assembled.parameters)),
+      prepared_(std::move(assembled.text)) {
+    map_.add(assembled.stage);
+    prepare(variables);
+    placeValues();
+}
+
+void ScriptText::prepare(const std::map<std::string, std::string>& variables) {
     std::map<std::string, std::string> all = variables;
     Parser::removeComments(prepared_, &map_);
     Parser::takeSubstitutions(prepared_, all, &map_);
     Parser::expandVariables(prepared_, all, &map_);
 }
 
-std::size_t ScriptText::lineOf(std::size_t offset) const {
-    if (lineStarts_.empty()) {
-        lineStarts_.push_back(0);
-        for (std::size_t feed = written_.find('\n'); feed != std::string::npos;
-             feed = written_.find('\n', feed + 1))
-            lineStarts_.push_back(feed + 1);
+/// Puts the values in the places of their marks.
+void ScriptText::placeValues() {
+    if (parameters_.empty()) return;
+    std::string text;
+    Parser::TextStage stage;
+    const std::string_view source = prepared_;
+    std::size_t copied = 0;
+    for (std::size_t at = source.find(ValueMark::sign); at != std::string_view::npos;
+         at = source.find(ValueMark::sign, copied)) {
+        const auto number = ValueMark::numberIn(source.substr(at));
+        if (!number || *number >= parameters_.size()) throw BrokenValue();
+        const ParameterValue& parameter = parameters_[*number];
+        text += source.substr(copied, at - copied);
+        stage.keep(copied, at - copied);
+        if (parameter.value.size() > longestPrepared - std::min(longestPrepared, text.size()))
+            throw Parser::VariableError(parameter.name, Facts::VariableFault::ScriptTooLong);
+        text += parameter.value;
+        stage.insert(at, parameter.value.size(), AssembledText::firstParameter + *number);
+        copied = at + ValueMark::length;
     }
-    const auto after = std::ranges::upper_bound(lineStarts_, offset);
-    return static_cast<std::size_t>(after - lineStarts_.begin());
+    text += source.substr(copied);
+    stage.keep(copied, source.size() - copied);
+    map_.add(stage);
+    prepared_ = std::move(text);
 }
 
-/// Counts from the last block on, so that many places in a long line cost no more than in short
-/// ones.
-std::size_t ScriptText::charactersBefore(std::size_t offset) const {
-    const std::string_view text = written_;
-    if (blocks_.empty()) {
-        blocks_.reserve(text.size() / blockSize + 1);
-        blocks_.push_back(0);
-        for (std::size_t at = 0; at + blockSize <= text.size(); at += blockSize)
-            blocks_.push_back(blocks_.back() + characters(text.substr(at, blockSize)));
-    }
-    const std::size_t block = offset / blockSize;
-    return blocks_[block] + characters(text.substr(block * blockSize, offset % blockSize));
-}
-
-std::size_t ScriptText::charactersBetween(std::size_t begin, std::size_t end) const {
-    if (end - begin < blockSize)
-        return characters(std::string_view(written_).substr(begin, end - begin));
-    return charactersBefore(end) - charactersBefore(begin);
-}
-
-Place ScriptText::placeInFile(std::size_t offset, std::size_t length) const {
-    const std::string_view text = written_;
-    offset = std::min(offset, text.size());
-    const std::size_t line = lineOf(offset);
-    const std::size_t begin = lineStarts_[line - 1];
-    const std::size_t end = line < lineStarts_.size() ? lineStarts_[line] - 1 : text.size();
-    const bool isShort = end - begin <= shownBefore + shownAfter;
-    std::size_t from = isShort || offset - begin <= shownBefore ? begin : offset - shownBefore;
-    std::size_t to = isShort || end - offset <= shownAfter ? end : offset + shownAfter;
-    while (from < offset && isContinuation(text[from])) ++from;
-    while (to > offset && to < end && isContinuation(text[to])) --to;
-    const std::size_t last = std::min(offset + length, to);
-    Place place;
-    place.file = file_;
-    place.line = line;
-    place.column = charactersBetween(begin, offset) + 1;
-    const std::string_view cut = "...";
-    place.excerpt = from == begin ? "" : cut;
-    place.caret = place.excerpt.size() + characters(text.substr(from, offset - from));
-    place.excerpt += text.substr(from, to - from);
-    if (to != end) place.excerpt += cut;
-    place.caretLength = std::max<std::size_t>(characters(text.substr(offset, last - offset)), 1);
-    return place;
+const std::string& ScriptText::nameOf(std::size_t variable) const {
+    return variable < AssembledText::firstParameter
+               ? map_.variables()[variable].name
+               : parameters_[variable - AssembledText::firstParameter].name;
 }
 
 Place ScriptText::placeOf(std::size_t first, std::size_t last) const {
     const Parser::TextOrigin origin = map_.originOf(first);
-    if (origin.variable)
-        return placeInFile(origin.offset, map_.variables()[*origin.variable].name.size());
-    // What comes from the file in one piece is marked as a whole.
+    if (origin.variable) return placeInFile(origin.offset, nameOf(*origin.variable).size());
+    // What comes from one file in one piece is marked as a whole.
     const Parser::TextOrigin end = map_.originOf(last > first ? last - 1 : first);
-    const bool isWhole = !end.variable && end.offset >= origin.offset;
+    const bool isWhole = !end.variable && end.offset >= origin.offset &&
+                         sources_.inclusionAt(end.offset) == sources_.inclusionAt(origin.offset);
     return placeInFile(origin.offset, isWhole ? end.offset + 1 - origin.offset : last - first);
 }
 
@@ -141,11 +119,15 @@ std::vector<Note> ScriptText::variableNotes(std::string_view part) const {
     }
     std::vector<Note> notes;
     for (const std::size_t index : found) {
-        const auto& variable = map_.variables()[index];
-        std::string value = variable.value.substr(0, longestShown);
-        if (value.size() < variable.value.size()) value += "...";
-        notes.push_back(
-            {"the variable " + variable.name + " is replaced by \"" + value + "\"", std::nullopt});
+        const bool isParameter = index >= AssembledText::firstParameter;
+        const std::string& whole = isParameter
+                                       ? parameters_[index - AssembledText::firstParameter].value
+                                       : map_.variables()[index].value;
+        std::string value = whole.substr(0, longestShown);
+        if (value.size() < whole.size()) value += "...";
+        notes.push_back({(isParameter ? "the parameter " : "the variable ") + nameOf(index) +
+                             " is replaced by \"" + value + "\"",
+                         std::nullopt});
     }
     return notes;
 }

@@ -13,6 +13,7 @@
 #include "parser/commands/CmdWriteFile.hpp"
 #include "parser/text/Characters.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
+#include "strict/script/Directives.hpp"
 #include "strict/script/TypeAdvice.hpp"
 #include "strict/script/TypographicQuote.hpp"
 #include "util/crc/CrcParameters.hpp"
@@ -182,7 +183,7 @@ bool isAfterFileName(std::string_view text) {
 std::string advice(std::string_view before, std::string_view word, std::string_view rest,
                    const std::vector<std::string_view>& words) {
     const bool takesNumber = has(words, "a number");
-    if (word == "#include") return "a script cannot include another file";
+    if (word == "#include") return "write INCLUDE and the name of the file";
     const bool isRemark = (word.starts_with('#') && word != "#define") || word.starts_with("/*") ||
                           word.starts_with(';') || word.starts_with("--");
     if (isRemark && !takesNumber) return "a remark begins with //";
@@ -317,6 +318,8 @@ Diagnostic syntaxError(const ScriptText& script, std::string_view statement,
     const std::string glued = gluedKeyword(statement, keywords);
     if (quote)
         diagnostic.hint = std::string("write the plain quote ") + quote->plain;
+    else if (word == includeWord || word == parameterWord)
+        diagnostic.hint = "it begins a line, outside of braces and quotes";
     else if (!outside.advice.hint.empty())
         diagnostic.hint = outside.advice.hint;
     else if (close)

@@ -70,7 +70,7 @@ def textmate_kinds(modules, files):
 
 
 def check_keywords(program):
-    keywords = {"SUBSTITUTE", "WITH"}
+    keywords = {"SUBSTITUTE", "WITH", "PARAMETER", "DEFAULT", "INCLUDE"}
     keywords.update(subprocess.run([program], stdout=subprocess.PIPE, check=True,
                                    text=True).stdout.split())
     if len(keywords) < 70:

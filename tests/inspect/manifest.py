@@ -235,6 +235,44 @@ WRITE_FILE values.hex WITH_BUFFERS {@A} 0x104
                  here + "/out.json", "-C", here)
         self.assertEqual(pathlib.Path("elsewhere/out.json").read_bytes(), first)
 
+    def test_included_files(self):
+        """They are inputs, and every line of a statement is one of the file that has it."""
+        os.mkdir("parts")
+        part = ("PARAMETER image\nPARAMETER crc\nPARAMETER at\n"
+                "NEW_CRC crc FROM_BUFFER image -useAreas={{0, 2}}\n"
+                "FILL_BUFFER image WITH_CRC crc -useAreas={{at, 4}}\n")
+        pathlib.Path("parts/<crc>.tsn").write_text(part)
+        pathlib.Path("whole.tsn").write_text(
+            "NEW_BUFFER @A FROM_VALUES {1, 2} -useBufferRange={0, 12}\n" + "".join(
+                "INCLUDE parts/<crc>.tsn WITH { image=@A, crc=@%s, at=%d }\n" % row
+                for row in (("One", 4), ("Two", 8))) + "WRITE_FILE whole.hex WITH_BUFFERS {@A}\n")
+        tessaron("run", "whole.tsn", "--manifest", "whole.json", "--report", "whole.html")
+        manifest = json.loads(pathlib.Path("whole.json").read_text())
+        jsonschema.validate(manifest, SCHEMA)
+        self.assertEqual(manifest["inputs"], [
+            {"path": "parts/<crc>.tsn", "size": len(part), "included": True,
+             "sha256": hashlib.sha256(part.encode()).hexdigest()}])
+        here = "parts/<crc>.tsn"
+        self.assertEqual([(v["line"], v["script"], v["places"][0]["line"], v["places"][0]["script"])
+                          for v in manifest["values"]], [(4, here, 5, here)] * 2)
+        self.assertEqual([(r["line"], r.get("script")) for r in manifest["images"][0]["ranges"]],
+                         [(1, None), (5, here), (5, here)])
+        self.assertEqual((manifest["outputs"][0]["line"], "script" in manifest["outputs"][0]),
+                         (4, False))
+        page = pathlib.Path("whole.html").read_text()
+        lines = dict(re.findall(r'<li id="(line-[0-9-]+)".*?class="text">(.*?)</span>', page))
+        links = re.findall(r'<a href="#(line-[0-9-]+)">(.*?)</a>', page)
+        self.assertEqual({lines[target].split()[0] for target, name in links if "parts" in name},
+                         {"NEW_CRC", "FILL_BUFFER"})
+        self.assertEqual({lines[target].split()[0] for target, name in links if "parts" not in name},
+                         {"NEW_BUFFER", "WRITE_FILE"})
+        data = json.loads(re.search(r'id="data">(.*?)</script>', page, re.DOTALL)[1])
+        for key, place in data["places"].items():
+            self.assertEqual(place, here + ", line " + key.rsplit("-", 1)[1])
+        pathlib.Path("parts/<crc>.tsn").write_text(part + "//\n")
+        self.assertIn("the input parts/<crc>.tsn is not",
+                      tessaron("check", "whole.tsn", "--manifest", "whole.json", code=1))
+
     def check(self, code):
         return tessaron("check", "release.tsn", "inFile=app.hex", "--against-disk", "--manifest",
                         "out.json", code=code)

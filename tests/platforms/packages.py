@@ -70,7 +70,8 @@ def from_source(documents, support):
               for name in ("CHANGELOG.md", "docs/CmdTessaronManual.txt", "docs/cmake.md",
                            "docs/third-party.md")}
     places.update({"%s/%s" % (documents, name): name for name in tracked("examples")})
-    places.update({"%s/%s" % (support, name): name for name in tracked("editors")})
+    places.update({"%s/%s" % (support, name): name
+                   for folder in ("editors", "recipes") for name in tracked(folder)})
     places.update({"share/cmake/Tessaron/" + name: "cmake/" + name for name in
                    ("TessaronConfig.cmake", "TessaronRunScript.cmake", "TessaronRunStep.cmake")})
     return places

@@ -153,6 +153,20 @@ syntax match tessaronSubstitution "\v %(%(//)@!.)*%( WITH )@=" contained
 syntax match tessaronDirectiveWith / WITH / contained nextgroup=tessaronSubstitutionText
 syntax match tessaronSubstitutionText "\v%(%(//)@!.)*" contained
 
+" PARAMETER name DEFAULT value and INCLUDE file WITH { ... }, which begin a line.
+syntax match tessaronParameterDirective "\v^[ \t]*\zsPARAMETER\k@!"
+      \ nextgroup=tessaronParameterSubstitution skipwhite
+syntax match tessaronParameterSubstitution /\k\+/ contained
+      \ nextgroup=tessaronDefaultDirective skipwhite
+syntax match tessaronDefaultDirective /DEFAULT\k\@!/ contained
+      \ nextgroup=tessaronDefaultText skipwhite
+syntax match tessaronDefaultText "\v%(%(//)@!.)+" contained
+syntax match tessaronIncludeDirective "\v^[ \t]*\zsINCLUDE\k@!"
+      \ nextgroup=tessaronPathText skipwhite
+syntax match tessaronPathText #\v%(\{[^}]*\}|["'][^"']*["']|%(%(//)@!\S)+)# contained
+      \ nextgroup=tessaronIncludeWithDirective skipwhite
+syntax match tessaronIncludeWithDirective /WITH\k\@!/ contained
+
 " Comments end with their line, also in quotes and braces.
 syntax match tessaronComment "//.*"
 
@@ -166,6 +180,13 @@ highlight default link tessaronDirective PreProc
 highlight default link tessaronDirectiveWith PreProc
 highlight default link tessaronSubstitution Macro
 highlight default link tessaronSubstitutionText String
+highlight default link tessaronParameterDirective PreProc
+highlight default link tessaronParameterSubstitution Macro
+highlight default link tessaronDefaultDirective PreProc
+highlight default link tessaronDefaultText String
+highlight default link tessaronIncludeDirective PreProc
+highlight default link tessaronPathText String
+highlight default link tessaronIncludeWithDirective PreProc
 highlight default link tessaronStatement Statement
 highlight default link tessaronSource Keyword
 highlight default link tessaronOption Type

@@ -1,0 +1,5 @@
+out.bin out.json: \
+  release.tsn \
+  parts/store.tsn \
+  parts/write.tsn \
+  app.bin
