@@ -3,10 +3,10 @@
 
     make_corpus.py FOLDER
 
-makes FOLDER/script, FOLDER/run, FOLDER/readers, FOLDER/formats, FOLDER/records
-and FOLDER/field. The first two hold one
-call of the program per file, in the form that fuzz/ScriptInput.hpp describes, the others hold input files, the
-last one also those with changes at random.
+makes FOLDER/script, FOLDER/run, FOLDER/includes, FOLDER/readers, FOLDER/formats,
+FOLDER/records and FOLDER/field. The first three hold one call of the program per file, in the form
+that fuzz/ScriptInput.hpp describes, the others hold input files, the last one also those with
+changes at random.
 """
 import pathlib
 import random
@@ -44,6 +44,23 @@ def script_cases():
         arguments = folder / "arguments"
         variables = arguments.read_bytes().rstrip(b"\n") if arguments.exists() else b""
         yield folder.name, call(variables, script.read_bytes(), inputs)
+
+
+def include_cases():
+    """Name and seed of the cases with parameters and includes, and of the recipes."""
+    for folder in sorted(ROOT.glob("tests/diagnostics/*")):
+        scripts = sorted(folder.glob("**/*.tsn"))
+        main = next((path for path in scripts if path.name in ("script.tsn", "release.tsn")), None)
+        text = main.read_bytes() if main else b""
+        if b"PARAMETER" not in text and b"INCLUDE" not in text:
+            continue
+        arguments = (folder / "arguments").read_bytes().splitlines()
+        values = b"\n".join(line for line in arguments if b"=" in line and line[:1] != b"-")
+        yield folder.name, call(values, text, [
+            (str(path.relative_to(folder)), path.read_bytes()) for path in scripts if path != main])
+    for path in sorted(ROOT.glob("recipes/*.tsn")):
+        yield path.name, call(b"", b"INCLUDE " + path.name.encode() + b" WITH { image=@App }",
+                              [("recipes/" + path.name, path.read_bytes())])
 
 
 def input_files():
@@ -104,6 +121,7 @@ def main():
     target = pathlib.Path(sys.argv[1])
     write(target / "script", script_cases())
     write(target / "run", script_cases())
+    write(target / "includes", include_cases())
     write(target / "readers", input_files())
     write(target / "formats", format_files())
     write(target / "records", input_files())
