@@ -145,9 +145,13 @@ std::optional<std::size_t> ScriptAssembly::find(std::size_t outer,
 /// The file at a path, which may be known by another one.
 std::optional<std::size_t> ScriptAssembly::read(const std::string& path, ScriptFile& failed) {
     if (const auto known = paths_.find(path); known != paths_.end()) return known->second;
+    if (const auto known = unreadable_.find(path); known != unreadable_.end()) {
+        failed = known->second;
+        return std::nullopt;
+    }
     ScriptFile file = read_(path);
     if (!file.text) {
-        failed = std::move(file);
+        failed = unreadable_.emplace(path, std::move(file)).first->second;
         return std::nullopt;
     }
     if (file.identity)

@@ -107,6 +107,7 @@ private:
     std::deque<std::optional<FileParts>> files_;  ///< by the numbers of the sources
     std::unordered_map<std::string, std::size_t> paths_;
     std::map<Platform::FileIdentity, std::size_t> identities_;
+    std::unordered_map<std::string, ScriptFile> unreadable_;  ///< by their paths
     std::size_t size_ = 0;
     std::size_t inclusions_ = 0;
     std::size_t suggestions_ = 0;  ///< that were looked for

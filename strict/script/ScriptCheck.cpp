@@ -11,6 +11,7 @@
 #include "platform/Paths.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
 #include "strict/script/Arithmetic.hpp"
+#include "strict/script/Directives.hpp"
 #include "strict/script/KeywordsOfC.hpp"
 #include "strict/script/OutputFormat.hpp"
 #include "strict/script/TypographicQuote.hpp"
@@ -72,6 +73,7 @@ std::string usersOf(const Setting& setting) {
 
 void ScriptCheck::check(const ParsedScript& parsed) {
     keywords_ = parsed.keywords();
+    keywords_.insert(keywords_.end(), {includeWord, parameterWord});
     const auto& statements = parsed.statements();
     auto broken = parsed.broken().begin();
     for (std::size_t i = 0; i <= statements.size(); ++i) {

@@ -69,8 +69,8 @@ private:
 
     const ScriptText* script_;
     DiagnosticSink* sink_;
-    std::vector<std::string_view> keywords_;
-    std::size_t suggestions_ = 0;  ///< that were looked for
+    std::vector<std::string_view> keywords_;  ///< that begin a statement or a directive
+    std::size_t suggestions_ = 0;             ///< that were looked for
     /// What was found in the last statement, which may yet turn out to be broken.
     PendingList pending_;
     std::array<Names, RegistryCount> names_;

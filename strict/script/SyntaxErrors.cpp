@@ -183,7 +183,6 @@ bool isAfterFileName(std::string_view text) {
 std::string advice(std::string_view before, std::string_view word, std::string_view rest,
                    const std::vector<std::string_view>& words) {
     const bool takesNumber = has(words, "a number");
-    if (word == "#include") return "write INCLUDE and the name of the file";
     const bool isRemark = (word.starts_with('#') && word != "#define") || word.starts_with("/*") ||
                           word.starts_with(';') || word.starts_with("--");
     if (isRemark && !takesNumber) return "a remark begins with //";
@@ -213,6 +212,14 @@ std::string advice(std::string_view before, std::string_view word, std::string_v
     if (has(words, "a quote") && word.starts_with('{')) return "put this text into quotes";
     if (has(words, "{") && !word.empty()) return "a list is in braces";
     return {};
+}
+
+/// Advice for a word that means a directive.
+std::string adviceOnDirective(std::string_view word) {
+    if (word == "#include") return "write INCLUDE and the name of the file";
+    return word == includeWord || word == parameterWord
+               ? "it begins a line, outside of braces and quotes"
+               : "";
 }
 
 /// Advice for a statement whose keyword and the word after it are not separated.
@@ -301,6 +308,9 @@ Diagnostic syntaxError(const ScriptText& script, std::string_view statement,
     std::erase_if(candidates, [&](const std::string& one) {
         return one.find(' ') != std::string::npos || outside.isName(one);
     });
+    const auto isStatement = [&](std::string_view one) { return has(keywords, one); };
+    if (std::ranges::any_of(missed.words, isStatement))
+        candidates.insert(candidates.end(), {std::string(includeWord), std::string(parameterWord)});
     const auto close = outside.advice.hint.empty() ? nearest(word, candidates) : std::nullopt;
     const bool isShort = close || !outside.advice.hint.empty();
     Diagnostic diagnostic{};
@@ -316,10 +326,11 @@ Diagnostic syntaxError(const ScriptText& script, std::string_view statement,
     diagnostic.place = script.placeOf(offset, offset + word.size());
     const std::string_view begun = wordBefore(before);
     const std::string glued = gluedKeyword(statement, keywords);
+    const std::string directive = adviceOnDirective(word);
     if (quote)
         diagnostic.hint = std::string("write the plain quote ") + quote->plain;
-    else if (word == includeWord || word == parameterWord)
-        diagnostic.hint = "it begins a line, outside of braces and quotes";
+    else if (!directive.empty())
+        diagnostic.hint = directive;
     else if (!outside.advice.hint.empty())
         diagnostic.hint = outside.advice.hint;
     else if (close)
