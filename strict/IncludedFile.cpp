@@ -23,13 +23,15 @@ ScriptFile failed(Kind kind, std::string text, std::string hint = {}) {
         std::nullopt, std::nullopt, false, {kind, std::move(text), std::nullopt, std::move(hint)}};
 }
 
-/// Nothing is at the path.
-bool isMissing(const std::string& path) {
-    if (Platform::isRegularFile(path)) return false;
+/// Why nothing is at the path; no error if something is.
+std::error_code missingAt(const std::string& path) {
+    if (Platform::isRegularFile(path)) return {};
     const Platform::OutputTarget target = Platform::outputTarget(path);
-    return target.kind == Platform::TargetKind::Missing ||
-           target.error == std::errc::no_such_file_or_directory ||
-           target.error == std::errc::not_a_directory;
+    if (target.kind == Platform::TargetKind::Missing)
+        return std::make_error_code(std::errc::no_such_file_or_directory);
+    const bool isMissing = target.error == std::errc::no_such_file_or_directory ||
+                           target.error == std::errc::not_a_directory;
+    return isMissing ? target.error : std::error_code();
 }
 
 /// The bytes of a file, as a text.
@@ -51,8 +53,7 @@ void dropByteOrderMark(std::string& text) {
 }
 
 ScriptFile readIncluded(const std::string& path, RunFiles& files) {
-    if (isMissing(path)) {
-        const auto reason = std::make_error_code(std::errc::no_such_file_or_directory);
+    if (const std::error_code reason = missingAt(path)) {
         ScriptFile file = failed(Kind::CannotOpen, "cannot open " + path + ": " + reason.message());
         file.isMissing = true;
         return file;

@@ -105,6 +105,10 @@ void ScriptAssembly::include(std::size_t outer, const IncludeDirective& directiv
                              const Values& values) {
     const std::string written = expanded(partsOf(outer), directive.path, values);
     const std::string path = Parser::WrapperLib::cleanedPath(resolved(written, std::string::npos));
+    if (path.empty()) {
+        report({Kind::Syntax, "the name of the file is empty", placeIn(outer, directive.path)});
+        return;
+    }
     const auto file = find(outer, directive, path);
     if (!file || !isAllowed(outer, directive, *file)) return;
     if (!charge(result_.sources.files()[*file].text().size(), outer, directive.path)) return;

@@ -203,6 +203,7 @@ TEST(ScriptAssemblyTest, WhatIsWrongIsReportedWhereItIs) {
                       {"bad.tsn", " PARAMETER"}};
     const std::vector<Row> rows{
         {"\n INCLUDE no.tsn", {"s.tsn:2:10 cannot-open: cannot open no.tsn"}},
+        {"PARAMETER p DEFAULT {}\nINCLUDE p", {"s.tsn:2:9 syntax: the name of the file is empty"}},
         {"INCLUDE s.tsn", {"s.tsn:1:9 syntax: s.tsn includes itself"}},
         {"INCLUDE loop.tsn",
          {"back.tsn:1:9 syntax: loop.tsn includes itself < loop.tsn:2 < s.tsn:1"}},
