@@ -346,7 +346,7 @@ void addInfo(CLI::App& app, Request& request, Texts& texts) {
     CLI::App* const info = app.add_subcommand(
         "info", "prints format, areas, start address, digests and oddities of files");
     info->footer("Example: tessaron info app.hex boot.s19 --json");
-    info->add_option("files", request.inspection.files, "files of any format")
+    info->add_option("files", request.inspection.files, "files of any format, or scripts")
         ->type_name("FILE")
         ->required();
     info->add_flag("--json", request.inspection.isJson, "prints a JSON array");

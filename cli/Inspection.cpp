@@ -10,6 +10,7 @@
 #include "inspect/Map.hpp"
 #include "platform/Streams.hpp"
 #include "strict/ImageReading.hpp"
+#include "strict/ScriptInfo.hpp"
 #include "strict/diagnostics/KeptDiagnostics.hpp"
 #include "strict/diagnostics/RemarkList.hpp"
 #include "strict/files/WholeFile.hpp"
@@ -91,8 +92,11 @@ ExitCode info(const Inspection& inspection, Printer& printer, const Strict::Poli
     for (std::size_t i = 0; i < inspection.files.size(); ++i) {
         const std::string& file = inspection.files[i];
         Strict::KeptDiagnostics kept;
-        auto info = Strict::readInfo(file, formatOf(inspection, i), inspection.withSymbols, kept,
-                                     {.family = inspection.family});
+        const auto format = formatOf(inspection, i);
+        auto info = !format && file.ends_with(".tsn")
+                        ? Strict::readScriptInfo(file, kept)
+                        : Strict::readInfo(file, format, inspection.withSymbols, kept,
+                                           {.family = inspection.family});
         Strict::RemarkList remarks(policy);
         kept.pass(remarks);
         if (info && info->isRead && info->areas.empty())

@@ -261,6 +261,9 @@ Info infoAbout(const std::string& path, std::optional<Facts::InputFormat> format
 }
 
 std::string textOf(const Info& info, std::size_t width) {
+    if (info.script)
+        return Util::printable(info.path) + ": script, " + countText(info.script->lines, "line") +
+               "\n" + textOf(*info.script);
     std::string text = Util::printable(info.path) + ": " + formatText(info.format) + ", " +
                        countText(info.fileSize, "byte") + "\n";
     if (info.records.total() != 0) text += recordsText(info.records, width);
@@ -277,9 +280,37 @@ std::string textOf(const Info& info, std::size_t width) {
     return text + symbolsText(info.symbols);
 }
 
+namespace {
+
+Json scriptJson(const Info& info) {
+    const ScriptOutline& script = *info.script;
+    Json json{{"file", info.path},
+              {"format", "script"},
+              {"lines", script.lines},
+              {"parameters", Json::array()}};
+    for (const ScriptOutline::Parameter& parameter : script.parameters) {
+        Json entry{{"name", parameter.name}};
+        if (parameter.value) entry["default"] = *parameter.value;
+        if (!parameter.remark.empty()) entry["remark"] = parameter.remark;
+        entry["line"] = parameter.line;
+        json["parameters"].push_back(std::move(entry));
+    }
+    json["includes"] = script.includes;
+    json["inputs"] = script.inputs;
+    json["images"] = script.images;
+    json["outputs"] = script.outputs;
+    return json;
+}
+
+}  // namespace
+
 std::string jsonOf(const std::vector<Info>& files) {
     Json list = Json::array();
     for (const Info& info : files) {
+        if (info.script) {
+            list.push_back(scriptJson(info));
+            continue;
+        }
         Json json{
             {"file", info.path}, {"format", formatText(info.format)}, {"size", info.fileSize}};
         for (const RecordCounts::Kind& kind : info.records.kinds)

@@ -11,6 +11,7 @@
 #include "inspect/Image.hpp"
 #include "inspect/Names.hpp"
 #include "inspect/RecordCounts.hpp"
+#include "inspect/ScriptOutline.hpp"
 
 namespace Inspect {
 
@@ -54,7 +55,8 @@ struct Info {
     std::vector<Loaded> segments;      ///< of an ELF file, in the order of its program headers
     std::vector<Loaded> symbols;       ///< of an ELF file, by address, if they were asked for
     std::vector<Remark> remarks;
-    Names names;  ///< of what is at its addresses, if anybody knows
+    Names names;                          ///< of what is at its addresses, if anybody knows
+    std::optional<ScriptOutline> script;  ///< of a script, which has no areas
 };
 
 /// Reads a file and computes all but the remarks; what is odd goes to the listener in force.

@@ -63,7 +63,6 @@ std::unique_ptr<ScriptText> ScriptReading::read(bool withDigest) {
     return text ? prepare(std::move(*text)) : nullptr;
 }
 
-/// The script's own text, or nothing after a diagnostic.
 std::optional<std::string> ScriptReading::readScript(bool withDigest) {
     const std::string& path = options_->script;
     const bool isStandardInput = path == "-";
@@ -92,7 +91,6 @@ std::optional<std::string> ScriptReading::readScript(bool withDigest) {
     return std::string(contents->text());
 }
 
-/// The text made ready, or null after a diagnostic.
 std::unique_ptr<ScriptText> ScriptReading::prepare(std::string text) {
     isUnusable_ = true;
     const std::string name = options_->script == "-" ? "<stdin>" : options_->script;

@@ -23,6 +23,11 @@ public:
     /// @param withDigest  whether the digest of the script is wanted
     std::unique_ptr<ScriptText> read(bool withDigest);
 
+    /// The two steps of `read`: the script's own text, and the text made ready. Nothing after a
+    /// diagnostic.
+    std::optional<std::string> readScript(bool withDigest);
+    std::unique_ptr<ScriptText> prepare(std::string text);
+
     /// Reports what is wrong with the variables of the command line and of the script.
     void checkVariables(const ScriptText& script);
 
@@ -33,8 +38,6 @@ public:
     bool isUnusable() const { return isUnusable_; }
 
 private:
-    std::optional<std::string> readScript(bool withDigest);
-    std::unique_ptr<ScriptText> prepare(std::string text);
     std::unique_ptr<ScriptText> assemble(const std::string& name, std::string text);
 
     const RunOptions* options_;

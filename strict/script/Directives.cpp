@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view lineBlanks = " \t\v\f\r";
 constexpr std::string_view allBlanks = " \t\v\f\r\n";
-constexpr std::string_view quotes = "\"'";
+constexpr std::string_view quoteSigns = "\"'";
 constexpr std::string_view remark = "//";
 
 /// The characters of the names of images, which are also what a word consists of.
@@ -149,9 +149,9 @@ private:
     bool readPath(TextSpan& path) {
         const TextSpan rest = restOfLine();
         const char opening = rest.length == 0 ? '\0' : text_[at_];
-        if (opening == '{' || isIn(quotes, opening)) {
+        if (opening == '{' || isIn(quoteSigns, opening)) {
             const std::size_t end =
-                opening == '{' ? text_.find('}', at_) : text_.find_first_of(quotes, at_ + 1);
+                opening == '{' ? text_.find('}', at_) : text_.find_first_of(quoteSigns, at_ + 1);
             if (end >= rest.end())
                 return fail("expected the name of a file", "a brace or a quote is not closed");
             path = {at_ + 1, end - at_ - 1};
@@ -192,8 +192,8 @@ private:
         return true;
     }
 
-    /// Up to a comma, to the brace that closes the list, or to a remark. Braces and quotes within
-    /// the value keep together what is in them.
+    /// Up to a comma, to the brace that closes the list, or to a remark. Braces and quotes
+    /// within the value keep together what is in them.
     TextSpan readValue() {
         const std::size_t begin = at_;
         std::size_t depth = 0;
@@ -204,8 +204,8 @@ private:
             if (c == '{') ++depth;
             if (c == '}') --depth;
             const bool beginsWord = at_ == begin || isIn(allBlanks, text_[at_ - 1]);
-            if (depth != 0 || !isIn(quotes, c) || !beginsWord) continue;
-            const std::size_t end = text_.find_first_of(quotes, at_ + 1);
+            if (depth != 0 || !isIn(quoteSigns, c) || !beginsWord) continue;
+            const std::size_t end = text_.find_first_of(quoteSigns, at_ + 1);
             if (end < lineEnd(text_, at_)) at_ = end;
         }
         return trimmed(begin, at_);
@@ -244,12 +244,12 @@ private:
             beginLine(at_ + 1);
         } else {
             if (quote_)
-                quote_ = isIn(quotes, c) ? std::nullopt : quote_;
+                quote_ = isIn(quoteSigns, c) ? std::nullopt : quote_;
             else if (c == '{')
                 ++depth_;
             else if (c == '}')
                 depth_ -= depth_ == 0 ? 0 : 1;
-            else if (depth_ == 0 && isIn(quotes, c) && !isLonely_ && beginsWord())
+            else if (depth_ == 0 && isIn(quoteSigns, c) && !isLonely_ && beginsWord())
                 quote_ = at_;
             ++at_;
         }
