@@ -73,7 +73,7 @@ void ScriptAssembly::inspect(std::size_t inclusion) {
     });
 }
 
-/// Appends the text of a file, with what its directives and its parameters stand for.
+/// Appends the text of a file, with the files and values in the places of their directives.
 void ScriptAssembly::put(std::size_t inclusion, const Values& values) {
     const FileParts& parts = partsOf(inclusion);
     std::size_t copied = 0;

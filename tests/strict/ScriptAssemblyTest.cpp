@@ -141,7 +141,8 @@ TEST(ScriptAssemblyTest, ADirectiveBeginsALineOutsideOfBracesQuotesAndRemarks) {
         {"{{} {}\n}\nINCLUDE one.tsn", "{{} {}\n}\n1"},
         {"'a\nINCLUDE one.tsn\n' \"\nINCLUDE one.tsn\n\"",
          "'a\nINCLUDE one.tsn\n' \"\nINCLUDE one.tsn\n\""},
-        // An apostrophe within a word, in braces, in a remark or without a second one is no quote.
+        // An apostrophe within a word, in braces, in a remark or without a second one is not a
+        // quote.
         {"it's\nINCLUDE one.tsn\n{don't}\nINCLUDE one.tsn", "it's\n1\n{don't}\n1"},
         {"a // don't {\nINCLUDE one.tsn\n 'b\nINCLUDE one.tsn", "a \n1\n 'b\n1"},
         {"// INCLUDE one.tsn\n a INCLUDE one.tsn", "\n a INCLUDE one.tsn"},
