@@ -130,8 +130,8 @@ ExitCode diff(const Inspection& inspection, Printer& printer, std::ostream& outp
     if (!found.isEqual())
         for (std::size_t i = 0; i < names.size(); ++i)
             names[i] = files.of(i, images[i].path, images[i].format);
-    found.leftNames = &names[0];
-    found.rightNames = &names[1];
+    found.leftNames = &names.front();
+    found.rightNames = &names.back();
     const std::size_t width = widthOf(inspection);
     const Inspect::DiffStyle style{inspection.context, inspection.mostLines,
                                    width == 0 ? usualWidth : width, inspection.hasColor};

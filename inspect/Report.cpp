@@ -195,7 +195,7 @@ private:
     std::string lineLink(std::size_t line, const std::string& script) const {
         if (line == 0) return "";
         const ScriptLine where = lineAt(line, script);
-        const std::string name = Util::printableMarkup(nameOf(where));
+        std::string name = Util::printableMarkup(nameOf(where));
         if (!showsScript_) return name;
         return "<a href=\"#line-" + keyOf(where) + "\">" + name + "</a>";
     }
