@@ -116,7 +116,7 @@ std::string Names::of(const Area& area) const {
     if (area.length == 0) return "";
     const Name* const first = find(area.start);
     const Name* const last = find(area.end() - 1);
-    const std::string text = at(area.start);
+    std::string text = at(area.start);
     if (area.length == 1) return text;
     const bool isOne = first == last && first != nullptr;
     return fromTo(text,

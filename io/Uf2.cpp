@@ -104,8 +104,8 @@ std::span<const Family> families() {
 }
 
 std::string nameOf(std::uint32_t family) {
-    const std::string number = "0x" + Util::hexWord(family);
-    const auto known = std::ranges::find(publishedFamilies, family, &Family::number);
+    std::string number = "0x" + Util::hexWord(family);
+    const auto* const known = std::ranges::find(publishedFamilies, family, &Family::number);
     if (known == publishedFamilies.end()) return number;
     return std::string(known->name) + " (" + number + ")";
 }
