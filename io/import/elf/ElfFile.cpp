@@ -287,8 +287,11 @@ std::optional<Symbol> ElfFile::symbolOf(std::span<const std::uint8_t> entry,
     if (!isDefined || type == Elf::sectionSymbol || type == Elf::fileSymbol) return std::nullopt;
     constexpr unsigned bindingShift = 4;
     const bool isGlobal = number(fields.info) >> bindingShift != Elf::localBinding;
-    Symbol symbol{nameAt(names, number(fields.name)), number(fields.value) * addressUnit_,
-                  number(fields.symbolSize), Symbol::Kind::Other, isGlobal,
+    Symbol symbol{nameAt(names, number(fields.name)),
+                  number(fields.value) * addressUnit_,
+                  number(fields.symbolSize),
+                  Symbol::Kind::Other,
+                  isGlobal,
                   number(fields.section) == Elf::absoluteSection};
     const bool isMapping = hasMappingSymbols_ && !isGlobal && isMappingName(symbol.name);
     if (isMapping) return std::nullopt;
