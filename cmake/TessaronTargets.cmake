@@ -13,9 +13,12 @@ function(tessaron_settings target)
   target_compile_features(${target} PUBLIC cxx_std_20)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion)
-  # Compiled together, a source's own names seem to hide those of the one before.
+  # Compiled together, a source's own names seem to hide those of the one before. Those of functions
+  # are still compared by g++.
+  set(together $<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>)
   target_compile_options(
-    ${target} PRIVATE $<$<NOT:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>>:-Wshadow>)
+    ${target} PRIVATE $<$<NOT:${together}>:-Wshadow>
+                      $<$<AND:${together},$<CXX_COMPILER_ID:GNU>>:-Wshadow=local>)
   if(TESSARON_WERROR AND TESSARON_COMPILER IN_LIST TESSARON_CHECKED_COMPILERS)
     target_compile_options(${target} PRIVATE -Werror)
   endif()

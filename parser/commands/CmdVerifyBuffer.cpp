@@ -47,6 +47,9 @@ private:
     static constexpr std::size_t pieceSize = std::size_t{1} << 16U;
 
     void comparePiece(std::uint64_t start, std::uint64_t length, const Wanted& wanted) {
+        // Most areas are as short as a CRC.
+        actual_.resize(std::max<std::size_t>(actual_.size(), length));
+        expected_.resize(actual_.size());
         const std::span<std::uint8_t> right(expected_.data(), length);
         wanted(start, right);
         image_->viewRange(start, length).copyBytes(actual_.data());
@@ -72,8 +75,8 @@ private:
     }
 
     const Buffer::MemoryBuffer* image_;
-    std::vector<std::uint8_t> actual_ = std::vector<std::uint8_t>(pieceSize);
-    std::vector<std::uint8_t> expected_ = std::vector<std::uint8_t>(pieceSize);
+    std::vector<std::uint8_t> actual_;  ///< of the longest piece so far
+    std::vector<std::uint8_t> expected_;
     bool isEmpty_ = true;
     std::uint64_t differing_ = 0;
     std::uint64_t address_ = 0;  ///< the first one

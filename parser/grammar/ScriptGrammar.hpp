@@ -329,29 +329,33 @@ auto overlapOption(CommonRules& rules, const StatementActions<Command>& on) {
            rules.ws;
 }
 
+/// Gives a command the digit that an option has.
+template <class Command>
+auto settingDigit(void (Command::*setter)(std::uint32_t)) {
+    return [setter](Command& command, std::string_view digit) {
+        (command.*setter)(static_cast<std::uint32_t>(digit.front() - '0'));
+    };
+}
+
 /// 2 | 4 | 8, as a whole word
 template <class Command>
 auto wordSize(CommonRules& rules, const StatementActions<Command>& on, const char* traceText,
               Role role, void (Command::*setter)(std::uint32_t)) {
     using Spirit::ch_p;
-    const auto set = [setter](Command& command, std::string_view digit) {
-        (command.*setter)(static_cast<std::uint32_t>(digit.front() - '0'));
-    };
-    return rules.expected("2, 4 or 8",
-                          (ch_p('2') | ch_p('4') | ch_p('8')) >>
-                              ~Spirit::eps_p(Spirit::alnum_p))[on.with(traceText, role, set)];
+    return rules.expected(
+        "2, 4 or 8",
+        (ch_p('2') | ch_p('4') | ch_p('8')) >>
+            ~Spirit::eps_p(Spirit::alnum_p))[on.with(traceText, role, settingDigit(setter))];
 }
 
 /// 2 | 4, as a whole word
 template <class Command>
 auto shortWordSize(CommonRules& rules, const StatementActions<Command>& on, const char* traceText,
                    Role role, void (Command::*setter)(std::uint32_t)) {
-    const auto set = [setter](Command& command, std::string_view digit) {
-        (command.*setter)(static_cast<std::uint32_t>(digit.front() - '0'));
-    };
-    return rules.expected("2 or 4",
-                          (Spirit::ch_p('2') | Spirit::ch_p('4')) >>
-                              ~Spirit::eps_p(Spirit::alnum_p))[on.with(traceText, role, set)];
+    return rules.expected(
+        "2 or 4",
+        (Spirit::ch_p('2') | Spirit::ch_p('4')) >>
+            ~Spirit::eps_p(Spirit::alnum_p))[on.with(traceText, role, settingDigit(setter))];
 }
 
 /// -setAddressUnit = 2 | 4

@@ -111,9 +111,13 @@ struct Statement {
 
     /// The bytes that a list of numbers makes: each is one byte long unless a value size is given.
     std::uint64_t bytesOf(const Part& list) const {
-        const std::string_view digit = textOf(Role::ValueSize);
-        const auto size = digit.empty() ? 1U : static_cast<std::uint32_t>(digit.front() - '0');
-        return std::uint64_t{list.numberCount} * size;
+        return std::uint64_t{list.numberCount} * digitOf(Role::ValueSize);
+    }
+
+    /// The digit that an option has; 1 without the option.
+    std::uint32_t digitOf(Role option) const {
+        const std::string_view digit = textOf(option);
+        return digit.empty() ? 1 : static_cast<std::uint32_t>(digit.front() - '0');
     }
 
     /// The area that a part of that role says.

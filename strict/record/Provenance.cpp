@@ -99,7 +99,6 @@ void addGaps(AreaList& gaps, const MemoryBuffer& image, const Area& area,
 }  // namespace
 
 void Provenance::enter(const Parser::Statement& statement) {
-    running_ = statement;
     for (const Role made : {Role::MakesCrc, Role::MakesHash})
         if (statement.has(made)) values_.insert(statement.textOf(made));
     statement_.reset();
@@ -366,9 +365,10 @@ std::vector<Note> Provenance::notesOn(const Facts::ImageDiffers& difference) con
     };
     if (difference.found) add("this byte comes from", difference.image);
     if (!difference.other.empty()) add("the other byte comes from", difference.other);
+    const Parser::Statement& statement = reports_->statement();
     for (const Role used : {Role::UsesCrc, Role::UsesHash}) {
-        const auto value = values_.find(running_.textOf(used));
-        if (running_.has(used) && value != values_.end())
+        const auto value = values_.find(statement.textOf(used));
+        if (statement.has(used) && value != values_.end())
             notes.push_back({std::string(*value) + " is computed here", reports_->placeOf(*value)});
     }
     return notes;

@@ -164,7 +164,6 @@ private:
     Note originNote(const char* what, const OriginMap& origins, std::uint64_t address) const;
 
     StatementReports* reports_;
-    Parser::Statement running_;
     /// The names of the CRCs and hashes that were computed, where their statements have them.
     std::set<std::string_view> values_;
     std::optional<std::size_t> statement_;  ///< the source that the statement is, once needed

@@ -219,8 +219,11 @@ private:
             const Area range = image->second.getArea();
             if (areas.empty()) areas.push_back(range);
             AreaList covered;
+            // An area without addresses has no part that could be clipped.
             for (const Area& area : areas)
-                if (const auto held = area.clippedTo(range)) covered.push_back(*held);
+                if (const auto held = area.length == 0 ? std::nullopt : area.clippedTo(range);
+                    held && range.length != 0)
+                    covered.push_back(*held);
             sources.push_back({image->first, std::move(covered)});
         }
         return sources;
@@ -253,12 +256,6 @@ private:
         return image.getByteOrder() == Buffer::ByteOrder::BigEndian ? "BigEndian" : "LittleEndian";
     }
 
-    /// The digit that an option of the statement has; 1 without the option.
-    static std::uint32_t digitOf(const Statement& statement, Role option) {
-        const std::string_view digit = statement.textOf(option);
-        return digit.empty() ? 1 : static_cast<std::uint32_t>(digit.front() - '0');
-    }
-
     void addOutput(const Statement& statement) {
         const std::string name = cleanedPath(std::string(statement.textOf(Role::OutputFile)));
         Inspect::FileRecord file;
@@ -271,8 +268,8 @@ private:
         file.script = scriptOf(place);
         if (const Part* const start = statement.last(Role::Start))
             file.startAddress = statement.numbersOf(*start).back().value;
-        file.addressUnit = digitOf(statement, Role::AddressUnit);
-        file.swappedWord = digitOf(statement, Role::SwapBytes);
+        file.addressUnit = statement.digitOf(Role::AddressUnit);
+        file.swappedWord = statement.digitOf(Role::SwapBytes);
         const FileDigest digest = run_->files->outputDigest(name);
         file.size = digest.size;
         file.sha256 = digest.sha256;

@@ -54,6 +54,9 @@ public:
     /// The place of the statement that runs; a script is there.
     Place statementPlace() const { return script_->placeOf(trimmed()); }
 
+    /// The one that runs.
+    const Parser::Statement& statement() const { return statement_; }
+
     /// The place of a part of the script.
     Place placeOf(std::string_view part) const { return script_->placeOf(part); }
 

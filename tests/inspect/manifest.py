@@ -213,9 +213,10 @@ WRITE_FILE values.hex WITH_BUFFERS {@A} 0x104
             "NEW_BUFFER @Odd EMPTY -useBufferRange={0x18, 8}\n"
             "FILL_BUFFER @Odd WITH_FILLER {0, 0x11}\n"
             "NEW_BUFFER @All FROM_BUFFERS {@Zero, @Ones, @Odd} -onOverlap=Last\n"
-            "NEW_CRC @Crc FROM_BUFFER @All -useAreas={{0x1E, 8}, {0x30, 4}, {8, 10}}\n"
+            "NEW_CRC @Crc FROM_BUFFER @All -useAreas={{0x1E, 8}, {0x30, 4}, {0, 0}, {8, 10}}\n"
             "WRITE_FILE all.bin WITH_BUFFERS {@All} -setFormat=RawBinary\n")
-        tessaron("run", "zeros.tsn", "--manifest", "zeros.json", "--warn=outside")
+        tessaron("run", "zeros.tsn", "--manifest", "zeros.json", "--warn=outside",
+                 "--warn=empty-area")
         self.assertEqual(pathlib.Path("all.bin").read_bytes(),
                          bytes(4) + b"\xFF" * 8 + b"\x00\x11" * 2)
         manifest = json.loads(pathlib.Path("zeros.json").read_text())
