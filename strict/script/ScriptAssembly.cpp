@@ -35,7 +35,7 @@ std::unique_ptr<ScriptText> ScriptAssembly::assemble(const std::string& name, Sc
                                         hasParameters ? Variables() : variables);
 }
 
-void ScriptAssembly::report(Diagnostic diagnostic) {
+void ScriptAssembly::report(const Diagnostic& diagnostic) {
     // Of the kinds that are reported here, a policy may drop these.
     const bool isOptional =
         diagnostic.kind == Kind::DuplicateName || diagnostic.kind == Kind::UnusedVariable;
@@ -44,9 +44,9 @@ void ScriptAssembly::report(Diagnostic diagnostic) {
     sink_->take(diagnostic);
 }
 
-void ScriptAssembly::reportReading(Diagnostic diagnostic) {
+void ScriptAssembly::reportReading(const Diagnostic& diagnostic) {
     const bool hadOnlyReadFaults = hasOnlyReadFaults_;
-    report(std::move(diagnostic));
+    report(diagnostic);
     hasOnlyReadFaults_ = hadOnlyReadFaults;
 }
 
@@ -69,7 +69,7 @@ void ScriptAssembly::inspect(std::size_t inclusion) {
         if (fault.first)
             diagnostic.notes.push_back(
                 {"the parameter is declared here", placeIn(inclusion, *fault.first)});
-        report(std::move(diagnostic));
+        report(diagnostic);
     });
 }
 
@@ -140,9 +140,9 @@ std::optional<std::size_t> ScriptAssembly::find(std::size_t outer,
     if (first.isMissing && candidates.size() > 1)
         fault.hint = "a path begins in the folder of this file, or in that of the recipes";
     if (fault.kind == Kind::Syntax)
-        report(std::move(fault));
+        report(fault);
     else
-        reportReading(std::move(fault));
+        reportReading(fault);
     return std::nullopt;
 }
 
@@ -288,8 +288,7 @@ ScriptAssembly::Values ScriptAssembly::valuesOf(std::size_t inclusion, std::size
 }
 
 /// A part of a file with the values of its parameters in place.
-std::string ScriptAssembly::expanded(const FileParts& file, TextSpan part,
-                                     const Values& values) const {
+std::string ScriptAssembly::expanded(const FileParts& file, TextSpan part, const Values& values) {
     std::string text;
     std::size_t copied = part.at;
     for (const NamedWord& word : file.wordsIn(part)) {

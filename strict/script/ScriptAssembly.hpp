@@ -89,10 +89,10 @@ private:
     Value defaultOf(std::size_t inclusion, std::size_t parameter);
     Value literal(std::string_view name, std::string value);
     void reportUnused(std::size_t inclusion, std::string_view name, std::optional<Place> place);
-    std::string expanded(const FileParts& file, TextSpan part, const Values& values) const;
+    static std::string expanded(const FileParts& file, TextSpan part, const Values& values);
     std::string resolved(std::string_view text, std::size_t most) const;
-    void report(Diagnostic diagnostic);
-    void reportReading(Diagnostic diagnostic);
+    void report(const Diagnostic& diagnostic);
+    void reportReading(const Diagnostic& diagnostic);
     Place placeIn(std::size_t inclusion, TextSpan part) const {
         return result_.sources.placeIn(inclusion, part);
     }
