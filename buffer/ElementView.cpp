@@ -50,6 +50,28 @@ std::size_t ElementView::find(std::size_t from, WrittenBits::Word passed) const 
     return size_;
 }
 
+std::size_t ElementView::findLastWritten() const {
+    // Of a stretch without a written element, little or nothing is looked at.
+    constexpr std::size_t stretch = std::size_t{1} << 20U;
+    for (std::size_t end = size_; end > 0;) {
+        const std::size_t begin = end - std::min(end, stretch);
+        const ElementView elements = part(begin, end - begin);
+        const std::size_t first = elements.findWritten(0);
+        if (first == elements.size()) {
+            end = begin;
+            continue;
+        }
+        for (;;) {
+            const std::size_t count = std::min(WrittenBits::perWord, end - begin);
+            const WrittenBits::Word flags = written(end - count, count) & WrittenBits::all(count);
+            if (flags != 0)
+                return end - count + static_cast<std::size_t>(std::bit_width(flags)) - 1;
+            end -= count;
+        }
+    }
+    return size_;
+}
+
 MemoryElement ElementView::operator[](std::size_t at) const {
     const std::uint8_t* const value = valuesAt(at);
     const std::uint8_t* const filler = fillersAt(at);

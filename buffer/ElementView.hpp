@@ -43,6 +43,9 @@ public:
     /// The first written element from `from` on, or `size()`.
     std::size_t findWritten(std::size_t from) const { return find(from, 0); }
 
+    /// The last written element, or `size()`.
+    std::size_t findLastWritten() const;
+
     /// The first unwritten element from `from` on, or `size()`.
     std::size_t findUnwritten(std::size_t from) const { return find(from, ~WrittenBits::Word{0}); }
 

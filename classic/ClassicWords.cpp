@@ -324,6 +324,21 @@ public:
         line("Operation aborted.");
     }
 
+    void operator()(const ImageWithout& fact) const {
+        line("Error: ", wordFor(NameKind::Buffer), " Variable ", fact.image,
+             fact.lack == ImageLack::Addresses ? " has no address !" : " has no written byte !");
+        line("Operation aborted.");
+    }
+
+    void operator()(const SymbolUnfit& fact) const {
+        const auto* const fault = fact.fault == SymbolFault::Missing ? " not found in "
+                                  : fact.fault == SymbolFault::Several
+                                      ? " is not unique in "
+                                      : " has no 32 bit address in ";
+        line("Error: Symbol ", fact.symbol, fault, fact.file, " !");
+        line("Operation aborted.");
+    }
+
     void operator()(const OverlapRefused& fact) const {
         line("Error: ", wordFor(fact.subject), " ", fact.name, " could not be ",
              wordFor(fact.subject == Subject::File ? Work::Written : Work::Created), " !");

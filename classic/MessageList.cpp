@@ -188,6 +188,16 @@ std::vector<Fact> examples(Of<NameNotFound> /*type*/) {
         facts.emplace_back(NameNotFound{kind, "NAME"});
     return facts;
 }
+std::vector<Fact> examples(Of<ImageWithout> /*type*/) {
+    return {ImageWithout{"NAME", ImageLack::Addresses}, ImageWithout{"NAME", ImageLack::Bytes}};
+}
+std::vector<Fact> examples(Of<SymbolUnfit> /*type*/) {
+    std::vector<Fact> facts;
+    for (const SymbolFault fault :
+         {SymbolFault::Missing, SymbolFault::Several, SymbolFault::TooWide})
+        facts.emplace_back(SymbolUnfit{"PATH", "NAME", fault, number, ""});
+    return facts;
+}
 std::vector<Fact> examples(Of<OverlapRefused> /*type*/) {
     const OverlapRefused refused{Subject::Buffer, "NAME", "NAME", number, number + 1, true,
                                  number,          byte,   byte};

@@ -14,6 +14,7 @@
 #include "parser/commands/CmdNewCrc.hpp"
 #include "parser/commands/CmdNewHash.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
+#include "parser/commands/LateNumber.hpp"
 #include "parser/grammar/Keywords.hpp"
 #include "strict/diagnostics/Kinds.hpp"
 #include "util/crc/CrcParameters.hpp"
@@ -139,6 +140,17 @@ std::string formats() {
            table(outputs) + named;
 }
 
+std::string numbers() {
+    using namespace Parser::WrapperLib;
+    std::vector<Row> rows;
+    for (const NumberFunction& function : imageFunctions())
+        rows.push_back({std::string(function.keyword) + "(@Image)", function.meaning});
+    for (const NumberFunction& function : symbolFunctions())
+        rows.push_back({std::string(function.keyword) + "(FILE, SYMBOL)", function.meaning});
+    return "Numbers that are known when their statement runs:\n" + table(rows) +
+           "\nThey are allowed wherever a number is. An operator takes everything to its right.\n";
+}
+
 std::string kinds() {
     std::vector<Row> rows{{"name", "counts as", "when"}};
     for (const Strict::KindRow& kind : Strict::kinds())
@@ -150,6 +162,7 @@ std::string kinds() {
 
 constexpr std::array allTopics{
     Topic{"statements", "what a script can say", &statements},
+    Topic{"numbers", "numbers of images and symbols", &numbers},
     Topic{"crcs", "CRCs with width, check value and other names, and sums", &crcs},
     Topic{"hashes", "hashes with the size of their digests", &hashes},
     Topic{"formats", "formats of inputs and outputs with their endings", &formats},

@@ -59,7 +59,7 @@ _tessaron_words() {
                 -- "$current" ;;
         help:-*) compgen -W '--help' -- "$current" ;;
         help:*)
-            compgen -W 'statements crcs hashes formats kinds
+            compgen -W 'statements numbers crcs hashes formats kinds
                 run check info diff map convert help' -- "$current" ;;
         *) compgen -f -- "$current" ;;
     esac

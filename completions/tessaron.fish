@@ -1,7 +1,7 @@
 # Completion of tessaron for fish.
 
 set -l commands run check info diff map convert
-set -l topics statements crcs hashes formats kinds
+set -l topics statements numbers crcs hashes formats kinds
 set -l kinds no-end unknown-name duplicate-name outside wiped empty-image empty-digest \
     call-failed unused-variable crc-parameter word-size cropped unwritten \
     truncated-value expression-order number-pair variable-in-word variable-dollar \

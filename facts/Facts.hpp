@@ -334,6 +334,28 @@ struct NameNotFound {
     bool operator==(const NameNotFound&) const = default;
 };
 
+enum class ImageLack : std::uint8_t { Addresses, Bytes };
+
+/// A number asks for an address of an image that has none, or to which nothing gave a byte.
+struct ImageWithout {
+    std::string_view image;
+    ImageLack lack;
+    bool operator==(const ImageWithout&) const = default;
+};
+
+enum class SymbolFault : std::uint8_t { Missing, Several, TooWide };
+
+/// A number asks for a symbol that an ELF file does not have, has several times, or has at an
+/// address of more than 32 bits.
+struct SymbolUnfit {
+    std::string_view file;
+    std::string_view symbol;
+    SymbolFault fault;
+    std::uint64_t address;   ///< that is too wide
+    std::string_view known;  ///< the names of the file's symbols, a line each, if one is missing
+    bool operator==(const SymbolUnfit&) const = default;
+};
+
 enum class Subject : std::uint8_t { Buffer, Crc, Hash, Text, File, Application };
 enum class Work : std::uint8_t { Created, Filled, Verified, Printed, Written, Called };
 
@@ -550,19 +572,18 @@ struct RunEnded {
     bool operator==(const RunEnded&) const = default;
 };
 
-using Fact =
-    std::variant<ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside,
-                 FillTooLong, ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty,
-                 LastLineMismatched, RecordContradictory, LineNotARecord, RecordCountTooLow,
-                 DataSpanTooLong, RawFileTooLong, FileMalformed, SectionUnfit, FamilyUnfit,
-                 FileReadIncomplete, RecordLengthCorrected, AddressNotExpressible,
-                 RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible,
-                 AddressBeyondFormat, FormatNumberWrong, FamiliesNotOfImages, HeaderTooLong,
-                 ElfTemplateUnfit, FileWriteIncomplete, NameNotFound, OverlapRefused, ImageDiffers,
-                 NothingCompared, StatementExhausted, CrcParameterRefused, WordIncomplete,
-                 BusRefused, ImageNotOfWords, AddressUnitRefused, AlignmentZero, FileNotOpened,
-                 FileNotWritten, FileSpanTooLong, BufferPrinted, ContentPrinted, CrcPrinted,
-                 HashPrinted, TextPrinted, ProgramCalled, ProgramEnded, ScriptNotOpened,
-                 VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
+using Fact = std::variant<
+    ImageNotAddressable, ImageTooLong, MoveTooFar, FillPatternEmpty, FillStartOutside, FillTooLong,
+    ExtractStartOutside, ExtractTooLong, ReadRangeOutside, TextFileEmpty, LastLineMismatched,
+    RecordContradictory, LineNotARecord, RecordCountTooLow, DataSpanTooLong, RawFileTooLong,
+    FileMalformed, SectionUnfit, FamilyUnfit, FileReadIncomplete, RecordLengthCorrected,
+    AddressNotExpressible, RecordTypeUnknown, ImageBeyondSRecords, TooManyBytes, GapsNotExpressible,
+    AddressBeyondFormat, FormatNumberWrong, FamiliesNotOfImages, HeaderTooLong, ElfTemplateUnfit,
+    FileWriteIncomplete, NameNotFound, ImageWithout, SymbolUnfit, OverlapRefused, ImageDiffers,
+    NothingCompared, StatementExhausted, CrcParameterRefused, WordIncomplete, BusRefused,
+    ImageNotOfWords, AddressUnitRefused, AlignmentZero, FileNotOpened, FileNotWritten,
+    FileSpanTooLong, BufferPrinted, ContentPrinted, CrcPrinted, HashPrinted, TextPrinted,
+    ProgramCalled, ProgramEnded, ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError,
+    RunEnded, FieldFact>;
 
 }  // namespace Facts

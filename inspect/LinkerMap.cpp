@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "io/import/elf/SymbolTable.hpp"
+
 namespace Inspect {
 
 namespace {
@@ -123,7 +125,7 @@ private:
     std::string inputText() const {
         for (const std::string_view prefix : prefixes)
             if (input_.section.starts_with(prefix) && input_.section.size() > prefix.size())
-                return demangled(std::string(input_.section.substr(prefix.size())));
+                return Io::Import::demangled(std::string(input_.section.substr(prefix.size())));
         const std::string_view file = input_.file.substr(input_.file.find_last_of("/\\") + 1);
         return std::string(file) + "(" + std::string(input_.section) + ")";
     }
@@ -138,7 +140,7 @@ private:
             add(area.start, symbols.empty() ? area.end() : symbols.front().first, inputText());
             for (std::size_t i = 0; i < symbols.size(); ++i)
                 add(symbols[i].first, i + 1 < symbols.size() ? symbols[i + 1].first : area.end(),
-                    demangled(std::string(symbols[i].second)));
+                    Io::Import::demangled(std::string(symbols[i].second)));
         }
         input_ = {};
     }

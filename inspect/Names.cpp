@@ -1,10 +1,8 @@
 #include "inspect/Names.hpp"
 
-#include <cxxabi.h>
 #include <algorithm>
 
 #include <cstddef>
-#include <cstdlib>
 #include <iterator>
 #include <memory>
 #include <utility>
@@ -14,6 +12,7 @@
 #include "inspect/Words.hpp"
 #include "io/InFile.hpp"
 #include "io/import/elf/ElfInFile.hpp"
+#include "io/import/elf/SymbolTable.hpp"
 
 namespace Inspect {
 
@@ -58,21 +57,13 @@ Names namesOf(const ElfFile& file) {
         const std::uint64_t offset = symbol.address - segment.virtualAddress;
         if (offset >= segment.length) continue;
         names.push_back({{segment.address + offset, std::min(symbol.size, segment.length - offset)},
-                         demangled(symbol.name),
+                         Io::Import::demangled(symbol.name),
                          symbol.kind});
     }
     return {std::move(names), loaded};
 }
 
 }  // namespace
-
-std::string demangled(const std::string& symbol) {
-    if (!symbol.starts_with("_Z")) return symbol;
-    int status = 0;
-    const std::unique_ptr<char, void (*)(void*)> text(
-        abi::__cxa_demangle(symbol.c_str(), nullptr, nullptr, &status), &std::free);
-    return status == 0 && text ? std::string(text.get()) : symbol;
-}
 
 Names::Names(std::vector<Name> names, const AreaList& loaded) {
     const AreaList stretches = joined(loaded, 0);

@@ -62,7 +62,4 @@ Names namesIn(const std::string& path, std::uint32_t addressUnit = 1);
 /// "main+0x14 to table", of the names of two addresses; the only one if one of them is empty.
 std::string fromTo(const std::string& first, const std::string& last);
 
-/// The name of a symbol as the source has it, if it is that of C++.
-std::string demangled(const std::string& symbol);
-
 }  // namespace Inspect

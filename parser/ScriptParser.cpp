@@ -35,7 +35,7 @@ typename Spirit::parser_result<ScriptParser, ScannerT>::type ScriptParser::parse
 ScriptParser::ScriptParser() : ScriptParser({}, {}) {}
 
 ScriptParser::ScriptParser(std::string path, std::map<std::string, std::string> variables)
-    : state_(&calculated), initialVariables_(std::move(variables)), scriptPath_(std::move(path)) {}
+    : state_(&calculateNumbers), initialVariables_(std::move(variables)), scriptPath_(std::move(path)) {}
 
 ScriptParser::~ScriptParser() = default;
 
@@ -76,7 +76,7 @@ bool ScriptParser::prepareAndRun(std::string text) {
                                          state_.statement.lastTokens(), line});
         return false;
     }
-    for (const auto& command : state_.statement.commands()) command->execute(context_);
+    for (const auto& command : state_.statement.commands()) command->run(context_);
     return true;
 }
 

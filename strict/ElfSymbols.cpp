@@ -1,8 +1,8 @@
 #include "strict/ElfSymbols.hpp"
 
 #include <algorithm>
-#include <iterator>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -10,11 +10,11 @@
 
 #include "facts/FormatFaultWords.hpp"
 #include "facts/Listener.hpp"
-#include "inspect/Names.hpp"
 #include "inspect/Words.hpp"
 #include "io/File.hpp"
 #include "io/import/Malformed.hpp"
 #include "io/import/elf/ElfFile.hpp"
+#include "io/import/elf/SymbolTable.hpp"
 #include "platform/Paths.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
 
@@ -23,7 +23,7 @@ namespace Strict {
 namespace {
 
 using Io::Import::ElfFile;
-using Io::Import::Symbol;
+using Io::Import::SymbolTable;
 
 void report(DiagnosticSink& sink, Kind kind, std::string text, std::string hint = {}) {
     sink.take({kind, std::move(text), std::nullopt, std::move(hint), {}});
@@ -48,67 +48,44 @@ private:
     DiagnosticSink* sink_;
 };
 
-/// The symbols of a file, or nothing after a diagnostic.
-std::optional<std::vector<Symbol>> read(const std::string& path, const RunFiles& files,
-                                        DiagnosticSink& sink) {
+/// The symbols of a file, or null after a diagnostic.
+std::unique_ptr<SymbolTable> read(const std::string& path, const RunFiles& files,
+                                  DiagnosticSink& sink) {
     FileListener listener(sink);
     const Facts::ListenerScope listening(listener);
     try {
-        return ElfFile(path).symbols();
+        return std::make_unique<SymbolTable>(ElfFile(path).symbols());
     } catch (const Io::Import::Malformed&) {
     } catch (const Io::bad_open&) {
         report(sink, Kind::CannotOpen, "cannot open " + path + ": " + files.reasonFor(path));
     }
-    return std::nullopt;
-}
-
-/// The symbols of a name, as the file has it or, if none has, as C++ has it: then a function may be
-/// named without its parameters.
-std::vector<Symbol> symbolsCalled(const std::string& name, const std::vector<Symbol>& all) {
-    std::vector<Symbol> found;
-    std::ranges::copy_if(all, std::back_inserter(found),
-                         [&name](const Symbol& symbol) { return symbol.name == name; });
-    if (!found.empty()) return found;
-    std::ranges::copy_if(all, std::back_inserter(found), [&name](const Symbol& symbol) {
-        const std::string text = Inspect::demangled(symbol.name);
-        return text == name || text.substr(0, text.find('(')) == name;
-    });
-    return found;
+    return nullptr;
 }
 
 /// The address of the symbol `name` of the file `path`, or nothing after a diagnostic.
-std::optional<std::uint64_t> addressOf(const std::vector<Symbol>& symbols, const std::string& path,
+std::optional<std::uint64_t> addressOf(SymbolTable& symbols, const std::string& path,
                                        const std::string& name, DiagnosticSink& sink) {
-    std::optional<std::uint64_t> address;
-    // A name that all files of a program share means more than one that a single file has for
-    // itself.
-    const std::vector<Symbol> found = symbolsCalled(name, symbols);
-    const bool hasGlobal = std::ranges::any_of(found, &Symbol::isGlobal);
-    for (const Symbol& symbol : found) {
-        if (address == symbol.address) continue;
-        if (hasGlobal && !symbol.isGlobal) continue;
-        if (address) {
-            std::string text = path;
-            report(sink, Kind::UnknownName, text.append(" has several symbols ").append(name));
-            return std::nullopt;
-        }
-        address = symbol.address;
-    }
-    if (!address) {
-        std::vector<std::string> names;
-        names.reserve(symbols.size());
-        for (const Symbol& symbol : symbols) names.push_back(Inspect::demangled(symbol.name));
+    const auto [symbol, isAmbiguous] = symbols.find(name);
+    if (symbol == nullptr) {
+        const auto names = symbols.names();
         const auto close = nearest(name, names);
         report(sink, Kind::UnknownName, path + " has no symbol " + name,
                close ? "did you mean " + *close + "?"
                      : (names.empty() ? "it has no symbols at all: was it stripped?" : ""));
-    } else if (*address > std::numeric_limits<std::uint32_t>::max()) {
+        return std::nullopt;
+    }
+    if (isAmbiguous) {
+        std::string text = path;
+        report(sink, Kind::UnknownName, text.append(" has several symbols ").append(name));
+        return std::nullopt;
+    }
+    if (symbol->address > std::numeric_limits<std::uint32_t>::max()) {
         report(sink, Kind::Outside,
-               "the address of " + name + ", " + Inspect::addressText(*address) +
+               "the address of " + name + ", " + Inspect::addressText(symbol->address) +
                    ", has more than 32 bits");
         return std::nullopt;
     }
-    return address;
+    return symbol->address;
 }
 
 /// A request for the address of a symbol.
@@ -150,7 +127,7 @@ Request requestOf(const std::string& text) {
 bool resolveSymbols(const std::vector<std::string>& requests, RunFiles& files,
                     std::map<std::string, std::string>& variables, DiagnosticSink& sink) {
     const Io::HostScope hosting(files);
-    std::map<std::string, std::optional<std::vector<Symbol>>> known;
+    std::map<std::string, std::unique_ptr<SymbolTable>> known;
     bool isGood = true;
     for (const std::string& text : requests) {
         const Request request = requestOf(text);

@@ -29,6 +29,7 @@
 #include "strict/record/Provenance.hpp"
 #include "strict/record/RunRecording.hpp"
 #include "strict/record/WideGaps.hpp"
+#include "strict/script/NumberCheck.hpp"
 #include "strict/script/ParsedScript.hpp"
 #include "strict/script/ScriptCheck.hpp"
 #include "strict/script/ScriptText.hpp"
@@ -67,6 +68,8 @@ public:
             for (const Parser::Role role : {Parser::Role::InputFile, Parser::Role::Template})
                 if (const auto* const input = statement.last(role))
                     isGood = nameFile(*input, FileRole::Input) && isGood;
+            for (const Parser::Part& input : statement.all(Parser::Role::SymbolFile))
+                isGood = nameFile(input, FileRole::Input) && isGood;
             if (const auto* const output = statement.last(Parser::Role::OutputFile))
                 isGood = nameFile(*output, FileRole::Output) && isGood;
         }
@@ -137,6 +140,7 @@ private:
         const Parser::Statement statement = program_->statements()[number];
         reports_.enter(statement);
         listener_.enter();
+        if (!settle(number, statement)) return false;
         provenance_.enter(statement);
         if (meaning_) meaning_->enter(number, context_);
         if (statement.has(Parser::Role::MakesCrc) || statement.has(Parser::Role::MakesHash))
@@ -147,6 +151,15 @@ private:
             program_->commands()[number]->execute(context_) && !listener_.hasRefused();
         if (meaning_ && isDone) meaning_->leave(number, context_);
         return isDone && printer_->errors() == before;
+    }
+
+    /// Asks for the numbers of a statement that are not known yet, and checks them.
+    bool settle(std::size_t number, const Parser::Statement& statement) {
+        if (!program_->commands()[number]->settle(context_)) return false;
+        PendingList found;
+        NumberCheck(program_->text(), found).checkSettled(statement);
+        found.moveTo(*printer_);
+        return true;
     }
 
     const Program* program_;

@@ -70,7 +70,8 @@ public:
     void add(std::span<const Parser::Part> parts) {
         using Parser::Role;
         for (const Parser::Part& part : parts) {
-            if (part.role == Role::InputFile || part.role == Role::Template)
+            if (part.role == Role::InputFile || part.role == Role::Template ||
+                part.role == Role::SymbolFile)
                 add(outline_->inputs, inputs_, pathOf(part));
             if (part.role == Role::OutputFile) add(outline_->outputs, outputs_, pathOf(part));
             if (part.role == Role::MakesImage)

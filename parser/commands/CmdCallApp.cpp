@@ -29,6 +29,7 @@ bool CmdCallApp::execute(CmdContext& context) {
             if (!resolveSymbol(context, symbol, text)) return false;
         Facts::report(Facts::ProgramCalled{appLocation_, text});
         const int status = Io::host().runProgram(appLocation_, text);
+        context.symbols.forget();
         Facts::report(Facts::ProgramEnded{appLocation_, status});
         return true;
     });

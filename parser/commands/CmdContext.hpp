@@ -8,6 +8,7 @@
 #include "buffer/MemoryBuffer.hpp"
 #include "io/import/InputReading.hpp"
 #include "parser/commands/ImageObserver.hpp"
+#include "parser/commands/SymbolFiles.hpp"
 #include "util/crc/ByteList.hpp"
 
 namespace Parser::WrapperLib {
@@ -24,6 +25,7 @@ struct CmdContext {
     std::map<std::string, ByteList> crcs;                 ///< made by NEW_CRC
     std::map<std::string, ByteList> hashes;               ///< made by NEW_HASH
     std::map<std::string, Buffer::MemoryBuffer> buffers;  ///< made by NEW_BUFFER
+    SymbolFiles symbols;                                  ///< that numbers ask for
     /// How FROM_FILE reads, borrowed.
     const Io::Import::InputReading* reading = &Io::Import::classicReading();
     /// Longest range that NEW_BUFFER takes from a file that is not raw. A file beyond it is more

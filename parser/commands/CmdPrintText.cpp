@@ -19,8 +19,9 @@ bool CmdPrintText::execute(CmdContext& context) {
         std::string resolved = text_;
         for (auto symbol = symbols_.rbegin(); symbol != symbols_.rend(); ++symbol)
             if (!resolveSymbol(context, *symbol, resolved)) return false;
-        Facts::report(Facts::TextPrinted{calculate_(resolved)});
-        return true;
+        const auto text = calculate_(resolved, context);
+        if (text) Facts::report(Facts::TextPrinted{*text});
+        return text.has_value();
     });
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -8,9 +9,9 @@
 
 namespace Parser::WrapperLib {
 
-/// Evaluates the bracket expression that a text may hold. That needs the script grammar, which is
-/// above the statements and hands the function in.
-using TextCalculator = std::string (*)(const std::string& text);
+/// Evaluates the bracket expression that a text may hold; nothing after a report. That needs the
+/// script grammar, which is above the statements and hands the function in.
+using TextCalculator = std::optional<std::string> (*)(const std::string& text, CmdContext& context);
 
 /// PRINT_TEXT: prints a text with the values of CRCs and hashes in place of their names and the
 /// value of one expression in place of its brackets.

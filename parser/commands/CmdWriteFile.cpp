@@ -442,6 +442,7 @@ void CmdWriteFile::setSection(std::string name) {
 }
 
 bool CmdWriteFile::execute(CmdContext& context) {
+    context.symbols.forget();
     return guarded(Facts::Subject::File, fileName_, Facts::Work::Written,
                    [&] { return write(context); });
 }

@@ -58,9 +58,13 @@ struct NewBufferRules final : StatementRules {
                      on.text("SkipSection -> ", Role::Sections, &CmdNewBuffer::skipSection));
         familyOption =
             rules.keyword("-useFamily") >> rules.equals >>
-            (NumberName(state, &Io::Uf2::families, family)[on.with(
-                 "UseFamily -> ", Role::Family,
-                 [this](CmdNewBuffer& image, std::string_view) { image.setFamily(family); })] |
+            (NumberName(state, &Io::Uf2::families,
+                        family)[on.with("UseFamily -> ", Role::Family,
+                                        [this](CmdNewBuffer& image, std::string_view) {
+                                            image.whenKnown([&image, number = family] {
+                                                image.setFamily(number);
+                                            });
+                                        })] |
              rules
                  .notedValue[on.number("UseFamily -> ", Role::Family, &CmdNewBuffer::setFamily)]) >>
             rules.ws;

@@ -18,6 +18,7 @@ using Spirit::alnum_p;
 using Spirit::ch_p;
 using Spirit::eps_p;
 using Util::Crc::CatalogueEntry;
+using WrapperLib::Amount;
 using WrapperLib::CmdNewCrc;
 using WrapperLib::CmdNewHash;
 using WrapperLib::CmdNewValue;
@@ -129,13 +130,17 @@ struct NewCrcRules final : NewValueRules<CmdNewCrc> {
         : NewValueRules(rules, state, words) {
         const StatementActions<CmdNewCrc> on(state);
         const auto setEntry = [this](CmdNewCrc& statement, std::string_view /*name*/) {
-            statement.setCatalogueCrc(*entry);
+            statement.whenKnown([&statement, crc = entry] { statement.setCatalogueCrc(*crc); });
         };
         const auto collect = [this](std::uint64_t value) {
-            return [this, value](Position, Position) { parameters.push_back(value); };
+            return [this, value](Position, Position) { parameters.push_back({value}); };
         };
         const auto setCustom = [this](CmdNewCrc& statement, std::string_view /*text*/) {
-            statement.setCustomCrc(parameters);
+            statement.whenKnown([&statement, amounts = parameters] {
+                std::vector<std::uint64_t> numbers;
+                for (const Amount& amount : amounts) numbers.push_back(amount.value());
+                statement.setCustomCrc(numbers);
+            });
         };
         describedType =
             (rules.keyword("Catalogue") >> rules.openBrace >>
@@ -144,10 +149,11 @@ struct NewCrcRules final : NewValueRules<CmdNewCrc> {
             (rules.keyword("Custom")[([this](Position, Position) { parameters.clear(); })] >>
              rules.openBrace >> number >> number >> number >> flag >> flag >> anyNumber >>
              rules.closeBrace)[on.with("SetCrc_Custom -> ", Role::Type, setCustom)];
-        anyNumber = WideNumber(wide)[([this](Position, Position) { parameters.push_back(wide); })] |
-                    rules.notedValue[([this, &state](Position, Position) {
-                        parameters.push_back(state.expression.currentValue());
-                    })];
+        anyNumber =
+            WideNumber(wide)[([this](Position, Position) { parameters.push_back({wide}); })] |
+            rules.notedValue[([this, &state](Position, Position) {
+                parameters.push_back(state.expression.current());
+            })];
         number = anyNumber >> rules.separator;
         flag = (rules.keyword("true")[collect(1)] | rules.keyword("false")[collect(0)]) >>
                rules.separator;
@@ -169,7 +175,7 @@ struct NewCrcRules final : NewValueRules<CmdNewCrc> {
     Rule anyNumber, number, flag;
     const CatalogueEntry* entry = nullptr;  ///< the CRC whose name was read last
     std::uint64_t wide = 0;                 ///< the number of more than 32 bits that was read last
-    std::vector<std::uint64_t> parameters;  ///< of the Custom that is being read
+    std::vector<Amount> parameters;         ///< of the Custom that is being read
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "parser/commands/CmdPrintText.hpp"
+#include "parser/grammar/Calculation.hpp"
 #include "parser/grammar/Statements.hpp"
 
 namespace Parser {
@@ -17,6 +18,10 @@ struct PrintTextRules final : StatementRules {
         const StatementActions<CmdPrintText> on(state);
         const auto noteText = [&state](Position first, Position last) {
             state.statement.setText(first, last);
+            if (!state.statement.keepsStatements()) return;
+            for (const Part& query : queriesIn({first, static_cast<std::size_t>(last - first)}))
+                state.statement.step("", query.role, query.text.data(),
+                                     query.text.data() + query.text.size());
         };
         // The statement takes its text at its end, with the trace text that users know.
         const auto takeText = [&state](CmdPrintText& print, std::string_view) {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "io/NamedNumber.hpp"
@@ -126,8 +127,10 @@ struct WriteFileRules final : StatementRules {
         std::uint32_t choice = 0;  // the row of the table
         for (const ExportFormat& format : CmdWriteFile::formats()) {
             const auto set = [&state, &format](CmdWriteFile& write, bool hasNumber) {
-                const std::uint32_t number = state.expression.currentValue();
-                write.setFormat(format, hasNumber ? std::optional(number) : std::nullopt);
+                write.whenKnown([&write, &format, hasNumber, amount = state.expression.current()] {
+                    const auto number = static_cast<std::uint32_t>(amount.value());
+                    write.setFormat(format, hasNumber ? std::optional(number) : std::nullopt);
+                });
             };
             const auto bare = on.with(
                 format.trace, Role::Format,
@@ -146,7 +149,9 @@ struct WriteFileRules final : StatementRules {
                        (NumberName(state, format.names, named)[on.with(
                             format.trace, Role::Format,
                             [this, &format](CmdWriteFile& write, std::string_view) {
-                                write.setFormat(format, named);
+                                write.whenKnown([&write, &format, number = named] {
+                                    write.setFormat(format, number);
+                                });
                             },
                             choice)] |
                         rules.notedValue[numbered]);
@@ -170,14 +175,16 @@ struct WriteFileRules final : StatementRules {
             if (format.setNumbers == nullptr) continue;
             // A name is not an expression, so no digits are noted with its number.
             const auto addNamed = [this, &state](Position first, Position /*last*/) {
-                state.statement.noteValue(named, first, first);
-                namedList.push_back(named);
+                state.statement.noteValue({named}, first, first);
+                namedList.add({named});
             };
             const auto addNumber = [this, &state](Position, Position) {
-                namedList.push_back(state.expression.currentValue());
+                namedList.add(state.expression.current());
             };
             const auto set = [this, &format](CmdWriteFile& write, std::string_view) {
-                write.setFormat(format, namedList);
+                write.whenKnown([&write, &format, list = namedList]() mutable {
+                    write.setFormat(format, std::move(list).values());
+                });
             };
             Rule& rule = formats.emplace_back();
             rule = rules.keyword(format.keyword) >> ch_p('_') >>
@@ -191,8 +198,8 @@ struct WriteFileRules final : StatementRules {
         return alternatives;
     }
 
-    std::uint32_t named = 0;               ///< the number whose name was read last
-    std::vector<std::uint32_t> namedList;  ///< those of the list that is being read
+    std::uint32_t named = 0;           ///< the number whose name was read last
+    WrapperLib::AmountList namedList;  ///< those of the list that is being read
     Rule formatList, guardOption, headerOption;
     Rule writeBuffers, writeOptions, formatOption, formatName, skipUnwrittenOption,
         executionAddressOption, arrayNameOption, idOption, writeOverlapOption, writeSwapOption,
@@ -222,7 +229,7 @@ std::optional<FormatChoice> formatIn(std::string_view text) {
     if (format == nullptr || length != text.size()) return std::nullopt;
     FormatChoice choice{format->choice, std::nullopt};
     if (format->numberCount != 0)
-        choice.number = statement.numbersOf(*format).back().value;
+        choice.number = statement.numbersOf(*format).back().value();
     else if (rowOf(choice).numberForm == FormatNumber::Named)
         choice.number = write.named;
     return choice;

@@ -1,6 +1,11 @@
 #include "parser/grammar/Expression.hpp"
 
+#include <memory>
+#include <utility>
+
 namespace Parser {
+
+using WrapperLib::LateNumber;
 
 namespace {
 
@@ -21,6 +26,7 @@ void Expression::beginText(std::size_t size) {
 bool Expression::begin() {
     isBad_ = false;
     valueStack_.clear();
+    terms_.clear();
     return true;
 }
 
@@ -38,35 +44,31 @@ bool Expression::hasOperands() {
     return valueStack_.size() >= operands;
 }
 
-template <class Operation>
-void Expression::apply(Operation operation) {
-    valueStack_[1] = operation(valueStack_[1], valueStack_[0]);
+Expression::Operand Expression::addTerm(LateNumber::Term term) {
+    terms_.push_back(std::move(term));
+    return {0, static_cast<std::uint32_t>(terms_.size())};
+}
+
+void Expression::pushQuery(WrapperLib::Query query) {
+    valueStack_.push_front(addTerm(std::move(query)));
+}
+
+void Expression::apply(WrapperLib::Operator operation) {
+    const Operand right = valueStack_[0];
+    const Operand left = valueStack_[1];
+    const bool isKnown = left.term == 0 && right.term == 0;
+    valueStack_[1] = isKnown ? Operand{WrapperLib::applied(operation, left.value, right.value)}
+                             : addTerm(LateNumber::Operation{operation, left, right});
     valueStack_.pop_front();
 }
 
-void Expression::addValues() {
-    apply([](std::uint32_t left, std::uint32_t right) { return left + right; });
-}
-
-void Expression::subtractValues() {
-    apply([](std::uint32_t left, std::uint32_t right) { return left - right; });
-}
-
-void Expression::multiplyValues() {
-    apply([](std::uint32_t left, std::uint32_t right) { return left * right; });
-}
-
-void Expression::divideValues() {
-    apply([](std::uint32_t left, std::uint32_t right) { return right == 0 ? left : left / right; });
-}
-
-void Expression::moduloValues() {
-    apply([](std::uint32_t left, std::uint32_t right) { return right == 0 ? left : left % right; });
-}
-
 void Expression::takeValue() {
-    if (!valueStack_.empty()) currentValue_ = valueStack_.front();
+    if (valueStack_.empty()) return;
+    const Operand top = valueStack_.front();
+    current_ = {top.value};
+    if (top.term != 0) current_.late = std::make_shared<LateNumber>(std::move(terms_), top.term);
     valueStack_.clear();
+    terms_.clear();
 }
 
 }  // namespace Parser

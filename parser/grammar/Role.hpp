@@ -16,6 +16,9 @@ enum class Role : unsigned char {
     ChangesImage,  ///< writes into it
     UsesCrc,
     UsesHash,
+    MeasuresImage,  ///< a number asks for its addresses
+    SymbolFile,     ///< a number asks for a symbol of that file
+    Symbol,
     UsesValue,  ///< a CRC or, if none has the name, a hash, which its text names
     InputFile,
     Template,  ///< a file that an output is a copy of

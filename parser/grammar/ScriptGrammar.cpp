@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "parser/commands/Conventions.hpp"
+#include "parser/commands/LateNumber.hpp"
 #include "parser/grammar/Keywords.hpp"
 #include "parser/grammar/Statements.hpp"
 
@@ -19,6 +21,7 @@ using Spirit::blank_p;
 using Spirit::ch_p;
 using Spirit::eps_p;
 using Spirit::space_p;
+using WrapperLib::Operator;
 
 /// One level of nested or chained expressions.
 class NestedExpression : public Spirit::parser<NestedExpression> {
@@ -62,20 +65,23 @@ void defineExpressions(CommonRules& rules, Expression& expression) {
     using Number10 = Spirit::uint_parser<std::uint32_t, 10, 1, -1>;
     const auto push = boost::bind(&Expression::pushValue, &expression, boost::placeholders::_1);
     rules.hexPrefix = *ch_p('0') >> (ch_p('x') | ch_p('X'));
+    const auto takesQueries = boost::bind(&Expression::takesQueries, &expression);
     rules.number =
-        rules.expected("a number", (rules.hexPrefix >> Number16()[push]) | Number10()[push]);
+        rules.expected("a number", (rules.hexPrefix >> Number16()[push]) | Number10()[push]) |
+        (eps_p(takesQueries) >> rules.query);
 
     const NestedExpression nested(rules.expression, expression);
-    const auto operation = [&](char sign, void (Expression::*action)()) {
-        return (ch_p(sign) >> *blank_p >> nested >>
-                eps_p(boost::bind(&Expression::hasOperands,
-                                  &expression)))[boost::bind(action, &expression)];
+    const auto operation = [&](char sign, Operator action) {
+        return (
+            ch_p(sign) >> *blank_p >> nested >>
+            eps_p(boost::bind(&Expression::hasOperands,
+                              &expression)))[boost::bind(&Expression::apply, &expression, action)];
     };
-    rules.expression = +(
-        (*blank_p >> operation('+', &Expression::addValues)) |
-        operation('-', &Expression::subtractValues) | operation('*', &Expression::multiplyValues) |
-        operation('/', &Expression::divideValues) | operation('%', &Expression::moduloValues) |
-        (ch_p('(') >> *blank_p >> nested >> ch_p(')')) | (rules.number >> *blank_p));
+    rules.expression =
+        +((*blank_p >> operation('+', Operator::Add)) | operation('-', Operator::Subtract) |
+          operation('*', Operator::Multiply) | operation('/', Operator::Divide) |
+          operation('%', Operator::Modulo) | (ch_p('(') >> *blank_p >> nested >> ch_p(')')) |
+          (rules.number >> *blank_p));
     rules.value =
         (eps_p(boost::bind(&Expression::begin, &expression)) >> rules.expression >>
          eps_p(boost::bind(&Expression::isGood,
@@ -83,9 +89,9 @@ void defineExpressions(CommonRules& rules, Expression& expression) {
 }
 
 /// Hands the last value to an operation of the statement.
-auto takingValue(ParserState& state, void (StatementBuilder::*take)(std::uint32_t)) {
+auto takingValue(ParserState& state, void (StatementBuilder::*take)(const WrapperLib::Amount&)) {
     return [&state, take](Position first, Position last) {
-        const std::uint32_t value = state.expression.currentValue();
+        const WrapperLib::Amount& value = state.expression.current();
         state.statement.noteValue(value, first, last);
         (state.statement.*take)(value);
     };
@@ -93,7 +99,7 @@ auto takingValue(ParserState& state, void (StatementBuilder::*take)(std::uint32_
 
 void defineLists(CommonRules& rules, ParserState& state) {
     rules.notedValue = rules.value[([&state](Position first, Position last) {
-        state.statement.noteValue(state.expression.currentValue(), first, last);
+        state.statement.noteValue(state.expression.current(), first, last);
     })];
     rules.listedValue = rules.value[takingValue(state, &StatementBuilder::collectValue)];
     rules.valueList =
@@ -106,8 +112,39 @@ void defineLists(CommonRules& rules, ParserState& state) {
 
 }  // namespace
 
+/// startOf(@App), symbolOf(app.elf, main) and their like. Files and symbols with signs of the
+/// language in them are in quotes or braces.
+void CommonRules::defineQueries() {
+    FruitlessSearches& searches = state_->fruitlessSearches;
+    const auto take = [this](Role role, std::string WrapperLib::Query::*field) {
+        return [this, role, field](Position first, Position last) {
+            state_->statement.noteQuery(role, first, last);
+            query_.*field = WrapperLib::cleanedPath(std::string(first, last));
+        };
+    };
+    const auto begin = [this](Position, Position) { query_ = {function_->property, {}}; };
+    const auto end = [this](Position first, Position last) {
+        query_.length = static_cast<std::size_t>(last - first);
+        state_->expression.pushQuery(std::move(query_));
+    };
+    const auto open = ws >> expected("(", ch_p('(')) >> ws;
+    const auto close = ws >> expected(")", ch_p(')'));
+    queryText = (ch_p('{') >> TextBefore("}", searches.brace) >> ch_p('}')) |
+                (quote >> TextBefore("\"'", searches.quote) >> quote) |
+                expected("a text", +(anychar_p - (space_p | ch_p(',') | ch_p('(') | ch_p(')') |
+                                                  ch_p('{') | ch_p('}') | ch_p('"') | ch_p('\''))));
+    query = (((KeywordOf(WrapperLib::imageFunctions(), function_, *this)[begin] >> open >>
+               name[take(Role::MeasuresImage, &WrapperLib::Query::subject)]) |
+              (KeywordOf(WrapperLib::symbolFunctions(), function_, *this)[begin] >> open >>
+               queryText[take(Role::SymbolFile, &WrapperLib::Query::subject)] >> ws >>
+               expected("a comma", ch_p(',')) >> ws >>
+               queryText[take(Role::Symbol, &WrapperLib::Query::symbol)])) >>
+             close)[end];
+}
+
 CommonRules::CommonRules(ParserState& state) : state_(&state) {
     defineLexis(*this, state.fruitlessSearches);
+    defineQueries();
     defineExpressions(*this, state.expression);
     defineLists(*this, state);
 }

@@ -94,13 +94,18 @@ struct CommonRules {
 
     Rule ws, openBrace, closeBrace, equals, separator, quote, name, textArg;
     Rule hexPrefix, number, expression, value, listedValue, valueList, area;
-    Rule notedValue;  ///< a value that is a part of a statement by itself
+    Rule query, queryText;  ///< what a number asks, and a file or a symbol in it
+    Rule notedValue;        ///< a value that is a part of a statement by itself
 
     /// The words that the rules compare a script with, in the order of their definition.
     std::vector<std::string_view> keywords;
 
 private:
+    void defineQueries();
+
     ParserState* state_;
+    const WrapperLib::NumberFunction* function_ = nullptr;  ///< whose keyword was read last
+    WrapperLib::Query query_ = {};                          ///< that is being read
 };
 
 /// The rules of one statement.
@@ -244,7 +249,9 @@ public:
     auto number(const char* traceText, Role role, void (Command::*setter)(std::uint32_t),
                 std::uint32_t choice = 0) const {
         const auto set = [state = state_, setter](Command& command, std::string_view) {
-            (command.*setter)(state->expression.currentValue());
+            command.whenKnown([&command, setter, amount = state->expression.current()] {
+                (command.*setter)(static_cast<std::uint32_t>(amount.value()));
+            });
         };
         return with(traceText, role, set, choice);
     }
@@ -253,7 +260,10 @@ public:
     template <class Values>
     auto values(const char* traceText, Role role, void (Command::*setter)(Values)) const {
         return with(traceText, role, [state = state_, setter](Command& command, std::string_view) {
-            (command.*setter)(state->statement.takeCollectedValues());
+            command.whenKnown(
+                [&command, setter, list = state->statement.takeCollectedValues()]() mutable {
+                    (command.*setter)(std::move(list).values());
+                });
         });
     }
 
@@ -261,7 +271,9 @@ public:
     auto area(const char* traceText, Role role,
               void (Command::*setter)(const Buffer::Area&)) const {
         return with(traceText, role, [state = state_, setter](Command& command, std::string_view) {
-            (command.*setter)(state->statement.area());
+            command.whenKnown([&command, setter, area = state->statement.area()] {
+                (command.*setter)(area.value());
+            });
         });
     }
 
@@ -272,7 +284,8 @@ public:
     auto row(const Row* const& matched, Role role, void (Command::*setter)(const Row&)) const {
         return [state = state_, &matched, role, setter](Position first, Position last) {
             state->statement.step(matched->trace, role, first, last);
-            (state->statement.command<Command>().*setter)(*matched);
+            Command& command = state->statement.command<Command>();
+            command.whenKnown([&command, setter, matched] { (command.*setter)(*matched); });
         };
     }
 

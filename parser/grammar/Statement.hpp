@@ -9,14 +9,21 @@
 
 #include "buffer/Area.hpp"
 #include "parser/commands/CmdApi.hpp"
+#include "parser/commands/LateNumber.hpp"
 #include "parser/grammar/Role.hpp"
 
 namespace Parser {
 
 /// A number as the language evaluates it, and the expression that it is.
 struct Number {
-    std::uint32_t value;
+    std::uint32_t fixed;  ///< its value unless it asks for one
     std::string_view text;
+    const WrapperLib::LateNumber* late = nullptr;  ///< null unless it asks for its value
+
+    bool isKnown() const { return late == nullptr || late->isKnown(); }
+
+    /// 0 while it is not known.
+    std::uint32_t value() const { return late == nullptr ? fixed : late->value(); }
 };
 
 /// A part of a statement. Its texts lie in the text that was parsed.
@@ -93,6 +100,12 @@ struct Statement {
     const Part* last(Role role) const { return has(role) ? last(std::span(&role, 1)) : nullptr; }
     bool has(Role role) const { return roles.has(role); }
 
+    /// It has numbers that ask images or symbols for their values.
+    bool asks() const { return roles.hasAny({Role::MeasuresImage, Role::SymbolFile}); }
+
+    /// All its numbers are known. Until they are, its areas and lists say nothing.
+    bool isKnown() const { return !asks() || std::ranges::all_of(numbers, &Number::isKnown); }
+
     /// It compares an image with bytes instead of changing it.
     bool isComparison() const { return kind == WrapperLib::CmdType::VerifyBuffer; }
 
@@ -123,7 +136,7 @@ struct Statement {
     /// The area that a part of that role says.
     Buffer::Area areaOf(const Part& part) const {
         const auto values = numbersOf(part).last(2);
-        return {values.front().value, values.back().value};
+        return {values.front().value(), values.back().value()};
     }
 
     /// The areas of the statement, in their order.
@@ -197,12 +210,14 @@ public:
 
     /// Adds a part, which takes the numbers since the one before it.
     void add(Role role, std::uint32_t choice, std::string_view text) {
-        const std::uint32_t taken = parts_.size() == finishedParts_
-                                        ? 0
-                                        : parts_.back().firstNumber + parts_.back().numberCount;
         const auto numbers = static_cast<std::uint32_t>(numbers_.size() - finishedNumbers_);
         parts_.push_back({role, choice, text.substr(0, text.find_last_not_of(" \t\n\v\f\r") + 1),
-                          taken, numbers - taken});
+                          takenNumbers(), numbers - takenNumbers()});
+    }
+
+    /// Adds a part that a number has, and that takes no numbers itself.
+    void addWithin(Role role, std::string_view text) {
+        parts_.push_back({role, 0, text, takenNumbers(), 0});
     }
 
     /// The statement that was begun is finished.
@@ -222,6 +237,13 @@ private:
         std::size_t firstNumber;
         Roles roles;
     };
+
+    /// The numbers of the statement that was begun which its parts have.
+    std::uint32_t takenNumbers() const {
+        return parts_.size() == finishedParts_
+                   ? 0
+                   : parts_.back().firstNumber + parts_.back().numberCount;
+    }
 
     std::vector<Entry> entries_;
     std::vector<Part> parts_;

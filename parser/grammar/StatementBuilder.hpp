@@ -8,10 +8,10 @@
 #include <string_view>
 #include <type_traits>
 #include <utility>
-#include <vector>
 
 #include "parser/commands/CmdApi.hpp"
 #include "parser/commands/CmdPrintText.hpp"
+#include "parser/commands/LateNumber.hpp"
 #include "parser/grammar/Position.hpp"
 #include "parser/grammar/Statement.hpp"
 
@@ -53,6 +53,8 @@ public:
         statements_.expect(length);
     }
 
+    bool keepsStatements() const { return keepsStatements_; }
+
     /// What each of `commands` says, if that is kept.
     const StatementList& statements() const { return statements_; }
 
@@ -78,18 +80,33 @@ public:
     const std::string& text() const { return currentText_; }
 
     /// Notes the number that the text [`first`, `last`) means, for the part that comes next.
-    void noteValue(std::uint32_t value, Position first, Position last) {
+    void noteValue(const WrapperLib::Amount& amount, Position first, Position last) {
+        if (amount.late && currentCmd_) currentCmd_->addLate(amount.late);
         if (keepsStatements_)
-            statements_.add({value, {first, static_cast<std::size_t>(last - first)}});
+            statements_.add({static_cast<std::uint32_t>(amount.number),
+                             {first, static_cast<std::size_t>(last - first)},
+                             amount.late.get()});
     }
 
-    void collectValue(std::uint32_t value) { valueCollection_.push_back(value); }
-    const std::vector<std::uint32_t>& collectedValues() const { return valueCollection_; }
-    std::vector<std::uint32_t> takeCollectedValues() { return std::exchange(valueCollection_, {}); }
+    /// Notes what a number that is being read asks.
+    void noteQuery(Role role, Position first, Position last) {
+        if (keepsStatements_)
+            statements_.addWithin(role, {first, static_cast<std::size_t>(last - first)});
+    }
 
-    void setAreaStart(std::uint32_t value) { area_.start = value; }
-    void setAreaLength(std::uint32_t value) { area_.length = value; }
-    const Buffer::Area& area() const { return area_; }
+    void collectValue(const WrapperLib::Amount& amount) { valueCollection_.add(amount); }
+    const WrapperLib::AmountList& collectedValues() const { return valueCollection_; }
+    WrapperLib::AmountList takeCollectedValues() { return std::exchange(valueCollection_, {}); }
+
+    /// An area whose numbers may not be known yet.
+    struct AreaAmounts {
+        WrapperLib::Amount start;
+        WrapperLib::Amount length;
+        Buffer::Area value() const { return {start.value(), length.value()}; }
+    };
+    void setAreaStart(const WrapperLib::Amount& start) { area_.start = start; }
+    void setAreaLength(const WrapperLib::Amount& length) { area_.length = length; }
+    const AreaAmounts& area() const { return area_; }
 
     /// The finished statements in script order.
     const std::deque<std::unique_ptr<WrapperLib::CmdApi>>& commands() const { return commands_; }
@@ -116,8 +133,8 @@ private:
     std::unique_ptr<WrapperLib::CmdApi> currentCmd_;
     std::deque<std::unique_ptr<WrapperLib::CmdApi>> commands_;
     std::string currentText_;
-    std::vector<std::uint32_t> valueCollection_;
-    Buffer::Area area_;
+    WrapperLib::AmountList valueCollection_;
+    AreaAmounts area_;
     std::string lastTokens_;
     std::string lastCommand_;
 };

@@ -143,14 +143,14 @@ Words words(const FileMalformed& f, const Circumstances& /*c*/) {
     return {{kind,
              std::string(f.file) + " cannot be read as " +
                  std::string(Io::Formats::rowOf(f.format).name) + ": " + textOf(f),
-             {Role::InputFile, Role::Template},
+             {Role::InputFile, Role::Template, Role::SymbolFile},
              likelierFormat(f)}};
 }
 
 Words words(const FileReadIncomplete& f, const Circumstances& /*c*/) {
     return {{Kind::ShortRead,
              std::string(f.file) + " could not be read completely",
-             {Role::InputFile, Role::Template}}};
+             {Role::InputFile, Role::Template, Role::SymbolFile}}};
 }
 
 Words words(const RecordLengthCorrected& f, const Circumstances& /*c*/) {
@@ -315,6 +315,36 @@ Words words(const NameNotFound& f, const Circumstances& c) {
              std::string(f.name)}};
 }
 
+Words words(const ImageWithout& f, const Circumstances& /*c*/) {
+    const std::string image(f.image);
+    if (f.lack == ImageLack::Addresses)
+        return {{Kind::EmptyImage, image + " has no addresses here", {}, {}, image}};
+    return {{Kind::EmptyImage, "nothing wrote a byte to " + image, {}, {}, image}};
+}
+
+Words words(const SymbolUnfit& f, const Circumstances& /*c*/) {
+    const std::string file(f.file);
+    const std::string symbol(f.symbol);
+    if (f.fault == SymbolFault::Several)
+        return {{Kind::UnknownName, file + " has several symbols " + symbol, {}, {}, symbol}};
+    if (f.fault == SymbolFault::TooWide)
+        return {
+            {Kind::Outside,
+             "the address of " + symbol + ", " + addressText(f.address) + ", has more than 32 bits",
+             {},
+             {},
+             symbol}};
+    const auto names = linesOf(f.known);
+    const auto close = nearest(symbol, names);
+    return {{Kind::UnknownName,
+             file + " has no symbol " + symbol,
+             {},
+             close           ? "did you mean " + *close + "?"
+             : names.empty() ? "it has no symbols at all: was it stripped?"
+                             : "",
+             symbol}};
+}
+
 Words words(const OverlapRefused& f, const Circumstances& c) {
     const std::string range = addressesText({f.start, f.end - f.start});
     if (f.likelyUnit != 1) {
@@ -438,10 +468,10 @@ Words words(const FileNotOpened& f, const Circumstances& c) {
     if (reason.empty())
         return {{Kind::OutOfMemory,
                  "there is not enough memory for " + file,
-                 {Role::InputFile, Role::Template}}};
+                 {Role::InputFile, Role::Template, Role::SymbolFile}}};
     return {{Kind::CannotOpen,
              "cannot open " + file + ": " + reason,
-             {Role::InputFile, Role::Template},
+             {Role::InputFile, Role::Template, Role::SymbolFile},
              c.isScript() ? adviceOn(f.file) : ""}};
 }
 
@@ -503,11 +533,12 @@ concept NotARefusal = isPrinted<Fact> ||
     OneOf<Fact, FillPatternEmpty, ReadRangeOutside, TextFileEmpty, LastLineMismatched,
           RecordContradictory, LineNotARecord, RecordCountTooLow, DataSpanTooLong, FileMalformed,
           RecordLengthCorrected, GapsNotExpressible, FormatNumberWrong, FamiliesNotOfImages,
-          HeaderTooLong, ElfTemplateUnfit, SectionUnfit, FamilyUnfit, NameNotFound, OverlapRefused,
-          ImageDiffers, NothingCompared, StatementExhausted, CrcParameterRefused, WordIncomplete,
-          BusRefused, ImageNotOfWords, AddressUnitRefused, AlignmentZero, FileNotOpened,
-          FileNotWritten, FileSpanTooLong, ProgramCalled, ProgramEnded, ScriptNotOpened,
-          VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
+          HeaderTooLong, ElfTemplateUnfit, SectionUnfit, FamilyUnfit, NameNotFound, ImageWithout,
+          SymbolUnfit, OverlapRefused, ImageDiffers, NothingCompared, StatementExhausted,
+          CrcParameterRefused, WordIncomplete, BusRefused, ImageNotOfWords, AddressUnitRefused,
+          AlignmentZero, FileNotOpened, FileNotWritten, FileSpanTooLong, ProgramCalled,
+          ProgramEnded, ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded,
+          FieldFact>;
 
 }  // namespace
 

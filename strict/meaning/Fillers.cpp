@@ -31,7 +31,7 @@ bool isChanged(const MemoryBuffer& image, const Area& gap, std::span<const Numbe
         const std::size_t count = std::min(piece.size(), elements.size() - at);
         elements.part(at, count).copyBytes(piece.data());
         for (const std::uint8_t byte : std::span(piece).first(count)) {
-            if (byte != static_cast<std::uint8_t>(pattern[next].value)) return true;
+            if (byte != static_cast<std::uint8_t>(pattern[next].value())) return true;
             if (++next == pattern.size()) next = 0;
         }
     }

@@ -70,7 +70,7 @@ std::optional<Buffer::Bus> busOf(std::uint64_t lanes, std::uint64_t width) {
 std::optional<Area> interleavedRange(const Statement& statement,
                                      const std::optional<AreaList>& sources,
                                      std::optional<Area> cut) {
-    const auto width = statement.numbersOf(*statement.last(Role::Interleave)).back().value;
+    const auto width = statement.numbersOf(*statement.last(Role::Interleave)).back().value();
     if (!sources) return std::nullopt;
     const auto bus = busOf(sources->size(), width);
     if (!bus) return std::nullopt;
@@ -82,9 +82,9 @@ std::optional<Area> interleavedRange(const Statement& statement,
 /// The range of the lane that a statement takes of an image.
 std::optional<Area> laneRange(const Statement& statement, const std::optional<Area>& image) {
     const auto numbers = statement.numbersOf(*statement.last(Role::Lane)).last(3);
-    const auto bus = busOf(numbers[1].value, numbers[2].value);
-    if (!image || !bus || numbers[0].value >= bus->lanes) return std::nullopt;
-    return bus->laneArea(numbers[0].value, *image);
+    const auto bus = busOf(numbers[1].value(), numbers[2].value());
+    if (!image || !bus || numbers[0].value() >= bus->lanes) return std::nullopt;
+    return bus->laneArea(numbers[0].value(), *image);
 }
 
 /// What `builtRange` is once the statement has put the bytes into their order.
@@ -212,6 +212,16 @@ std::optional<std::size_t> Images::make(const Statement& statement,
     return number;
 }
 
+void Images::makeOpen(const Statement& statement) {
+    const std::string_view name = statement.textOf(Role::MakesImage);
+    if (!numbers_.try_emplace(name, images_.size()).second) return;
+    Image image;
+    image.name = name;
+    image.madeAt = changes_.size();
+    image.isExact = false;
+    images_.push_back(std::move(image));
+}
+
 void Images::link(Image& image, const Statement& statement, std::span<const std::size_t> sources,
                   const CmdContext* context) {
     std::optional<AreaList> ranges(std::in_place);
@@ -229,7 +239,7 @@ void Images::link(Image& image, const Statement& statement, std::span<const std:
             image.isExact = image.isExact && sources.empty();
             return;
         }
-        distance = statement.numbersOf(*address).back().value - image.range->start;
+        distance = statement.numbersOf(*address).back().value() - image.range->start;
     }
     if (statement.roles.hasAny({Role::Lane, Role::Interleave, Role::SwapBytes})) {
         // Its bytes are at other places, at which no value can be looked for.

@@ -78,6 +78,12 @@ public:
                                     std::span<const std::size_t> sources,
                                     const Parser::WrapperLib::CmdContext* context);
 
+    /// Takes a statement into account that makes an image of which nothing is known before the run.
+    void makeOpen(const Parser::Statement& statement);
+
+    /// A statement changes the image, and where is not known before the run.
+    void open(std::size_t image) { images_[image].isExact = false; }
+
     /// From now on, changes of the image matter: a value covers it, or lies in it.
     void follow(std::size_t image) { images_[image].isFollowed = true; }
 

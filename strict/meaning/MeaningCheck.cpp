@@ -57,11 +57,16 @@ void MeaningCheck::checkBefore() {
     for (std::size_t i = 0; i < program_->statements().size(); ++i) {
         const Statement statement = program_->statements()[i];
         const Step step = stepOf(known, statement, nullptr);
-        check(known, step);
+        if (!statement.asks()) check(known, step);
         if (statement.has(Role::UsesImage))
             for (const std::size_t image : known.used) known.images.noteRead(image);
+        for (const Part& part : statement.all(Role::MeasuresImage))
+            if (const auto image = known.images.find(part.text)) known.images.noteRead(*image);
         isWriting = isWriting || statement.has(Role::OutputFile);
-        takeEffect(known, step, i);
+        if (statement.asks())
+            takeUnknownEffect(known, step);
+        else
+            takeEffect(known, step, i);
     }
     isSettled_ = known.isSettled;
     if (isWriting) reportUnused(known.images);
@@ -126,6 +131,14 @@ void MeaningCheck::takeEffect(Knowledge& known, const Step& step, std::size_t nu
             statement, step.used,
             static_cast<const Parser::WrapperLib::CmdNewValue&>(*program_->commands()[number]));
     if (step.changed) noteChange(known, step);
+}
+
+/// Takes a statement into account whose numbers are not known: what it makes or changes is open
+/// until the run.
+void MeaningCheck::takeUnknownEffect(Knowledge& known, const Step& step) {
+    known.isSettled = false;
+    if (step.has(Role::MakesImage)) known.images.makeOpen(step.statement);
+    if (step.changed) known.images.open(*step.changed);
 }
 
 /// Notes where a statement changes an image, if that can matter.

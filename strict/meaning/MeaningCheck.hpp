@@ -59,6 +59,7 @@ private:
 
     static void check(Knowledge& known, const Step& step);
     void takeEffect(Knowledge& known, const Step& step, std::size_t number);
+    static void takeUnknownEffect(Knowledge& known, const Step& step);
     static void noteChange(Knowledge& known, const Step& step);
     void reportUnused(const Images& images);
 

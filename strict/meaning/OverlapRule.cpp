@@ -51,7 +51,7 @@ std::vector<Written> imagesOf(const Step& step) {
         if (image == step.context->buffers.end()) return {};
         Written written{&part, &image->second};
         if (hasList && index < format->numberCount)
-            written.family = step.statement.numbersOf(*format)[index].value;
+            written.family = step.statement.numbersOf(*format)[index].value();
         ++index;
         if (image->second.getDataLength() != 0) images.push_back(written);
     }

@@ -129,7 +129,7 @@ void checkCroppedValues(const Step& step) {
 void checkLaneRows(const Step& step) {
     const Part* const lane = step.statement.last(Role::Lane);
     const auto numbers = step.statement.numbersOf(*lane).last(3);
-    const std::uint64_t row = std::uint64_t{numbers[1].value} * numbers[2].value;
+    const std::uint64_t row = std::uint64_t{numbers[1].value()} * numbers[2].value();
     std::optional<Area> range;
     if (const Part* const given = step.statement.last(Role::Range))
         range = step.statement.areaOf(*given);

@@ -267,7 +267,7 @@ private:
         file.line = place.line;
         file.script = scriptOf(place);
         if (const Part* const start = statement.last(Role::Start))
-            file.startAddress = statement.numbersOf(*start).back().value;
+            file.startAddress = statement.numbersOf(*start).back().value();
         file.addressUnit = statement.digitOf(Role::AddressUnit);
         file.swappedWord = statement.digitOf(Role::SwapBytes);
         const FileDigest digest = run_->files->outputDigest(name);

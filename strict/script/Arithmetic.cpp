@@ -1,5 +1,6 @@
 #include "strict/script/Arithmetic.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <vector>
@@ -8,16 +9,34 @@ namespace Strict {
 
 namespace {
 
+using namespace Parser::WrapperLib;
+
 /// A number, an operator or a parenthesis.
 struct Token {
     char kind;  ///< '0' for a number
-    std::uint32_t value = 0;
+    std::uint64_t value = 0;
 };
 
-std::vector<Token> tokensOf(std::string_view text) {
+/// What asks for something begins with a letter that begins no number.
+bool isQuery(std::string_view text) {
+    const auto isAt = [text](const NumberFunction& function) {
+        return text.starts_with(function.keyword);
+    };
+    return std::ranges::any_of(imageFunctions(), isAt) ||
+           std::ranges::any_of(symbolFunctions(), isAt);
+}
+
+std::vector<Token> tokensOf(std::string_view text, std::span<const LateNumber::Answer> answers) {
     std::vector<Token> tokens;
+    auto answer = answers.begin();
     while (!text.empty()) {
         const char first = text.front();
+        if (answer != answers.end() && isQuery(text)) {
+            tokens.push_back({'0', answer->value});
+            text.remove_prefix(answer->length);
+            ++answer;
+            continue;
+        }
         const bool isDigit = (first >= '0' && first <= '9') || first == 'x' || first == 'X';
         if (!isDigit) {
             if (std::string_view("+-*/%()").find(first) != std::string_view::npos)
@@ -39,26 +58,27 @@ std::vector<Token> tokensOf(std::string_view text) {
     return tokens;
 }
 
+constexpr std::uint64_t highest = 0xFFFFFFFF;
+
 /// The result of the operator is above 0xFFFFFFFF or below 0.
 bool exceeds(char sign, std::uint64_t left, std::uint64_t right) {
-    constexpr std::uint64_t highest = 0xFFFFFFFF;
     if (sign == '+') return left + right > highest;
     if (sign == '-') return left < right;
     return sign == '*' && left * right > highest;
 }
 
-std::uint32_t applied(char sign, std::uint32_t left, std::uint32_t right) {
+Operator operatorOf(char sign) {
     switch (sign) {
         case '+':
-            return left + right;
+            return Operator::Add;
         case '-':
-            return left - right;
+            return Operator::Subtract;
         case '*':
-            return left * right;
+            return Operator::Multiply;
         case '/':
-            return right == 0 ? left : left / right;
+            return Operator::Divide;
         default:
-            return right == 0 ? left : left % right;
+            return Operator::Modulo;
     }
 }
 
@@ -72,7 +92,7 @@ public:
     Evaluation(const std::vector<Token>& tokens, bool isUsual)
         : tokens_(&tokens), isUsual_(isUsual) {}
 
-    std::uint32_t value() { return isUsual_ ? sum() : chain(); }
+    std::uint64_t value() { return isUsual_ ? sum() : chain(); }
 
     bool leavesRange() const { return leavesRange_; }
     bool dividesByZero() const { return dividesByZero_; }
@@ -80,47 +100,47 @@ public:
 private:
     char kind() const { return at_ < tokens_->size() ? (*tokens_)[at_].kind : '\0'; }
 
-    std::uint32_t operand() {
+    std::uint64_t operand() {
         if (kind() == '(') {
             ++at_;
-            const std::uint32_t inner = value();
+            const std::uint64_t inner = value();
             if (kind() == ')') ++at_;
             return inner;
         }
         return at_ < tokens_->size() ? (*tokens_)[at_++].value : 0;
     }
 
-    std::uint32_t product() {
-        std::uint32_t left = operand();
+    std::uint64_t product() {
+        std::uint64_t left = operand();
         while (isProduct(kind())) {
             const char sign = (*tokens_)[at_++].kind;
-            left = applied(sign, left, operand());
+            left = applied(operatorOf(sign), left, operand());
         }
         return left;
     }
 
-    std::uint32_t sum() {
-        std::uint32_t left = product();
+    std::uint64_t sum() {
+        std::uint64_t left = product();
         while (kind() == '+' || kind() == '-') {
             const char sign = (*tokens_)[at_++].kind;
-            left = applied(sign, left, product());
+            left = applied(operatorOf(sign), left, product());
         }
         return left;
     }
 
     /// Each operator takes the rest.
-    std::uint32_t chain() {
-        std::vector<std::uint32_t> operands{operand()};
+    std::uint64_t chain() {
+        std::vector<std::uint64_t> operands{operand()};
         std::vector<char> signs;
         while (kind() == '+' || kind() == '-' || isProduct(kind())) {
             signs.push_back((*tokens_)[at_++].kind);
             operands.push_back(operand());
         }
-        std::uint32_t right = operands.back();
+        std::uint64_t right = operands.back();
         for (std::size_t i = signs.size(); i-- > 0;) {
             leavesRange_ = leavesRange_ || exceeds(signs[i], operands[i], right);
             dividesByZero_ = dividesByZero_ || ((signs[i] == '/' || signs[i] == '%') && right == 0);
-            right = applied(signs[i], operands[i], right);
+            right = applied(operatorOf(signs[i]), operands[i], right);
         }
         return right;
     }
@@ -134,18 +154,20 @@ private:
 
 }  // namespace
 
-Arithmetic::Arithmetic(std::string_view text) {
-    const std::vector<Token> tokens = tokensOf(text);
+Arithmetic::Arithmetic(std::string_view text, std::span<const Answer> answers) {
+    const std::vector<Token> tokens = tokensOf(text, answers);
     for (std::size_t i = 1; i < tokens.size(); ++i) {
         const char before = tokens[i - 1].kind;
         const char now = tokens[i].kind;
         hasPair_ = hasPair_ || ((before == '0' || before == ')') && (now == '0' || now == '('));
     }
     Evaluation evaluation(tokens, false);
-    language_ = evaluation.value();
-    leavesRange_ = evaluation.leavesRange();
+    const std::uint64_t value = evaluation.value();
+    language_ = static_cast<std::uint32_t>(value);
+    // An image may end at 2^32.
+    leavesRange_ = evaluation.leavesRange() || value > highest;
     dividesByZero_ = evaluation.dividesByZero();
-    usual_ = Evaluation(tokens, true).value();
+    usual_ = static_cast<std::uint32_t>(Evaluation(tokens, true).value());
 }
 
 }  // namespace Strict

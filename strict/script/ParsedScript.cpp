@@ -7,7 +7,7 @@
 
 namespace Strict {
 
-ParsedScript::ParsedScript(const ScriptText& script) : syntax_(&Parser::calculated) {
+ParsedScript::ParsedScript(const ScriptText& script) : syntax_(&Parser::calculateQueries) {
     constexpr std::size_t mostErrors = 20;
     Parser::StatementBuilder& statement = syntax_.state().statement;
     const std::string_view text = script.prepared();

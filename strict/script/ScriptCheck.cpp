@@ -10,9 +10,9 @@
 #include "parser/commands/Conventions.hpp"
 #include "platform/Paths.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
-#include "strict/script/Arithmetic.hpp"
 #include "strict/script/Directives.hpp"
 #include "strict/script/KeywordsOfC.hpp"
+#include "strict/script/NumberCheck.hpp"
 #include "strict/script/OutputFormat.hpp"
 #include "strict/script/TypographicQuote.hpp"
 
@@ -20,7 +20,6 @@ namespace Strict {
 
 namespace {
 
-using Parser::Number;
 using Parser::Part;
 using Parser::Role;
 using Parser::Statement;
@@ -95,7 +94,7 @@ void ScriptCheck::check(const Statement& statement) {
     checkEffects(statement);
     checkSettings(statement);
     checkSymbols(statement);
-    checkNumbers(statement);
+    NumberCheck(*script_, pending_).checkBefore(statement);
 }
 
 bool ScriptCheck::isBroken(const Statement& last, const BrokenText& broken) const {
@@ -132,6 +131,7 @@ void ScriptCheck::checkUse(const Part& part) {
     switch (part.role) {
         case Role::UsesImage:
         case Role::ChangesImage:
+        case Role::MeasuresImage:
             use(names_[Images], part.text, "image");
             break;
         case Role::UsesCrc:
@@ -194,7 +194,8 @@ void ScriptCheck::use(const Names& names, std::string_view name, const char* wha
 }
 
 void ScriptCheck::checkTexts(const Statement& statement) {
-    constexpr Parser::Roles files{Role::InputFile, Role::Template, Role::OutputFile};
+    constexpr Parser::Roles files{Role::InputFile, Role::Template, Role::SymbolFile,
+                                  Role::OutputFile};
     for (const Part& part : statement.parts)
         if (files.has(part.role) || part.role == Role::Program || part.role == Role::Text) {
             checkText(part);
@@ -293,115 +294,6 @@ void ScriptCheck::checkSymbols(const Statement& statement) {
                    std::string(part.text) + " does not occur in the text of this statement",
                    part.text);
     }
-}
-
-void ScriptCheck::checkNumbers(const Statement& statement) {
-    for (const Part& part : statement.parts) {
-        if (part.role == Role::Bytes || part.role == Role::Filler) checkBytes(statement, part);
-        if (part.role == Role::Area || part.role == Role::Range) checkArea(statement, part);
-    }
-    for (const Number& number : statement.numbers) {
-        checkExpression(number);
-        checkDecimal(number);
-    }
-    checkEnd(statement);
-}
-
-/// Nobody writes zeros before a decimal address. Small numbers have them in columns.
-void ScriptCheck::checkDecimal(const Number& number) {
-    constexpr std::size_t digitsOfAddress = 6;
-    constexpr std::string_view digits = "0123456789";
-    constexpr std::string_view wordCharacters = "0123456789abcdefABCDEFxX";
-    const std::string_view text = number.text;
-    for (std::size_t at = text.find_first_of(digits); at < text.size();) {
-        const std::size_t end = std::min(text.find_first_not_of(wordCharacters, at), text.size());
-        const std::string_view word = text.substr(at, end - at);
-        const std::size_t zeros = std::min(word.find_first_not_of('0'), word.size());
-        const bool isDecimal = word.find_first_not_of(digits) == std::string_view::npos;
-        if (isDecimal && word.size() >= digitsOfAddress && zeros != 0 && zeros != word.size())
-            report(Kind::LeadingZero,
-                   "this is the decimal number " + std::string(word.substr(zeros)), word,
-                   "a hexadecimal number begins with 0x: 0x" + std::string(word));
-        at = text.find_first_of(digits, end);
-    }
-}
-
-/// The bytes of a new image as far as its statement fixes their number.
-std::optional<std::uint64_t> ScriptCheck::lengthOf(const Statement& statement) {
-    if (statement.roles.hasAny({Role::Lane, Role::Interleave})) return std::nullopt;
-    if (const Part* const range = statement.last(Role::Range))
-        return statement.areaOf(*range).length;
-    if (statement.has(Role::Area)) return std::nullopt;
-    const Part* const bytes = statement.last(Role::Bytes);
-    return bytes == nullptr ? std::nullopt : std::optional(statement.bytesOf(*bytes));
-}
-
-void ScriptCheck::checkEnd(const Statement& statement) {
-    if (!statement.has(Role::MakesImage)) return;
-    constexpr std::uint64_t end = std::uint64_t{1} << 32U;
-    const Part* const range = statement.last(Role::Range);
-    const Part* const address = statement.last(Role::Address);
-    const auto length = lengthOf(statement);
-    const Part* const part = address != nullptr ? address : range;
-    if (part == nullptr || !length || *length == 0) return;
-    const std::uint64_t start = statement.numbersOf(*part).front().value;
-    if (start + *length <= end) return;
-    report(Kind::Outside,
-           "the image would end at " + Inspect::addressText(start + *length - 1) +
-               ", past the last address " + Inspect::addressText(end - 1),
-           part->text,
-           "from " + Inspect::addressText(start) + " on there are " +
-               Inspect::hexText(end - start) + " bytes");
-}
-
-void ScriptCheck::checkBytes(const Statement& statement, const Part& part) {
-    const std::string_view size = statement.textOf(Role::ValueSize);
-    if (size == "4") return;
-    for (const Number& number : statement.numbersOf(part))
-        if (size.empty() && number.value > 0xFF)
-            report(Kind::TruncatedValue,
-                   "the value does not fit into a byte, only its low eight bits count", number.text,
-                   "-setValueSize=2 or 4 takes larger values");
-        else if (number.value > 0xFFFF)
-            report(Kind::ValueSize, "the value does not fit into 2 bytes", number.text,
-                   "-setValueSize=4 takes all values");
-}
-
-void ScriptCheck::checkArea(const Statement& statement, const Part& part) {
-    const Buffer::Area area = statement.areaOf(part);
-    // Memories begin at high addresses and are small beside them.
-    constexpr std::uint64_t highAddress = std::uint64_t{1} << 24U;
-    const bool isLikeEnd = area.start >= highAddress && area.length > area.start &&
-                           area.length - area.start < area.start / 2;
-    if (isLikeEnd)
-        report(Kind::EndAsLength, "this length looks like an end address",
-               statement.numbersOf(part).back().text,
-               "the length up to that address is " + Inspect::hexText(area.length - area.start));
-}
-
-void ScriptCheck::checkExpression(const Number& number) {
-    const Arithmetic arithmetic(number.text);
-    if (arithmetic.hasPair()) {
-        report(Kind::NumberPair, "of two numbers side by side only the last one counts",
-               number.text, "separate them by a comma");
-        return;
-    }
-    if (arithmetic.dividesByZero())
-        report(Kind::NumberRange,
-               "this divides by zero, and the language takes the dividend for the result",
-               number.text);
-    if (arithmetic.leavesRange())
-        report(Kind::NumberRange,
-               "this leaves 32 bits on its way and comes to " +
-                   Inspect::hexText(arithmetic.language()),
-               number.text, "numbers go from 0 to 0xFFFFFFFF");
-    if (arithmetic.usual() == arithmetic.language()) return;
-    report(
-        Kind::ExpressionOrder,
-        "this is " + Inspect::hexText(arithmetic.language()) +
-            ", since an operator takes everything to its right; by the usual order it would be " +
-            Inspect::hexText(arithmetic.usual()),
-        number.text, "use parentheses, as in (8-4)-2");
 }
 
 void ScriptCheck::report(Kind kind, std::string text, std::string_view part, std::string hint) {

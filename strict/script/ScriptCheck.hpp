@@ -49,15 +49,8 @@ private:
     void checkEffects(const Parser::Statement& statement);
     void checkSettings(const Parser::Statement& statement);
     void checkSymbols(const Parser::Statement& statement);
-    void checkNumbers(const Parser::Statement& statement);
-    void checkBytes(const Parser::Statement& statement, const Parser::Part& part);
-    void checkArea(const Parser::Statement& statement, const Parser::Part& part);
-    void checkExpression(const Parser::Number& number);
-    void checkDecimal(const Parser::Number& number);
     void checkQuote(const Parser::Part& part);
     void checkPath(const Parser::Part& part);
-    void checkEnd(const Parser::Statement& statement);
-    static std::optional<std::uint64_t> lengthOf(const Parser::Statement& statement);
     void makeNames(std::span<const Parser::Part> parts);
     void define(Registry registry, std::string_view name);
     void use(const Names& names, std::string_view name, const char* what);

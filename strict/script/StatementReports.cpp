@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "parser/commands/Conventions.hpp"
+
 namespace Strict {
 
 using Parser::Part;
@@ -13,7 +15,8 @@ namespace {
 /// The part names something that is there already.
 bool usesName(Role role) {
     return role == Role::UsesImage || role == Role::ChangesImage || role == Role::UsesCrc ||
-           role == Role::UsesHash || role == Role::UsesValue || role == Role::Sections;
+           role == Role::UsesHash || role == Role::UsesValue || role == Role::Sections ||
+           role == Role::MeasuresImage;
 }
 
 }  // namespace
@@ -54,8 +57,11 @@ void StatementReports::report(Kind kind, std::string text, const Part& part, std
 void StatementReports::reportName(Kind kind, std::string_view name, std::string text,
                                   std::string hint, std::vector<Note> notes) {
     const auto& parts = statement_.parts;
-    const auto found = std::ranges::find_if(
-        parts, [name](const Part& part) { return usesName(part.role) && part.text == name; });
+    const auto found = std::ranges::find_if(parts, [name](const Part& part) {
+        return (usesName(part.role) && part.text == name) ||
+               (part.role == Role::Symbol &&
+                Parser::WrapperLib::cleanedPath(std::string(part.text)) == name);
+    });
     report(kind, std::move(text), found == parts.end() ? parts.front() : *found, std::move(hint),
            std::move(notes));
 }

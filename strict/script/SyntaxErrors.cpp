@@ -11,6 +11,7 @@
 #include "parser/commands/CmdNewCrc.hpp"
 #include "parser/commands/CmdNewHash.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
+#include "parser/commands/LateNumber.hpp"
 #include "parser/text/Characters.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
 #include "strict/script/Directives.hpp"
@@ -53,6 +54,14 @@ bool has(const std::vector<std::string_view>& words, std::string_view word) {
     return std::ranges::find(words, word) != words.end();
 }
 
+/// The word asks images or symbols for a number.
+bool isNumberFunction(std::string_view word) {
+    using namespace Parser::WrapperLib;
+    const auto isIt = [word](const NumberFunction& one) { return word == one.keyword; };
+    return std::ranges::any_of(imageFunctions(), isIt) ||
+           std::ranges::any_of(symbolFunctions(), isIt);
+}
+
 std::string listed(const std::vector<std::string_view>& words) {
     std::string text;
     for (std::size_t i = 0; i < words.size(); ++i) {
@@ -71,8 +80,9 @@ std::string expectation(std::vector<std::string_view> words,
     constexpr std::size_t longestList = 40;
     const auto isKeyword = [&](std::string_view word) { return has(keywords, word); };
     const bool takesStatement = std::ranges::any_of(words, isKeyword);
-    std::erase_if(words,
-                  [&](std::string_view word) { return isKeyword(word) || word == "CALCULATE"; });
+    std::erase_if(words, [&](std::string_view word) {
+        return isKeyword(word) || word == "CALCULATE" || isNumberFunction(word);
+    });
     const bool isEnd = takesStatement;
     if (words.empty()) return isEnd ? "a statement" : "something else";
     const auto* const group =
@@ -205,7 +215,7 @@ std::string advice(std::string_view before, std::string_view word, std::string_v
         return one.size() > 1 && isLastWord(before, one);
     };
     if (std::ranges::any_of(words, isBefore)) return "is the text in front of it missing?";
-    if (word.starts_with(',')) return "options are separated by blanks";
+    if (word.starts_with(',') && !has(words, ")")) return "options are separated by blanks";
     if (has(words, "WITH_BUFFERS") || has(words, "WITH_ARGUMENTS"))
         return "put a text with blanks into braces";
     if (isAfterFileName(before)) return "put a file name with blanks into braces";
@@ -304,9 +314,13 @@ Diagnostic syntaxError(const ScriptText& script, std::string_view statement,
     const std::size_t line = before.rfind('\n') + 1;
     const auto quote = looseQuoteIn(statement.substr(line, statement.find('\n', at) - line));
     const Outside outside = outsideNameAt(missed.words, word);
+    // What asks for a number has parentheses.
+    const std::size_t next = rest.find_first_not_of(spaces, word.size());
+    const bool isCall = next != std::string_view::npos && rest[next] == '(';
     std::vector<std::string> candidates(missed.words.begin(), missed.words.end());
     std::erase_if(candidates, [&](const std::string& one) {
-        return one.find(' ') != std::string::npos || outside.isName(one);
+        return one.find(' ') != std::string::npos || outside.isName(one) ||
+               (isNumberFunction(one) && !isCall);
     });
     const auto isStatement = [&](std::string_view one) { return has(keywords, one); };
     if (std::ranges::any_of(missed.words, isStatement))

@@ -114,7 +114,7 @@ std::string described(const Statement& statement, const Strict::ScriptText& scri
         text << "  " << static_cast<unsigned>(part.role) << ", " << part.choice << ": " << part.text
              << " at " << script.offsetOf(part.text);
         for (const Parser::Number& number : statement.numbersOf(part))
-            text << ", " << number.value << " as " << withoutBlanks(number.text) << " at "
+            text << ", " << number.value() << " as " << withoutBlanks(number.text) << " at "
                  << script.offsetOf(number.text);
         text << "\n";
     }

@@ -31,14 +31,14 @@ SCOPES = [("comment", "comment"), ("keyword.control.directive", "directive"),
           ("keyword.control", "statement"), ("keyword.operator", "operator"),
           ("keyword.other", "source"), ("variable.parameter", "substitution"),
           ("variable.other", "name"), ("entity.name.section", "section"),
-          ("entity.other", "option"), ("support.constant", "constant"),
+          ("entity.other", "option"), ("support.constant", "constant"), ("support.function", "function"),
           ("constant.numeric", "number"), ("constant.other", "variable"),
           ("punctuation", "delimiter"), ("string", "text")]
 GROUPS = [("Comment", "comment"), ("Directive", "directive"), ("DirectiveWith", "directive"),
           ("Statement", "statement"), ("Operator", "operator"), ("Equals", "operator"),
           ("Source", "source"), ("Substitution", "substitution"), ("Name", "name"),
           ("Symbol", "name"), ("Section", "section"), ("Option", "option"),
-          ("Constant", "constant"), ("Number", "number"), ("Variable", "variable"),
+          ("Constant", "constant"), ("Function", "function"), ("Number", "number"), ("Variable", "variable"),
           ("Delimiter", "delimiter"), ("Separator", "delimiter"), ("Text", "text")]
 
 

@@ -178,7 +178,7 @@ std::vector<Case> otherCases() {
         {"print hash", making<CmdPrintHash>([](CmdPrintHash& c) { c.setHashName("H"); })},
         {"print text",
          [resolved]() -> Statement {
-             auto command = std::make_unique<CmdPrintText>(&Parser::calculated);
+             auto command = std::make_unique<CmdPrintText>(&Parser::calculateNumbers);
              command->setText(resolved + " [1 + (2 + 3)]");
              command->addSymbol("C");
              command->addSymbol("H");

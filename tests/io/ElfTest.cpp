@@ -6,6 +6,7 @@
 
 #include "io/import/Malformed.hpp"
 #include "io/import/elf/ElfInFile.hpp"
+#include "io/import/elf/SymbolTable.hpp"
 #include "tests/io/IoFixtures.hpp"
 
 namespace {
@@ -151,6 +152,52 @@ TEST(Elf, LoadsAtVirtualAddressesWithoutPhysicalOnes) {
         std::fill_n(contents.begin() + static_cast<std::ptrdiff_t>(header + 12), 4, '\0');
     const ElfInFile file(Tests::temporaryFile(contents));
     EXPECT_EQ(file.getDataAreas(), (Buffer::AreaList{{0x8000, 0x2C}, {0x20000, 4}}));
+}
+
+/// Names in C++ by the Itanium C++ ABI, section 5.1.
+TEST(SymbolTable, FindsASymbolByItsNameOrThatOfCpp) {
+    using Io::Import::Symbol;
+    using enum Symbol::Kind;
+    Io::Import::SymbolTable table({{"main", 0x100, 8, Function, true, false},
+                                   {"_Z3addii", 0x200, 4, Function, true, false},
+                                   {"_ZN2ns4sizeE", 0x300, 4, Data, true, false},
+                                   {"_Z3twoi", 0x310, 4, Function, true, false},
+                                   {"_Z3twov", 0x320, 4, Function, true, false},
+                                   {"count", 0x400, 4, Data, false, false},
+                                   {"count", 0x404, 4, Data, true, false},
+                                   {"count", 0x408, 4, Data, false, false},
+                                   {"static", 0x500, 4, Data, false, false},
+                                   {"static", 0x504, 4, Data, false, false},
+                                   {"table", 0x600, 0, Other, true, false},
+                                   {"table", 0x600, 16, Data, true, false},
+                                   {"add", 0x700, 2, Function, false, false}});
+    struct Row {
+        const char* name;
+        std::uint64_t address;  ///< 0 if there is none
+        std::uint64_t size;
+        bool isAmbiguous = false;
+    };
+    for (const Row& row : {
+             Row{"main", 0x100, 8},
+             Row{"_Z3addii", 0x200, 4},
+             Row{"add(int, int)", 0x200, 4},
+             Row{"add", 0x700, 2},
+             Row{"ns::size", 0x300, 4},
+             Row{"two", 0x310, 4, true},
+             Row{"two()", 0x320, 4},
+             Row{"count", 0x404, 4},
+             Row{"static", 0x500, 4, true},
+             Row{"table", 0x600, 16},
+             Row{"Main", 0, 0},
+             Row{"", 0, 0},
+         }) {
+        const auto found = table.find(row.name);
+        ASSERT_EQ(found.symbol != nullptr, row.address != 0) << row.name;
+        if (found.symbol == nullptr) continue;
+        EXPECT_EQ(found.symbol->address, row.address) << row.name;
+        EXPECT_EQ(found.symbol->size, row.size) << row.name;
+        EXPECT_EQ(found.isAmbiguous, row.isAmbiguous) << row.name;
+    }
 }
 
 }  // namespace

@@ -34,7 +34,8 @@ public:
         const Position first = text.data();
         const auto info = Spirit::parse(first, first + text.size(), rules_.value);
         if (!info.hit) return {};
-        return {true, static_cast<std::size_t>(info.length), state_.expression.currentValue()};
+        return {true, static_cast<std::size_t>(info.length),
+                static_cast<std::uint32_t>(state_.expression.current().value())};
     }
 
 private:

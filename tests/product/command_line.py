@@ -20,7 +20,7 @@ REFUSED = (
     (["chek", "s.tsn"], "did you mean check?"),
     (["/?"], "--help"), (["-?"], "--help"), (["/h"], "--help"), (["/help"], "--help"),
     (["?"], "--help"), (["-x"], "the options of a command go after it"),
-    (["help", "crc"], "did you mean crcs?"), (["help", "nothing"], "there are statements, crcs"),
+    (["help", "crc"], "did you mean crcs?"), (["help", "nothing"], "there are statements, numbers"),
     (["frobnicate"], "the commands are run, check"),
     ([], "a command is required"),
     (["--versio"], "did you mean --version?"),

@@ -18,7 +18,7 @@ std::uint32_t parsedValue(const std::string& expression) {
     Parser::ScriptSyntax syntax(nullptr);
     syntax.state().statement.keepStatements(statement.size());
     EXPECT_EQ(syntax.parse(statement), statement.size()) << statement;
-    return syntax.state().statement.statements()[0].numbers.front().value;
+    return syntax.state().statement.statements()[0].numbers.front().value();
 }
 
 class RandomExpressions {
@@ -108,6 +108,36 @@ TEST(ArithmeticTest, SeesTwoNumbersSideBySide) {
     EXPECT_TRUE(Arithmetic("(1) (2)").hasPair());
     EXPECT_FALSE(Arithmetic("1 - 2").hasPair());
     EXPECT_FALSE(Arithmetic("(1 + 0x20) * 3").hasPair());
+}
+
+/// An end address may have 33 bits: that matters where it is the result, or where an operator makes
+/// more of it.
+TEST(ArithmeticTest, TakesTheAnswersForWhatIsAsked) {
+    constexpr std::uint64_t end = std::uint64_t{1} << 32U;
+    using Answers = std::vector<Arithmetic::Answer>;
+    struct Late {
+        const char* text;
+        Answers answers;
+        std::uint32_t language;
+        std::uint32_t usual;
+        bool leavesRange;
+    };
+    for (const Late& row : {
+             Late{"endOf(@a1)", {{0x108, 10}}, 0x108, 0x108, false},
+             Late{"endOf(@a) - 4-1", {{0x108, 9}}, 0x105, 0x103, false},
+             Late{"endOf(@a) - 4", {{end, 9}}, 0xFFFFFFFC, 0xFFFFFFFC, false},
+             Late{"endOf(@a)", {{end, 9}}, 0, 0, true},
+             Late{"lengthOf(@a) - 8", {{4, 12}}, 0xFFFFFFFC, 0xFFFFFFFC, true},
+             Late{"lengthOf(@a) * 2", {{0x80000000, 12}}, 0, 0, true},
+             Late{"lengthOf(@a)", {{0xFFFFFFFF, 12}}, 0xFFFFFFFF, 0xFFFFFFFF, false},
+             Late{"2*(startOf(@0x1)+sizeOf(a,b(1)))", {{5, 13}, {7, 14}}, 24, 24, false},
+         }) {
+        const Arithmetic arithmetic(row.text, row.answers);
+        EXPECT_EQ(arithmetic.language(), row.language) << row.text;
+        EXPECT_EQ(arithmetic.usual(), row.usual) << row.text;
+        EXPECT_EQ(arithmetic.leavesRange(), row.leavesRange) << row.text;
+        EXPECT_FALSE(arithmetic.hasPair()) << row.text;
+    }
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ using Parser::Role;
 
 const std::vector<Role> area{Role::Area, Role::Range, Role::Address};
 const std::vector<Role> input{Role::InputFile};
-const std::vector<Role> anyInput{Role::InputFile, Role::Template};
+const std::vector<Role> anyInput{Role::InputFile, Role::Template, Role::SymbolFile};
 const std::vector<Role> output{Role::OutputFile};
 const std::vector<Role> bus{Role::Lane, Role::Interleave};
 
@@ -322,6 +322,28 @@ std::vector<FactRow> fileRows() {
            {},
            {},
            ".bss"}}},
+        {ImageWithout{"@a", ImageLack::Addresses},
+         {{Kind::EmptyImage, "@a has no addresses here", {}, {}, "@a"}}},
+        {ImageWithout{"@a", ImageLack::Bytes},
+         {{Kind::EmptyImage, "nothing wrote a byte to @a", {}, {}, "@a"}}},
+        {SymbolUnfit{"app.elf", "mian", SymbolFault::Missing, 0, "main\ntable\n"},
+         {{Kind::UnknownName, "app.elf has no symbol mian", {}, "did you mean main?", "mian"}}},
+        {SymbolUnfit{"app.elf", "main", SymbolFault::Missing, 0, ""},
+         {{Kind::UnknownName,
+           "app.elf has no symbol main",
+           {},
+           "it has no symbols at all: was it stripped?",
+           "main"}}},
+        {SymbolUnfit{"app.elf", "main", SymbolFault::Missing, 0, "table\n"},
+         {{Kind::UnknownName, "app.elf has no symbol main", {}, "", "main"}}},
+        {SymbolUnfit{"app.elf", "main", SymbolFault::Several, 0, ""},
+         {{Kind::UnknownName, "app.elf has several symbols main", {}, "", "main"}}},
+        {SymbolUnfit{"app.elf", "main", SymbolFault::TooWide, 0x123456789, ""},
+         {{Kind::Outside,
+           "the address of main, 0x123456789, has more than 32 bits",
+           {},
+           "",
+           "main"}}},
         {FamilyUnfit{"a.uf2", FamilyFault::Shared, 0, 0x100, "RP2040 (0xE48BFF56), 0x00000001"},
          {{Kind::WrongFormat,
            "a.uf2 has bytes of several families for 0x00000100",

@@ -23,6 +23,18 @@ syntax match tessaronOperator "[-+*/%=]"
 syntax match tessaronNumber /[0-9]\+/
 syntax match tessaronNumber /0*[xX][0-9A-Fa-f]\+[A-Za-z0-9_]\@!/
 
+" Numbers of images and symbols. A sign that a name may have can be an operator here.
+syntax match tessaronFunction "\v[A-Za-z0-9#@_!<>&]@<!%(startOf|endOf|lengthOf|firstWritten|lastWritten)%(\s*\()@="
+      \ nextgroup=tessaronImageDelimiter skipwhite
+syntax match tessaronImageDelimiter /(/ contained nextgroup=tessaronName skipwhite
+syntax match tessaronFunction "\v[A-Za-z0-9#@_!<>&]@<!%(symbolOf|sizeOf)%(\s*\()@="
+      \ nextgroup=tessaronFileDelimiter skipwhite
+syntax match tessaronFileDelimiter /(/ contained nextgroup=tessaronSymbolFileText skipwhite
+syntax match tessaronSymbolFileText #\v%(\{[^}]*\}|["'][^"']*["']|[^ \t,(){}"']+)# contained
+      \ nextgroup=tessaronSymbolDelimiter skipwhite
+syntax match tessaronSymbolDelimiter /,/ contained nextgroup=tessaronSymbolText skipwhite
+syntax match tessaronSymbolText #\v%(\{[^}]*\}|["'][^"']*["']|[^ \t,(){}"']+)# contained
+
 " Names, after a keyword or in a list.
 syntax match tessaronName /\k\+/ contained
 syntax match tessaronSymbol /@\k\+/ contained
@@ -37,7 +49,7 @@ syntax match tessaronSeparator /[,;]/ contained
 syntax match tessaronNumbersEquals /=/ contained nextgroup=tessaronNumbers skipwhite skipempty
 syntax region tessaronNumbers matchgroup=tessaronDelimiter start=/{/ end=/}/ contained
       \ contains=tessaronComment,tessaronNumbers,tessaronNumber,tessaronOperator,tessaronVariable,
-      \tessaronDelimiter
+      \tessaronDelimiter,tessaronFunction
 
 " The name of a CRC, which looks like an expression.
 syntax region tessaronCatalogue matchgroup=tessaronDelimiter start=/{/ end=/}/ contained
@@ -197,6 +209,12 @@ highlight default link tessaronSymbol Identifier
 highlight default link tessaronSection Identifier
 highlight default link tessaronVariable Macro
 highlight default link tessaronNumber Number
+highlight default link tessaronFunction Function
+highlight default link tessaronImageDelimiter Delimiter
+highlight default link tessaronFileDelimiter Delimiter
+highlight default link tessaronSymbolDelimiter Delimiter
+highlight default link tessaronSymbolFileText String
+highlight default link tessaronSymbolText String
 highlight default link tessaronOperator Operator
 highlight default link tessaronNamesEquals Operator
 highlight default link tessaronNumbersEquals Operator
