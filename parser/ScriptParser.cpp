@@ -35,7 +35,9 @@ typename Spirit::parser_result<ScriptParser, ScannerT>::type ScriptParser::parse
 ScriptParser::ScriptParser() : ScriptParser({}, {}) {}
 
 ScriptParser::ScriptParser(std::string path, std::map<std::string, std::string> variables)
-    : state_(&calculateNumbers), initialVariables_(std::move(variables)), scriptPath_(std::move(path)) {}
+    : state_(&calculateNumbers),
+      initialVariables_(std::move(variables)),
+      scriptPath_(std::move(path)) {}
 
 ScriptParser::~ScriptParser() = default;
 
