@@ -389,7 +389,8 @@ void addWriteFile(Strict::ProgramMaker& maker, const Steps& steps) {
         write.setAddressUnit(arranging.outputUnit);
         addDigit(maker, "-setAddressUnit", Role::AddressUnit, arranging.outputUnit);
     }
-    write.setFormat(format, steps.format.number);
+    write.setFormat(format);
+    if (steps.format.number) write.setFormatNumber(format, *steps.format.number);
     maker.add(" -setFormat=");
     addFormat(maker, steps.format);
     if (!steps.elfTemplate.empty()) {

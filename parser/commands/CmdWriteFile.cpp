@@ -416,16 +416,19 @@ void CmdWriteFile::addBuffer(std::string name) {
     bufferNames_.push_back(std::move(name));
 }
 
-void CmdWriteFile::setFormat(const ExportFormat& newFormat, std::optional<std::uint32_t> number) {
+void CmdWriteFile::setFormat(const ExportFormat& newFormat) {
     format_ = &newFormat;
     // Nothing clears this again: an IntelHexExtended after an IntelHexSegment keeps the segments.
-    if (format_->useSegmentAddressing) styles_.intelHexStyle.useSegmentAddressing = true;
-    if (number) format_->setNumber(styles_, *number);
+    if (newFormat.useSegmentAddressing) styles_.intelHexStyle.useSegmentAddressing = true;
 }
 
-void CmdWriteFile::setFormat(const ExportFormat& newFormat, std::vector<std::uint32_t> numbers) {
-    setFormat(newFormat, std::nullopt);
-    format_->setNumbers(styles_, std::move(numbers));
+void CmdWriteFile::setFormatNumber(const ExportFormat& numbered, std::uint32_t number) {
+    numbered.setNumber(styles_, number);
+}
+
+void CmdWriteFile::setFormatNumbers(const ExportFormat& numbered,
+                                    std::vector<std::uint32_t> numbers) {
+    numbered.setNumbers(styles_, std::move(numbers));
 }
 
 void CmdWriteFile::setHeaderText(std::string argument) {

@@ -113,12 +113,14 @@ public:
     void addBuffer(std::string name);
 
     /// @param newFormat  a row of `formats`
-    /// @param number     the number of an underscore form; without one the record length, or the
-    ///                   elements of a line, keep their value
-    void setFormat(const ExportFormat& newFormat, std::optional<std::uint32_t> number);
+    void setFormat(const ExportFormat& newFormat);
 
-    /// A format of the form `Named` with several of its names, one for each image.
-    void setFormat(const ExportFormat& newFormat, std::vector<std::uint32_t> numbers);
+    /// The number of the underscore form of a format; without one the record length, or the
+    /// elements of a line, keep their value.
+    void setFormatNumber(const ExportFormat& numbered, std::uint32_t number);
+
+    /// The numbers of a format of the form `Named`, one for each image.
+    void setFormatNumbers(const ExportFormat& numbered, std::vector<std::uint32_t> numbers);
 
     /// The text of the header record of S-records, at most 252 bytes.
     void setHeaderText(std::string argument);

@@ -126,18 +126,22 @@ struct WriteFileRules final : StatementRules {
         std::vector<const Rule*> alternatives;
         std::uint32_t choice = 0;  // the row of the table
         for (const ExportFormat& format : CmdWriteFile::formats()) {
-            const auto set = [&state, &format](CmdWriteFile& write, bool hasNumber) {
-                write.whenKnown([&write, &format, hasNumber, amount = state.expression.current()] {
-                    const auto number = static_cast<std::uint32_t>(amount.value());
-                    write.setFormat(format, hasNumber ? std::optional(number) : std::nullopt);
-                });
-            };
             const auto bare = on.with(
                 format.trace, Role::Format,
-                [set](CmdWriteFile& write, std::string_view) { set(write, false); }, choice);
+                [&format](CmdWriteFile& write, std::string_view) { write.setFormat(format); },
+                choice);
+            const auto set = [&format](CmdWriteFile& write, const WrapperLib::Amount& amount) {
+                write.setFormat(format);
+                write.whenKnown([&write, &format, amount] {
+                    write.setFormatNumber(format, static_cast<std::uint32_t>(amount.value()));
+                });
+            };
             const auto numbered = on.with(
                 format.trace, Role::Format,
-                [set](CmdWriteFile& write, std::string_view) { set(write, true); }, choice);
+                [&state, set](CmdWriteFile& write, std::string_view) {
+                    set(write, state.expression.current());
+                },
+                choice);
             Rule& rule = formats.emplace_back();
             if (format.numberForm == FormatNumber::None)
                 rule = rules.keyword(format.keyword)[bare];
@@ -148,10 +152,8 @@ struct WriteFileRules final : StatementRules {
                 rule = rules.keyword(format.keyword) >> rules.expected("_", ch_p('_')) >>
                        (NumberName(state, format.names, named)[on.with(
                             format.trace, Role::Format,
-                            [this, &format](CmdWriteFile& write, std::string_view) {
-                                write.whenKnown([&write, &format, number = named] {
-                                    write.setFormat(format, number);
-                                });
+                            [this, set](CmdWriteFile& write, std::string_view) {
+                                set(write, {named});
                             },
                             choice)] |
                         rules.notedValue[numbered]);
@@ -182,8 +184,9 @@ struct WriteFileRules final : StatementRules {
                 namedList.add(state.expression.current());
             };
             const auto set = [this, &format](CmdWriteFile& write, std::string_view) {
+                write.setFormat(format);
                 write.whenKnown([&write, &format, list = namedList]() mutable {
-                    write.setFormat(format, std::move(list).values());
+                    write.setFormatNumbers(format, std::move(list).values());
                 });
             };
             Rule& rule = formats.emplace_back();

@@ -148,8 +148,8 @@ std::vector<Case> writeCases() {
                              const bool hasNumber = format.setNumber != nullptr;
                              // A word has at most 8 bytes.
                              const bool isWord = format.numberForm == FormatNumber::Required;
-                             command.setFormat(format, hasNumber ? std::optional(isWord ? 8U : 32U)
-                                                                 : std::nullopt);
+                             command.setFormat(format);
+                             if (hasNumber) command.setFormatNumber(format, isWord ? 8U : 32U);
                              command.setExecutionStartAddress(0x1234);
                              if (format.needsTemplate)
                                  command.setElfTemplate(inFolder("template.elf"));
