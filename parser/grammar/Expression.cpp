@@ -65,10 +65,10 @@ void Expression::apply(WrapperLib::Operator operation) {
 void Expression::takeValue() {
     if (valueStack_.empty()) return;
     const Operand top = valueStack_.front();
-    current_ = {top.value};
+    current_.number = top.value;
+    if (current_.late) current_.late.reset();
     if (top.term != 0) current_.late = std::make_shared<LateNumber>(std::move(terms_), top.term);
     valueStack_.clear();
-    terms_.clear();
 }
 
 }  // namespace Parser

@@ -43,6 +43,24 @@ private:
     Expression* expression_;
 };
 
+/// Nothing, in front of a letter where a number may ask. Most numbers end at another sign, so that
+/// no word is looked for there.
+class QueryStart : public Spirit::parser<QueryStart> {
+public:
+    explicit QueryStart(const Expression& expression) : expression_(&expression) {}
+
+    template <class ScannerT>
+    typename Spirit::parser_result<QueryStart, ScannerT>::type parse(const ScannerT& scan) const {
+        const Position first = scan.first;
+        const bool isLetter = first != scan.last && *first >= 'a' && *first <= 'z';
+        if (!isLetter || !expression_->takesQueries()) return scan.no_match();
+        return scan.create_match(0, Spirit::nil_t(), first, first);
+    }
+
+private:
+    const Expression* expression_;
+};
+
 void defineLexis(CommonRules& rules, FruitlessSearches& searches) {
     rules.ws = *space_p;
     rules.openBrace = rules.ws >> rules.expected("{", ch_p('{')) >> rules.ws;
@@ -65,10 +83,9 @@ void defineExpressions(CommonRules& rules, Expression& expression) {
     using Number10 = Spirit::uint_parser<std::uint32_t, 10, 1, -1>;
     const auto push = boost::bind(&Expression::pushValue, &expression, boost::placeholders::_1);
     rules.hexPrefix = *ch_p('0') >> (ch_p('x') | ch_p('X'));
-    const auto takesQueries = boost::bind(&Expression::takesQueries, &expression);
     rules.number =
         rules.expected("a number", (rules.hexPrefix >> Number16()[push]) | Number10()[push]) |
-        (eps_p(takesQueries) >> rules.query);
+        (QueryStart(expression) >> rules.query);
 
     const NestedExpression nested(rules.expression, expression);
     const auto operation = [&](char sign, Operator action) {

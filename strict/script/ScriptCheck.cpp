@@ -258,6 +258,7 @@ void ScriptCheck::checkEffects(const Statement& statement) {
         report(Kind::NoEffect, "-setValueSize has no effect without a list of values",
                statement.textOf(Role::ValueSize));
     for (const Role role : {Role::ArrayName, Role::GuardName}) {
+        if (!statement.has(role)) continue;
         const std::string_view name = statement.textOf(role);
         if (isKeywordOfC(name))
             report(Kind::Outside,
