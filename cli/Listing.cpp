@@ -72,8 +72,12 @@ std::string statements() {
         rows.push_back({keyword, meaning});
     rows.push_back({"CALCULATE", "evaluates a number, and prints nothing"});
     rows.push_back({"SUBSTITUTE", "replaces a word in the rest of the script"});
+    const std::vector<Row> directives{
+        {"INCLUDE", "puts the text of another file in its place"},
+        {"PARAMETER", "declares what the script expects from its caller"}};
     return "Statements:\n" + table(rows) +
-           "\nChapter 6 of the manual describes each with its options.\n";
+           "\nLines that only tessaron has, see section 15.75 of the manual:\n" +
+           table(directives) + "\nChapter 6 of the manual describes each with its options.\n";
 }
 
 std::string crcs() {

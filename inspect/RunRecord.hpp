@@ -95,8 +95,9 @@ struct ValueRecord {
 
 /// A file that the script includes.
 struct IncludedScript {
-    std::string path;
+    std::string path;  ///< as the record has it
     std::string text;  ///< as it was written
+    std::string file;  ///< its path on this machine
 };
 
 /// All that went into a run and came out of it.

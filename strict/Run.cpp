@@ -17,6 +17,7 @@
 #include "strict/AddressSpace.hpp"
 #include "strict/ElfSymbols.hpp"
 #include "strict/ImageReading.hpp"
+#include "strict/IncludedFile.hpp"
 #include "strict/RunListener.hpp"
 #include "strict/ScriptReading.hpp"
 #include "strict/diagnostics/RemarkList.hpp"
@@ -332,14 +333,15 @@ private:
     bool record(const Program& program, const Execution& execution) {
         if (!checkInputs(files_, *printer_)) return false;
         const FinishedRun finished{scriptSha256_,        &options_.variables,     &program,
-                                   &execution.context(), &execution.provenance(), &files_};
+                                   &execution.context(), &execution.provenance(), &files_,
+                                   recipeFolders()};
         const bool withDetails = !options_.report.empty() || options_.comparesDisk;
         Inspect::RunRecord record = recordOf(finished, withDetails);
         remarks_.finish();
         record.remarks = std::move(remarks_.remarks);
-        // The record names all files by portable paths, its links lead from one to the other.
+        // The links of the record lead from one file to the other by their paths.
         for (Inspect::Remark& remark : record.remarks)
-            remark.file = Platform::portablePath(remark.file);
+            remark.file = recordedPath(remark.file, finished.recipeFolders);
         return useRecord(options_, record, execution.provenance(), files_, *printer_);
     }
 

@@ -162,6 +162,13 @@ std::string textOf(const Buffer::AreaList& areas, const ScriptOutput& made,
     return text;
 }
 
+/// The file of a script that the record names; the script itself if the name is empty.
+std::string fileOf(const std::string& script, const Inspect::RunRecord& record) {
+    const auto included =
+        std::ranges::find(record.included, script, &Inspect::IncludedScript::path);
+    return included == record.included.end() ? record.scriptPath : included->file;
+}
+
 /// A note with the statement, and the line of the input, that a byte comes from.
 Note noteOn(std::string text, const std::optional<ImagePlace>& where,
             const Inspect::RunRecord& record) {
@@ -173,8 +180,7 @@ Note noteOn(std::string text, const std::optional<ImagePlace>& where,
         note.text += ", " + Inspect::linesText(line, line);
     else if (origin->firstLine != 0)
         note.text += ", " + Inspect::linesText(origin->firstLine, origin->lastLine);
-    note.place = Place{
-        origin->script.empty() ? record.scriptPath : origin->script, origin->line, 0, "", 0, 0};
+    note.place = Place{fileOf(origin->script, record), origin->line, 0, "", 0, 0};
     return note;
 }
 

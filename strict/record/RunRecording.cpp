@@ -66,16 +66,20 @@ private:
     }
 
     /// The included file that has a place; empty for the script itself.
-    static std::string scriptOf(const Place& place) {
-        return place.includedFrom.empty() ? "" : Platform::portablePath(place.file);
+    std::string scriptOf(const Place& place) const {
+        return place.includedFrom.empty() ? "" : pathOf(place.file);
+    }
+
+    std::string pathOf(const std::string& path) const {
+        return recordedPath(path, run_->recipeFolders);
     }
 
     void addIncluded() {
         const auto& files = run_->program->text().sources().files();
         for (std::size_t i = 1; i < files.size(); ++i) {
-            const std::string path = Platform::portablePath(files[i].name());
+            const std::string path = pathOf(files[i].name());
             included_.insert(path);
-            record_.included.push_back({path, std::string(files[i].text())});
+            record_.included.push_back({path, std::string(files[i].text()), files[i].name()});
         }
     }
 
@@ -105,7 +109,7 @@ private:
         auto uses = usesOfInputs();
         for (const std::string& path : run_->files->inputs()) {
             Inspect::FileRecord file = std::move(uses[path]);
-            file.path = Platform::portablePath(path);
+            file.path = pathOf(path);
             file.isIncluded = file.line == 0 && included_.contains(file.path);
             for (const FileDigest& digest : run_->files->inputDigests(path)) {
                 file.size = digest.size;
@@ -283,6 +287,13 @@ private:
 };
 
 }  // namespace
+
+std::string recordedPath(const std::string& path, const std::vector<std::string>& recipeFolders) {
+    for (const std::string& folder : recipeFolders)
+        if (path.starts_with(folder))
+            return "<recipes>/" + Platform::portablePath(path.substr(folder.size()));
+    return Platform::portablePath(path);
+}
 
 Inspect::RunRecord recordOf(const FinishedRun& run, bool withDetails) {
     return Recorder(run, withDetails).record();

@@ -19,8 +19,13 @@ struct FinishedRun {
     const Program* program;
     const Parser::WrapperLib::CmdContext* context;
     const Provenance* provenance;
-    RunFiles* files;  ///< which keeps digests
+    RunFiles* files;                              ///< which keeps digests
+    std::vector<std::string> recipeFolders = {};  ///< each with a separator at its end
 };
+
+/// The path of a file as a record has it: with slashes, and of a recipe that is installed with
+/// `<recipes>` for its folder, so that the record is the same wherever the program is installed.
+std::string recordedPath(const std::string& path, const std::vector<std::string>& recipeFolders);
 
 /// What went into the run and what came out of it. The remarks are left to the caller, and the
 /// images are those of the run.
