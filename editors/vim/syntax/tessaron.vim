@@ -23,6 +23,9 @@ syntax match tessaronOperator "[-+*/%=]"
 syntax match tessaronNumber /[0-9]\+/
 syntax match tessaronNumber /0*[xX][0-9A-Fa-f]\+[A-Za-z0-9_]\@!/
 
+" A file among the values of an INCLUDE.
+syntax match tessaronFileText "\v%(%(//)@![^ \t,;(){}='\"])*\.%(%(//)@![^ \t,;(){}='\"])*"
+
 " Numbers of images and symbols. A sign that a name may have can be an operator here.
 syntax match tessaronFunction "\v[A-Za-z0-9#@_!<>&]@<!%(startOf|endOf|lengthOf|firstWritten|lastWritten)%(\s*\()@="
       \ nextgroup=tessaronImageDelimiter skipwhite
@@ -214,6 +217,7 @@ highlight default link tessaronImageDelimiter Delimiter
 highlight default link tessaronFileDelimiter Delimiter
 highlight default link tessaronSymbolDelimiter Delimiter
 highlight default link tessaronSymbolFileText String
+highlight default link tessaronFileText String
 highlight default link tessaronSymbolText String
 highlight default link tessaronOperator Operator
 highlight default link tessaronNamesEquals Operator
