@@ -3,8 +3,8 @@
 
   keywords   both have every keyword of the grammar
   vim        Vim shows the annotated script as its annotations say
-  agreement  Vim and the TextMate grammar show all scripts of the examples and of the manual alike,
-             and leave no character out
+  agreement  Vim and the TextMate grammar show all scripts of the examples, the recipes and the
+             manual alike, and leave no character out
 """
 import argparse
 import itertools
@@ -109,7 +109,8 @@ def check_vim():
 
 def check_agreement(modules):
     with tempfile.TemporaryDirectory() as folder:
-        files = [ANNOTATED, *sorted((ROOT / "examples").rglob("*.tsn"))]
+        files = [ANNOTATED, *sorted((ROOT / "examples").rglob("*.tsn")),
+                 *sorted((ROOT / "recipes").glob("*.tsn"))]
         for part in itertools.chain(*run_examples.sections(MANUAL)[0]):
             # What does not parse may end anywhere.
             if re.fullmatch(r"\S+\.tsn", part.title) and part.title != "syntax.tsn":

@@ -10,7 +10,8 @@ signs and ends at the next title or at the rule that ends the sheet:
     == app.hex afterwards ========================   a file that must exist then
     ==============================================
 
-All sheets of a section run in the same new folder. Spaces at the ends of lines are ignored. Banner,
+All sheets of a section run in the same new folder, which has the recipes that its scripts include.
+Spaces at the ends of lines are ignored. Banner,
 time and time stamps are masked, and removed where the manual omits them. A command that begins with
 "tessaron" shows its standard output and then its standard error, whose long lines are folded: each
 further line of the page is indented by eight spaces.
@@ -20,6 +21,7 @@ import argparse
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -127,6 +129,15 @@ def run_part(part, folder, environment):
     return []
 
 
+def put_recipes(parts, folder, recipes):
+    """Puts recipes where the program looks for them first: those of the tree, and not others that may
+    be installed on this machine."""
+    text = "".join(part.text() for part in parts)
+    for recipe in recipes.glob("*.tsn"):
+        if "INCLUDE " + recipe.name in text:
+            shutil.copy(recipe, folder)
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--leave-out", action="append", default=[], metavar="COMMAND")
@@ -146,6 +157,7 @@ def main():
         for index, parts in enumerate(found):
             folder = pathlib.Path(work) / str(index)
             folder.mkdir()
+            put_recipes(parts, folder, options.manual.resolve().parents[1] / "recipes")
             for part in parts:
                 if EXIT_CODE.sub(r"\1", part.title) in ignored:
                     continue
