@@ -61,7 +61,9 @@ void checkWholeImage(const Step& step) {
     if (value == nullptr) return;
     const std::size_t size = step.put ? step.values.sizeOf(*step.put).value_or(0) : 0;
     const auto range = step.changed ? step.images[*step.changed].range : std::nullopt;
-    if (size != 0 && range && range->length == size) return;
+    // Where the range is not known before the run, the value may be all that the image is for.
+    const bool isKnown = size == 0 || range.has_value() || step.context != nullptr;
+    if (!isKnown || (size != 0 && range && range->length == size)) return;
     step.findings.report(Kind::WholeImage,
                          "without an area " + std::string(value->text) + " replaces all bytes of " +
                              std::string(statement.textOf(Role::ChangesImage)),
