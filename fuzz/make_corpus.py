@@ -47,14 +47,15 @@ def script_cases():
 
 
 def include_cases():
-    """Name and seed of the cases with parameters and includes, and of the recipes."""
-    for folder in sorted(ROOT.glob("tests/diagnostics/*")):
+    """Name and seed of the cases and examples with parameters and includes, and of the recipes."""
+    for folder in sorted(ROOT.glob("tests/diagnostics/*")) + sorted(ROOT.glob("examples/*")):
         scripts = sorted(folder.glob("**/*.tsn"))
         main = next((path for path in scripts if path.name in ("script.tsn", "release.tsn")), None)
         text = main.read_bytes() if main else b""
         if b"PARAMETER" not in text and b"INCLUDE" not in text:
             continue
-        arguments = (folder / "arguments").read_bytes().splitlines()
+        words = folder / "arguments"
+        arguments = words.read_bytes().splitlines() if words.exists() else []
         values = b"\n".join(line for line in arguments if b"=" in line and line[:1] != b"-")
         yield folder.name, call(values, text, [
             (str(path.relative_to(folder)), path.read_bytes()) for path in scripts if path != main])

@@ -21,9 +21,24 @@ block() { awk -v n="$1" '/^```/ { ++fences; next } fences == 2 * n - 1' "$root/R
 block 1 >crc.tsn
 { "$strict" run crc.tsn && tail -n 2 release.hex; } >crc.out
 block 2 | sed 1d | cmp - crc.out
-sed 's/{0x0800FFFC, 4}/{0x0800FFFE, 4}/' crc.tsn >late.tsn
+sed 's/endOf(@Flash) - 4/endOf(@Flash) - 2/' crc.tsn >late.tsn
 ! "$strict" run late.tsn 2>late.err
 block 3 | sed 1d | cmp - late.err
+
+# srecord fills the gaps before it lays the settings, which are above all data, over them.
+cd "$work/variants"
+"$strict" run release.tsn
+variant() {
+    srec_cat '(' ../firmware/firmware.hex -intel -fill 0xFF 0x08000000 0x0800F000 \
+                 -generate 0x0800F000 0x0800F002 -constant-l-e "$2" 2 \
+                 -generate 0x0800F002 0x0800F004 -constant-l-e "$3" 2 \
+                 -generate 0x0800F004 0x0800FFFC -constant 0xFF ')' \
+             -crc32-l-e 0x0800FFFC -o expected.hex -intel
+    srec_cmp expected.hex -intel "release-$1.hex" -intel
+}
+variant eu 1 868
+variant us 2 915
+variant jp 3 920
 
 cd "$work/all-formats"
 "$program" inFile=../firmware/firmware.hex all-formats.tsn >run.out
