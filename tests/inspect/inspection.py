@@ -609,6 +609,30 @@ class Inspection(unittest.TestCase):
         self.assertEqual([x - data[0][0] for x, _ in data], [0, 722])
         self.assertEqual([width for _, width in data], [277, 278])
 
+    def test_cells_of_a_map(self):
+        """Cell i of n begins at i * length // n, and shows how much of it is data."""
+        def cells(areas, length, count):
+            data = {at for start, size in areas for at in range(start, start + size)}
+            size = length // count
+            for i in range(count):
+                has = sum(at in data for at in range(length * i // count, length * (i + 1) // count))
+                yield "." if has == 0 else "+" if has < size else "#"
+
+        for length, areas in ((100, [(0, 1), (50, 10), (99, 1)]), (76, [(0, 1), (75, 1)]),
+                              (303, [(0, 3), (9, 1), (100, 50), (152, 2), (301, 2)]),
+                              (2500, [(0, 1), (7, 2), (1234, 101), (2497, 3)])):
+            write("cells.hex", {0x1000 + at: bytes(size) for at, size in areas})
+            self.assertIn(" |%s|\n" % "".join(cells(areas, length, 76)),
+                          tessaron("map", "cells.hex", "--ascii", "--width", "80"))
+        tessaron("map", "cells.hex", "--svg", "cells.svg")
+        boxes = [(box.get("class"), int(box.get("x")) - 220, int(box.get("width")))
+                 for box in xml.etree.ElementTree.parse("cells.svg").iter(
+                     "{http://www.w3.org/2000/svg}rect")
+                 if box.get("class") in ("data", "part") and box.get("width") != "14"]
+        drawn = "".join(cells(areas, length, 1000))
+        self.assertEqual(boxes, [({"+": "part", "#": "data"}[run[0][0]], run.start(), len(run[0]))
+                                 for run in re.finditer(r"#+|\++", drawn)])
+
     def test_cuts_of_a_map(self):
         """A gap of 64 KiB cuts a map, unless it is shorter than the data, or one of many."""
         for areas, panels in (
@@ -890,6 +914,12 @@ class Inspection(unittest.TestCase):
         self.assertIn("1 byte differs, in settings+0x2\n", said)
         self.assertIn("         4         4         0  settings\n", said)
         self.assertNotIn("moved", said)
+        # A table of names is of two images that have them.
+        for pair in (("old.elf", "patched.hex"), ("patched.hex", "old.elf")):
+            said = tessaron("diff", *pair, code=1)
+            self.assertIn("1 byte differs, in settings+0x2\n", said)
+            self.assertNotIn(" name\n", said)
+            self.assertNotIn("names", json.loads(tessaron("diff", *pair, "--json", code=1)))
         tessaron("diff", "old.elf", "old.hex", "--elf", "old.map")
         self.assertNotIn("settings", tessaron("diff", "old.hex", "patched.hex", code=1))
         self.assertIn("fw::reset() to limit+0x1", tessaron("info", "old.hex", "--elf", "old.elf"))

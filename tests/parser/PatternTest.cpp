@@ -35,6 +35,13 @@ TEST(PatternTest, MatchesAsItsDocumentsSay) {
              {"^b|a$", "a\r\nb\nab", "x", "x\r\nx\nab"},
              {"a.b", "a\rb a\nb a b", "x", "a\rb a\nb x"},
              {"\\bab\\b|\\Bd", "ab cab ad d", "x", "x cab ax d"},
+             // A match sees what is in front of it, also where that was taken by the one before.
+             {"^a", "aa\na", "x", "xa\nx"},
+             {"a|\\bb|\\Bc", "abc", "x", "xbx"},
+             {"b\\b|\\bb\\B", "ab bc", "x", "ax xc"},
+             // What a way took that leads nowhere is not taken.
+             {"(a)?b|ac", "ac", "<$1>", "<>"},
+             {"(?:(a)|(b))c|a", "ad", "<$1,$2>", "<,>d"},
              {"\\x41\\u0042\\t\\.", "AB\t.", "x", "x"},
              {"\\d\\D\\w\\W\\s\\S", "1a_ \n.", "x", "x"},
              {"a\\*]}", "a*]}", "x", "x"},

@@ -57,6 +57,8 @@ TEST(MeaningTest, LanesHaveTheRangesOfTheirBus) {
     expectOf("8, 6", "FROM_BUFFER @bus -useLane={0, 2, 1}", {});
     expectOf("8, 7", "FROM_BUFFER @bus -useLane={0, 2, 1}", {"3:40 outside"});
     expectOf("5, 4", "FROM_BUFFER @bus -useLane={2, 3, 1}", {"2:41 word-size"});
+    expectOf("6, 4", "FROM_BUFFER @bus -useBufferRange={18, 13} -useLane={2, 3, 1}",
+             {"2:66 word-size"});
     expectOf("6, 4", "FROM_BUFFER @bus -useBufferRange={18, 12} -useLane={2, 3, 1}", {});
     expectOf("5, 4", "FROM_BUFFER @bus -useBufferRange={18, 12} -useLane={2, 3, 1}",
              {"3:40 outside"});
@@ -89,6 +91,10 @@ TEST(MeaningTest, AValueFitsItsArea) {
             {"FILL_BUFFER @app WITH_FILLER {1, 2, 3} -useAreas={{0, 2}}", {"4:51 value-size"}},
             {"FILL_BUFFER @app WITH_STRING 'abcd' -useAreas={{0, 3}}", {"4:48 text-size"}},
             {"FILL_BUFFER @app WITH_STRING ' abc ' -useAreas={{0, 3}}", {}},
+            // What has no address is reported as such and as nothing else.
+            {"FILL_BUFFER @app WITH_CRC @crc -useAreas={{0, 4}, {8, 0}}", {"4:51 empty-area"}},
+            {"FILL_BUFFER @app WITH_VALUES {1, 2} -useAreas={{8, 0}}", {"4:48 empty-area"}},
+            {"FILL_BUFFER @app WITH_STRING 'abcd' -useAreas={{8, 0}}", {"4:48 empty-area"}},
             {"NEW_CRC @d FROM_BUFFER @app -useAreas={{9, 9}} -setType=Catalogue{CRC-16/MODBUS}\n"
              "FILL_BUFFER @app WITH_CRC @d -useAreas={{0, 4}}",
              {"5:41 value-size"}},
@@ -173,7 +179,9 @@ TEST(MeaningTest, OptionsNamesAndOutputs) {
          {"WRITE_FILE a.hex WITH_BUFFERS {}", {"2:12 empty-output"}},
          {"NEW_BUFFER @e EMPTY\nWRITE_FILE a.hex WITH_BUFFERS {@e}", {"3:12 empty-output"}},
          {"NEW_BUFFER @e EMPTY\nWRITE_FILE a.hex WITH_BUFFERS {@e @a}", {}},
+         {"NEW_BUFFER @e EMPTY\nWRITE_FILE a.hex WITH_BUFFERS {@e @unknown}", {}},
          {"NEW_BUFFER @e EMPTY\nNEW_CRC @c FROM_BUFFER @e", {"3:9 empty-digest"}},
+         {"NEW_BUFFER @e EMPTY\nNEW_CRC @c FROM_BUFFERS {@e @unknown}", {}},
          {"NEW_CRC @c FROM_BUFFERS {}", {"2:9 empty-digest"}},
          {"NEW_HASH @h FROM_BUFFERS {} -useAreas={{0, 1}} -setType=Hash_Md5",
           {"2:10 empty-digest"}},

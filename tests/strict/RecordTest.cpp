@@ -226,18 +226,56 @@ TEST_F(RecordTest, OverlapsAndAreasAreListedUpToALimit) {
     }
 }
 
-TEST_F(RecordTest, LinesFollowAnImageThatMoves) {
+TEST_F(RecordTest, LinesFollowAnImageThatMovesOrTakesAPart) {
     put("long.hex",
         ":04001000010203"
         "04E2\n:0400140005060708CE\n:00000001FF\n");
-    Rehearsal run("NEW_BUFFER @f FROM_FILE long.hex -changeStartAddressTo=0x8000\n");
-    const Inspect::RunRecord record = run.record(true);
-    ASSERT_EQ(record.images.back().ranges.size(), 1U);
-    const Inspect::OriginRange& range = record.images.back().ranges[0];
-    ASSERT_EQ(range.lines.size(), 1U);
-    EXPECT_EQ(areaText(range.lines[0].area), "8000+8");
-    EXPECT_EQ(range.lines[0].firstLine, 1U);
-    EXPECT_EQ(range.lines[0].bytesPerLine, 4U);
+    struct Row {
+        const char* options;
+        const char* area;  ///< of whole lines in front of it, to its end
+        std::uint64_t firstLine;
+    };
+    for (const Row& row :
+         {Row{"-changeStartAddressTo=0x8000", "8000+8", 1}, Row{"-useAreas={{0x10, 5}}", "10+5", 1},
+          Row{"-useAreas={{0x13, 1}}", "10+4", 1}, Row{"-useAreas={{0x14, 1}}", "14+1", 2},
+          Row{"-useAreas={{0x15, 3}}", "14+4", 2},
+          Row{"-useAreas={{0x15, 2}} -changeStartAddressTo=0x8001", "8000+3", 2}}) {
+        Rehearsal run(std::string("NEW_BUFFER @f FROM_FILE long.hex ") + row.options + "\n");
+        const Inspect::RunRecord record = run.record(true);
+        ASSERT_EQ(record.images.back().ranges.size(), 1U);
+        const Inspect::OriginRange& range = record.images.back().ranges[0];
+        ASSERT_EQ(range.lines.size(), 1U) << row.options;
+        EXPECT_EQ(areaText(range.lines[0].area), row.area) << row.options;
+        EXPECT_EQ(range.lines[0].firstLine, row.firstLine) << row.options;
+        EXPECT_EQ(range.lines[0].bytesPerLine, 4U);
+    }
+}
+
+TEST_F(RecordTest, BytesAtOtherPlacesHaveTheLinesThatTheyCameFrom) {
+    put("long.hex",
+        ":040010000102030"
+        "4E2\n:0400140005060708CE\n:00000001FF\n");
+    Rehearsal run(
+        "NEW_BUFFER @f FROM_FILE in.hex\n"
+        "NEW_BUFFER @even FROM_BUFFER @f -useLane={0, 2, 1}\n"
+        "NEW_BUFFER @odd FROM_BUFFER @f -useLane={1, 2, 1}\n"
+        "NEW_BUFFER @both FROM_BUFFERS {@even, @odd} -interleave=1\n"
+        "NEW_BUFFER @long FROM_FILE long.hex\n"
+        "NEW_BUFFER @lane FROM_BUFFER @long -useLane={1, 2, 1}\n"
+        "NEW_BUFFER @back FROM_BUFFER @long -swapBytes=8\n");
+    Lines ranges;
+    for (const Inspect::ImageRecord& image : run.record(true).images)
+        for (const Inspect::OriginRange& range : image.ranges)
+            ranges.push_back(image.name + " " + areaText(range.area) + " " + range.file + " " +
+                             std::to_string(range.firstLine) + "-" +
+                             std::to_string(range.lastLine));
+    EXPECT_EQ(ranges,
+              (Lines{"@f 10+2 in.hex 1-1", "@f 12+2 in.hex 3-3", "@f 20+2 in.hex 2-2",
+                     "@even 8+1 in.hex 1-1", "@even 9+1 in.hex 3-3", "@even 10+1 in.hex 2-2",
+                     "@odd 8+1 in.hex 1-1", "@odd 9+1 in.hex 3-3", "@odd 10+1 in.hex 2-2",
+                     // Neighbours come from different images.
+                     "@both 10+4  0-0", "@both 20+2  0-0", "@long 10+8 long.hex 1-2",
+                     "@lane 8+4 long.hex 1-2", "@back 10+8 long.hex 1-2"}));
 }
 
 TEST_F(RecordTest, TheRecordHasValuesWithTheirPlacesAndOutputs) {

@@ -13,9 +13,13 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <string>
+#include <system_error>
 #include <thread>
+#include <vector>
 
+#include "platform/Replace.hpp"
 #include "tests/strict/RunFilesFixture.hpp"
 
 namespace {
@@ -462,6 +466,86 @@ TEST_F(RunFilesLinuxTest, AnInterruptRemovesTheTemporaryFiles) {
         EXPECT_EQ(names(), Names({"out"})) << signal;
         EXPECT_EQ(contentsOf(at("out")), "before");
     }
+}
+
+TEST_F(RunFilesLinuxTest, NeitherAnInterruptNorACommitRemovesFilesOfSomebodyElse) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::signal(SIGINT, SIG_DFL);
+        Names taken;
+        {
+            RunFiles killed(RunFiles::Mode::Disk);
+            write(killed, at("a"), "never finished");
+            taken = names();
+        }
+        put(taken.front(), "other");
+        for (const char* const name : {"a", "b"}) put(name, "before");
+        RunFiles files(RunFiles::Mode::Disk);
+        bool isGood = write(files, at("a"), "after") && write(files, at("b"), "after");
+        // Names of temporary files, free once these are in place, and of what they replace.
+        taken = names();
+        std::erase_if(taken, [](const std::string& name) { return !name.ends_with(".tmp"); });
+        for (const std::string& name : taken) put(name + ".old", "other");
+        isGood = isGood && taken.size() == 3 && !files.commit();
+        for (const std::string& name : taken) put(name, "other");
+        if (isGood) ::raise(SIGINT);
+        ::_exit(1);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT);
+    EXPECT_EQ(names().size(), 2U + 3 + 3);
+    for (const std::string& name : names())
+        EXPECT_EQ(contentsOf(at(name)), name.starts_with('.') ? "other" : "after") << name;
+}
+
+TEST_F(RunFilesLinuxTest, WithoutASecondNameAFileIsReplacedAllTheSame) {
+    for (const char* const name : {"a", "b"}) put(name, "before");
+    RunFiles files(RunFiles::Mode::Disk);
+    ASSERT_TRUE(write(files, at("a"), "after"));
+    const std::string temporary = names().front();
+    ASSERT_TRUE(write(files, at("b"), "after"));
+    put(temporary + ".old", "other");
+    for (int i = 1; i < 1000; ++i) put(temporary + "-" + std::to_string(i) + ".old", "other");
+    EXPECT_FALSE(files.commit());
+    EXPECT_EQ(contentsOf(at("a")), "after");
+    EXPECT_EQ(names().size(), 2U + 1000) << "those of somebody else stay";
+}
+
+TEST_F(RunFilesLinuxTest, WhatIsNotKeptIsTakenBack) {
+    struct Row {
+        bool canFailLater;
+        bool isNew;                           ///< nothing is at the places
+        std::vector<std::size_t> left;        ///< that cannot be taken back
+        std::array<std::string, 2> contents;  ///< in the end; empty where there is no file
+    };
+    for (const Row& row :
+         {Row{true, false, {}, {"before", "before"}}, Row{false, false, {1}, {"before", "after"}},
+          Row{true, true, {}, {"", ""}}, Row{false, true, {}, {"", ""}}})
+        for (const bool isExplicit : {true, false}) {
+            Platform::InterruptGuard guard;
+            unsigned number = 0;
+            std::optional<Platform::Replacement> replacement(guard);
+            for (const char* const name : {"a", "b"}) {
+                fs::remove(at(name));
+                if (!row.isNew) put(name, "before");
+                const auto target = Platform::outputTarget(at(name));
+                Platform::TemporaryFile file;
+                std::error_code error;
+                auto output = Platform::createTemporary(target, guard, number, file, error);
+                ASSERT_TRUE(output && output->write("after") && output->close());
+                replacement->add(file, target);
+            }
+            EXPECT_FALSE(replacement->putInPlace(row.canFailLater));
+            EXPECT_EQ(contentsOf(at("a")) + contentsOf(at("b")), "afterafter");
+            if (isExplicit) {
+                EXPECT_EQ(replacement->takeBack(), row.left);
+            }
+            replacement.reset();
+            EXPECT_EQ(contentsOf(at("a")), row.contents[0]);
+            EXPECT_EQ(contentsOf(at("b")), row.contents[1]);
+            EXPECT_EQ(names(), row.isNew ? Names() : Names({"a", "b"}));
+        }
 }
 
 TEST_F(RunFilesLinuxTest, ADescriptorIsADevice) {

@@ -125,6 +125,30 @@ TEST(ScriptAssemblyTest, TheParametersOfAFileAreItsOwn) {
               "name NUMBER");
 }
 
+TEST(ScriptAssemblyTest, AValueOfAnIncludeGoesOnToACommaABraceOrARemark) {
+    const Files files{{"one.tsn", "PARAMETER v\nPARAMETER w DEFAULT -\nv|w"}};
+    const std::vector<std::pair<std::string, std::string>> rows{
+        {"v=a", "a|-"},
+        {" v = a b ,w= c ", "a b|c"},
+        {"v=a,", "a|-"},
+        {"v=a // , w=1\n, w=2", "a|2"},
+        {"v={a, {b, c}}, w=1", "{a, {b, c}}|1"},
+        {"v=x \"p, q\", w='}'", "x \"p, q\"|'}'"},
+        {"v='a, w=1'", "'a, w=1'|-"},
+        // Signs that are not quotes: within a word, in braces, without a second one in the line.
+        {"v=it's, w=don't", "it's|don't"},
+        {"v=x' y, w=z'", "x' y|z'"},
+        {"v={'a}', w=1", "{'a}'|1"},
+        {"v='a, w=2", "'a|2"},
+        {"v='a\n', w=2", "'a\n'|2"},
+    };
+    for (const auto& [values, prepared] : rows) {
+        const Assembly done("INCLUDE one.tsn WITH {" + values + "}", files);
+        EXPECT_EQ(done.sink.lines, Lines{}) << values;
+        EXPECT_EQ(done.prepared(), "\n\n" + prepared) << values;
+    }
+}
+
 TEST(ScriptAssemblyTest, AVariableOfAScriptWithoutParametersActsOnAllThatItIncludes) {
     const Assembly done("INCLUDE one.tsn WITH { a=file }", {{"one.tsn", "PARAMETER a\na file"}},
                         {{"file", "x"}});
