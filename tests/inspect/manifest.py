@@ -423,6 +423,8 @@ WRITE_FILE values.hex WITH_BUFFERS {@A} 0x104
         # to the 57th, filler, and the CRC in the last one.
         self.assertIn(" |" + "#" * 19 + "-" * 9 + "+" + "#" * 28 + "-" * 18 + "V|\n",
                       pathlib.Path("map.txt").read_text())
+        self.assertRegex(pathlib.Path("map.txt").read_text(),
+                         r"^@App: .* of data in 3 areas, \d+ bytes of filler, 4 bytes of values in it\n")
         tessaron("run", "release.tsn", "inFile=app.hex", "--map", "map.svg")
         self.assertIn('class="value"', pathlib.Path("map.svg").read_text())
 
@@ -527,6 +529,29 @@ WRITE_FILE values.hex WITH_BUFFERS {@A} 0x104
             # The differences of so many bytes would take minutes to show.
             self.assertTrue(chunks == ([[0, size, data]] if is_whole else
                                        [[0, 64, data[:64]], [size - 64, 64, data[-64:]]]))
+
+    def test_report_of_all_bytes_of_two_ranges(self):
+        """What one range takes is missing for the next, also in front of bytes that repeat."""
+        for size, is_whole in ((348_992, True), (351_008, False)):
+            data = random.Random(6).randbytes(400_000)
+            rest = random.Random(7).randbytes(size) + bytes(1000)
+            pathlib.Path("a.bin").write_bytes(data)
+            pathlib.Path("b.bin").write_bytes(rest)
+            pathlib.Path("two.tsn").write_text(
+                "NEW_BUFFER @A FROM_FILE_BINARY a.bin\n"
+                "NEW_BUFFER @B FROM_FILE_BINARY b.bin -changeStartAddressTo=0x100000\n"
+                "WRITE_FILE two.hex WITH_BUFFERS {@A @B} -skipUnwritten\n")
+            tessaron("run", "two.tsn")
+            pathlib.Path("one.tsn").write_text("NEW_BUFFER @Two FROM_FILE two.hex\n")
+            tessaron("run", "one.tsn", "--report", "two.html")
+            page = pathlib.Path("two.html").read_text()
+            image, = json.loads(re.search(r'id="data">(.*?)</script>', page)[1])["images"]
+            chunks = [[at, size, base64.b64decode(text)] for at, size, text in image["chunks"]]
+            self.assertEqual("too long for this page" in page, not is_whole)
+            ends = [[at + begin, 64, part[begin:][:64]] for at, part in ((0, data), (1 << 20, rest))
+                    for begin in (0, len(part) - 64)]
+            self.assertTrue(chunks == ([[0, len(data), data], [1 << 20, size, rest[:size]],
+                                        [(1 << 20) + size, 1000, b"\0"]] if is_whole else ends))
 
     def test_report_of_a_large_image(self):
         size = 64 << 20

@@ -71,7 +71,9 @@ TEST(FieldReadingTest, ListsTwentyRangesOfEachKindAndCountsTheOthers) {
     Collected<FurtherOverlaps> further;
     openField(path);
     ASSERT_EQ(further.facts.size(), 2U);
+    EXPECT_TRUE(further.facts[0].areConflicts);
     EXPECT_EQ(further.facts[0].count, 3U);
+    EXPECT_FALSE(further.facts[1].areConflicts);
     EXPECT_EQ(further.facts[1].count, 7U);
 }
 

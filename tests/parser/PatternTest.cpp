@@ -69,6 +69,23 @@ TEST(PatternTest, MatchesAsItsDocumentsSay) {
              {"[[:digit:][.hyphen.]]", "1-a", "x", "xxa"},
              {"[\\dA-C[:space:]]", "1B d", "x", "xxxd"},
              {"[\xe0-\xff]", "\xdf\xe0\xff", "x", "\xdfxx"},
+             // As std::regex of libstdc++ has it.
+             {"[[=a=]-]", "a-A b", "x", "xxx b"},
+             {"[\\f\\n\\r\\v\\t]", "a\fb\nc\rd\ve\tf", "x", "axbxcxdxexf"},
+             {"\\f\\n\\r\\v", "a\f\n\r\vb", "x", "axb"},
+             {"\\ca\\u0141\\x4a\\x4A", "aAJJ", "x", "x"},
+             {"[[.zero.]-9]", "a05:", "x", "axx:"},
+             {"[a-c[.d.]]", "abcde", "x", "xxxxe"},
+             {"[[:DIGIT:]]|[[:w:]]b", "1cbb", "x", "xxb"},
+             {"[[.DEL.][.tilde.][.NUL.]]", "~\x7f-", "x", "xx-"},
+             {"[\\x61-c]", "abcd", "x", "xxxd"},
+             {"[^\\D5]", "a567", "x", "a5xx"},
+             {"[[:alpha:]-]", "a-1", "x", "xx1"},
+             {"a{1,2}b{0}", "aaab", "x", "xxb"},
+             {"(ab){1,2}?", "ababab", "[$1]", "[ab][ab][ab]"},
+             // As the manual has it.
+             {"(a)|b\\1", "ba", "x", "bx"},
+             {"(?:(a)|b)*", "ab", "<$1>", "<a><>"},
              // Formats.
              {"(b)(c)?", "abd", "{$`|$'|$1|$2|$3|$01|$$|$}", "a{a|d|b|||b|$|$}d"},
          }) {

@@ -330,17 +330,20 @@ TEST(MeaningTest, WhatAStoredValueCoversIsNotChanged) {
            apart);
 }
 
-// Where images overlap, the run has to show which byte counts.
+// Where images overlap, the run has to show which byte counts, in a copy of what they make as well.
 TEST(MeaningTest, AValueOverImagesSideBySideIsFollowed) {
     for (const auto& [length, isKnown] : {std::pair(15, true), {16, true}, {17, false}})
-        expect({{"FILL_BUFFER @all WITH_VALUES {1} -useAreas={{0, 1}}\n"
-                 "WRITE_FILE a.hex WITH_BUFFERS {@all}",
-                 isKnown ? Lines{"6:45 digest-stale"} : Lines{}}},
-               "NEW_BUFFER @app EMPTY -useBufferRange={0, " + std::to_string(length) +
-                   "}\nNEW_BUFFER @more EMPTY -useBufferRange={16, 16}\n"
-                   "NEW_BUFFER @all FROM_BUFFERS {@app @more}\n"
-                   "NEW_CRC @c FROM_BUFFER @all -useAreas={{0, 8}}\n"
-                   "FILL_BUFFER @all WITH_CRC @c -useAreas={{24, 4}}\n");
+        for (const std::string source : {"FROM_BUFFERS {@app @more}", "FROM_BUFFER @merged"})
+            expect({{"FILL_BUFFER @all WITH_VALUES {1} -useAreas={{0, 1}}\n"
+                     "WRITE_FILE a.hex WITH_BUFFERS {@all}",
+                     isKnown ? Lines{"7:45 digest-stale"} : Lines{}}},
+                   "NEW_BUFFER @app EMPTY -useBufferRange={0, " + std::to_string(length) +
+                       "}\nNEW_BUFFER @more EMPTY -useBufferRange={16, 16}\n"
+                       "NEW_BUFFER @merged FROM_BUFFERS {@app @more}\n"
+                       "NEW_BUFFER @all " +
+                       source +
+                       "\nNEW_CRC @c FROM_BUFFER @all -useAreas={{0, 8}}\n"
+                       "FILL_BUFFER @all WITH_CRC @c -useAreas={{24, 4}}\n");
 }
 
 // To follow more would take minutes for a thousand values.

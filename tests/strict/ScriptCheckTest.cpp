@@ -190,6 +190,8 @@ TEST(ScriptCheckTest, AdviceForWhatIsNotAValue) {
         {"(8) / 2", blank},
         {"(8)\t% 2", blank},
         {"((8)*(2)) * 2", blank},
+        {"(8)-FF", std::string(hexadecimal) + ": 0xFF"},
+        {"(8)-4294967296", most},
         {"(-1)", "a number has no sign"},
         {"-1", "a number has no sign"},
     };
