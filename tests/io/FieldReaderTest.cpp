@@ -87,6 +87,50 @@ TEST(FieldReadingTest, TakesACountOfAllRecordsForAnEnd) {
     }
 }
 
+// A record without data may follow the end record, and is noted.
+TEST(FieldReadingTest, NoDataComesAfterTheEnd) {
+    const std::string data = ":0100000001FE\n";
+    const std::string end = ":00000001FF\n";
+    const std::string sData = "S104000001FA\n";
+    const std::string sEnd = "S9030000FC\n";
+    struct Row {
+        std::string contents;
+        std::uint64_t noted;  ///< records, the first of them in line 3
+        bool isData;          ///< that comes in line 3
+    };
+    for (const Row& row :
+         {Row{data + ":0000000000\n:020000040000FA\n" + end, 0, false}, Row{data + end, 0, false},
+          Row{data + end + end, 1, false}, Row{data + end + ":020000040000FA\n", 1, false},
+          Row{data + end + ":0400000500000000F7\n", 1, false},
+          Row{data + end + ":00000006FA\n:00000007F9\n", 2, false},
+          Row{data + end + ":0000000000\n", 1, false}, Row{data + end + ":0100010002FC\n", 0, true},
+          Row{sData + "S5030001FB\n" + sEnd, 0, false}, Row{sData + sEnd + sEnd, 1, false},
+          Row{sData + sEnd + "S5030001FB\nS0030000FC\n", 2, false},
+          Row{sData + sEnd + "S1030000FC\n", 1, false},
+          Row{sData + sEnd + "S104000101F9\n", 0, true}}) {
+        const std::string path = temporaryFile(row.contents);
+        std::uint64_t noted = 0;
+        {
+            Collected<LinesTolerated> tolerated;
+            EXPECT_EQ(openField(path) == nullptr, row.isData) << row.contents;
+            for (const LinesTolerated& fact : tolerated.facts) {
+                EXPECT_EQ(fact.tolerance, Tolerance::RecordAfterEnd) << row.contents;
+                EXPECT_EQ(fact.firstLine, 3U) << row.contents;
+                noted += fact.count;
+            }
+        }
+        EXPECT_EQ(noted, row.noted) << row.contents;
+        Collected<LineDamaged> damage;
+        openField(path);
+        ASSERT_EQ(damage.facts.size(), row.isData ? 1U : 0U) << row.contents;
+        if (row.isData) {
+            EXPECT_EQ(damage.facts[0].fault, RecordFault::AfterEnd);
+            EXPECT_EQ(damage.facts[0].lineNumber, 3U);
+            EXPECT_EQ(damage.facts[0].found, 1U);
+        }
+    }
+}
+
 TEST(FieldReadingTest, ReadsEveryWayToCountSRecords) {
     const std::string data = "S104000001FA\nS104000101F9\n";
     struct Row {
