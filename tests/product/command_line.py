@@ -54,10 +54,14 @@ REFUSED = (
     (["convert", "in.elf", "out.elf", "--elf-template", ""], "empty"),
     (["convert", "in.hex", "out.bin", "--offset="], "missing"),
     *((["convert", "in.hex", "out.bin", "--lane", text], "is not a lane LANE,LANES,WIDTH")
-      for text in ("0", "0,2", "2,2,1", "0,0,1", "0,2,0", "0,2,0x100000000", "0,2,1,1")),
+      for text in ("0", "0,2", "2,2,1", "0,0,1", "0,2,0", "0,2,0x100000000", "0,0x100000000,1", "0,2,1,1")),
     (["convert", "in.hex", "out.bin", "--interleave", "1"], "--with"),
     (["convert", "in.hex", "out.bin", "--with", "in.hex"], "--interleave"),
     (["convert", "in.hex", "out.bin", "--interleave", "0", "--with", "in.hex"], "from 1 to"),
+    *((["convert", "in.hex", "out.hex", "--fill", "0", option, "0x100000000"], "from 1 to 0xFFFFFFFF")
+      for option in ("--align", "--fill-gaps")),
+    *(([command, "in.hex", "--elf", "in.hex", "--elf", "in.hex"], "once for all files, or once for")
+      for command in ("info", "map")),
     (["convert", "in.hex", "out.bin", "--swap-bytes", "3"], "3 is not one of 2|4|8"),
     (["convert", "in.hex", "out.hex", "--unit-in", "8"], "8 is not one of 2|4"),
     (["convert", "in.hex", "out.hex", "--align", "4"], "--fill"),
@@ -109,6 +113,13 @@ class CommandLines(unittest.TestCase):
         for option in (("--error", "overlap"), ("--warn", "overlap"), ("--ignore", "overlap"),
                        ("-D", "@a=@b"), ("-C", ".")):
             run("run", *option, "s.tsn")
+        for command in ("info", "map"):
+            run(command, "--from", "IntelHex", "in.hex")
+            run(command, "--error", "overlap", "in.hex")
+            run(command, "--elf", "in.hex", "in.hex", code=1)
+        run("diff", "--from", "IntelHex", "--warn", "overlap", "in.hex", "in.hex")
+        run("convert", "--interleave", "1", "--with", "in.hex", "in.hex", "bus.hex")
+        run("convert", "in.hex", "sound.hex", "--fill", "0", "--align", "1", "--fill-gaps", "0xFFFFFFFF")
         run("run", "--symbol", "X=in.hex:s", "s.tsn", code=1)
         run("diff", "--ignore", "0,1", "in.hex", "in.hex")
         os.makedirs("below", exist_ok=True)

@@ -255,7 +255,18 @@ TEST(MeaningTest, AValueIsNotPutIntoWhatItCovers) {
           "FILL_BUFFER @copy WITH_VALUES {0} -useAreas={{0x100, 4}}\n"
           "NEW_CRC @crc FROM_BUFFER @copy\n"
           "FILL_BUFFER @app WITH_CRC @crc -useAreas={{0x100, 4}}",
-          {}}},
+          {}},
+         // So was its place in the image that was copied, wholly or but for a byte.
+         {"NEW_BUFFER @copy FROM_BUFFER @app\n"
+          "FILL_BUFFER @app WITH_VALUES {0} -useAreas={{0x100, 4}}\n"
+          "NEW_CRC @crc FROM_BUFFER @copy\n"
+          "FILL_BUFFER @app WITH_CRC @crc -useAreas={{0x100, 4}}",
+          {}},
+         {"NEW_BUFFER @copy FROM_BUFFER @app\n"
+          "FILL_BUFFER @app WITH_VALUES {0} -useAreas={{0x100, 3}}\n"
+          "NEW_CRC @crc FROM_BUFFER @copy\n"
+          "FILL_BUFFER @app WITH_CRC @crc -useAreas={{0x100, 4}}",
+          {"5:43 digest-self"}}},
         app);
 }
 

@@ -433,7 +433,8 @@ TEST_F(RunFilesLinuxTest, AProgramFindsWhatWasWritten) {
     put("second", "before");
     {
         RunFiles files(RunFiles::Mode::Disk);
-        ASSERT_TRUE(write(files, at("first"), "made"));
+        ASSERT_TRUE(write(files, at("first"), "made in vain"));
+        ASSERT_TRUE(write(files, at("./first"), "made"));
         EXPECT_EQ(files.runProgram("/bin/cp", "'" + at("first") + "' '" + at("copy") + "'"), 0);
         EXPECT_EQ(contentsOf(at("copy")), "made");
         EXPECT_EQ(files.runProgram("/bin/sh", "-c 'exit 3'"), 3);
