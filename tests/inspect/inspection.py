@@ -564,7 +564,12 @@ class Inspection(unittest.TestCase):
         colored = tessaron("diff", "a.hex", "b.s19", "--color=always", code=1)
         self.assertEqual(re.sub("\033\\[[0-9;]*m", "", colored),
                          tessaron("diff", "a.hex", "b.s19", code=1))
-        self.assertNotEqual(colored, re.sub("\033\\[[0-9;]*m", "", colored))
+        # Red is what was, and green what is.
+        rows = [row for row in colored.splitlines() if "\033" in row]
+        self.assertTrue(rows)
+        for row in rows:
+            colors = re.findall("\033\\[(3.)m", row)
+            self.assertEqual(colors, ["31"] * (len(colors) // 2) + ["32"] * (len(colors) // 2))
         most = tessaron("diff", "a.hex", "b.s19", "--max-lines", "5", code=1).splitlines()
         every = tessaron("diff", "a.hex", "b.s19", "--max-lines", "0", code=1).splitlines()
         head = 3  # the files and the sum
@@ -583,6 +588,25 @@ class Inspection(unittest.TestCase):
         self.assertIn("[%s]" % old, "\n".join(every))
         self.assertIn("[%s]%s" % (old[:2], old[3:]), ignoring)
 
+    def test_areas_of_a_diff(self):
+        """What is left of ranges beside those that are ignored; the first 64 bytes of each."""
+        write("left.hex", {0x100: bytes(80)})
+        write("right.hex", {0x100: b"\1" * 65 + bytes(15), 0x200: b"more"})
+        for ignored, changed, only_right in (
+                ((), [(0x100, 65)], [(0x200, 4)]),
+                (("0x100,1",), [(0x101, 64)], [(0x200, 4)]),
+                (("0x110,2", "0,0x104", "0x13F,9", "0x112,1", "0x201,1"),
+                 [(0x104, 12), (0x113, 44)], [(0x200, 1), (0x202, 2)]),
+                (("0xFF,1", "0x141,0xBF", "0x204,1"), [(0x100, 65)], [(0x200, 4)])):
+            options = [option for one in ignored for option in ("--ignore", one)]
+            document = json.loads(tessaron("diff", "left.hex", "right.hex", "--json", *options, code=1))
+            sizes = [min(size, 64) for _, size in changed]
+            self.assertEqual(document["changed"], [
+                {**area(at, size), "left": "00" * shown, "right": "01" * shown}
+                for (at, size), shown in zip(changed, sizes)])
+            self.assertEqual(document["onlyRight"], [area(*one) for one in only_right])
+            self.assertEqual(document["changedBytes"], sum(size for _, size in changed))
+
     def test_map(self):
         write("map.hex", {0x1000: bytes(100), 0x1000 + 260: bytes(100)})
         write("far.hex", {0x1000 + 100: bytes(160), 0x5000000: b"12345"})
@@ -592,6 +616,12 @@ class Inspection(unittest.TestCase):
         self.assertIn(" map.hex|##########................##########|\n", both)
         self.assertIn(" far.hex|..........################..........|\n", both)
         self.assertIn(" far.hex|#####|\n", both)
+        # Names take a third of the room at most.
+        shutil.copy("far.hex", "a-far-away.hex")
+        cut = tessaron("map", "map.hex", "a-far-away.hex", "--ascii", "--width", "40")
+        self.assertIn("\n map.hex     |", cut)
+        self.assertIn("\n a-far-away.h|", cut)
+        self.assertEqual(max(len(row) for row in cut.splitlines() if "|" in row), 39)
         # Many areas, most of them short, share one scale: cuts would hide where they are.
         write("many.hex", {0x40000 * i: bytes(100 if i < 5 else 0x30000) for i in range(10)})
         bars = [row for row in tessaron("map", "many.hex", "--ascii").splitlines() if "|" in row]

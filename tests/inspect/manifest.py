@@ -452,6 +452,9 @@ WRITE_FILE values.hex WITH_BUFFERS {@A} 0x104
             pathlib.Path("out.html").read_text()
         read = Tables(page)
         self.assertEqual(read.faults, [])
+        parts = pathlib.Path(__file__).resolve().parents[2] / "inspect/page"
+        for tag, name in (("style", "report.css"), ("script", "report.js")):
+            self.assertIn("<%s>\n%s</%s>" % (tag, (parts / name).read_text(), tag), page)
         outputs, *images, values, variables, inputs = (table[1:] for table in read.tables)
         self.assertEqual(outputs, [
             [o["path"], o["format"] + (", starts at 0x00001000" if "startAddress" in o else ""),
