@@ -184,6 +184,29 @@ TEST_F(RecordTest, EveryByteHasItsOrigin) {
     for (const Row& row : merged) EXPECT_EQ(origins(fillers + row.last), row.origins) << row.last;
 }
 
+TEST_F(RecordTest, WhatAFileLosesIsListed) {
+    const std::string lost = "1:25 cropped: 4 bytes of in.hex are left out: ";
+    const std::string nothing =
+        "1:25 empty-image: nothing of the 6 bytes of in.hex, which are from 0x00000010 to "
+        "0x00000021, lies where the image is";
+    struct Row {
+        const char* options;
+        Lines said;
+    };
+    for (const Row& row :
+         {Row{"", {}}, Row{"-useBufferRange={0x10, 0x12}", {}},
+          Row{"-useAreas={{0x20, 2}, {0x10, 4}}", {}},
+          // Lines 1 and 3 give what follows each other.
+          Row{"-useAreas={{0x20, 2}}", {lost + "from 0x00000010 to 0x00000013"}},
+          Row{"-useBufferRange={0x14, 0x10}", {lost + "from 0x00000010 to 0x00000013"}},
+          Row{"-useAreas={{0x11, 2}}",
+              {lost + "at 0x00000010, at 0x00000013, from 0x00000020 to 0x00000021"}},
+          Row{"-useBufferRange={0, 0x10}", {nothing}}, Row{"-useAreas={{0x14, 12}}", {nothing}}}) {
+        const Rehearsal run(std::string("NEW_BUFFER @x FROM_FILE in.hex ") + row.options + "\n");
+        EXPECT_EQ(run.sink.lines, row.said) << row.options;
+    }
+}
+
 // An image of zeros, and one with a zero at every other address over it.
 TEST_F(RecordTest, OverlapsAndAreasAreListedUpToALimit) {
     struct Row {
