@@ -5,6 +5,7 @@
 
 KILLS is the number of runs that are killed at random moments.
 """
+import fcntl
 import os
 import pathlib
 import random
@@ -120,6 +121,19 @@ class Together(unittest.TestCase):
             self.assertEqual(self.bytes_of_outputs(), [int(is_new)] * OUTPUTS, fault)
             self.check_names()
 
+    def test_a_folder_that_stays_locked_is_not_waited_for_for_ever(self):
+        folder = os.open(self.path, os.O_RDONLY | os.O_DIRECTORY)
+        self.addCleanup(os.close, folder)
+        fcntl.flock(folder, fcntl.LOCK_EX)
+        start = time.monotonic()
+        done = self.run_script(script(1))
+        self.assertTrue(9.9 < time.monotonic() - start < 30)
+        self.assertEqual((done.returncode, done.stderr), (
+            0, "tessaron: note: another program keeps the folder . locked; the outputs were put in "
+               "place without waiting longer\n"))
+        self.assertEqual(self.bytes_of_outputs(), [1] * OUTPUTS)
+        self.check_names()
+
     def test_a_mount_point_keeps_all_as_they_were(self):
         self.put_old()
         target = self.path / "out3.bin"
@@ -184,8 +198,8 @@ class Together(unittest.TestCase):
         # The script itself takes more than there is.
         done = self.run_script("PRINT_TEXT a\n" * 300_000, preexec_fn=lambda: (
             resource.setrlimit(resource.RLIMIT_AS, (60 << 20, 60 << 20))))
-        self.assertEqual(done.returncode, 1)
-        self.assertIn("[out-of-memory]", done.stderr)
+        self.assertEqual((done.returncode, done.stderr), (
+            1, "tessaron: error: there is not enough memory for this run [out-of-memory]\n"))
 
     def test_few_addresses(self):
         """An image whose range the process has no addresses for leaves the old outputs."""

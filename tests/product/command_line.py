@@ -129,6 +129,38 @@ class CommandLines(unittest.TestCase):
                                  capture_output=True, check=True)
         self.assertEqual(printed.stdout.split(), [b"option", b"first"])
 
+    def test_conversions_that_fail(self):
+        # 0x10 is a start address.
+        pathlib.Path("start.hex").write_text(":0400000001020304F2\n:0400000500000010E7\n:00000001FF\n")
+        for arguments, words in (
+                (["in.hex", "no.hex", "--offset", "0x100000000"],
+                 "the offset moves the start 0x00000000 out of the 32-bit address space [outside]"),
+                (["in.hex", "no.hex", "--crop", "1,1", "--offset", "0xFFFFFFFF"],
+                 "the offset moves the start 0x00000001 out of"),
+                (["in.hex", "no.hex", "--lane", "1,2,2", "--offset", "0xFFFFFFFF"], "[outside]"),
+                (["start.hex", "no.hex", "--offset", "0xFFFFFFF0"],
+                 "the start address 0x100000000 of start.hex has more than 32 bits [outside]"),
+                (["in.hex", "no.uf2"], "the ending of no.uf2 names several formats [wrong-format]"),
+                (["in.hex", "no.way"], "the ending of no.way names no format [wrong-format]"),
+                (["no.h", "no.hex"], "files with the ending of no.h are written and not read"),
+                (["missing.hex", "no.hex"], "cannot open missing.hex: No such file or directory"),
+                (["/dev/stdin", "no.hex", "--offset", "1"], "/dev/stdin can be read only once")):
+            with self.subTest(arguments):
+                said = run("convert", *arguments, code=1, stdin=subprocess.DEVNULL)
+                self.assertIn(words, said)
+                self.assertFalse(pathlib.Path(arguments[1]).exists())
+        for arguments, made in (
+                (["in.hex", "moved.hex", "--crop", "0,1", "--offset", "0xFFFFFFFF"],
+                 ":02000004FFFFFC\n:01FFFF000100\n:00000001FF\n"),
+                (["in.hex", "moved.hex", "--lane", "1,2,2", "--offset", "0xFFFFFFFD"],
+                 ":02000004FFFFFC\n:02FFFD000304FB\n:00000001FF\n"),
+                (["start.hex", "moved.hex", "--offset", "0xFFFFFFEF"],
+                 ":02000004FFFFFC\n:04FFEF000102030404\n:04000005FFFFFFFFFB\n:00000001FF\n"),
+                (["start.hex", "moved.bin", "--offset", "0xFFFFFFF0"], "\1\2\3\4")):
+            with self.subTest(arguments):
+                run("convert", *arguments)
+                self.assertEqual(pathlib.Path(arguments[1]).read_text(), made)
+
     def test_display(self):
         pathlib.Path("warn.tsn").write_text("NEW_BUFFER @a FROM_VALUES {0x1FF}\n")
         for options, has_color in (([], False), (["--color=always"], True), (["--color=never"], False)):
