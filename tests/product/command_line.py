@@ -191,6 +191,32 @@ class CommandLines(unittest.TestCase):
         closed = run("run", "-", code=1, preexec_fn=lambda: os.close(0))
         self.assertIn("standard input", closed)
 
+    def test_scripts_that_cannot_be_read(self):
+        endless = "annot open pipe: it has no end to wait for [cannot-open]"
+        if not pathlib.Path("pipe").exists():
+            os.mkfifo("pipe")
+        pathlib.Path("big.tsn").touch()
+        for script, size, code, words in (
+                ("NEW_BUFFER @a FROM_FILE pipe", 0, 1, endless),
+                ("INCLUDE pipe", 0, 1, endless),
+                ("INCLUDE .", 0, 1, "cannot open .: is a directory [cannot-open]"),
+                ("INCLUDE in.hex/x.tsn", 0, 1, "cannot open in.hex/x.tsn: not a directory"),
+                ("INCLUDE none/x.tsn", 0, 1, "cannot open none/x.tsn: no such file or directory"),
+                ("INCLUDE big.tsn", (1 << 26) + 1, 2, "big.tsn is longer than 64 mib [syntax]"),
+                # Of so many zeros.
+                ("INCLUDE big.tsn", 1 << 26, 2, "big.tsn is in utf-32 [syntax]")):
+            with self.subTest(script):
+                os.truncate("big.tsn", size)
+                pathlib.Path("odd.tsn").write_text(script + "\n")
+                self.assertIn(words, run("run", "odd.tsn", code=code).lower())
+        for script, words in (
+                ("pipe", "the script pipe: it has no end to wait for [cannot-open]"),
+                (".", "the script .: Is a directory [cannot-open]"),
+                ("in.hex/x.tsn", "the script in.hex/x.tsn: Not a directory [cannot-open]"),
+                ("none.tsn", "the script none.tsn: No such file or directory [cannot-open]")):
+            self.assertIn(words, run("run", script, code=1))
+        self.assertIn(endless, run("info", "pipe", code=1).lower())
+
     def test_little_stack(self):
         def little():
             resource.setrlimit(resource.RLIMIT_STACK, (48 << 10, 48 << 10))
