@@ -402,6 +402,16 @@ class Inspection(unittest.TestCase):
             self.assertRegex(text, r"%s .* %s +%s" % (entry["start"], entry["crc32"],
                                                        entry["sha256"]))
 
+    def test_a_checksum_that_says_nothing(self):
+        """Data that ends with its own CRC-32 has the one of all such data."""
+        for data, is_own in ((b"image" + zlib.crc32(b"image").to_bytes(4, "little"), True),
+                             (b"image" + zlib.crc32(b"image").to_bytes(4, "big"), False)):
+            pathlib.Path("own.bin").write_bytes(data)
+            said = tessaron("info", "own.bin")
+            self.assertIn("  CRC-32    %08X" % zlib.crc32(data), said)
+            self.assertEqual("as of any data that ends with its own CRC-32: see SHA-256" in said,
+                             is_own)
+
     def test_info_of_hundred_areas(self):
         image = {0x100 * i: bytes([i]) * (i + 1) for i in range(100)}
         write("many.s19", image)
@@ -975,6 +985,9 @@ class Inspection(unittest.TestCase):
             tessaron("diff", "old.hex", "patched.hex", "--elf", bad, code=2)
             tessaron("info", "old.hex", "--elf", bad, code=1)
             tessaron("map", "old.hex", "--elf", bad, code=1)
+            self.assertIn("cannot open missing.elf" if bad == "missing.elf" else
+                          bad + " has no names of what it loads [unknown-name]",
+                          complaint("info", "old.hex", "--elf", bad))
 
     @unittest.skipUnless(shutil.which("as") and shutil.which("ld") and shutil.which("objcopy"),
                          "no assembler and linker")

@@ -47,6 +47,9 @@ REFUSED = (
       for text in ("-", "1x", "--1")),
     (["convert", "in.hex", "out.bin", "--format", "IntelHexExtendet"], "did you mean IntelHexExt"),
     (["convert", "in.hex", "out.bin", "--format", "qq"], "tessaron help formats lists them"),
+    (["convert", "in.hex", "out.uf2", "--family", "qqqqq"], "info lists those of a file"),
+    (["convert", "-", "out.bin"], "a stream has no place here"),
+    (["convert", "in.hex", "-"], "a stream has no place here"),
     (["convert", "in.hex", "out.bin", "--crop", "0,0"], "0,0 has no address"),
     (["convert", "in.hex", "out.bin", "--crop", ""], "empty"),
     (["convert", "in.hex", "out.bin", "--fill", ""], "empty"),
@@ -142,6 +145,14 @@ class CommandLines(unittest.TestCase):
                  "the start address 0x100000000 of start.hex has more than 32 bits [outside]"),
                 (["in.hex", "no.uf2"], "the ending of no.uf2 names several formats [wrong-format]"),
                 (["in.hex", "no.way"], "the ending of no.way names no format [wrong-format]"),
+                (["in.hex", "no.elf"], "an ELF file is written as a copy of one [wrong-format]"),
+                (["in.hex", "no.hex", "--elf-template", "in.hex"], "--elf-template is for ELF files"),
+                (["in.hex", "no.bin", "--crop", "0x100000000,1"], "leaves the 32-bit address space"),
+                (["in.hex", "no.bin", "--crop", "0,0x100000000"], "leaves the 32-bit address space"),
+                (["in.hex", "no.bin", "--crop", "4,1"], "lies where the image is [empty-image]"),
+                *((["in.hex", name, "--print-script"], "no script can name the file " + name)
+                  for name in ("a'b.hex", "a}b.hex", " b.hex")),
+                (["in.hex", "b\x1a.hex", "--print-script"], "a script ends at the byte 0x1A"),
                 (["no.h", "no.hex"], "files with the ending of no.h are written and not read"),
                 (["missing.hex", "no.hex"], "cannot open missing.hex: No such file or directory"),
                 (["/dev/stdin", "no.hex", "--offset", "1"], "/dev/stdin can be read only once")):
@@ -156,6 +167,8 @@ class CommandLines(unittest.TestCase):
                  ":02000004FFFFFC\n:02FFFD000304FB\n:00000001FF\n"),
                 (["start.hex", "moved.hex", "--offset", "0xFFFFFFEF"],
                  ":02000004FFFFFC\n:04FFEF000102030404\n:04000005FFFFFFFFFB\n:00000001FF\n"),
+                (["in.hex", "moved.hex", "--crop", "3,0xFFFFFFFC"],
+                 ":020000040000FA\n:0100030004F8\n:00000001FF\n"),
                 (["start.hex", "moved.bin", "--offset", "0xFFFFFFF0"], "\1\2\3\4")):
             with self.subTest(arguments):
                 run("convert", *arguments)
