@@ -2,8 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
 #include <map>
 #include <memory>
+#include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -388,6 +393,45 @@ TEST(MeaningTest, FindsChangesByAddressAndNumber) {
     EXPECT_FALSE(latest.find({2, 2}, 0, any));
     EXPECT_EQ(latest.find({0, 36}, 3, [](std::size_t n) { return n != 3; })->source, 4U);
     EXPECT_FALSE(LatestChange(OriginMap()).find({0, 9}, 0, any));
+}
+
+TEST(MeaningTest, ListsOfAreasKnowWhatSetsOfAddressesKnow) {
+    using Buffer::Area;
+    using Buffer::AreaList;
+    std::mt19937 random(7);
+    const auto listOf = [&random](std::size_t most) {
+        AreaList areas(random() % (most + 1));
+        for (Area& area : areas) area = {random() % 20, random() % 5};
+        return areas;
+    };
+    const auto setOf = [](const AreaList& areas) {
+        std::set<std::uint64_t> addresses;
+        for (const Area& area : areas)
+            for (std::uint64_t at = area.start; at < area.end(); ++at) addresses.insert(at);
+        return addresses;
+    };
+    for (int round = 0; round < 3000; ++round) {
+        const AreaList one = listOf(4);
+        const AreaList other = listOf(4);
+        const Area area{random() % 20, random() % 5};
+        std::set<std::uint64_t> common;
+        std::ranges::set_intersection(setOf(one), setOf(other),
+                                      std::inserter(common, common.end()));
+        EXPECT_EQ(setOf(clipped(one, other)), common);
+        EXPECT_EQ(haveCommon(one, other), !common.empty());
+        common.clear();
+        std::ranges::set_intersection(setOf(one), setOf({area}),
+                                      std::inserter(common, common.end()));
+        EXPECT_EQ(setOf(clipped(one, area)), common);
+        EXPECT_EQ(haveCommon(one, area), !common.empty());
+        const AreaList apart = united(one);
+        EXPECT_EQ(setOf(apart), setOf(one));
+        for (std::size_t i = 0; i < apart.size(); ++i) {
+            EXPECT_NE(apart[i].length, 0U);
+            EXPECT_TRUE(i == 0 || apart[i - 1].end() < apart[i].start);
+        }
+        EXPECT_EQ(setOf(moved(moved(one, 100), std::uint64_t{0} - 100)), setOf(one));
+    }
 }
 
 }  // namespace
