@@ -186,13 +186,23 @@ class CommandLines(unittest.TestCase):
         self.assertTrue(run("run", "warn.tsn", "--diagnostics=json").startswith('{"severity"'))
 
     def test_what_standard_output_does_not_take_is_an_error(self):
+        pathlib.Path("print.tsn").write_text("NEW_BUFFER @a FROM_VALUES {1}\nPRINT_TEXT {text}\n"
+                                             "WRITE_FILE lost.hex WITH_BUFFERS {@a}\n")
+        pathlib.Path("other.hex").write_text(":0100000002FD\n:00000001FF\n")
         with open("/dev/full", "w") as full:
-            for arguments in (["--version"], ["--help"], ["map", "--help"]):
-                self.assertIn("standard output", run(*arguments, code=1, stdout=full))
-            pathlib.Path("print.tsn").write_text("PRINT_TEXT text\n")
-            for arguments in (["convert", "in.hex", "out.bin", "--print-script"],
-                              ["run", "print.tsn"], ["check", "print.tsn"], ["info", "in.hex"]):
-                self.assertIn("[short-write]", run(*arguments, code=1, stdout=full))
+            for arguments, code in (
+                    (["--version"], 1), (["--help"], 1), (["map", "--help"], 1), (["help", "crcs"], 1),
+                    (["info", "in.hex"], 1), (["info", "in.hex", "--json"], 1), (["map", "in.hex"], 1),
+                    # 1 says that the files differ.
+                    (["diff", "in.hex", "other.hex"], 2), (["diff", "in.hex", "in.hex", "--json"], 1),
+                    (["convert", "in.hex", "lost.hex", "--print-script"], 1),
+                    (["run", "print.tsn", "--print-script"], 1), (["check", "print.tsn"], 1),
+                    (["run", "print.tsn"], 1)):
+                said = run(*arguments, code=code, stdout=full)
+                self.assertIn("standard output could not be written completely", said)
+                self.assertEqual("[short-write]" in said, not re.search("help|version", str(arguments)))
+            run("diff", "in.hex", "in.hex", stdout=full)
+        self.assertFalse(pathlib.Path("lost.hex").exists())
 
     def test_scripts_that_are_no_text(self):
         script = "NEW_BUFFER @a EMPTY\n"
