@@ -1,0 +1,4 @@
+out.d: \
+  script.tsn \
+  app.elf \
+  raw.bin
