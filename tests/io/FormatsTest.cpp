@@ -60,6 +60,12 @@ TEST(FormatDetection, FindsRecordsWhereverTheyAreInAText) {
     // The place where the second piece would begin if it overlapped the first one.
     for (std::size_t at = piece - 12; at <= piece; ++at)
         rows.push_back({"input", std::string(at, 'x') + ":01234567", RawBinary});
+    // A long line that goes on in the second piece.
+    for (const std::size_t length : {150, 1000, 3000})
+        rows.push_back(
+            {"input",
+             std::string(piece - 101, 'x') + "\n" + std::string(length, 'x') + "\n:01234567\n",
+             IntelHex});
     expectDetected(rows);
     expectDetected({{"input", "", RawBinary},
                     {"x.HEX", "", RawBinary},

@@ -299,6 +299,16 @@ TEST_F(RecordTest, BytesAtOtherPlacesHaveTheLinesThatTheyCameFrom) {
                      // Neighbours come from different images.
                      "@both 10+4  0-0", "@both 20+2  0-0", "@long 10+8 long.hex 1-2",
                      "@lane 8+4 long.hex 1-2", "@back 10+8 long.hex 1-2"}));
+    // A difference names all lines that it may come from.
+    put("a.hex", ":080010000907060504030201C3\n:00000001FF\n");
+    Rehearsal compared(
+        "NEW_BUFFER @long FROM_FILE long.hex\n"
+        "NEW_BUFFER @back FROM_BUFFER @long -swapBytes=8\n"
+        "WRITE_FILE a.hex WITH_BUFFERS {@back}\n");
+    EXPECT_FALSE(compared.matchesDisk());
+    EXPECT_EQ(compared.sink.lines.back(),
+              "+ 1:0 0x00000010 of @back has 09 in the file and 08 in the image, from long.hex, "
+              "lines 1 to 2");
 }
 
 TEST_F(RecordTest, TheRecordHasValuesWithTheirPlacesAndOutputs) {
