@@ -87,6 +87,36 @@ TEST(FieldReadingTest, TakesACountOfAllRecordsForAnEnd) {
     }
 }
 
+// What follows the end of a text is damage, once for each end.
+TEST(FieldReadingTest, NothingFollowsTheEndOfAText) {
+    const std::string data = ":0100000001FE\n";
+    const std::string more = ":0100010002FC\n:0100020003FA\n";
+    const std::string end = ":00000001FF\n";
+    struct Row {
+        std::string contents;
+        std::vector<std::uint64_t> lines;  ///< that are damaged, one after the other...
+        std::vector<std::uint64_t> ends;   ///< ...and those that end in front of them
+    };
+    for (const Row& row :
+         {Row{data + end + "\x1A", {}, {}}, Row{data + end + "\x1A\n\n \n", {}, {}},
+          Row{data + "\x1A\n" + more + end, {3}, {2}},
+          Row{":0100000001FE\x1A\n\n" + more + end, {3}, {1}},
+          Row{data + "\x1A\n" + more + "\x1A\n" + end, {3, 6}, {2, 5}}}) {
+        Collected<LineDamaged> damage;
+        EXPECT_EQ(openField(temporaryFile(row.contents)) == nullptr, !row.lines.empty());
+        std::vector<std::uint64_t> lines;
+        std::vector<std::uint64_t> ends;
+        for (const LineDamaged& fact : damage.facts) {
+            EXPECT_EQ(fact.fault, RecordFault::ForeignText) << row.contents;
+            EXPECT_EQ(fact.found, 0x1AU);
+            lines.push_back(fact.lineNumber);
+            ends.push_back(fact.expected);
+        }
+        EXPECT_EQ(lines, row.lines) << row.contents;
+        EXPECT_EQ(ends, row.ends) << row.contents;
+    }
+}
+
 // A record without data may follow the end record, and is noted.
 TEST(FieldReadingTest, NoDataComesAfterTheEnd) {
     const std::string data = ":0100000001FE\n";
