@@ -267,6 +267,13 @@ TEST(MeaningTest, AValueIsNotPutIntoWhatItCovers) {
           "NEW_CRC @crc FROM_BUFFER @copy\n"
           "FILL_BUFFER @app WITH_CRC @crc -useAreas={{0x100, 4}}",
           {}},
+         // What was there before the copy was made is copied.
+         {"NEW_BUFFER @first FROM_BUFFER @app\n"
+          "FILL_BUFFER @app WITH_VALUES {0} -useAreas={{0x100, 4}}\n"
+          "NEW_BUFFER @copy FROM_BUFFER @app\n"
+          "NEW_CRC @crc FROM_BUFFER @copy\n"
+          "FILL_BUFFER @app WITH_CRC @crc -useAreas={{0x100, 4}}",
+          {"6:43 digest-self"}},
          {"NEW_BUFFER @copy FROM_BUFFER @app\n"
           "FILL_BUFFER @app WITH_VALUES {0} -useAreas={{0x100, 3}}\n"
           "NEW_CRC @crc FROM_BUFFER @copy\n"

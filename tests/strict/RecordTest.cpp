@@ -401,6 +401,7 @@ TEST_F(RecordTest, ThePageOfARunListsUpToALimit) {
     EXPECT_TRUE(has(Inspect::reportOf(Rehearsal("NEW_BUFFER @e EMPTY\n").record()), ">@e, empty<"));
     EXPECT_TRUE(has(pageOf(1), ">@f, 0x00000000, 1 byte<"));
     EXPECT_TRUE(has(pageOf(1), ">NEW_BUFFER @f FROM_FILE many.hex</span>"));
+    EXPECT_TRUE(has(pageOf(1), "<li id=\"line-1\"><span class=\"no\">1</span>"));
     const std::string few = pageOf(4);
     EXPECT_TRUE(has(few, "@f 0x00000006"));
     EXPECT_FALSE(has(few, "more range"));
