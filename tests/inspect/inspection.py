@@ -355,6 +355,16 @@ class Inspection(unittest.TestCase):
         self.assertIn("did you mean RP2040?",
                       complaint("info", "apart.uf2", "--family", "rp2040"))
 
+    def test_devices_of_usb(self):
+        pathlib.Path("usb.tsn").write_text(
+            "NEW_BUFFER @a FROM_VALUES {1}\n"
+            "WRITE_FILE usb.dfu WITH_BUFFERS {@a} -setFormat=DfuSe -setVendorId=0x483 "
+            "-setProductId=0xDF11\n")
+        tessaron("run", "usb.tsn")
+        device = "USB vendor 0x0483, product 0xDF11"
+        self.assertIn("\n  device    %s\n" % device, tessaron("info", "usb.dfu"))
+        self.assertEqual(json.loads(tessaron("info", "usb.dfu", "--json"))[0]["devices"], [device])
+
     def test_header_of_s_records(self):
         """The text of srec_cat, and the fixed fields of an S0 that are filled up."""
         pathlib.Path("one.bin").write_bytes(b"1")
