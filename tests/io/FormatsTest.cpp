@@ -61,7 +61,7 @@ TEST(FormatDetection, FindsRecordsWhereverTheyAreInAText) {
     for (std::size_t at = piece - 12; at <= piece; ++at)
         rows.push_back({"input", std::string(at, 'x') + ":01234567", RawBinary});
     // A long line that goes on in the second piece.
-    for (const std::size_t length : {150, 1000, 3000})
+    for (const std::size_t length : {150U, 1000U, 3000U})
         rows.push_back(
             {"input",
              std::string(piece - 101, 'x') + "\n" + std::string(length, 'x') + "\n:01234567\n",

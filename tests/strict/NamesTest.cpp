@@ -6,16 +6,14 @@
 #include <utility>
 #include <vector>
 
+namespace Inspect {
 namespace {
 
-using Inspect::Name;
-using Inspect::Names;
-using Kind = Name::Kind;
-
-const Buffer::AreaList loaded{{0, 0x20}, {0x20, 8}, {0x2C, 0x10}, {0x60, 4}};
+const Buffer::AreaList stretches{{0, 0x20}, {0x20, 8}, {0x2C, 0x10}, {0x60, 4}};
 
 // A label, which has no size, goes on to the next name or to the end of what is loaded.
 TEST(NamesTest, ANameReachesAsFarAsItsSizeOrItsPlaceSays) {
+    using Kind = Name::Kind;
     const Names names({{{0x20, 4}, "b", Kind::Data},
                        {{0x10, 2}, "short", Kind::Data},
                        {{0x10, 4}, "a", Kind::Function},
@@ -26,7 +24,7 @@ TEST(NamesTest, ANameReachesAsFarAsItsSizeOrItsPlaceSays) {
                        {{0x50, 0}, "lost", Kind::Other},
                        {{0x60, 4}, "c", Kind::Data},
                        {{0x64, 0}, "behind", Kind::Other}},
-                      loaded);
+                      stretches);
     const std::vector<std::pair<std::uint64_t, std::string>> expected{
         {0x0F, ""},          {0x10, "a"},   {0x13, "a+0x3"},   {0x14, "label"},
         {0x1F, "label+0xB"}, {0x20, "b"},   {0x23, "b+0x3"},   {0x24, ""},
@@ -47,21 +45,23 @@ TEST(NamesTest, ANameReachesAsFarAsItsSizeOrItsPlaceSays) {
 }
 
 TEST(NamesTest, AreNoneWhereNothingIs) {
+    using Kind = Name::Kind;
     EXPECT_TRUE(Names().isEmpty());
     EXPECT_EQ(Names().find(0), nullptr);
     EXPECT_EQ(Names().of({0, 5}), "");
-    EXPECT_TRUE(Names({{{0x28, 0}, "label", Kind::Other}}, loaded).isEmpty()) << "in no stretch";
-    EXPECT_FALSE(Names({{{0x27, 0}, "label", Kind::Other}}, loaded).isEmpty());
-    const Names touching({{{0x1F, 0}, "label", Kind::Other}}, loaded);
+    EXPECT_TRUE(Names({{{0x28, 0}, "label", Kind::Other}}, stretches).isEmpty()) << "in no stretch";
+    EXPECT_FALSE(Names({{{0x27, 0}, "label", Kind::Other}}, stretches).isEmpty());
+    const Names touching({{{0x1F, 0}, "label", Kind::Other}}, stretches);
     EXPECT_EQ(touching.at(0x27), "label+0x8") << "stretches that touch are one";
 }
 
 TEST(NamesTest, OnlyNamesOfCxxAreMangled) {
-    EXPECT_EQ(Inspect::demangled("_Z5firstIiEvT_"), "void first<int>(int)");
+    EXPECT_EQ(demangled("_Z5firstIiEvT_"), "void first<int>(int)");
     for (const char* const name : {"main", "_Z", "_Znothing", "Z5first", ""})
-        EXPECT_EQ(Inspect::demangled(name), name);
-    EXPECT_EQ(Inspect::fromTo("", ""), "");
-    EXPECT_EQ(Inspect::fromTo("a", "b"), "a to b");
+        EXPECT_EQ(demangled(name), name);
+    EXPECT_EQ(fromTo("", ""), "");
+    EXPECT_EQ(fromTo("a", "b"), "a to b");
 }
 
 }  // namespace
+}  // namespace Inspect
