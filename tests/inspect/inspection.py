@@ -1041,8 +1041,10 @@ class Inspection(unittest.TestCase):
             self.assertIn("1 byte differs%s\n" % said, found)
         # What precedes the heading may be missing.
         pathlib.Path("short.map").write_text(LINKER_MAP[LINKER_MAP.index("Linker script"):])
-        self.assertIn("in ns::g(int)+0x2\n",
-                      tessaron("diff", "zeros.hex", "one.hex", "--elf", "short.map", code=1))
+        pathlib.Path("blank.map").write_bytes(LINKER_MAP.replace("\n", " \r\n").encode())
+        for name in ("short.map", "blank.map"):
+            self.assertIn("in ns::g(int)+0x2\n",
+                          tessaron("diff", "zeros.hex", "one.hex", "--elf", name, code=1))
         write("many.hex", {FLASH + at: b"\1" for at in range(0, 0x44, 2)})
         said = tessaron("map", "many.hex", "--elf", "hand.map").split("\n\nmany.hex\n")[1]
         # Nothing has the name of the fill byte at 0x22.
