@@ -138,6 +138,7 @@ struct NewCrcRules final : NewValueRules<CmdNewCrc> {
         const auto setCustom = [this](CmdNewCrc& statement, std::string_view /*text*/) {
             statement.whenKnown([&statement, amounts = parameters] {
                 std::vector<std::uint64_t> numbers;
+                numbers.reserve(amounts.size());
                 for (const Amount& amount : amounts) numbers.push_back(amount.value());
                 statement.setCustomCrc(numbers);
             });

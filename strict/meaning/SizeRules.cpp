@@ -123,7 +123,7 @@ void checkCroppedValues(const Step& step) {
     step.findings.report(Kind::Cropped,
                          std::to_string(all - bytes) + " of " +
                              Inspect::countText(all, step.has(Role::ValueSize) ? "byte" : "value") +
-                             " are left out of the image",
+                             (all - bytes == 1 ? " is" : " are") + " left out of the image",
                          (range != nullptr ? *range : *statement.last(Role::Area)).text,
                          "the first value has the address 0; -changeStartAddressTo= moves them");
 }

@@ -161,7 +161,7 @@ void Provenance::onRead(const CmdNewBuffer& statement, const TessaronImportApi& 
         const auto& last = all.ranges().rbegin()->second.area;
         reports_->report(Kind::EmptyImage,
                          "nothing of the " + Inspect::countText(all.size(), "byte") + " of " +
-                             file + ", which are " +
+                             file + ", which " + (all.size() == 1 ? "is " : "are ") +
                              Strict::range({first.start, last.end() - first.start}) +
                              ", lies where the image is",
                          {Role::InputFile});
@@ -181,9 +181,11 @@ void Provenance::reportCropped(const Origin& input, const OriginMap& all, const 
                 cropped.push_back(area);
         }
     if (cropped.empty()) return;
+    const std::uint64_t bytes = Inspect::byteCount(cropped);
     reports_->report(Kind::Cropped,
-                     Inspect::countText(Inspect::byteCount(cropped), "byte") + " of " + input.file +
-                         " are left out: " + list(cropped, namesOf(input)),
+                     Inspect::countText(bytes, "byte") + " of " + input.file +
+                         (bytes == 1 ? " is" : " are") +
+                         " left out: " + list(cropped, namesOf(input)),
                      {Role::InputFile});
 }
 

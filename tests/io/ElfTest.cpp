@@ -155,6 +155,12 @@ TEST(Elf, LoadsAtVirtualAddressesWithoutPhysicalOnes) {
 }
 
 /// Names in C++ by the Itanium C++ ABI, section 5.1.
+TEST(SymbolTable, OnlyNamesOfCppAreMangled) {
+    EXPECT_EQ(Io::Import::demangled("_Z5firstIiEvT_"), "void first<int>(int)");
+    for (const char* const name : {"main", "_Z", "_Znothing", "Z5first", ""})
+        EXPECT_EQ(Io::Import::demangled(name), name);
+}
+
 TEST(SymbolTable, FindsASymbolByItsNameOrThatOfCpp) {
     using Io::Import::Symbol;
     using enum Symbol::Kind;

@@ -55,10 +55,7 @@ TEST(NamesTest, AreNoneWhereNothingIs) {
     EXPECT_EQ(touching.at(0x27), "label+0x8") << "stretches that touch are one";
 }
 
-TEST(NamesTest, OnlyNamesOfCxxAreMangled) {
-    EXPECT_EQ(demangled("_Z5firstIiEvT_"), "void first<int>(int)");
-    for (const char* const name : {"main", "_Z", "_Znothing", "Z5first", ""})
-        EXPECT_EQ(demangled(name), name);
+TEST(NamesTest, TwoNamesAreARange) {
     EXPECT_EQ(fromTo("", ""), "");
     EXPECT_EQ(fromTo("a", "b"), "a to b");
 }
