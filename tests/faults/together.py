@@ -158,6 +158,19 @@ class Together(unittest.TestCase):
         self.assertEqual(self.bytes_of_outputs(), [0] * OUTPUTS)
         self.check_names()
 
+    def test_a_device_that_fails_when_it_is_closed_takes_all_files_back(self):
+        self.put_old()
+        prefix = self.inject("close:error=EIO") + ["-P", "/dev/zero"]
+        if subprocess.run([*prefix, "true"], capture_output=True, check=False).returncode:
+            self.skipTest("strace may not trace here")
+        done = self.run_script(
+            script(1) + "WRITE_FILE /dev/zero WITH_BUFFERS {@A} -setFormat=RawBinary\n",
+            prefix=prefix)
+        self.assertEqual((done.returncode, done.stderr), (
+            1, "tessaron: error: cannot write /dev/zero: Input/output error [cannot-write]\n"))
+        self.assertEqual(self.bytes_of_outputs(), [0] * OUTPUTS)
+        self.check_names()
+
     def test_a_failed_run_starts_no_program(self):
         self.put_old()
         done = self.run_script(script(1, before="NEW_CRC @C FROM_BUFFER @Missing\n") +

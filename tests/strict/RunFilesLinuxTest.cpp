@@ -165,6 +165,24 @@ TEST_F(RunFilesLinuxTest, ADeviceIsWrittenLast) {
     EXPECT_EQ(names(), Names({"out", "pipe"}));
 }
 
+TEST_F(RunFilesLinuxTest, ADeviceGetsNothingIfAFileCannotTakeItsPlace) {
+    ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0600), 0);
+    const int reader = ::open(at("pipe").c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    ASSERT_GE(reader, 0);
+    {
+        RunFiles files(RunFiles::Mode::Disk);
+        EXPECT_TRUE(write(files, at("out"), "file"));
+        EXPECT_TRUE(write(files, at("pipe"), "through the pipe"));
+        fs::create_directory(at("out"));
+        const auto failure = files.commit();
+        ASSERT_TRUE(failure);
+        EXPECT_EQ(failure->path, at("out"));
+    }
+    char first = 0;
+    EXPECT_EQ(::read(reader, &first, 1), -1) << "there is " << first;
+    ::close(reader);
+}
+
 TEST_F(RunFilesLinuxTest, ADeviceThatIsFullKeepsTheFilesAsTheyWere) {
     if (!fs::exists("/dev/full")) GTEST_SKIP() << "there is no /dev/full";
     put("out", "before");
