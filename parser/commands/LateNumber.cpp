@@ -11,7 +11,7 @@ namespace Parser::WrapperLib {
 
 namespace {
 
-constexpr std::array functionsOfImages{
+constexpr std::array functions{
     NumberFunction{"startOf", Property::StartAddress, "the first address of an image"},
     NumberFunction{"endOf", Property::EndAddress, "the address after the last one of an image"},
     NumberFunction{"lengthOf", Property::Length, "the number of addresses of an image"},
@@ -19,12 +19,10 @@ constexpr std::array functionsOfImages{
                    "the first address of an image that has a byte"},
     NumberFunction{"lastWritten", Property::LastWritten,
                    "the last address of an image that has a byte"},
-};
-
-constexpr std::array functionsOfSymbols{
     NumberFunction{"symbolOf", Property::SymbolAddress, "the address of a symbol of an ELF file"},
     NumberFunction{"sizeOf", Property::SymbolSize, "the bytes of a symbol of an ELF file"},
 };
+constexpr std::size_t countOfSymbols = 2;
 
 std::optional<std::uint64_t> without(const std::string& image, Facts::ImageLack lack) {
     Facts::report(Facts::ImageWithout{image, lack});
@@ -76,12 +74,16 @@ std::uint32_t applied(Operator operation, std::uint64_t left, std::uint64_t righ
     return static_cast<std::uint32_t>(result);
 }
 
+std::span<const NumberFunction> numberFunctions() {
+    return functions;
+}
+
 std::span<const NumberFunction> imageFunctions() {
-    return functionsOfImages;
+    return numberFunctions().first(functions.size() - countOfSymbols);
 }
 
 std::span<const NumberFunction> symbolFunctions() {
-    return functionsOfSymbols;
+    return numberFunctions().last(countOfSymbols);
 }
 
 std::optional<std::uint64_t> Query::answer(CmdContext& context) const {
@@ -95,8 +97,11 @@ std::optional<std::uint64_t> Query::answer(CmdContext& context) const {
 }
 
 LateNumber::LateNumber(std::vector<Term> terms, std::uint32_t result)
-    : terms_(std::move(terms)), counts_(terms_.size()), result_(result) {
-    counts_[result - 1] = true;
+    : terms_(std::move(terms)),
+      counts_(terms_.size()),
+      values_(terms_.size()),
+      result_(result - 1) {
+    counts_[result_] = true;
     for (std::size_t i = result; i-- > 0;) {
         const auto* const operation = std::get_if<Operation>(&terms_[i]);
         if (operation == nullptr || !counts_[i]) continue;
@@ -110,18 +115,16 @@ std::uint64_t LateNumber::valueOf(const Operand& operand) const {
 }
 
 bool LateNumber::resolve(CmdContext& context) {
-    values_.clear();
     for (std::size_t i = 0; i < terms_.size(); ++i) {
-        std::optional<std::uint64_t> value(0);
+        if (!counts_[i]) continue;
+        std::optional<std::uint64_t> value;
         if (const auto* const operation = std::get_if<Operation>(&terms_[i]))
             value = applied(operation->sign, valueOf(operation->left), valueOf(operation->right));
-        else if (counts_[i])
+        else
             value = std::get<Query>(terms_[i]).answer(context);
         if (!value) return false;
-        values_.push_back(*value);
+        values_[i] = *value;
     }
-    value_ = values_[result_ - 1];
-    isKnown_ = true;
     return true;
 }
 

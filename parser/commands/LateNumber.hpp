@@ -40,7 +40,9 @@ struct NumberFunction {
     const char* meaning;  ///< one line, for people
 };
 
-/// Those that take the name of an image, and those that take an ELF file and a symbol.
+/// All of them: those that take the name of an image, then those that take an ELF file and a
+/// symbol.
+std::span<const NumberFunction> numberFunctions();
 std::span<const NumberFunction> imageFunctions();
 std::span<const NumberFunction> symbolFunctions();
 
@@ -79,10 +81,8 @@ public:
     /// Asks for the value. False after a report.
     bool resolve(CmdContext& context);
 
-    bool isKnown() const { return isKnown_; }
-
     /// Modulo 2^32; 0 while it is not known.
-    std::uint32_t value() const { return static_cast<std::uint32_t>(value_); }
+    std::uint32_t value() const { return static_cast<std::uint32_t>(values_[result_]); }
 
     /// The answers to the queries, in the order of the text, and the characters of each.
     struct Answer {
@@ -95,11 +95,9 @@ private:
     std::uint64_t valueOf(const Operand& operand) const;
 
     std::vector<Term> terms_;
-    std::vector<bool> counts_;  ///< the terms that the value depends on
-    std::vector<std::uint64_t> values_;
-    std::uint64_t value_ = 0;
-    std::uint32_t result_;
-    bool isKnown_ = false;
+    std::vector<bool> counts_;           ///< the terms that the value depends on
+    std::vector<std::uint64_t> values_;  ///< of the terms, 0 while they are not known
+    std::size_t result_;                 ///< the term that is the value
 };
 
 /// A number of a statement: it is known, or it will be when the statement runs.

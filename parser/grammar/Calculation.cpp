@@ -72,7 +72,8 @@ std::optional<std::string> calculateQueries(const std::string& text,
 }
 
 std::vector<Part> queriesIn(std::string_view text) {
-    if (bracketsIn(text) == 0) return {};
+    // What asks has brackets and parentheses, and most texts have neither.
+    if (bracketsIn(text) == 0 || text.find('(') == std::string_view::npos) return {};
     ScriptSyntax syntax(nullptr);
     const std::string statement = std::string(keyword).append(text);
     syntax.state().statement.keepStatements(statement.size());

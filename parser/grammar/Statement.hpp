@@ -20,8 +20,6 @@ struct Number {
     std::string_view text;
     const WrapperLib::LateNumber* late = nullptr;  ///< null unless it asks for its value
 
-    bool isKnown() const { return late == nullptr || late->isKnown(); }
-
     /// 0 while it is not known.
     std::uint32_t value() const { return late == nullptr ? fixed : late->value(); }
 };
@@ -100,11 +98,9 @@ struct Statement {
     const Part* last(Role role) const { return has(role) ? last(std::span(&role, 1)) : nullptr; }
     bool has(Role role) const { return roles.has(role); }
 
-    /// It has numbers that ask images or symbols for their values.
+    /// It has numbers that ask images or symbols for their values. Until it is about to run, its
+    /// areas and lists say nothing then.
     bool asks() const { return roles.hasAny({Role::MeasuresImage, Role::SymbolFile}); }
-
-    /// All its numbers are known. Until they are, its areas and lists say nothing.
-    bool isKnown() const { return !asks() || std::ranges::all_of(numbers, &Number::isKnown); }
 
     /// It compares an image with bytes instead of changing it.
     bool isComparison() const { return kind == WrapperLib::CmdType::VerifyBuffer; }

@@ -26,6 +26,7 @@ using Parser::Role;
 using Words = std::optional<FactWords>;
 
 /// The parts that say which addresses a statement works on.
+const std::vector<Role> anyInput{Role::InputFile, Role::Template, Role::SymbolFile};
 const std::vector<Role> anyArea{Role::Area, Role::Range, Role::Address};
 
 /// How a program ended that did not end well.
@@ -143,14 +144,11 @@ Words words(const FileMalformed& f, const Circumstances& /*c*/) {
     return {{kind,
              std::string(f.file) + " cannot be read as " +
                  std::string(Io::Formats::rowOf(f.format).name) + ": " + textOf(f),
-             {Role::InputFile, Role::Template, Role::SymbolFile},
-             likelierFormat(f)}};
+             anyInput, likelierFormat(f)}};
 }
 
 Words words(const FileReadIncomplete& f, const Circumstances& /*c*/) {
-    return {{Kind::ShortRead,
-             std::string(f.file) + " could not be read completely",
-             {Role::InputFile, Role::Template, Role::SymbolFile}}};
+    return {{Kind::ShortRead, std::string(f.file) + " could not be read completely", anyInput}};
 }
 
 Words words(const RecordLengthCorrected& f, const Circumstances& /*c*/) {
@@ -466,12 +464,8 @@ Words words(const FileNotOpened& f, const Circumstances& c) {
     const std::string file(f.file);
     const std::string reason = c.reason(f.file);
     if (reason.empty())
-        return {{Kind::OutOfMemory,
-                 "there is not enough memory for " + file,
-                 {Role::InputFile, Role::Template, Role::SymbolFile}}};
-    return {{Kind::CannotOpen,
-             "cannot open " + file + ": " + reason,
-             {Role::InputFile, Role::Template, Role::SymbolFile},
+        return {{Kind::OutOfMemory, "there is not enough memory for " + file, anyInput}};
+    return {{Kind::CannotOpen, "cannot open " + file + ": " + reason, anyInput,
              c.isScript() ? adviceOn(f.file) : ""}};
 }
 

@@ -19,11 +19,9 @@ struct Token {
 
 /// What asks for something begins with a letter that begins no number.
 bool isQuery(std::string_view text) {
-    const auto isAt = [text](const NumberFunction& function) {
+    return std::ranges::any_of(numberFunctions(), [text](const NumberFunction& function) {
         return text.starts_with(function.keyword);
-    };
-    return std::ranges::any_of(imageFunctions(), isAt) ||
-           std::ranges::any_of(symbolFunctions(), isAt);
+    });
 }
 
 std::vector<Token> tokensOf(std::string_view text, std::span<const LateNumber::Answer> answers) {

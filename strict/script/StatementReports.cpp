@@ -56,6 +56,10 @@ void StatementReports::report(Kind kind, std::string text, const Part& part, std
 
 void StatementReports::reportName(Kind kind, std::string_view name, std::string text,
                                   std::string hint, std::vector<Note> notes) {
+    if (script_ == nullptr) {
+        report(kind, std::move(text), Roles(), std::move(hint), std::move(notes));
+        return;
+    }
     const auto& parts = statement_.parts;
     const auto found = std::ranges::find_if(parts, [name](const Part& part) {
         return (usesName(part.role) && part.text == name) ||

@@ -57,9 +57,9 @@ bool has(const std::vector<std::string_view>& words, std::string_view word) {
 /// The word asks images or symbols for a number.
 bool isNumberFunction(std::string_view word) {
     using namespace Parser::WrapperLib;
-    const auto isIt = [word](const NumberFunction& one) { return word == one.keyword; };
-    return std::ranges::any_of(imageFunctions(), isIt) ||
-           std::ranges::any_of(symbolFunctions(), isIt);
+    return std::ranges::any_of(numberFunctions(), [word](const NumberFunction& function) {
+        return word == function.keyword;
+    });
 }
 
 std::string listed(const std::vector<std::string_view>& words) {

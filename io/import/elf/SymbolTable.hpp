@@ -2,8 +2,8 @@
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "io/import/TessaronImportApi.hpp"
