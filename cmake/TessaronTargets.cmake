@@ -36,10 +36,11 @@ function(tessaron_settings target)
   endif()
 endfunction()
 
-# tessaron_declare(target SOURCES file... [DEPENDS target...] [HIDES target...])
+# tessaron_declare(target SOURCES file... [INSTEAD file...] [DEPENDS target...] [HIDES target...])
 # Records what a folder declares, for tessaron_write_structure.
 function(tessaron_declare target)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;DEPENDS;HIDES")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;INSTEAD;DEPENDS;HIDES")
+  list(APPEND arg_SOURCES ${arg_INSTEAD})
   list(TRANSFORM arg_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/ REGEX "^[^/]")
   cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY ${PROJECT_SOURCE_DIR}
              OUTPUT_VARIABLE folder)
@@ -61,11 +62,11 @@ function(tessaron_write_structure)
   file(WRITE ${PROJECT_BINARY_DIR}/structure.json "[${entries}]\n")
 endfunction()
 
-# tessaron_library(name SOURCES file... [DEPENDS target...] [HIDES target...])
+# tessaron_library(name SOURCES file... [INSTEAD file...] [DEPENDS target...] [HIDES target...])
 # Makes tessaron::name. The headers of the folder include what DEPENDS names, only its sources what
-# HIDES names.
+# HIDES names. INSTEAD names the sources of the folder that other settings build.
 function(tessaron_library name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;DEPENDS;HIDES")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;INSTEAD;DEPENDS;HIDES")
   add_library(tessaron_${name} STATIC ${arg_SOURCES})
   add_library(tessaron::${name} ALIAS tessaron_${name})
   tessaron_settings(tessaron_${name})

@@ -7,7 +7,7 @@
 # need: a browser, a cross compiler, npm.
 set -eu
 
-build="g++ cmake ninja-build libboost-dev libcunit1-dev libcli11-dev nlohmann-json3-dev"
+build="g++ cmake ninja-build libboost-dev libbotan-2-dev libcunit1-dev libcli11-dev nlohmann-json3-dev"
 demo="$build python3 srecord"
 test="$build git libgtest-dev python3 python3-jsonschema srecord binutils openssl xxd make
       libdigest-crc-perl dfu-util groff-base mandoc vim strace zsh fish dpkg-dev"

@@ -27,7 +27,7 @@ MARKS = ("<!-- structure -->\n", "<!-- end of structure -->\n")
 OUTSIDE = ("tests", "bench", "fuzz")
 # Libraries of others whose includes are followed, by the beginning of what is included.
 OTHERS = {"boost/": "Boost::headers", "CUnit/": "CUnit::CUnit", "CLI/": "CLI11::CLI11",
-          "nlohmann/": "nlohmann_json::nlohmann_json"}
+          "botan/": "Botan::botan", "nlohmann/": "nlohmann_json::nlohmann_json"}
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)
 
 

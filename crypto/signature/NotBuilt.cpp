@@ -1,0 +1,51 @@
+// In place of the other sources of this folder in a build without signatures: no key can be read,
+// so there is none to sign or verify with.
+#include <utility>
+
+#include "crypto/signature/Signature.hpp"
+
+namespace Crypto {
+
+struct SigningKey::Key {};
+struct VerifyingKey::Key {};
+
+SigningKey::SigningKey(std::unique_ptr<Key> key) : key_(std::move(key)) {}
+SigningKey::SigningKey(SigningKey&& other) noexcept = default;
+SigningKey& SigningKey::operator=(SigningKey&& other) noexcept = default;
+SigningKey::~SigningKey() = default;
+
+std::variant<SigningKey, KeyFault> SigningKey::read(std::span<const std::uint8_t>,
+                                                    std::optional<std::string_view>,
+                                                    SignatureType) {
+    return KeyFault::NotBuilt;
+}
+
+std::vector<std::uint8_t> SigningKey::sign(std::span<const std::uint8_t>, SignatureForm) const {
+    return {};
+}
+
+std::array<std::uint8_t, 32> SigningKey::fingerprint() const {
+    return {};
+}
+
+VerifyingKey::VerifyingKey(std::unique_ptr<Key> key) : key_(std::move(key)) {}
+VerifyingKey::VerifyingKey(VerifyingKey&& other) noexcept = default;
+VerifyingKey& VerifyingKey::operator=(VerifyingKey&& other) noexcept = default;
+VerifyingKey::~VerifyingKey() = default;
+
+std::variant<VerifyingKey, KeyFault> VerifyingKey::read(std::span<const std::uint8_t>,
+                                                        std::optional<std::string_view>,
+                                                        SignatureType) {
+    return KeyFault::NotBuilt;
+}
+
+bool VerifyingKey::verify(std::span<const std::uint8_t>, std::span<const std::uint8_t>,
+                          SignatureForm) const {
+    return false;
+}
+
+std::array<std::uint8_t, 32> VerifyingKey::fingerprint() const {
+    return {};
+}
+
+}  // namespace Crypto
