@@ -14,6 +14,7 @@
 
 #include "crypto/signature/KeyReader.hpp"
 #include "crypto/signature/RandomDevice.hpp"
+#include "crypto/signature/WorkerThreads.hpp"
 #include "crypto/stream/hash/hash_sha.hpp"
 
 namespace Crypto {
@@ -49,6 +50,10 @@ std::string encodingOf(SignatureType type) {
 
 bool isEcdsa(SignatureType type) {
     return type == SignatureType::EcdsaP256_Sha256 || type == SignatureType::EcdsaP384_Sha384;
+}
+
+bool isRsa(SignatureType type) {
+    return type == SignatureType::RsaPss_Sha256 || type == SignatureType::RsaPkcs1_Sha256;
 }
 
 bool isDer(SignatureType type, SignatureForm form) {
@@ -107,6 +112,7 @@ std::variant<SigningKey, KeyFault> SigningKey::read(std::span<const std::uint8_t
 
 std::vector<std::uint8_t> SigningKey::sign(std::span<const std::uint8_t> message,
                                            SignatureForm form) const {
+    if (isRsa(key_->type)) demandWorkerThreads();
     try {
         const auto random = makeRandomDevice();
         Botan::PK_Signer signer(*key_->key, *random, encodingOf(key_->type),
