@@ -1,7 +1,7 @@
 #!/bin/sh
 # Installs the Debian packages that a purpose needs, if they are not there yet: on Debian 12 and 13,
 # which have all of them, and on what is made from them, less those that it lacks. Elsewhere it names
-# them. For aarch64 and windows, it fetches the source of CUnit as well.
+# them. For aarch64 and windows, it fetches the sources of Botan and CUnit as well.
 #   scripts/setup.sh build|demo|test|test-all|bench|package|aarch64|windows|... ...
 # test has the tools of nearly all tests; test-all adds those of some hundred MB each, which few tests
 # need: a browser, a cross compiler, npm.
@@ -21,7 +21,7 @@ bench="$build libbenchmark-dev libgcrypt20-dev libcrypto++-dev libssl-dev zlib1g
        python3-intelhex srecord binutils openssl"
 libcxx="$build clang-16 libc++-16-dev libc++abi-16-dev python3"
 package="$build python3 dpkg-dev"
-cross="$build git googletest python3 python3-jsonschema srecord xxd"
+cross="$build git patch googletest python3 python3-jsonschema srecord xxd"
 aarch64="$cross g++-aarch64-linux-gnu libc6-dev-arm64-cross qemu-user-static dpkg-dev lintian"
 windows="$cross g++-mingw-w64-x86-64-posix wine64 nsis file"
 

@@ -26,9 +26,14 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 IS_ROOT = os.geteuid() == 0
 DOCUMENTS = "share/doc/cmdtessaron"
 COMMON = {"libstdc++", "libgcc"}
-# The libraries of headers, and CUnit, by the Debian packages that have them.
+# The libraries of headers, CUnit and Botan, by the Debian packages that have them.
 HEADERS = {"Boost": "libboost-dev", "CUnit": "libcunit1-dev", "CLI11": "libcli11-dev",
            "JSON for Modern C++": "nlohmann-json3-dev"}
+# A build without signatures contains no Botan.
+SIGNATURES = set()
+if "\nTESSARON_SIGNATURES:BOOL=ON\n" in (pathlib.Path(BUILD) / "CMakeCache.txt").read_text():
+    HEADERS["Botan"] = "libbotan-2-dev"
+    SIGNATURES = {"botan"}
 
 
 def run(*command, code=0, **options):
@@ -146,6 +151,8 @@ class Packages:
 
 
 class LinuxPackages(Packages, unittest.TestCase):
+    LICENCES = {"gcc", "glibc", "GPL-3", "LGPL-2", "LGPL-2.1"} | SIGNATURES
+
     @classmethod
     def unpack(cls):
         cls.deb = cls.package(".deb")
@@ -174,7 +181,7 @@ class LinuxPackages(Packages, unittest.TestCase):
             DOCUMENTS + "/changelog.gz", "share/man/man1/CmdTessaron.1.gz",
             "share/man/man1/tessaron.1.gz"}
         others |= {"%s/licences/%s.txt" % (DOCUMENTS, name)
-                   for name in ("gcc", "glibc", "GPL-3", "LGPL-2", "LGPL-2.1")}
+                   for name in self.LICENCES}
         self.assert_files(files_below(self.prefix), unchanged, others)
         for page in ("CmdTessaron.1", "tessaron.1"):
             with gzip.open(self.prefix / "share/man/man1" / (page + ".gz")) as packed:
@@ -196,7 +203,7 @@ class LinuxPackages(Packages, unittest.TestCase):
 
     def test_copyright_names_what_is_linked(self):
         self.assert_copyright(self.prefix / DOCUMENTS / "copyright", COMMON | {"glibc"},
-                              {"gcc.txt", "glibc.txt", "GPL-3.txt", "LGPL-2.txt", "LGPL-2.1.txt"})
+                              {name + ".txt" for name in self.LICENCES})
         for name in ("gcc", "glibc"):
             text = (self.prefix / DOCUMENTS / "licences" / (name + ".txt")).read_text()
             self.assertIn("Free Software Foundation", text)
@@ -239,7 +246,7 @@ class LinuxPackages(Packages, unittest.TestCase):
 
 
 class WindowsPackages(Packages, unittest.TestCase):
-    LICENCES = ("gcc", "mingw-w64", "GPL-3", "LGPL-2")
+    LICENCES = {"gcc", "mingw-w64", "GPL-3", "LGPL-2"} | SIGNATURES
 
     @classmethod
     def unpack(cls):

@@ -110,22 +110,23 @@ class BothWays(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
 
-    def keys(self, one):
-        """Pairs of a private key, encrypted or not, and its public part."""
-        for index, options in enumerate(one.keys):
-            private, public = self.folder / ("%d.pem" % index), self.folder / ("%d-public.pem" % index)
+    def keys(self, options):
+        """A private key, the same encrypted, and its public part; made once."""
+        name = options[-1].replace(":", "-")
+        private, encrypted, public = (self.folder / (name + ending)
+                                      for ending in (".pem", "-encrypted.pem", "-public.pem"))
+        if not private.exists():
             check_run("openssl", "genpkey", "-algorithm", *options, "-out", private)
             check_run("openssl", "pkey", "-in", private, "-pubout", "-out", public)
-            encrypted = self.folder / ("%d-encrypted.pem" % index)
             check_run("openssl", "pkcs8", "-topk8", "-in", private, "-passout", "pass:" + PASSPHRASE,
                       "-out", encrypted)
-            yield private, encrypted, public
+        return private, encrypted, public
 
     def both_ways(self, one, form):
         counts = collections.Counter()
         peer = Peer(one, form, self.folder)
         message, ours, theirs = (self.folder / name for name in ("message", "ours", "theirs"))
-        keys = list(self.keys(one))
+        keys = [self.keys(options) for options in one.keys]
 
         def verify(key, signature):
             return run(TOOL, "verify", one.number, form, key, message, signature, PASSPHRASE)
