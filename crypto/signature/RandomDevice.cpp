@@ -22,7 +22,7 @@ public:
         }
     }
     bool accepts_input() const override { return false; }
-    void add_entropy(const std::uint8_t[], std::size_t) override {}
+    void add_entropy(const std::uint8_t* /*input*/, std::size_t /*length*/) override {}
     std::string name() const override { return "std::random_device"; }
     void clear() override {}
     bool is_seeded() const override { return true; }
