@@ -45,9 +45,9 @@ struct Refusal {
 /// the time that a file with absurd numbers takes.
 constexpr std::size_t maxKeyBytes = 0x10000;
 constexpr std::size_t minRsaBits = 2048, maxRsaBits = 4096;
-/// Bounds the work of making a key of a passphrase to seconds. OpenSSL asks for 2,048 iterations,
-/// and of scrypt for 2^17 blocks.
-constexpr std::size_t maxIterations = 10'000'000, maxScryptBlocks = std::size_t{1} << 23U;
+/// Bounds the work of making a key of a passphrase to seconds and 128 MiB. OpenSSL takes 2,048
+/// iterations, or 2^17 blocks of scrypt.
+constexpr std::size_t maxIterations = 10'000'000, maxScryptBlocks = std::size_t{1} << 20U;
 constexpr std::size_t maxDerivedBytes = 64, minSaltBytes = 8;
 
 enum class Algorithm : unsigned char { Ed25519, P256, P384, Rsa };
@@ -117,8 +117,6 @@ Bytes decodeBody(const PemBlock& block) {
     return Botan::base64_decode(block.body.data(), block.body.size());
 }
 
-// ---------------------------------------------------------------------------- encrypted keys
-
 /// Whether making a key of a passphrase is quick. Throws if the numbers are not there.
 bool isBounded(BER_Decoder& pbkdf2OrScrypt, bool isScrypt) {
     Bytes salt;
@@ -128,7 +126,7 @@ bool isBounded(BER_Decoder& pbkdf2OrScrypt, bool isScrypt) {
     if (!isScrypt) return first <= maxIterations;
     std::size_t blockSize = 0, parallel = 0;
     pbkdf2OrScrypt.decode(blockSize).decode(parallel);
-    return blockSize > 0 && first <= maxScryptBlocks / blockSize &&
+    return blockSize > 0 && first <= maxScryptBlocks / blockSize && parallel > 0 &&
            parallel <= maxScryptBlocks / (first * blockSize);
 }
 
@@ -189,8 +187,6 @@ Bytes decrypt(const EncryptedKey& key, std::string_view passphrase) {
     } const wiping{text};
     return Botan::pbes2_decrypt(key.content, text, key.parameters);
 }
-
-// ---------------------------------------------------------------------------- private keys
 
 PrivateKey makeEd25519(const Bytes& key) {
     Bytes seed;
@@ -338,8 +334,6 @@ PrivateKey readPrivate(const PemBlock& block, std::optional<std::string_view> pa
     demand(Algorithm::Rsa, type);
     return makeRsa(der);
 }
-
-// ---------------------------------------------------------------------------- public keys
 
 PublicKey makeEcPublic(const std::vector<std::uint8_t>& bits, Algorithm curve) {
     const Botan::EC_Group group = groupOf(curve);
