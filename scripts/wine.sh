@@ -16,11 +16,12 @@ if [ "${1:-}" = --stop ]; then
 fi
 mkdir -p "$WINEPREFIX"
 # A new server has no services yet. The program that needs them first starts them, and they would
-# keep its standard streams open: whoever reads these would wait for their end.
+# keep its standard streams open: whoever reads these would wait for their end. If that fails, the
+# program itself shows whether it matters.
 (
     flock 9
     if "$wine/wineserver64" -p60 </dev/null >/dev/null 2>&1 9>&-; then
-        "$wine/wine64" wineboot --init </dev/null >"$folder/log" 2>&1 9>&-
+        "$wine/wine64" wineboot --init </dev/null >"$folder/log" 2>&1 9>&- || true
     fi
 ) 9>"$folder/lock"
 exec "$wine/wine64" "$@"

@@ -14,6 +14,9 @@
 
 The program runs in a copy of the folder. --accept stores the actual output as the new expectation.
 
+With --emulated, a case that fails runs a second time: an emulator may fail to start a program, under
+much load, which says nothing then. The first failure is printed.
+
 With --fold-line-ends, text files may have the line ends that CmdTessaron writes on Windows, CR LF.
 Those that check.sh sees have LF.
 """
@@ -104,6 +107,7 @@ def main():
     parser.add_argument("--no-limits", action="store_true")
     parser.add_argument("--leave-out", action="append", default=[], metavar="CASE",
                         help="name of a case among `cases` that is not run")
+    parser.add_argument("--emulated", action="store_true")
     parser.add_argument("--fold-line-ends", action="store_true")
     parser.add_argument("--timeout", type=int, default=300,
                         help="seconds after which a run counts as hanging")
@@ -120,9 +124,13 @@ def main():
     for case in options.cases:
         if options.no_limits and (case / "memory-limit").exists() or case.name in options.leave_out:
             continue
-        work = pathlib.Path(tempfile.mkdtemp(prefix="tessaron-%s-" % case.name))
-        faults = run(case, command, work, options.accept, options.timeout,
-                     options.fold_line_ends)
+        for attempts_left in (1, 0) if options.emulated else (0,):
+            work = pathlib.Path(tempfile.mkdtemp(prefix="tessaron-%s-" % case.name))
+            faults = run(case, command, work, options.accept, options.timeout,
+                         options.fold_line_ends)
+            if not faults or not attempts_left:
+                break
+            print("%s: runs again, since %s" % (case.name, "\n".join(faults)))
         if not faults:
             shutil.rmtree(work)
             continue
