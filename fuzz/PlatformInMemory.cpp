@@ -130,6 +130,10 @@ std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> out) const {
     return size;
 }
 
+bool InputFile::isReadableByOthers() const {
+    return false;
+}
+
 Reading InputFile::reading() const {
     // The file may have been overwritten since; its size shows that.
     return Fuzz::machine->contents(descriptor_).size() == state_.size ? Reading::Complete

@@ -4,7 +4,7 @@
     make_corpus.py FOLDER
 
 makes FOLDER/script, FOLDER/run, FOLDER/includes, FOLDER/readers, FOLDER/formats,
-FOLDER/records and FOLDER/field. The first three hold one call of the program per file, in the form
+FOLDER/records, FOLDER/field and FOLDER/keys. The first three hold one call of the program per file, in the form
 that fuzz/ScriptInput.hpp describes, the others hold input files, the last one also those with
 changes at random.
 """
@@ -87,6 +87,12 @@ def format_files():
         yield name, b"".join(blocks)
 
 
+def key_files():
+    """Name and contents of the keys of the tests, each with the start of a signature."""
+    for path in sorted(ROOT.glob("tests/signature/keys/*.pem")):
+        yield path.name, path.read_bytes() + b"\0" + bytes.fromhex("3006020101020101")
+
+
 def changed(files):
     """The small files, and each of them with changes that files suffer in the field."""
     chance = random.Random(1)
@@ -127,6 +133,7 @@ def main():
     write(target / "formats", format_files())
     write(target / "records", input_files())
     write(target / "field", changed(input_files()))
+    write(target / "keys", key_files())
 
 
 if __name__ == "__main__":

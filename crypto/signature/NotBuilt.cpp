@@ -53,6 +53,10 @@ bool VerifyingKey::verify(std::span<const std::uint8_t> /*message*/,
     return key_->isValid;
 }
 
+std::vector<std::uint8_t> VerifyingKey::publicKey() const {
+    return {key_->fingerprint.begin(), key_->fingerprint.end()};
+}
+
 std::array<std::uint8_t, 32> VerifyingKey::fingerprint() const {
     return key_->fingerprint;
 }

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "crypto/signature/KeyReader.hpp"
+#include "crypto/signature/LockedPool.hpp"
 #include "crypto/signature/RandomDevice.hpp"
 #include "crypto/signature/WorkerThreads.hpp"
 #include "crypto/stream/hash/hash_sha.hpp"
@@ -105,6 +106,7 @@ SigningKey::~SigningKey() = default;
 std::variant<SigningKey, KeyFault> SigningKey::read(std::span<const std::uint8_t> pem,
                                                     std::optional<std::string_view> passphrase,
                                                     SignatureType type) {
+    limitLockedPool();
     auto result = readPrivateKey(pem, passphrase, type);
     if (const KeyFault* fault = std::get_if<KeyFault>(&result)) return *fault;
     return SigningKey{std::make_unique<Key>(Key{std::move(std::get<0>(result)), type})};
@@ -135,6 +137,7 @@ VerifyingKey::~VerifyingKey() = default;
 std::variant<VerifyingKey, KeyFault> VerifyingKey::read(std::span<const std::uint8_t> pem,
                                                         std::optional<std::string_view> passphrase,
                                                         SignatureType type) {
+    limitLockedPool();
     auto result = readPublicKey(pem, passphrase, type);
     if (const KeyFault* fault = std::get_if<KeyFault>(&result)) return *fault;
     return VerifyingKey{std::make_unique<Key>(Key{std::move(std::get<0>(result)), type})};
@@ -154,6 +157,10 @@ bool VerifyingKey::verify(std::span<const std::uint8_t> message,
         // What is not a signature at all, such as a number above the modulus.
         return false;
     }
+}
+
+std::vector<std::uint8_t> VerifyingKey::publicKey() const {
+    return key_->key->subject_public_key();
 }
 
 std::array<std::uint8_t, 32> VerifyingKey::fingerprint() const {

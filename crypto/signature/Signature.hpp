@@ -103,6 +103,9 @@ public:
     bool verify(std::span<const std::uint8_t> message, std::span<const std::uint8_t> signature,
                 SignatureForm form) const;
 
+    /// The key as SubjectPublicKeyInfo in DER (RFC 5280), the points of curves uncompressed.
+    std::vector<std::uint8_t> publicKey() const;
+
     /// As SigningKey::fingerprint.
     std::array<std::uint8_t, 32> fingerprint() const;
 

@@ -1,6 +1,7 @@
 #include "crypto/signature/WorkerThreads.hpp"
 
 #include <algorithm>
+#include <cstddef>
 #include <latch>
 #include <new>
 #include <system_error>
@@ -12,6 +13,10 @@ namespace Crypto {
 void demandWorkerThreads() {
     // One for each processor, from 2 to 16.
     const std::size_t count = std::clamp(std::thread::hardware_concurrency(), 2U, 16U);
+    // What they compute with, with much to spare: a thread of the library that finds no memory ends
+    // the program.
+    constexpr std::size_t neededBytes = std::size_t{1} << 20U;
+    const std::vector<std::byte> spare(neededBytes);
     std::vector<std::thread> threads;
     threads.reserve(count);
     std::latch end(1);
