@@ -32,6 +32,10 @@ std::optional<Platform::InputFile> Host::openInput(const std::string& path) {
     return Platform::InputFile::open(path);
 }
 
+std::optional<Platform::InputFile> Host::openKey(const std::string& path) {
+    return Platform::InputFile::open(path);
+}
+
 std::unique_ptr<OutputStream> Host::createOutput(const std::string& path, Platform::FileMode mode) {
     // Memory may run out, so all of it is taken before the file is touched.
     auto output = std::make_unique<PlainOutput>();

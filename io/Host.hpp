@@ -37,6 +37,10 @@ public:
     /// Nothing if the file cannot be opened.
     virtual std::optional<Platform::InputFile> openInput(const std::string& path);
 
+    /// Opens a file with a key. It is not an input: nothing of its contents may be recorded.
+    /// Nothing if it cannot be opened.
+    virtual std::optional<Platform::InputFile> openKey(const std::string& path);
+
     /// Creates a file, or cuts an existing one to length zero. Null if that is not possible; the
     /// file is untouched then.
     virtual std::unique_ptr<OutputStream> createOutput(const std::string& path,

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/SecretFile.hpp"
+
 namespace Platform {
 
 InputFile::InputFile(InputFile&& other) noexcept
@@ -27,6 +29,10 @@ std::optional<FileState> InputFile::state() const {
     return state_;
 }
 
+void InputFile::wipe() {
+    Platform::wipe({stream_.data(), stream_.size()});
+}
+
 std::size_t InputFile::copyOfStream(std::uint64_t offset, std::span<char> out) const {
     if (offset >= state_.size || out.empty()) return 0;
     const auto size =
@@ -40,6 +46,9 @@ void InputFile::makeRoom(std::size_t size) {
     // Twice the size each time, so that the copies cost linear time.
     PageBlock larger(std::max(2 * stream_.size(), size));
     if (state_.size != 0) std::memcpy(larger.data(), stream_.data(), state_.size);
+    // It may be a key. A larger block goes back to the system, which clears it.
+    constexpr std::size_t largestOfHeap = std::size_t{1} << 20U;
+    if (stream_.size() <= largestOfHeap) wipe();
     stream_ = std::move(larger);
 }
 

@@ -82,6 +82,14 @@ public:
     /// The outcome of all reads so far.
     Reading reading() const;
 
+    /// Overwrites what was read into memory when a file that is not regular was opened, which must
+    /// not be read again.
+    void wipe();
+
+    /// Whether users other than its owner may read this regular file. False where the system has no
+    /// such bits.
+    bool isReadableByOthers() const;
+
 private:
     explicit InputFile(int descriptor) : descriptor_(descriptor) {}
 

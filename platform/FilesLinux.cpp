@@ -120,6 +120,12 @@ std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> out) const {
     return size;
 }
 
+bool InputFile::isReadableByOthers() const {
+    struct stat status {};
+    return !isStream_ && ::fstat(descriptor_, &status) == 0 &&
+           (status.st_mode & (S_IRGRP | S_IROTH)) != 0;
+}
+
 Reading InputFile::reading() const {
     if (hasFailed_) return Reading::Failed;
     if (isStream_) return Reading::Complete;

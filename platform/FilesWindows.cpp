@@ -162,6 +162,10 @@ std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> out) const {
     return size;
 }
 
+bool InputFile::isReadableByOthers() const {
+    return false;
+}
+
 Reading InputFile::reading() const {
     if (hasFailed_) return Reading::Failed;
     if (isStream_) return Reading::Complete;

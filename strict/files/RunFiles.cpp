@@ -13,7 +13,7 @@ namespace {
 bool canBeBoth(FileRole one, FileRole other) {
     const auto isRead = [](FileRole role) {
         return role == FileRole::Script || role == FileRole::IncludedFile ||
-               role == FileRole::Input;
+               role == FileRole::Input || role == FileRole::Key;
     };
     if (isRead(one) && isRead(other)) return true;
     // What is replaced in place was read before.
@@ -31,6 +31,8 @@ const char* nameOf(FileRole role) {
             return "included file";
         case FileRole::Input:
             return "input";
+        case FileRole::Key:
+            return "key file";
         case FileRole::Output:
             return "output";
         case FileRole::DependencyFile:
@@ -195,10 +197,22 @@ std::optional<Platform::InputFile> RunFiles::openInput(const std::string& path) 
         if (!isOwn) noteContent(file, *opened);
         return opened;
     }
+    noteNotOpened(path);
+    return opened;
+}
+
+/// Notes why the last call of the system did not open a file.
+void RunFiles::noteNotOpened(const std::string& path) {
     const std::error_code error = Platform::lastError();
     reasons_.insert_or_assign(path, error ? error.message() : "It has no end to wait for");
     const Platform::OutputTarget target = Platform::outputTarget(path);
     if (!error && target.error) noteFailure(path, target.error);
+}
+
+std::optional<Platform::InputFile> RunFiles::openKey(const std::string& path) {
+    Platform::clearLastError();
+    auto opened = Platform::InputFile::open(path);
+    if (!opened) noteNotOpened(path);
     return opened;
 }
 

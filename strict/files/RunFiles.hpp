@@ -22,6 +22,7 @@ enum class FileRole : std::uint8_t {
     Script,
     IncludedFile,  ///< a part of the script
     Input,
+    Key,  ///< or the passphrase of one: it is neither listed nor are its bytes looked at
     Output,
     DependencyFile,
     Manifest,  ///< to be written
@@ -79,6 +80,7 @@ public:
     std::string inputNamed(const std::string& path);
 
     std::optional<Platform::InputFile> openInput(const std::string& path) override;
+    std::optional<Platform::InputFile> openKey(const std::string& path) override;
     std::unique_ptr<Io::OutputStream> createOutput(const std::string& path,
                                                    Platform::FileMode mode) override;
     int runProgram(const std::string& location, const std::string& arguments) override;
@@ -192,6 +194,7 @@ private:
                                                 std::optional<Platform::OutputFile> file);
     bool keepsInMemory(const Platform::OutputTarget& target) const;
     void noteFailure(const std::string& path, std::error_code error);
+    void noteNotOpened(const std::string& path);
     std::optional<Failure> putInPlace(const std::vector<Output*>& files,
                                       const std::vector<Output*>& devices);
 

@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,6 +16,7 @@
 #include "platform/Files.hpp"
 #include "platform/Memory.hpp"
 #include "platform/Process.hpp"
+#include "platform/SecretFile.hpp"
 
 namespace {
 
@@ -38,6 +40,44 @@ TEST(PlatformLinuxTest, WhatNeverEndsIsNoInput) {
     EXPECT_FALSE(Platform::OutputFile::create(pipe, Platform::FileMode::Binary));
     EXPECT_FALSE(Platform::OutputFile::create(folder, Platform::FileMode::Text));
     fs::remove(pipe);
+}
+
+TEST(PlatformLinuxTest, SecretFilesAreWholeAndLeaveNoCoreFile) {
+    const fs::path path = ownPath("key");
+    const auto read = [&](std::size_t size, fs::perms permissions) {
+        std::ofstream(path) << std::string(size, 'k');
+        fs::permissions(path, permissions);
+        return Platform::SecretFile(*Platform::InputFile::open(path));
+    };
+    using enum fs::perms;
+    const auto own = owner_read | owner_write;
+    EXPECT_EQ(::prctl(PR_GET_DUMPABLE), 1);
+    const Platform::SecretFile file = read(3, own);
+    EXPECT_EQ(::prctl(PR_GET_DUMPABLE), 0);
+    EXPECT_TRUE(file.isWhole());
+    EXPECT_FALSE(file.isReadableByOthers());
+    EXPECT_EQ(std::string(file.bytes().begin(), file.bytes().end()), "kkk");
+    EXPECT_TRUE(read(Platform::SecretFile::longest, own).isWhole());
+    EXPECT_FALSE(read(Platform::SecretFile::longest + 1, own).isWhole());
+    EXPECT_FALSE(read(3, own | group_write | others_exec).isReadableByOthers());
+    EXPECT_TRUE(read(3, own | group_read).isReadableByOthers());
+    EXPECT_TRUE(read(3, own | others_read).isReadableByOthers());
+    fs::remove(path);
+    ::prctl(PR_SET_DUMPABLE, 1);
+}
+
+TEST(PlatformLinuxTest, ASecretInAPipeIsWiped) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(::pipe(ends.data()), 0);
+    EXPECT_EQ(::write(ends[1], "secret", 6), 6);
+    ::close(ends[1]);
+    auto file = Platform::InputFile::open("/dev/fd/" + std::to_string(ends[0]));
+    ASSERT_TRUE(file);
+    file->wipe();
+    std::string left(6, '?');
+    EXPECT_EQ(file->readAt(0, left), 6U);
+    EXPECT_EQ(left, std::string(6, '\0'));
+    ::close(ends[0]);
 }
 
 TEST(PlatformLinuxTest, PipesAndDevicesAreReadToTheirEnd) {
