@@ -29,18 +29,32 @@ const char* nameOf(OutputFormat writer) {
 }
 
 const char* wordFor(NameKind kind) {
-    constexpr std::array words{"Buffer", "Crc", "Hash", "Symbol Ref"};
+    constexpr std::array words{"Buffer", "Crc", "Hash", "Signature", "Symbol Ref"};
     return words.at(static_cast<std::size_t>(kind));
 }
 
 const char* wordFor(Subject subject) {
-    constexpr std::array words{"Buffer", "Crc", "Hash", "Text", "File", "Application"};
+    constexpr std::array words{"Buffer", "Crc", "Hash", "Signature", "Text", "File", "Application"};
     return words.at(static_cast<std::size_t>(subject));
 }
 
 const char* wordFor(Work work) {
     constexpr std::array words{"created", "filled", "verified", "printed", "written", "called"};
     return words.at(static_cast<std::size_t>(work));
+}
+
+const char* wordsFor(KeyFault fault) {
+    constexpr std::array words{"no key file was given",
+                               "no type was given",
+                               "the file has no key that is known",
+                               "the key is of another type",
+                               "the key is a public one",
+                               "the key is encrypted",
+                               "the passphrase is wrong",
+                               "the key is encrypted in another way than by PBES2 with AES or 3DES",
+                               "the key has fewer than 2048 or more than 4096 bits",
+                               "this program was built without signatures"};
+    return words.at(static_cast<std::size_t>(fault));
 }
 
 const char* wordsFor(VariableFault fault) {
@@ -466,6 +480,29 @@ public:
         const std::string digits = digitsOf(fact.value);
         line("Hash : ", fact.name);
         line("  HashValue: ", digits);
+    }
+
+    void operator()(const SignaturePrinted& fact) const {
+        const std::string digits = digitsOf(fact.value);
+        line("Signature : ", fact.name);
+        line("  SignatureValue: ", digits);
+    }
+
+    void operator()(const KeyRefused& fact) const {
+        line("Error: Key ", fact.file, " could not be used !");
+        line("For ", fact.type.empty() ? "any type" : fact.type, ": ", wordsFor(fact.fault));
+        line("Operation aborted.");
+    }
+
+    void operator()(const KeyReadable& fact) const {
+        line("Warning: Key ", fact.file, " can be read by others !");
+    }
+
+    void operator()(const SignatureWrong& fact) const {
+        line("Error: ", wordFor(Subject::Signature), " ", fact.signature,
+             " could not be verified !");
+        line("It is not that of the bytes by the key ", fact.file);
+        line("Operation aborted.");
     }
 
     void operator()(const TextPrinted& fact) const { line(fact.text); }

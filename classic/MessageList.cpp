@@ -184,7 +184,8 @@ std::vector<Fact> examples(Of<FileWriteIncomplete> /*type*/) {
 }
 std::vector<Fact> examples(Of<NameNotFound> /*type*/) {
     std::vector<Fact> facts;
-    for (const NameKind kind : {NameKind::Buffer, NameKind::Crc, NameKind::Hash, NameKind::Symbol})
+    for (const NameKind kind :
+         {NameKind::Buffer, NameKind::Crc, NameKind::Hash, NameKind::Signature, NameKind::Symbol})
         facts.emplace_back(NameNotFound{kind, "NAME"});
     return facts;
 }
@@ -221,8 +222,10 @@ std::vector<Fact> examples(Of<StatementExhausted> /*type*/) {
           std::pair{Subject::Buffer, Work::Verified}, std::pair{Subject::Buffer, Work::Printed},
           std::pair{Subject::Crc, Work::Created}, std::pair{Subject::Crc, Work::Printed},
           std::pair{Subject::Hash, Work::Created}, std::pair{Subject::Hash, Work::Printed},
-          std::pair{Subject::Text, Work::Printed}, std::pair{Subject::File, Work::Written},
-          std::pair{Subject::Application, Work::Called}})
+          std::pair{Subject::Signature, Work::Created},
+          std::pair{Subject::Signature, Work::Verified},
+          std::pair{Subject::Signature, Work::Printed}, std::pair{Subject::Text, Work::Printed},
+          std::pair{Subject::File, Work::Written}, std::pair{Subject::Application, Work::Called}})
         facts.emplace_back(StatementExhausted{subject, "NAME", work});
     return facts;
 }
@@ -275,6 +278,24 @@ std::vector<Fact> examples(Of<CrcPrinted> /*type*/) {
 }
 std::vector<Fact> examples(Of<HashPrinted> /*type*/) {
     return {HashPrinted{"NAME", bytes}};
+}
+std::vector<Fact> examples(Of<SignaturePrinted> /*type*/) {
+    return {SignaturePrinted{"NAME", bytes}};
+}
+std::vector<Fact> examples(Of<KeyRefused> /*type*/) {
+    std::vector<Fact> facts;
+    for (const KeyFault fault :
+         {KeyFault::NotGiven, KeyFault::NoType, KeyFault::NotAKey, KeyFault::WrongType,
+          KeyFault::Public, KeyFault::Encrypted, KeyFault::PassphraseWrong,
+          KeyFault::EncryptionUnknown, KeyFault::Size, KeyFault::NotSupported})
+        facts.emplace_back(KeyRefused{"PATH", "TYPE", fault});
+    return facts;
+}
+std::vector<Fact> examples(Of<KeyReadable> /*type*/) {
+    return {KeyReadable{"PATH"}};
+}
+std::vector<Fact> examples(Of<SignatureWrong> /*type*/) {
+    return {SignatureWrong{"NAME", "PATH"}};
 }
 std::vector<Fact> examples(Of<TextPrinted> /*type*/) {
     // The text is the script's own.

@@ -238,6 +238,8 @@ void addCommon(CLI::App& command, Request& request, Texts& texts) {
         });
     addFileOption(command, "--elf", request.run.nameFile,
                   "names the functions and data at addresses");
+    addFileOption(command, "--passphrase-file", request.run.passphraseFile,
+                  "has the passphrase of encrypted keys in its first line");
     command.add_flag("--keep-going", request.run.keepsGoing,
                      "goes on after a statement that failed");
     command.add_flag("--print-script", request.run.printsScript,

@@ -15,6 +15,7 @@
 #include "parser/commands/CmdNewHash.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
 #include "parser/commands/LateNumber.hpp"
+#include "parser/commands/SignatureKey.hpp"
 #include "parser/grammar/Keywords.hpp"
 #include "strict/diagnostics/Kinds.hpp"
 #include "util/crc/CrcParameters.hpp"
@@ -28,6 +29,7 @@ using Parser::WrapperLib::CmdNewHash;
 using Parser::WrapperLib::CmdWriteFile;
 using Parser::WrapperLib::ExportFormat;
 using Parser::WrapperLib::FormatNumber;
+using Parser::WrapperLib::SignatureKind;
 using Parser::WrapperLib::ValueType;
 
 /// Over which CRCs are published.
@@ -116,6 +118,16 @@ std::string hashes() {
     return "Hashes, -setType=name:\n" + table(rows);
 }
 
+std::string signatures() {
+    std::vector<Row> rows{{"name", "bytes", "what it is"}};
+    for (const SignatureKind& kind : Parser::WrapperLib::signatureKinds())
+        rows.push_back({kind.keyword, kind.size ? std::to_string(*kind.size) : "of the modulus",
+                        kind.meaning});
+    return "Signatures, -setType=name:\n" + table(rows) +
+           "\n-setSignatureForm=Der writes those of ECDSA as a SEQUENCE in DER, which takes a few "
+           "bytes more.\n";
+}
+
 /// The keyword of a format with what may follow it.
 std::string formOf(const ExportFormat& format) {
     constexpr std::array suffixes{"", "[_N]", "_N", "_NAME"};  // by FormatNumber
@@ -169,6 +181,7 @@ constexpr std::array allTopics{
     Topic{"numbers", "numbers of images and symbols", &numbers},
     Topic{"crcs", "CRCs with width, check value and other names, and sums", &crcs},
     Topic{"hashes", "hashes with the size of their digests", &hashes},
+    Topic{"signatures", "types of signatures with their sizes", &signatures},
     Topic{"formats", "formats of inputs and outputs with their endings", &formats},
     Topic{"kinds", "kinds of diagnostics, and what they count as", &kinds},
 };

@@ -325,7 +325,7 @@ struct FileWriteIncomplete {
 // Statements
 
 /// What a name of a statement refers to. A symbol is a CRC or a hash.
-enum class NameKind : std::uint8_t { Buffer, Crc, Hash, Symbol };
+enum class NameKind : std::uint8_t { Buffer, Crc, Hash, Signature, Symbol };
 
 /// No statement before has made the name; the statement failed.
 struct NameNotFound {
@@ -356,8 +356,42 @@ struct SymbolUnfit {
     bool operator==(const SymbolUnfit&) const = default;
 };
 
-enum class Subject : std::uint8_t { Buffer, Crc, Hash, Text, File, Application };
+enum class Subject : std::uint8_t { Buffer, Crc, Hash, Signature, Text, File, Application };
 enum class Work : std::uint8_t { Created, Filled, Verified, Printed, Written, Called };
+
+enum class KeyFault : std::uint8_t {
+    NotGiven,   ///< the statement names no key file
+    NoType,     ///< the statement names no type
+    NotAKey,    ///< no PEM, damaged, or of an unknown algorithm or curve
+    WrongType,  ///< a key of another algorithm than the type needs
+    Public,     ///< where a private key is needed
+    Encrypted,  ///< and there is no passphrase
+    PassphraseWrong,
+    EncryptionUnknown,  ///< otherwise than by PBES2 with AES or 3DES
+    Size,               ///< an RSA key of fewer than 2,048 or more than 4,096 bits
+    NotSupported        ///< the program was built without signatures
+};
+
+/// A key cannot be used; the statement failed.
+struct KeyRefused {
+    std::string_view file;
+    std::string_view type;  ///< of the signature; empty if any will do
+    KeyFault fault;
+    bool operator==(const KeyRefused&) const = default;
+};
+
+/// Others than its owner may read the file of a private key, which is used all the same.
+struct KeyReadable {
+    std::string_view file;
+    bool operator==(const KeyReadable&) const = default;
+};
+
+/// A signature is not that of the bytes by the key; the statement failed.
+struct SignatureWrong {
+    std::string_view signature;
+    std::string_view file;  ///< of the key
+    bool operator==(const SignatureWrong&) const = default;
+};
 
 /// An image has other bytes than a statement compares it with, which fails.
 struct ImageDiffers {
@@ -515,6 +549,12 @@ struct HashPrinted {
     std::span<const std::uint8_t> value;
 };
 
+/// PRINT_SIGNATURE.
+struct SignaturePrinted {
+    std::string_view name;
+    std::span<const std::uint8_t> value;
+};
+
 /// PRINT_TEXT.
 struct TextPrinted {
     std::string_view text;
@@ -582,8 +622,8 @@ using Fact = std::variant<
     FileWriteIncomplete, NameNotFound, ImageWithout, SymbolUnfit, OverlapRefused, ImageDiffers,
     NothingCompared, StatementExhausted, CrcParameterRefused, WordIncomplete, BusRefused,
     ImageNotOfWords, AddressUnitRefused, AlignmentZero, FileNotOpened, FileNotWritten,
-    FileSpanTooLong, BufferPrinted, ContentPrinted, CrcPrinted, HashPrinted, TextPrinted,
-    ProgramCalled, ProgramEnded, ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError,
-    RunEnded, FieldFact>;
+    FileSpanTooLong, BufferPrinted, ContentPrinted, CrcPrinted, HashPrinted, SignaturePrinted,
+    KeyRefused, KeyReadable, SignatureWrong, TextPrinted, ProgramCalled, ProgramEnded,
+    ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace Facts

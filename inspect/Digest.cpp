@@ -33,14 +33,6 @@ void forBytes(const Buffer::ElementView& elements, Take take) {
     }
 }
 
-std::string lowerHex(Bytes bytes) {
-    std::string text;
-    Util::appendHex(text, bytes);
-    std::ranges::transform(text, text.begin(),
-                           [](char c) { return c >= 'A' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return text;
-}
-
 }  // namespace
 
 class Sha256::Hash : public kv::crypto::stream::hash::hash_sha256 {};
@@ -54,7 +46,7 @@ void Sha256::take(std::string_view bytes) {
 
 std::string Sha256::finish() {
     const auto digest = hash_->finish();
-    return lowerHex({digest.data(), digest.size()});
+    return Util::lowerHex({digest.data(), digest.size()});
 }
 
 void Digester::take(Bytes bytes) {

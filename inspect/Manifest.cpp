@@ -110,6 +110,7 @@ Json valueJson(const ValueRecord& value) {
               {"bytes", value.bytes}};
     addLine(json, value.line, value.script);
     json["algorithm"] = algorithmJson(value.algorithm);
+    if (!value.publicKey.empty()) json["publicKey"] = value.publicKey;
     if (value.wordSize != 1) json["wordSize"] = value.wordSize;
     json["covers"] = Json::array();
     for (const ValueRecord::Source& source : value.sources)

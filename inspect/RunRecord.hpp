@@ -61,7 +61,7 @@ struct ImageRecord {
     std::optional<std::uint64_t> startAddress;  ///< of the program, that its input file names
 };
 
-/// What computes a CRC or a hash.
+/// What computes a CRC, a hash or a signature.
 struct Algorithm {
     std::string name;     ///< a name of the catalogue, a type of the language, or Custom
     std::string meaning;  ///< what the type computes, in words; empty if the name says it
@@ -69,13 +69,13 @@ struct Algorithm {
     Util::Crc::CrcAlignment alignment = Util::Crc::CrcAlignment::Right;
 };
 
-/// A CRC or a hash.
+/// A CRC, a hash or a signature.
 struct ValueRecord {
     struct Place {
         std::string image;
         Buffer::Area area;
         std::size_t line;
-        std::string byteOrder;    ///< LittleEndian or BigEndian; empty for a hash
+        std::string byteOrder;    ///< LittleEndian or BigEndian; empty unless it is a CRC
         std::string script = {};  ///< the included file that has the line; empty: the script
     };
     struct Source {
@@ -83,7 +83,7 @@ struct ValueRecord {
         Buffer::AreaList areas;  ///< in the order in which their bytes count
     };
     std::string name;
-    std::string kind;   ///< "crc" or "hash"
+    std::string kind;   ///< "crc", "hash" or "signature"
     std::string bytes;  ///< hexadecimal digits, in the order in which PRINT_CRC shows them
     std::size_t line = 0;
     Algorithm algorithm;
@@ -91,6 +91,7 @@ struct ValueRecord {
     std::uint32_t wordSize = 1;   ///< bytes that are taken in reverse order
     std::vector<Place> places;    ///< where it was put
     std::string script = {};      ///< the included file that has `line`; empty: the script
+    std::string publicKey = {};   ///< SHA-256 of that of a signature which this run has made
 };
 
 /// A file that the script includes.

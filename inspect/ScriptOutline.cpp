@@ -38,8 +38,8 @@ std::string textOf(const ScriptOutline& outline) {
         text += '\n';
     }
     return text + outlineRows("includes  ", outline.includes) +
-           outlineRows("input     ", outline.inputs) + outlineRows("image     ", outline.images) +
-           outlineRows("output    ", outline.outputs);
+           outlineRows("input     ", outline.inputs) + outlineRows("key       ", outline.keys) +
+           outlineRows("image     ", outline.images) + outlineRows("output    ", outline.outputs);
 }
 
 }  // namespace Inspect

@@ -20,6 +20,7 @@ struct ScriptOutline {
     /// Each once, in their order. What comes from a parameter without a default has its name.
     std::vector<std::string> includes;
     std::vector<std::string> inputs;
+    std::vector<std::string> keys;  ///< files
     std::vector<std::string> images;
     std::vector<std::string> outputs;
 };

@@ -22,6 +22,7 @@
 #include "strict/ScriptReading.hpp"
 #include "strict/diagnostics/RemarkList.hpp"
 #include "strict/files/DependencyFile.hpp"
+#include "strict/files/Passphrase.hpp"
 #include "strict/files/RunFiles.hpp"
 #include "strict/files/WholeFile.hpp"
 #include "strict/meaning/MeaningCheck.hpp"
@@ -69,6 +70,8 @@ public:
             for (const Parser::Role role : {Parser::Role::InputFile, Parser::Role::Template})
                 if (const auto* const input = statement.last(role))
                     isGood = nameFile(*input, FileRole::Input) && isGood;
+            if (const auto* const key = statement.last(Parser::Role::KeyFile))
+                isGood = nameFile(*key, FileRole::Key) && isGood;
             for (const Parser::Part& input : statement.all(Parser::Role::SymbolFile))
                 isGood = nameFile(input, FileRole::Input) && isGood;
             if (const auto* const output = statement.last(Parser::Role::OutputFile))
@@ -83,6 +86,11 @@ public:
         auto names = Strict::readNames(path, *printer_);
         if (names) provenance_.setNames(std::move(*names));
         return names.has_value();
+    }
+
+    /// The passphrase of encrypted keys, borrowed.
+    void setPassphrase(std::optional<std::string_view> passphrase) {
+        context_.passphrase = passphrase;
     }
 
     /// Reports slips of meaning, as far as they can be known before the run.
@@ -144,7 +152,7 @@ private:
         if (!settle(number, statement)) return false;
         provenance_.enter(statement);
         if (meaning_) meaning_->enter(number, context_);
-        if (statement.has(Parser::Role::MakesCrc) || statement.has(Parser::Role::MakesHash))
+        if (statement.roles.hasAny(Parser::makesValue))
             provenance_.checkCovered(statement, context_);
         checkWideGaps(statement, context_, provenance_, reports_, meaning_.has_value());
         if (printer_->errors() != before) return false;
@@ -210,6 +218,8 @@ bool nameFiles(const RunOptions& options, RunFiles& files, DiagnosticSink& sink)
     };
     if (options.script != "-") nameFile(files, options.script, FileRole::Script, sink);
     if (!options.nameFile.empty()) nameFile(files, options.nameFile, FileRole::Input, sink);
+    if (!options.passphraseFile.empty())
+        nameFile(files, options.passphraseFile, FileRole::Key, sink);
     if (options.isCheck) return true;
     bool isGood = true;
     for (const Row& row :
@@ -308,6 +318,11 @@ private:
     ExitCode execute(const Program& program) {
         Execution execution(program, !options_.script.empty(), *printer_, *output_, files_);
         if (!execution.readNames(options_.nameFile)) return ExitCode::Failed;
+        const std::string& file = options_.passphraseFile;
+        const auto passphrase =
+            file.empty() ? std::optional<Passphrase>() : readPassphrase(file, files_, *printer_);
+        if (passphrase) execution.setPassphrase(passphrase->text());
+        if (!file.empty() && !passphrase) return ExitCode::Failed;
         const bool hasPlaces = execution.nameFiles();
         execution.checkMeaning();
         if (!hasPlaces || (printer_->errors() != 0 && !options_.keepsGoing))

@@ -43,11 +43,12 @@ void RunListener::reportField(const FieldFact& fact) {
             {words.kind, std::move(words.text), placeOf(words), std::move(words.hint)});
 }
 
-/// Where bytes that differ come from.
+/// Where bytes that differ, or a signature that is wrong, come from.
 std::vector<Note> RunListener::notesOn(const Fact& fact) const {
+    if (provenance_ == nullptr) return {};
+    if (std::holds_alternative<SignatureWrong>(fact)) return provenance_->notesOnValue();
     const auto* const differs = std::get_if<ImageDiffers>(&fact);
-    return differs == nullptr || provenance_ == nullptr ? std::vector<Note>()
-                                                        : provenance_->notesOn(*differs);
+    return differs == nullptr ? std::vector<Note>() : provenance_->notesOn(*differs);
 }
 
 void RunListener::hear(const Fact& fact) {
@@ -55,6 +56,8 @@ void RunListener::hear(const Fact& fact) {
         reportField(*field);
         return;
     }
+    const auto* const readable = std::get_if<KeyReadable>(&fact);
+    if (readable != nullptr && !readableKeys_.emplace(readable->file).second) return;
     hasRefused_ = hasRefused_ || isRefusal(fact);
     if (auto words = wordsFor(fact, circumstances_)) {
         if (words->name.empty())

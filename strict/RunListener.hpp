@@ -1,5 +1,8 @@
 #pragma once
 
+#include <functional>
+#include <set>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -43,6 +46,7 @@ private:
     Classic::ClassicWords* printed_;
     Circumstances circumstances_;
     bool hasRefused_ = false;
+    std::set<std::string, std::less<>> readableKeys_;  ///< that were reported
 };
 
 }  // namespace Strict

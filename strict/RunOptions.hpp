@@ -12,6 +12,7 @@ struct RunOptions {
     std::map<std::string, std::string> variables;
     std::string nameFile;              ///< with the names at addresses; empty for none
     std::vector<std::string> symbols;  ///< variables of ELF symbols, "NAME=file:symbol"
+    std::string passphraseFile;        ///< with the passphrase of encrypted keys; empty for none
     bool isCheck = false;              ///< runs in memory, writes nothing and starts no program
     bool comparesDisk = false;   ///< with `isCheck`: compares the outputs with the files on disk
     bool printsScript = false;   ///< prints the prepared script instead of running it

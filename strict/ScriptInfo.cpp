@@ -73,6 +73,7 @@ public:
             if (part.role == Role::InputFile || part.role == Role::Template ||
                 part.role == Role::SymbolFile)
                 add(outline_->inputs, inputs_, pathOf(part));
+            if (part.role == Role::KeyFile) add(outline_->keys, keys_, pathOf(part));
             if (part.role == Role::OutputFile) add(outline_->outputs, outputs_, pathOf(part));
             if (part.role == Role::MakesImage)
                 add(outline_->images, images_, std::string(part.text));
@@ -92,6 +93,7 @@ private:
 
     Inspect::ScriptOutline* outline_;
     Known inputs_;
+    Known keys_;
     Known outputs_;
     Known images_;
 };

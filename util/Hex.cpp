@@ -59,6 +59,14 @@ void appendHex(std::string& text, std::span<const std::uint8_t> bytes) {
     writeHex(text.data() + length, bytes);
 }
 
+std::string lowerHex(std::span<const std::uint8_t> bytes) {
+    std::string text;
+    appendHex(text, bytes);
+    std::ranges::transform(text, text.begin(),
+                           [](char c) { return c >= 'A' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return text;
+}
+
 std::string hexWord(std::uint64_t number) {
     const std::array bytes{
         static_cast<std::uint8_t>(number >> 24U), static_cast<std::uint8_t>(number >> 16U),

@@ -33,6 +33,9 @@ bool readHex(std::uint8_t* out, const char* digits, std::size_t count);
 /// Appends each byte as two upper-case hexadecimal digits, in order and without separators.
 void appendHex(std::string& text, std::span<const std::uint8_t> bytes);
 
+/// The same with lower-case digits, as digests are usually written.
+std::string lowerHex(std::span<const std::uint8_t> bytes);
+
 /// The low 32 bits of `number` as eight upper-case hexadecimal digits.
 std::string hexWord(std::uint64_t number);
 

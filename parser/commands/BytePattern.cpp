@@ -24,6 +24,10 @@ std::optional<ByteList> BytePattern::bytesFor(CmdContext& context,
         const ByteList* const hash = findHash(context, named->name);
         return hash == nullptr ? std::nullopt : std::optional(*hash);
     }
+    if (const auto* const named = std::get_if<Signature>(&source_)) {
+        const ByteList* const signature = findSignature(context, named->name);
+        return signature == nullptr ? std::nullopt : std::optional(*signature);
+    }
     const ByteList* const crc = findCrc(context, std::get<Crc>(source_).name);
     if (crc == nullptr) return std::nullopt;
     ByteList bytes = *crc;

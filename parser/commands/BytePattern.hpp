@@ -23,6 +23,7 @@ public:
 
     void setCrc(std::string name) { source_ = Crc{std::move(name)}; }
     void setHash(std::string name) { source_ = Hash{std::move(name)}; }
+    void setSignature(std::string name) { source_ = Signature{std::move(name)}; }
 
     /// The order of the bytes of a CRC and of numbers; that of the image unless it is set.
     void setByteOrder(Buffer::ByteOrder order) { byteOrder_ = order; }
@@ -40,8 +41,11 @@ private:
     struct Hash {
         std::string name;
     };
+    struct Signature {
+        std::string name;
+    };
 
-    std::variant<std::vector<std::uint32_t>, std::string, Crc, Hash> source_;
+    std::variant<std::vector<std::uint32_t>, std::string, Crc, Hash, Signature> source_;
     Buffer::ByteOrder byteOrder_ = Buffer::ByteOrder::NotSet;
     std::uint32_t valueSize_ = 1;
 };

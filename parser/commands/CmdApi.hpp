@@ -22,7 +22,10 @@ enum class CmdType : std::uint32_t {
     WriteFile = 7,
     PrintText = 8,
     CallApp = 9,
-    VerifyBuffer = 10
+    VerifyBuffer = 10,
+    NewSignature = 11,
+    PrintSignature = 12,
+    VerifySignature = 13
 };
 
 /// One statement of a script. The parser fills its fields while it reads the statement; the runner

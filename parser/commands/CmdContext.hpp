@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "buffer/Area.hpp"
 #include "buffer/MemoryBuffer.hpp"
@@ -24,8 +26,11 @@ struct CmdContext {
     std::map<std::string, std::string> variables;         ///< text replacements of the script
     std::map<std::string, ByteList> crcs;                 ///< made by NEW_CRC
     std::map<std::string, ByteList> hashes;               ///< made by NEW_HASH
+    std::map<std::string, ByteList> signatures;           ///< made by NEW_SIGNATURE
     std::map<std::string, Buffer::MemoryBuffer> buffers;  ///< made by NEW_BUFFER
     SymbolFiles symbols;                                  ///< that numbers ask for
+    /// Of encrypted private keys; borrowed, as its owner wipes it.
+    std::optional<std::string_view> passphrase = {};
     /// How FROM_FILE reads, borrowed.
     const Io::Import::InputReading* reading = &Io::Import::classicReading();
     /// Longest range that NEW_BUFFER takes from a file that is not raw. A file beyond it is more

@@ -35,6 +35,11 @@ void CmdFillBuffer::setFillHash(std::string name) {
     fillKind_ = FillKind::FillHash;
 }
 
+void CmdFillBuffer::setFillSignature(std::string name) {
+    pattern_.setSignature(std::move(name));
+    fillKind_ = FillKind::FillSignature;
+}
+
 bool CmdFillBuffer::execute(CmdContext& context) {
     return guarded(Facts::Subject::Buffer, bufferName_, Facts::Work::Filled,
                    [&] { return fill(context); });
@@ -57,6 +62,7 @@ bool CmdFillBuffer::fill(CmdContext& context) {
             break;
         case FillKind::FillCrc:
         case FillKind::FillHash:
+        case FillKind::FillSignature:
             writeUnclipped(context, *buffer, *pattern);
             break;
         case FillKind::FillNone:

@@ -17,7 +17,8 @@ enum class FillKind : std::uint32_t {
     FillValues = 2,
     FillString = 3,
     FillCrc = 4,
-    FillHash = 5
+    FillHash = 5,
+    FillSignature = 6
 };
 
 /// FILL_BUFFER: changes an image in place. The filler form sets what unwritten addresses read as;
@@ -30,6 +31,7 @@ public:
     void setFillString(std::string text);
     void setFillCrc(std::string name);
     void setFillHash(std::string name);
+    void setFillSignature(std::string name);
     void setByteOrder(Buffer::ByteOrder order) { pattern_.setByteOrder(order); }
     void setValueSize(std::uint32_t bytes) { pattern_.setValueSize(bytes); }
     void addArea(const Area& area) { areas_.push_back(area); }

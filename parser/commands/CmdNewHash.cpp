@@ -1,12 +1,15 @@
 #include "parser/commands/CmdNewHash.hpp"
 
 #include <array>
+#include <utility>
 
 #include "crypto/stream/hash/hash_gost.hpp"
 #include "crypto/stream/hash/hash_keccak.hpp"
 #include "crypto/stream/hash/hash_md.hpp"
 #include "crypto/stream/hash/hash_ripemd.hpp"
 #include "crypto/stream/hash/hash_sha.hpp"
+#include "parser/commands/Conventions.hpp"
+#include "parser/commands/SignatureKey.hpp"
 
 namespace Parser::WrapperLib {
 
@@ -46,6 +49,18 @@ constexpr std::array<ValueType, 19> hashTypes{{
 }  // namespace
 
 CmdNewHash::CmdNewHash() : CmdNewValue(Facts::Subject::Hash, &CmdContext::hashes, notChosen) {}
+
+void CmdNewHash::setKeyFile(std::string argument) {
+    keyFile_ = cleanedPath(std::move(argument));
+}
+
+bool CmdNewHash::execute(CmdContext& context) {
+    if (keyFile_.empty()) return CmdNewValue::execute(context);
+    return guarded(Facts::Subject::Hash, name(), Facts::Work::Created, [&] {
+        const auto key = publicKeyIn(keyFile_, context);
+        return key && keepValueOf(context, *key, Buffer::ByteOrder::NotSet);
+    });
+}
 
 std::span<const ValueType> CmdNewHash::types() {
     return hashTypes;

@@ -56,11 +56,21 @@ bool CmdNewValue::execute(CmdContext& context) {
         if (!bytes) return false;
         if (!hasWholeWords(bytes->view().size())) return false;
         if (wordSize_ != 1) bytes->reverseWords(wordSize_);
-        const auto value =
-            compute_ ? compute_(bytes->view(), byteOrderOf(context, fromBuffers_)) : ByteList{};
-        if (value) (context.*registry_).try_emplace(name_, stored(*value));
-        return value.has_value();
+        return keepValueOf(context, bytes->view(), byteOrderOf(context, fromBuffers_));
     });
+}
+
+bool CmdNewValue::keepValueOf(CmdContext& context, std::span<const std::uint8_t> data,
+                              Buffer::ByteOrder order) const {
+    const auto value = compute_ ? compute_(data, order) : ByteList{};
+    if (value) (context.*registry_).try_emplace(name_, stored(*value));
+    return value.has_value();
+}
+
+const ByteList* CmdNewValue::valueIn(const CmdContext& context) const {
+    const Registry& values = context.*registry_;
+    const auto value = values.find(name_);
+    return value == values.end() ? nullptr : &value->second;
 }
 
 }  // namespace Parser::WrapperLib

@@ -39,8 +39,8 @@ struct Algorithm {
     std::uint32_t wordSize = 1;  ///< in bytes, of the words of which the data has to consist
 };
 
-/// What NEW_CRC and NEW_HASH share: a value is computed over the effective bytes of images and
-/// kept under a name.
+/// What NEW_CRC, NEW_HASH and NEW_SIGNATURE share: a value is computed over the effective bytes of
+/// images and kept under a name.
 class CmdNewValue : public CmdApi {
 public:
     void setName(std::string name);
@@ -62,7 +62,10 @@ public:
 
     /// The size of the value in bytes, whatever it is computed over. Nothing if it has none; a
     /// parameter that is refused is reported.
-    std::optional<std::size_t> valueSize() const;
+    virtual std::optional<std::size_t> valueSize() const;
+
+    /// What the statement has computed; null if it has not run or has failed.
+    const ByteList* valueIn(const CmdContext& context) const;
 
     bool execute(CmdContext& context) override;
 
@@ -84,6 +87,14 @@ protected:
         algorithm_ = algorithm;
         compute_ = std::move(compute);
     }
+
+    /// Computes a value of bytes and keeps it. False after a report.
+    bool keepValueOf(CmdContext& context, std::span<const std::uint8_t> data,
+                     Buffer::ByteOrder order) const;
+
+    /// The named images, in their order.
+    const std::vector<std::string>& fromBuffers() const { return fromBuffers_; }
+    const AreaList& areas() const { return areas_; }
 
 private:
     ByteList stored(const ByteList& value) const;

@@ -23,6 +23,7 @@ public:
     void setString(std::string text);
     void setCrc(std::string name) { pattern_.setCrc(std::move(name)); }
     void setHash(std::string name) { pattern_.setHash(std::move(name)); }
+    void setSignature(std::string name) { pattern_.setSignature(std::move(name)); }
 
     /// The other image, by its name.
     void setOther(std::string name) { otherName_ = std::move(name); }

@@ -77,11 +77,16 @@ const ByteList* findHash(const CmdContext& context, const std::string& name) {
     return findOrReport(context.hashes, name, Facts::NameKind::Hash);
 }
 
+const ByteList* findSignature(const CmdContext& context, const std::string& name) {
+    return findOrReport(context.signatures, name, Facts::NameKind::Signature);
+}
+
 bool resolveSymbol(const CmdContext& context, const std::string& name, std::string& text) {
     const auto crc = context.crcs.find(name);
     const bool isCrc = crc != context.crcs.end();
+    const auto& others = context.hashes.contains(name) ? context.hashes : context.signatures;
     const ByteList* const value =
-        isCrc ? &crc->second : findOrReport(context.hashes, name, Facts::NameKind::Symbol);
+        isCrc ? &crc->second : findOrReport(others, name, Facts::NameKind::Symbol);
     if (value == nullptr) return false;
     std::string digits = isCrc ? "0x" : "";
     Util::appendHex(digits, *value);

@@ -27,6 +27,9 @@ const ByteList* findCrc(const CmdContext& context, const std::string& name);
 /// The named hash, or nullptr after a report.
 const ByteList* findHash(const CmdContext& context, const std::string& name);
 
+/// The named signature, or nullptr after a report.
+const ByteList* findSignature(const CmdContext& context, const std::string& name);
+
 /// Puts the value of the CRC or hash `name` in place of every occurrence of the name in `text`:
 /// each byte in stored order as two upper-case hexadecimal digits, with "0x" before those of a CRC.
 /// A CRC wins over a hash of the same name. False, after a report, if there is neither; the text

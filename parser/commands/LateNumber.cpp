@@ -14,7 +14,8 @@ namespace {
 constexpr std::array functions{
     NumberFunction{"startOf", Property::StartAddress, "the first address of an image"},
     NumberFunction{"endOf", Property::EndAddress, "the address after the last one of an image"},
-    NumberFunction{"lengthOf", Property::Length, "the number of addresses of an image"},
+    NumberFunction{"lengthOf", Property::Length,
+                   "the number of addresses of an image, or of bytes of a signature"},
     NumberFunction{"firstWritten", Property::FirstWritten,
                    "the first address of an image that has a byte"},
     NumberFunction{"lastWritten", Property::LastWritten,
@@ -92,6 +93,9 @@ std::optional<std::uint64_t> Query::answer(CmdContext& context) const {
         if (found == nullptr) return std::nullopt;
         return property == Property::SymbolAddress ? found->address : found->size;
     }
+    if (property == Property::Length && !context.buffers.contains(subject))
+        if (const auto value = context.signatures.find(subject); value != context.signatures.end())
+            return value->second.size();
     const Buffer::MemoryBuffer* const image = findBuffer(context, subject);
     return image == nullptr ? std::nullopt : propertyOf(*image, subject, property);
 }

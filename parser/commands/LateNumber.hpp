@@ -26,7 +26,7 @@ std::uint32_t applied(Operator operation, std::uint64_t left, std::uint64_t righ
 enum class Property : unsigned char {
     StartAddress,   ///< the first address of an image
     EndAddress,     ///< one past the last address of an image
-    Length,         ///< the number of addresses of an image
+    Length,         ///< the number of addresses of an image, or of bytes of a signature
     FirstWritten,   ///< the first address of an image that has a byte
     LastWritten,    ///< the last address of an image that has a byte
     SymbolAddress,  ///< of an ELF file

@@ -29,6 +29,9 @@ struct FillBufferRules final : StatementRules {
               rules.name[on.text("SetFillCrc -> ", Role::UsesCrc, &CmdFillBuffer::setFillCrc)]) |
              (rules.keyword("WITH_HASH") >> rules.ws >>
               rules.name[on.text("SetFillHash -> ", Role::UsesHash, &CmdFillBuffer::setFillHash)]) |
+             (rules.keyword("WITH_SIGNATURE") >> rules.ws >>
+              rules.name[on.text("SetFillSignature -> ", Role::UsesSignature,
+                                 &CmdFillBuffer::setFillSignature)]) |
              (rules.keyword("WITH_VALUES") >> rules.ws >>
               rules.valueList[on.values("SetFillValues -> ", Role::Bytes,
                                         &CmdFillBuffer::setFillValues)]) |

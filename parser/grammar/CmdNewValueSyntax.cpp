@@ -42,11 +42,10 @@ struct NewValueRules : StatementRules {
         const StatementActions<Command> onKeyword(state);
         command = (rules.keyword(words.keyword)[onKeyword.begin(words.beginTrace)] >> rules.ws >>
                    rules.name[on.text(words.nameTrace, words.role, &CmdNewValue::setName)] >>
-                   source >> options)[on.end()] >>
+                   rules.ws >> ((source >> options) | keySource))[on.end()] >>
                   rules.ws;
-        source = rules.ws >>
-                 buffersSource(rules, on, "AddFromBuffer -> ", &CmdNewValue::addFromBuffer) >>
-                 rules.ws;
+        source =
+            buffersSource(rules, on, "AddFromBuffer -> ", &CmdNewValue::addFromBuffer) >> rules.ws;
         options = *(ownAreasOption | typeOption | wordSizeOption | alignmentOption);
         ownAreasOption = areasOption(rules, on);
         typeOption =
@@ -61,7 +60,7 @@ struct NewValueRules : StatementRules {
 
     Rule source, options, ownAreasOption, typeOption, namedType, wordSizeOption;
     // Without a definition they never match.
-    Rule describedType, alignmentOption;
+    Rule describedType, alignmentOption, keySource;
     const ValueType* type = nullptr;  ///< the row of the keyword that was read last
 };
 
@@ -179,6 +178,18 @@ struct NewCrcRules final : NewValueRules<CmdNewCrc> {
     std::vector<Amount> parameters;         ///< of the Custom that is being read
 };
 
+/// NEW_HASH name FROM_KEY path [-setType = type], besides what NEW_CRC takes.
+struct NewHashRules final : NewValueRules<CmdNewHash> {
+    NewHashRules(CommonRules& rules, ParserState& state, const Words& words)
+        : NewValueRules(rules, state, words) {
+        const StatementActions<CmdNewHash> on(state);
+        keySource =
+            rules.keyword("FROM_KEY") >> rules.ws >>
+            rules.textArg[on.text("SetKeyFile -> ", Role::KeyFile, &CmdNewHash::setKeyFile)] >>
+            rules.ws >> *typeOption;
+    }
+};
+
 }  // namespace
 
 std::unique_ptr<const StatementRules> newCrcCmd(CommonRules& rules, ParserState& state) {
@@ -188,7 +199,7 @@ std::unique_ptr<const StatementRules> newCrcCmd(CommonRules& rules, ParserState&
 
 std::unique_ptr<const StatementRules> newHashCmd(CommonRules& rules, ParserState& state) {
     const Words words{"NEW_HASH", "CmdNewHash: Begin -> ", "SetHashName -> ", Role::MakesHash};
-    return std::make_unique<NewValueRules<CmdNewHash>>(rules, state, words);
+    return std::make_unique<NewHashRules>(rules, state, words);
 }
 
 }  // namespace Parser

@@ -27,6 +27,8 @@ struct VerifyBufferRules final : StatementRules {
             rules.ws >>
             (named("WITH_CRC", "SetVerifyCrc -> ", Role::UsesCrc, &CmdVerifyBuffer::setCrc) |
              named("WITH_HASH", "SetVerifyHash -> ", Role::UsesHash, &CmdVerifyBuffer::setHash) |
+             named("WITH_SIGNATURE", "SetVerifySignature -> ", Role::UsesSignature,
+                   &CmdVerifyBuffer::setSignature) |
              named("WITH_BUFFER", "SetVerifyBuffer -> ", Role::UsesImage,
                    &CmdVerifyBuffer::setOther) |
              (rules.keyword("WITH_VALUES") >> rules.ws >>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <initializer_list>
 
@@ -12,14 +13,16 @@ enum class Role : unsigned char {
     MakesImage,
     MakesCrc,
     MakesHash,
+    MakesSignature,
     UsesImage,     ///< reads it
     ChangesImage,  ///< writes into it
     UsesCrc,
     UsesHash,
+    UsesSignature,
     MeasuresImage,  ///< a number asks for its addresses
     SymbolFile,     ///< a number asks for a symbol of that file
     Symbol,
-    UsesValue,  ///< a CRC or, if none has the name, a hash, which its text names
+    UsesValue,  ///< a CRC or, if none has the name, a hash or a signature, which its text names
     InputFile,
     Template,  ///< a file that an output is a copy of
     OutputFile,
@@ -35,7 +38,7 @@ enum class Role : unsigned char {
     Section,   ///< the name of a section that is written
     Sections,  ///< the name of a section of an input
     Family,    ///< of devices, whose blocks of an input count
-    Type,      ///< of a CRC or a hash
+    Type,      ///< of a CRC, a hash or a signature
     Format,    ///< of a file that is written
     Overlap,   ///< which byte counts
     ByteOrder,
@@ -51,6 +54,9 @@ enum class Role : unsigned char {
     ArrayName,    ///< a name in C
     GuardName,    ///< of a macro in C
     Header,       ///< the text of a header record
+    Stored,       ///< an image holds the signature that the statement makes known
+    KeyFile,      ///< its contents are secret
+    Form,         ///< of a signature
     Option,       ///< a number for USB
     None,         ///< of a step of the parser that says nothing new
 };
@@ -76,6 +82,24 @@ private:
 
     std::uint64_t bits_ = 0;
 };
+
+/// A kind of values that statements make under a name and put into images.
+struct ValueKind {
+    Role makes;
+    Role uses;
+    const char* word;         ///< "CRC"
+    const char* withArticle;  ///< "a CRC"
+};
+
+/// All of them. What they have in common asks this table, so that it holds for each.
+inline constexpr std::array valueKinds{
+    ValueKind{Role::MakesCrc, Role::UsesCrc, "CRC", "a CRC"},
+    ValueKind{Role::MakesHash, Role::UsesHash, "hash", "a hash"},
+    ValueKind{Role::MakesSignature, Role::UsesSignature, "signature", "a signature"}};
+
+/// The roles of names of values, where they are made and where they are used.
+inline constexpr Roles makesValue{Role::MakesCrc, Role::MakesHash, Role::MakesSignature};
+inline constexpr Roles usesValue{Role::UsesCrc, Role::UsesHash, Role::UsesSignature};
 
 /// The choice of an `Option`.
 enum class UsbId : unsigned char { Vendor, Product };

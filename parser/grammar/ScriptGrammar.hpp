@@ -409,9 +409,9 @@ auto symbolsOption(CommonRules& rules, const StatementActions<Command>& on) {
 }
 
 /// FROM_BUFFERS { name ... } | FROM_BUFFER name. The longer keyword comes first.
-template <class Command>
+template <class Command, class Base>
 auto buffersSource(CommonRules& rules, const StatementActions<Command>& on, const char* traceText,
-                   void (Command::*setter)(std::string)) {
+                   void (Base::*setter)(std::string)) {
     return (rules.keyword("FROM_BUFFERS") >> rules.ws >> rules.openBrace >>
             *(rules.name[on.text(traceText, Role::UsesImage, setter)] >> rules.separator) >>
             rules.closeBrace) |

@@ -95,6 +95,11 @@ struct Statement {
         });
         return found == parts.rend() ? nullptr : &*found;
     }
+    const Part* last(Roles wanted) const {
+        if (!roles.hasAny(wanted)) return nullptr;
+        return &*std::find_if(parts.rbegin(), parts.rend(),
+                              [wanted](const Part& part) { return wanted.has(part.role); });
+    }
     const Part* last(Role role) const { return has(role) ? last(std::span(&role, 1)) : nullptr; }
     bool has(Role role) const { return roles.has(role); }
 

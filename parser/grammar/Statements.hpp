@@ -22,13 +22,17 @@ std::unique_ptr<const StatementRules> newHashCmd(CommonRules& rules, ParserState
 std::unique_ptr<const StatementRules> callAppCmd(CommonRules& rules, ParserState& state);
 std::unique_ptr<const StatementRules> verifyBufferCmd(CommonRules& rules, ParserState& state);
 
+std::unique_ptr<const StatementRules> newSignatureCmd(CommonRules& rules, ParserState& state);
+std::unique_ptr<const StatementRules> printSignatureCmd(CommonRules& rules, ParserState& state);
+std::unique_ptr<const StatementRules> verifySignatureCmd(CommonRules& rules, ParserState& state);
+
 struct StatementRow {
     StatementDefinition define;
     const char* meaning;  ///< one line, for people
 };
 
 /// In the order in which the grammar tries them.
-inline constexpr std::array<StatementRow, 11> statementRows{{
+inline constexpr std::array<StatementRow, 14> statementRows{{
     {&newBufferCmd, "makes an image from a file, from values, from other images or empty"},
     {&fillBufferCmd, "writes values, text, a filler, a CRC or a hash into an image"},
     {&printTextCmd, "prints a text"},
@@ -40,6 +44,9 @@ inline constexpr std::array<StatementRow, 11> statementRows{{
     {&newHashCmd, "computes a hash of images"},
     {&callAppCmd, "runs a program"},
     {&verifyBufferCmd, "compares an image with values, a text, a CRC, a hash or another image"},
+    {&newSignatureCmd, "signs images, or takes a signature from a file"},
+    {&printSignatureCmd, "prints a signature"},
+    {&verifySignatureCmd, "holds a signature against images and a public key"},
 }};
 
 }  // namespace Parser

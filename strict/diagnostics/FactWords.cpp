@@ -26,7 +26,7 @@ using Parser::Role;
 using Words = std::optional<FactWords>;
 
 /// The parts that say which addresses a statement works on.
-const std::vector<Role> anyInput{Role::InputFile, Role::Template, Role::SymbolFile};
+const std::vector<Role> anyInput{Role::InputFile, Role::Template, Role::SymbolFile, Role::KeyFile};
 const std::vector<Role> anyArea{Role::Area, Role::Range, Role::Address};
 
 /// How a program ended that did not end well.
@@ -82,7 +82,8 @@ Words words(const MoveTooFar& f, const Circumstances& /*c*/) {
 Words words(const FillPatternEmpty& /*f*/, const Circumstances& /*c*/) {
     return {{Kind::NoEffect,
              "there are no bytes, so nothing is done",
-             {Role::Bytes, Role::Filler, Role::String, Role::UsesHash, Role::Area}}};
+             {Role::Bytes, Role::Filler, Role::String, Role::UsesHash, Role::UsesSignature,
+              Role::Area}}};
 }
 
 /// What filling and extracting say alike.
@@ -377,7 +378,8 @@ Words words(const ImageDiffers& f, const Circumstances& /*c*/) {
                 (f.count == 2 ? " differs" : " differ");
     return {{Kind::Verify,
              std::move(text),
-             {Role::UsesCrc, Role::UsesHash, Role::Bytes, Role::String, Role::UsesImage}}};
+             {Role::UsesCrc, Role::UsesHash, Role::UsesSignature, Role::Bytes, Role::String,
+              Role::UsesImage}}};
 }
 
 Words words(const NothingCompared& f, const Circumstances& /*c*/) {
@@ -460,6 +462,65 @@ Words words(const AlignmentZero& /*f*/, const Circumstances& /*c*/) {
     return {{Kind::Outside, "an end cannot be a multiple of 0", {Role::Alignment}}};
 }
 
+/// Why a key was refused, after "the key FILE ".
+std::string reasonOf(const KeyRefused& f) {
+    switch (f.fault) {
+        case KeyFault::WrongType:
+            return "is not one for " + std::string(f.type);
+        case KeyFault::Public:
+            return "is public, and only a private key signs";
+        case KeyFault::Encrypted:
+            return "is encrypted";
+        case KeyFault::PassphraseWrong:
+            return "cannot be decrypted: the passphrase is wrong, or the file is damaged";
+        case KeyFault::EncryptionUnknown:
+            return "is encrypted in another way than by PBES2 with AES or 3DES";
+        case KeyFault::Size:
+            return "has fewer than 2048 or more than 4096 bits";
+        default:
+            break;
+    }
+    return "is not a sound key in PEM, or of an unknown algorithm or curve";
+}
+
+std::string adviceOn(const KeyRefused& f) {
+    if (f.fault == KeyFault::Encrypted) return "--passphrase-file FILE gives its passphrase";
+    if (f.fault == KeyFault::EncryptionUnknown)
+        return "openssl pkcs8 -topk8 writes such a key, or one that is not encrypted";
+    return "";
+}
+
+Words words(const KeyRefused& f, const Circumstances& /*c*/) {
+    if (f.fault == KeyFault::NoType)
+        return {{Kind::Key,
+                 "the statement does not name the type of the signature",
+                 {},
+                 "add -setType=Ed25519 or another type"}};
+    if (f.fault == KeyFault::NotGiven)
+        return {{Kind::Key, "the statement has no key", {}, "add -setKeyFile=FILE"}};
+    if (f.fault == KeyFault::NotSupported)
+        return {{Kind::Key, "this program was built without signatures", {Role::KeyFile}}};
+    return {{Kind::Key,
+             "the key " + std::string(f.file) + " " + reasonOf(f),
+             {Role::KeyFile},
+             adviceOn(f)}};
+}
+
+Words words(const KeyReadable& f, const Circumstances& /*c*/) {
+    const std::string file(f.file);
+    return {{Kind::KeyReadable,
+             "others than its owner may read the private key " + file,
+             {Role::KeyFile},
+             "chmod go= " + file}};
+}
+
+Words words(const SignatureWrong& f, const Circumstances& /*c*/) {
+    return {{Kind::Signature,
+             std::string(f.signature) + " is not the signature of these bytes by the key " +
+                 std::string(f.file),
+             {Role::UsesSignature}}};
+}
+
 Words words(const FileNotOpened& f, const Circumstances& c) {
     const std::string file(f.file);
     const std::string reason = c.reason(f.file);
@@ -530,9 +591,9 @@ concept NotARefusal = isPrinted<Fact> ||
           HeaderTooLong, ElfTemplateUnfit, SectionUnfit, FamilyUnfit, NameNotFound, ImageWithout,
           SymbolUnfit, OverlapRefused, ImageDiffers, NothingCompared, StatementExhausted,
           CrcParameterRefused, WordIncomplete, BusRefused, ImageNotOfWords, AddressUnitRefused,
-          AlignmentZero, FileNotOpened, FileNotWritten, FileSpanTooLong, ProgramCalled,
-          ProgramEnded, ScriptNotOpened, VariableRejected, ScriptNotPrepared, SyntaxError, RunEnded,
-          FieldFact>;
+          AlignmentZero, KeyRefused, KeyReadable, SignatureWrong, FileNotOpened, FileNotWritten,
+          FileSpanTooLong, ProgramCalled, ProgramEnded, ScriptNotOpened, VariableRejected,
+          ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace
 

@@ -26,7 +26,7 @@ template <class Fact>
 constexpr bool isPrinted =
     std::is_same_v<Fact, Facts::BufferPrinted> || std::is_same_v<Fact, Facts::ContentPrinted> ||
     std::is_same_v<Fact, Facts::CrcPrinted> || std::is_same_v<Fact, Facts::HashPrinted> ||
-    std::is_same_v<Fact, Facts::TextPrinted>;
+    std::is_same_v<Fact, Facts::SignaturePrinted> || std::is_same_v<Fact, Facts::TextPrinted>;
 
 /// The words for a fact of a statement. There are none for what is reported otherwise: by the check
 /// before the run, with a place in an input file (FieldWords), or as the output of a PRINT_*.

@@ -84,6 +84,9 @@ enum class Kind : unsigned char {
     TypographicQuote,
     WideGap,
     Verify,
+    Key,
+    Signature,
+    KeyReadable,
     MissingParameter,
     Count,  ///< of the kinds, itself not one
 };

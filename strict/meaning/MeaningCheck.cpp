@@ -29,20 +29,18 @@ struct Rule {
     void (*check)(const Step& step);
 };
 
-constexpr Roles digests{Role::MakesCrc, Role::MakesHash};
-
 /// In the order in which they report.
 constexpr std::array rules{
     Rule{onlyOnce, checkRepeatedOptions},
     Rule{{Role::Area, Role::Range}, checkEmptyAreas},
     Rule{{Role::Area}, checkOutsideAreas},
     Rule{{Role::Area}, checkDoubleAreas},
-    Rule{{Role::UsesCrc, Role::UsesHash}, checkWholeImage},
+    Rule{Parser::usesValue, checkWholeImage},
     Rule{{Role::Area}, checkValueSizes},
     Rule{{Role::String}, checkTextSizes},
     Rule{{Role::Bytes}, checkCroppedValues},
     Rule{{Role::Lane}, checkLaneRows},
-    Rule{digests, checkEmptyDigest},
+    Rule{{Role::MakesCrc, Role::MakesHash, Role::KeyFile}, checkEmptyDigest},
     Rule{{Role::OutputFile}, checkFormatEnding},
     Rule{{Role::OutputFile}, checkEmptyOutput},
     Rule{{Role::OutputFile, Role::String, Role::Text}, checkBareWords},
@@ -126,11 +124,13 @@ void MeaningCheck::takeEffect(Knowledge& known, const Step& step, std::size_t nu
         known.isSettled = known.isSettled && image && known.images[*image].range.has_value() &&
                           known.images[*image].isExact;
     }
-    if (statement.roles.hasAny(digests))
+    if (statement.roles.hasAny(Parser::makesValue))
         known.values.compute(
-            statement, step.used,
+            statement, step.has(Role::Stored) ? std::span<const std::size_t>() : step.used,
             static_cast<const Parser::WrapperLib::CmdNewValue&>(*program_->commands()[number]));
     if (step.changed) noteChange(known, step);
+    // The key, or a file, says how long a signature is.
+    if (step.put && !known.values.sizeOf(*step.put, step.context)) known.isSettled = false;
 }
 
 /// Takes a statement into account whose numbers are not known: what it makes or changes is open

@@ -19,7 +19,6 @@ using Parser::Part;
 using Parser::Role;
 using Parser::Statement;
 
-constexpr std::array values{Role::UsesCrc, Role::UsesHash};
 constexpr std::array lists{Role::Bytes, Role::Filler};
 
 /// What is written has more bytes than the area, or a value has fewer.
@@ -29,8 +28,9 @@ void reportSize(const Step& step, std::string what, std::uint64_t size, const Pa
                          std::move(what) + " has " + Inspect::countText(size, "byte") +
                              ", and this area has " + std::to_string(area.length),
                          part.text,
-                         "the area would be {" + Inspect::addressText(area.start) + ", " +
-                             std::to_string(size) + "}");
+                         size == 0 ? ""
+                                   : "the area would be {" + Inspect::addressText(area.start) +
+                                         ", " + std::to_string(size) + "}");
 }
 
 /// All images that the statement uses are known to have no address.
@@ -57,13 +57,15 @@ bool hasNothingWritten(const Step& step) {
 void checkWholeImage(const Step& step) {
     const Statement& statement = step.statement;
     if (!step.has(Role::ChangesImage) || step.has(Role::Area)) return;
-    const Part* const value = statement.last(values);
+    const Part* const value = statement.last(Parser::usesValue);
     if (value == nullptr) return;
-    const std::size_t size = step.put ? step.values.sizeOf(*step.put).value_or(0) : 0;
+    const std::size_t size = step.put ? step.values.sizeOf(*step.put, step.context).value_or(0) : 0;
     const auto range = step.changed ? step.images[*step.changed].range : std::nullopt;
-    // Where the range is not known before the run, the value may be all that the image is for.
-    const bool isKnown = size == 0 || range.has_value() || step.context != nullptr;
-    if (!isKnown || (size != 0 && range && range->length == size)) return;
+    // Where the range, or the size of a signature, is not known before the run, the value may be
+    // all that the image is for.
+    const bool isOpen = size == 0 ? step.put.has_value() : !range.has_value();
+    if (isOpen && step.context == nullptr) return;
+    if (size != 0 && range && range->length == size) return;
     step.findings.report(Kind::WholeImage,
                          "without an area " + std::string(value->text) + " replaces all bytes of " +
                              std::string(statement.textOf(Role::ChangesImage)),
@@ -76,7 +78,7 @@ void checkValueSizes(const Step& step) {
     const Statement& statement = step.statement;
     if (!step.has(Role::ChangesImage) && !statement.isComparison()) return;
     if (step.put) {
-        const auto size = step.values.sizeOf(*step.put);
+        const auto size = step.values.sizeOf(*step.put, step.context);
         for (const Part& part : statement.all(Role::Area)) {
             const std::uint64_t length = statement.areaOf(part).length;
             if (size && length != *size && length != 0)
@@ -149,15 +151,16 @@ void checkLaneRows(const Step& step) {
 
 void checkEmptyDigest(const Step& step) {
     const Statement& statement = step.statement;
-    constexpr std::array made{Role::MakesCrc, Role::MakesHash};
-    const Part* const name = statement.last(made);
+    if (step.has(Role::MakesHash) && step.has(Role::KeyFile)) return;
+    const auto kind = std::ranges::find_if(Parser::valueKinds, [&](const Parser::ValueKind& one) {
+        return step.has(one.makes) || step.has(one.uses);
+    });
     const bool hasImage = step.has(Role::UsesImage);
     if (hasImage && !hasNoAddress(step)) return;
-    step.findings.report(
-        Kind::EmptyDigest,
-        std::string(name->role == Role::MakesCrc ? "the CRC" : "the hash") +
-            " covers no byte: " + (hasImage ? "its images have no addresses" : "it names no image"),
-        name->text);
+    step.findings.report(Kind::EmptyDigest,
+                         std::string("the ") + kind->word + " covers no byte: " +
+                             (hasImage ? "its images have no addresses" : "it names no image"),
+                         statement.textOf(step.has(kind->makes) ? kind->makes : kind->uses));
 }
 
 void checkEmptyOutput(const Step& step) {

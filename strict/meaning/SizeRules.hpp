@@ -24,7 +24,7 @@ void checkCroppedValues(const Step& step);
 /// row of all of them. Each lane gets its bytes, but they do not have the same length.
 void checkLaneRows(const Step& step);
 
-/// `empty-digest`: a CRC or hash over no image, or over images without an address.
+/// `empty-digest`: a CRC, hash or signature over no image, or over images without an address.
 void checkEmptyDigest(const Step& step);
 
 /// `empty-output`: a file that is made of no byte.

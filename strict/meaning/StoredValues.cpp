@@ -61,9 +61,10 @@ std::string adviceFor(std::string_view value, const AreaList& covered, const Are
 
 void StoredValues::compute(const Statement& statement, std::span<const std::size_t> covered,
                            const Parser::WrapperLib::CmdNewValue& command) {
-    const bool isCrc = statement.has(Role::MakesCrc);
-    const std::string_view name = statement.textOf(isCrc ? Role::MakesCrc : Role::MakesHash);
-    if (!(isCrc ? crcs_ : hashes_).try_emplace(name, values_.size()).second) return;
+    const Part& made = *statement.last(Parser::makesValue);
+    const std::string_view name = made.text;
+    const auto kind = std::ranges::find(Parser::valueKinds, made.role, &Parser::ValueKind::makes);
+    if (!numbers_[kind->uses].try_emplace(name, values_.size()).second) return;
     Value value{name, images_->changes().size(), &command, {}};
     value.pieces.reserve(covered.size());
     for (const std::size_t image : covered) {
@@ -92,19 +93,22 @@ void StoredValues::addSources(Piece& piece, std::size_t image, AreaList areas) c
 
 std::optional<std::size_t> StoredValues::putBy(const Statement& statement) const {
     if (!statement.has(Role::ChangesImage) && !statement.isComparison()) return std::nullopt;
-    for (const auto& [role, values] :
-         {std::pair(Role::UsesCrc, &crcs_), std::pair(Role::UsesHash, &hashes_)}) {
-        if (!statement.has(role)) continue;
-        const auto value = values->find(statement.textOf(role));
-        if (value != values->end()) return value->second;
-    }
-    return std::nullopt;
+    const Part* const used = statement.last(Parser::usesValue);
+    if (used == nullptr) return std::nullopt;
+    const auto numbers = numbers_.find(used->role);
+    if (numbers == numbers_.end()) return std::nullopt;
+    const auto value = numbers->second.find(used->text);
+    return value == numbers->second.end() ? std::nullopt : std::optional(value->second);
 }
 
-std::optional<std::size_t> StoredValues::sizeOf(std::size_t value) const {
+std::optional<std::size_t> StoredValues::sizeOf(
+    std::size_t value, const Parser::WrapperLib::CmdContext* context) const {
     Facts::Unheard unheard;
     const Facts::ListenerScope listening(unheard);
-    return values_[value].command->valueSize();
+    if (const auto size = values_[value].command->valueSize()) return size;
+    const auto* const bytes =
+        context == nullptr ? nullptr : values_[value].command->valueIn(*context);
+    return bytes == nullptr ? std::nullopt : std::optional(bytes->size());
 }
 
 std::optional<StoredValues::Held> StoredValues::heldBy(std::size_t image,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -16,7 +17,8 @@
 
 namespace Strict {
 
-/// The CRCs and hashes of a script: what each covers, where it was put, and what was changed since.
+/// The CRCs, hashes and signatures of a script: what each covers, where it was put, and what was
+/// changed since.
 ///
 /// A value covers bytes of images, and with them the bytes that its images took over from others
 /// and that others took over from them. It is unsound to put it into bytes that it covers, since
@@ -35,14 +37,17 @@ public:
     void compute(const Parser::Statement& statement, std::span<const std::size_t> covered,
                  const Parser::WrapperLib::CmdNewValue& command);
 
-    /// The number of the CRC or hash that a statement puts into an image or compares one with, or
+    /// The number of the value that a statement puts into an image or compares one with, or
     /// nothing.
     std::optional<std::size_t> putBy(const Parser::Statement& statement) const;
 
     bool empty() const { return values_.empty(); }
 
-    /// The size of a value in bytes, or nothing if it has none.
-    std::optional<std::size_t> sizeOf(std::size_t value) const;
+    /// The size of a value in bytes, or nothing if it has none or nobody knows it yet.
+    ///
+    /// @param context  has the value once it was computed; null before the run
+    std::optional<std::size_t> sizeOf(std::size_t value,
+                                      const Parser::WrapperLib::CmdContext* context) const;
 
     /// The part of the script that names a value.
     std::string_view nameOf(std::size_t value) const { return values_[value].name; }
@@ -95,8 +100,8 @@ private:
     Images* images_;
     Findings* findings_;
     std::vector<Value> values_;
-    std::unordered_map<std::string_view, std::size_t> crcs_;
-    std::unordered_map<std::string_view, std::size_t> hashes_;
+    /// The numbers of the values by their names, for each role that uses one.
+    std::map<Parser::Role, std::unordered_map<std::string_view, std::size_t>> numbers_;
     mutable std::unordered_map<std::size_t, LatestChange> latest_;  ///< by image
     mutable std::size_t latestAt_ = 0;  ///< the number of changes that `latest_` knows
 };

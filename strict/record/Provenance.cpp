@@ -99,8 +99,8 @@ void addGaps(AreaList& gaps, const MemoryBuffer& image, const Area& area,
 }  // namespace
 
 void Provenance::enter(const Parser::Statement& statement) {
-    for (const Role made : {Role::MakesCrc, Role::MakesHash})
-        if (statement.has(made)) values_.insert(statement.textOf(made));
+    if (const Parser::Part* const made = statement.last(Parser::makesValue))
+        values_.insert(made->text);
     statement_.reset();
     current_ = {};
     current_.hasNamedRange = statement.roles.hasAny({Role::Range, Role::Area}) ||
@@ -367,13 +367,15 @@ std::vector<Note> Provenance::notesOn(const Facts::ImageDiffers& difference) con
     };
     if (difference.found) add("this byte comes from", difference.image);
     if (!difference.other.empty()) add("the other byte comes from", difference.other);
-    const Parser::Statement& statement = reports_->statement();
-    for (const Role used : {Role::UsesCrc, Role::UsesHash}) {
-        const auto value = values_.find(statement.textOf(used));
-        if (statement.has(used) && value != values_.end())
-            notes.push_back({std::string(*value) + " is computed here", reports_->placeOf(*value)});
-    }
+    for (Note& note : notesOnValue()) notes.push_back(std::move(note));
     return notes;
+}
+
+std::vector<Note> Provenance::notesOnValue() const {
+    const Parser::Part* const used = reports_->statement().last(Parser::usesValue);
+    const auto value = used == nullptr ? values_.end() : values_.find(used->text);
+    if (value == values_.end()) return {};
+    return {{std::string(*value) + " is computed here", reports_->placeOf(*value)}};
 }
 
 void Provenance::reportOverlaps(const MemoryBuffer& image, const std::string& name,

@@ -111,6 +111,9 @@ public:
     /// A note on what gave an image its byte at `address`.
     Note noteOf(const char* what, const std::string& image, std::uint64_t address) const;
 
+    /// A note on where the value that the statement uses is made; none if it uses none.
+    std::vector<Note> notesOnValue() const;
+
     /// Notes on what gave both sides of a comparison their first byte that differs.
     std::vector<Note> notesOn(const Facts::ImageDiffers& difference) const;
 
@@ -164,7 +167,7 @@ private:
     Note originNote(const char* what, const OriginMap& origins, std::uint64_t address) const;
 
     StatementReports* reports_;
-    /// The names of the CRCs and hashes that were computed, where their statements have them.
+    /// The names of the values that were computed, where their statements have them.
     std::set<std::string_view> values_;
     std::optional<std::size_t> statement_;  ///< the source that the statement is, once needed
     Image current_;                         ///< the image that is being made

@@ -1,7 +1,6 @@
 #include "strict/record/RunRecording.hpp"
 
 #include <algorithm>
-#include <array>
 #include <map>
 #include <optional>
 #include <set>
@@ -10,7 +9,7 @@
 
 #include "inspect/LineRuns.hpp"
 #include "io/File.hpp"
-#include "parser/commands/CmdNewValue.hpp"
+#include "parser/commands/CmdNewSignature.hpp"
 #include "parser/commands/Conventions.hpp"
 #include "platform/Paths.hpp"
 #include "strict/script/OutputFormat.hpp"
@@ -40,6 +39,12 @@ public:
 private:
     RunFiles* files_;
 };
+
+/// The kind of the value whose name has a role, as the record has it.
+const char* kindOf(Role role) {
+    if (role == Role::MakesCrc || role == Role::UsesCrc) return "crc";
+    return role == Role::MakesHash || role == Role::UsesHash ? "hash" : "signature";
+}
 
 class Recorder {
 public:
@@ -122,7 +127,7 @@ private:
     void addStatement(const Statement& statement, const CmdApi& command) {
         if (const Part* const image = statement.last(Role::MakesImage))
             addImage(std::string(image->text));
-        if (statement.roles.hasAny({Role::MakesCrc, Role::MakesHash}))
+        if (statement.roles.hasAny(Parser::makesValue))
             addValue(statement, static_cast<const CmdNewValue&>(command));
         if (statement.has(Role::ChangesImage)) addPlaces(statement);
         if (statement.has(Role::OutputFile)) addOutput(statement);
@@ -193,22 +198,22 @@ private:
     }
 
     void addValue(const Statement& statement, const CmdNewValue& command) {
-        const bool isCrc = statement.has(Role::MakesCrc);
-        const std::string& name = command.name();
-        const auto& values = isCrc ? run_->context->crcs : run_->context->hashes;
-        const auto value = values.find(name);
-        if (value == values.end()) return;
+        const auto* const value = command.valueIn(*run_->context);
+        if (value == nullptr) return;
         Inspect::ValueRecord entry;
-        entry.name = name;
-        entry.kind = isCrc ? "crc" : "hash";
-        Util::appendHex(entry.bytes, value->second);
+        entry.name = command.name();
+        entry.kind = kindOf(statement.last(Parser::makesValue)->role);
+        Util::appendHex(entry.bytes, *value);
         const Place place = placeOf(statement);
         entry.line = place.line;
         entry.script = scriptOf(place);
         const auto& algorithm = command.algorithm();
         entry.algorithm = {std::string(algorithm.name), std::string(algorithm.meaning),
                            algorithm.parameters, command.alignment()};
-        entry.sources = sourcesOf(statement);
+        if (!statement.has(Role::Stored)) entry.sources = sourcesOf(statement);
+        if (statement.has(Role::MakesSignature))
+            if (const auto& key = static_cast<const CmdNewSignature&>(command).fingerprint())
+                entry.publicKey = Util::lowerHex(*key);
         entry.wordSize = command.wordSize();
         record_.values.push_back(std::move(entry));
     }
@@ -234,21 +239,21 @@ private:
     }
 
     void addPlaces(const Statement& statement) {
-        constexpr std::array values{Role::UsesCrc, Role::UsesHash};
-        const Part* const stored = statement.last(values);
+        const Part* const stored = statement.last(Parser::usesValue);
         if (stored == nullptr) return;
-        const bool isCrc = stored->role == Role::UsesCrc;
+        const std::string_view kind = kindOf(stored->role);
         const std::string name(statement.textOf(Role::ChangesImage));
         const auto value =
             std::ranges::find_if(record_.values, [&](const Inspect::ValueRecord& one) {
-                return one.name == stored->text && (one.kind == "crc") == isCrc;
+                return one.name == stored->text && one.kind == kind;
             });
         const auto image = run_->context->buffers.find(name);
         if (value == record_.values.end() || image == run_->context->buffers.end()) return;
         AreaList areas = statement.areas();
         if (areas.empty()) areas.push_back(image->second.getArea());
         const Place place = placeOf(statement);
-        const std::string order = isCrc ? orderOf(statement, image->second) : "";
+        const std::string order =
+            stored->role == Role::UsesCrc ? orderOf(statement, image->second) : "";
         for (const Area& area : areas)
             value->places.push_back({name, area, place.line, order, scriptOf(place)});
     }

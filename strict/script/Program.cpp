@@ -16,8 +16,7 @@ Program::Program(std::unique_ptr<const ScriptText> text, Parser::StatementList s
     using Parser::Role;
     for (std::size_t i = 0; i < statements_.size(); ++i)
         for (const Parser::Part& part : statements_[i].parts)
-            if (part.role == Role::MakesImage || part.role == Role::MakesCrc ||
-                part.role == Role::MakesHash)
+            if (part.role == Role::MakesImage || Parser::makesValue.has(part.role))
                 names_.insert(part.text);
 }
 

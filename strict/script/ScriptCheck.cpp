@@ -108,12 +108,10 @@ bool ScriptCheck::isBroken(const Statement& last, const BrokenText& broken) cons
 /// What a statement that does not parse would have made counts as known.
 void ScriptCheck::makeNames(std::span<const Part> parts) {
     for (const Part& part : parts) {
-        if (part.role == Role::MakesImage)
-            names_[Images].try_emplace(std::string(part.text), part.text);
-        if (part.role == Role::MakesCrc)
-            names_[Crcs].try_emplace(std::string(part.text), part.text);
-        if (part.role == Role::MakesHash)
-            names_[Hashes].try_emplace(std::string(part.text), part.text);
+        if (part.role == Role::MakesImage) images_.try_emplace(std::string(part.text), part.text);
+        for (std::size_t i = 0; i < values_.size(); ++i)
+            if (part.role == Parser::valueKinds[i].makes)
+                values_[i].try_emplace(std::string(part.text), part.text);
     }
 }
 
@@ -121,35 +119,32 @@ void ScriptCheck::makeNames(std::span<const Part> parts) {
 void ScriptCheck::checkNames(const Statement& statement) {
     for (const Part& part : statement.parts) checkUse(part);
     for (const Part& part : statement.parts) {
-        if (part.role == Role::MakesImage) define(Images, part.text);
-        if (part.role == Role::MakesCrc) define(Crcs, part.text);
-        if (part.role == Role::MakesHash) define(Hashes, part.text);
+        if (part.role == Role::MakesImage) define(images_, part.text, "an image");
+        for (std::size_t i = 0; i < values_.size(); ++i)
+            if (part.role == Parser::valueKinds[i].makes)
+                define(values_[i], part.text, Parser::valueKinds[i].withArticle);
     }
 }
 
 void ScriptCheck::checkUse(const Part& part) {
-    switch (part.role) {
-        case Role::UsesImage:
-        case Role::ChangesImage:
-        case Role::MeasuresImage:
-            use(names_[Images], part.text, "image");
-            break;
-        case Role::UsesCrc:
-            use(names_[Crcs], part.text, "CRC");
-            break;
-        case Role::UsesHash:
-            use(names_[Hashes], part.text, "hash");
-            break;
-        case Role::UsesValue:
-            if (!names_[Crcs].contains(part.text) && !names_[Hashes].contains(part.text)) {
-                Names values = names_[Crcs];
-                values.insert(names_[Hashes].begin(), names_[Hashes].end());
-                use(values, part.text, "CRC or hash");
-            }
-            break;
-        default:
-            break;
-    }
+    constexpr Parser::Roles ofImages{Role::UsesImage, Role::ChangesImage};
+    if (ofImages.has(part.role)) use(images_, part.text, "image");
+    // A signature has a length as well.
+    if (part.role == Role::MeasuresImage && !values_.back().contains(part.text))
+        use(images_, part.text, "image");
+    if (part.role == Role::UsesValue) useValue(part.text);
+    for (std::size_t i = 0; i < values_.size(); ++i)
+        if (part.role == Parser::valueKinds[i].uses)
+            use(values_[i], part.text, Parser::valueKinds[i].word);
+}
+
+/// A name that may be that of a value of any kind.
+void ScriptCheck::useValue(std::string_view name) {
+    const auto has = [name](const Names& names) { return names.contains(name); };
+    if (std::ranges::any_of(values_, has)) return;
+    Names all;
+    for (const Names& names : values_) all.insert(names.begin(), names.end());
+    use(all, name, "CRC, hash or signature");
 }
 
 void ScriptCheck::checkHash(const Statement& statement) {
@@ -163,14 +158,12 @@ void ScriptCheck::checkHash(const Statement& statement) {
                "choose another type");
 }
 
-void ScriptCheck::define(Registry registry, std::string_view name) {
-    constexpr std::array<const char*, RegistryCount> described{"an image", "a CRC", "a hash"};
-    const auto [entry, isNew] = names_[registry].try_emplace(std::string(name), name);
+void ScriptCheck::define(Names& names, std::string_view name, const char* what) {
+    const auto [entry, isNew] = names.try_emplace(std::string(name), name);
     if (isNew || !pending_.wants(Kind::DuplicateName)) return;
-    Diagnostic diagnostic{
-        Kind::DuplicateName,
-        std::string("there is already ") + described[registry] + " called " + std::string(name),
-        script_->placeOf(name), "this one would be dropped"};
+    Diagnostic diagnostic{Kind::DuplicateName,
+                          std::string("there is already ") + what + " called " + std::string(name),
+                          script_->placeOf(name), "this one would be dropped"};
     diagnostic.notes.push_back({"the first one is made here", script_->placeOf(entry->second)});
     pending_.add(std::move(diagnostic));
 }
@@ -194,7 +187,7 @@ void ScriptCheck::use(const Names& names, std::string_view name, const char* wha
 }
 
 void ScriptCheck::checkTexts(const Statement& statement) {
-    constexpr Parser::Roles files{Role::InputFile, Role::Template, Role::SymbolFile,
+    constexpr Parser::Roles files{Role::InputFile, Role::Template, Role::SymbolFile, Role::KeyFile,
                                   Role::OutputFile};
     for (const Part& part : statement.parts)
         if (files.has(part.role) || part.role == Role::Program || part.role == Role::Text) {

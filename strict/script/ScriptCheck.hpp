@@ -39,7 +39,6 @@ public:
 private:
     /// The names of one registry, with where each was made.
     using Names = std::map<std::string, std::string_view, std::less<>>;
-    enum Registry : unsigned char { Images, Crcs, Hashes, RegistryCount };
 
     void checkNames(const Parser::Statement& statement);
     void checkUse(const Parser::Part& part);
@@ -52,8 +51,9 @@ private:
     void checkQuote(const Parser::Part& part);
     void checkPath(const Parser::Part& part);
     void makeNames(std::span<const Parser::Part> parts);
-    void define(Registry registry, std::string_view name);
+    void define(Names& names, std::string_view name, const char* what);
     void use(const Names& names, std::string_view name, const char* what);
+    void useValue(std::string_view name);
     void report(Kind kind, std::string text, std::string_view part, std::string hint = {});
 
     /// What does not parse goes on in the line of the last statement, so that one is the broken
@@ -66,7 +66,8 @@ private:
     std::size_t suggestions_ = 0;             ///< that were looked for
     /// What was found in the last statement, which may yet turn out to be broken.
     PendingList pending_;
-    std::array<Names, RegistryCount> names_;
+    Names images_;
+    std::array<Names, Parser::valueKinds.size()> values_;  ///< of each kind
 };
 
 }  // namespace Strict

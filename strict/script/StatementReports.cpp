@@ -14,9 +14,9 @@ namespace {
 
 /// The part names something that is there already.
 bool usesName(Role role) {
-    return role == Role::UsesImage || role == Role::ChangesImage || role == Role::UsesCrc ||
-           role == Role::UsesHash || role == Role::UsesValue || role == Role::Sections ||
-           role == Role::MeasuresImage;
+    constexpr Parser::Roles others{Role::UsesImage, Role::ChangesImage, Role::UsesValue,
+                                   Role::Sections, Role::MeasuresImage};
+    return Parser::usesValue.has(role) || others.has(role);
 }
 
 }  // namespace

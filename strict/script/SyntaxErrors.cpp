@@ -12,6 +12,7 @@
 #include "parser/commands/CmdNewHash.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
 #include "parser/commands/LateNumber.hpp"
+#include "parser/commands/SignatureKey.hpp"
 #include "parser/text/Characters.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
 #include "strict/script/Directives.hpp"
@@ -280,6 +281,8 @@ Outside outsideNameAt(const std::vector<std::string_view>& missed, std::string_v
         return {std::move(names), adviceOnCatalogueName(word), "crcs"};
     if (auto names = namesOf(CmdNewHash::types(), &ValueType::keyword); isExpected(names))
         return {std::move(names), adviceOnHashType(word), "hashes"};
+    if (auto names = namesOf(signatureKinds(), &SignatureKind::keyword); isExpected(names))
+        return {std::move(names), adviceOnSignatureType(word), "signatures"};
     if (auto names = namesOf(CmdWriteFile::formats(), &ExportFormat::keyword); isExpected(names))
         return {std::move(names), adviceOnFormat(word), "formats"};
     for (const ExportFormat& format : CmdWriteFile::formats()) {

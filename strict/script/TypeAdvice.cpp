@@ -14,6 +14,7 @@
 #include "parser/commands/CmdNewCrc.hpp"
 #include "parser/commands/CmdNewHash.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
+#include "parser/commands/SignatureKey.hpp"
 #include "strict/diagnostics/NameMatch.hpp"
 #include "util/crc/CrcParameters.hpp"
 
@@ -26,6 +27,7 @@ using Parser::WrapperLib::CmdNewHash;
 using Parser::WrapperLib::CmdWriteFile;
 using Parser::WrapperLib::ExportFormat;
 using Parser::WrapperLib::FormatNumber;
+using Parser::WrapperLib::SignatureKind;
 using Parser::WrapperLib::ValueType;
 using Util::Crc::CatalogueEntry;
 using Util::Crc::CrcParameters;
@@ -52,7 +54,7 @@ struct Choices {
     }
 };
 
-/// A name that people use for a CRC of the catalogue and that the catalogue does not have. One that
+/// A name that people use for something that the language calls otherwise, by `entry`. One that
 /// is used for several comes several times.
 struct CommonName {
     std::string_view name;
@@ -157,6 +159,38 @@ Choices hashTypes() {
     return choices;
 }
 
+/// Names of signatures in other places, as those of JSON Web Algorithms (RFC 7518) and of curves.
+constexpr auto signatureNames = std::to_array<CommonName>({
+    {"EdDSA", "Ed25519"},
+    {"ES256", "EcdsaP256_Sha256"},
+    {"EcdsaP256", "EcdsaP256_Sha256"},
+    {"Ecdsa", "EcdsaP256_Sha256"},
+    {"P-256", "EcdsaP256_Sha256"},
+    {"secp256r1", "EcdsaP256_Sha256"},
+    {"prime256v1", "EcdsaP256_Sha256"},
+    {"Ecdsa", "EcdsaP384_Sha384"},
+    {"ES384", "EcdsaP384_Sha384"},
+    {"EcdsaP384", "EcdsaP384_Sha384"},
+    {"P-384", "EcdsaP384_Sha384"},
+    {"secp384r1", "EcdsaP384_Sha384"},
+    {"PS256", "RsaPss_Sha256"},
+    {"RsaPss", "RsaPss_Sha256"},
+    {"Rsa", "RsaPss_Sha256"},
+    {"RS256", "RsaPkcs1_Sha256"},
+    {"RsaPkcs1", "RsaPkcs1_Sha256"},
+    {"Rsa", "RsaPkcs1_Sha256"},
+});
+
+Choices signatureTypes() {
+    Choices choices;
+    for (const SignatureKind& kind : Parser::WrapperLib::signatureKinds()) {
+        choices.add({kind.keyword, kind.meaning});
+        choices.name(kind.keyword);
+    }
+    for (const CommonName& common : signatureNames) choices.name(common.name, common.entry);
+    return choices;
+}
+
 /// The names that a format takes after its underscore, such as the families of devices.
 ///
 /// @param before  what belongs in front of a name
@@ -230,6 +264,10 @@ TypeAdvice adviceOnCatalogueName(std::string_view word) {
 TypeAdvice adviceOnHashType(std::string_view word) {
     TypeAdvice advice = adviceToUse("NEW_CRC", crcTypes(), word);
     return advice.hint.empty() ? adviceFrom(hashTypes(), word) : advice;
+}
+
+TypeAdvice adviceOnSignatureType(std::string_view word) {
+    return adviceFrom(signatureTypes(), word);
 }
 
 TypeAdvice adviceOnFormat(std::string_view word) {

@@ -24,6 +24,9 @@ TypeAdvice adviceOnCatalogueName(std::string_view word);
 /// For a word that is not a type of NEW_HASH.
 TypeAdvice adviceOnHashType(std::string_view word);
 
+/// For a word that is not a type of NEW_SIGNATURE.
+TypeAdvice adviceOnSignatureType(std::string_view word);
+
 /// For a word that is not a format of WRITE_FILE.
 TypeAdvice adviceOnFormat(std::string_view word);
 

@@ -61,6 +61,24 @@ TEST(GrammarTest, TheLongerKeywordComesFirstAndTheFirstMatchWins) {
          "CmdNewCrc: Begin -> SetCrcName -> AddFromBuffer -> SetCrc_Crc16_Ccitt -> End"},
         {"NEW_HASH H FROM_BUFFER A -setType=Hash_Ripemd_128", all, 1,
          "CmdNewHash: Begin -> SetHashName -> AddFromBuffer -> SetHash_Hash_Ripemd128 -> End"},
+        {"NEW_HASH H FROM_KEY k.pem -setType=Hash_Sha1", all, 1,
+         "CmdNewHash: Begin -> SetHashName -> SetKeyFile -> SetHash_Hash_Sha1 -> End"},
+        {"NEW_SIGNATURE S FROM_FILE f", all, 1,
+         "CmdNewSignature: Begin -> SetSignatureName -> SetSignatureFile -> End"},
+        {"NEW_SIGNATURE S FROM_STORED A -useAreas={{0, 64}}", all, 1,
+         "CmdNewSignature: Begin -> SetSignatureName -> SetStored -> AddFromBuffer -> AddArea -> "
+         "End"},
+        {"NEW_SIGNATURE S FROM_BUFFERS {A} -setKeyFile='k 1.pem' -setType=EcdsaP256_Sha256 "
+         "-setSignatureForm=Der",
+         all, 1,
+         "CmdNewSignature: Begin -> SetSignatureName -> AddFromBuffer -> SetKeyFile -> "
+         "SetSignature_EcdsaP256_Sha256 -> SetSignatureForm_Der -> End"},
+        // What is taken as it is has neither a type nor a key.
+        {"NEW_SIGNATURE S FROM_FILE f -setKeyFile=k", 28, 1,
+         "CmdNewSignature: Begin -> SetSignatureName -> SetSignatureFile -> End"},
+        {"NEW_SIGNATURE S FROM_STORED A -setType=Ed25519", 30, 1,
+         "CmdNewSignature: Begin -> SetSignatureName -> SetStored -> AddFromBuffer -> End"},
+        {"VERIFY_SIGNATURE S FROM_FILE f", 0, 0, "CmdVerifySignature: Begin -> SetName -> "},
         {"WRITE_FILE f WITH_BUFFERS {A} -setFormat=IntelHexExtended_32", all, 1,
          "CmdWriteFile: Begin -> SetFileName -> AddBufferToExportList -> "
          "SetExportFormatOptionIntelHexExtended -> End"},

@@ -45,6 +45,8 @@ public:
         add("@Unwritten", {0x10, 4});
         add("@None", {0, 0});
         add("@Top", {0xFFFFFF00, 0x100});
+        context.signatures.try_emplace("@A", 64);
+        context.signatures.try_emplace("@Signature", 71);
     }
 
     std::optional<std::uint32_t> valueOf(const std::string& text) {
@@ -77,6 +79,7 @@ TEST(LateNumberTest, AnImageAnswersWhatItIsWhenItIsAsked) {
     EXPECT_EQ(images.valueOf("lastWritten(@A)"), 0x105U);
     EXPECT_EQ(images.valueOf("lengthOf(@None)"), 0U);
     EXPECT_EQ(images.valueOf("startOf(@Unwritten)"), 0x10U);
+    EXPECT_EQ(images.valueOf("lengthOf(@Signature)"), 71U);
     images.context.buffers.at("@A").writePattern(std::vector<std::uint8_t>{1}, 0x107, 1);
     EXPECT_EQ(images.valueOf("lastWritten(@A)"), 0x107U);
     EXPECT_EQ(images.reports.text, "");
@@ -85,6 +88,7 @@ TEST(LateNumberTest, AnImageAnswersWhatItIsWhenItIsAsked) {
 TEST(LateNumberTest, WhatAnImageLacksIsReported) {
     for (const auto& [text, report] : {
              std::pair("startOf(@B)", "no @B;"),
+             std::pair("startOf(@Signature)", "no @Signature;"),
              std::pair("startOf(@None)", "@None empty;"),
              std::pair("endOf(@None)", "@None empty;"),
              std::pair("firstWritten(@None)", "@None unwritten;"),

@@ -11,10 +11,13 @@
 #include "parser/commands/CmdNewBuffer.hpp"
 #include "parser/commands/CmdNewCrc.hpp"
 #include "parser/commands/CmdNewHash.hpp"
+#include "parser/commands/CmdNewSignature.hpp"
 #include "parser/commands/CmdPrintBuffer.hpp"
 #include "parser/commands/CmdPrintCrc.hpp"
 #include "parser/commands/CmdPrintHash.hpp"
+#include "parser/commands/CmdPrintSignature.hpp"
 #include "parser/commands/CmdPrintText.hpp"
+#include "parser/commands/CmdVerifySignature.hpp"
 #include "parser/commands/CmdWriteFile.hpp"
 #include "tests/ExpectedFacts.hpp"
 #include "tests/Vectors.hpp"
@@ -51,6 +54,10 @@ TEST(StatementTest, AMissingNameFailsTheStatementAndChangesNothing) {
              c.setBufferName("B");
              c.setFillHash("X");
          })},
+        {NameKind::Signature, make<CmdFillBuffer>([](auto& c) {
+             c.setBufferName("B");
+             c.setFillSignature("X");
+         })},
         {NameKind::Buffer, make<CmdNewCrc>([](auto& c) {
              c.addFromBuffer("B");
              c.addFromBuffer("X");
@@ -59,6 +66,16 @@ TEST(StatementTest, AMissingNameFailsTheStatementAndChangesNothing) {
         {NameKind::Buffer, make<CmdPrintBuffer>([](auto& c) { c.setBufferName("X"); })},
         {NameKind::Crc, make<CmdPrintCrc>([](auto& c) { c.setCrcName("X"); })},
         {NameKind::Hash, make<CmdPrintHash>([](auto& c) { c.setHashName("X"); })},
+        {NameKind::Signature, make<CmdPrintSignature>([](auto& c) { c.setSignatureName("X"); })},
+        {NameKind::Signature, make<CmdVerifySignature>([](auto& c) {
+             c.setName("X");
+             c.addFromBuffer("B");
+         })},
+        {NameKind::Buffer, make<CmdNewSignature>([](auto& c) {
+             c.setStored(true);
+             c.addFromBuffer("B");
+             c.addFromBuffer("X");
+         })},
         {NameKind::Symbol,
          make<CmdPrintText>([](auto& c) { c.addSymbol("X"); }, TextCalculator{nullptr})},
         {NameKind::Symbol, make<CmdCallApp>([](auto& c) { c.addSymbol("X"); })},
@@ -68,7 +85,9 @@ TEST(StatementTest, AMissingNameFailsTheStatementAndChangesNothing) {
         context.buffers.try_emplace("B", 0, 4);
         const Tests::ExpectedFacts expected({Facts::NameNotFound{row.kind, "X"}});
         EXPECT_FALSE(row.statement->execute(context)) << row.statement->getCmdType();
-        EXPECT_EQ(context.buffers.size() + context.crcs.size() + context.hashes.size(), 1U);
+        EXPECT_EQ(context.buffers.size() + context.crcs.size() + context.hashes.size() +
+                      context.signatures.size(),
+                  1U);
         EXPECT_EQ(context.buffers.at("B").viewElements().written(0, 4), 0U);
     }
 }

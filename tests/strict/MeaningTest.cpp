@@ -76,6 +76,50 @@ TEST(MeaningTest, LanesHaveTheRangesOfTheirBus) {
     expectOf("0, 99", "FROM_BUFFERS {@bus, @bus} -interleave=0", {});
 }
 
+TEST(MeaningTest, SignaturesAreValuesAsWell) {
+    const std::string key = " -setKeyFile=k.pem";
+    const std::string slot = "NEW_BUFFER @slot EMPTY -useBufferRange={0, 96}\n";
+    const auto rows = [&](const std::string& type, const std::vector<Row>& list) {
+        expect(list, app + slot + "NEW_SIGNATURE @sig FROM_BUFFER @app -useAreas={{96, 96}}" + key +
+                         " -setType=" + type + "\n");
+    };
+    rows("Ed25519",
+         {{"FILL_BUFFER @slot WITH_SIGNATURE @sig -useAreas={{0, 64}}", {}},
+          {"FILL_BUFFER @slot WITH_SIGNATURE @sig -useAreas={{0, 96}}", {"4:50 value-size"}},
+          {"VERIFY_BUFFER @slot WITH_SIGNATURE @sig -useAreas={{0, 63}}", {"4:52 value-size"}},
+          {"FILL_BUFFER @slot WITH_SIGNATURE @sig", {"4:34 whole-image"}},
+          {"FILL_BUFFER @app WITH_SIGNATURE @sig -useAreas={{32, 64}}", {}},
+          {"FILL_BUFFER @app WITH_SIGNATURE @sig -useAreas={{33, 64}}", {"4:49 digest-self"}},
+          {"FILL_BUFFER @app WITH_SIGNATURE @sig -useAreas={{32, 64}}\n"
+           "FILL_BUFFER @app WITH_VALUES {1} -useAreas={{191, 1}}\n"
+           "WRITE_FILE a.hex WITH_BUFFERS {@app}",
+           {"5:45 digest-stale"}},
+          {"FILL_BUFFER @app WITH_SIGNATURE @sig -useAreas={{32, 64}}\n"
+           "FILL_BUFFER @app WITH_VALUES {1} -useAreas={{192, 1}}\n"
+           "WRITE_FILE a.hex WITH_BUFFERS {@app}",
+           {}}});
+    rows("EcdsaP384_Sha384", {{"FILL_BUFFER @slot WITH_SIGNATURE @sig", {}}});
+    // Only the key says how many bytes these have.
+    rows("EcdsaP384_Sha384 -setSignatureForm=Der",
+         {{"FILL_BUFFER @slot WITH_SIGNATURE @sig -useAreas={{0, 95}}", {}}});
+    rows("RsaPss_Sha256", {{"FILL_BUFFER @slot WITH_SIGNATURE @sig -useAreas={{0, 95}}", {}}});
+    const std::string none = "NEW_BUFFER @none FROM_BUFFERS {}\n";
+    expect({{"NEW_SIGNATURE @sig FROM_BUFFER @none -setType=Ed25519 -setKeyFile=k",
+             {"2:15 empty-digest"}},
+            {"NEW_SIGNATURE @sig FROM_FILE s\nVERIFY_SIGNATURE @sig FROM_BUFFERS {} "
+             "-setType=Ed25519 -setKeyFile=k",
+             {"3:18 empty-digest"}},
+            {"NEW_SIGNATURE @sig FROM_STORED @none", {}},
+            {"NEW_HASH @key FROM_KEY k.pem -setType=Hash_Sha2_256", {}}},
+           none);
+    // A signature that an image holds does not cover its own bytes.
+    expect({{"NEW_SIGNATURE @sig FROM_STORED @app -useAreas={{0, 64}}\n"
+             "FILL_BUFFER @app WITH_SIGNATURE @sig -useAreas={{0, 64}}\n"
+             "WRITE_FILE a.hex WITH_BUFFERS {@app}",
+             {}}},
+           app);
+}
+
 TEST(MeaningTest, AValueFitsItsArea) {
     expect({{"FILL_BUFFER @app WITH_CRC @crc -useAreas={{0, 4}}", {}},
             {"FILL_BUFFER @app WITH_CRC @crc -useAreas={{0, 2}}", {"4:43 value-size"}},

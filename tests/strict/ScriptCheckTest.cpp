@@ -33,7 +33,8 @@ Lines checked(const std::string& text, const std::map<std::string, std::string>&
 const std::string makers =
     "NEW_BUFFER @image FROM_VALUES {1}\n"
     "NEW_CRC @sum FROM_BUFFER @image -setType=Crc32_Standard\n"
-    "NEW_HASH @digest FROM_BUFFER @image -setType=Hash_Sha2_256\n";
+    "NEW_HASH @digest FROM_BUFFER @image -setType=Hash_Sha2_256\n"
+    "NEW_SIGNATURE @approval FROM_FILE s.bin\n";
 
 std::string with(std::string statement, const std::string& name) {
     for (std::size_t at = statement.find('%'); at != std::string::npos; at = statement.find('%'))
@@ -48,9 +49,10 @@ TEST(ScriptCheckTest, EveryUseOfANameNeedsOneOfItsKind) {
         Lines unknown;
         const char* what;
     };
-    const Lines noImages{"@sum", "@digest", "@none"};
-    const Lines noCrcs{"@image", "@digest", "@none"};
-    const Lines noHashes{"@image", "@sum", "@none"};
+    const Lines noImages{"@sum", "@digest", "@approval", "@none"};
+    const Lines noCrcs{"@image", "@digest", "@approval", "@none"};
+    const Lines noHashes{"@image", "@sum", "@approval", "@none"};
+    const Lines noSignatures{"@image", "@sum", "@digest", "@none"};
     const std::vector<Row> rows{
         {"PRINT_BUFFER %", {"@image"}, noImages, "image"},
         {"NEW_BUFFER @x FROM_BUFFER %", {"@image"}, noImages, "image"},
@@ -62,9 +64,20 @@ TEST(ScriptCheckTest, EveryUseOfANameNeedsOneOfItsKind) {
         {"FILL_BUFFER @image WITH_HASH %", {"@digest"}, noHashes, "hash"},
         {"PRINT_HASH %", {"@digest"}, noHashes, "hash"},
         {"PRINT_TEXT {%} -resolveSymbolsAsHexValue={%}",
-         {"@sum", "@digest"},
+         {"@sum", "@digest", "@approval"},
          {"@image", "@none"},
-         "CRC or hash"},
+         "CRC, hash or signature"},
+        {"PRINT_SIGNATURE %", {"@approval"}, noSignatures, "signature"},
+        {"FILL_BUFFER @image WITH_SIGNATURE %", {"@approval"}, noSignatures, "signature"},
+        {"VERIFY_BUFFER @image WITH_SIGNATURE %", {"@approval"}, noSignatures, "signature"},
+        {"VERIFY_SIGNATURE % FROM_BUFFER @image", {"@approval"}, noSignatures, "signature"},
+        {"VERIFY_SIGNATURE @approval FROM_BUFFER %", {"@image"}, noImages, "image"},
+        {"NEW_SIGNATURE @x FROM_BUFFER %", {"@image"}, noImages, "image"},
+        {"NEW_SIGNATURE @x FROM_STORED %", {"@image"}, noImages, "image"},
+        {"NEW_BUFFER @x EMPTY -useBufferRange={0, lengthOf(%)}",
+         {"@image", "@approval"},
+         {"@sum", "@digest", "@none"},
+         "image"},
     };
     for (const Row& row : rows) {
         for (const std::string& name : row.known)
@@ -72,7 +85,7 @@ TEST(ScriptCheckTest, EveryUseOfANameNeedsOneOfItsKind) {
         for (const std::string& name : row.unknown) {
             const Lines found = checked(makers + with(row.statement, name));
             ASSERT_EQ(found.size(), 1U) << row.statement << name;
-            EXPECT_TRUE(found[0].starts_with("4:"));
+            EXPECT_TRUE(found[0].starts_with("5:"));
             EXPECT_TRUE(found[0].ends_with("unknown-name: no " + std::string(row.what) +
                                            " is called " + name))
                 << found[0];
@@ -84,7 +97,7 @@ TEST(ProgramTest, KnowsWhatItsStatementsMake) {
     auto script = std::make_unique<const ScriptText>("s.tsn", makers + "PRINT_BUFFER @other\n");
     ParsedScript parsed(*script);
     const Program program = parsed.takeProgram(std::move(script));
-    for (const char* const name : {"@image", "@sum", "@digest"})
+    for (const char* const name : {"@image", "@sum", "@digest", "@approval"})
         EXPECT_TRUE(program.makes(name)) << name;
     for (const char* const name : {"@other", "@", "NEW_BUFFER", ""})
         EXPECT_FALSE(program.makes(name)) << name;
@@ -99,6 +112,7 @@ TEST(ScriptCheckTest, ANameIsMadeOnceOfEachKind) {
         {"NEW_BUFFER % EMPTY -useBufferRange={0, 1}", "an image"},
         {"NEW_CRC % FROM_BUFFER @i -setType=Crc32_Standard", "a CRC"},
         {"NEW_HASH % FROM_BUFFER @i -setType=Hash_Sha2_256", "a hash"},
+        {"NEW_SIGNATURE % FROM_FILE s", "a signature"},
     };
     std::string all = "NEW_BUFFER @i FROM_VALUES {1}\n";
     for (const Row& row : rows) {
@@ -113,7 +127,7 @@ TEST(ScriptCheckTest, ANameIsMadeOnceOfEachKind) {
         EXPECT_TRUE(found[1].starts_with("+ 2:"));
         all += made;
     }
-    EXPECT_EQ(checked(all), Lines{}) << "one name for an image, a CRC and a hash";
+    EXPECT_EQ(checked(all), Lines{}) << "one name for a thing of each kind";
     EXPECT_EQ(checked("NEW_BUFFER @a FROM_BUFFER @a\n"),
               Lines{"1:27 unknown-name: no image is called @a"})
         << "a statement does not see what it makes";
@@ -248,8 +262,8 @@ TEST(ScriptCheckTest, AHundredNamesGetASuggestion) {
     const Lines found = checked(text);
     ASSERT_EQ(found.size(), 101U);
     const std::string said = "unknown-name: no image is called @imago";
-    EXPECT_EQ(found[99], "103:14 " + said + " (did you mean @image (line 1)?)");
-    EXPECT_EQ(found[100], "104:14 " + said);
+    EXPECT_EQ(found[99], "104:14 " + said + " (did you mean @image (line 1)?)");
+    EXPECT_EQ(found[100], "105:14 " + said);
 }
 
 // A statement that gives its parts their roles is checked, whatever else it is.

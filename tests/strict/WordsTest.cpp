@@ -25,7 +25,8 @@ using Parser::Role;
 
 const std::vector<Role> area{Role::Area, Role::Range, Role::Address};
 const std::vector<Role> input{Role::InputFile};
-const std::vector<Role> anyInput{Role::InputFile, Role::Template, Role::SymbolFile};
+const std::vector<Role> anyInput{Role::InputFile, Role::Template, Role::SymbolFile, Role::KeyFile};
+const std::vector<Role> key{Role::KeyFile};
 const std::vector<Role> output{Role::OutputFile};
 const std::vector<Role> bus{Role::Lane, Role::Interleave};
 
@@ -120,8 +121,8 @@ std::vector<FactRow> malformedRows() {
 }
 
 std::vector<FactRow> imageRows() {
-    const std::vector<Role> verified{Role::UsesCrc, Role::UsesHash, Role::Bytes, Role::String,
-                                     Role::UsesImage};
+    const std::vector<Role> verified{Role::UsesCrc, Role::UsesHash, Role::UsesSignature,
+                                     Role::Bytes,   Role::String,   Role::UsesImage};
     return {
         {ImageNotAddressable{0xFFFFFFF0, 0x20},
          {{Kind::Outside,
@@ -138,7 +139,8 @@ std::vector<FactRow> imageRows() {
         {FillPatternEmpty{},
          {{Kind::NoEffect,
            "there are no bytes, so nothing is done",
-           {Role::Bytes, Role::Filler, Role::String, Role::UsesHash, Role::Area}}}},
+           {Role::Bytes, Role::Filler, Role::String, Role::UsesHash, Role::UsesSignature,
+            Role::Area}}}},
         {FillStartOutside{0x300, 0x100, 0x200},
          {{Kind::Outside,
            "an area that begins at 0x00000300 does not lie in the image, which has the addresses "
@@ -381,6 +383,43 @@ std::vector<FactRow> fileRows() {
     };
 }
 
+std::vector<FactRow> signatureRows() {
+    using enum KeyFault;
+    const auto refused = [](KeyFault fault, const char* text, const char* hint = "") {
+        return FactRow{KeyRefused{"k.pem", "Ed25519", fault}, {{Kind::Key, text, key, hint}}};
+    };
+    return {
+        {KeyRefused{"", "Ed25519", NotGiven},
+         {{Kind::Key, "the statement has no key", {}, "add -setKeyFile=FILE"}}},
+        {KeyRefused{"k.pem", "", NoType},
+         {{Kind::Key,
+           "the statement does not name the type of the signature",
+           {},
+           "add -setType=Ed25519 or another type"}}},
+        refused(NotAKey,
+                "the key k.pem is not a sound key in PEM, or of an unknown algorithm or curve"),
+        refused(WrongType, "the key k.pem is not one for Ed25519"),
+        refused(Public, "the key k.pem is public, and only a private key signs"),
+        refused(Encrypted, "the key k.pem is encrypted",
+                "--passphrase-file FILE gives its passphrase"),
+        refused(PassphraseWrong,
+                "the key k.pem cannot be decrypted: the passphrase is wrong, or the file is "
+                "damaged"),
+        refused(EncryptionUnknown,
+                "the key k.pem is encrypted in another way than by PBES2 with AES or 3DES",
+                "openssl pkcs8 -topk8 writes such a key, or one that is not encrypted"),
+        refused(Size, "the key k.pem has fewer than 2048 or more than 4096 bits"),
+        refused(NotSupported, "this program was built without signatures"),
+        {KeyReadable{"k.pem"},
+         {{Kind::KeyReadable, "others than its owner may read the private key k.pem", key,
+           "chmod go= k.pem"}}},
+        {SignatureWrong{"@Sig", "k.pem"},
+         {{Kind::Signature,
+           "@Sig is not the signature of these bytes by the key k.pem",
+           {Role::UsesSignature}}}},
+    };
+}
+
 /// What is reported elsewhere, or is printed.
 std::vector<FactRow> silentRows() {
     return {{ReadRangeOutside{}, {}},   {TextFileEmpty{}, {}},
@@ -391,8 +430,8 @@ std::vector<FactRow> silentRows() {
             {ScriptNotPrepared{}, {}},  {SyntaxError{}, {}},
             {RunEnded{}, {}},           {BufferPrinted{}, {}},
             {ContentPrinted{}, {}},     {CrcPrinted{}, {}},
-            {HashPrinted{}, {}},        {TextPrinted{}, {}},
-            {ProgramCalled{}, {}}};
+            {HashPrinted{}, {}},        {SignaturePrinted{}, {}},
+            {TextPrinted{}, {}},        {ProgramCalled{}, {}}};
 }
 
 void expectWords(const FactRow& row, OptionsOf options = OptionsOf::Statements) {
@@ -411,7 +450,8 @@ void expectWords(const FactRow& row, OptionsOf options = OptionsOf::Statements) 
 TEST(FactWordsTest, EveryFactHasItsKindItsWordsAndThePartToBlame) {
     std::set<std::size_t> facts;
     std::set<FormatFault> faults;
-    for (const auto& rows : {imageRows(), fileRows(), malformedRows(), silentRows()})
+    for (const auto& rows :
+         {imageRows(), fileRows(), malformedRows(), signatureRows(), silentRows()})
         for (const FactRow& row : rows) {
             expectWords(row);
             facts.insert(row.fact.index());
