@@ -99,8 +99,11 @@ Algorithm algorithmOf(const AlgorithmIdentifier& id) {
     return algorithmOfCurve(curve);
 }
 
-void demand(Algorithm found, SignatureType type) {
-    if (found != algorithmOf(type)) throw Refusal{KeyFault::WrongType};
+/// What a key is to be for; any type if nothing is asked.
+using Wanted = std::optional<SignatureType>;
+
+void demand(Algorithm found, Wanted type) {
+    if (type && found != algorithmOf(*type)) throw Refusal{KeyFault::WrongType};
 }
 
 void demand(bool isSound) {
@@ -314,20 +317,20 @@ Pkcs8Key decryptPkcs8(const EncryptedKey& key, std::string_view passphrase) {
     throw Refusal{KeyFault::WrongPassphrase};
 }
 
-PrivateKey readPkcs8(const Pkcs8Key& key, SignatureType type) {
+PrivateKey readPkcs8(const Pkcs8Key& key, Wanted type) {
     const Algorithm algorithm = algorithmOf(key.id);
     demand(algorithm, type);
     return makePrivate(key.key, algorithm);
 }
 
 PrivateKey readEncrypted(const Bytes& der, std::optional<std::string_view> passphrase,
-                         SignatureType type) {
+                         Wanted type) {
     const EncryptedKey key = decodeEncrypted(der);
     if (!passphrase) throw Refusal{KeyFault::Encrypted};
     return readPkcs8(decryptPkcs8(key, *passphrase), type);
 }
 
-PrivateKey readSec1(const Bytes& der, SignatureType type) {
+PrivateKey readSec1(const Bytes& der, Wanted type) {
     const EcKey key = decodeEc(der);
     const Algorithm curve = algorithmOfCurve(key.curve);
     demand(curve, type);
@@ -335,7 +338,7 @@ PrivateKey readSec1(const Bytes& der, SignatureType type) {
 }
 
 PrivateKey readPrivate(const PemBlock& block, std::optional<std::string_view> passphrase,
-                       SignatureType type) {
+                       Wanted type) {
     if (block.label == "PUBLIC KEY") throw Refusal{KeyFault::PublicForPrivate};
     if (block.hasEncryptionHeader()) throw Refusal{KeyFault::UnknownEncryption};
     const Bytes der = decodeBody(block);
@@ -377,10 +380,11 @@ PublicKey makePublic(const std::vector<std::uint8_t>& bits, Algorithm algorithm)
 }
 
 PublicKey readPublic(const PemBlock& block, std::optional<std::string_view> passphrase,
-                     SignatureType type) {
-    if (block.label != "PUBLIC KEY")
-        return makePublic(readPrivate(block, passphrase, type)->public_key_bits(),
-                          algorithmOf(type));
+                     Wanted type) {
+    if (block.label != "PUBLIC KEY") {
+        const PrivateKey key = readPrivate(block, passphrase, type);
+        return makePublic(key->public_key_bits(), algorithmOf(typeOf(*key)));
+    }
     AlgorithmIdentifier id;
     std::vector<std::uint8_t> bits;
     const Bytes der = decodeBody(block);
@@ -413,16 +417,25 @@ std::variant<Key, KeyFault> read(std::span<const std::uint8_t> pem, Reader reade
 
 std::variant<PrivateKey, KeyFault> readPrivateKey(std::span<const std::uint8_t> pem,
                                                   std::optional<std::string_view> passphrase,
-                                                  SignatureType type) {
+                                                  std::optional<SignatureType> type) {
     return read<PrivateKey>(
         pem, [&](const PemBlock& block) { return readPrivate(block, passphrase, type); });
 }
 
 std::variant<PublicKey, KeyFault> readPublicKey(std::span<const std::uint8_t> pem,
                                                 std::optional<std::string_view> passphrase,
-                                                SignatureType type) {
+                                                std::optional<SignatureType> type) {
     return read<PublicKey>(
         pem, [&](const PemBlock& block) { return readPublic(block, passphrase, type); });
+}
+
+SignatureType typeOf(const Botan::Public_Key& key) {
+    const std::string name = key.algo_name();
+    if (name == "Ed25519") return SignatureType::Ed25519;
+    if (name == "RSA") return SignatureType::RsaPkcs1_Sha256;
+    constexpr std::size_t bitsOfP256 = 256;
+    return key.key_length() == bitsOfP256 ? SignatureType::EcdsaP256_Sha256
+                                          : SignatureType::EcdsaP384_Sha384;
 }
 
 }  // namespace Crypto

@@ -23,7 +23,7 @@ SigningKey::~SigningKey() = default;
 
 std::variant<SigningKey, KeyFault> SigningKey::read(std::span<const std::uint8_t> /*pem*/,
                                                     std::optional<std::string_view> /*passphrase*/,
-                                                    SignatureType /*type*/) {
+                                                    std::optional<SignatureType> /*type*/) {
     return KeyFault::NotBuilt;
 }
 
@@ -43,7 +43,7 @@ VerifyingKey::~VerifyingKey() = default;
 
 std::variant<VerifyingKey, KeyFault> VerifyingKey::read(
     std::span<const std::uint8_t> /*pem*/, std::optional<std::string_view> /*passphrase*/,
-    SignatureType /*type*/) {
+    std::optional<SignatureType> /*type*/) {
     return KeyFault::NotBuilt;
 }
 

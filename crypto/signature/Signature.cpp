@@ -105,11 +105,13 @@ SigningKey::~SigningKey() = default;
 
 std::variant<SigningKey, KeyFault> SigningKey::read(std::span<const std::uint8_t> pem,
                                                     std::optional<std::string_view> passphrase,
-                                                    SignatureType type) {
+                                                    std::optional<SignatureType> type) {
     limitLockedPool();
     auto result = readPrivateKey(pem, passphrase, type);
     if (const KeyFault* fault = std::get_if<KeyFault>(&result)) return *fault;
-    return SigningKey{std::make_unique<Key>(Key{std::move(std::get<0>(result)), type})};
+    auto& key = std::get<0>(result);
+    const SignatureType used = type.value_or(typeOf(*key));
+    return SigningKey{std::make_unique<Key>(Key{std::move(key), used})};
 }
 
 std::vector<std::uint8_t> SigningKey::sign(std::span<const std::uint8_t> message,
@@ -136,11 +138,13 @@ VerifyingKey::~VerifyingKey() = default;
 
 std::variant<VerifyingKey, KeyFault> VerifyingKey::read(std::span<const std::uint8_t> pem,
                                                         std::optional<std::string_view> passphrase,
-                                                        SignatureType type) {
+                                                        std::optional<SignatureType> type) {
     limitLockedPool();
     auto result = readPublicKey(pem, passphrase, type);
     if (const KeyFault* fault = std::get_if<KeyFault>(&result)) return *fault;
-    return VerifyingKey{std::make_unique<Key>(Key{std::move(std::get<0>(result)), type})};
+    auto& key = std::get<0>(result);
+    const SignatureType used = type.value_or(typeOf(*key));
+    return VerifyingKey{std::make_unique<Key>(Key{std::move(key), used})};
 }
 
 bool VerifyingKey::verify(std::span<const std::uint8_t> message,

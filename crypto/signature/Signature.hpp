@@ -58,9 +58,12 @@ public:
     /// skipped. The parts of the key must fit together. Nothing of `pem` is kept; its owner wipes
     /// it. The passphrase is ignored if the key is not encrypted. The only exception is
     /// std::bad_alloc.
+    ///
+    /// @param type  what the key is to be for; without it, the deterministic type of the key, which
+    ///              is RsaPkcs1_Sha256 of an RSA key
     static std::variant<SigningKey, KeyFault> read(std::span<const std::uint8_t> pem,
                                                    std::optional<std::string_view> passphrase,
-                                                   SignatureType type);
+                                                   std::optional<SignatureType> type);
 
     SigningKey(SigningKey&& other) noexcept;
     SigningKey& operator=(SigningKey&& other) noexcept;
@@ -90,7 +93,7 @@ public:
     /// public part.
     static std::variant<VerifyingKey, KeyFault> read(std::span<const std::uint8_t> pem,
                                                      std::optional<std::string_view> passphrase,
-                                                     SignatureType type);
+                                                     std::optional<SignatureType> type);
 
     VerifyingKey(VerifyingKey&& other) noexcept;
     VerifyingKey& operator=(VerifyingKey&& other) noexcept;
