@@ -340,6 +340,11 @@ private:
         if (!options_.dependencyFile.empty() && !options_.isCheck)
             writeDependencyFile(options_.dependencyFile, {options_.script, options_.nameFile},
                                 files_, *printer_);
+        // What could not be written takes all the rest with it.
+        if (printer_->errors() != 0) {
+            noteEffects(files_, *printer_);
+            return ExitCode::Failed;
+        }
         commit(files_, *printer_);
         return printer_->errors() == 0 ? ExitCode::Good : ExitCode::Failed;
     }
