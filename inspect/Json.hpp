@@ -34,6 +34,15 @@ inline Json toJson(const Remark& remark) {
     return json;
 }
 
+/// A value for people, in one line. What has parts is only named: in a file of others they may be
+/// nested so deeply that no stack suffices to show them.
+template <class Value>
+std::string shortText(const Value& value) {
+    if (value.is_array()) return "a list";
+    if (value.is_object()) return "an object";
+    return value.dump(-1, ' ', false, Value::error_handler_t::replace);
+}
+
 /// Bytes that are not UTF-8, as a path may have them, are replaced.
 inline std::string dump(const Json& json, int indent = 2) {
     return Util::printableJson(json.dump(indent, ' ', false, Json::error_handler_t::replace)) +

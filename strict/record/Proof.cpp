@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "inspect/Json.hpp"
 #include "platform/Files.hpp"
 #include "platform/Replace.hpp"
 #include "strict/files/DigestThread.hpp"
@@ -20,20 +21,21 @@ using Entries = std::map<std::string, const Json*>;
 
 /// "its size is 4, not 8": the first property that differs. A digest says more than any other.
 std::string firstDifference(const Json& listed, const Json& found) {
-    if (!listed.is_object()) return "it is " + found.dump() + ", not " + listed.dump();
+    if (!listed.is_object())
+        return "it is " + Inspect::shortText(found) + ", not " + Inspect::shortText(listed);
     const auto text = [](const Json& object, const std::string& key) -> std::string {
         const auto value = object.find(key);
         if (value == object.end()) return "nothing";
-        return value->is_string() ? value->get<std::string>() : value->dump();
+        return value->is_string() ? value->get<std::string>() : Inspect::shortText(*value);
     };
-    const auto differs = [&](const std::string& key) {
-        return listed.contains(key) && found.contains(key) && listed[key] != found[key];
+    const auto isSame = [&](const std::string& key) {
+        return listed.contains(key) && found.contains(key) && listed[key] == found[key];
     };
-    if (differs("sha256"))
+    if (listed.contains("sha256") && found.contains("sha256") && !isSame("sha256"))
         return "its SHA-256 is " + text(found, "sha256") + ", not " + text(listed, "sha256");
     for (const Json* const object : {&found, &listed}) {
         for (const auto& [key, value] : object->items()) {
-            if (text(found, key) == text(listed, key)) continue;
+            if (isSame(key)) continue;
             if (value.is_structured()) return "its " + key + " are others";
             return "its " + key + " is " + text(found, key) + ", not " + text(listed, key);
         }
