@@ -214,6 +214,20 @@ void addDisplay(CLI::App& command, Request& request, Texts& texts) {
         ->allow_extra_args(false);
 }
 
+/// Adds the options for the documents that a run writes of itself, or that are compared with what
+/// it would write.
+void addDocuments(CLI::App& command, Strict::RunOptions& run, const char* manifest,
+                  const std::string& verb, const char* key) {
+    CLI::Option* const listed = addFileOption(command, "--manifest", run.manifest, manifest);
+    addFileOption(command, "--provenance", run.provenance,
+                  verb + " how the outputs were made, as SLSA provenance");
+    addFileOption(command, "--sbom", run.billOfMaterials,
+                  verb + " what the outputs are made of, as a CycloneDX bill of materials");
+    addFileOption(command, "--checksums", run.checksums,
+                  verb + " the SHA-256 of the outputs, for sha256sum -c");
+    addFileOption(command, "--sign-manifest", run.signingKey, key)->type_name("KEY")->needs(listed);
+}
+
 void addCommon(CLI::App& command, Request& request, Texts& texts) {
     command.add_option("script", request.run.script, "the script; - reads it from standard input")
         ->type_name("SCRIPT")
@@ -591,8 +605,8 @@ int read(std::span<const char* const> arguments, Request& request) {
     addCommon(*run, request, texts);
     addFileOption(*run, "--depfile", request.run.dependencyFile,
                   "writes the files that the run read, for make and ninja");
-    addFileOption(*run, "--manifest", request.run.manifest,
-                  "writes what went into the run and came out of it, as JSON");
+    addDocuments(*run, request.run, "writes what went into the run and came out of it, as JSON",
+                 "writes", "signs the manifest and the other three with this key, as FILE.sig");
     addFileOption(*run, "--map", request.run.map,
                   "writes a map of the images, as a picture if FILE ends in .svg");
     addFileOption(*run, "--report", request.run.report, "writes the same as a page for a browser")
@@ -603,8 +617,9 @@ int read(std::span<const char* const> arguments, Request& request) {
     addCommon(*check, request, texts);
     check->add_flag("--against-disk", request.run.comparesDisk,
                     "compares the files on disk with what the script makes today");
-    addFileOption(*check, "--manifest", request.run.manifest,
-                  "compares script, inputs and outputs with those that a run has listed");
+    addDocuments(*check, request.run,
+                 "compares script, inputs and outputs with those that a run has listed", "compares",
+                 "verifies the signatures of what is compared by this key");
     addInfo(app, request, texts);
     addDiff(app, request, texts);
     addMap(app, request, texts);

@@ -41,12 +41,13 @@ _tessaron_words() {
         --unit-in | --unit-out) compgen -W '2 4' -- "$current"; return ;;
     esac
     local common='--help --directory --quiet --diagnostics --color --error --warn'
-    local script="$common --define --symbol --elf --print-script --keep-going --ignore --werror"
+    local script="$common --define --symbol --elf --passphrase-file --print-script --keep-going \
+        --ignore --werror --manifest --provenance --sbom --checksums --sign-manifest"
     case $command:$current in
         :-*) compgen -W '--help --version' -- "$current" ;;
         :*) compgen -W 'run check info diff map convert help' -- "$current" ;;
-        run:-*) compgen -W "$script --depfile --manifest --map --report" -- "$current" ;;
-        check:-*) compgen -W "$script --against-disk --manifest" -- "$current" ;;
+        run:-*) compgen -W "$script --depfile --map --report" -- "$current" ;;
+        check:-*) compgen -W "$script --against-disk" -- "$current" ;;
         info:-*) compgen -W "$common --json --symbols --elf --from --family --width" -- "$current" ;;
         diff:-*)
             compgen -W "$common --json --ignore --context --max-lines --elf --from --family \

@@ -30,6 +30,9 @@ struct FileRecord {
     std::uint32_t swappedWord = 1;  ///< of an output: the bytes of the words that are reversed
     std::string script = {};        ///< the included file that has the line; empty: the script
     bool isIncluded = false;        ///< an input that is a part of the script
+    bool isStream = false;          ///< an output that leaves no file, such as a pipe or a device
+    /// Of an output: the inputs that it depends on, as places in the list of the inputs, ascending.
+    std::vector<std::size_t> sources = {};
 };
 
 /// Addresses that the lines of a text file from `firstLine` on gave, the same number of bytes each;

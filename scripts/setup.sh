@@ -21,7 +21,7 @@ bench="$build libbenchmark-dev libgcrypt20-dev libcrypto++-dev libssl-dev zlib1g
        python3-intelhex srecord binutils openssl"
 libcxx="$build clang-16 libc++-16-dev libc++abi-16-dev python3"
 package="$build python3 dpkg-dev"
-cross="$build git patch googletest python3 python3-jsonschema srecord xxd"
+cross="$build git patch googletest python3 python3-jsonschema srecord openssl xxd"
 aarch64="$cross g++-aarch64-linux-gnu libc6-dev-arm64-cross qemu-user-static dpkg-dev lintian"
 windows="$cross g++-mingw-w64-x86-64-posix wine64 nsis file"
 

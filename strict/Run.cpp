@@ -18,6 +18,7 @@
 #include "strict/ElfSymbols.hpp"
 #include "strict/ImageReading.hpp"
 #include "strict/IncludedFile.hpp"
+#include "strict/RunDocuments.hpp"
 #include "strict/RunListener.hpp"
 #include "strict/ScriptReading.hpp"
 #include "strict/diagnostics/RemarkList.hpp"
@@ -27,7 +28,6 @@
 #include "strict/files/WholeFile.hpp"
 #include "strict/meaning/MeaningCheck.hpp"
 #include "strict/record/Comparison.hpp"
-#include "strict/record/Proof.hpp"
 #include "strict/record/Provenance.hpp"
 #include "strict/record/RunRecording.hpp"
 #include "strict/record/WideGaps.hpp"
@@ -205,29 +205,20 @@ std::string mapOf(const Inspect::RunRecord& record, const std::string& path) {
     return path.ends_with(".svg") ? map.svg() : map.text(width, Platform::showsUnicode());
 }
 
-bool needsRecord(const RunOptions& options) {
-    return options.comparesDisk || !options.manifest.empty() || !options.report.empty() ||
-           !options.map.empty();
-}
-
 /// Names the files that options give. False after a diagnostic.
-bool nameFiles(const RunOptions& options, RunFiles& files, DiagnosticSink& sink) {
-    struct Row {
-        const std::string* path;
-        FileRole role;
+bool nameFiles(const RunOptions& options, const RunDocuments& documents, RunFiles& files,
+               DiagnosticSink& sink) {
+    const auto name = [&](const std::string& path, FileRole role) {
+        return path.empty() || nameFile(files, path, role, sink);
     };
-    if (options.script != "-") nameFile(files, options.script, FileRole::Script, sink);
-    if (!options.nameFile.empty()) nameFile(files, options.nameFile, FileRole::Input, sink);
-    if (!options.passphraseFile.empty())
-        nameFile(files, options.passphraseFile, FileRole::Key, sink);
-    if (options.isCheck) return true;
-    bool isGood = true;
-    for (const Row& row :
-         {Row{&options.dependencyFile, FileRole::DependencyFile},
-          Row{&options.manifest, FileRole::Manifest}, Row{&options.map, FileRole::Map},
-          Row{&options.report, FileRole::Report}})
-        if (!row.path->empty()) isGood = nameFile(files, *row.path, row.role, sink) && isGood;
-    return isGood;
+    if (options.script != "-") name(options.script, FileRole::Script);
+    name(options.nameFile, FileRole::Input);
+    name(options.passphraseFile, FileRole::PassphraseFile);
+    if (options.isCheck) return documents.nameFiles(files, sink);
+    bool isGood = name(options.dependencyFile, FileRole::DependencyFile);
+    isGood = documents.nameFiles(files, sink) && isGood;
+    isGood = name(options.map, FileRole::Map) && isGood;
+    return name(options.report, FileRole::Report) && isGood;
 }
 
 /// The digests of a record are those of the bytes that the statements have read. False after a
@@ -239,22 +230,6 @@ bool checkInputs(RunFiles& files, DiagnosticSink& sink) {
     return changed.empty();
 }
 
-/// Compares the record with what is on disk, or adds it to the outputs. False if anything differs.
-bool useRecord(const RunOptions& options, const Inspect::RunRecord& record,
-               const Provenance& provenance, RunFiles& files, DiagnosticSink& sink) {
-    if (options.isCheck) {
-        const bool isAsListed =
-            options.manifest.empty() || compareWithManifest(options.manifest, record, sink);
-        return (!options.comparesDisk || compareWithDisk(files, record, provenance, sink)) &&
-               isAsListed;
-    }
-    if (!options.manifest.empty())
-        addFile(files, options.manifest, Inspect::manifestOf(record), sink);
-    if (!options.map.empty()) addFile(files, options.map, mapOf(record, options.map), sink);
-    if (!options.report.empty()) addFile(files, options.report, Inspect::reportOf(record), sink);
-    return true;
-}
-
 /// One run, from its options to its exit code.
 class Session {
 public:
@@ -263,8 +238,9 @@ public:
           printer_(&printer),
           output_(&output),
           files_(options.isCheck ? RunFiles::Mode::Memory : RunFiles::Mode::Disk),
+          documents_(options, printer.policy()),
           remarks_(printer.policy()) {
-        if (!needsRecord(options)) return;
+        if (!needsRecord()) return;
         files_.keepDigests();
         printer.copyTo(remarks_);
     }
@@ -278,6 +254,11 @@ public:
     }
 
 private:
+    bool needsRecord() const {
+        return options_.comparesDisk || documents_.areWanted() || !options_.report.empty() ||
+               !options_.map.empty();
+    }
+
     template <class Work>
     ExitCode guarded(Work work) {
         const Buffer::ImageSpaceScope space(imageSpace);
@@ -292,11 +273,12 @@ private:
 
     /// Reads the script, checks it and runs it.
     ExitCode runScript() {
-        if (!nameFiles(options_, files_, *printer_)) return ExitCode::Failed;
+        if (!nameFiles(options_, documents_, files_, *printer_)) return ExitCode::Failed;
+        if (!options_.printsScript && !readKeys()) return ExitCode::Failed;
         if (!resolveSymbols(options_.symbols, files_, options_.variables, *printer_))
             return ExitCode::Failed;
         ScriptReading reading(options_, files_, *printer_);
-        auto script = reading.read(needsRecord(options_));
+        auto script = reading.read(needsRecord());
         if (!script) return reading.isUnusable() ? ExitCode::Unusable : ExitCode::Failed;
         scriptSha256_ = reading.sha256();
         if (options_.printsScript) return print(*script);
@@ -305,6 +287,23 @@ private:
         if (!parsed.isWhole()) return ExitCode::Unusable;
         reading.checkVariables(*script);
         return execute(parsed.takeProgram(std::move(script)));
+    }
+
+    /// Reads the passphrase, which may come from a pipe, and the key for the documents. False after
+    /// a diagnostic.
+    bool readKeys() {
+        const std::string& file = options_.passphraseFile;
+        if (!file.empty()) {
+            if (auto read = readPassphrase(file, files_, *printer_))
+                passphrase_.emplace(std::move(*read));
+            else
+                return false;
+        }
+        return documents_.readKey(passphrase(), files_, *printer_);
+    }
+
+    std::optional<std::string_view> passphrase() const {
+        return passphrase_ ? std::optional(passphrase_->text()) : std::nullopt;
     }
 
     /// Prints the text that the grammar would read.
@@ -318,11 +317,7 @@ private:
     ExitCode execute(const Program& program) {
         Execution execution(program, !options_.script.empty(), *printer_, *output_, files_);
         if (!execution.readNames(options_.nameFile)) return ExitCode::Failed;
-        const std::string& file = options_.passphraseFile;
-        const auto passphrase =
-            file.empty() ? std::optional<Passphrase>() : readPassphrase(file, files_, *printer_);
-        if (passphrase) execution.setPassphrase(passphrase->text());
-        if (!file.empty() && !passphrase) return ExitCode::Failed;
+        execution.setPassphrase(passphrase());
         const bool hasPlaces = execution.nameFiles();
         execution.checkMeaning();
         if (!hasPlaces || (printer_->errors() != 0 && !options_.keepsGoing))
@@ -336,7 +331,7 @@ private:
             noteEffects(files_, *printer_);
             return ExitCode::Failed;
         }
-        if (needsRecord(options_) && !record(program, execution)) return ExitCode::Failed;
+        if (needsRecord() && !record(program, execution)) return ExitCode::Failed;
         if (!options_.dependencyFile.empty() && !options_.isCheck)
             writeDependencyFile(options_.dependencyFile, {options_.script, options_.nameFile},
                                 files_, *printer_);
@@ -349,26 +344,45 @@ private:
         return printer_->errors() == 0 ? ExitCode::Good : ExitCode::Failed;
     }
 
-    /// Makes the record and uses it as `useRecord` does.
+    /// Compares the record of the run with what is on disk, or adds what is made of it to the
+    /// outputs. False if anything differs.
     bool record(const Program& program, const Execution& execution) {
         if (!checkInputs(files_, *printer_)) return false;
         const FinishedRun finished{scriptSha256_,        &options_.variables,     &program,
                                    &execution.context(), &execution.provenance(), &files_,
                                    recipeFolders()};
-        const bool withDetails = !options_.report.empty() || options_.comparesDisk;
-        Inspect::RunRecord record = recordOf(finished, withDetails);
+        const RecordDetails details{!options_.report.empty() || options_.comparesDisk,
+                                    !options_.billOfMaterials.empty()};
+        Inspect::RunRecord record = recordOf(finished, details);
         remarks_.finish();
         record.remarks = std::move(remarks_.remarks);
         // The links of the record lead from one file to the other by their paths.
         for (Inspect::Remark& remark : record.remarks)
             remark.file = recordedPath(remark.file, finished.recipeFolders);
-        return useRecord(options_, record, execution.provenance(), files_, *printer_);
+        return options_.isCheck ? compare(record, execution.provenance()) : write(record);
+    }
+
+    bool compare(const Inspect::RunRecord& record, const Provenance& provenance) {
+        const bool isAsListed = documents_.compare(record, *printer_);
+        return (!options_.comparesDisk || compareWithDisk(files_, record, provenance, *printer_)) &&
+               isAsListed;
+    }
+
+    bool write(const Inspect::RunRecord& record) {
+        documents_.write(record, files_, *printer_);
+        if (!options_.map.empty())
+            addFile(files_, options_.map, mapOf(record, options_.map), *printer_);
+        if (!options_.report.empty())
+            addFile(files_, options_.report, Inspect::reportOf(record), *printer_);
+        return true;
     }
 
     RunOptions options_;
     Printer* printer_;
     std::ostream* output_;
     RunFiles files_;
+    RunDocuments documents_;
+    std::optional<Passphrase> passphrase_;  ///< of encrypted keys
     RemarkList remarks_;
     std::string scriptSha256_;  ///< if it is wanted
 };

@@ -57,8 +57,8 @@ void CmdNewHash::setKeyFile(std::string argument) {
 bool CmdNewHash::execute(CmdContext& context) {
     if (keyFile_.empty()) return CmdNewValue::execute(context);
     return guarded(Facts::Subject::Hash, name(), Facts::Work::Created, [&] {
-        const auto key = publicKeyIn(keyFile_, context);
-        return key && keepValueOf(context, *key, Buffer::ByteOrder::NotSet);
+        const auto key = verifyingKeyIn(keyFile_, context.passphrase);
+        return key && keepValueOf(context, key->publicKey(), Buffer::ByteOrder::NotSet);
     });
 }
 

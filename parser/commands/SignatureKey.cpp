@@ -50,10 +50,6 @@ KeyFault factOf(Crypto::KeyFault fault) {
     }
 }
 
-/// What a key file holds: a key, or why there is none.
-template <class Key>
-using Reading = std::variant<Key, KeyFault>;
-
 /// The contents of a key file; nothing after a report.
 std::optional<Platform::SecretFile> contentsOf(const std::string& path) {
     // For the system a path ends at a zero byte.
@@ -63,32 +59,37 @@ std::optional<Platform::SecretFile> contentsOf(const std::string& path) {
     return std::nullopt;
 }
 
+/// The key in a file; nothing after a report.
+///
+/// @param kind  what the key is for; null for the type of its algorithm
 template <class Key>
-Reading<Key> readKey(const Platform::SecretFile& file, const CmdContext& context,
-                     SignatureType type) {
-    if (!file.isWhole()) return KeyFault::NotAKey;
-    auto key = Key::read(file.bytes(), context.passphrase, type);
-    if (const auto* const fault = std::get_if<Crypto::KeyFault>(&key)) return factOf(*fault);
+std::optional<Key> keyIn(const std::string& path, const SignatureKind* kind,
+                         std::optional<std::string_view> passphrase) {
+    const auto file = contentsOf(path);
+    if (!file) return std::nullopt;
+    const auto refused = [&](KeyFault fault) {
+        Facts::report(Facts::KeyRefused{path, kind == nullptr ? "" : kind->keyword, fault});
+        return std::nullopt;
+    };
+    if (!file->isWhole()) return refused(KeyFault::NotAKey);
+    auto key = Key::read(file->bytes(), passphrase,
+                         kind == nullptr ? std::nullopt : std::optional(kind->type));
+    if (const auto* const fault = std::get_if<Crypto::KeyFault>(&key))
+        return refused(factOf(*fault));
+    if (std::is_same_v<Key, Crypto::SigningKey> && file->isReadableByOthers())
+        Facts::report(Facts::KeyReadable{path});
     return std::move(std::get<Key>(key));
 }
 
 /// The key that a statement names; nothing after a report.
 template <class Key>
 std::optional<Key> keyOf(const SignatureSettings& settings, const CmdContext& context) {
-    const std::string_view type = settings.kind == nullptr ? "" : settings.kind->keyword;
-    const auto refused = [&](KeyFault fault) {
-        Facts::report(Facts::KeyRefused{settings.keyFile, type, fault});
-        return std::nullopt;
-    };
-    if (settings.kind == nullptr) return refused(KeyFault::NoType);
-    if (settings.keyFile.empty()) return refused(KeyFault::NotGiven);
-    const auto file = contentsOf(settings.keyFile);
-    if (!file) return std::nullopt;
-    auto key = readKey<Key>(*file, context, settings.kind->type);
-    if (const auto* const fault = std::get_if<KeyFault>(&key)) return refused(*fault);
-    if (std::is_same_v<Key, Crypto::SigningKey> && file->isReadableByOthers())
-        Facts::report(Facts::KeyReadable{settings.keyFile});
-    return std::move(std::get<Key>(key));
+    if (settings.kind != nullptr && !settings.keyFile.empty())
+        return keyIn<Key>(settings.keyFile, settings.kind, context.passphrase);
+    const bool hasKind = settings.kind != nullptr;
+    Facts::report(Facts::KeyRefused{settings.keyFile, hasKind ? settings.kind->keyword : "",
+                                    hasKind ? KeyFault::NotGiven : KeyFault::NoType});
+    return std::nullopt;
 }
 
 }  // namespace
@@ -106,19 +107,14 @@ std::optional<Crypto::VerifyingKey> SignatureSettings::verifyingKey(
     return keyOf<Crypto::VerifyingKey>(*this, context);
 }
 
-std::optional<ByteList> publicKeyIn(const std::string& path, const CmdContext& context) {
-    const auto file = contentsOf(path);
-    if (!file) return std::nullopt;
-    KeyFault fault = KeyFault::NotAKey;
-    for (const SignatureKind& kind : kinds) {
-        const auto key = readKey<Crypto::VerifyingKey>(*file, context, kind.type);
-        if (const auto* const known = std::get_if<Crypto::VerifyingKey>(&key))
-            return known->publicKey();
-        fault = std::get<KeyFault>(key);
-        if (fault != KeyFault::WrongType) break;
-    }
-    Facts::report(Facts::KeyRefused{path, "", fault});
-    return std::nullopt;
+std::optional<Crypto::SigningKey> signingKeyIn(const std::string& file,
+                                               std::optional<std::string_view> passphrase) {
+    return keyIn<Crypto::SigningKey>(file, nullptr, passphrase);
+}
+
+std::optional<Crypto::VerifyingKey> verifyingKeyIn(const std::string& file,
+                                                   std::optional<std::string_view> passphrase) {
+    return keyIn<Crypto::VerifyingKey>(file, nullptr, passphrase);
 }
 
 }  // namespace Parser::WrapperLib

@@ -4,6 +4,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "crypto/signature/Signature.hpp"
 #include "parser/commands/CmdContext.hpp"
@@ -36,8 +37,10 @@ struct SignatureSettings {
     std::optional<Crypto::VerifyingKey> verifyingKey(const CmdContext& context) const;
 };
 
-/// The public key in a file, whatever its type, as the DER of its SubjectPublicKeyInfo; nothing
-/// after a report.
-std::optional<ByteList> publicKeyIn(const std::string& file, const CmdContext& context);
+/// The key in a file, for the deterministic type of its algorithm; nothing after a report.
+std::optional<Crypto::SigningKey> signingKeyIn(const std::string& file,
+                                               std::optional<std::string_view> passphrase);
+std::optional<Crypto::VerifyingKey> verifyingKeyIn(const std::string& file,
+                                                   std::optional<std::string_view> passphrase);
 
 }  // namespace Parser::WrapperLib

@@ -13,7 +13,7 @@ namespace {
 bool canBeBoth(FileRole one, FileRole other) {
     const auto isRead = [](FileRole role) {
         return role == FileRole::Script || role == FileRole::IncludedFile ||
-               role == FileRole::Input || role == FileRole::Key;
+               role == FileRole::Input || role == FileRole::Key || role == FileRole::PassphraseFile;
     };
     if (isRead(one) && isRead(other)) return true;
     // What is replaced in place was read before.
@@ -39,8 +39,18 @@ const char* nameOf(FileRole role) {
             return "dependency file";
         case FileRole::Manifest:
             return "manifest";
+        case FileRole::Provenance:
+            return "provenance";
+        case FileRole::BillOfMaterials:
+            return "bill of materials";
+        case FileRole::Checksums:
+            return "list of checksums";
+        case FileRole::Signature:
+            return "signature";
         case FileRole::Report:
             return "report";
+        case FileRole::PassphraseFile:
+            return "passphrase file";
         case FileRole::Map:
             break;
     }
@@ -368,6 +378,11 @@ FileDigest RunFiles::outputDigest(const std::string& path) {
     // Only for a program was it put in place yet, and the program may have changed it.
     if (output->isInPlace && output->temporary) return digestOfFile(path);
     return digests_->outputs.finish(*output->digest);
+}
+
+bool RunFiles::isStream(const std::string& path) {
+    const Output* const output = fileAt(path).newest;
+    return output != nullptr && output->target.kind == Platform::TargetKind::Device;
 }
 
 std::string_view RunFiles::contentsOf(const std::string& path) {

@@ -22,10 +22,15 @@ enum class FileRole : std::uint8_t {
     Script,
     IncludedFile,  ///< a part of the script
     Input,
-    Key,  ///< or the passphrase of one: it is neither listed nor are its bytes looked at
+    Key,             ///< neither listed nor are its bytes looked at
+    PassphraseFile,  ///< the same
     Output,
     DependencyFile,
     Manifest,  ///< to be written
+    Provenance,
+    BillOfMaterials,
+    Checksums,
+    Signature,  ///< of one of the four
     Report,
     Map
 };
@@ -145,6 +150,9 @@ public:
 
     /// The file of the path is an output of the run.
     bool isWritten(const std::string& path);
+
+    /// The output of the path leaves no file: it is a device, a pipe or a stream.
+    bool isStream(const std::string& path);
 
     /// What this run has written to an output that is kept in memory.
     std::string_view contentsOf(const std::string& path);

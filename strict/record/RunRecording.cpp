@@ -6,12 +6,14 @@
 #include <set>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "inspect/LineRuns.hpp"
 #include "io/File.hpp"
 #include "parser/commands/CmdNewSignature.hpp"
 #include "parser/commands/Conventions.hpp"
 #include "platform/Paths.hpp"
+#include "strict/record/InputFlow.hpp"
 #include "strict/script/OutputFormat.hpp"
 #include "util/Hex.hpp"
 
@@ -48,7 +50,9 @@ const char* kindOf(Role role) {
 
 class Recorder {
 public:
-    Recorder(const FinishedRun& run, bool withDetails) : run_(&run), withDetails_(withDetails) {}
+    Recorder(const FinishedRun& run, const RecordDetails& details) : run_(&run), details_(details) {
+        if (details.hasSources) flow_.emplace(*run.program, *run.files);
+    }
 
     Inspect::RunRecord record() {
         record_.scriptPath = Platform::portablePath(run_->program->text().file());
@@ -61,6 +65,7 @@ public:
         const StatementList& statements = run_->program->statements();
         for (std::size_t i = 0; i < statements.size(); ++i)
             addStatement(statements[i], *run_->program->commands()[i]);
+        if (flow_) addSourcesOfAll();
         addVariables();
         return std::move(record_);
     }
@@ -113,6 +118,7 @@ private:
     void addInputs() {
         auto uses = usesOfInputs();
         for (const std::string& path : run_->files->inputs()) {
+            firstOfInput_.push_back(record_.inputs.size());
             Inspect::FileRecord file = std::move(uses[path]);
             file.path = pathOf(path);
             file.isIncluded = file.line == 0 && included_.contains(file.path);
@@ -122,9 +128,29 @@ private:
                 record_.inputs.push_back(file);
             }
         }
+        firstOfInput_.push_back(record_.inputs.size());
+    }
+
+    /// Adds what the list of the inputs has of the file at a place among those of the run.
+    void addSource(std::vector<std::size_t>& sources, std::size_t input) const {
+        for (std::size_t i = firstOfInput_[input]; i < firstOfInput_[input + 1]; ++i)
+            sources.push_back(i);
+    }
+
+    /// Every output depends on the files that the script includes, and on inputs that no statement
+    /// names: their symbols are variables of the command line.
+    void addSourcesOfAll() {
+        std::vector<std::size_t> common;
+        for (std::size_t input = 0; input + 1 < firstOfInput_.size(); ++input)
+            if (!flow_->isNamed(input)) addSource(common, input);
+        for (Inspect::FileRecord& output : record_.outputs) {
+            output.sources.insert(output.sources.end(), common.begin(), common.end());
+            std::ranges::sort(output.sources);
+        }
     }
 
     void addStatement(const Statement& statement, const CmdApi& command) {
+        if (flow_) flow_->follow(statement);
         if (const Part* const image = statement.last(Role::MakesImage))
             addImage(std::string(image->text));
         if (statement.roles.hasAny(Parser::makesValue))
@@ -142,7 +168,7 @@ private:
         const OriginMap& written = origins->second.written;
         for (const auto& [start, range] : written.ranges()) {
             entry.ranges.push_back(writtenRange(range));
-            if (withDetails_)
+            if (details_.hasLines)
                 entry.ranges.back().names = run_->provenance->namesAt(name, range.area);
         }
         for (const auto& [start, range] : origins->second.fillers.ranges())
@@ -170,7 +196,7 @@ private:
                           lines.last,
                           {},
                           scriptOf(origin.statement)};
-        if (withDetails_ && source.firstLine != 0) addLines(entry, source, range.moved);
+        if (details_.hasLines && source.firstLine != 0) addLines(entry, source, range.moved);
         return entry;
     }
 
@@ -282,11 +308,17 @@ private:
         const FileDigest digest = run_->files->outputDigest(name);
         file.size = digest.size;
         file.sha256 = digest.sha256;
+        file.isStream = run_->files->isStream(name);
+        if (flow_)
+            for (const std::size_t input : flow_->followed()) addSource(file.sources, input);
         record_.outputs.push_back(std::move(file));
     }
 
     const FinishedRun* run_;
-    bool withDetails_;
+    RecordDetails details_;
+    std::optional<InputFlow> flow_;  ///< if somebody wants it
+    /// For each input of the run, its first place in the list, and where the list ends.
+    std::vector<std::size_t> firstOfInput_;
     std::set<std::string> included_;  ///< paths of files that the script includes
     Inspect::RunRecord record_;
 };
@@ -300,8 +332,8 @@ std::string recordedPath(const std::string& path, const std::vector<std::string>
     return Platform::portablePath(path);
 }
 
-Inspect::RunRecord recordOf(const FinishedRun& run, bool withDetails) {
-    return Recorder(run, withDetails).record();
+Inspect::RunRecord recordOf(const FinishedRun& run, const RecordDetails& details) {
+    return Recorder(run, details).record();
 }
 
 }  // namespace Strict

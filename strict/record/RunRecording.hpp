@@ -27,11 +27,16 @@ struct FinishedRun {
 /// `<recipes>` for its folder, so that the record is the same wherever the program is installed.
 std::string recordedPath(const std::string& path, const std::vector<std::string>& recipeFolders);
 
+/// What is found out only if somebody wants it.
+struct RecordDetails {
+    /// Which line of an input file gave which address, which reads the file once more, and what
+    /// has names.
+    bool hasLines = false;
+    bool hasSources = false;  ///< on which inputs each output depends
+};
+
 /// What went into the run and what came out of it. The remarks are left to the caller, and the
 /// images are those of the run.
-///
-/// @param withDetails  whether to find out which line of an input file gave which address, which
-///                     reads the file once more, and what has names
-Inspect::RunRecord recordOf(const FinishedRun& run, bool withDetails);
+Inspect::RunRecord recordOf(const FinishedRun& run, const RecordDetails& details);
 
 }  // namespace Strict
