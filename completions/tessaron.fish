@@ -1,7 +1,7 @@
 # Completion of tessaron for fish.
 
 set -l commands run check info diff map convert
-set -l topics statements numbers crcs hashes formats kinds
+set -l topics statements numbers crcs hashes signatures formats kinds
 set -l kinds no-end unknown-name duplicate-name outside wiped empty-image empty-digest \
     call-failed unused-variable crc-parameter word-size cropped unwritten \
     truncated-value expression-order number-pair variable-in-word variable-dollar \
@@ -10,7 +10,7 @@ set -l kinds no-end unknown-name duplicate-name outside wiped empty-image empty-
     value-size whole-image text-size number-range empty-area digest-self \
     digest-stale format-ending empty-output double-area repeated-option in-place \
     unused-image bare-word unknown-text leading-zero backslash-path typographic-quote \
-    wide-gap verify
+    wide-gap verify key signature key-readable
 set -l formats IntelHex MotorolaS RawBinary Elf Uf2 TiTxt Vmem DfuSe
 set -l none "not __fish_seen_subcommand_from $commands"
 set -l any "__fish_seen_subcommand_from $commands"
@@ -42,6 +42,7 @@ complete -c tessaron -n $any -l error -x -a "$kinds" -d 'Count these diagnostics
 complete -c tessaron -n $any -l warn -x -a "$kinds" -d 'Count these diagnostics as warnings'
 complete -c tessaron -n $script -s D -l define -x -d 'A text replacement, NAME=VALUE'
 complete -c tessaron -n $script -l elf -r -d 'Name what is at addresses'
+complete -c tessaron -n $script -l passphrase-file -r -d 'The passphrase of encrypted keys'
 complete -c tessaron -n $script -l symbol -x -d 'The address of a symbol, NAME=FILE:SYMBOL'
 complete -c tessaron -n $script -l passphrase-file -r -d 'Has the passphrase of encrypted keys'
 complete -c tessaron -n $script -l print-script -d 'Print the prepared script'

@@ -26,7 +26,7 @@ KINDS = {line.split()[0] for line in subprocess.run(
     [LIST_KINDS], stdout=subprocess.PIPE, text=True, check=True).stdout.splitlines()
     if " always " not in line}
 COMMANDS = ("run", "check", "info", "diff", "map", "convert")
-TOPICS = {"statements", "numbers", "crcs", "hashes", "formats", "kinds"}
+TOPICS = {"statements", "numbers", "crcs", "hashes", "signatures", "formats", "kinds"}
 # The second column of the inputs.
 FORMATS = {line.split()[1] for line in subprocess.run(
     [PROGRAM, "help", "formats"], stdout=subprocess.PIPE, text=True, check=True)

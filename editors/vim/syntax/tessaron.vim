@@ -115,32 +115,34 @@ syntax match tessaronConstant /\v<Catalogue/ nextgroup=tessaronCatalogue skipwhi
 syntax match tessaronConstant /\v<%(Hash_Md2|Hash_Md4|Hash_Md5|Hash_Md6|Hash_Gost_256|Hash_Sha1|Hash_Shake)/
 syntax match tessaronConstant /\v<%(Hash_Ripemd_128|Hash_Ripemd_160|Hash_Ripemd_256|Hash_Ripemd_320)/
 syntax match tessaronConstant /\v<%(Hash_Sha2_224|Hash_Sha2_256|Hash_Sha2_384|Hash_Sha2_512)/
+syntax match tessaronConstant /\v<%(Ed25519|EcdsaP256_Sha256|EcdsaP384_Sha384|RsaPss_Sha256|RsaPkcs1_Sha256)/
+syntax match tessaronConstant /\v%(<-setSignatureForm\s*\=\s*)@<=%(Raw|Der)/
 syntax match tessaronConstant /\v<%(Hash_Sha3_224|Hash_Sha3_256|Hash_Sha3_384|Hash_Sha3_512)/
 
 " Options.
 syntax match tessaronSection /\.\?\k\+/ contained
 syntax match tessaronSectionEquals /=/ contained nextgroup=tessaronSection skipwhite skipempty
-syntax match tessaronOption /\v<%(-changeStartAddressTo|-setByteOrder|-setType|-setFormat|-skipUnwritten|-onOverlap|-useWordSize|-interleave|-swapBytes|-setAddressUnit|-fillGapsUpTo|-alignTo|-setAlignment|-setVendorId|-setProductId|-setElfTemplate|-setValueSize|-useSections|-skipSections|-useFamily)/
+syntax match tessaronOption /\v<%(-changeStartAddressTo|-setByteOrder|-setType|-setFormat|-skipUnwritten|-onOverlap|-useWordSize|-interleave|-swapBytes|-setAddressUnit|-fillGapsUpTo|-alignTo|-setAlignment|-setVendorId|-setProductId|-setElfTemplate|-setValueSize|-useSections|-skipSections|-useFamily|-setSignatureForm)/
 syntax match tessaronOption /\v<%(-setExecutionAddress|-setArrayName|-setIncludeGuard)/
       \ nextgroup=tessaronSectionEquals skipwhite skipempty
 syntax match tessaronOption /\v<%(-useAreas|-useBufferRange|-useLane)/
       \ nextgroup=tessaronNumbersEquals skipwhite skipempty
 syntax match tessaronHeaderEquals /=/ contained
       \ nextgroup=tessaronBareText,tessaronQuotedText,tessaronBracedText skipwhite skipempty
-syntax match tessaronOption /\v<-setHeaderText/
+syntax match tessaronOption /\v<%(-setHeaderText|-setKeyFile)/
       \ nextgroup=tessaronHeaderEquals skipwhite skipempty
 syntax match tessaronOption /\v<-resolveSymbolsAsHexValue/
       \ nextgroup=tessaronNamesEquals skipwhite skipempty
 
 " Sources.
 syntax match tessaronSource /\v<EMPTY/
-syntax match tessaronSource /\v<%(WITH_CRC|WITH_HASH|WITH_BUFFER|FROM_BUFFER)/
+syntax match tessaronSource /\v<%(WITH_CRC|WITH_HASH|WITH_SIGNATURE|WITH_BUFFER|FROM_BUFFER|FROM_STORED)/
       \ nextgroup=tessaronName,tessaronNameComment skipwhite skipempty
 syntax match tessaronSource "\v<%(FROM_BUFFERS%(\s*%(\{|$|//))@=|WITH_BUFFERS)"
       \ nextgroup=tessaronNames skipwhite skipempty
 syntax match tessaronSource /\v<%(FROM_VALUES|WITH_FILLER|WITH_VALUES)/
       \ nextgroup=tessaronNumbers skipwhite skipempty
-syntax match tessaronSource /\v<%(FROM_FILE_BINARY|FROM_FILE|FROM_ELF|FROM_UF2|FROM_TI_TXT|FROM_VMEM|FROM_DFUSE)/
+syntax match tessaronSource /\v<%(FROM_FILE_BINARY|FROM_FILE|FROM_ELF|FROM_UF2|FROM_TI_TXT|FROM_VMEM|FROM_DFUSE|FROM_KEY)/
       \ nextgroup=tessaronBareText,tessaronQuotedText,tessaronBracedText,tessaronTextComment
       \ skipwhite skipempty
 syntax match tessaronSource /\v<WITH_ARGUMENTS/
@@ -151,7 +153,7 @@ syntax match tessaronSource /\v<WITH_STRING/
 
 " Statements.
 syntax match tessaronStatement /\v<CALCULATE/
-syntax match tessaronStatement /\v<%(NEW_BUFFER|FILL_BUFFER|VERIFY_BUFFER|NEW_CRC|NEW_HASH|PRINT_BUFFER|PRINT_CRC|PRINT_HASH)/
+syntax match tessaronStatement /\v<%(NEW_BUFFER|FILL_BUFFER|VERIFY_BUFFER|NEW_CRC|NEW_HASH|PRINT_BUFFER|PRINT_CRC|PRINT_HASH|NEW_SIGNATURE|PRINT_SIGNATURE|VERIFY_SIGNATURE)/
       \ nextgroup=tessaronName,tessaronNameComment skipwhite skipempty
 syntax match tessaronStatement /\v<PRINT_TEXT/
       \ nextgroup=tessaronPrintedBareText,tessaronPrintedQuotedText,tessaronPrintedBracedText,
