@@ -7,7 +7,8 @@
   expected.exit  exit code, if not 0
   expected/      files that the run must leave, byte for byte
   absent         names of files, one per line, that the run must not leave
-  prepare.sh     makes inputs that cannot be kept as files (permissions, pipes, large files)
+  prepare.sh     makes inputs that cannot be kept as files (permissions, pipes, large files), or takes
+                 them from "$TESTS", the folder of all tests
   memory-limit   KiB of address space that the program may use; --no-limits skips such a case,
                  since sanitizers need more
   check.sh       checks the files that the run left; its output must be empty
@@ -21,6 +22,7 @@ With --fold-line-ends, text files may have the line ends that CmdTessaron writes
 Those that check.sh sees have LF.
 """
 import argparse
+import os
 import pathlib
 import re
 import resource
@@ -29,6 +31,8 @@ import shutil
 import subprocess
 import sys
 import tempfile
+
+TESTS = pathlib.Path(__file__).resolve().parents[1]
 
 
 def masked(text):
@@ -56,7 +60,7 @@ def run(case, command, work, accept, timeout, is_folded):
     shutil.copytree(case, work, dirs_exist_ok=True)
     shutil.rmtree(work / "expected", ignore_errors=True)
     if (case / "prepare.sh").exists():
-        subprocess.run(["sh", "prepare.sh"], cwd=work, check=True)
+        subprocess.run(["sh", "prepare.sh"], cwd=work, check=True, env=dict(os.environ, TESTS=str(TESTS)))
     arguments = lines_of(case / "arguments", ["script.tsn"])
     limit = 1024 * int(text_of(case / "memory-limit", b"0"))
 

@@ -12,6 +12,7 @@ encrypted() {
     shift 2
     openssl pkcs8 -topk8 -in "$source.pem" -out "$name.pem" -passout "pass:correct horse" "$@"
 }
+number() { printf %s "$2" | xxd -r -p | openssl pkey -inform DER -out "$1.pem"; }
 public() { openssl pkey -in "$1.pem" -pubout -out "$1-public.pem"; }
 
 openssl genpkey -out ed25519.pem -algorithm ED25519
@@ -42,3 +43,11 @@ key rsa-pss RSA-PSS rsa_keygen_bits:2048
 key rsa-16384 RSA rsa_keygen_bits:16384
 public rsa-16384
 openssl req -x509 -key p256.pem -subj /CN=test -days 36500 -out certificate.pem
+# RFC 8032, section 7.1, TEST 3; RFC 6979, appendices A.2.5 and A.2.6.
+number rfc8032-test3 302e020100300506032b657004220420\
+c5aa8df43f9f837bedb7442f31dcb7b166d38535076f094b85ce3a2e0b4458f7
+number rfc6979-p256 30310201010420\
+c9afa9d845ba75166b5c215767b1d6934e50c3db36e89b127b8a622b120f6721a00a06082a8648ce3d030107
+number rfc6979-p384 303e0201010430\
+6b9d3dad2e1b8c1c05b19875b6659f4de23c3b667bf297ba9aa47740787137d8\
+96d5724e4c70a825f872c9ea60d2edf5a00706052b81040022
