@@ -78,7 +78,7 @@ std::string statements() {
         {"INCLUDE", "puts the text of another file in its place"},
         {"PARAMETER", "declares what the script expects from its caller"}};
     return "Statements:\n" + table(rows) +
-           "\nLines that only tessaron has, see section 15.76 of the manual:\n" +
+           "\nLines that only tessaron has, see section 15.78 of the manual:\n" +
            table(directives) + "\nChapter 6 of the manual describes each with its options.\n";
 }
 

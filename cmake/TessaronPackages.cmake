@@ -24,8 +24,8 @@ else()
   set(CPACK_DEBIAN_PACKAGE_SECTION devel)
   set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
       "Loads Intel HEX, S-record, ELF, UF2, TI-TXT, VMEM, DfuSe and raw files into
-images, fills gaps, writes values, CRCs and hashes into chosen areas, and
-writes the images out again.")
+images, fills gaps, writes values, CRCs, hashes and signatures into chosen
+areas, and writes the images out again.")
   if(CMAKE_CROSSCOMPILING AND CMAKE_SYSTEM_PROCESSOR STREQUAL aarch64)
     set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE arm64)
   endif()
