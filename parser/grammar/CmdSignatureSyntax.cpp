@@ -18,8 +18,9 @@ namespace {
 /// -setType = Ed25519 | ..., -setKeyFile = path and -setSignatureForm = Raw | Der, which a
 /// signature is made and verified with.
 struct SignatureOptions {
+    /// Comes after the keyword of the statement, since the first keyword is that.
     template <class Command>
-    SignatureOptions(CommonRules& rules, const StatementActions<Command>& on) {
+    void define(CommonRules& rules, const StatementActions<Command>& on) {
         type = rules.keyword("-setType") >> rules.equals >>
                KeywordOf(WrapperLib::signatureKinds(), kind,
                          rules)[on.row(kind, Role::Type, &Command::setKind)] >>
@@ -42,8 +43,7 @@ struct SignatureOptions {
 /// NEW_SIGNATURE name FROM_FILE path, NEW_SIGNATURE name FROM_STORED name [areas ...], and
 /// NEW_SIGNATURE name source [option ...]
 struct NewSignatureRules final : StatementRules {
-    NewSignatureRules(CommonRules& rules, ParserState& state)
-        : options(rules, StatementActions<CmdNewSignature>(state)) {
+    NewSignatureRules(CommonRules& rules, ParserState& state) {
         const StatementActions<CmdNewSignature> on(state);
         const auto addImage = &CmdNewSignature::addFromBuffer;
         command = (rules.keyword("NEW_SIGNATURE")[on.begin("CmdNewSignature: Begin -> ")] >>
@@ -62,6 +62,7 @@ struct NewSignatureRules final : StatementRules {
         signedImages = buffersSource(rules, on, "AddFromBuffer -> ", addImage) >> rules.ws >>
                        *(areas | options.type | options.keyFile | options.form);
         areas = areasOption(rules, on);
+        options.define(rules, on);
     }
 
     SignatureOptions options;
@@ -82,8 +83,7 @@ struct PrintSignatureRules final : StatementRules {
 
 /// VERIFY_SIGNATURE name source [option ...]
 struct VerifySignatureRules final : StatementRules {
-    VerifySignatureRules(CommonRules& rules, ParserState& state)
-        : options(rules, StatementActions<CmdVerifySignature>(state)) {
+    VerifySignatureRules(CommonRules& rules, ParserState& state) {
         const StatementActions<CmdVerifySignature> on(state);
         command = (rules.keyword("VERIFY_SIGNATURE")[on.begin("CmdVerifySignature: Begin -> ")] >>
                    rules.ws >> rules.name[on.text("SetName -> ", Role::UsesSignature,
@@ -94,6 +94,7 @@ struct VerifySignatureRules final : StatementRules {
                                            &CmdVerifySignature::addFromBuffer) >>
                  rules.ws;
         areas = areasOption(rules, on);
+        options.define(rules, on);
     }
 
     SignatureOptions options;

@@ -34,7 +34,7 @@ struct StatementRow {
 /// In the order in which the grammar tries them.
 inline constexpr std::array<StatementRow, 14> statementRows{{
     {&newBufferCmd, "makes an image from a file, from values, from other images or empty"},
-    {&fillBufferCmd, "writes values, text, a filler, a CRC or a hash into an image"},
+    {&fillBufferCmd, "writes values, text, a filler, a CRC, a hash or a signature into an image"},
     {&printTextCmd, "prints a text"},
     {&printBufferCmd, "prints the bytes of an image"},
     {&printCrcCmd, "prints a CRC"},
@@ -43,8 +43,9 @@ inline constexpr std::array<StatementRow, 14> statementRows{{
     {&newCrcCmd, "computes a CRC, or another checksum, of images"},
     {&newHashCmd, "computes a hash of images"},
     {&callAppCmd, "runs a program"},
-    {&verifyBufferCmd, "compares an image with values, a text, a CRC, a hash or another image"},
-    {&newSignatureCmd, "signs images, or takes a signature from a file"},
+    {&verifyBufferCmd,
+     "compares an image with values, a text, a CRC, a hash, a signature or another image"},
+    {&newSignatureCmd, "signs images, or takes a signature from a file or an image"},
     {&printSignatureCmd, "prints a signature"},
     {&verifySignatureCmd, "holds a signature against images and a public key"},
 }};
