@@ -138,9 +138,15 @@ def put_recipes(parts, folder, recipes):
             shutil.copy(recipe, folder)
 
 
+def uses_key(parts):
+    return any("-setKeyFile" in part.text() or "FROM_KEY" in part.text() for part in parts)
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--leave-out", action="append", default=[], metavar="COMMAND")
+    parser.add_argument("--without-signatures", action="store_true",
+                        help="leave out the sections that use a key")
     parser.add_argument("programs", type=pathlib.Path, nargs=2, help="CmdTessaron and tessaron")
     parser.add_argument("manual", type=pathlib.Path)
     options = parser.parse_args()
@@ -155,6 +161,8 @@ def main():
         environment = dict(os.environ, LC_ALL="C", TZ="UTC",
                            PATH="%s:%s" % (tools, os.environ["PATH"]))
         for index, parts in enumerate(found):
+            if options.without_signatures and uses_key(parts):
+                continue
             folder = pathlib.Path(work) / str(index)
             folder.mkdir()
             put_recipes(parts, folder, options.manual.resolve().parents[1] / "recipes")
