@@ -131,10 +131,11 @@ def run_part(part, folder, environment):
 
 def put_recipes(parts, folder, recipes):
     """Puts recipes where the program looks for them first: those of the tree, and not others that may
-    be installed on this machine."""
+    be installed on this machine. A recipe may include others."""
     text = "".join(part.text() for part in parts)
-    for recipe in recipes.glob("*.tsn"):
-        if "INCLUDE " + recipe.name in text:
+    paths = list(recipes.glob("*.tsn"))
+    if any("INCLUDE " + recipe.name in text for recipe in paths):
+        for recipe in paths:
             shutil.copy(recipe, folder)
 
 

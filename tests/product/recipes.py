@@ -4,42 +4,14 @@ recipes.py TESSARON RECIPES
 
 RECIPES is where the recipes are installed, from the folder of the program."""
 import pathlib
-import shutil
 import struct
-import subprocess
-import sys
-import tempfile
 import unittest
 import zlib
 
-PROGRAM, RECIPES = sys.argv[1:3]
-del sys.argv[1:3]
-ROOT = pathlib.Path(__file__).resolve().parents[2]
+from installed_program import RECIPES, InstalledProgram
 
 
-class Recipes(unittest.TestCase):
-    def setUp(self):
-        self.root = pathlib.Path(tempfile.mkdtemp(prefix="tessaron recipes "))
-        self.addCleanup(shutil.rmtree, self.root)
-        self.program = self.root / "moved" / "bin" / pathlib.Path(PROGRAM).name
-        self.program.parent.mkdir(parents=True)
-        shutil.copy(PROGRAM, self.program)
-        self.recipes = self.program.parent / RECIPES
-        self.work = self.root / "work"
-        (self.work / "out").mkdir(parents=True)
-
-    def install(self):
-        shutil.copytree(ROOT / "recipes", self.recipes)
-
-    def tessaron(self, *arguments):
-        done = subprocess.run([self.program, *arguments], cwd=self.work, stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, text=True, check=False)
-        return done.returncode, done.stdout + done.stderr
-
-    def run_script(self, text, *arguments):
-        (self.work / "s.tsn").write_text(text)
-        return self.tessaron("run", "s.tsn", *arguments)
-
+class Recipes(InstalledProgram):
     def test_crc32_after(self):
         """The check value of CRC-32/ISO-HDLC is that of the nine characters 123456789. The first
         address is an expression, as an operator takes everything to its right."""
@@ -55,12 +27,6 @@ class Recipes(unittest.TestCase):
             self.assertEqual((self.work / "out.bin").read_bytes(),
                              b"__123456789" + bytes.fromhex(expected))
             self.assertIn("crc32-after.tsn", (self.work / "out.d").read_text())
-
-    def assert_made(self, script, files):
-        """The script runs without a word and makes the files with these bytes."""
-        self.assertEqual(self.run_script(script), (0, ""))
-        for name, expected in files.items():
-            self.assertEqual((self.work / name).read_bytes().hex(), expected.hex(), name)
 
     def test_crc32_at_end(self):
         self.install()
