@@ -423,6 +423,7 @@ std::string algorithmText(const ValueRecord& value) {
     if (value.algorithm.crc) text += "; " + crcText(*value.algorithm.crc);
     if (value.algorithm.alignment != Util::Crc::CrcAlignment::Right)
         text += std::string(", alignment ") + alignmentWord(value.algorithm.alignment);
+    if (!value.publicKey.empty()) text += "; SHA-256 of the public key " + value.publicKey;
     if (value.wordSize != 1)
         text += "; the bytes of each word of " + std::to_string(value.wordSize) + " reversed";
     return text;
@@ -441,7 +442,7 @@ std::string sourcesText(const ValueRecord& value) {
 }
 
 void Page::addValues() {
-    add("<h2 id=\"values\">Checksums</h2>\n");
+    add("<h2 id=\"values\">Checksums and signatures</h2>\n");
     if (record_->values.empty()) {
         add("<p>None.</p>\n");
         return;

@@ -43,6 +43,10 @@ private:
 /// Overwrites memory that nothing reads any more.
 void wipe(std::span<std::byte> bytes);
 
+/// Lets no program that this one starts have an open descriptor of a secret file. What is not a
+/// descriptor of this process changes nothing.
+void keepFromPrograms(int descriptor);
+
 /// Lets the system write no core file of this process.
 void forbidCoreFile();
 

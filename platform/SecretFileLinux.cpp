@@ -1,5 +1,7 @@
+#include <fcntl.h>
 #include <string.h>
 #include <sys/prctl.h>
+#include <unistd.h>
 
 #include "platform/SecretFile.hpp"
 
@@ -7,6 +9,10 @@ namespace Platform {
 
 void wipe(std::span<std::byte> bytes) {
     if (!bytes.empty()) ::explicit_bzero(bytes.data(), bytes.size());
+}
+
+void keepFromPrograms(int descriptor) {
+    if (descriptor > STDERR_FILENO) ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
 }
 
 void forbidCoreFile() {

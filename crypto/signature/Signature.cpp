@@ -6,6 +6,7 @@
 #include <botan/exceptn.h>
 #include <botan/pubkey.h>
 #include <botan/rng.h>
+#include <botan/secmem.h>
 
 #include <algorithm>
 #include <stdexcept>
@@ -13,7 +14,7 @@
 #include <utility>
 
 #include "crypto/signature/KeyReader.hpp"
-#include "crypto/signature/LockedPool.hpp"
+#include "crypto/signature/LibrarySetting.hpp"
 #include "crypto/signature/RandomDevice.hpp"
 #include "crypto/signature/WorkerThreads.hpp"
 #include "crypto/stream/hash/hash_sha.hpp"
@@ -31,6 +32,19 @@ struct VerifyingKey::Key {
 };
 
 namespace {
+
+bool makeLockedPool() {
+    const LibrarySetting size("BOTAN_MLOCK_POOL_SIZE", "64");
+    const Botan::secure_vector<std::uint8_t> first(1);
+    return true;
+}
+
+/// Lets the library lock 64 KiB of memory for secret numbers, which all numbers of one key fit
+/// into, instead of 512: to lock and guard each page of these takes longer than to sign. Before the
+/// first use of the library.
+void limitLockedPool() {
+    [[maybe_unused]] static const bool isMade = makeLockedPool();
+}
 
 /// How the library calls what is done to the message before the key is used.
 std::string encodingOf(SignatureType type) {
@@ -116,7 +130,9 @@ std::variant<SigningKey, KeyFault> SigningKey::read(std::span<const std::uint8_t
 
 std::vector<std::uint8_t> SigningKey::sign(std::span<const std::uint8_t> message,
                                            SignatureForm form) const {
-    if (isRsa(key_->type)) demandWorkerThreads();
+    // Of an RSA signature, two threads compute a half each. The library keeps them.
+    const LibrarySetting threads("BOTAN_THREAD_POOL_SIZE", "2");
+    if (isRsa(key_->type)) demandWorkerThreads(2);
     try {
         const auto random = makeRandomDevice();
         Botan::PK_Signer signer(*key_->key, *random, encodingOf(key_->type),

@@ -1,6 +1,5 @@
 #include "crypto/signature/WorkerThreads.hpp"
 
-#include <algorithm>
 #include <cstddef>
 #include <latch>
 #include <new>
@@ -10,9 +9,7 @@
 
 namespace Crypto {
 
-void demandWorkerThreads() {
-    // One for each processor, from 2 to 16.
-    const std::size_t count = std::clamp(std::thread::hardware_concurrency(), 2U, 16U);
+void demandWorkerThreads(std::size_t count) {
     // What they compute with, with much to spare: a thread of the library that finds no memory ends
     // the program.
     constexpr std::size_t neededBytes = std::size_t{1} << 20U;

@@ -490,14 +490,9 @@ std::string adviceOn(const KeyRefused& f) {
     return "";
 }
 
+/// A statement without a type or a key was reported before the run.
 Words words(const KeyRefused& f, const Circumstances& /*c*/) {
-    if (f.fault == KeyFault::NoType)
-        return {{Kind::Key,
-                 "the statement does not name the type of the signature",
-                 {},
-                 "add -setType=Ed25519 or another type"}};
-    if (f.fault == KeyFault::NotGiven)
-        return {{Kind::Key, "the statement has no key", {}, "add -setKeyFile=FILE"}};
+    if (f.fault == KeyFault::NoType || f.fault == KeyFault::NotGiven) return std::nullopt;
     if (f.fault == KeyFault::NotSupported)
         return {{Kind::Key, "this program was built without signatures", {Role::KeyFile}}};
     return {{Kind::Key,

@@ -16,8 +16,12 @@ std::optional<Passphrase> readPassphrase(const std::string& path, RunFiles& file
         return std::nullopt;
     }
     Platform::SecretFile contents(std::move(*file));
+    if (contents.bytes().size() > Platform::SecretFile::longest) {
+        sink.take({Kind::Key, path + " is too long to be the file of a passphrase"});
+        return std::nullopt;
+    }
     if (!contents.isWhole()) {
-        sink.take({Kind::ShortRead, path + " could not be read completely, or is too long"});
+        sink.take({Kind::ShortRead, path + " could not be read completely"});
         return std::nullopt;
     }
     if (contents.isReadableByOthers())

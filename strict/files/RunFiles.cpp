@@ -5,6 +5,8 @@
 #include <set>
 #include <utility>
 
+#include "platform/SecretFile.hpp"
+
 namespace Strict {
 
 namespace {
@@ -223,6 +225,7 @@ std::optional<Platform::InputFile> RunFiles::openKey(const std::string& path) {
     Platform::clearLastError();
     auto opened = Platform::InputFile::open(path);
     if (!opened) noteNotOpened(path);
+    Platform::keepFromPrograms(Platform::outputTarget(path).descriptor);
     return opened;
 }
 

@@ -14,7 +14,8 @@ inline constexpr Parser::Roles onlyOnce{
     Parser::Role::Option,    Parser::Role::Lane,        Parser::Role::Interleave,
     Parser::Role::SwapBytes, Parser::Role::AddressUnit, Parser::Role::ShortGaps,
     Parser::Role::Alignment, Parser::Role::GuardName,   Parser::Role::Header,
-    Parser::Role::Template,  Parser::Role::Family};
+    Parser::Role::Template,  Parser::Role::Family,      Parser::Role::KeyFile,
+    Parser::Role::Form};
 
 /// `repeated-option`: of an option that has one value only the last one counts. Areas, which add
 /// up, may be given several times.

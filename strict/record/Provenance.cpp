@@ -375,7 +375,9 @@ std::vector<Note> Provenance::notesOnValue() const {
     const Parser::Part* const used = reports_->statement().last(Parser::usesValue);
     const auto value = used == nullptr ? values_.end() : values_.find(used->text);
     if (value == values_.end()) return {};
-    return {{std::string(*value) + " is computed here", reports_->placeOf(*value)}};
+    const bool isComputed = used->role != Role::UsesSignature;
+    return {{std::string(*value) + (isComputed ? " is computed here" : " comes from here"),
+             reports_->placeOf(*value)}};
 }
 
 void Provenance::reportOverlaps(const MemoryBuffer& image, const std::string& name,

@@ -90,6 +90,7 @@ void ScriptCheck::check(const ParsedScript& parsed) {
 void ScriptCheck::check(const Statement& statement) {
     checkNames(statement);
     checkHash(statement);
+    checkSignature(statement);
     checkTexts(statement);
     checkEffects(statement);
     checkSettings(statement);
@@ -156,6 +157,21 @@ void ScriptCheck::checkHash(const Statement& statement) {
     else if (computesNothing(type))
         report(Kind::EmptyDigest, std::string(type) + " computes nothing", type,
                "choose another type");
+}
+
+/// A statement that signs or verifies has a type and a key.
+void ScriptCheck::checkSignature(const Statement& statement) {
+    using Parser::WrapperLib::CmdType;
+    const bool isTaken = statement.roles.hasAny({Role::InputFile, Role::Stored});
+    const bool hasKey = (statement.has(Role::MakesSignature) && !isTaken) ||
+                        statement.kind == CmdType::VerifySignature;
+    if (!hasKey) return;
+    const std::string_view keyword = statement.parts.front().text;
+    if (!statement.has(Role::Type))
+        report(Kind::Key, "the statement does not name the type of the signature", keyword,
+               "add -setType=Ed25519 or another type");
+    if (!statement.has(Role::KeyFile))
+        report(Kind::Key, "the statement has no key", keyword, "add -setKeyFile=FILE");
 }
 
 void ScriptCheck::define(Names& names, std::string_view name, const char* what) {

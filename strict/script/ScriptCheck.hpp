@@ -43,6 +43,7 @@ private:
     void checkNames(const Parser::Statement& statement);
     void checkUse(const Parser::Part& part);
     void checkHash(const Parser::Statement& statement);
+    void checkSignature(const Parser::Statement& statement);
     void checkTexts(const Parser::Statement& statement);
     void checkText(const Parser::Part& part);
     void checkEffects(const Parser::Statement& statement);

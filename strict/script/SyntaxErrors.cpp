@@ -46,6 +46,7 @@ constexpr std::array groups{
     Group{"a CRC type", "Crc32_Standard", ""},
     Group{"a name of the CRC catalogue", "CRC-32/ISO-HDLC", ""},
     Group{"a hash type", "Hash_Sha1", "Hash_"},
+    Group{"a type of signature", "Ed25519", ""},
     Group{"a format", "RawBinary", ""},
     Group{"a family of devices", "RP2040", ""},
     Group{"a byte order", "LittleEndian", ""},

@@ -51,6 +51,7 @@ class Case(unittest.TestCase):
     def write(self, name, content):
         path = self.folder / name
         path.write_bytes(content if isinstance(content, bytes) else content.encode())
+        path.chmod(0o600)
         return path
 
     def run_tessaron(self, command, script, *arguments, code=0, **options):

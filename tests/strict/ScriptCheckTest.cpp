@@ -70,9 +70,18 @@ TEST(ScriptCheckTest, EveryUseOfANameNeedsOneOfItsKind) {
         {"PRINT_SIGNATURE %", {"@approval"}, noSignatures, "signature"},
         {"FILL_BUFFER @image WITH_SIGNATURE %", {"@approval"}, noSignatures, "signature"},
         {"VERIFY_BUFFER @image WITH_SIGNATURE %", {"@approval"}, noSignatures, "signature"},
-        {"VERIFY_SIGNATURE % FROM_BUFFER @image", {"@approval"}, noSignatures, "signature"},
-        {"VERIFY_SIGNATURE @approval FROM_BUFFER %", {"@image"}, noImages, "image"},
-        {"NEW_SIGNATURE @x FROM_BUFFER %", {"@image"}, noImages, "image"},
+        {"VERIFY_SIGNATURE % FROM_BUFFER @image -setType=Ed25519 -setKeyFile=k",
+         {"@approval"},
+         noSignatures,
+         "signature"},
+        {"VERIFY_SIGNATURE @approval FROM_BUFFER % -setType=Ed25519 -setKeyFile=k",
+         {"@image"},
+         noImages,
+         "image"},
+        {"NEW_SIGNATURE @x FROM_BUFFER % -setType=Ed25519 -setKeyFile=k",
+         {"@image"},
+         noImages,
+         "image"},
         {"NEW_SIGNATURE @x FROM_STORED %", {"@image"}, noImages, "image"},
         {"NEW_BUFFER @x EMPTY -useBufferRange={0, lengthOf(%)}",
          {"@image", "@approval"},
@@ -101,6 +110,26 @@ TEST(ProgramTest, KnowsWhatItsStatementsMake) {
         EXPECT_TRUE(program.makes(name)) << name;
     for (const char* const name : {"@other", "@", "NEW_BUFFER", ""})
         EXPECT_FALSE(program.makes(name)) << name;
+}
+
+TEST(ScriptCheckTest, ASignatureHasATypeAndAKey) {
+    const std::string key = " -setKeyFile=k.pem";
+    const Lines noType{
+        "5:1 key: the statement does not name the type of the signature (add "
+        "-setType=Ed25519 or another type)"};
+    const Lines noKey{"5:1 key: the statement has no key (add -setKeyFile=FILE)"};
+    for (const std::string statement :
+         {"NEW_SIGNATURE @x FROM_BUFFER @image", "VERIFY_SIGNATURE @approval FROM_BUFFER @image"}) {
+        const std::string signs = makers + statement;
+        EXPECT_EQ(checked(signs + key + " -setType=EcdsaP256_Sha256 -setSignatureForm=Der"),
+                  Lines{});
+        // The type may come from a variable, and has one form.
+        EXPECT_EQ(checked(signs + key + " -setType=Ed25519 -setSignatureForm=Der"), Lines{});
+        EXPECT_EQ(checked(signs + key), noType);
+        EXPECT_EQ(checked(signs + " -setType=Ed25519"), noKey);
+    }
+    EXPECT_EQ(checked(makers + "NEW_SIGNATURE @x FROM_STORED @image\nNEW_SIGNATURE @y FROM_FILE s"),
+              Lines{});
 }
 
 TEST(ScriptCheckTest, ANameIsMadeOnceOfEachKind) {

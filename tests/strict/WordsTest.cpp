@@ -389,13 +389,8 @@ std::vector<FactRow> signatureRows() {
         return FactRow{KeyRefused{"k.pem", "Ed25519", fault}, {{Kind::Key, text, key, hint}}};
     };
     return {
-        {KeyRefused{"", "Ed25519", NotGiven},
-         {{Kind::Key, "the statement has no key", {}, "add -setKeyFile=FILE"}}},
-        {KeyRefused{"k.pem", "", NoType},
-         {{Kind::Key,
-           "the statement does not name the type of the signature",
-           {},
-           "add -setType=Ed25519 or another type"}}},
+        {KeyRefused{"", "Ed25519", NotGiven}, {}},
+        {KeyRefused{"k.pem", "", NoType}, {}},
         refused(NotAKey,
                 "the key k.pem is not a sound key in PEM, or of an unknown algorithm or curve"),
         refused(WrongType, "the key k.pem is not one for Ed25519"),

@@ -1,8 +1,0 @@
-#include "crypto/signature/LockedPool.hpp"
-
-namespace Crypto {
-
-/// The pool is quickly made here.
-void limitLockedPool() {}
-
-}  // namespace Crypto
