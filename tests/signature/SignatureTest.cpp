@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <optional>
 #include <span>
 #include <sstream>
@@ -103,9 +104,13 @@ VerifyingKey verifyingKey(const Bytes& text, SignatureType type, Passphrase pass
 }
 
 SignatureType typeOf(const std::string& name) {
-    if (name == "Ed25519") return SignatureType::Ed25519;
-    return name == "EcdsaP256_Sha256" ? SignatureType::EcdsaP256_Sha256
-                                      : SignatureType::EcdsaP384_Sha384;
+    static const std::map<std::string, SignatureType> types{
+        {"Ed25519", SignatureType::Ed25519},
+        {"EcdsaP256_Sha256", SignatureType::EcdsaP256_Sha256},
+        {"EcdsaP384_Sha384", SignatureType::EcdsaP384_Sha384},
+        {"RsaPss_Sha256", SignatureType::RsaPss_Sha256},
+        {"RsaPkcs1_Sha256", SignatureType::RsaPkcs1_Sha256}};
+    return types.at(name);
 }
 
 struct SignatureVector {
@@ -139,6 +144,33 @@ TEST(Signature, vectorsOfTheStandards) {
         EXPECT_TRUE(verifyingKey(text, vector.type)
                         .verify(vector.message, vector.signature, SignatureForm::Raw));
     }
+}
+
+TEST(Signature, publishedSignaturesVerifyOrDoNot) {
+    std::ifstream file{"published.tsv"};
+    std::optional<VerifyingKey> key;
+    SignatureForm form = SignatureForm::Raw;
+    Bytes message;
+    std::map<std::string, int> counts;
+    for (std::string line; std::getline(file, line);) {
+        std::istringstream fields{line};
+        std::string what, value, formName, spki;
+        std::getline(fields, what, '\t');
+        std::getline(fields, value, '\t');
+        ++counts[what];
+        if (what == "key") {
+            std::getline(fields, formName, '\t');
+            std::getline(fields, spki, '\t');
+            form = formName == "Der" ? SignatureForm::Der : SignatureForm::Raw;
+            key.emplace(verifyingKey(pem("PUBLIC KEY", fromHex(spki)), typeOf(value)));
+        } else if (what == "message") {
+            message = fromHex(value);
+        } else if (what == "right" || what == "wrong") {
+            EXPECT_EQ(key->verify(message, fromHex(value), form), what == "right") << line;
+        }
+    }
+    EXPECT_EQ(counts["right"], 382);
+    EXPECT_EQ(counts["wrong"], 834);
 }
 
 /// What differs in one bit verifies with no key.
