@@ -1,7 +1,8 @@
 #include "crypto/signature/WorkerThreads.hpp"
 
+#include <condition_variable>
 #include <cstddef>
-#include <latch>
+#include <mutex>
 #include <new>
 #include <system_error>
 #include <thread>
@@ -16,13 +17,24 @@ void demandWorkerThreads(std::size_t count) {
     const std::vector<std::byte> spare(neededBytes);
     std::vector<std::thread> threads;
     threads.reserve(count);
-    std::latch end(1);
+    // A latch may miss its end where the system has no futex (libstdc++ bug 104928).
+    std::mutex mutex;
+    std::condition_variable ended;
+    bool hasEnded = false;
     try {
-        while (threads.size() < count) threads.emplace_back([&] { end.wait(); });
+        while (threads.size() < count)
+            threads.emplace_back([&] {
+                std::unique_lock lock(mutex);
+                ended.wait(lock, [&] { return hasEnded; });
+            });
     } catch (const std::system_error&) {
         // Those that run are joined below.
     }
-    end.count_down();
+    {
+        const std::lock_guard lock(mutex);
+        hasEnded = true;
+    }
+    ended.notify_all();
     for (std::thread& thread : threads) thread.join();
     if (threads.size() < count) throw std::bad_alloc();
 }

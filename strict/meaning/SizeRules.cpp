@@ -63,7 +63,8 @@ void checkWholeImage(const Step& step) {
     const auto range = step.changed ? step.images[*step.changed].range : std::nullopt;
     // Where the range, or the size of a signature, is not known before the run, the value may be
     // all that the image is for.
-    const bool isOpen = size == 0 ? step.put.has_value() : !range.has_value();
+    const bool isOpen =
+        size == 0 ? step.put.has_value() && value->role == Role::UsesSignature : !range.has_value();
     if (isOpen && step.context == nullptr) return;
     if (size != 0 && range && range->length == size) return;
     step.findings.report(Kind::WholeImage,
@@ -152,9 +153,9 @@ void checkLaneRows(const Step& step) {
 void checkEmptyDigest(const Step& step) {
     const Statement& statement = step.statement;
     if (step.has(Role::MakesHash) && step.has(Role::KeyFile)) return;
-    const auto kind = std::ranges::find_if(Parser::valueKinds, [&](const Parser::ValueKind& one) {
-        return step.has(one.makes) || step.has(one.uses);
-    });
+    const auto* const kind = std::ranges::find_if(
+        Parser::valueKinds,
+        [&](const Parser::ValueKind& one) { return step.has(one.makes) || step.has(one.uses); });
     const bool hasImage = step.has(Role::UsesImage);
     if (hasImage && !hasNoAddress(step)) return;
     step.findings.report(Kind::EmptyDigest,
