@@ -2,7 +2,8 @@
 
 namespace Platform {
 
-SecretFile::SecretFile(InputFile file) : bytes_(longest + 1), isReadableByOthers_(file.isReadableByOthers()) {
+SecretFile::SecretFile(InputFile file)
+    : bytes_(longest + 1), isReadableByOthers_(file.isReadableByOthers()) {
     forbidCoreFile();
     const std::size_t size =
         file.readAt(0, {reinterpret_cast<char*>(bytes_.data()), bytes_.size()});

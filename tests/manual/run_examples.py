@@ -140,7 +140,8 @@ def put_recipes(parts, folder, recipes):
 
 
 def uses_key(parts):
-    return any("-setKeyFile" in part.text() or "FROM_KEY" in part.text() for part in parts)
+    words = "-setKeyFile", "FROM_KEY", "INCLUDE mcuboot-", "--sign-manifest"
+    return any(word in text for part in parts for text in (part.title, part.text()) for word in words)
 
 
 def main():
