@@ -128,7 +128,7 @@ def check_statement(test, statement):
 
 
 def check_bill(test, bill):
-    """The schema, and what the text of the specification demands besides."""
+    """The schema, and what the text of CycloneDX demands besides."""
     jsonschema.Draft7Validator(SCHEMA).validate(bill)
     test.assertEqual((bill["bomFormat"], bill["specVersion"], bill["version"]),
                      ("CycloneDX", "1.5", 1))
