@@ -11,6 +11,7 @@
 #include "parser/commands/BytePattern.hpp"
 #include "parser/commands/Conventions.hpp"
 #include "parser/commands/Layering.hpp"
+#include "platform/Paths.hpp"
 
 namespace Parser::WrapperLib {
 
@@ -219,8 +220,7 @@ bool CmdNewBuffer::hasSections() const {
 }
 
 std::unique_ptr<TessaronImportApi> CmdNewBuffer::openFile(const CmdContext& context) const {
-    // For the system a path ends at a zero byte.
-    const std::string path = fileName_.substr(0, fileName_.find('\0'));
+    const std::string path = Platform::systemPath(fileName_);
     const Io::Import::ReadOptions options{overlapRule_, addressUnit(), family_};
     if (format_ == nullptr) return context.reading->open(path, options);
     if (!sections_.isEmpty())

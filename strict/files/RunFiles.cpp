@@ -5,6 +5,7 @@
 #include <set>
 #include <utility>
 
+#include "platform/Paths.hpp"
 #include "platform/SecretFile.hpp"
 
 namespace Strict {
@@ -100,12 +101,16 @@ RunFiles::~RunFiles() {
         if (output.temporary && !output.isInPlace) Platform::removeFile(output.temporary->path);
 }
 
+void RunFiles::noteReason(const std::string& path, std::string reason) {
+    reasons_.insert_or_assign(Platform::systemPath(path), std::move(reason));
+}
+
 void RunFiles::noteFailure(const std::string& path, std::error_code error) {
-    if (error) reasons_.insert_or_assign(path, error.message());
+    if (error) noteReason(path, error.message());
 }
 
 std::string RunFiles::reasonFor(std::string_view path) const {
-    const auto found = reasons_.find(path);
+    const auto found = reasons_.find(Platform::systemPath(path));
     return found == reasons_.end() ? "" : found->second;
 }
 
@@ -216,7 +221,7 @@ std::optional<Platform::InputFile> RunFiles::openInput(const std::string& path) 
 /// Notes why the last call of the system did not open a file.
 void RunFiles::noteNotOpened(const std::string& path) {
     const std::error_code error = Platform::lastError();
-    reasons_.insert_or_assign(path, error ? error.message() : "It has no end to wait for");
+    noteReason(path, error ? error.message() : "It has no end to wait for");
     const Platform::OutputTarget target = Platform::outputTarget(path);
     if (!error && target.error) noteFailure(path, target.error);
 }
@@ -344,8 +349,7 @@ int RunFiles::runProgram(const std::string& location, const std::string& argumen
     // It may change what has been read, whose bytes must be in the digests before.
     if (digests_ != nullptr) digests_->inputs.wait();
     if (const auto failure = commit()) {
-        reasons_.insert_or_assign(location,
-                                  "cannot write " + failure->path + ": " + failure->reason);
+        noteReason(location, "cannot write " + failure->path + ": " + failure->reason);
         return -1;
     }
     ++programs_;

@@ -201,6 +201,7 @@ private:
     std::unique_ptr<Io::OutputStream> addOutput(Output output,
                                                 std::optional<Platform::OutputFile> file);
     bool keepsInMemory(const Platform::OutputTarget& target) const;
+    void noteReason(const std::string& path, std::string reason);
     void noteFailure(const std::string& path, std::error_code error);
     void noteNotOpened(const std::string& path);
     std::optional<Failure> putInPlace(const std::vector<Output*>& files,
@@ -218,7 +219,7 @@ private:
     unsigned programs_ = 0;  ///< that were started
     bool hasStopped_ = false;
     bool hasLeftOutProgram_ = false;
-    std::map<std::string, std::string, std::less<>> reasons_;
+    std::map<std::string, std::string> reasons_;  ///< by the paths of the system
     std::vector<std::string> inputs_;
     std::vector<std::string> outputs_;
     std::vector<std::string> busyFolders_;
