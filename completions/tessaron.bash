@@ -21,7 +21,7 @@ _tessaron_words() {
         value-size whole-image text-size number-range empty-area digest-self digest-stale
         format-ending empty-output double-area repeated-option in-place unused-image bare-word
         unknown-text leading-zero backslash-path typographic-quote
-        wide-gap verify key signature key-readable'
+        wide-gap verify signature key-readable'
     case $command:$previous in
         diff:--ignore) return ;;
         *:--error | *:--warn | *:--ignore) compgen -W "$kinds" -- "$current"; return ;;

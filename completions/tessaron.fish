@@ -10,7 +10,7 @@ set -l kinds no-end unknown-name duplicate-name outside wiped empty-image empty-
     value-size whole-image text-size number-range empty-area digest-self \
     digest-stale format-ending empty-output double-area repeated-option in-place \
     unused-image bare-word unknown-text leading-zero backslash-path typographic-quote \
-    wide-gap verify key signature key-readable
+    wide-gap verify signature key-readable
 set -l formats IntelHex MotorolaS RawBinary Elf Uf2 TiTxt Vmem DfuSe
 set -l none "not __fish_seen_subcommand_from $commands"
 set -l any "__fish_seen_subcommand_from $commands"

@@ -271,12 +271,18 @@ private:
         }
     }
 
+    /// The exit code after a diagnostic that a policy may have silenced.
+    ExitCode failed(const char* words) {
+        if (printer_->errors() == 0) printer_->take({std::nullopt, words});
+        return ExitCode::Failed;
+    }
+
     /// Reads the script, checks it and runs it.
     ExitCode runScript() {
         if (!nameFiles(options_, documents_, files_, *printer_)) return ExitCode::Failed;
         if (!options_.printsScript && !readKeys()) return ExitCode::Failed;
         if (!resolveSymbols(options_.symbols, files_, options_.variables, *printer_))
-            return ExitCode::Failed;
+            return failed("a variable has no value without its symbol, so the run fails");
         ScriptReading reading(options_, files_, *printer_);
         auto script = reading.read(needsRecord());
         if (!script) return reading.isUnusable() ? ExitCode::Unusable : ExitCode::Failed;
@@ -316,7 +322,8 @@ private:
 
     ExitCode execute(const Program& program) {
         Execution execution(program, !options_.script.empty(), *printer_, *output_, files_);
-        if (!execution.readNames(options_.nameFile)) return ExitCode::Failed;
+        if (!execution.readNames(options_.nameFile))
+            return failed("the names at addresses could not be read, so the run fails");
         execution.setPassphrase(passphrase());
         const bool hasPlaces = execution.nameFiles();
         execution.checkMeaning();

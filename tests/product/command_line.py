@@ -36,6 +36,7 @@ REFUSED = (
     (["run", "s.tsn", "--error", "overlop"], "no diagnostic overlop; did you mean overlap?"),
     (["run", "s.tsn", "--warn", "syntax"], "syntax is always an error"),
     (["run", "s.tsn", "--ignore", "syntax"], "syntax is always an error"),
+    (["run", "s.tsn", "--ignore", "key"], "key is always an error"),
     (["diff", "in.hex"], "files"), (["diff", "in.hex", "in.hex", "in.hex"], "files"),
     *((["convert", "in.hex", "out.bin", "--crop", text], "is not an area START,LENGTH")
       for text in ("1", "1,2,3", "0xFFFFFFFFFFFFFFFF,1")),
