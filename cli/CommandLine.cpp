@@ -158,10 +158,8 @@ void addPath(CLI::App& command, const std::string& name, std::string& path,
 }
 
 std::string version() {
-    const auto info = Platform::versionInfo("");
-    if (!info) return "tessaron";
-    return "tessaron " + std::to_string(info->major) + "." + std::to_string(info->minor) + " (" +
-           info->commit + ")";
+    const std::string version = Platform::versionText();
+    return version.empty() ? "tessaron" : "tessaron " + version;
 }
 
 /// Refuses an empty text, such as that of a variable of a shell that is not set: it would count as

@@ -60,6 +60,12 @@ const char* nameOf(FileRole role) {
     return "map";
 }
 
+std::string reasonNotOpened(const std::string& path) {
+    std::error_code error = Platform::lastError();
+    if (!error) error = Platform::outputTarget(path).error;
+    return error ? error.message() : "it has no end to wait for";
+}
+
 /// Writes to the temporary file of an output, or to memory.
 class RunFiles::Stream final : public Io::OutputStream {
 public:
@@ -214,22 +220,14 @@ std::optional<Platform::InputFile> RunFiles::openInput(const std::string& path) 
         if (!isOwn) noteContent(file, *opened);
         return opened;
     }
-    noteNotOpened(path);
+    noteReason(path, reasonNotOpened(path));
     return opened;
-}
-
-/// Notes why the last call of the system did not open a file.
-void RunFiles::noteNotOpened(const std::string& path) {
-    const std::error_code error = Platform::lastError();
-    noteReason(path, error ? error.message() : "It has no end to wait for");
-    const Platform::OutputTarget target = Platform::outputTarget(path);
-    if (!error && target.error) noteFailure(path, target.error);
 }
 
 std::optional<Platform::InputFile> RunFiles::openKey(const std::string& path) {
     Platform::clearLastError();
     auto opened = Platform::InputFile::open(path);
-    if (!opened) noteNotOpened(path);
+    if (!opened) noteReason(path, reasonNotOpened(path));
     Platform::keepFromPrograms(Platform::outputTarget(path).descriptor);
     return opened;
 }

@@ -38,6 +38,9 @@ enum class FileRole : std::uint8_t {
 /// "script", "input", "dependency file" and so on.
 const char* nameOf(FileRole role);
 
+/// Why the last call of the system did not open the file at the path for reading.
+std::string reasonNotOpened(const std::string& path);
+
 /// The files of a run. Each is one object, known by its place and not by the spelling of its path:
 /// its spellings and roles, what was read of it, and what is written to it.
 ///
@@ -203,7 +206,6 @@ private:
     bool keepsInMemory(const Platform::OutputTarget& target) const;
     void noteReason(const std::string& path, std::string reason);
     void noteFailure(const std::string& path, std::error_code error);
-    void noteNotOpened(const std::string& path);
     std::optional<Failure> putInPlace(const std::vector<Output*>& files,
                                       const std::vector<Output*>& devices);
 

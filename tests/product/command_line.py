@@ -240,6 +240,9 @@ class CommandLines(unittest.TestCase):
                 ("none.tsn", "the script none.tsn: No such file or directory [cannot-open]")):
             self.assertIn(words, run("run", script, code=1))
         self.assertIn(endless, run("info", "pipe", code=1).lower())
+        pathlib.Path("odd.tsn").write_text("PRINT_TEXT {good}\n")
+        for option in ("--manifest", "--sbom", "--checksums"):
+            self.assertIn(endless, run("check", "odd.tsn", option, "pipe", code=1))
 
     def test_little_stack(self):
         def little():
