@@ -132,14 +132,14 @@ private:
         const std::string path = program_->pathOf(part);
         const auto collision = files_->name(path, role);
         if (collision) {
-            reports_.report(Kind::SameFile, wordsFor(*collision, path, role), part,
-                            "one would overwrite the other");
+            reports_.reportPart(Kind::SameFile, wordsFor(*collision, path, role), part,
+                                "one would overwrite the other");
             return false;
         }
         const std::string input = role == FileRole::Output ? files_->inputNamed(path) : "";
         if (meaning_ && !input.empty())
-            reports_.report(Kind::InPlace, "the output replaces the input " + input, part,
-                            "give the output a name of its own");
+            reports_.reportPart(Kind::InPlace, "the output replaces the input " + input, part,
+                                "give the output a name of its own");
         return true;
     }
 
@@ -300,10 +300,9 @@ private:
     bool readKeys() {
         const std::string& file = options_.passphraseFile;
         if (!file.empty()) {
-            if (auto read = readPassphrase(file, files_, *printer_))
-                passphrase_.emplace(std::move(*read));
-            else
-                return false;
+            auto read = readPassphrase(file, files_, *printer_);
+            if (!read) return false;
+            passphrase_.emplace(std::move(*read));
         }
         return documents_.readKey(passphrase(), files_, *printer_);
     }
