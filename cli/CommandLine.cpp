@@ -272,6 +272,7 @@ void define(Request& request, const std::string& text) {
 void apply(Request& request, const Texts& texts) {
     for (const std::string& text : texts.definitions) define(request, text);
     for (const std::string& text : texts.operands) define(request, text);
+    request.formatting.variables = request.run.variables;
     const auto set = [&request](const std::vector<std::string>& names, Strict::Severity severity) {
         for (const std::string& name : names)
             if (const std::string fault = request.policy.set(name, severity); !fault.empty())
@@ -486,6 +487,24 @@ void addConvert(CLI::App& app, Request& request, Texts& texts) {
     convert->parse_complete_callback([&request] { request.command = Command::Convert; });
 }
 
+void addFormat(CLI::App& app, Request& request, Texts& texts) {
+    CLI::App* const format =
+        app.add_subcommand("format", "formats scripts: their blanks and line breaks, nothing else");
+    format->footer("Example: tessaron format --check release.tsn");
+    format
+        ->add_option("files", request.formatting.files,
+                     "the scripts; without one, standard input goes to standard output")
+        ->type_name("SCRIPT")
+        ->check(&faultIfEmpty);
+    format->add_option("-D,--define", texts.definitions, "a text replacement, as run takes it")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+    format->add_flag("--check", request.formatting.isCheck,
+                     "lists the scripts that are not formatted, and changes none");
+    addDisplay(*format, request, texts);
+    format->parse_complete_callback([&request] { request.command = Command::Format; });
+}
+
 /// Prints why the command line is refused, and returns the exit code.
 int refuse(std::string_view reason) {
     std::cerr << "tessaron: " << Util::printable(reason) << "\n"
@@ -622,6 +641,7 @@ int read(std::span<const char* const> arguments, Request& request) {
     addDiff(app, request, texts);
     addMap(app, request, texts);
     addConvert(app, request, texts);
+    addFormat(app, request, texts);
     std::string topic;
     addHelp(app, topic);
     if (const std::string fault = faultOfCommand(app, arguments); !fault.empty())

@@ -24,6 +24,8 @@ Strict::ExitCode execute(const CommandLine::Request& request, Strict::Printer& p
             return CommandLine::map(request.inspection, printer, std::cout);
         case CommandLine::Command::Convert:
             return CommandLine::convert(request.conversion, printer, std::cout);
+        case CommandLine::Command::Format:
+            return CommandLine::format(request.formatting, printer, std::cout);
         case CommandLine::Command::Run:
             break;
     }

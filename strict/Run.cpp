@@ -18,6 +18,7 @@
 #include "strict/ElfSymbols.hpp"
 #include "strict/ImageReading.hpp"
 #include "strict/IncludedFile.hpp"
+#include "strict/ProgramFiles.hpp"
 #include "strict/RunDocuments.hpp"
 #include "strict/RunListener.hpp"
 #include "strict/ScriptReading.hpp"
@@ -63,22 +64,7 @@ public:
     }
 
     /// Names the files of all statements. False if two that exclude each other have one place.
-    bool nameFiles() {
-        bool isGood = true;
-        for (const Parser::Statement& statement : program_->statements()) {
-            reports_.enter(statement);
-            for (const Parser::Role role : {Parser::Role::InputFile, Parser::Role::Template})
-                if (const auto* const input = statement.last(role))
-                    isGood = nameFile(*input, FileRole::Input) && isGood;
-            if (const auto* const key = statement.last(Parser::Role::KeyFile))
-                isGood = nameFile(*key, FileRole::Key) && isGood;
-            for (const Parser::Part& input : statement.all(Parser::Role::SymbolFile))
-                isGood = nameFile(input, FileRole::Input) && isGood;
-            if (const auto* const output = statement.last(Parser::Role::OutputFile))
-                isGood = nameFile(*output, FileRole::Output) && isGood;
-        }
-        return isGood;
-    }
+    bool nameFiles() { return nameFilesOf(*program_, meaning_.has_value(), *files_, reports_); }
 
     /// Names what is at the addresses of images, in diagnostics. False after a diagnostic.
     bool readNames(const std::string& path) {
@@ -126,23 +112,6 @@ public:
     const Provenance& provenance() const { return provenance_; }
 
 private:
-    /// Names the file that the part names. An output may replace an input that a statement before
-    /// it reads.
-    bool nameFile(const Parser::Part& part, FileRole role) {
-        const std::string path = program_->pathOf(part);
-        const auto collision = files_->name(path, role);
-        if (collision) {
-            reports_.reportPart(Kind::SameFile, wordsFor(*collision, path, role), part,
-                                "one would overwrite the other");
-            return false;
-        }
-        const std::string input = role == FileRole::Output ? files_->inputNamed(path) : "";
-        if (meaning_ && !input.empty())
-            reports_.reportPart(Kind::InPlace, "the output replaces the input " + input, part,
-                                "give the output a name of its own");
-        return true;
-    }
-
     /// Executes the statement of that number.
     bool execute(std::size_t number) {
         const std::size_t before = printer_->errors();

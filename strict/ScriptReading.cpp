@@ -12,7 +12,6 @@
 #include "platform/Replace.hpp"
 #include "strict/IncludedFile.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
-#include "strict/script/ScriptAssembly.hpp"
 
 namespace Strict {
 
@@ -107,8 +106,14 @@ std::unique_ptr<ScriptText> ScriptReading::prepare(std::string text) {
     return nullptr;
 }
 
+ScriptFile ScriptReading::readFile(const std::string& path) {
+    auto text = edited_ ? edited_(path) : std::nullopt;
+    if (!text || files_->name(path, FileRole::IncludedFile)) return readIncluded(path, *files_);
+    return {std::move(text), Platform::soleFileAt(path), false, {}};
+}
+
 std::unique_ptr<ScriptText> ScriptReading::assemble(const std::string& name, std::string text) {
-    ScriptAssembly assembly([this](const std::string& path) { return readIncluded(path, *files_); },
+    ScriptAssembly assembly([this](const std::string& path) { return readFile(path); },
                             recipeFolders(), *sink_);
     const bool isStandardInput = options_->script == "-";
     ScriptFile script{std::move(text),
