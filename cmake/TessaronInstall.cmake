@@ -7,7 +7,7 @@ set(TESSARON_CONTACT "The Tessaron developers <developers@tessaron.invalid>"
 set(cmakeFiles ${CMAKE_INSTALL_DATAROOTDIR}/cmake/Tessaron)
 
 install(TARGETS CmdTessaron tessaron EXPORT TessaronProgram RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES CHANGELOG.md docs/CmdTessaronManual.txt docs/cmake.md docs/third-party.md
+install(FILES CHANGELOG.md docs/CmdTessaronManual.txt docs/third-party.md
         DESTINATION ${documents})
 install(DIRECTORY examples DESTINATION ${documents} PATTERN build EXCLUDE)
 install(DIRECTORY recipes/ DESTINATION ${recipes})

@@ -72,8 +72,7 @@ def tracked(folder):
 def from_source(documents, support):
     """Where the files of the source tree are that both platforms install unchanged."""
     places = {"%s/%s" % (documents, pathlib.Path(name).name): name
-              for name in ("CHANGELOG.md", "docs/CmdTessaronManual.txt", "docs/cmake.md",
-                           "docs/third-party.md")}
+              for name in ("CHANGELOG.md", "docs/CmdTessaronManual.txt", "docs/third-party.md")}
     places.update({"%s/%s" % (documents, name): name for name in tracked("examples")})
     places.update({"%s/%s" % (support, name): name
                    for folder in ("editors", "recipes") for name in tracked(folder)})
