@@ -75,12 +75,12 @@ TEST(SignatureKeyTest, AKeyIsRefusedForItsReason) {
                                    row.file == nullptr ? "" : pathOf(row.file)};
         Refusals refusals;
         const Facts::ListenerScope listening(refusals);
-        EXPECT_EQ(settings.signingKey(context).has_value(), !row.signing) << settings.keyFile;
-        EXPECT_EQ(settings.verifyingKey(context).has_value(), !row.verifying) << settings.keyFile;
+        EXPECT_EQ(settings.signingKey(context).has_value(), !row.signing) << *settings.keyFile;
+        EXPECT_EQ(settings.verifyingKey(context).has_value(), !row.verifying) << *settings.keyFile;
         std::vector<KeyFault> expected;
         for (const auto& fault : {row.signing, row.verifying})
             if (fault) expected.push_back(*fault);
-        EXPECT_EQ(refusals.faults, expected) << settings.keyFile;
+        EXPECT_EQ(refusals.faults, expected) << *settings.keyFile;
     }
 }
 
