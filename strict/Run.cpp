@@ -199,6 +199,11 @@ bool checkInputs(RunFiles& files, DiagnosticSink& sink) {
     return changed.empty();
 }
 
+RunFiles::Mode modeOf(const RunOptions& options) {
+    if (!options.isCheck) return RunFiles::Mode::Disk;
+    return options.comparesDisk ? RunFiles::Mode::Comparison : RunFiles::Mode::Memory;
+}
+
 /// One run, from its options to its exit code.
 class Session {
 public:
@@ -206,11 +211,13 @@ public:
         : options_(options),
           printer_(&printer),
           output_(&output),
-          files_(options.isCheck ? RunFiles::Mode::Memory : RunFiles::Mode::Disk),
+          files_(modeOf(options)),
           documents_(options, printer.policy()),
           remarks_(printer.policy()) {
         if (!needsRecord()) return;
-        files_.keepDigests();
+        // The inputs are read once more in any case, to find out whether they have changed.
+        const bool hasDigests = documents_.areWanted() || !options_.report.empty();
+        files_.keepDigests(hasDigests ? RunFiles::DigestsOf::All : RunFiles::DigestsOf::Inputs);
         printer.copyTo(remarks_);
     }
 
