@@ -510,8 +510,10 @@ void addFormat(CLI::App& app, Request& request, Texts& texts) {
 void addServer(CLI::App& app, Request& request) {
     CLI::App* const server =
         app.add_subcommand("lsp", "serves an editor over standard input and output");
-    server->footer("It speaks the Language Server Protocol 3.17; the manual says how editors start it.");
-    server->add_flag_callback("--stdio", [] {}, "what it does anyway; some editors say it");
+    server->footer(
+        "It speaks the Language Server Protocol 3.17; the manual says how editors start it.");
+    server->add_flag_callback(
+        "--stdio", [] {}, "what it does anyway; some editors say it");
     server->parse_complete_callback([&request] { request.command = Command::Lsp; });
 }
 

@@ -41,9 +41,8 @@ std::size_t lastLineWith(std::string_view text, const std::vector<std::string_vi
         const std::size_t feed = end == 0 ? std::string_view::npos : text.rfind('\n', end - 1);
         const std::size_t line = feed == std::string_view::npos ? 0 : feed + 1;
         const std::size_t begin = std::min(text.find_first_not_of(" \t", line), text.size());
-        if (std::ranges::any_of(words, [&](std::string_view word) {
-                return text.substr(begin).starts_with(word);
-            }))
+        if (std::ranges::any_of(
+                words, [&](std::string_view word) { return text.substr(begin).starts_with(word); }))
             return begin;
         if (feed == std::string_view::npos) return text.size();
         end = feed;
@@ -55,30 +54,19 @@ struct Expected {
     std::vector<std::string_view> words;  ///< of the language, and descriptions
     std::optional<Role> role;             ///< what a word there would be to its statement
 
-    bool has(std::string_view word) const {
-        return std::ranges::find(words, word) != words.end();
-    }
+    bool has(std::string_view word) const { return std::ranges::find(words, word) != words.end(); }
 };
 
 class Grammar {
 public:
     /// @param statement  from its beginning up to the place in question
     Expected expectedAfter(const std::string& statement) {
-        Expected expected{wordsAfter(statement), std::nullopt};
-        const std::string text = statement + "x";
-        syntax_.state().expectations = nullptr;
-        syntax_.parse(text);
-        const Parser::StatementList& list = syntax_.state().statement.statements();
-        const char* const end = text.data() + text.size();
-        const auto look = [&](std::span<const Parser::Part> parts) {
-            for (const Parser::Part& part : parts)
-                if (part.role != Role::Keyword && !part.text.empty() &&
-                    part.text.data() + part.text.size() == end)
-                    expected.role = part.role;
-        };
-        if (!list.empty()) look(list[list.size() - 1].parts);
-        look(list.begun());
-        return expected;
+        // A text in braces or quotes is one once they are closed.
+        if (const char last = statement.empty() ? ' ' : statement.back();
+            last == '{' || last == '"' || last == '\'')
+            if (const auto role = roleAtEnd(statement + "x" + (last == '{' ? '}' : last)))
+                return {{}, role};
+        return {wordsAfter(statement), roleAtEnd(statement + "x")};
     }
 
     /// What would be there after the text. Empty if the text has an error.
@@ -89,6 +77,23 @@ public:
         syntax_.state().expectations = nullptr;
         return missed.furthest == text.data() + text.size() ? missed.words
                                                             : std::vector<std::string_view>();
+    }
+
+    /// What the part is to its statement with which the text ends.
+    std::optional<Role> roleAtEnd(const std::string& text) {
+        syntax_.parse(text);
+        const Parser::StatementList& list = syntax_.state().statement.statements();
+        const char* const end = text.data() + text.size();
+        std::optional<Role> role;
+        const auto look = [&](std::span<const Parser::Part> parts) {
+            for (const Parser::Part& part : parts)
+                if (part.role != Role::Keyword && !part.text.empty() &&
+                    part.text.data() + part.text.size() == end)
+                    role = part.role;
+        };
+        if (!list.empty()) look(list[list.size() - 1].parts);
+        look(list.begun());
+        return role;
     }
 
     bool isStatement(std::string_view word) const {
@@ -135,7 +140,9 @@ public:
 
     Completions find() {
         const std::vector<TextSpan> remarks = remarksIn(text_);
-        const auto isHere = [this](TextSpan one) { return one.at < offset_ && offset_ <= one.end(); };
+        const auto isHere = [this](TextSpan one) {
+            return one.at < offset_ && offset_ <= one.end();
+        };
         const auto hidden = substitutionsIn(text_, remarks);
         const bool isHidden =
             std::ranges::any_of(remarks, isHere) ||
@@ -172,14 +179,16 @@ private:
 
     bool findInInclude(std::string_view line) {
         const std::string_view rest = line.substr(Strict::includeWord.size());
-        const bool isOpen = rest.rfind('{') != std::string_view::npos &&
-                            (rest.rfind('}') == std::string_view::npos ||
-                             rest.rfind('}') < rest.rfind('{'));
+        const bool isOpen =
+            rest.rfind('{') != std::string_view::npos &&
+            (rest.rfind('}') == std::string_view::npos || rest.rfind('}') < rest.rfind('{'));
         const std::size_t with = rest.find("WITH");
         if (with != std::string_view::npos && isOpen) {
             const std::string_view last = trimmed(rest);
-            if (last.ends_with('{') || last.ends_with(',')) addParametersOf(pathIn(rest.substr(0, with)));
-            else addNames();
+            if (last.ends_with('{') || last.ends_with(','))
+                addParametersOf(pathIn(rest.substr(0, with)));
+            else
+                addNames();
             return true;
         }
         if (rest.find('\n') != std::string_view::npos) return false;
@@ -202,14 +211,16 @@ private:
     void addParametersOf(const std::string& path) {
         const std::string& name = script_->name();
         std::vector<std::string> candidates{name.substr(0, Platform::fileNameStart(name)) + path};
-        for (const std::string& folder : Strict::recipeFolders()) candidates.push_back(folder + path);
+        for (const std::string& folder : Strict::recipeFolders())
+            candidates.push_back(folder + path);
         for (const std::string& candidate : candidates) {
             const auto text = script_->textOf(candidate);
             if (!text) continue;
             const Strict::FileParts parts(*text, [](const Strict::PartFault& /*fault*/) {});
             for (std::size_t i = 0; i < parts.names().size(); ++i) {
                 const auto& value = parts.parameters()[i].value;
-                add(CompletionKind::Parameter, parts.names()[i], std::string(parts.names()[i]) + "=",
+                add(CompletionKind::Parameter, parts.names()[i],
+                    std::string(parts.names()[i]) + "=",
                     value ? "default " + std::string(value->in(*text)) : "needs a value");
             }
             return;
@@ -248,8 +259,7 @@ private:
         const std::size_t at = prepared.find(mark);
         if (at == std::string_view::npos) return;
         const std::string_view before = prepared.substr(0, at);
-        const std::string statement(
-            before.substr(lastLineWith(before, grammar_.statementWords())));
+        const std::string statement(before.substr(lastLineWith(before, grammar_.statementWords())));
         const Expected expected = grammar_.expectedAfter(statement);
         addWords(expected, statement);
         if (expected.role) addForRole(*expected.role);
@@ -259,8 +269,8 @@ private:
     void addWords(const Expected& expected, const std::string& statement) {
         bool takesStatement = false;
         for (const std::string_view word : expected.words) {
-            const bool isWord = word.find(' ') == std::string_view::npos &&
-                                (word.size() > 1) && word != "CALCULATE";
+            const bool isWord = word.find(' ') == std::string_view::npos && (word.size() > 1) &&
+                                word != "CALCULATE";
             if (!isWord) continue;
             if (grammar_.isStatement(word))
                 takesStatement = true;
@@ -296,13 +306,17 @@ private:
             addFormat(*format);
             return;
         }
-        const std::vector<std::string_view> next = grammar_.wordsAfter(statement + std::string(word));
+        const std::vector<std::string_view> next =
+            grammar_.wordsAfter(statement + std::string(word));
         const auto goesOnWith = [&](std::string_view sign) {
             return std::ranges::find(next, sign) != next.end();
         };
         if (word == "Catalogue") addCatalogue();
-        const std::string text =
-            std::string(word) + (goesOnWith("=") ? "=" : goesOnWith("{") && next.size() == 1 ? "{" : "");
+        std::string text(word);
+        if (goesOnWith("="))
+            text += '=';
+        else if (goesOnWith("{") && statement.ends_with('='))
+            text += '{';
         const bool isOption = word.starts_with('-');
         std::string detail = isOption ? "" : descriptionOfType(word);
         add(isOption ? CompletionKind::Option : CompletionKind::Word, word, text, detail);
@@ -317,8 +331,8 @@ private:
 
     void addFormat(const ExportFormat& format) {
         const std::string keyword = format.keyword;
-        const bool needsMore = format.numberForm == FormatNumber::Required ||
-                               format.numberForm == FormatNumber::Named;
+        const bool needsMore =
+            format.numberForm == FormatNumber::Required || format.numberForm == FormatNumber::Named;
         add(CompletionKind::Word, keyword, keyword + (needsMore ? "_" : ""), format.meaning);
         if (format.numberForm != FormatNumber::Named) return;
         for (const Io::NamedNumber& name : format.names())

@@ -90,7 +90,8 @@ std::string fileText(const std::string& path) {
     constexpr std::size_t shown = 4;
     for (std::size_t i = 0; i < std::min(areas.size(), shown); ++i)
         text += "\n- " + areaText(areas[i]);
-    if (areas.size() > shown) text += "\n- " + Inspect::grouped(areas.size() - shown) + " more areas";
+    if (areas.size() > shown)
+        text += "\n- " + Inspect::grouped(areas.size() - shown) + " more areas";
     return text;
 }
 
@@ -103,9 +104,8 @@ public:
     std::optional<Hover> answer() const {
         const std::string_view text = script_->text();
         const std::vector<TextSpan> remarks = remarksIn(text);
-        if (std::ranges::any_of(remarks, [this](TextSpan one) {
-                return one.at <= offset_ && offset_ < one.end();
-            }))
+        if (std::ranges::any_of(
+                remarks, [this](TextSpan one) { return one.at <= offset_ && offset_ < one.end(); }))
             return std::nullopt;
         const Mention* const mention = mentions_->at(0, offset_);
         if (mention != nullptr && mention->thing == Thing::Parameter)
@@ -141,9 +141,9 @@ private:
             const std::size_t reach = std::min(offset_, name.size() - 1);
             const std::size_t at = text.find(name, offset_ - reach);
             if (at == std::string_view::npos || at > offset_) continue;
-            found = Hover{{at, name.size()},
-                          "**variable** " + code(name) + "\n\nIt is replaced by " +
-                              code(one.value) + "."};
+            found = Hover{
+                {at, name.size()},
+                "**variable** " + code(name) + "\n\nIt is replaced by " + code(one.value) + "."};
         }
         return found;
     }
@@ -155,7 +155,8 @@ private:
         const auto [statement, number] = statementMaking(mention);
         if (mention.thing == Thing::Image) {
             const auto range = ImageRanges(script_->analysis()).rangeOf(mention.name);
-            text += "\n\n" + (range ? areaText(*range) : "The range is known when the script runs.");
+            text +=
+                "\n\n" + (range ? areaText(*range) : "The range is known when the script runs.");
         } else if (number && mention.thing != Thing::Signature) {
             const auto& command = *script_->analysis().commands()[*number];
             text += "\n\n" + descriptionOf(static_cast<const CmdNewValue&>(command).algorithm());
@@ -166,7 +167,8 @@ private:
         const auto line = std::count(
             file.begin(), file.begin() + static_cast<std::ptrdiff_t>(making->where.where.at), '\n');
         return text + "\n\nMade in line " + std::to_string(line + 1) +
-               (making->where.file == 0 ? "" : " of " + code(script_->fileName(making->where.file))) +
+               (making->where.file == 0 ? ""
+                                        : " of " + code(script_->fileName(making->where.file))) +
                ".";
     }
 

@@ -97,8 +97,13 @@ const char* wordFor(Thing thing) {
 
 Mentions::Mentions(const Script& script) {
     if (script.prepared() != nullptr) addStatements(script);
+    sort();
     addParameters(script);
-    // A file that is included several times has each place once for each name.
+    sort();
+}
+
+/// A file that is included several times has each place once for each name.
+void Mentions::sort() {
     const auto order = [](const Mention& one, const Mention& other) {
         if (one.where != other.where) return one.where < other.where;
         if (one.thing != other.thing) return one.thing > other.thing;
@@ -131,8 +136,10 @@ void Mentions::addParameters(const Script& script) {
         const auto add = [&](std::string_view name, TextSpan where, bool isMaking) {
             all_.push_back({Thing::Parameter, std::string(name), file, {file, where}, isMaking});
         };
-        for (std::size_t i = 0; i < parts.parameters().size(); ++i)
+        for (std::size_t i = 0; i < parts.parameters().size(); ++i) {
             add(parts.names()[i], parts.parameters()[i].name, true);
+            if (const auto& value = parts.parameters()[i].value) addValue(script, file, *value);
+        }
         for (const Strict::FileParts::Item& item : parts.items())
             if (item.what == Strict::FileParts::Item::What::Value)
                 add(parts.names()[item.index], item.where, false);
@@ -142,6 +149,7 @@ void Mentions::addParameters(const Script& script) {
             for (const auto& argument : include.arguments)
                 for (const Strict::NamedWord& word : parts.wordsIn(argument.value))
                     add(parts.names()[word.name], word.where, false);
+            for (const auto& argument : include.arguments) addValue(script, file, argument.value);
         }
     }
     if (script.prepared() == nullptr) return;
@@ -151,9 +159,9 @@ void Mentions::addParameters(const Script& script) {
         const Strict::Inclusion& inclusion = sources.inclusion(number);
         const std::size_t outer = sources.inclusion(*inclusion.outer).file;
         const auto& includes = files[outer].includes();
-        const auto directive = std::ranges::find(
-            includes, inclusion.directive.at,
-            [](const Strict::IncludeDirective& one) { return one.whole.at; });
+        const auto directive =
+            std::ranges::find(includes, inclusion.directive.at,
+                              [](const Strict::IncludeDirective& one) { return one.whole.at; });
         if (directive == includes.end()) continue;
         for (const auto& argument : directive->arguments)
             all_.push_back({Thing::Parameter,
@@ -161,6 +169,39 @@ void Mentions::addParameters(const Script& script) {
                             inclusion.file,
                             {outer, argument.name}});
     }
+}
+
+/// The value of a parameter may be the name of things.
+void Mentions::addValue(const Script& script, std::size_t file, TextSpan where) {
+    const std::string_view name = where.in(script.fileText(file));
+    for (const Thing thing : {Thing::Image, Thing::Crc, Thing::Hash, Thing::Signature}) {
+        const auto isMade = std::ranges::any_of(all_, [&](const Mention& one) {
+            return one.thing == thing && one.isMaking && one.name == name;
+        });
+        if (isMade) all_.push_back({thing, std::string(name), 0, {file, where}, false, true, true});
+    }
+}
+
+std::vector<Mention> Mentions::toRename(const Mention& mention) const {
+    std::vector<Mention> all = ofSame(mention);
+    const bool hasValue = std::ranges::any_of(all, &Mention::isValue);
+    if (hasValue) {
+        all.clear();
+        for (const Mention& one : all_)
+            if (one.thing != Thing::Parameter && one.name == mention.name) all.push_back(one);
+    }
+    // What comes from the value of a parameter changes with it.
+    std::erase_if(all, [&](const Mention& one) {
+        return hasValue && !one.isWritten && std::ranges::any_of(all_, [&](const Mention& word) {
+                   return word.thing == Thing::Parameter && word.where == one.where;
+               });
+    });
+    // Several things may have one value for their names.
+    const auto isAtSame = [](const Mention& one, const Mention& other) {
+        return one.where == other.where;
+    };
+    all.erase(std::unique(all.begin(), all.end(), isAtSame), all.end());
+    return all;
 }
 
 const Mention* Mentions::at(std::size_t file, std::size_t offset) const {
@@ -200,11 +241,16 @@ std::string obstacleToRename(const Script& script, const Mentions& mentions, con
     const std::vector<std::string> keywords = Parser::keywords();
     if (std::ranges::find(keywords, name) != keywords.end())
         return name + " is a word of the language";
+    const std::vector<Mention> places = mentions.toRename(mention);
     for (const Mention& one : mentions.all()) {
-        if (one.thing == mention.thing && one.owner == mention.owner && one.name == name)
-            return std::string("there is already ") + (mention.thing == Thing::Image ? "an " : "a ") +
-                   wordFor(mention.thing) + " called " + name;
-        if (!one.isOfSame(mention)) continue;
+        const auto isTaken = [&](const Mention& place) {
+            return one.thing == place.thing && one.owner == place.owner && one.name == name;
+        };
+        if (std::ranges::any_of(places, isTaken))
+            return std::string("there is already ") + (one.thing == Thing::Image ? "an " : "a ") +
+                   wordFor(one.thing) + " called " + name;
+    }
+    for (const Mention& one : places) {
         const std::string& file = script.fileName(one.where.file);
         if (!one.isWritten) return "a variable or a parameter gives this name in " + file;
         for (const std::string& folder : Strict::recipeFolders())

@@ -23,8 +23,9 @@ struct Mention {
     std::size_t owner = 0;  ///< of a parameter: the file that declares it
     FilePlace where;
     bool isMaking = false;  ///< the thing is made, or declared, here
-    /// The file has the name itself here, and not that of a variable.
+    /// The file has the name itself here, and not that of a variable or parameter.
     bool isWritten = true;
+    bool isValue = false;  ///< it is the value of a parameter
 
     bool isOfSame(const Mention& other) const {
         return thing == other.thing && name == other.name && owner == other.owner;
@@ -45,12 +46,18 @@ public:
     /// Those of the same thing.
     std::vector<Mention> ofSame(const Mention& mention) const;
 
+    /// The places that have to change for the thing to have another name: with the value of a
+    /// parameter, all that has the same name by it.
+    std::vector<Mention> toRename(const Mention& mention) const;
+
     /// Where the thing is made: the first place, or null.
     const Mention* makingOf(const Mention& mention) const;
 
 private:
     void addStatements(const Script& script);
     void addParameters(const Script& script);
+    void addValue(const Script& script, std::size_t file, TextSpan where);
+    void sort();
 
     std::vector<Mention> all_;
 };

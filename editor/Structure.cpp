@@ -4,6 +4,7 @@
 #include <array>
 #include <set>
 #include <string_view>
+#include <utility>
 
 #include "editor/Lexis.hpp"
 #include "parser/commands/LateNumber.hpp"
@@ -116,7 +117,9 @@ private:
 /// Marks the words and numbers of a statement that no part of it says.
 class WordMarks {
 public:
-    explicit WordMarks(Marks& marks) : marks_(&marks) {
+    /// @param variables  the names of substitutions
+    WordMarks(Marks& marks, std::set<std::string_view> variables)
+        : marks_(&marks), variables_(std::move(variables)) {
         for (std::string& word : Parser::keywords()) keywords_.insert(std::move(word));
         for (const auto& function : Parser::WrapperLib::numberFunctions())
             functions_.insert(function.keyword);
@@ -150,6 +153,8 @@ private:
     void mark(std::string_view word, TextSpan where) {
         if (Parser::isDigit(word.front()))
             marks_->add(where, TokenKind::Number);
+        else if (variables_.contains(word))
+            marks_->add(where, TokenKind::Variable);
         else if (word.front() == '-')
             marks_->add(where, TokenKind::Option);
         else if (functions_.contains(word))
@@ -161,6 +166,7 @@ private:
     }
 
     Marks* marks_;
+    std::set<std::string_view> variables_;
     std::set<std::string, std::less<>> keywords_;
     std::set<std::string_view> functions_;
 };
@@ -192,8 +198,7 @@ void markStatement(Marks& marks, WordMarks& words, const Script& script,
     for (const Part& part : statement.parts) {
         const auto kind = kindOf(part.role);
         const auto place = ownPlaceOf(script, part.text);
-        const bool isMaking =
-            part.role == Role::MakesImage || Parser::makesValue.has(part.role);
+        const bool isMaking = part.role == Role::MakesImage || Parser::makesValue.has(part.role);
         if (kind && place) marks.add(*place, *kind, isMaking);
         if (part.role == Role::Type && place &&
             part.text.find_first_of("{ \n") == std::string_view::npos)
@@ -267,7 +272,9 @@ std::vector<Token> tokensOf(const Script& script, const Mentions& mentions) {
     Marks marks(text);
     const std::vector<TextSpan> remarks = remarksIn(text);
     for (const TextSpan& remark : remarks) marks.add(remark, TokenKind::Remark);
+    std::set<std::string_view> variables;
     for (const Substitution& one : substitutionsIn(text, remarks)) {
+        variables.insert(one.name.in(text));
         constexpr std::string_view word = "SUBSTITUTE";
         constexpr std::string_view with = "WITH";
         marks.add({one.whole.at, word.size()}, TokenKind::Keyword);
@@ -282,7 +289,7 @@ std::vector<Token> tokensOf(const Script& script, const Mentions& mentions) {
             marks.add(mention.where.where, TokenKind::Parameter, mention.isMaking);
     markDirectives(marks, text);
     if (script.prepared() == nullptr) return marks.take();
-    WordMarks words(marks);
+    WordMarks words(marks, std::move(variables));
     for (const Statement& statement : script.analysis().statements())
         markStatement(marks, words, script, statement);
     for (const Strict::BrokenText& broken : script.analysis().broken())

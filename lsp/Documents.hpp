@@ -29,7 +29,7 @@ public:
     const Editor::Text& text() const { return text_; }
 
     std::optional<std::int64_t> version;
-    bool isDue = true;  ///< its diagnostics have not been sent since it changed
+    bool isDue = true;       ///< its diagnostics have not been sent since it changed
     bool isTooLong = false;  ///< its text is not kept
 
 private:

@@ -7,8 +7,8 @@ namespace Lsp {
 namespace {
 
 /// By `Editor::TokenKind`.
-constexpr std::array names{"comment",  "keyword",   "decorator", "function",   "variable", "property",
-                           "parameter", "macro",    "enumMember", "number",    "string"};
+constexpr std::array names{"comment",   "keyword", "decorator",  "function", "variable", "property",
+                           "parameter", "macro",   "enumMember", "number",   "string"};
 
 }  // namespace
 

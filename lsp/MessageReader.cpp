@@ -95,7 +95,8 @@ std::size_t MessageReader::lengthIn(std::string_view header) {
         value = value.substr(0, value.find("\r\n"));
         value.remove_prefix(std::min(value.find_first_not_of(' '), value.size()));
         std::size_t number = 0;
-        const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
+        const auto [end, error] =
+            std::from_chars(value.data(), value.data() + value.size(), number);
         const bool isNumber = end == value.data() + value.size() && end != value.data();
         if (isNumber && error == std::errc() && number < none) length = number;
     }

@@ -31,8 +31,10 @@ public:
     /// Takes the next thing off the bytes.
     Outcome next(std::string& message);
 
-    /// A message has begun and has not arrived as a whole.
-    bool isWithin() const { return length_ != none || toSkip_ != 0 || !buffer_.empty(); }
+    /// Bytes have arrived of which `next` has not told: a message that is not whole, or garbage.
+    bool isWithin() const {
+        return length_ != none || toSkip_ != 0 || hasSkipped_ || !buffer_.empty();
+    }
 
 private:
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
@@ -42,10 +44,10 @@ private:
     static std::size_t lengthIn(std::string_view header);
 
     std::string buffer_;
-    std::size_t length_ = none;   ///< of the message that has begun
-    std::size_t toSkip_ = 0;      ///< bytes of one that is too long
-    bool isSkipping_ = false;     ///< garbage, up to the next header
-    bool hasSkipped_ = false;     ///< garbage that was not reported
+    std::size_t length_ = none;  ///< of the message that has begun
+    std::size_t toSkip_ = 0;     ///< bytes of one that is too long
+    bool isSkipping_ = false;    ///< garbage, up to the next header
+    bool hasSkipped_ = false;    ///< garbage that was not reported
 };
 
 }  // namespace Lsp

@@ -162,8 +162,8 @@ void Session::notice(const std::string& method, const Json& params) {
         const Json& own = memberOf(settings, "/tessaron");
         configure(own.is_null() ? settings : own);
     }
-    const bool isOfFiles = method == "workspace/didChangeWatchedFiles" ||
-                           method == "textDocument/didSave";
+    const bool isOfFiles =
+        method == "workspace/didChangeWatchedFiles" || method == "textDocument/didSave";
     if (isOfFiles) documents_.forgetAll();
 }
 

@@ -78,13 +78,15 @@ private:
     Json related(const Document& document, const Editor::Script& script,
                  const Strict::Diagnostic& diagnostic) const;
 
-    /// The mentions of what is at a place, in all scripts that are open, by their files.
+    /// The mentions of what is at a place, in all scripts that are open.
+    ///
+    /// @param isRename  those that have to change if it gets another name
     struct Found {
         Json location;
         std::string name;
         bool isMaking;
     };
-    std::vector<Found> mentionsAt(const Place& place);
+    std::vector<Found> mentionsAt(const Place& place, bool isRename = false);
     std::string uriOfFile(const Editor::Script& script, std::size_t file) const;
     Json locationOf(const Editor::Script& script, std::size_t file, Editor::TextSpan where) const;
 

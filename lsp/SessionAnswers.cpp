@@ -60,12 +60,13 @@ Json Session::hover(const Json& params) {
             {"range", rangeOf(place.document->text(), found->where, encoding_)}};
 }
 
-std::vector<Session::Found> Session::mentionsAt(const Place& place) {
+std::vector<Session::Found> Session::mentionsAt(const Place& place, bool isRename) {
     std::vector<Found> all;
     for (const Documents::Part& part : documents_.partsOf(*place.document)) {
         const Editor::Mention* const here = part.mentions->at(part.file, place.offset);
         if (here == nullptr) continue;
-        for (const Editor::Mention& one : part.mentions->ofSame(*here)) {
+        for (const Editor::Mention& one :
+             isRename ? part.mentions->toRename(*here) : part.mentions->ofSame(*here)) {
             Json location = locationOf(*part.script, one.where.file, one.where.where);
             const auto isKnown = std::ranges::any_of(
                 all, [&](const Found& other) { return other.location == location; });
@@ -96,8 +97,8 @@ Json Session::highlights(const Json& params) {
     Json list = Json::array();
     for (const Found& found : mentionsAt(place))
         if (found.location["uri"] == place.document->uri())
-            list.push_back({{"range", found.location["range"]},
-                            {"kind", found.isMaking ? writing : reading}});
+            list.push_back(
+                {{"range", found.location["range"]}, {"kind", found.isMaking ? writing : reading}});
     return list;
 }
 
@@ -118,14 +119,14 @@ Json Session::rename(const Json& params) {
         const Editor::Mention* const here = part.mentions->at(part.file, place.offset);
         if (here == nullptr) continue;
         const std::string obstacle =
-            here->name == name ? ""
-                               : obstacleToRename(*part.script, *part.mentions, *here, name);
+            here->name == name ? "" : obstacleToRename(*part.script, *part.mentions, *here, name);
         if (!obstacle.empty()) throw Refusal{ErrorCode::RequestFailed, obstacle};
     }
     Json changes = Json::object();
-    for (const Found& found : mentionsAt(place))
-        changes[found.location["uri"].get<std::string>()].push_back(
-            {{"range", found.location["range"]}, {"newText", name}});
+    for (const Found& found : mentionsAt(place, true)) {
+        Json& edits = changes[found.location["uri"].get<std::string>()];
+        edits.push_back({{"range", found.location["range"]}, {"newText", name}});
+    }
     return {{"changes", std::move(changes)}};
 }
 
@@ -134,7 +135,8 @@ Json Session::outline(const Json& params) {
     const Document& document = documentOf(params);
     Json list = Json::array();
     for (const Editor::OutlineEntry& one : Editor::outlineOf(*script)) {
-        Json entry{{"name", one.name}, {"kind", outlineKinds.at(static_cast<std::size_t>(one.kind))}};
+        Json entry{{"name", one.name},
+                   {"kind", outlineKinds.at(static_cast<std::size_t>(one.kind))}};
         const Json range = rangeOf(document.text(), one.whole, encoding_);
         if (takesTree_) {
             entry["range"] = range;
@@ -165,8 +167,7 @@ Json Session::tokens(const Json& params) {
     Document& document = documentOf(params);
     std::vector<std::size_t> data;
     Editor::Position last;
-    for (const Editor::Token& token :
-         Editor::tokensOf(*script, *documents_.mentions(document))) {
+    for (const Editor::Token& token : Editor::tokensOf(*script, *documents_.mentions(document))) {
         const Editor::TextSpan raw = document.text().rawOf(token.where);
         const Editor::Position begin = document.text().positionOf(raw.at, encoding_);
         const Editor::Position end = document.text().positionOf(raw.end(), encoding_);

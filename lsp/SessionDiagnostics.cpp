@@ -73,8 +73,8 @@ Json Session::related(const Document& document, const Editor::Script& script,
                               {"range", rangeOf(document.text(), found->where, encoding_)}}},
                             {"message", text}});
         else
-            list.push_back({{"location", locationOf(script, found->file, found->where)},
-                            {"message", text}});
+            list.push_back(
+                {{"location", locationOf(script, found->file, found->where)}, {"message", text}});
     };
     if (diagnostic.place && diagnostic.place->file != script.name())
         add(diagnostic.text, *diagnostic.place);
@@ -134,12 +134,11 @@ Json Session::codeActions(const Json& params) {
         if (!isThere || where.at > to || where.end() < from) continue;
         for (const std::string& right : correction->right) {
             const Json edit = editOf(text, {where, right}, encoding_);
-            actions.push_back(
-                {{"title", "Write " + right},
-                 {"kind", "quickfix"},
-                 {"diagnostics", {diagnosticOf(document, *script, finding)}},
-                 {"isPreferred", correction->right.size() == 1},
-                 {"edit", {{"changes", {{document.uri(), Json::array({edit})}}}}}});
+            actions.push_back({{"title", "Write " + right},
+                               {"kind", "quickfix"},
+                               {"diagnostics", {diagnosticOf(document, *script, finding)}},
+                               {"isPreferred", correction->right.size() == 1},
+                               {"edit", {{"changes", {{document.uri(), Json::array({edit})}}}}}});
         }
     }
     return actions;

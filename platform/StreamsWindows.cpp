@@ -91,8 +91,7 @@ bool showsUnicode() {
 
 std::size_t readInput(std::span<char> bytes) {
     for (FILE* const stream : {stdin, stdout}) ::_setmode(::_fileno(stream), _O_BINARY);
-    const int count =
-        ::_read(::_fileno(stdin), bytes.data(), static_cast<unsigned>(bytes.size()));
+    const int count = ::_read(::_fileno(stdin), bytes.data(), static_cast<unsigned>(bytes.size()));
     return count < 0 ? 0 : static_cast<std::size_t>(count);
 }
 
