@@ -505,6 +505,16 @@ void addFormat(CLI::App& app, Request& request, Texts& texts) {
     format->parse_complete_callback([&request] { request.command = Command::Format; });
 }
 
+void addServer(CLI::App& app, Request& request) {
+    CLI::App* const server =
+        app.add_subcommand("lsp", "serves an editor over standard input and output");
+    server->footer(
+        "It speaks the Language Server Protocol 3.17; the manual says how editors start it.");
+    server->add_flag_callback(
+        "--stdio", [] {}, "what it does anyway; some editors say it");
+    server->parse_complete_callback([&request] { request.command = Command::Lsp; });
+}
+
 /// Prints why the command line is refused, and returns the exit code.
 int refuse(std::string_view reason) {
     std::cerr << "tessaron: " << Util::printable(reason) << "\n"
@@ -642,6 +652,7 @@ int read(std::span<const char* const> arguments, Request& request) {
     addMap(app, request, texts);
     addConvert(app, request, texts);
     addFormat(app, request, texts);
+    addServer(app, request);
     std::string topic;
     addHelp(app, topic);
     if (const std::string fault = faultOfCommand(app, arguments); !fault.empty())

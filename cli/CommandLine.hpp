@@ -14,7 +14,7 @@
 /// The command line of `tessaron`.
 namespace CommandLine {
 
-enum class Command : unsigned char { Run, Info, Diff, Map, Convert, Format };
+enum class Command : unsigned char { Run, Info, Diff, Map, Convert, Format, Lsp };
 
 enum class Color : unsigned char { Auto, Always, Never };
 

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "cli/CommandLine.hpp"
+#include "lsp/Server.hpp"
 #include "platform/Arguments.hpp"
 #include "platform/Limits.hpp"
 #include "platform/Streams.hpp"
@@ -26,6 +27,8 @@ Strict::ExitCode execute(const CommandLine::Request& request, Strict::Printer& p
             return CommandLine::convert(request.conversion, printer, std::cout);
         case CommandLine::Command::Format:
             return CommandLine::format(request.formatting, printer, std::cout);
+        case CommandLine::Command::Lsp:
+            return Lsp::serve(std::cout, std::cerr);
         case CommandLine::Command::Run:
             break;
     }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/Files.hpp"
 #include "platform/Paths.hpp"
 #include "strict/script/FileParts.hpp"
 
@@ -164,6 +165,15 @@ const std::string& Script::fileName(std::size_t file) const {
 
 std::string_view Script::fileText(std::size_t file) const {
     return file == 0 ? std::string_view(text_) : prepared()->sources().files()[file].text();
+}
+
+std::optional<std::string> Script::textOf(const std::string& path) const {
+    if (auto text = edited_(path)) return text;
+    if (!Platform::isRegularFile(path)) return std::nullopt;
+    auto contents = Platform::readFile(path);
+    if (!contents) return std::nullopt;
+    Platform::translateText(*contents);
+    return std::string(contents->text());
 }
 
 std::optional<FilePlace> Script::placeOf(const Strict::Place& place) const {

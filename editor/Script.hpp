@@ -108,8 +108,15 @@ public:
     const std::string& fileName(std::size_t file) const;
     std::string_view fileText(std::size_t file) const;
 
+    /// The text of another file, as an editor has it or as it is on disk; nothing if there is none.
+    std::optional<std::string> textOf(const std::string& path) const;
+
     /// The span of a diagnostic's place in a file of the script; nothing if that is none of them.
     std::optional<FilePlace> placeOf(const Strict::Place& place) const;
+
+    /// What the script was analysed with.
+    const Settings& settings() const { return settings_; }
+    const EditedText& edited() const { return edited_; }
 
     /// What a completion asks about: the same script with another text.
     KnownScript known(std::string text) const {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// What paths of the operating system mean.
 namespace Platform {
@@ -20,6 +21,19 @@ inline std::string systemPath(std::string_view text) {
 
 /// The path leads to a regular file.
 bool isRegularFile(const std::string& path);
+
+/// A file or a folder in a folder.
+struct FolderEntry {
+    std::string name;
+    bool isFolder = false;
+};
+
+/// The first `most` entries of a folder, in no order; none if it cannot be read. An empty path is
+/// the current folder.
+std::vector<FolderEntry> entriesOf(const std::string& folder, std::size_t most);
+
+/// The absolute path of what is at a path, without "." and ".." in it.
+std::string absolutePath(const std::string& path);
 
 /// The path without what depends on where the folders of the user are: an absolute path as seen
 /// from the current folder, with '/' between folders; any other one unchanged.
