@@ -1,4 +1,5 @@
-// Prints the kinds of diagnostics with what they count as and when they are reported, separated by tabs.
+// Prints the kinds of diagnostics with what they count as and when they are reported, separated by
+// tabs.
 
 #include <iostream>
 
