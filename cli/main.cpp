@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <cstddef>
 #include <exception>
 #include <iostream>
 #include <new>
 #include <span>
+#include <string>
 
 #include "cli/CommandLine.hpp"
 #include "lsp/Server.hpp"
@@ -10,6 +12,7 @@
 #include "platform/Limits.hpp"
 #include "platform/Streams.hpp"
 #include "strict/Run.hpp"
+#include "strict/diagnostics/Kinds.hpp"
 #include "strict/diagnostics/Printer.hpp"
 #include "util/Printable.hpp"
 
@@ -35,6 +38,16 @@ Strict::ExitCode execute(const CommandLine::Request& request, Strict::Printer& p
     return Strict::run(request.run, printer, std::cout);
 }
 
+/// Names the pages about what was printed, as a command that prints them: a line for the first few.
+void namePages(std::span<const Strict::Kind> kinds) {
+    constexpr std::size_t most = 4;
+    if (kinds.empty()) return;
+    std::string line = "more: tessaron help";
+    for (const Strict::Kind kind : kinds.first(std::min(kinds.size(), most)))
+        line.append(" ").append(Strict::nameOf(kind));
+    std::cerr << line + "\n" << std::flush;
+}
+
 int run(std::span<const char* const> arguments) {
     CommandLine::Request request;
     const int code = CommandLine::read(arguments, request);
@@ -54,6 +67,7 @@ int run(std::span<const char* const> arguments) {
         isAuto ? Platform::showsColor(Platform::StandardStream::Output) : hasColor;
     const Strict::ExitCode result = execute(request, printer);
     printer.finish();
+    if (request.format == Strict::DiagnosticFormat::Text) namePages(printer.printedKinds());
     return static_cast<int>(result);
 }
 

@@ -22,6 +22,10 @@ _tessaron_words() {
         format-ending empty-output double-area repeated-option in-place unused-image bare-word
         unknown-text leading-zero backslash-path typographic-quote
         wide-gap verify signature key-readable'
+    # Always errors.
+    local fixed='syntax cannot-open cannot-write short-read short-write out-of-memory record-checksum
+        record-line differs record-digit record-length record-type record-address after-end
+        record-count wrong-format same-file key missing-parameter'
     case $command:$previous in
         diff:--ignore) return ;;
         *:--error | *:--warn | *:--ignore) compgen -W "$kinds" -- "$current"; return ;;
@@ -61,7 +65,7 @@ _tessaron_words() {
         help:-*) compgen -W '--help' -- "$current" ;;
         help:*)
             compgen -W 'statements numbers crcs hashes signatures formats kinds
-                run check info diff map convert help' -- "$current" ;;
+                run check info diff map convert help'" $kinds $fixed" -- "$current" ;;
         *) compgen -f -- "$current" ;;
     esac
 }

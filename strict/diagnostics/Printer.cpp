@@ -93,6 +93,13 @@ void Printer::finish() {
     *out_ << lineOf(json) << std::flush;
 }
 
+std::vector<Kind> Printer::printedKinds() const {
+    std::vector<Kind> kinds;
+    for (const auto& [kind, count] : allowance_.shown())
+        if (kind) kinds.push_back(*kind);
+    return kinds;
+}
+
 void Printer::print(const Diagnostic& diagnostic, Severity severity) {
     const bool isJson = format_ == DiagnosticFormat::Json;
     // In one piece, since standard error has no buffer of its own.

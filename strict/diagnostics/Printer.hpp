@@ -35,6 +35,9 @@ public:
     /// All of them, printed or not.
     std::uint64_t errors() const { return errors_; }
 
+    /// The kinds of those that were printed, in their order.
+    std::vector<Kind> printedKinds() const;
+
     const Policy& policy() const { return *policy_; }
 
 private:

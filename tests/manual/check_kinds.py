@@ -33,8 +33,9 @@ def faults_of_page(path, name, counts_as, meaning):
     if not path.exists():
         return ["no page: %s" % name]
     text = path.read_text()
-    beginning = "# %s\n\n%s: %s.\n\n" % (name, counts_as[0].upper() + counts_as[1:], meaning)
-    faults = [] if text.startswith(beginning) else ["the page of %s does not begin as it counts" % name]
+    beginning = "# %s %s: %s." % (name, counts_as[0].upper() + counts_as[1:], meaning)
+    is_right = " ".join("\n\n".join(text.split("\n\n")[:2]).split()) == beginning
+    faults = [] if is_right else ["the page of %s does not begin as it counts" % name]
     example = "".join(re.findall(r"^```(?:console|text)\n(.*?)^```", text, re.M | re.S))
     if "[%s]" % name not in example and '"%s"' % name not in example:
         faults.append("the page of %s does not show it" % name)

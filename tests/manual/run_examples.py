@@ -31,7 +31,7 @@ MASKS = [(re.compile(r"^(CmdTessaron version )\S+ from \w+ +\d+ \d+$", re.M), r"
          (re.compile(r"^(// Generated: )\d+-\d\d-\d\d \d\d:\d\d:\d\d$", re.M), r"\1<stamp>")]
 BANNER = re.compile(r"\ACmdTessaron version <build>\n.*\n\n")
 TIME = re.compile(r"\nKvTessaron Total Time: <time> seconds\n\Z")
-MORE = re.compile(r"^more: tessaron help .*\n\Z", re.M)
+MORE = re.compile(r"^more: tessaron help .*\n", re.M)
 
 
 class Part:

@@ -95,6 +95,24 @@ class CommandLines(unittest.TestCase):
                 self.assertIn(words, run(*arguments, code=2))
         self.assertFalse(pathlib.Path("out.bin").exists())
 
+    def test_pages_of_diagnostics_are_named_and_printed(self):
+        pathlib.Path("odd.tsn").write_text("NEW_BUFFER @a FROM_VALUES { 0x123 }\nPRINT_TEXT FW_VERSION\n"
+                                           "NEW_BUFFER @b EMPTY -useBufferRange={2 * 3 + 4, 3 4}\n"
+                                           "PRINT_CRC @c\n")
+        # The first four of the kinds that were printed, in their order.
+        for options, kinds in (
+                ((), "unknown-name truncated-value expression-order number-pair"),
+                (("-q",), "unknown-name"),
+                (("--ignore=number-pair",), "unknown-name truncated-value expression-order bare-word")):
+            said = run("check", "odd.tsn", *options, code=1)
+            self.assertEqual(said.partition("\nmore: ")[2], "tessaron help %s\n" % kinds)
+        self.assertNotIn("more:", run("check", "odd.tsn", "--diagnostics=json", code=1))
+        self.assertEqual(run("run", "s.tsn"), "")
+        pages = subprocess.run([PROGRAM, "help", "unknown-name", "outside"], check=True,
+                               stdout=subprocess.PIPE, text=True).stdout
+        self.assertRegex(pages, r"(?s)\Aunknown-name\n\nAn error: .*\n\noutside\n\nAn error: .*\[outside\]")
+        self.assertNotRegex(pages, r"```|\]\(")
+
     def test_sound_neighbours_pass(self):
         run("--version")
         run("run", "--help")

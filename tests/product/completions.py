@@ -21,10 +21,11 @@ import require  # noqa: E402
 PROGRAM, LIST_KINDS, SHELL = sys.argv[1:4]
 del sys.argv[1:4]
 FOLDER = pathlib.Path(__file__).resolve().parents[2] / "completions"
-# Those that the options can change.
-KINDS = {line.split()[0] for line in subprocess.run(
-    [LIST_KINDS], stdout=subprocess.PIPE, text=True, check=True).stdout.splitlines()
-    if "\talways " not in line}
+ALL_KINDS = dict(line.split("\t")[:2] for line in subprocess.run(
+    [LIST_KINDS], stdout=subprocess.PIPE, text=True, check=True).stdout.splitlines())
+# Those that no option can change.
+FIXED = {kind for kind, counts_as in ALL_KINDS.items() if counts_as.startswith("always ")}
+KINDS = set(ALL_KINDS) - FIXED
 COMMANDS = ("run", "check", "info", "diff", "map", "convert")
 TOPICS = {"statements", "numbers", "crcs", "hashes", "signatures", "formats", "kinds"}
 # The second column of the inputs.
@@ -121,7 +122,7 @@ class ValuesOfOptions:
         self.assertFalse(self.complete("diff", "--ignore", "") & KINDS)
         for command in ("info", "diff", "map", "convert"):
             self.assertEqual(self.complete(command, "--from", ""), FORMATS)
-        self.assertEqual(self.complete("help", ""), {*TOPICS, *COMMANDS, "help"})
+        self.assertEqual(self.complete("help", ""), {*TOPICS, *COMMANDS, "help", *ALL_KINDS})
 
 
 class Bash(Shell, ValuesOfOptions, unittest.TestCase):
@@ -153,11 +154,11 @@ class Files(unittest.TestCase):
         self.assertEqual(set(described), options)
 
     def test_files_name_the_kinds(self):
-        for name, pattern in (("_tessaron", r"kinds=\(([^)]*)\)"),
-                              ("tessaron.bash", r"kinds='([^']*)'"),
-                              ("tessaron.fish", r"set -l kinds ((?:.*\\\n)*.*)")):
-            found = re.search(pattern, (FOLDER / name).read_text())[1]
-            self.assertEqual(set(found.replace("\\", " ").split()), KINDS, name)
+        for name, pattern in (("_tessaron", r"%s=\(([^)]*)\)"), ("tessaron.bash", r"%s='([^']*)'"),
+                              ("tessaron.fish", r"set -l %s ((?:.*\\\n)*.*)")):
+            for which, kinds in (("kinds", KINDS), ("fixed", FIXED)):
+                found = re.search(pattern % which, (FOLDER / name).read_text())[1]
+                self.assertEqual(set(found.replace("\\", " ").split()), kinds, name)
 
 
 if __name__ == "__main__":
