@@ -191,14 +191,16 @@ void ScriptCheck::use(const Names& names, std::string_view name, const char* wha
     if (suggestions_++ < mostSuggestions)
         for (const auto& [other, place] : names) known.push_back(other);
     std::string hint;
+    std::optional<Correction> correction;
     if (const auto close = nearest(name, known)) {
+        correction = {std::string(name), {*close}};
         const Place made = script_->placeOf(names.at(*close));
         const bool isHere = made.file == script_->placeOf(name).file;
         hint = "did you mean " + *close + " (" + (isHere ? "line " : made.file + ":") +
                std::to_string(made.line) + ")?";
     }
     report(Kind::UnknownName, "no " + std::string(what) + " is called " + std::string(name), name,
-           hint);
+           hint, std::move(correction));
 }
 
 void ScriptCheck::checkTexts(const Statement& statement) {
@@ -230,7 +232,7 @@ void ScriptCheck::checkPath(const Part& part) {
     std::ranges::replace(path, '\\', '/');
     report(Kind::BackslashPath,
            "a backslash is a part of the name here and does not separate folders", part.text,
-           "write " + path);
+           "write " + path, Correction{std::string(part.text), {path}});
 }
 
 void ScriptCheck::checkText(const Part& part) {
@@ -305,11 +307,14 @@ void ScriptCheck::checkSymbols(const Statement& statement) {
     }
 }
 
-void ScriptCheck::report(Kind kind, std::string text, std::string_view part, std::string hint) {
+void ScriptCheck::report(Kind kind, std::string text, std::string_view part, std::string hint,
+                         std::optional<Correction> correction) {
     if (!pending_.wants(kind)) return;
     part = part.substr(0, part.find_last_not_of(" \t\n\v\f\r") + 1);
-    pending_.add({kind, std::move(text), script_->placeOf(part), std::move(hint),
-                  script_->variableNotes(part)});
+    Diagnostic diagnostic{kind, std::move(text), script_->placeOf(part), std::move(hint),
+                          script_->variableNotes(part)};
+    diagnostic.correction = std::move(correction);
+    pending_.add(std::move(diagnostic));
 }
 
 }  // namespace Strict

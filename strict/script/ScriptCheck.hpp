@@ -54,7 +54,8 @@ private:
     void define(Names& names, std::string_view name, const std::string& what);
     void use(const Names& names, std::string_view name, const char* what);
     void useValue(std::string_view name);
-    void report(Kind kind, std::string text, std::string_view part, std::string hint = {});
+    void report(Kind kind, std::string text, std::string_view part, std::string hint = {},
+                std::optional<Correction> correction = {});
 
     /// What does not parse goes on in the line of the last statement, so that one is the broken
     /// one.
