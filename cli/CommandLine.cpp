@@ -202,7 +202,10 @@ void addDisplay(CLI::App& command, Request& request, Texts& texts) {
         ->check(&faultIfEmpty);
     command.add_flag("-q,--quiet", request.isQuiet, "prints errors only");
     addChoice(command, "--diagnostics", "the form of the diagnostics", request.format,
-              {{"text", Strict::DiagnosticFormat::Text}, {"json", Strict::DiagnosticFormat::Json}});
+              {{"text", Strict::DiagnosticFormat::Text},
+               {"json", Strict::DiagnosticFormat::Json},
+               {"sarif", Strict::DiagnosticFormat::Sarif},
+               {"github", Strict::DiagnosticFormat::Github}});
     addChoice(command, "--color", "colors the output", request.color,
               {{"auto", Color::Auto}, {"always", Color::Always}, {"never", Color::Never}});
     command.add_option("--error", texts.errors, "counts these diagnostics as errors")

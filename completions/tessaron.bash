@@ -31,7 +31,7 @@ _tessaron_words() {
         *:--error | *:--warn | *:--ignore) compgen -W "$kinds" -- "$current"; return ;;
     esac
     case $previous in
-        --diagnostics) compgen -W 'text json' -- "$current"; return ;;
+        --diagnostics) compgen -W 'text json sarif github' -- "$current"; return ;;
         --color) compgen -W 'auto always never' -- "$current"; return ;;
         -C | --directory) compgen -d -- "$current"; return ;;
         -D | --define | --symbol | --width | --context | --max-lines | \

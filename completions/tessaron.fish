@@ -40,7 +40,7 @@ complete -c tessaron -n '__fish_seen_subcommand_from help' -f -a "$topics $comma
 
 complete -c tessaron -n $any -s C -l directory -x -a '(__fish_complete_directories)' -d 'Work in this folder'
 complete -c tessaron -n $any -s q -l quiet -d 'Print errors only'
-complete -c tessaron -n $any -l diagnostics -x -a 'text json' -d 'The form of the diagnostics'
+complete -c tessaron -n $any -l diagnostics -x -a 'text json sarif github' -d 'The form of the diagnostics'
 complete -c tessaron -n $any -l color -x -a 'auto always never' -d 'Color the output'
 complete -c tessaron -n $any -l error -x -a "$kinds" -d 'Count these diagnostics as errors'
 complete -c tessaron -n $any -l warn -x -a "$kinds" -d 'Count these diagnostics as warnings'

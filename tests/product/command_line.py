@@ -26,7 +26,7 @@ REFUSED = (
     (["--versio"], "did you mean --version?"),
     (["--keep-going", "run", "s.tsn"], "go after it"),
     (["run", "s.tsn", "--manifst=x"], "did you mean --manifest?"),
-    (["run", "s.tsn", "--diagnostics=xml"], "xml is not one of text|json"),
+    (["run", "s.tsn", "--diagnostics=xml"], "xml is not one of text|json|sarif|github"),
     (["run", "s.tsn", "X"], "X has no ="), (["run", "s.tsn", "-D", "X"], "X has no ="),
     *((["run", "s.tsn", "--symbol", text], "is not NAME=FILE:SYMBOL")
       for text in ("X", "X:s", "=a.elf:s", "X=a.elf", "X=:s", "X=a.elf:", "a:X=s")),
