@@ -25,7 +25,8 @@ FOLDER = pathlib.Path(__file__).resolve().parents[2] / "completions"
 KINDS = {line.split()[0] for line in subprocess.run(
     [LIST_KINDS], stdout=subprocess.PIPE, text=True, check=True).stdout.splitlines()
     if " always " not in line}
-COMMANDS = ("run", "check", "info", "diff", "map", "convert")
+SHOWING = ("run", "check", "info", "diff", "map", "convert", "format")  # diagnostics
+COMMANDS = (*SHOWING, "lsp")
 TOPICS = {"statements", "numbers", "crcs", "hashes", "signatures", "formats", "kinds"}
 # The second column of the inputs.
 FORMATS = {line.split()[1] for line in subprocess.run(
@@ -110,7 +111,7 @@ class Shell:
 
 class ValuesOfOptions:
     def test_values(self):
-        for command in COMMANDS:
+        for command in SHOWING:
             self.assertEqual(self.complete(command, "--color", "a"), {"auto", "always"})
             self.assertEqual(self.complete(command, "--diagnostics", ""), {"text", "json"})
             self.assertEqual(self.complete(command, "--error", "zz"), set())
