@@ -11,7 +11,7 @@ build="g++ cmake ninja-build libboost-dev libbotan-2-dev libcunit1-dev libcli11-
 demo="$build python3 srecord"
 test="$build git libgtest-dev python3 python3-jsonschema srecord binutils openssl xxd make
       libdigest-crc-perl dfu-util groff-base mandoc vim strace zsh fish dpkg-dev"
-test_all="$test gcc-arm-none-eabi nodejs npm chromium lintian"
+test_all="$test gcc-arm-none-eabi nodejs npm neovim chromium lintian"
 clang="clang libclang-rt-dev"
 format="git clang-format"
 tidy="$build git clang clang-tidy libgtest-dev python3"
