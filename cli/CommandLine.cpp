@@ -159,10 +159,8 @@ void addPath(CLI::App& command, const std::string& name, std::string& path,
 }
 
 std::string version() {
-    const auto info = Platform::versionInfo("");
-    if (!info) return "tessaron";
-    return "tessaron " + std::to_string(info->major) + "." + std::to_string(info->minor) + " (" +
-           info->commit + ")";
+    const std::string version = Platform::versionText();
+    return version.empty() ? "tessaron" : "tessaron " + version;
 }
 
 /// Refuses an empty text, such as that of a variable of a shell that is not set: it would count as
@@ -204,7 +202,10 @@ void addDisplay(CLI::App& command, Request& request, Texts& texts) {
         ->check(&faultIfEmpty);
     command.add_flag("-q,--quiet", request.isQuiet, "prints errors only");
     addChoice(command, "--diagnostics", "the form of the diagnostics", request.format,
-              {{"text", Strict::DiagnosticFormat::Text}, {"json", Strict::DiagnosticFormat::Json}});
+              {{"text", Strict::DiagnosticFormat::Text},
+               {"json", Strict::DiagnosticFormat::Json},
+               {"sarif", Strict::DiagnosticFormat::Sarif},
+               {"github", Strict::DiagnosticFormat::Github}});
     addChoice(command, "--color", "colors the output", request.color,
               {{"auto", Color::Auto}, {"always", Color::Always}, {"never", Color::Never}});
     command.add_option("--error", texts.errors, "counts these diagnostics as errors")
@@ -275,6 +276,7 @@ void define(Request& request, const std::string& text) {
 void apply(Request& request, const Texts& texts) {
     for (const std::string& text : texts.definitions) define(request, text);
     for (const std::string& text : texts.operands) define(request, text);
+    request.formatting.variables = request.run.variables;
     const auto set = [&request](const std::vector<std::string>& names, Strict::Severity severity) {
         for (const std::string& name : names)
             if (const std::string fault = request.policy.set(name, severity); !fault.empty())
@@ -489,6 +491,34 @@ void addConvert(CLI::App& app, Request& request, Texts& texts) {
     convert->parse_complete_callback([&request] { request.command = Command::Convert; });
 }
 
+void addFormat(CLI::App& app, Request& request, Texts& texts) {
+    CLI::App* const format =
+        app.add_subcommand("format", "formats scripts: their blanks and line breaks, nothing else");
+    format->footer("Example: tessaron format --check release.tsn");
+    format
+        ->add_option("files", request.formatting.files,
+                     "the scripts; without one, standard input goes to standard output")
+        ->type_name("SCRIPT")
+        ->check(&faultIfEmpty);
+    format->add_option("-D,--define", texts.definitions, "a text replacement, as run takes it")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+    format->add_flag("--check", request.formatting.isCheck,
+                     "lists the scripts that are not formatted, and changes none");
+    addDisplay(*format, request, texts);
+    format->parse_complete_callback([&request] { request.command = Command::Format; });
+}
+
+void addServer(CLI::App& app, Request& request) {
+    CLI::App* const server =
+        app.add_subcommand("lsp", "serves an editor over standard input and output");
+    server->footer(
+        "It speaks the Language Server Protocol 3.17; the manual says how editors start it.");
+    server->add_flag_callback(
+        "--stdio", [] {}, "what it does anyway; some editors say it");
+    server->parse_complete_callback([&request] { request.command = Command::Lsp; });
+}
+
 /// Prints why the command line is refused, and returns the exit code.
 int refuse(std::string_view reason) {
     std::cerr << "tessaron: " << Util::printable(reason) << "\n"
@@ -646,6 +676,8 @@ int read(std::span<const char* const> arguments, Request& request) {
     addDiff(app, request, texts);
     addMap(app, request, texts);
     addConvert(app, request, texts);
+    addFormat(app, request, texts);
+    addServer(app, request);
     std::vector<std::string> helpNames;
     addHelp(app, helpNames);
     if (const std::string fault = faultOfCommand(app, arguments); !fault.empty())

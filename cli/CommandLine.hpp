@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/Conversion.hpp"
+#include "cli/Formatting.hpp"
 #include "cli/Inspection.hpp"
 #include "strict/Run.hpp"
 #include "strict/diagnostics/Policy.hpp"
@@ -13,7 +14,7 @@
 /// The command line of `tessaron`.
 namespace CommandLine {
 
-enum class Command : unsigned char { Run, Info, Diff, Map, Convert };
+enum class Command : unsigned char { Run, Info, Diff, Map, Convert, Format, Lsp };
 
 enum class Color : unsigned char { Auto, Always, Never };
 
@@ -23,6 +24,7 @@ struct Request {
     Strict::RunOptions run;
     Inspection inspection;
     Conversion conversion;
+    FormatRequest formatting;
     Strict::Policy policy;
     Strict::DiagnosticFormat format = Strict::DiagnosticFormat::Text;
     Color color = Color::Auto;

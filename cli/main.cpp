@@ -5,8 +5,10 @@
 #include <new>
 #include <span>
 #include <string>
+#include <system_error>
 
 #include "cli/CommandLine.hpp"
+#include "lsp/Server.hpp"
 #include "platform/Arguments.hpp"
 #include "platform/Limits.hpp"
 #include "platform/Streams.hpp"
@@ -27,6 +29,10 @@ Strict::ExitCode execute(const CommandLine::Request& request, Strict::Printer& p
             return CommandLine::map(request.inspection, printer, std::cout);
         case CommandLine::Command::Convert:
             return CommandLine::convert(request.conversion, printer, std::cout);
+        case CommandLine::Command::Format:
+            return CommandLine::format(request.formatting, printer, std::cout);
+        case CommandLine::Command::Lsp:
+            return Lsp::serve(std::cout, std::cerr);
         case CommandLine::Command::Run:
             break;
     }
@@ -43,27 +49,54 @@ void namePages(std::span<const Strict::Kind> kinds) {
     std::cerr << line + "\n" << std::flush;
 }
 
+/// The file that the command is about; empty for standard input.
+std::string subjectOf(const CommandLine::Request& request) {
+    switch (request.command) {
+        case CommandLine::Command::Info:
+        case CommandLine::Command::Diff:
+        case CommandLine::Command::Map:
+            return request.inspection.files.front();
+        case CommandLine::Command::Convert:
+            return request.conversion.input;
+        case CommandLine::Command::Format:
+        case CommandLine::Command::Lsp:
+            return "";
+        case CommandLine::Command::Run:
+            break;
+    }
+    return request.run.script == "-" ? "" : request.run.script;
+}
+
+/// Does what the arguments ask for in the folder that they name.
+Strict::ExitCode executeInFolder(const CommandLine::Request& request, Strict::Printer& printer) {
+    try {
+        const auto error =
+            request.folder.empty() ? std::error_code() : Platform::changeFolder(request.folder);
+        if (!error) return execute(request, printer);
+        printer.take({Strict::Kind::CannotOpen,
+                      "cannot work in " + request.folder + ": " + error.message()});
+        return Strict::ExitCode::Unusable;
+    } catch (const std::bad_alloc&) {
+        printer.take({Strict::Kind::OutOfMemory, "there is not enough memory"});
+        return Strict::ExitCode::Failed;
+    }
+}
+
 int run(std::span<const char* const> arguments) {
     CommandLine::Request request;
     const int code = CommandLine::read(arguments, request);
     if (code >= 0) return code;
-    if (!request.folder.empty()) {
-        if (const auto error = Platform::changeFolder(request.folder)) {
-            std::cerr << "tessaron: cannot work in " << Util::printable(request.folder) << ": "
-                      << error.message() << std::endl;
-            return static_cast<int>(Strict::ExitCode::Unusable);
-        }
-    }
     const bool isAuto = request.color == CommandLine::Color::Auto;
     const bool hasColor =
         isAuto ? Platform::showsColor() : request.color == CommandLine::Color::Always;
     Strict::Printer printer(std::cerr, request.policy, request.format, hasColor, request.isQuiet);
     request.inspection.hasColor =
         isAuto ? Platform::showsColor(Platform::StandardStream::Output) : hasColor;
-    const Strict::ExitCode result = execute(request, printer);
-    printer.finish();
+    printer.setSubject(subjectOf(request));
+    const int result = static_cast<int>(executeInFolder(request, printer));
+    printer.finish(result);
     if (request.format == Strict::DiagnosticFormat::Text) namePages(printer.printedKinds());
-    return static_cast<int>(result);
+    return result;
 }
 
 }  // namespace

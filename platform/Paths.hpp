@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
+#include <vector>
 
 /// What paths of the operating system mean.
 namespace Platform {
@@ -12,8 +14,26 @@ extern const char pathSeparator;
 /// Where the name of the file begins in a path, after its folders.
 std::size_t fileNameStart(const std::string& path);
 
+/// The path that the system makes of a text: it ends at a zero byte.
+inline std::string systemPath(std::string_view text) {
+    return std::string(text.substr(0, text.find('\0')));
+}
+
 /// The path leads to a regular file.
 bool isRegularFile(const std::string& path);
+
+/// A file or a folder in a folder.
+struct FolderEntry {
+    std::string name;
+    bool isFolder = false;
+};
+
+/// The first `most` entries of a folder, in no order; none if it cannot be read. An empty path is
+/// the current folder.
+std::vector<FolderEntry> entriesOf(const std::string& folder, std::size_t most);
+
+/// The absolute path of what is at a path, without "." and ".." in it.
+std::string absolutePath(const std::string& path);
 
 /// The path without what depends on where the folders of the user are: an absolute path as seen
 /// from the current folder, with '/' between folders; any other one unchanged.

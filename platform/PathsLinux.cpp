@@ -17,6 +17,24 @@ bool isRegularFile(const std::string& path) {
     return std::filesystem::is_regular_file(path, error);
 }
 
+std::vector<FolderEntry> entriesOf(const std::string& folder, std::size_t most) {
+    std::vector<FolderEntry> entries;
+    std::error_code error;
+    std::filesystem::directory_iterator entry(folder.empty() ? "." : folder, error);
+    for (; !error && entry != std::filesystem::directory_iterator() && entries.size() < most;
+         entry.increment(error)) {
+        std::error_code unknown;
+        entries.push_back({entry->path().filename().string(), entry->is_directory(unknown)});
+    }
+    return entries;
+}
+
+std::string absolutePath(const std::string& path) {
+    std::error_code error;
+    const auto absolute = std::filesystem::absolute(path, error);
+    return error ? path : absolute.lexically_normal().string();
+}
+
 std::string portablePath(const std::string& path) {
     const std::filesystem::path given(path);
     if (!given.is_absolute()) return path;

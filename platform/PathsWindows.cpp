@@ -54,6 +54,25 @@ bool isSameName(const std::filesystem::path& one, const std::filesystem::path& o
 
 }  // namespace
 
+std::vector<FolderEntry> entriesOf(const std::string& folder, std::size_t most) {
+    std::vector<FolderEntry> entries;
+    std::error_code error;
+    std::filesystem::directory_iterator entry(systemPath(folder.empty() ? "." : folder), error);
+    for (; !error && entry != std::filesystem::directory_iterator() && entries.size() < most;
+         entry.increment(error)) {
+        std::error_code unknown;
+        entries.push_back(
+            {narrowText(entry->path().filename().native()), entry->is_directory(unknown)});
+    }
+    return entries;
+}
+
+std::string absolutePath(const std::string& path) {
+    std::error_code error;
+    const auto absolute = std::filesystem::absolute(wideText(path), error);
+    return error ? path : narrowText(absolute.lexically_normal().native());
+}
+
 std::string portablePath(const std::string& path) {
     const std::filesystem::path given(wideText(path));
     // A path may begin at the root of the current drive, or in the current folder of another one.

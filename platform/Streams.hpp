@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <system_error>
 
@@ -35,6 +36,12 @@ std::size_t terminalWidth();
 /// Texts on standard output are shown as UTF-8: by the locale of the user's environment or, on
 /// Windows, by the console or the code page of the machine.
 bool showsUnicode();
+
+/// Reads bytes of standard input that have arrived, and waits while there are none. On Windows
+/// standard input and output are streams of bytes from then on.
+///
+/// @return how many there are; 0 at the end of the input, or if it cannot be read
+std::size_t readInput(std::span<char> bytes);
 
 /// Makes a folder the one that relative paths begin in.
 std::error_code changeFolder(const std::string& path);

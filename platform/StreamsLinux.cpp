@@ -57,6 +57,14 @@ bool showsUnicode() {
     return false;
 }
 
+std::size_t readInput(std::span<char> bytes) {
+    for (;;) {
+        const ssize_t count = ::read(STDIN_FILENO, bytes.data(), bytes.size());
+        if (count >= 0) return static_cast<std::size_t>(count);
+        if (errno != EINTR) return 0;
+    }
+}
+
 std::error_code changeFolder(const std::string& path) {
     if (::chdir(path.c_str()) == 0) return {};
     return {errno, std::generic_category()};

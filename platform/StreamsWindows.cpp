@@ -1,5 +1,7 @@
 #include "platform/Streams.hpp"
 
+#include <fcntl.h>
+#include <io.h>
 #include <windows.h>
 
 #include <array>
@@ -85,6 +87,12 @@ bool showsUnicode() {
     // What a file or a pipe gets is read in the code page of the machine.
     const bool isConsole = modeOf(StandardStream::Output) != 0;
     return (isConsole ? ::GetConsoleOutputCP() : ::GetACP()) == CP_UTF8;
+}
+
+std::size_t readInput(std::span<char> bytes) {
+    for (FILE* const stream : {stdin, stdout}) ::_setmode(::_fileno(stream), _O_BINARY);
+    const int count = ::_read(::_fileno(stdin), bytes.data(), static_cast<unsigned>(bytes.size()));
+    return count < 0 ? 0 : static_cast<std::size_t>(count);
 }
 
 std::error_code changeFolder(const std::string& path) {

@@ -18,6 +18,7 @@
 #include "strict/ElfSymbols.hpp"
 #include "strict/ImageReading.hpp"
 #include "strict/IncludedFile.hpp"
+#include "strict/ProgramFiles.hpp"
 #include "strict/RunDocuments.hpp"
 #include "strict/RunListener.hpp"
 #include "strict/ScriptReading.hpp"
@@ -63,22 +64,7 @@ public:
     }
 
     /// Names the files of all statements. False if two that exclude each other have one place.
-    bool nameFiles() {
-        bool isGood = true;
-        for (const Parser::Statement& statement : program_->statements()) {
-            reports_.enter(statement);
-            for (const Parser::Role role : {Parser::Role::InputFile, Parser::Role::Template})
-                if (const auto* const input = statement.last(role))
-                    isGood = nameFile(*input, FileRole::Input) && isGood;
-            if (const auto* const key = statement.last(Parser::Role::KeyFile))
-                isGood = nameFile(*key, FileRole::Key) && isGood;
-            for (const Parser::Part& input : statement.all(Parser::Role::SymbolFile))
-                isGood = nameFile(input, FileRole::Input) && isGood;
-            if (const auto* const output = statement.last(Parser::Role::OutputFile))
-                isGood = nameFile(*output, FileRole::Output) && isGood;
-        }
-        return isGood;
-    }
+    bool nameFiles() { return nameFilesOf(*program_, meaning_.has_value(), *files_, reports_); }
 
     /// Names what is at the addresses of images, in diagnostics. False after a diagnostic.
     bool readNames(const std::string& path) {
@@ -126,23 +112,6 @@ public:
     const Provenance& provenance() const { return provenance_; }
 
 private:
-    /// Names the file that the part names. An output may replace an input that a statement before
-    /// it reads.
-    bool nameFile(const Parser::Part& part, FileRole role) {
-        const std::string path = program_->pathOf(part);
-        const auto collision = files_->name(path, role);
-        if (collision) {
-            reports_.report(Kind::SameFile, wordsFor(*collision, path, role), part,
-                            "one would overwrite the other");
-            return false;
-        }
-        const std::string input = role == FileRole::Output ? files_->inputNamed(path) : "";
-        if (meaning_ && !input.empty())
-            reports_.report(Kind::InPlace, "the output replaces the input " + input, part,
-                            "give the output a name of its own");
-        return true;
-    }
-
     /// Executes the statement of that number.
     bool execute(std::size_t number) {
         const std::size_t before = printer_->errors();
@@ -230,6 +199,11 @@ bool checkInputs(RunFiles& files, DiagnosticSink& sink) {
     return changed.empty();
 }
 
+RunFiles::Mode modeOf(const RunOptions& options) {
+    if (!options.isCheck) return RunFiles::Mode::Disk;
+    return options.comparesDisk ? RunFiles::Mode::Comparison : RunFiles::Mode::Memory;
+}
+
 /// One run, from its options to its exit code.
 class Session {
 public:
@@ -237,11 +211,13 @@ public:
         : options_(options),
           printer_(&printer),
           output_(&output),
-          files_(options.isCheck ? RunFiles::Mode::Memory : RunFiles::Mode::Disk),
+          files_(modeOf(options)),
           documents_(options, printer.policy()),
           remarks_(printer.policy()) {
         if (!needsRecord()) return;
-        files_.keepDigests();
+        // The inputs are read once more in any case, to find out whether they have changed.
+        const bool hasDigests = documents_.areWanted() || !options_.report.empty();
+        files_.keepDigests(hasDigests ? RunFiles::DigestsOf::All : RunFiles::DigestsOf::Inputs);
         printer.copyTo(remarks_);
     }
 
@@ -271,12 +247,18 @@ private:
         }
     }
 
+    /// The exit code after a diagnostic that a policy may have silenced.
+    ExitCode failed(const char* words) {
+        if (printer_->errors() == 0) printer_->take({std::nullopt, words});
+        return ExitCode::Failed;
+    }
+
     /// Reads the script, checks it and runs it.
     ExitCode runScript() {
         if (!nameFiles(options_, documents_, files_, *printer_)) return ExitCode::Failed;
         if (!options_.printsScript && !readKeys()) return ExitCode::Failed;
         if (!resolveSymbols(options_.symbols, files_, options_.variables, *printer_))
-            return ExitCode::Failed;
+            return failed("a variable has no value without its symbol, so the run fails");
         ScriptReading reading(options_, files_, *printer_);
         auto script = reading.read(needsRecord());
         if (!script) return reading.isUnusable() ? ExitCode::Unusable : ExitCode::Failed;
@@ -294,10 +276,9 @@ private:
     bool readKeys() {
         const std::string& file = options_.passphraseFile;
         if (!file.empty()) {
-            if (auto read = readPassphrase(file, files_, *printer_))
-                passphrase_.emplace(std::move(*read));
-            else
-                return false;
+            auto read = readPassphrase(file, files_, *printer_);
+            if (!read) return false;
+            passphrase_.emplace(std::move(*read));
         }
         return documents_.readKey(passphrase(), files_, *printer_);
     }
@@ -316,7 +297,8 @@ private:
 
     ExitCode execute(const Program& program) {
         Execution execution(program, !options_.script.empty(), *printer_, *output_, files_);
-        if (!execution.readNames(options_.nameFile)) return ExitCode::Failed;
+        if (!execution.readNames(options_.nameFile))
+            return failed("the names at addresses could not be read, so the run fails");
         execution.setPassphrase(passphrase());
         const bool hasPlaces = execution.nameFiles();
         execution.checkMeaning();

@@ -12,7 +12,6 @@
 #include "platform/Replace.hpp"
 #include "strict/IncludedFile.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
-#include "strict/script/ScriptAssembly.hpp"
 
 namespace Strict {
 
@@ -69,17 +68,11 @@ std::optional<std::string> ScriptReading::readScript(bool withDigest) {
     Platform::clearLastError();
     auto contents = isStandardInput ? Platform::readStandardInput() : Platform::readFile(path);
     if (!contents) {
-        std::error_code error = Platform::lastError();
-        if (isStandardInput && error == std::errc::is_a_directory) {
-            sink_->take({Kind::CannotOpen,
-                         "cannot read the script from standard input: it is closed "
-                         "or a folder"});
-            return std::nullopt;
-        }
-        if (!error && !isStandardInput) error = Platform::outputTarget(path).error;
-        sink_->take(
-            {Kind::CannotOpen, "cannot open the script " + path + ": " +
-                                   (error ? error.message() : "it has no end to wait for")});
+        const bool isFolder = Platform::lastError() == std::errc::is_a_directory;
+        sink_->take({Kind::CannotOpen,
+                     isStandardInput && isFolder
+                         ? "cannot read the script from standard input: it is closed or a folder"
+                         : "cannot open the script " + path + ": " + reasonNotOpened(path)});
         return std::nullopt;
     }
     if (contents->reading != Platform::Reading::Complete) {
@@ -113,8 +106,14 @@ std::unique_ptr<ScriptText> ScriptReading::prepare(std::string text) {
     return nullptr;
 }
 
+ScriptFile ScriptReading::readFile(const std::string& path) {
+    auto text = edited_ ? edited_(path) : std::nullopt;
+    if (!text || files_->name(path, FileRole::IncludedFile)) return readIncluded(path, *files_);
+    return {std::move(text), Platform::soleFileAt(path), false, {}};
+}
+
 std::unique_ptr<ScriptText> ScriptReading::assemble(const std::string& name, std::string text) {
-    ScriptAssembly assembly([this](const std::string& path) { return readIncluded(path, *files_); },
+    ScriptAssembly assembly([this](const std::string& path) { return readFile(path); },
                             recipeFolders(), *sink_);
     const bool isStandardInput = options_->script == "-";
     ScriptFile script{std::move(text),

@@ -1,12 +1,15 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "strict/RunOptions.hpp"
 #include "strict/diagnostics/Diagnostic.hpp"
 #include "strict/files/RunFiles.hpp"
+#include "strict/script/ScriptAssembly.hpp"
 #include "strict/script/ScriptText.hpp"
 
 namespace Strict {
@@ -14,9 +17,14 @@ namespace Strict {
 /// Reads the script of a run and the files that it includes, and prepares its text.
 class ScriptReading {
 public:
-    /// @param files  gets the files that are included, as inputs
-    ScriptReading(const RunOptions& options, RunFiles& files, DiagnosticSink& sink)
-        : options_(&options), files_(&files), sink_(&sink) {}
+    /// The text of a file as an editor holds it; nothing of a file that is read as it is on disk.
+    using EditedText = std::function<std::optional<std::string>(const std::string& path)>;
+
+    /// @param files   gets the files that are included, as inputs
+    /// @param edited  empty if there are no texts but those on disk
+    ScriptReading(const RunOptions& options, RunFiles& files, DiagnosticSink& sink,
+                  EditedText edited = {})
+        : options_(&options), files_(&files), sink_(&sink), edited_(std::move(edited)) {}
 
     /// Null after a diagnostic.
     ///
@@ -39,10 +47,12 @@ public:
 
 private:
     std::unique_ptr<ScriptText> assemble(const std::string& name, std::string text);
+    ScriptFile readFile(const std::string& path);
 
     const RunOptions* options_;
     RunFiles* files_;
     DiagnosticSink* sink_;
+    EditedText edited_;
     std::string sha256_;
     bool isUnusable_ = false;
 };

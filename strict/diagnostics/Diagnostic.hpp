@@ -22,7 +22,7 @@ struct Place {
     std::string file;
     std::size_t line = 0;         ///< counted from 1; 0 for the file as a whole
     std::size_t column = 0;       ///< in characters, counted from 1; 0 for the whole line
-    std::string excerpt;          ///< the line, or the part of a long one around the column
+    std::string excerpt = {};     ///< the line, or the part of a long one around the column
     std::size_t caret = 0;        ///< characters of the excerpt before the column
     std::size_t caretLength = 0;  ///< characters that the place covers, of the excerpt's
     /// Of a script that is included: the line that includes it, and so on up to the script itself.
@@ -35,6 +35,12 @@ struct Note {
     std::optional<Place> place = {};
 };
 
+/// What an editor can write in place of a word, as a hint advises.
+struct Correction {
+    std::string wrong;               ///< the word, with which the place of the diagnostic begins
+    std::vector<std::string> right;  ///< one or several that it may be meant to be
+};
+
 /// One thing that is wrong, or may be.
 struct Diagnostic {
     std::optional<Kind> kind;  ///< none for a note, which adds to the diagnostics before it
@@ -45,6 +51,7 @@ struct Diagnostic {
     std::uint64_t count = 1;  ///< findings that it sums up
     /// What it counts as unless the user says otherwise, where that is not what its kind does.
     std::optional<Severity> usual = {};
+    std::optional<Correction> correction = {};  ///< where the hint is one
 };
 
 /// Takes diagnostics in the order in which they come up.

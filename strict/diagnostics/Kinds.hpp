@@ -96,7 +96,7 @@ struct KindRow {
     Kind kind;
     const char* name;     ///< as the book, `--ignore` and the brackets of a diagnostic have it
     Severity severity;    ///< what it counts as unless the user says otherwise
-    bool isFixed;         ///< always an error: damage, syntax and the file system
+    bool isFixed;         ///< always an error: damage, syntax, keys and the file system
     const char* meaning;  ///< one line, for lists of the kinds
 };
 

@@ -16,7 +16,7 @@ ParsedScript::ParsedScript(const ScriptText& script) : syntax_(&Parser::calculat
     for (std::size_t at = 0;;) {
         at += syntax_.parse(text.substr(at));
         if (at == text.size()) return;
-        BrokenText broken{at, statements().size(), {}, {}};
+        BrokenText broken{at, statements().size(), {}, {}, {}};
         if (broken_.size() == mostErrors) {
             broken.diagnostic = {Kind::Syntax, "there are more syntax errors than are shown"};
             broken_.push_back(std::move(broken));
@@ -24,7 +24,7 @@ ParsedScript::ParsedScript(const ScriptText& script) : syntax_(&Parser::calculat
         }
         const auto begun = statement.statements().begun();
         broken.begun.assign(begun.begin(), begun.end());
-        broken.diagnostic = explain(script, at, resumed);
+        explain(broken, script, resumed);
         broken_.push_back(std::move(broken));
         at = resumed = nextStatement(text, at, keywords());
         if (at == text.size()) return;
@@ -33,20 +33,19 @@ ParsedScript::ParsedScript(const ScriptText& script) : syntax_(&Parser::calculat
 
 /// Parses once more, now with a note of what is missing. The last statement that is finished may be
 /// the broken one, without the option that broke it.
-Diagnostic ParsedScript::explain(const ScriptText& script, std::size_t at,
-                                 std::size_t resumed) const {
+void ParsedScript::explain(BrokenText& broken, const ScriptText& script,
+                           std::size_t resumed) const {
     const std::string_view text = script.prepared();
-    std::size_t from = at;
+    std::size_t from = broken.offset;
     if (!statements().empty()) {
         const std::string_view last = statements()[statements().size() - 1].text;
         const std::size_t begin = script.offsetOf(last);
         if (begin + last.size() >= resumed) from = begin;
     }
     Parser::ScriptSyntax explainer(nullptr);
-    Parser::Expectations missed;
-    explainer.state().expectations = &missed;
+    explainer.state().expectations = &broken.missed;
     explainer.parse(text.substr(from));
-    return syntaxError(script, text.substr(from), missed, keywords());
+    broken.diagnostic = syntaxError(script, text.substr(from), broken.missed, keywords());
 }
 
 }  // namespace Strict

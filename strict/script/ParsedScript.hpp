@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "parser/grammar/Expectations.hpp"
 #include "parser/grammar/ScriptSyntax.hpp"
 #include "parser/grammar/Statement.hpp"
 #include "strict/diagnostics/Diagnostic.hpp"
@@ -20,6 +21,7 @@ struct BrokenText {
     std::size_t offset;               ///< in the prepared text, of what could not be read
     std::size_t statementsBefore;     ///< that were finished before it
     std::vector<Parser::Part> begun;  ///< as much of a statement as was read
+    Parser::Expectations missed;      ///< how far the grammar came, and what could have been there
     Diagnostic diagnostic;
 };
 
@@ -55,7 +57,7 @@ public:
 
 private:
     const Parser::StatementBuilder& builder() const { return syntax_.state().statement; }
-    Diagnostic explain(const ScriptText& script, std::size_t at, std::size_t resumed) const;
+    void explain(BrokenText& broken, const ScriptText& script, std::size_t resumed) const;
 
     Parser::ScriptSyntax syntax_;
     std::vector<BrokenText> broken_;

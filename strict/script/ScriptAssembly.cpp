@@ -239,8 +239,11 @@ void ScriptAssembly::reportUnused(std::size_t inclusion, std::string_view name,
     std::vector<std::string> known;
     if (suggestions_++ < mostSuggestions) known.assign(parts.names().begin(), parts.names().end());
     const auto meant = nearest(name, known);
-    report({Kind::UnusedVariable, std::string(name) + " is not a parameter of " + file,
-            std::move(place), meant ? "did you mean " + *meant + "?" : ""});
+    Diagnostic diagnostic{Kind::UnusedVariable,
+                          std::string(name) + " is not a parameter of " + file, std::move(place),
+                          meant ? "did you mean " + *meant + "?" : ""};
+    if (meant) diagnostic.correction = {std::string(name), {*meant}};
+    report(diagnostic);
 }
 
 ScriptAssembly::Values ScriptAssembly::valuesOfScript(const Variables& variables) {

@@ -37,6 +37,9 @@ public:
 
     const Inclusion& inclusion(std::size_t number) const { return inclusions_[number]; }
 
+    /// The script itself counts.
+    std::size_t inclusionCount() const { return inclusions_.size(); }
+
     /// The inclusion that has the character at `offset`.
     std::size_t inclusionAt(std::size_t offset) const;
 

@@ -89,14 +89,23 @@ const std::string& ScriptText::nameOf(std::size_t variable) const {
                : parameters_[variable - AssembledText::firstParameter].name;
 }
 
-Place ScriptText::placeOf(std::size_t first, std::size_t last) const {
+TextSpan ScriptText::spanOf(std::size_t first, std::size_t last) const {
     const Parser::TextOrigin origin = map_.originOf(first);
-    if (origin.variable) return placeInFile(origin.offset, nameOf(*origin.variable).size());
+    if (origin.variable) return {origin.offset, nameOf(*origin.variable).size()};
     // What comes from one file in one piece is marked as a whole.
     const Parser::TextOrigin end = map_.originOf(last > first ? last - 1 : first);
     const bool isWhole = !end.variable && end.offset >= origin.offset &&
                          sources_.inclusionAt(end.offset) == sources_.inclusionAt(origin.offset);
-    return placeInFile(origin.offset, isWhole ? end.offset + 1 - origin.offset : last - first);
+    return {origin.offset, isWhole ? end.offset + 1 - origin.offset : last - first};
+}
+
+TextSpan ScriptText::spanOf(std::string_view part) const {
+    const std::size_t first = offsetOf(part);
+    return spanOf(first, first + part.size());
+}
+
+Place ScriptText::placeOf(std::size_t first, std::size_t last) const {
+    return sources_.placeOf(spanOf(first, last));
 }
 
 Place ScriptText::placeOf(std::string_view part) const {

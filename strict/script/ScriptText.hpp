@@ -74,6 +74,12 @@ public:
     Place placeOf(std::size_t first, std::size_t last) const;
     Place placeOf(std::string_view part) const;
 
+    /// What a part of the prepared text was written as, in the texts of all inclusions (see
+    /// `ScriptSources`): the name of the variable or parameter whose value the part begins with, or
+    /// the part itself.
+    TextSpan spanOf(std::size_t first, std::size_t last) const;
+    TextSpan spanOf(std::string_view part) const;
+
     /// The place of a part of the texts as written.
     Place placeInFile(std::size_t offset, std::size_t length) const {
         return sources_.placeOf({offset, length});

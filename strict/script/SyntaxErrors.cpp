@@ -362,6 +362,10 @@ Diagnostic syntaxError(const ScriptText& script, std::string_view statement,
         diagnostic.hint = advice(before, word, rest, missed.words);
     if (diagnostic.hint.empty() && outside.topic != nullptr)
         diagnostic.hint = std::string("tessaron help ") + outside.topic + " lists them";
+    if (diagnostic.hint == outside.advice.hint && !outside.advice.choices.empty())
+        diagnostic.correction = {std::string(word), outside.advice.choices};
+    else if (close && quote == std::nullopt && directive.empty())
+        diagnostic.correction = {std::string(word), {*close}};
     diagnostic.notes = script.variableNotes(rest.substr(0, std::max<std::size_t>(word.size(), 1)));
     for (const std::string& note : outside.advice.notes) diagnostic.notes.push_back({note});
     if (quote) {

@@ -234,6 +234,7 @@ TypeAdvice adviceFrom(const Choices& choices, std::string_view word,
     std::vector<std::string> texts;
     for (const Choice* const choice : list) {
         texts.push_back(choice->text + choice->warning);
+        advice.choices.push_back(choice->text);
         if (list.size() > 1 && !choice->description.empty())
             advice.notes.push_back(choice->text + ": " + choice->description);
     }

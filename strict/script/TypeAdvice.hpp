@@ -13,6 +13,7 @@ namespace Strict {
 struct TypeAdvice {
     std::string hint;                ///< with what can be typed in place of the word, or empty
     std::vector<std::string> notes;  ///< what tells several candidates apart, one each
+    std::vector<std::string> choices = {};  ///< the candidates
 };
 
 /// For a word that is not a type of NEW_CRC.

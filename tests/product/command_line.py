@@ -26,7 +26,7 @@ REFUSED = (
     (["--versio"], "did you mean --version?"),
     (["--keep-going", "run", "s.tsn"], "go after it"),
     (["run", "s.tsn", "--manifst=x"], "did you mean --manifest?"),
-    (["run", "s.tsn", "--diagnostics=xml"], "xml is not one of text|json"),
+    (["run", "s.tsn", "--diagnostics=xml"], "xml is not one of text|json|sarif|github"),
     (["run", "s.tsn", "X"], "X has no ="), (["run", "s.tsn", "-D", "X"], "X has no ="),
     *((["run", "s.tsn", "--symbol", text], "is not NAME=FILE:SYMBOL")
       for text in ("X", "X:s", "=a.elf:s", "X=a.elf", "X=:s", "X=a.elf:", "a:X=s")),
@@ -36,6 +36,7 @@ REFUSED = (
     (["run", "s.tsn", "--error", "overlop"], "no diagnostic overlop; did you mean overlap?"),
     (["run", "s.tsn", "--warn", "syntax"], "syntax is always an error"),
     (["run", "s.tsn", "--ignore", "syntax"], "syntax is always an error"),
+    (["run", "s.tsn", "--ignore", "key"], "key is always an error"),
     (["diff", "in.hex"], "files"), (["diff", "in.hex", "in.hex", "in.hex"], "files"),
     *((["convert", "in.hex", "out.bin", "--crop", text], "is not an area START,LENGTH")
       for text in ("1", "1,2,3", "0xFFFFFFFFFFFFFFFF,1")),
@@ -257,6 +258,9 @@ class CommandLines(unittest.TestCase):
                 ("none.tsn", "the script none.tsn: No such file or directory [cannot-open]")):
             self.assertIn(words, run("run", script, code=1))
         self.assertIn(endless, run("info", "pipe", code=1).lower())
+        pathlib.Path("odd.tsn").write_text("PRINT_TEXT {good}\n")
+        for option in ("--manifest", "--sbom", "--checksums"):
+            self.assertIn(endless, run("check", "odd.tsn", option, "pipe", code=1))
 
     def test_little_stack(self):
         def little():

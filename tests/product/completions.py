@@ -113,7 +113,7 @@ class ValuesOfOptions:
     def test_values(self):
         for command in COMMANDS:
             self.assertEqual(self.complete(command, "--color", "a"), {"auto", "always"})
-            self.assertEqual(self.complete(command, "--diagnostics", ""), {"text", "json"})
+            self.assertEqual(self.complete(command, "--diagnostics", ""), {"text", "json", "sarif", "github"})
             self.assertEqual(self.complete(command, "--error", "zz"), set())
             for option in ("--error", "--warn"):
                 self.assertEqual(self.complete(command, option, ""), KINDS)

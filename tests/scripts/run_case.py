@@ -140,6 +140,7 @@ def main():
             if not faults or not attempts_left:
                 break
             print("%s: runs again, since %s" % (case.name, "\n".join(faults)))
+            shutil.rmtree(work)
         if not faults:
             shutil.rmtree(work)
             continue

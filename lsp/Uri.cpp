@@ -1,0 +1,76 @@
+#include "lsp/Uri.hpp"
+
+#include <algorithm>
+
+#include "platform/Paths.hpp"
+
+namespace Lsp {
+
+namespace {
+
+constexpr std::string_view scheme = "file://";
+constexpr std::string_view hexDigits = "0123456789ABCDEF";
+
+int digitOf(char c) {
+    constexpr int ten = 10;
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'A' && c <= 'F') return c - 'A' + ten;
+    return c >= 'a' && c <= 'f' ? c - 'a' + ten : -1;
+}
+
+bool isUnreserved(char c) {
+    constexpr std::string_view others = "-._~/";
+    const bool isLetter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+    return isLetter || (c >= '0' && c <= '9') || others.find(c) != std::string_view::npos;
+}
+
+/// A path that begins with the letter of a drive.
+bool hasDrive(std::string_view path) {
+    return Platform::pathSeparator == '\\' && path.size() > 1 && path[1] == ':';
+}
+
+}  // namespace
+
+std::optional<std::string> pathOf(std::string_view uri) {
+    if (!uri.starts_with(scheme)) return std::nullopt;
+    uri.remove_prefix(scheme.size());
+    // The name of a machine ends where the path begins.
+    uri.remove_prefix(std::min(uri.find('/'), uri.size()));
+    if (uri.empty()) return std::nullopt;
+    std::string path;
+    for (std::size_t at = 0; at < uri.size(); ++at) {
+        constexpr int base = 16;
+        const int high = uri[at] == '%' && at + 2 < uri.size() ? digitOf(uri[at + 1]) : -1;
+        const int low = high < 0 ? -1 : digitOf(uri[at + 2]);
+        if (low < 0) {
+            path += uri[at];
+            continue;
+        }
+        path += static_cast<char>(high * base + low);
+        at += 2;
+    }
+    if (hasDrive(std::string_view(path).substr(1))) path.erase(0, 1);
+    return path.find('\0') == std::string::npos ? std::optional(path) : std::nullopt;
+}
+
+std::string uriOf(std::string_view path) {
+    std::string uri(scheme);
+    if (hasDrive(path)) uri += '/';
+    for (const char c : path) {
+        if (Platform::pathSeparator == '\\' && c == '\\') {
+            uri += '/';
+        } else if (isUnreserved(c)) {
+            uri += c;
+        } else {
+            constexpr unsigned bits = 4;
+            constexpr unsigned mask = 15;
+            const auto byte = static_cast<unsigned char>(c);
+            uri += '%';
+            uri += hexDigits[byte >> bits];
+            uri += hexDigits[byte & mask];
+        }
+    }
+    return uri;
+}
+
+}  // namespace Lsp

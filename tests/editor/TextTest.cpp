@@ -1,0 +1,48 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <tuple>
+
+#include "editor/Text.hpp"
+
+namespace {
+
+using Editor::Encoding;
+using Editor::Position;
+using Editor::Text;
+
+// The euro sign has 3 bytes and 1 unit of UTF-16, the musical symbol U+1D11E 4 and 2.
+constexpr const char* symbols = "a\xE2\x82\xAC\xF0\x9D\x84\x9Ez\r\nb\rc\n";
+
+TEST(TextTest, CountsLinesAndColumnsAsTheProtocolDoes) {
+    const Text text(symbols);
+    const std::tuple<std::size_t, Position, Position> table[] = {
+        {0, {0, 0}, {0, 0}},  {1, {0, 1}, {0, 1}},  {4, {0, 2}, {0, 4}},
+        {8, {0, 4}, {0, 8}},  {9, {0, 5}, {0, 9}},  {11, {1, 0}, {1, 0}},
+        {12, {1, 1}, {1, 1}}, {13, {2, 0}, {2, 0}}, {15, {3, 0}, {3, 0}},
+    };
+    for (const auto& [offset, wide, bytes] : table) {
+        EXPECT_EQ(text.positionOf(offset, Encoding::Utf16), wide) << offset;
+        EXPECT_EQ(text.positionOf(offset, Encoding::Utf8), bytes) << offset;
+        EXPECT_EQ(text.offsetOf(wide, Encoding::Utf16), offset);
+        EXPECT_EQ(text.offsetOf(bytes, Encoding::Utf8), offset);
+    }
+    EXPECT_EQ(text.offsetOf({0, 100}, Encoding::Utf16), 9U) << "a column beyond its line";
+    EXPECT_EQ(text.offsetOf({9, 0}, Encoding::Utf16), 15U) << "a line beyond the text";
+    EXPECT_EQ(text.offsetOf({0, 3}, Encoding::Utf16), 4U) << "the middle of a character";
+}
+
+TEST(TextTest, LeadsFromWhatIsReadToWhatIsThere) {
+    const Text text("\xEF\xBB\xBFone\r\ntwo\r\n\x1Athree");
+    EXPECT_EQ(text.read(), "one\ntwo\n");
+    for (const auto& [read, raw] : {std::pair{0U, 3U}, {3U, 7U}, {4U, 8U}, {7U, 12U}, {8U, 19U}}) {
+        EXPECT_EQ(text.rawOf(std::size_t{read}), raw);
+        EXPECT_EQ(text.readOf(raw), read);
+    }
+    const Editor::Edit edit = text.rawOf(Editor::Edit{{3, 1}, "\n\n"});
+    EXPECT_EQ(edit.where.at, 6U);
+    EXPECT_EQ(edit.where.length, 2U);
+    EXPECT_EQ(edit.text, "\r\n\r\n");
+}
+
+}  // namespace
