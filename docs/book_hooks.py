@@ -3,6 +3,7 @@ and a search that works from a disk, where a browser fetches nothing and starts 
 import json
 import pathlib
 import re
+import shutil
 
 from pygments import lexers, token
 from pygments.lexer import RegexLexer
@@ -51,6 +52,10 @@ def on_post_page(output, page, config):
 
 def on_post_build(config):
     site = pathlib.Path(config["site_dir"])
+    # Maps of the sources, and what the search of other languages needs; a book on a disk has no map.
+    for name in (*site.rglob("*.map"), *site.glob("sitemap.xml*")):
+        name.unlink()
+    shutil.rmtree(site / "assets/javascripts/lunr", ignore_errors=True)
     (worker,) = site.glob("assets/javascripts/workers/search.*.min.js")
     index = (site / "search/search_index.json").read_text()
     (site / "search/offline.js").write_text(OFFLINE % (index, json.dumps(worker.read_text())))
