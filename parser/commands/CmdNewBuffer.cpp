@@ -219,6 +219,7 @@ bool CmdNewBuffer::hasSections() const {
 }
 
 std::unique_ptr<TessaronImportApi> CmdNewBuffer::openFile(const CmdContext& context) const {
+    if (reader_ != nullptr) return std::move(reader_);
     // For the system a path ends at a zero byte.
     const std::string path = fileName_.substr(0, fileName_.find('\0'));
     const Io::Import::ReadOptions options{overlapRule_, addressUnit(), family_};
