@@ -52,11 +52,13 @@ class Bench:
 
     def once(self, command):
         report = self.path("report")
-        if subprocess.run([self.measure, report] + command, cwd=self.work).returncode != 0:
-            sys.exit("cannot run " + command[0])
+        with open(self.path("errors"), "w") as errors:
+            if subprocess.run([self.measure, report] + command, cwd=self.work,
+                              stderr=errors).returncode != 0:
+                sys.exit("cannot run " + command[0])
         status, processor, wall, memory = map(int, pathlib.Path(report).read_text().split())
         if status != 0:
-            sys.exit("failed: " + " ".join(command))
+            sys.exit("failed: %s\n%s" % (" ".join(command), pathlib.Path(self.path("errors")).read_text()))
         return processor / 1e6, wall / 1e6, memory / 1024
 
     def sample(self, commands, rounds):

@@ -11,6 +11,7 @@
 #include <optional>
 #include <string_view>
 
+#include "cli/KindPages.hpp"
 #include "cli/Listing.hpp"
 #include "io/formats/InputFormats.hpp"
 #include "platform/Paths.hpp"
@@ -158,10 +159,8 @@ void addPath(CLI::App& command, const std::string& name, std::string& path,
 }
 
 std::string version() {
-    const auto info = Platform::versionInfo("");
-    if (!info) return "tessaron";
-    return "tessaron " + std::to_string(info->major) + "." + std::to_string(info->minor) + " (" +
-           info->commit + ")";
+    const std::string version = Platform::versionText();
+    return version.empty() ? "tessaron" : "tessaron " + version;
 }
 
 /// Refuses an empty text, such as that of a variable of a shell that is not set: it would count as
@@ -203,7 +202,10 @@ void addDisplay(CLI::App& command, Request& request, Texts& texts) {
         ->check(&faultIfEmpty);
     command.add_flag("-q,--quiet", request.isQuiet, "prints errors only");
     addChoice(command, "--diagnostics", "the form of the diagnostics", request.format,
-              {{"text", Strict::DiagnosticFormat::Text}, {"json", Strict::DiagnosticFormat::Json}});
+              {{"text", Strict::DiagnosticFormat::Text},
+               {"json", Strict::DiagnosticFormat::Json},
+               {"sarif", Strict::DiagnosticFormat::Sarif},
+               {"github", Strict::DiagnosticFormat::Github}});
     addChoice(command, "--color", "colors the output", request.color,
               {{"auto", Color::Auto}, {"always", Color::Always}, {"never", Color::Never}});
     command.add_option("--error", texts.errors, "counts these diagnostics as errors")
@@ -538,7 +540,7 @@ int answer(const CLI::App& app, const CLI::Success& asked) {
     return printed();
 }
 
-/// What tessaron help takes: the topics, and the commands, whose help it prints.
+/// What tessaron help takes and lists: the topics, and the commands, whose help it prints.
 std::vector<std::string> topicsOf(const CLI::App& app) {
     std::vector<std::string> names;
     for (const Topic& topic : topics()) names.emplace_back(topic.name);
@@ -547,31 +549,49 @@ std::vector<std::string> topicsOf(const CLI::App& app) {
     return names;
 }
 
-void addHelp(CLI::App& app, std::string& topic) {
-    CLI::App* const help = app.add_subcommand("help", "lists what the language has");
+/// The page of the book about a kind of diagnostics, or nothing.
+const KindPage* pageOf(std::string_view kind) {
+    const auto page = std::ranges::find(kindPages(), kind, &KindPage::kind);
+    return page == kindPages().end() ? nullptr : &*page;
+}
+
+void addHelp(CLI::App& app, std::vector<std::string>& asked) {
+    CLI::App* const help =
+        app.add_subcommand("help", "lists what the language has, and explains diagnostics");
     std::string meanings = "Topics:\n";
     for (const Topic& one : topics())
         meanings += "  " + std::string(one.name) + ": " + one.meaning + "\n";
-    help->footer(meanings + "Example: tessaron help crcs");
-    help->add_option("topic", topic, "a topic, or a command")
+    help->footer(meanings +
+                 "  the name of a kind: what such a diagnostic means, and what to do\n"
+                 "Examples: tessaron help crcs, tessaron help conflict");
+    help->add_option("topics", asked, "topics, kinds of diagnostics, or commands")
         ->type_name("TOPIC")
         ->check([&app](const std::string& text) {
-            const auto known = topicsOf(app);
-            if (std::ranges::find(known, text) != known.end()) return std::string();
+            auto known = topicsOf(app);
+            if (pageOf(text) != nullptr || std::ranges::find(known, text) != known.end())
+                return std::string();
+            const std::string all = CLI::detail::join(known, ", ");
+            for (const KindPage& page : kindPages()) known.emplace_back(page.kind);
             const std::string meant = Strict::didYouMean(text, known);
             return text + " is not a topic" +
-                   (meant.empty() ? "; there are " + CLI::detail::join(known, ", ") : meant);
+                   (meant.empty() ? "; there are " + all + ", and the kinds of diagnostics"
+                                  : meant);
         });
 }
 
-/// Prints the help on a topic, on a command, or on help itself, and returns the exit code.
-int explain(const CLI::App& app, const std::string& name) {
+/// The help on a topic, on a kind of diagnostics, or on a command.
+std::string helpOn(const CLI::App& app, const std::string& name) {
+    if (const KindPage* const page = pageOf(name)) return std::string(page->text);
     const auto topic =
         std::ranges::find_if(topics(), [&](const Topic& one) { return name == one.name; });
-    if (topic != topics().end())
-        std::cout << topic->text();
-    else
-        std::cout << app.get_subcommand(name.empty() ? "help" : name)->help();
+    return topic != topics().end() ? topic->text() : app.get_subcommand(name)->help();
+}
+
+/// Prints the help on what was asked, or on help itself, and returns the exit code.
+int explain(const CLI::App& app, std::vector<std::string> asked) {
+    if (asked.empty()) asked.emplace_back("help");
+    for (const std::string& name : asked)
+        std::cout << (&name == asked.data() ? "" : "\n") << helpOn(app, name);
     return printed();
 }
 
@@ -623,7 +643,10 @@ std::string adviceOnOptions(const CLI::App& app) {
 
 int read(std::span<const char* const> arguments, Request& request) {
     CLI::App app("Prepares flash images under a script; a failure is a failure.", "tessaron");
-    app.footer("Example: tessaron run release.tsn inFile=app.hex outFile=release.hex");
+    app.footer(
+        "Example: tessaron run release.tsn inFile=app.hex outFile=release.hex\n"
+        "More: tessaron run --help, tessaron help, and the book, html/index.html in the folder of "
+        "documents");
     // A path may begin with a slash on every system.
     app.allow_windows_style_options(false);
     app.set_version_flag("--version", version());
@@ -655,13 +678,13 @@ int read(std::span<const char* const> arguments, Request& request) {
     addConvert(app, request, texts);
     addFormat(app, request, texts);
     addServer(app, request);
-    std::string topic;
-    addHelp(app, topic);
+    std::vector<std::string> helpNames;
+    addHelp(app, helpNames);
     if (const std::string fault = faultOfCommand(app, arguments); !fault.empty())
         return refuse(fault);
     try {
         app.parse(static_cast<int>(arguments.size()), arguments.data());
-        if (app.got_subcommand("help")) return explain(app, topic);
+        if (app.got_subcommand("help")) return explain(app, helpNames);
         apply(request, texts);
         request.run.isCheck = check->parsed();
     } catch (const CLI::Success& asked) {

@@ -1,6 +1,8 @@
 #include "cli/Conversion.hpp"
 
+#include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "inspect/Image.hpp"
 #include "inspect/Words.hpp"
@@ -119,7 +121,32 @@ std::optional<FormatChoice> formatOf(const Conversion& conversion, Strict::Print
 struct InputFacts {
     std::uint64_t lowest = 0;  ///< address
     std::optional<std::uint64_t> startAddress;
+    Buffer::AreaList filled;  ///< that a filler has to lie under; empty if it is all of the image
 };
+
+/// A filler is for short gaps alone, in all of an image that is where its file has it.
+bool fillsParts(const Conversion& conversion) {
+    const Arranging& arranging = conversion.arranging;
+    return !conversion.fill.empty() && arranging.shortGaps && !conversion.crop && !arranging.lane &&
+           arranging.interleave == 0;
+}
+
+/// The parts of an image that a filler has to lie under so that short gaps are filled and ends are
+/// aligned; none if it is all of the image. Parts far from each other keep their distance.
+Buffer::AreaList filledParts(const Inspect::Image& image, const Arranging& arranging) {
+    constexpr std::uint64_t near = std::uint64_t{1} << 20U;
+    const std::uint64_t alignment = arranging.alignment;
+    Buffer::AreaList parts = Inspect::joined(
+        image.areas(), std::max({near, std::uint64_t{*arranging.shortGaps}, 2 * alignment}));
+    if (parts.size() < 2) return {};
+    const Buffer::Area all = image.data.getArea();
+    for (Buffer::Area& part : parts) {
+        const std::uint64_t start = part.start - std::min(alignment, part.start - all.start);
+        const std::uint64_t end = std::min(part.end() + alignment, all.end());
+        part = {start, end - start};
+    }
+    return parts;
+}
 
 /// Reads the input for its facts; nothing after a diagnostic. A run reads it again and reports
 /// what is odd about it.
@@ -145,6 +172,8 @@ std::optional<InputFacts> factsOf(const Conversion& conversion, const FormatChoi
     InputFacts facts;
     facts.lowest = image->data.getStartAddress();
     facts.startAddress = image->startAddress;
+    if (fillsParts(conversion)) facts.filled = filledParts(*image, conversion.arranging);
+    for (Buffer::Area& part : facts.filled) part.start += conversion.offset;
     // It moves with the data. 0 counts as none.
     if (facts.startAddress.value_or(0) != 0) *facts.startAddress += conversion.offset;
     const bool isIn32Bits = facts.startAddress.value_or(0) <= highestAddress;
@@ -176,6 +205,15 @@ void addAddress(Piece& piece, std::uint64_t address) {
     piece.addNumber(static_cast<std::uint32_t>(address), Inspect::addressText(address));
 }
 
+Piece pieceOf(const Buffer::Area& area) {
+    Piece piece("{");
+    addAddress(piece, area.start);
+    piece << ", ";
+    addAddress(piece, area.length);
+    piece << "}";
+    return piece;
+}
+
 /// All that a conversion is made of.
 struct Steps {
     std::string input;
@@ -191,6 +229,7 @@ struct Steps {
     std::string elfTemplate = {};
     Io::Import::SectionChoice sections = {};
     std::optional<FormatChoice> family = {};
+    Buffer::AreaList filled = {};  ///< where `fill` is laid; everywhere if empty
 };
 
 constexpr const char* imageName = "@Image";
@@ -287,12 +326,7 @@ void addNewBuffer(Strict::ProgramMaker& maker, const Steps& steps, const std::st
     if (steps.crop) {
         image.setBufferRange(*steps.crop);
         maker.add(" -useBufferRange=");
-        Piece range("{");
-        addAddress(range, steps.crop->start);
-        range << ", ";
-        addAddress(range, steps.crop->length);
-        range << "}";
-        maker.add(Role::Range, range);
+        maker.add(Role::Range, pieceOf(*steps.crop));
     }
     if (steps.arranging.inputUnit != 0) {
         image.setAddressUnit(steps.arranging.inputUnit);
@@ -340,6 +374,13 @@ void addFillBuffer(Strict::ProgramMaker& maker, const Steps& steps) {
     }
     bytes << "}";
     maker.addWord(Role::Filler, bytes);
+    if (!steps.filled.empty()) maker.add(" -useAreas={");
+    for (const Buffer::Area& area : steps.filled) {
+        fill.addArea(area);
+        if (&area != &steps.filled.front()) maker.add(", ");
+        maker.add(Role::Area, pieceOf(area));
+    }
+    if (!steps.filled.empty()) maker.add("}");
     maker.end();
 }
 
@@ -444,9 +485,11 @@ std::optional<Steps> stepsOf(const Conversion& conversion, Strict::Printer& prin
         steps.furtherSources.push_back(*furtherSource);
     }
     const bool hasStart = rowOf(*format).hasStartAddress;
-    if (!hasStart && conversion.offset == 0) return steps;
-    const auto facts = factsOf(conversion, *format, printer);
+    const bool hasParts = fillsParts(conversion) && Platform::isRegularFile(conversion.input);
+    if (!hasStart && conversion.offset == 0 && !hasParts) return steps;
+    auto facts = factsOf(conversion, *format, printer);
     if (!facts) return std::nullopt;
+    steps.filled = std::move(facts->filled);
     if (hasStart && facts->startAddress)
         steps.startAddress = static_cast<std::uint32_t>(*facts->startAddress);
     if (conversion.offset == 0) return steps;

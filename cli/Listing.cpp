@@ -77,9 +77,9 @@ std::string statements() {
     const std::vector<Row> directives{
         {"INCLUDE", "puts the text of another file in its place"},
         {"PARAMETER", "declares what the script expects from its caller"}};
-    return "Statements:\n" + table(rows) +
-           "\nLines that only tessaron has, see section 15.78 of the manual:\n" +
-           table(directives) + "\nChapter 6 of the manual describes each with its options.\n";
+    return "Statements:\n" + table(rows) + "\nLines that only tessaron has:\n" + table(directives) +
+           "\nThe book has a page for each statement, with its options, such as "
+           "statements/new-buffer.\n";
 }
 
 std::string crcs() {
@@ -173,7 +173,8 @@ std::string kinds() {
         rows.push_back({kind.name,
                         std::string(kind.isFixed ? "always an " : "") + wordFor(kind.severity),
                         kind.meaning});
-    return "Kinds of diagnostics, for --error, --warn and --ignore:\n" + table(rows);
+    return "Kinds of diagnostics, for --error, --warn and --ignore:\n" + table(rows) +
+           "\ntessaron help NAME prints the page about one.\n";
 }
 
 constexpr std::array allTopics{

@@ -7,7 +7,8 @@ set(TESSARON_CONTACT "The Tessaron developers <developers@tessaron.invalid>"
 set(cmakeFiles ${CMAKE_INSTALL_DATAROOTDIR}/cmake/Tessaron)
 
 install(TARGETS CmdTessaron tessaron EXPORT TessaronProgram RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES CHANGELOG.md docs/CmdTessaronManual.txt docs/cmake.md docs/third-party.md
+install(FILES CHANGELOG.md docs/CmdTessaronManual.txt docs/manifest.schema.json
+              docs/performance.md docs/third-party.md
         DESTINATION ${documents})
 install(DIRECTORY examples DESTINATION ${documents} PATTERN build EXCLUDE)
 install(DIRECTORY recipes/ DESTINATION ${recipes})
@@ -18,6 +19,7 @@ if(WIN32)
 else()
   include(TessaronUnixFiles)
 endif()
+include(TessaronBook)
 include(TessaronLicences)
 
 # The files for find_package(Tessaron). The program runs on the host, so a project that is compiled

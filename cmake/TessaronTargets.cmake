@@ -90,8 +90,12 @@ endfunction()
 # on Windows with its version data as a resource.
 function(tessaron_program name description)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
-  if(TESSARON_STATIC)
+  if(TESSARON_STATIC AND WIN32)
     target_link_options(${name} PRIVATE -static)
+  elseif(TESSARON_STATIC)
+    # The option -static of g++ itself leaves out the index of stack frames, so that the first
+    # exception of a run sorts them all, which takes longer than a small script.
+    target_link_options(${name} PRIVATE -no-pie -static-libgcc -Wl,-static)
   endif()
   if(WIN32)
     set(TESSARON_PROGRAM ${name})

@@ -21,13 +21,17 @@ _tessaron_words() {
         value-size whole-image text-size number-range empty-area digest-self digest-stale
         format-ending empty-output double-area repeated-option in-place unused-image bare-word
         unknown-text leading-zero backslash-path typographic-quote
-        wide-gap verify key signature key-readable'
+        wide-gap verify signature key-readable'
+    # Always errors.
+    local fixed='syntax cannot-open cannot-write short-read short-write out-of-memory record-checksum
+        record-line differs record-digit record-length record-type record-address after-end
+        record-count wrong-format same-file key missing-parameter'
     case $command:$previous in
         diff:--ignore) return ;;
         *:--error | *:--warn | *:--ignore) compgen -W "$kinds" -- "$current"; return ;;
     esac
     case $previous in
-        --diagnostics) compgen -W 'text json' -- "$current"; return ;;
+        --diagnostics) compgen -W 'text json sarif github' -- "$current"; return ;;
         --color) compgen -W 'auto always never' -- "$current"; return ;;
         -C | --directory) compgen -d -- "$current"; return ;;
         -D | --define | --symbol | --width | --context | --max-lines | \
@@ -64,7 +68,7 @@ _tessaron_words() {
         help:-*) compgen -W '--help' -- "$current" ;;
         help:*)
             compgen -W 'statements numbers crcs hashes signatures formats kinds
-                run check info diff map convert format lsp help' -- "$current" ;;
+                run check info diff map convert format lsp help'" $kinds $fixed" -- "$current" ;;
         *) compgen -f -- "$current" ;;
     esac
 }

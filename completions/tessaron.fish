@@ -10,7 +10,11 @@ set -l kinds no-end unknown-name duplicate-name outside wiped empty-image empty-
     value-size whole-image text-size number-range empty-area digest-self \
     digest-stale format-ending empty-output double-area repeated-option in-place \
     unused-image bare-word unknown-text leading-zero backslash-path typographic-quote \
-    wide-gap verify key signature key-readable
+    wide-gap verify signature key-readable
+# Always errors.
+set -l fixed syntax cannot-open cannot-write short-read short-write out-of-memory \
+    record-checksum record-line differs record-digit record-length record-type \
+    record-address after-end record-count wrong-format same-file key missing-parameter
 set -l formats IntelHex MotorolaS RawBinary Elf Uf2 TiTxt Vmem DfuSe
 set -l none "not __fish_seen_subcommand_from $commands"
 set -l any '__fish_seen_subcommand_from run check info diff map convert format'
@@ -35,11 +39,11 @@ complete -c tessaron -n $none -f -a convert -d 'Convert a file'
 complete -c tessaron -n $none -f -a format -d 'Format scripts'
 complete -c tessaron -n $none -f -a lsp -d 'Serve an editor'
 complete -c tessaron -n $none -f -a help -d 'List what the language has'
-complete -c tessaron -n '__fish_seen_subcommand_from help' -f -a "$topics $commands"
+complete -c tessaron -n '__fish_seen_subcommand_from help' -f -a "$topics $commands help $kinds $fixed"
 
 complete -c tessaron -n $any -s C -l directory -x -a '(__fish_complete_directories)' -d 'Work in this folder'
 complete -c tessaron -n $any -s q -l quiet -d 'Print errors only'
-complete -c tessaron -n $any -l diagnostics -x -a 'text json' -d 'The form of the diagnostics'
+complete -c tessaron -n $any -l diagnostics -x -a 'text json sarif github' -d 'The form of the diagnostics'
 complete -c tessaron -n $any -l color -x -a 'auto always never' -d 'Color the output'
 complete -c tessaron -n $any -l error -x -a "$kinds" -d 'Count these diagnostics as errors'
 complete -c tessaron -n $any -l warn -x -a "$kinds" -d 'Count these diagnostics as warnings'

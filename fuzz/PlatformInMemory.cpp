@@ -208,6 +208,10 @@ std::error_code changeFolder(const std::string& /*path*/) {
     return {};
 }
 
+std::size_t readInput(std::span<char> /*bytes*/) {
+    return 0;
+}
+
 int runProgram(const std::string& /*location*/, const std::string& /*arguments*/) {
     return 0;
 }

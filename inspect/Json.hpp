@@ -1,7 +1,9 @@
 #pragma once
 
+#include <map>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
 
 #include "inspect/Image.hpp"
 #include "inspect/Info.hpp"
@@ -13,6 +15,19 @@
 namespace Inspect {
 
 using Json = nlohmann::ordered_json;
+
+/// Adds a property that the object does not have yet. Its own operators search all properties for
+/// the name first, which are as many as a script has variables or lines.
+inline void addNew(Json& object, std::string name, Json value) {
+    object.get_ref<Json::object_t&>().emplace_back(std::move(name), std::move(value));
+}
+
+/// The texts as the properties of an object.
+inline Json toJson(const std::map<std::string, std::string>& texts) {
+    Json json = Json::object();
+    for (const auto& [name, text] : texts) addNew(json, name, text);
+    return json;
+}
 
 inline Json toJson(const Buffer::Area& area) {
     return {{"start", addressText(area.start)}, {"length", area.length}};
@@ -43,10 +58,16 @@ std::string shortText(const Value& value) {
     return value.dump(-1, ' ', false, Value::error_handler_t::replace);
 }
 
-/// Bytes that are not UTF-8, as a path may have them, are replaced.
+/// The value as text. Bytes that are not UTF-8, as a path may have them, are replaced.
+///
+/// @param indent  blanks for each level of lines; -1 for a single line
+inline std::string textOf(const Json& json, int indent) {
+    return Util::printableJson(json.dump(indent, ' ', false, Json::error_handler_t::replace));
+}
+
+/// The value as the contents of a file.
 inline std::string dump(const Json& json, int indent = 2) {
-    return Util::printableJson(json.dump(indent, ' ', false, Json::error_handler_t::replace)) +
-           "\n";
+    return textOf(json, indent) + "\n";
 }
 
 }  // namespace Inspect

@@ -4,7 +4,7 @@
 #include "inspect/CrcWords.hpp"
 #include "inspect/Digest.hpp"
 #include "inspect/Gaps.hpp"
-#include "inspect/Json.hpp"
+#include "inspect/JsonText.hpp"
 #include "inspect/RunRecord.hpp"
 #include "inspect/Words.hpp"
 #include "util/Hex.hpp"
@@ -14,30 +14,39 @@ namespace Inspect {
 namespace {
 
 /// Adds the line of a statement, and the file that has it if that is not the script itself.
-void addLine(Json& json, std::size_t line, const std::string& script) {
-    json["line"] = line;
-    if (!script.empty()) json["script"] = script;
+void addLine(JsonText& json, std::size_t line, const std::string& script) {
+    json.addNumber("line", line);
+    if (!script.empty()) json.addText("script", script);
 }
 
-Json inputJson(const FileRecord& file) {
-    Json json{{"path", file.path}, {"size", file.size}, {"sha256", file.sha256}};
-    if (file.isIncluded) json["included"] = true;
+void addFile(JsonText& json, const FileRecord& file) {
+    json.addNumber("size", file.size);
+    json.addText("sha256", file.sha256);
+}
+
+void addInput(JsonText& json, const FileRecord& file) {
+    json.openObject();
+    json.addText("path", file.path);
+    addFile(json, file);
+    if (file.isIncluded) json.addFlag("included", true);
     if (!file.format.empty()) {
-        json["format"] = file.format;
-        json["areas"] = toJson(file.areas);
+        json.addText("format", file.format);
+        json.addAreas("areas", file.areas);
     }
-    return json;
+    json.close();
 }
 
-Json outputJson(const FileRecord& file) {
-    Json json{{"path", file.path},
-              {"format", file.format},
-              {"size", file.size},
-              {"sha256", file.sha256},
-              {"images", file.images}};
+void addOutput(JsonText& json, const FileRecord& file) {
+    json.openObject();
+    json.addText("path", file.path);
+    json.addText("format", file.format);
+    addFile(json, file);
+    json.openList("images");
+    for (const std::string& name : file.images) json.addText(name);
+    json.close();
     addLine(json, file.line, file.script);
-    if (file.startAddress) json["startAddress"] = addressText(*file.startAddress);
-    return json;
+    if (file.startAddress) json.addText("startAddress", addressText(*file.startAddress));
+    json.close();
 }
 
 const char* wordFor(MapKind kind) {
@@ -45,13 +54,19 @@ const char* wordFor(MapKind kind) {
     return words[static_cast<std::size_t>(kind)];
 }
 
-Json rangeJson(const OriginRange& range) {
-    Json json = toJson(range.area);
-    json["kind"] = wordFor(range.kind);
+void addRange(JsonText& json, const OriginRange& range) {
+    json.openObject();
+    json.addArea(range.area);
+    json.addText("kind", wordFor(range.kind));
     addLine(json, range.line, range.script);
-    if (!range.file.empty()) json["file"] = range.file;
-    if (range.firstLine != 0) json["fileLines"] = {range.firstLine, range.lastLine};
-    return json;
+    if (!range.file.empty()) json.addText("file", range.file);
+    if (range.firstLine != 0) {
+        json.openList("fileLines");
+        json.addNumber(range.firstLine);
+        json.addNumber(range.lastLine);
+        json.close();
+    }
+    json.close();
 }
 
 /// The digests of the whole image, or of what has a byte or a filler if the gaps are too wide: they
@@ -64,33 +79,36 @@ Digest imageDigest(const ImageRecord& record) {
                : digestOf(*record.image);
 }
 
-Json imageJson(const ImageRecord& record) {
-    const Buffer::Area area = record.image->getArea();
-    Json json{{"name", record.name}};
-    json.update(toJson(area));
+void addImage(JsonText& json, const ImageRecord& record) {
+    json.openObject();
+    json.addText("name", record.name);
+    json.addArea(record.image->getArea());
     const Digest digest = imageDigest(record);
-    json["crc32"] = Util::hexWord(digest.crc32);
-    json["sha256"] = digest.sha256;
-    if (record.startAddress) json["startAddress"] = addressText(*record.startAddress);
-    json["ranges"] = Json::array();
-    for (const OriginRange& range : record.ranges) json["ranges"].push_back(rangeJson(range));
-    return json;
+    json.addText("crc32", Util::hexWord(digest.crc32));
+    json.addText("sha256", digest.sha256);
+    if (record.startAddress) json.addText("startAddress", addressText(*record.startAddress));
+    json.openList("ranges");
+    for (const OriginRange& range : record.ranges) addRange(json, range);
+    json.close();
+    json.close();
 }
 
-Json algorithmJson(const Algorithm& algorithm) {
-    Json json{{"name", algorithm.name}};
-    if (!algorithm.meaning.empty()) json["meaning"] = algorithm.meaning;
-    if (!algorithm.crc) return json;
-    const Util::Crc::CrcParameters& crc = *algorithm.crc;
-    json["width"] = crc.width;
-    json["poly"] = crcNumberText(crc.polynomial, crc.width);
-    json["init"] = crcNumberText(crc.initial, crc.width);
-    json["refin"] = crc.isInputReflected;
-    json["refout"] = crc.isOutputReflected;
-    json["xorout"] = crcNumberText(crc.finalXor, crc.width);
-    if (algorithm.alignment != Util::Crc::CrcAlignment::Right)
-        json["alignment"] = alignmentWord(algorithm.alignment);
-    return json;
+void addAlgorithm(JsonText& json, const Algorithm& algorithm) {
+    json.openObject("algorithm");
+    json.addText("name", algorithm.name);
+    if (!algorithm.meaning.empty()) json.addText("meaning", algorithm.meaning);
+    if (algorithm.crc) {
+        const Util::Crc::CrcParameters& crc = *algorithm.crc;
+        json.addNumber("width", crc.width);
+        json.addText("poly", crcNumberText(crc.polynomial, crc.width));
+        json.addText("init", crcNumberText(crc.initial, crc.width));
+        json.addFlag("refin", crc.isInputReflected);
+        json.addFlag("refout", crc.isOutputReflected);
+        json.addText("xorout", crcNumberText(crc.finalXor, crc.width));
+        if (algorithm.alignment != Util::Crc::CrcAlignment::Right)
+            json.addText("alignment", alignmentWord(algorithm.alignment));
+    }
+    json.close();
 }
 
 /// A CRC with its highest byte first.
@@ -103,48 +121,64 @@ std::string numberDigits(const ValueRecord& value) {
     return digits;
 }
 
-Json valueJson(const ValueRecord& value) {
-    Json json{{"name", value.name},
-              {"kind", value.kind},
-              {"value", numberDigits(value)},
-              {"bytes", value.bytes}};
-    addLine(json, value.line, value.script);
-    json["algorithm"] = algorithmJson(value.algorithm);
-    if (!value.publicKey.empty()) json["publicKey"] = value.publicKey;
-    if (value.wordSize != 1) json["wordSize"] = value.wordSize;
-    json["covers"] = Json::array();
-    for (const ValueRecord::Source& source : value.sources)
-        json["covers"].push_back({{"image", source.image}, {"areas", toJson(source.areas)}});
-    json["places"] = Json::array();
-    for (const ValueRecord::Place& place : value.places) {
-        Json entry{{"image", place.image}};
-        entry.update(toJson(place.area));
-        if (!place.byteOrder.empty()) entry["byteOrder"] = place.byteOrder;
-        addLine(entry, place.line, place.script);
-        json["places"].push_back(std::move(entry));
-    }
-    return json;
+void addPlace(JsonText& json, const ValueRecord::Place& place) {
+    json.openObject();
+    json.addText("image", place.image);
+    json.addArea(place.area);
+    if (!place.byteOrder.empty()) json.addText("byteOrder", place.byteOrder);
+    addLine(json, place.line, place.script);
+    json.close();
 }
 
-template <class Entries, class Convert>
-Json listOf(const Entries& entries, Convert convert) {
-    Json list = Json::array();
-    for (const auto& entry : entries) list.push_back(convert(entry));
-    return list;
+void addValue(JsonText& json, const ValueRecord& value) {
+    json.openObject();
+    json.addText("name", value.name);
+    json.addText("kind", value.kind);
+    json.addText("value", numberDigits(value));
+    json.addText("bytes", value.bytes);
+    addLine(json, value.line, value.script);
+    addAlgorithm(json, value.algorithm);
+    if (!value.publicKey.empty()) json.addText("publicKey", value.publicKey);
+    if (value.wordSize != 1) json.addNumber("wordSize", value.wordSize);
+    json.openList("covers");
+    for (const ValueRecord::Source& source : value.sources) {
+        json.openObject();
+        json.addText("image", source.image);
+        json.addAreas("areas", source.areas);
+        json.close();
+    }
+    json.close();
+    json.openList("places");
+    for (const ValueRecord::Place& place : value.places) addPlace(json, place);
+    json.close();
+    json.close();
+}
+
+template <class Entry>
+void addList(JsonText& json, const char* name, const std::vector<Entry>& entries,
+             void (*addEntry)(JsonText&, const Entry&)) {
+    json.openList(name);
+    for (const Entry& entry : entries) addEntry(json, entry);
+    json.close();
 }
 
 }  // namespace
 
 std::string manifestOf(const RunRecord& record) {
-    Json json{{"version", 1},
-              {"script", {{"path", record.scriptPath}, {"sha256", record.scriptSha256}}}};
-    json["variables"] = Json::object();
-    for (const auto& [name, value] : record.variables) json["variables"][name] = value;
-    json["inputs"] = listOf(record.inputs, inputJson);
-    json["images"] = listOf(record.images, imageJson);
-    json["values"] = listOf(record.values, valueJson);
-    json["outputs"] = listOf(record.outputs, outputJson);
-    return dump(json);
+    JsonText json;
+    json.addNumber("version", 1);
+    json.openObject("script");
+    json.addText("path", record.scriptPath);
+    json.addText("sha256", record.scriptSha256);
+    json.close();
+    json.openObject("variables");
+    for (const auto& [name, value] : record.variables) json.addText(name, value);
+    json.close();
+    addList(json, "inputs", record.inputs, &addInput);
+    addList(json, "images", record.images, &addImage);
+    addList(json, "values", record.values, &addValue);
+    addList(json, "outputs", record.outputs, &addOutput);
+    return json.take();
 }
 
 MapRow rowOf(const ImageRecord& image) {

@@ -568,7 +568,9 @@ Json Page::imageJson(const ImageRecord& image, std::size_t most) {
 }
 
 void Page::addData() {
-    Json json{{"images", Json::array()}, {"statements", Json::object()}};
+    Json json{{"images", Json::array()}};
+    Json statements = Json::object();
+    Json places = Json::object();
     std::set<ScriptLine> used;
     for (const ImageRecord& image : record_->images) {
         const std::size_t most = mostBytes / record_->images.size();
@@ -578,9 +580,11 @@ void Page::addData() {
     for (const ScriptLine& line : used) {
         const auto& lines = lines_[line.file];
         if (line.line == 0 || line.line > lines.size()) continue;
-        json["statements"][keyOf(line)] = Util::printableColumns(lines[line.line - 1]);
-        if (line.file != 0) json["places"][keyOf(line)] = Util::printable(nameOf(line));
+        addNew(statements, keyOf(line), Util::printableColumns(lines[line.line - 1]));
+        if (line.file != 0) addNew(places, keyOf(line), Util::printable(nameOf(line)));
     }
+    json["statements"] = std::move(statements);
+    if (!places.empty()) json["places"] = std::move(places);
     if (!hasAllRanges_) add("<p>The maps show the first ranges of each image only.</p>\n");
     if (!hasAllBytes_)
         add("<p>The images are too long for this page: it has the first and the last bytes of each "

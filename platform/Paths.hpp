@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// What paths of the operating system mean.
@@ -12,6 +13,11 @@ extern const char pathSeparator;
 
 /// Where the name of the file begins in a path, after its folders.
 std::size_t fileNameStart(const std::string& path);
+
+/// The path that the system makes of a text: it ends at a zero byte.
+inline std::string systemPath(std::string_view text) {
+    return std::string(text.substr(0, text.find('\0')));
+}
 
 /// The path leads to a regular file.
 bool isRegularFile(const std::string& path);

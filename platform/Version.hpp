@@ -22,4 +22,12 @@ struct VersionInfo {
 /// @param programPath  the path by which the program was started
 std::optional<VersionInfo> versionInfo(const char* programPath);
 
+/// "1.1 (commit)", for people; empty if the running program has no version data.
+inline std::string versionText() {
+    const auto info = versionInfo("");
+    if (!info) return {};
+    return std::to_string(info->major) + "." + std::to_string(info->minor) + " (" + info->commit +
+           ")";
+}
+
 }  // namespace Platform

@@ -4,14 +4,15 @@
 # them. For aarch64 and windows, it fetches the sources of Botan and CUnit as well.
 #   scripts/setup.sh build|demo|test|test-all|bench|package|aarch64|windows|... ...
 # test has the tools of nearly all tests; test-all adds those of some hundred MB each, which few tests
-# need: a browser, a cross compiler, npm.
+# need: a browser, a cross compiler, npm, and what makes HTML of the book.
 set -eu
 
 build="g++ cmake ninja-build libboost-dev libbotan-2-dev libcunit1-dev libcli11-dev nlohmann-json3-dev"
 demo="$build python3 srecord"
 test="$build git libgtest-dev python3 python3-jsonschema srecord binutils openssl xxd make
       libdigest-crc-perl dfu-util groff-base mandoc vim strace zsh fish dpkg-dev"
-test_all="$test gcc-arm-none-eabi nodejs npm neovim chromium lintian"
+book="mkdocs mkdocs-material"
+test_all="$test $book gcc-arm-none-eabi nodejs npm neovim chromium lintian"
 clang="clang libclang-rt-dev"
 format="git clang-format"
 tidy="$build git clang clang-tidy libgtest-dev python3"
@@ -20,8 +21,8 @@ coverage="$test_all gcovr"
 bench="$build libbenchmark-dev libgcrypt20-dev libcrypto++-dev libssl-dev zlib1g-dev python3
        python3-intelhex srecord binutils openssl"
 libcxx="$build clang-16 libc++-16-dev libc++abi-16-dev python3"
-package="$build python3 dpkg-dev"
-cross="$build git patch googletest python3 python3-jsonschema srecord openssl xxd"
+package="$build $book python3 dpkg-dev"
+cross="$build $book git patch googletest python3 python3-jsonschema srecord openssl xxd"
 aarch64="$cross g++-aarch64-linux-gnu libc6-dev-arm64-cross qemu-user-static dpkg-dev lintian"
 windows="$cross g++-mingw-w64-x86-64-posix wine64 nsis file"
 

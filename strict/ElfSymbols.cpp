@@ -5,11 +5,10 @@
 #include <string_view>
 #include <utility>
 
-#include "facts/Listener.hpp"
 #include "inspect/Words.hpp"
 #include "parser/commands/SymbolFiles.hpp"
 #include "platform/Paths.hpp"
-#include "strict/RunListener.hpp"
+#include "strict/OutsideReading.hpp"
 
 namespace Strict {
 
@@ -53,12 +52,7 @@ Request requestOf(const std::string& text) {
 
 bool resolveSymbols(const std::vector<std::string>& requests, RunFiles& files,
                     std::map<std::string, std::string>& variables, DiagnosticSink& sink) {
-    StatementReports reports(nullptr, sink);
-    RunListener listener(reports, nullptr, nullptr,
-                         {[&files](std::string_view file) { return files.reasonFor(file); },
-                          [](std::string_view /*name*/) { return true; }, OptionsOf::Inspection});
-    const Facts::ListenerScope listening(listener);
-    const Io::HostScope hosting(files);
+    const OutsideReading reading(files, sink, OptionsOf::Inspection);
     Parser::WrapperLib::SymbolFiles symbols;
     bool isGood = true;
     for (const std::string& text : requests) {

@@ -8,7 +8,7 @@
 #include "io/File.hpp"
 #include "io/import/Malformed.hpp"
 #include "strict/AddressSpace.hpp"
-#include "strict/RunListener.hpp"
+#include "strict/OutsideReading.hpp"
 #include "strict/files/RunFiles.hpp"
 
 namespace Strict {
@@ -20,17 +20,12 @@ template <class Read>
 auto readWith(Read read, const std::string& path, DiagnosticSink& sink,
               OptionsOf options = OptionsOf::Inspection) -> decltype(read(path)) {
     RunFiles files(RunFiles::Mode::Memory);
-    StatementReports reports(nullptr, sink);
-    RunListener listener(reports, nullptr, nullptr,
-                         {[&files](std::string_view file) { return files.reasonFor(file); },
-                          [](std::string_view /*name*/) { return true; }, options});
-    const Facts::ListenerScope listening(listener);
-    const Io::HostScope hosting(files);
+    const OutsideReading reading(files, sink, options);
     const Buffer::ImageSpaceScope space(imageSpace);
     try {
         return read(path);
     } catch (const Io::bad_open&) {
-        listener.hear(Facts::FileNotOpened{path});
+        Facts::report(Facts::FileNotOpened{path});
         return std::nullopt;
     } catch (const Io::Import::Malformed&) {
         return std::nullopt;

@@ -37,14 +37,14 @@ private:
     bool name(const Parser::Part& part, FileRole role) {
         const std::string path = program_->pathOf(part);
         if (const auto collision = files_->name(path, role)) {
-            reports_->report(Kind::SameFile, wordsFor(*collision, path, role), part,
-                             "one would overwrite the other");
+            reports_->reportPart(Kind::SameFile, wordsFor(*collision, path, role), part,
+                                 "one would overwrite the other");
             return false;
         }
         const std::string input = role == FileRole::Output ? files_->inputNamed(path) : "";
         if (isScript_ && !input.empty())
-            reports_->report(Kind::InPlace, "the output replaces the input " + input, part,
-                             "give the output a name of its own");
+            reports_->reportPart(Kind::InPlace, "the output replaces the input " + input, part,
+                                 "give the output a name of its own");
         return true;
     }
 

@@ -199,6 +199,11 @@ bool checkInputs(RunFiles& files, DiagnosticSink& sink) {
     return changed.empty();
 }
 
+RunFiles::Mode modeOf(const RunOptions& options) {
+    if (!options.isCheck) return RunFiles::Mode::Disk;
+    return options.comparesDisk ? RunFiles::Mode::Comparison : RunFiles::Mode::Memory;
+}
+
 /// One run, from its options to its exit code.
 class Session {
 public:
@@ -206,11 +211,13 @@ public:
         : options_(options),
           printer_(&printer),
           output_(&output),
-          files_(options.isCheck ? RunFiles::Mode::Memory : RunFiles::Mode::Disk),
+          files_(modeOf(options)),
           documents_(options, printer.policy()),
           remarks_(printer.policy()) {
         if (!needsRecord()) return;
-        files_.keepDigests();
+        // The inputs are read once more in any case, to find out whether they have changed.
+        const bool hasDigests = documents_.areWanted() || !options_.report.empty();
+        files_.keepDigests(hasDigests ? RunFiles::DigestsOf::All : RunFiles::DigestsOf::Inputs);
         printer.copyTo(remarks_);
     }
 
@@ -240,12 +247,18 @@ private:
         }
     }
 
+    /// The exit code after a diagnostic that a policy may have silenced.
+    ExitCode failed(const char* words) {
+        if (printer_->errors() == 0) printer_->take({std::nullopt, words});
+        return ExitCode::Failed;
+    }
+
     /// Reads the script, checks it and runs it.
     ExitCode runScript() {
         if (!nameFiles(options_, documents_, files_, *printer_)) return ExitCode::Failed;
         if (!options_.printsScript && !readKeys()) return ExitCode::Failed;
         if (!resolveSymbols(options_.symbols, files_, options_.variables, *printer_))
-            return ExitCode::Failed;
+            return failed("a variable has no value without its symbol, so the run fails");
         ScriptReading reading(options_, files_, *printer_);
         auto script = reading.read(needsRecord());
         if (!script) return reading.isUnusable() ? ExitCode::Unusable : ExitCode::Failed;
@@ -263,10 +276,9 @@ private:
     bool readKeys() {
         const std::string& file = options_.passphraseFile;
         if (!file.empty()) {
-            if (auto read = readPassphrase(file, files_, *printer_))
-                passphrase_.emplace(std::move(*read));
-            else
-                return false;
+            auto read = readPassphrase(file, files_, *printer_);
+            if (!read) return false;
+            passphrase_.emplace(std::move(*read));
         }
         return documents_.readKey(passphrase(), files_, *printer_);
     }
@@ -285,7 +297,8 @@ private:
 
     ExitCode execute(const Program& program) {
         Execution execution(program, !options_.script.empty(), *printer_, *output_, files_);
-        if (!execution.readNames(options_.nameFile)) return ExitCode::Failed;
+        if (!execution.readNames(options_.nameFile))
+            return failed("the names at addresses could not be read, so the run fails");
         execution.setPassphrase(passphrase());
         const bool hasPlaces = execution.nameFiles();
         execution.checkMeaning();

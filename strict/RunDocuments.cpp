@@ -5,13 +5,10 @@
 #include <iterator>
 #include <utility>
 
-#include "facts/Listener.hpp"
-#include "io/Host.hpp"
 #include "parser/commands/SignatureKey.hpp"
-#include "platform/Files.hpp"
 #include "platform/Replace.hpp"
 #include "platform/Version.hpp"
-#include "strict/RunListener.hpp"
+#include "strict/OutsideReading.hpp"
 #include "strict/files/SourceDate.hpp"
 #include "strict/files/WholeFile.hpp"
 #include "strict/record/Proof.hpp"
@@ -31,9 +28,7 @@ std::string signatureFileOf(const std::string& document) {
 
 RunConditions conditionsOf(const Policy& policy) {
     RunConditions conditions;
-    if (const auto info = Platform::versionInfo(""))
-        conditions.version = std::to_string(info->major) + "." + std::to_string(info->minor) +
-                             " (" + info->commit + ")";
+    conditions.version = Platform::versionText();
     conditions.sourceDate = sourceDateSeconds();
     conditions.timestamp = sourceTimestamp();
     for (const KindRow& row : kinds()) {
@@ -43,16 +38,6 @@ RunConditions conditionsOf(const Policy& policy) {
                 severity == Severity::Ignored ? "ignored" : wordFor(severity);
     }
     return conditions;
-}
-
-/// A file that is compared; nothing after a diagnostic.
-std::optional<Platform::FileContents> contentsOf(const std::string& path, DiagnosticSink& sink) {
-    Platform::clearLastError();
-    auto contents = Platform::readFile(path);
-    if (!contents)
-        sink.take(
-            {Kind::CannotOpen, "cannot open " + path + ": " + Platform::lastError().message()});
-    return contents;
 }
 
 }  // namespace
@@ -90,12 +75,7 @@ bool RunDocuments::nameFiles(RunFiles& files, DiagnosticSink& sink) const {
 bool RunDocuments::readKey(std::optional<std::string_view> passphrase, RunFiles& files,
                            DiagnosticSink& sink) {
     if (keyFile_.empty()) return true;
-    StatementReports reports(nullptr, sink);
-    RunListener listener(reports, nullptr, nullptr,
-                         {[&files](std::string_view file) { return files.reasonFor(file); },
-                          [](std::string_view /*name*/) { return true; }, OptionsOf::Inspection});
-    const Facts::ListenerScope listening(listener);
-    const Io::HostScope hosting(files);
+    const OutsideReading reading(files, sink, OptionsOf::Inspection);
     if (isCheck_)
         verifyingKey_ = Parser::WrapperLib::verifyingKeyIn(keyFile_, passphrase);
     else
@@ -131,36 +111,32 @@ void RunDocuments::write(const Inspect::RunRecord& record, RunFiles& files, Diag
 bool RunDocuments::compare(const Inspect::RunRecord& record, DiagnosticSink& sink) const {
     bool isEqual = true;
     for (const Document& document : documents_) {
-        const bool isAsWritten = document.role == FileRole::Manifest
-                                     ? compareWithManifest(document.path, record, sink)
-                                     : compareText(document, record, sink);
-        isEqual = isAsWritten && isEqual;
-        if (verifyingKey_) isEqual = verify(document, sink) && isEqual;
+        const auto wanted = textOf(document, record, sink);
+        const auto found = wanted ? readWhole(document.path, sink) : std::nullopt;
+        isEqual = found && compare(document, found->text(), *wanted, sink) && isEqual;
+        if (verifyingKey_ && found) isEqual = verify(document, found->text(), sink) && isEqual;
     }
     return isEqual;
 }
 
-bool RunDocuments::compareText(const Document& document, const Inspect::RunRecord& record,
-                               DiagnosticSink& sink) const {
-    const auto wanted = textOf(document, record, sink);
-    if (!wanted) return false;
-    const auto found = contentsOf(document.path, sink);
-    if (!found) return false;
-    if (found->text() == *wanted) return true;
+bool RunDocuments::compare(const Document& document, std::string_view found,
+                           std::string_view wanted, DiagnosticSink& sink) {
+    if (document.role == FileRole::Manifest)
+        return compareWithManifest(document.path, found, wanted, sink);
+    if (found == wanted) return true;
     sink.take({Kind::Differs,
                "the " + std::string(nameOf(document.role)) + " " + document.path +
                    " is not what the run writes today",
-               std::nullopt, firstDifference(found->text(), *wanted)});
+               std::nullopt, firstDifference(found, wanted)});
     return false;
 }
 
-bool RunDocuments::verify(const Document& document, DiagnosticSink& sink) const {
+bool RunDocuments::verify(const Document& document, std::string_view text,
+                          DiagnosticSink& sink) const {
     const std::string path = signatureFileOf(document.path);
-    const auto signature = contentsOf(path, sink);
-    const auto text = Platform::readFile(document.path);
-    // That it cannot be read has been reported.
-    if (!signature || !text) return false;
-    if (isSignatureOf(signature->text(), text->text(), *verifyingKey_)) return true;
+    const auto signature = readWhole(path, sink);
+    if (!signature) return false;
+    if (isSignatureOf(signature->text(), text, *verifyingKey_)) return true;
     sink.take({Kind::Differs,
                path + " is not the signature of " + document.path + " by the key " + keyFile_});
     return false;

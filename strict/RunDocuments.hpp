@@ -45,9 +45,9 @@ private:
 
     std::optional<std::string> textOf(const Document& document, const Inspect::RunRecord& record,
                                       DiagnosticSink& sink) const;
-    bool compareText(const Document& document, const Inspect::RunRecord& record,
-                     DiagnosticSink& sink) const;
-    bool verify(const Document& document, DiagnosticSink& sink) const;
+    static bool compare(const Document& document, std::string_view found, std::string_view wanted,
+                        DiagnosticSink& sink);
+    bool verify(const Document& document, std::string_view text, DiagnosticSink& sink) const;
 
     std::vector<Document> documents_;
     std::string keyFile_;  ///< empty for none

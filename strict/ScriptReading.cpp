@@ -68,17 +68,11 @@ std::optional<std::string> ScriptReading::readScript(bool withDigest) {
     Platform::clearLastError();
     auto contents = isStandardInput ? Platform::readStandardInput() : Platform::readFile(path);
     if (!contents) {
-        std::error_code error = Platform::lastError();
-        if (isStandardInput && error == std::errc::is_a_directory) {
-            sink_->take({Kind::CannotOpen,
-                         "cannot read the script from standard input: it is closed "
-                         "or a folder"});
-            return std::nullopt;
-        }
-        if (!error && !isStandardInput) error = Platform::outputTarget(path).error;
-        sink_->take(
-            {Kind::CannotOpen, "cannot open the script " + path + ": " +
-                                   (error ? error.message() : "it has no end to wait for")});
+        const bool isFolder = Platform::lastError() == std::errc::is_a_directory;
+        sink_->take({Kind::CannotOpen,
+                     isStandardInput && isFolder
+                         ? "cannot read the script from standard input: it is closed or a folder"
+                         : "cannot open the script " + path + ": " + reasonNotOpened(path)});
         return std::nullopt;
     }
     if (contents->reading != Platform::Reading::Complete) {

@@ -11,6 +11,7 @@
 #include "parser/commands/BytePattern.hpp"
 #include "parser/commands/Conventions.hpp"
 #include "parser/commands/Layering.hpp"
+#include "platform/Paths.hpp"
 
 namespace Parser::WrapperLib {
 
@@ -45,19 +46,6 @@ private:
     std::uint64_t highestEnd_ = 0;
 };
 
-/// A new image of `range`, or of the source's own range if none is given, that holds the parts of
-/// `source` which lie in the areas, or all of it when there are none.
-MemoryBuffer extractAreas(const MemoryBuffer& source, const AreaList& areas, Area range) {
-    if (!isGiven(range)) range = source.getArea();
-    MemoryBuffer extract(range.start, range.length);
-    if (areas.empty()) extract.overlay(source);
-    for (const Area& area : areas)
-        if (const auto part = area.clippedTo(source.getArea()))
-            extract.overlay(source.extractMemory(part->start, part->length));
-    extract.setByteOrder(source.getByteOrder());
-    return extract;
-}
-
 /// Overlays `part`, or moves it in if it has the very same range: then every element is replaced
 /// anyway, and no second image need be filled.
 void overlayOrReplace(MemoryBuffer& result, MemoryBuffer part) {
@@ -65,6 +53,26 @@ void overlayOrReplace(MemoryBuffer& result, MemoryBuffer part) {
         result = std::move(part);
     else
         result.overlay(part);
+}
+
+/// A new image of `range` that holds the parts of `source` which lie in the areas, or all of it
+/// when there are none.
+MemoryBuffer extractAreas(const MemoryBuffer& source, const AreaList& areas, const Area& range) {
+    MemoryBuffer extract(range.start, range.length);
+    if (areas.empty()) extract.overlay(source);
+    for (const Area& area : areas)
+        if (const auto part = area.clippedTo(source.getArea()))
+            overlayOrReplace(extract, source.extractMemory(part->start, part->length));
+    extract.setByteOrder(source.getByteOrder());
+    return extract;
+}
+
+/// The addresses of an image that one of `range` has as well; all of them if none is given.
+Area takenOf(const Area& image, const Area& range) {
+    if (!isGiven(range)) return image;
+    const Area none{image.start, 0};
+    if (image.length == 0 || range.length == 0) return none;
+    return image.clippedTo(range).value_or(none);
 }
 
 }  // namespace
@@ -165,11 +173,15 @@ std::optional<MemoryBuffer> CmdNewBuffer::fromBuffers(CmdContext& context, Area 
         const MemoryBuffer* const source = findBuffer(context, name);
         if (source == nullptr) return std::nullopt;
         // Without areas an extract would equal its source. A range is that of the sources, and of
-        // lanes there is no common image that it could apply to.
-        const Area own = arrangement_.interleave ? range : Area{};
-        parts.push_back(areas_.empty() && !isGiven(own)
-                            ? source
-                            : &extracts.emplace_back(extractAreas(*source, areas_, own)));
+        // lanes there is no common image that it could apply to: an extract has what the common
+        // image takes, and a lane all that is asked for.
+        const bool isLane = arrangement_.interleave.has_value();
+        if (areas_.empty() && !(isLane && isGiven(range))) {
+            parts.push_back(source);
+            continue;
+        }
+        const Area own = isLane && isGiven(range) ? range : takenOf(source->getArea(), range);
+        parts.push_back(&extracts.emplace_back(extractAreas(*source, areas_, own)));
     }
     if (arrangement_.interleave)
         return arrangement_.interleaved(bufferName_, sourceBuffers_,
@@ -219,8 +231,7 @@ bool CmdNewBuffer::hasSections() const {
 }
 
 std::unique_ptr<TessaronImportApi> CmdNewBuffer::openFile(const CmdContext& context) const {
-    // For the system a path ends at a zero byte.
-    const std::string path = fileName_.substr(0, fileName_.find('\0'));
+    const std::string path = Platform::systemPath(fileName_);
     const Io::Import::ReadOptions options{overlapRule_, addressUnit(), family_};
     if (format_ == nullptr) return context.reading->open(path, options);
     if (!sections_.isEmpty())
@@ -256,7 +267,7 @@ MemoryBuffer CmdNewBuffer::fromValues(const CmdContext& context, Area range) con
     const ByteList bytes = bytesOf(values_, valueSize_, byteOrder_);
     MemoryBuffer source(0, bytes.size());
     source.writePattern(bytes, 0, bytes.size());
-    MemoryBuffer result = extractAreas(source, areas_, range);
+    MemoryBuffer result = extractAreas(source, areas_, isGiven(range) ? range : source.getArea());
     if (context.observer != nullptr)
         for (const Area& area : Buffer::writtenAreas(result, result.getArea()))
             context.observer->onWrite({}, area);

@@ -55,9 +55,9 @@ void CmdNewHash::setKeyFile(std::string argument) {
 }
 
 bool CmdNewHash::execute(CmdContext& context) {
-    if (keyFile_.empty()) return CmdNewValue::execute(context);
+    if (!keyFile_) return CmdNewValue::execute(context);
     return guarded(Facts::Subject::Hash, name(), Facts::Work::Created, [&] {
-        const auto key = verifyingKeyIn(keyFile_, context.passphrase);
+        const auto key = verifyingKeyIn(*keyFile_, context.passphrase);
         return key && keepValueOf(context, key->publicKey(), Buffer::ByteOrder::NotSet);
     });
 }

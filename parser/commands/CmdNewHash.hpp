@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -28,7 +29,7 @@ public:
     std::uint32_t getCmdType() const override { return number(CmdType::NewHash); }
 
 private:
-    std::string keyFile_;  ///< empty if the digest is one of images
+    std::optional<std::string> keyFile_;  ///< without it the digest is one of images
 };
 
 }  // namespace Parser::WrapperLib

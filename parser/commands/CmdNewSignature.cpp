@@ -6,6 +6,7 @@
 #include "facts/Listener.hpp"
 #include "io/InFile.hpp"
 #include "parser/commands/Conventions.hpp"
+#include "platform/Paths.hpp"
 
 namespace Parser::WrapperLib {
 
@@ -52,7 +53,7 @@ std::optional<std::size_t> CmdNewSignature::valueSize() const {
 
 bool CmdNewSignature::execute(CmdContext& context) {
     return guarded(Facts::Subject::Signature, name(), Facts::Work::Created, [&] {
-        if (!file_.empty()) return takeFile(context);
+        if (file_) return takeFile(context, *file_);
         return isStored_ ? takeStored(context) : sign(context);
     });
 }
@@ -66,7 +67,7 @@ bool CmdNewSignature::sign(CmdContext& context) {
         context.signatures.try_emplace(name(), key->sign(bytes->view(), settings_.form));
     } catch (const std::runtime_error&) {
         // The numbers of the key fit together, and what they compute is wrong.
-        Facts::report(Facts::KeyRefused{settings_.keyFile, settings_.kind->keyword,
+        Facts::report(Facts::KeyRefused{*settings_.keyFile, settings_.kind->keyword,
                                         Facts::KeyFault::NotAKey});
         return false;
     }
@@ -82,14 +83,13 @@ bool CmdNewSignature::takeStored(CmdContext& context) const {
     return true;
 }
 
-bool CmdNewSignature::takeFile(CmdContext& context) const {
+bool CmdNewSignature::takeFile(CmdContext& context, const std::string& file) const {
     try {
-        // For the system a path ends at a zero byte.
-        const WholeFile file(file_.substr(0, file_.find('\0')));
-        context.signatures.try_emplace(name(), file.bytes());
+        const WholeFile bytes(Platform::systemPath(file));
+        context.signatures.try_emplace(name(), bytes.bytes());
         return true;
     } catch (const Io::bad_open&) {
-        Facts::report(Facts::FileNotOpened{file_});
+        Facts::report(Facts::FileNotOpened{file});
         return false;
     }
 }

@@ -43,10 +43,10 @@ public:
 private:
     bool sign(CmdContext& context);
     bool takeStored(CmdContext& context) const;
-    bool takeFile(CmdContext& context) const;
+    bool takeFile(CmdContext& context, const std::string& file) const;
 
     SignatureSettings settings_;
-    std::string file_;  ///< empty if the signature is not taken from a file
+    std::optional<std::string> file_;  ///< that the signature is taken from
     bool isStored_ = false;
     std::optional<std::array<std::uint8_t, 32>> fingerprint_;
 };

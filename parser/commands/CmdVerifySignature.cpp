@@ -22,7 +22,7 @@ bool CmdVerifySignature::verify(CmdContext& context) const {
     const auto bytes = gatherBytes(context, fromBuffers_, areas_);
     if (!bytes) return false;
     const bool isRight = key->verify(bytes->view(), *signature, settings_.form);
-    if (!isRight) Facts::report(Facts::SignatureWrong{name_, settings_.keyFile});
+    if (!isRight) Facts::report(Facts::SignatureWrong{name_, *settings_.keyFile});
     return isRight;
 }
 

@@ -25,6 +25,7 @@
 #include "io/formats/InputFormats.hpp"
 #include "parser/commands/Arrangement.hpp"
 #include "parser/commands/Conventions.hpp"
+#include "platform/Paths.hpp"
 
 namespace Parser::WrapperLib {
 
@@ -34,20 +35,19 @@ using Io::Export::TessaronExportApi;
 using WriterPointer = std::unique_ptr<TessaronExportApi>;
 
 WriterPointer makeIntelHex(const std::string& path, const OutputStyles& styles) {
-    return std::make_unique<Io::Export::IntelHexOutFile>(path.c_str(), styles.intelHexStyle);
+    return std::make_unique<Io::Export::IntelHexOutFile>(path, styles.intelHexStyle);
 }
 
 WriterPointer makeRawBinary(const std::string& path, const OutputStyles& /*styles*/) {
-    return std::make_unique<Io::Export::RawBinaryOutFile>(path.c_str());
+    return std::make_unique<Io::Export::RawBinaryOutFile>(path);
 }
 
 WriterPointer makeEmbedded(const std::string& path, const OutputStyles& styles) {
-    return std::make_unique<Io::Export::EmbeddedC_AssemblerOutFile>(path.c_str(),
-                                                                    styles.embeddedStyle);
+    return std::make_unique<Io::Export::EmbeddedC_AssemblerOutFile>(path, styles.embeddedStyle);
 }
 
 WriterPointer makeMotorola(const std::string& path, const OutputStyles& styles) {
-    return std::make_unique<Io::Export::MotorolaS_OutFile>(path.c_str(), styles.motorolaStyle);
+    return std::make_unique<Io::Export::MotorolaS_OutFile>(path, styles.motorolaStyle);
 }
 
 void setRecordLength(OutputStyles& styles, std::uint32_t number) {
@@ -63,7 +63,7 @@ void setRecordSize(OutputStyles& styles, std::uint32_t number) {
 }
 
 WriterPointer makeTiTxt(const std::string& path, const OutputStyles& styles) {
-    return std::make_unique<Io::Export::TiTxtOutFile>(path.c_str(), styles.tiTxtStyle);
+    return std::make_unique<Io::Export::TiTxtOutFile>(path, styles.tiTxtStyle);
 }
 
 void setHexUnit(OutputStyles& styles, std::uint32_t bytes) {
@@ -79,27 +79,27 @@ void setTiTxtUnit(OutputStyles& styles, std::uint32_t bytes) {
 }
 
 WriterPointer makeUf2(const std::string& path, const OutputStyles& styles) {
-    return std::make_unique<Io::Export::Uf2OutFile>(path.c_str(), styles.uf2Style);
+    return std::make_unique<Io::Export::Uf2OutFile>(path, styles.uf2Style);
 }
 
 WriterPointer makeVmem(const std::string& path, const OutputStyles& styles) {
-    return std::make_unique<Io::Export::VmemOutFile>(path.c_str(), styles.wordStyle);
+    return std::make_unique<Io::Export::VmemOutFile>(path, styles.wordStyle);
 }
 
 WriterPointer makeMif(const std::string& path, const OutputStyles& styles) {
-    return std::make_unique<Io::Export::MifOutFile>(path.c_str(), styles.wordStyle);
+    return std::make_unique<Io::Export::MifOutFile>(path, styles.wordStyle);
 }
 
 WriterPointer makeCoe(const std::string& path, const OutputStyles& styles) {
-    return std::make_unique<Io::Export::CoeOutFile>(path.c_str(), styles.wordStyle);
+    return std::make_unique<Io::Export::CoeOutFile>(path, styles.wordStyle);
 }
 
 WriterPointer makeHexDump(const std::string& path, const OutputStyles& styles) {
-    return std::make_unique<Io::Export::HexDumpOutFile>(path.c_str(), styles.hexDumpStyle);
+    return std::make_unique<Io::Export::HexDumpOutFile>(path, styles.hexDumpStyle);
 }
 
 WriterPointer makeArray(const std::string& path, const OutputStyles& styles) {
-    return std::make_unique<Io::Export::CArrayOutFile>(path.c_str(), styles.arrayStyle);
+    return std::make_unique<Io::Export::CArrayOutFile>(path, styles.arrayStyle);
 }
 
 /// With wider elements, and with a guard.
@@ -112,11 +112,11 @@ WriterPointer makeWideArray(const std::string& path, const OutputStyles& styles)
         for (char& c : style.includeGuard)
             if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
     }
-    return std::make_unique<Io::Export::CArrayOutFile>(path.c_str(), std::move(style));
+    return std::make_unique<Io::Export::CArrayOutFile>(path, std::move(style));
 }
 
 WriterPointer makeDfuSe(const std::string& path, const OutputStyles& styles) {
-    return std::make_unique<Io::Export::DfuSeOutFile>(path.c_str(), styles.dfuSeStyle);
+    return std::make_unique<Io::Export::DfuSeOutFile>(path, styles.dfuSeStyle);
 }
 
 WriterPointer makeElf(const std::string& path, const OutputStyles& styles) {
@@ -580,7 +580,7 @@ std::unique_ptr<Io::Export::TessaronExportApi> CmdWriteFile::makeWriter(
     // Without a format none of its settings counts.
     OutputStyles counting = format_ == nullptr ? OutputStyles{} : styles;
     if (addressUnit_ != 1) format().setAddressUnit(counting, addressUnit_);
-    return format().makeWriter(fileName_, counting);
+    return format().makeWriter(Platform::systemPath(fileName_), counting);
 }
 
 }  // namespace Parser::WrapperLib

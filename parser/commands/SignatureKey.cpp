@@ -8,6 +8,7 @@
 
 #include "facts/Listener.hpp"
 #include "io/Host.hpp"
+#include "platform/Paths.hpp"
 #include "platform/SecretFile.hpp"
 
 namespace Parser::WrapperLib {
@@ -52,8 +53,7 @@ KeyFault factOf(Crypto::KeyFault fault) {
 
 /// The contents of a key file; nothing after a report.
 std::optional<Platform::SecretFile> contentsOf(const std::string& path) {
-    // For the system a path ends at a zero byte.
-    auto file = Io::host().openKey(path.substr(0, path.find('\0')));
+    auto file = Io::host().openKey(Platform::systemPath(path));
     if (file) return std::make_optional<Platform::SecretFile>(std::move(*file));
     Facts::report(Facts::FileNotOpened{path});
     return std::nullopt;
@@ -84,10 +84,11 @@ std::optional<Key> keyIn(const std::string& path, const SignatureKind* kind,
 /// The key that a statement names; nothing after a report.
 template <class Key>
 std::optional<Key> keyOf(const SignatureSettings& settings, const CmdContext& context) {
-    if (settings.kind != nullptr && !settings.keyFile.empty())
-        return keyIn<Key>(settings.keyFile, settings.kind, context.passphrase);
+    if (settings.kind != nullptr && settings.keyFile)
+        return keyIn<Key>(*settings.keyFile, settings.kind, context.passphrase);
     const bool hasKind = settings.kind != nullptr;
-    Facts::report(Facts::KeyRefused{settings.keyFile, hasKind ? settings.kind->keyword : "",
+    Facts::report(Facts::KeyRefused{settings.keyFile.value_or(""),
+                                    hasKind ? settings.kind->keyword : "",
                                     hasKind ? KeyFault::NotGiven : KeyFault::NoType});
     return std::nullopt;
 }

@@ -27,7 +27,7 @@ std::span<const SignatureKind> signatureKinds();
 /// What a statement says of the key and the form of a signature.
 struct SignatureSettings {
     const SignatureKind* kind = nullptr;  ///< null without `-setType`
-    std::string keyFile;
+    std::optional<std::string> keyFile;
     Crypto::SignatureForm form = Crypto::SignatureForm::Raw;
 
     /// The private key; nothing after a report.

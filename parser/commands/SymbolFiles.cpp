@@ -7,6 +7,7 @@
 #include "facts/Listener.hpp"
 #include "io/import/Malformed.hpp"
 #include "io/import/elf/ElfFile.hpp"
+#include "platform/Paths.hpp"
 
 namespace Parser::WrapperLib {
 
@@ -31,8 +32,7 @@ std::string linesOf(const SymbolTable& symbols) {
 SymbolTable& SymbolFiles::open(const std::string& path) {
     const auto known = files_.find(path);
     if (known != files_.end()) return *known->second;
-    // For the system a path ends at a zero byte.
-    const Io::Import::ElfFile file(path.substr(0, path.find('\0')));
+    const Io::Import::ElfFile file(Platform::systemPath(path));
     return *files_.emplace(path, std::make_unique<SymbolTable>(file.symbols())).first->second;
 }
 

@@ -73,6 +73,7 @@ public:
     constexpr void add(Role role) { bits_ |= bitOf(role); }
     constexpr bool has(Role role) const { return (bits_ & bitOf(role)) != 0; }
     constexpr bool hasAny(Roles roles) const { return (bits_ & roles.bits_) != 0; }
+    bool operator==(const Roles&) const = default;
 
 private:
     static_assert(static_cast<unsigned>(Role::None) < 64, "a bit for each role");
@@ -87,19 +88,25 @@ private:
 struct ValueKind {
     Role makes;
     Role uses;
-    const char* word;         ///< "CRC"
-    const char* withArticle;  ///< "a CRC"
+    const char* word;  ///< "CRC"
 };
 
 /// All of them. What they have in common asks this table, so that it holds for each.
 inline constexpr std::array valueKinds{
-    ValueKind{Role::MakesCrc, Role::UsesCrc, "CRC", "a CRC"},
-    ValueKind{Role::MakesHash, Role::UsesHash, "hash", "a hash"},
-    ValueKind{Role::MakesSignature, Role::UsesSignature, "signature", "a signature"}};
+    ValueKind{Role::MakesCrc, Role::UsesCrc, "CRC"},
+    ValueKind{Role::MakesHash, Role::UsesHash, "hash"},
+    ValueKind{Role::MakesSignature, Role::UsesSignature, "signature"}};
 
 /// The roles of names of values, where they are made and where they are used.
 inline constexpr Roles makesValue{Role::MakesCrc, Role::MakesHash, Role::MakesSignature};
 inline constexpr Roles usesValue{Role::UsesCrc, Role::UsesHash, Role::UsesSignature};
+
+/// The kind of the value that a part with that role makes or uses; null for any other role.
+constexpr const ValueKind* valueKindOf(Role role) {
+    for (const ValueKind& kind : valueKinds)
+        if (role == kind.makes || role == kind.uses) return &kind;
+    return nullptr;
+}
 
 /// The choice of an `Option`.
 enum class UsbId : unsigned char { Vendor, Product };

@@ -89,18 +89,12 @@ struct Statement {
     PartsOfRole all(Role role) const { return {parts, role}; }
 
     /// The last part with one of the roles, the one that counts; null if there is none.
-    const Part* last(std::span<const Role> wanted) const {
-        const auto found = std::find_if(parts.rbegin(), parts.rend(), [wanted](const Part& part) {
-            return std::ranges::find(wanted, part.role) != wanted.end();
-        });
-        return found == parts.rend() ? nullptr : &*found;
-    }
     const Part* last(Roles wanted) const {
         if (!roles.hasAny(wanted)) return nullptr;
         return &*std::find_if(parts.rbegin(), parts.rend(),
                               [wanted](const Part& part) { return wanted.has(part.role); });
     }
-    const Part* last(Role role) const { return has(role) ? last(std::span(&role, 1)) : nullptr; }
+    const Part* last(Role role) const { return last(Roles{role}); }
     bool has(Role role) const { return roles.has(role); }
 
     /// It has numbers that ask images or symbols for their values. Until it is about to run, its

@@ -26,6 +26,9 @@ public:
     /// Counts more of a kind, which are not shown.
     void countMore(Kind kind, std::uint64_t count) { rest_[kind] += count; }
 
+    /// How many of which kind, or notes, are shown, in the order of the kinds.
+    const Counts& shown() const { return shown_; }
+
     /// How many of which kind, or notes, were not shown, in the order of the kinds.
     const Counts& rest() const { return rest_; }
 

@@ -22,7 +22,7 @@ struct Place {
     std::string file;
     std::size_t line = 0;         ///< counted from 1; 0 for the file as a whole
     std::size_t column = 0;       ///< in characters, counted from 1; 0 for the whole line
-    std::string excerpt;          ///< the line, or the part of a long one around the column
+    std::string excerpt = {};     ///< the line, or the part of a long one around the column
     std::size_t caret = 0;        ///< characters of the excerpt before the column
     std::size_t caretLength = 0;  ///< characters that the place covers, of the excerpt's
     /// Of a script that is included: the line that includes it, and so on up to the script itself.

@@ -23,11 +23,14 @@ using Inspect::addressesText;
 using Inspect::addressText;
 using Inspect::hexText;
 using Parser::Role;
+using Parser::Roles;
 using Words = std::optional<FactWords>;
 
+/// The parts that name a file to read.
+constexpr Roles anyInput{Role::InputFile, Role::Template, Role::SymbolFile, Role::KeyFile};
+
 /// The parts that say which addresses a statement works on.
-const std::vector<Role> anyInput{Role::InputFile, Role::Template, Role::SymbolFile, Role::KeyFile};
-const std::vector<Role> anyArea{Role::Area, Role::Range, Role::Address};
+constexpr Roles anyArea{Role::Area, Role::Range, Role::Address};
 
 /// How a program ended that did not end well.
 std::string outcome(int status) {
@@ -410,7 +413,7 @@ Words words(const WordIncomplete& f, const Circumstances& /*c*/) {
 }
 
 Words words(const BusRefused& f, const Circumstances& /*c*/) {
-    const std::vector<Role> bus{Role::Lane, Role::Interleave};
+    constexpr Roles bus{Role::Lane, Role::Interleave};
     switch (f.fault) {
         case BusFault::WidthZero:
             return {{Kind::Outside, "a lane of 0 bytes has nothing of the bus", bus}};

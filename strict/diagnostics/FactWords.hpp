@@ -3,7 +3,6 @@
 #include <optional>
 #include <string>
 #include <type_traits>
-#include <vector>
 
 #include "facts/Facts.hpp"
 #include "parser/grammar/Role.hpp"
@@ -16,7 +15,7 @@ namespace Strict {
 struct FactWords {
     Kind kind;
     std::string text;
-    std::vector<Parser::Role> roles;  ///< of the part that is to blame, the last one of them
+    Parser::Roles roles;  ///< of the part that is to blame, the last one of them
     std::string hint = {};
     std::string name = {};  ///< the part that uses this name is to blame, if it is not empty
 };

@@ -116,7 +116,7 @@ constexpr std::array<KindRow, static_cast<std::size_t>(Kind::Count)> allKinds{{
             "more than 64 MiB of gaps that would be filled"},
     KindRow{Kind::Verify, "verify", Error, false,
             "an image that VERIFY_BUFFER finds to have other bytes"},
-    KindRow{Kind::Key, "key", Error, false, "a key that cannot be used"},
+    KindRow{Kind::Key, "key", Error, true, "a key that cannot be used"},
     KindRow{Kind::Signature, "signature", Error, false,
             "a signature that is not that of the bytes by the key"},
     KindRow{Kind::KeyReadable, "key-readable", Warning, false,

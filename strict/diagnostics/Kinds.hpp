@@ -17,7 +17,7 @@ enum class Severity : unsigned char {
 /// "error", "warning" or "note".
 const char* wordFor(Severity severity);
 
-/// What a diagnostic is about, in the order of the manual. Each has a row in `kinds`.
+/// What a diagnostic is about, in the order of the book's table. Each has a row in `kinds`.
 enum class Kind : unsigned char {
     Syntax,
     CannotOpen,
@@ -94,9 +94,9 @@ enum class Kind : unsigned char {
 /// What the program knows of a kind.
 struct KindRow {
     Kind kind;
-    const char* name;     ///< as the manual, `--ignore` and the brackets of a diagnostic have it
+    const char* name;     ///< as the book, `--ignore` and the brackets of a diagnostic have it
     Severity severity;    ///< what it counts as unless the user says otherwise
-    bool isFixed;         ///< always an error: damage, syntax and the file system
+    bool isFixed;         ///< always an error: damage, syntax, keys and the file system
     const char* meaning;  ///< one line, for lists of the kinds
 };
 

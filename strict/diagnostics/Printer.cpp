@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "strict/diagnostics/Notes.hpp"
+#include "strict/diagnostics/WorkflowCommand.hpp"
 #include "util/Printable.hpp"
 
 namespace Strict {
@@ -21,14 +23,6 @@ constexpr const char* plain = "\033[0m";
 const char* colorOf(Severity severity) {
     if (severity == Severity::Error) return red;
     return severity == Severity::Warning ? magenta : cyan;
-}
-
-/// "file:line:column: ", as far as the place goes.
-std::string prefix(const Place& place) {
-    std::string text = Util::printable(place.file) + ":";
-    if (place.line != 0) text += std::to_string(place.line) + ":";
-    if (place.column != 0) text += std::to_string(place.column) + ":";
-    return text + " ";
 }
 
 /// A line of JSON. Bytes that are not UTF-8 are replaced.
@@ -48,16 +42,6 @@ nlohmann::ordered_json toJson(const Place& place) {
     }
     if (!place.excerpt.empty()) json["source"] = place.excerpt;
     return json;
-}
-
-std::string wordsFor(const IncludingLine& line) {
-    return "included from " + line.file + ":" + std::to_string(line.line);
-}
-
-/// The lines that lead to a place.
-const std::vector<IncludingLine>& linesOf(const std::optional<Place>& place) {
-    static const std::vector<IncludingLine> none;
-    return place ? place->includedFrom : none;
 }
 
 }  // namespace
@@ -80,23 +64,40 @@ bool Printer::isShown(Severity severity) const {
     return severity != Severity::Ignored && !(severity == Severity::Warning && isQuiet_);
 }
 
-void Printer::finish() {
+void Printer::finish(int exitCode) {
     const std::string rest = allowance_.restText();
-    if (rest.empty()) return;
-    if (format_ == DiagnosticFormat::Text) {
+    if (!rest.empty() && format_ == DiagnosticFormat::Json) {
+        nlohmann::ordered_json json{{"severity", wordFor(Severity::Note)}, {"text", rest}};
+        for (const auto& [kind, count] : allowance_.rest())
+            json["notShown"][kind ? nameOf(*kind) : "note"] = count;
+        *out_ << lineOf(json) << std::flush;
+    } else if (!rest.empty()) {
         print({std::nullopt, rest}, Severity::Note);
-        return;
     }
-    nlohmann::ordered_json json{{"severity", wordFor(Severity::Note)}, {"text", rest}};
-    for (const auto& [kind, count] : allowance_.rest())
-        json["notShown"][kind ? nameOf(*kind) : "note"] = count;
-    *out_ << lineOf(json) << std::flush;
+    if (format_ == DiagnosticFormat::Sarif)
+        *out_ << sarifLogOf(judged_, subject_, exitCode) << std::flush;
+}
+
+std::vector<Kind> Printer::printedKinds() const {
+    std::vector<Kind> kinds;
+    for (const auto& [kind, count] : allowance_.shown())
+        if (kind) kinds.push_back(*kind);
+    return kinds;
 }
 
 void Printer::print(const Diagnostic& diagnostic, Severity severity) {
-    const bool isJson = format_ == DiagnosticFormat::Json;
+    if (format_ == DiagnosticFormat::Sarif) {
+        judged_.push_back({diagnostic, severity});
+        return;
+    }
     // In one piece, since standard error has no buffer of its own.
-    *out_ << (isJson ? jsonOf(diagnostic, severity) : textOf(diagnostic, severity)) << std::flush;
+    *out_ << lineFor(diagnostic, severity) << std::flush;
+}
+
+std::string Printer::lineFor(const Diagnostic& diagnostic, Severity severity) const {
+    if (format_ == DiagnosticFormat::Json) return jsonOf(diagnostic, severity);
+    return format_ == DiagnosticFormat::Github ? workflowCommandOf(diagnostic, severity)
+                                               : textOf(diagnostic, severity);
 }
 
 std::string Printer::textOf(const Place& place, const std::string& hint) const {
@@ -138,7 +139,7 @@ std::string Printer::textOf(const std::vector<IncludingLine>& lines) const {
 
 std::string Printer::textOf(const Diagnostic& diagnostic, Severity severity) const {
     std::string text = color(bold);
-    text += diagnostic.place ? prefix(*diagnostic.place) : "tessaron: ";
+    text += diagnostic.place ? Util::printable(prefixOf(*diagnostic.place)) : "tessaron: ";
     text += color(colorOf(severity));
     text += wordFor(severity);
     text += ": ";
@@ -153,7 +154,7 @@ std::string Printer::textOf(const Diagnostic& diagnostic, Severity severity) con
     text += textOf(linesOf(diagnostic.place));
     for (const Note& note : diagnostic.notes) {
         text += color(bold);
-        text += note.place ? prefix(*note.place) : "    ";
+        text += note.place ? Util::printable(prefixOf(*note.place)) : "    ";
         text += color(cyan);
         text += "note: ";
         text += color(plain) + Util::printable(note.text) + "\n";
@@ -169,17 +170,10 @@ std::string Printer::jsonOf(const Diagnostic& diagnostic, Severity severity) {
     json["text"] = diagnostic.text;
     if (diagnostic.place) json.update(toJson(*diagnostic.place));
     if (!diagnostic.hint.empty()) json["hint"] = diagnostic.hint;
-    const auto addLines = [&json](const std::vector<IncludingLine>& lines) {
-        for (const IncludingLine& line : lines)
-            json["notes"].push_back(
-                {{"text", wordsFor(line)}, {"file", line.file}, {"line", line.line}});
-    };
-    addLines(linesOf(diagnostic.place));
-    for (const Note& note : diagnostic.notes) {
+    for (const Note& note : allNotesOf(diagnostic)) {
         nlohmann::ordered_json entry{{"text", note.text}};
         if (note.place) entry.update(toJson(*note.place));
         json["notes"].push_back(entry);
-        if (linesOf(note.place) != linesOf(diagnostic.place)) addLines(linesOf(note.place));
     }
     return lineOf(json);
 }

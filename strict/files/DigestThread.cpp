@@ -69,9 +69,12 @@ public:
             digest.take(bytes);
             return;
         }
-        std::string piece = emptyPiece();
-        piece.assign(bytes);
-        push({&digest, std::move(piece), std::nullopt});
+        while (!bytes.empty()) {
+            std::string piece = emptyPiece();
+            piece.assign(bytes.substr(0, pieceSize));
+            bytes.remove_prefix(piece.size());
+            push({&digest, std::move(piece), std::nullopt});
+        }
     }
 
     void takeFile(Digest& digest, const Platform::InputFile& file) {

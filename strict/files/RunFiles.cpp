@@ -5,6 +5,7 @@
 #include <set>
 #include <utility>
 
+#include "platform/Paths.hpp"
 #include "platform/SecretFile.hpp"
 
 namespace Strict {
@@ -59,6 +60,12 @@ const char* nameOf(FileRole role) {
     return "map";
 }
 
+std::string reasonNotOpened(const std::string& path) {
+    std::error_code error = Platform::lastError();
+    if (!error) error = Platform::outputTarget(path).error;
+    return error ? error.message() : "it has no end to wait for";
+}
+
 /// Writes to the temporary file of an output, or to memory.
 class RunFiles::Stream final : public Io::OutputStream {
 public:
@@ -68,7 +75,7 @@ public:
     bool write(std::string_view bytes) override {
         if (output_->digest != nullptr) files_->digests_->outputs.take(*output_->digest, bytes);
         if (!file_) {
-            output_->memory += bytes;
+            output_->keep(bytes);
             return true;
         }
         Platform::clearLastError();
@@ -78,6 +85,7 @@ public:
     bool close() override {
         Platform::clearLastError();
         const bool isClosed = !file_ || note(file_->close());
+        output_->endComparison();
         output_->isComplete = isClosed && isWritten_;
         return isClosed;
     }
@@ -100,12 +108,16 @@ RunFiles::~RunFiles() {
         if (output.temporary && !output.isInPlace) Platform::removeFile(output.temporary->path);
 }
 
+void RunFiles::noteReason(const std::string& path, std::string reason) {
+    reasons_.insert_or_assign(Platform::systemPath(path), std::move(reason));
+}
+
 void RunFiles::noteFailure(const std::string& path, std::error_code error) {
-    if (error) reasons_.insert_or_assign(path, error.message());
+    if (error) noteReason(path, error.message());
 }
 
 std::string RunFiles::reasonFor(std::string_view path) const {
-    const auto found = reasons_.find(path);
+    const auto found = reasons_.find(Platform::systemPath(path));
     return found == reasons_.end() ? "" : found->second;
 }
 
@@ -209,22 +221,14 @@ std::optional<Platform::InputFile> RunFiles::openInput(const std::string& path) 
         if (!isOwn) noteContent(file, *opened);
         return opened;
     }
-    noteNotOpened(path);
+    noteReason(path, reasonNotOpened(path));
     return opened;
-}
-
-/// Notes why the last call of the system did not open a file.
-void RunFiles::noteNotOpened(const std::string& path) {
-    const std::error_code error = Platform::lastError();
-    reasons_.insert_or_assign(path, error ? error.message() : "It has no end to wait for");
-    const Platform::OutputTarget target = Platform::outputTarget(path);
-    if (!error && target.error) noteFailure(path, target.error);
 }
 
 std::optional<Platform::InputFile> RunFiles::openKey(const std::string& path) {
     Platform::clearLastError();
     auto opened = Platform::InputFile::open(path);
-    if (!opened) noteNotOpened(path);
+    if (!opened) noteReason(path, reasonNotOpened(path));
     Platform::keepFromPrograms(Platform::outputTarget(path).descriptor);
     return opened;
 }
@@ -239,13 +243,41 @@ std::optional<Platform::InputFile> RunFiles::openAsRead(const std::string& path)
     return file.newest == nullptr ? std::nullopt : openInput(path);
 }
 
-bool RunFiles::keepsInMemory(const Platform::OutputTarget& target) const {
-    return mode_ == Mode::Memory || target.kind == Platform::TargetKind::Device;
+bool RunFiles::File::isInput() const {
+    return std::ranges::any_of(uses, [](const Use& use) { return use.role == FileRole::Input; });
+}
+
+/// Takes the bytes that follow, as far as anybody will want them.
+void RunFiles::Output::keep(std::string_view bytes) {
+    if (comparison && !comparison->take(bytes)) keepDifferent();
+    if (isKept) memory += bytes;
+}
+
+/// From now on, whoever explains the difference needs the whole output.
+void RunFiles::Output::keepDifferent() {
+    if (isKept || comparison->match() == FileMatch::Missing) return;
+    isKept = true;
+    memory = comparison->equalBytes();
+}
+
+void RunFiles::Output::endComparison() {
+    if (!comparison) return;
+    match = comparison->match();
+    if (match == FileMatch::Different) keepDifferent();
+    comparison.reset();
+}
+
+/// Adds an output that no file is created for.
+std::unique_ptr<Io::OutputStream> RunFiles::addUncreated(Output output) {
+    const bool isDevice = output.target.kind == Platform::TargetKind::Device;
+    output.isKept = isDevice || output.file->isInput();
+    if (mode_ == Mode::Comparison && !isDevice) output.comparison.emplace(output.path);
+    return addOutput(std::move(output), std::nullopt);
 }
 
 std::unique_ptr<Io::OutputStream> RunFiles::addOutput(Output output,
                                                       std::optional<Platform::OutputFile> file) {
-    if (digests_ != nullptr) output.digest = DigestThread::begin();
+    if (hasOutputDigests_) output.digest = DigestThread::begin();
     all_.push_back(std::move(output));
     all_.back().file->newest = &all_.back();
     return std::make_unique<Stream>(*this, all_.back(), std::move(file));
@@ -258,12 +290,13 @@ std::unique_ptr<Io::OutputStream> RunFiles::createOutput(const std::string& path
         known.outputPath = path;
         outputs_.push_back(path);
     }
-    Output output{&known, path, Platform::outputTarget(path), {}, {}, {}, false, false};
+    Output output{&known, path, Platform::outputTarget(path)};
     if (output.target.kind == Platform::TargetKind::Impossible) {
         noteFailure(path, output.target.error);
         return nullptr;
     }
-    if (keepsInMemory(output.target)) return addOutput(std::move(output), std::nullopt);
+    if (mode_ != Mode::Disk || output.target.kind == Platform::TargetKind::Device)
+        return addUncreated(std::move(output));
     std::error_code error;
     Platform::TemporaryFile temporary;
     auto file = Platform::createTemporary(output.target, guard_, number_, temporary, error);
@@ -314,7 +347,7 @@ std::optional<RunFiles::Failure> RunFiles::putInPlace(const std::vector<Output*>
 }
 
 std::optional<RunFiles::Failure> RunFiles::commit() {
-    if (mode_ == Mode::Memory || hasStopped_) return std::nullopt;
+    if (mode_ != Mode::Disk || hasStopped_) return std::nullopt;
     std::vector<Output*> files;
     std::vector<Output*> devices;
     for (Output& output : all_)
@@ -336,7 +369,7 @@ std::vector<std::string> RunFiles::inPlace() const {
 }
 
 int RunFiles::runProgram(const std::string& location, const std::string& arguments) {
-    if (mode_ == Mode::Memory) return 0;
+    if (mode_ != Mode::Disk) return 0;
     if (hasStopped_) {
         hasLeftOutProgram_ = true;
         return 0;
@@ -344,8 +377,7 @@ int RunFiles::runProgram(const std::string& location, const std::string& argumen
     // It may change what has been read, whose bytes must be in the digests before.
     if (digests_ != nullptr) digests_->inputs.wait();
     if (const auto failure = commit()) {
-        reasons_.insert_or_assign(location,
-                                  "cannot write " + failure->path + ": " + failure->reason);
+        noteReason(location, "cannot write " + failure->path + ": " + failure->reason);
         return -1;
     }
     ++programs_;
@@ -377,7 +409,7 @@ std::vector<std::string> RunFiles::changedInputs() {
 
 FileDigest RunFiles::outputDigest(const std::string& path) {
     const Output* const output = fileAt(path).newest;
-    if (output == nullptr) return {};
+    if (output == nullptr || output->digest == nullptr) return {};
     // Only for a program was it put in place yet, and the program may have changed it.
     if (output->isInPlace && output->temporary) return digestOfFile(path);
     return digests_->outputs.finish(*output->digest);
@@ -391,6 +423,15 @@ bool RunFiles::isStream(const std::string& path) {
 std::string_view RunFiles::contentsOf(const std::string& path) {
     const Output* const output = fileAt(path).newest;
     return output == nullptr ? std::string_view() : output->memory;
+}
+
+FileMatch RunFiles::matchOnDisk(const std::string& path) {
+    const Output* const output = fileAt(path).newest;
+    if (output == nullptr) return FileMatch::Missing;
+    if (output->target.kind != Platform::TargetKind::Device) return output->match;
+    FileComparison comparison(path);
+    comparison.take(output->memory);
+    return comparison.match();
 }
 
 }  // namespace Strict

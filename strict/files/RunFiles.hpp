@@ -13,6 +13,7 @@
 #include "io/Host.hpp"
 #include "platform/Replace.hpp"
 #include "strict/files/DigestThread.hpp"
+#include "strict/files/FileComparison.hpp"
 #include "strict/files/SourceDate.hpp"
 
 namespace Strict {
@@ -38,6 +39,9 @@ enum class FileRole : std::uint8_t {
 /// "script", "input", "dependency file" and so on.
 const char* nameOf(FileRole role);
 
+/// Why the last call of the system did not open the file at the path for reading.
+std::string reasonNotOpened(const std::string& path);
+
 /// The files of a run. Each is one object, known by its place and not by the spelling of its path:
 /// its spellings and roles, what was read of it, and what is written to it.
 ///
@@ -45,7 +49,9 @@ const char* nameOf(FileRole role);
 /// `commit` lets them take the places of their targets, and without it the destructor removes them.
 /// What cannot be replaced, such as a device, is kept in memory and written by `commit`. Before a
 /// program is started, what has been written so far is put in place, since the program may need it.
-/// A file that this run has written is read as it was written.
+/// A file that this run has written is read as it was written. Where nothing is created, an output
+/// is kept if it is named as an input too, and if it differs from the file that it is compared
+/// with.
 ///
 /// Digests are those of the bytes that were read or written: of an input, from the file that was
 /// open; of an output, from what went into it, unless a program that was called may have changed
@@ -54,7 +60,8 @@ class RunFiles final : public Io::Host {
 public:
     enum class Mode : unsigned char {
         Disk,
-        Memory  ///< nothing is created, and no program is started
+        Memory,     ///< nothing is created, and no program is started
+        Comparison  ///< the same, and each output is compared with the file that is there
     };
 
     /// A file that cannot have a role beside one that it has already.
@@ -91,8 +98,14 @@ public:
     int runProgram(const std::string& location, const std::string& arguments) override;
     std::optional<std::string> timeText() override { return sourceDate(); }
 
-    /// Lets the digests of all files be computed from now on, while they are read and written.
-    void keepDigests() { digests_ = std::make_unique<Digests>(); }
+    /// Whose digests are wanted.
+    enum class DigestsOf : unsigned char { Inputs, All };
+
+    /// Lets digests be computed from now on, while the files are read and written.
+    void keepDigests(DigestsOf files = DigestsOf::All) {
+        digests_ = std::make_unique<Digests>();
+        hasOutputDigests_ = files == DigestsOf::All;
+    }
 
     /// The digests of what was read of an input: one, or several if a program that was called has
     /// changed the file between two statements that read it.
@@ -106,7 +119,7 @@ public:
     /// @throws std::bad_alloc  as above
     std::vector<std::string> changedInputs();
 
-    /// The digest of an output as it is now.
+    /// The digest of an output as it is now; an empty one if those of outputs are not wanted.
     ///
     /// @throws std::bad_alloc  if the memory did not suffice for it
     FileDigest outputDigest(const std::string& path);
@@ -157,6 +170,10 @@ public:
     /// What this run has written to an output that is kept in memory.
     std::string_view contentsOf(const std::string& path);
 
+    /// How the file that an output would replace compares with it. Outputs are compared while they
+    /// are written; devices, which give what they have once, now.
+    FileMatch matchOnDisk(const std::string& path);
+
 private:
     class Stream;
     struct File;
@@ -165,11 +182,18 @@ private:
         File* file;
         std::string path;  ///< as the statement names it
         Platform::OutputTarget target;
-        std::optional<Platform::TemporaryFile> temporary;  ///< none for what is kept in memory
-        std::string memory;
-        std::shared_ptr<DigestThread::Digest> digest;  ///< null if nobody wants it
-        bool isComplete = false;                       ///< all was written, and it was closed
+        std::optional<Platform::TemporaryFile> temporary = {};  ///< none where nothing is created
+        std::string memory = {};
+        bool isKept = false;                            ///< in memory
+        std::optional<FileComparison> comparison = {};  ///< while it is written
+        FileMatch match = FileMatch::Missing;
+        std::shared_ptr<DigestThread::Digest> digest = {};  ///< null if nobody wants it
+        bool isComplete = false;                            ///< all was written, and it was closed
         bool isInPlace = false;
+
+        void keep(std::string_view bytes);
+        void keepDifferent();
+        void endComparison();
     };
     /// A state of a file that was read.
     struct Content {
@@ -188,6 +212,8 @@ private:
         std::optional<std::string> inputPath;   ///< by which it was first opened
         std::optional<std::string> outputPath;  ///< by which it was first created
         Output* newest = nullptr;
+
+        bool isInput() const;
     };
     struct Digests {
         DigestThread inputs;
@@ -200,9 +226,9 @@ private:
     std::optional<Platform::InputFile> openWritten(const Output& output);
     std::unique_ptr<Io::OutputStream> addOutput(Output output,
                                                 std::optional<Platform::OutputFile> file);
-    bool keepsInMemory(const Platform::OutputTarget& target) const;
+    std::unique_ptr<Io::OutputStream> addUncreated(Output output);
+    void noteReason(const std::string& path, std::string reason);
     void noteFailure(const std::string& path, std::error_code error);
-    void noteNotOpened(const std::string& path);
     std::optional<Failure> putInPlace(const std::vector<Output*>& files,
                                       const std::vector<Output*>& devices);
 
@@ -218,11 +244,12 @@ private:
     unsigned programs_ = 0;  ///< that were started
     bool hasStopped_ = false;
     bool hasLeftOutProgram_ = false;
-    std::map<std::string, std::string, std::less<>> reasons_;
+    std::map<std::string, std::string> reasons_;  ///< by the paths of the system
     std::vector<std::string> inputs_;
     std::vector<std::string> outputs_;
     std::vector<std::string> busyFolders_;
     std::unique_ptr<Digests> digests_;  ///< null if nobody wants them
+    bool hasOutputDigests_ = false;
 };
 
 }  // namespace Strict

@@ -1,8 +1,6 @@
 #include "strict/files/WholeFile.hpp"
 
-#include <optional>
-
-#include "platform/Files.hpp"
+#include "platform/Replace.hpp"
 
 namespace Strict {
 
@@ -39,6 +37,14 @@ bool nameFile(RunFiles& files, const std::string& path, FileRole role, Diagnosti
         sink.take({Kind::SameFile, wordsFor(*collision, path, role), std::nullopt,
                    "one would overwrite the other"});
     return !collision;
+}
+
+std::optional<Platform::FileContents> readWhole(const std::string& path, DiagnosticSink& sink) {
+    Platform::clearLastError();
+    auto contents = Platform::readFile(path);
+    if (!contents)
+        sink.take({Kind::CannotOpen, "cannot open " + path + ": " + reasonNotOpened(path)});
+    return contents;
 }
 
 void addFile(RunFiles& files, const std::string& path, std::string_view text,

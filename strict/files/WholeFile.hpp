@@ -1,8 +1,10 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "platform/Files.hpp"
 #include "strict/diagnostics/Diagnostic.hpp"
 #include "strict/files/RunFiles.hpp"
 
@@ -14,6 +16,9 @@ bool nameFile(RunFiles& files, const std::string& path, FileRole role, Diagnosti
 
 /// "the manifest x is the script", for a file that cannot have the role.
 std::string wordsFor(const RunFiles::Collision& collision, const std::string& path, FileRole role);
+
+/// Reads a whole file that an option gives, or reports why that is not possible.
+std::optional<Platform::FileContents> readWhole(const std::string& path, DiagnosticSink& sink);
 
 /// Adds a file to the outputs of a run, or reports why that is not possible.
 void addFile(RunFiles& files, const std::string& path, std::string_view text, DiagnosticSink& sink);

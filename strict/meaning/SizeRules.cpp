@@ -19,7 +19,7 @@ using Parser::Part;
 using Parser::Role;
 using Parser::Statement;
 
-constexpr std::array lists{Role::Bytes, Role::Filler};
+constexpr Parser::Roles lists{Role::Bytes, Role::Filler};
 
 /// What is written has more bytes than the area, or a value has fewer.
 void reportSize(const Step& step, std::string what, std::uint64_t size, const Part& part) {
@@ -153,15 +153,15 @@ void checkLaneRows(const Step& step) {
 void checkEmptyDigest(const Step& step) {
     const Statement& statement = step.statement;
     if (step.has(Role::MakesHash) && step.has(Role::KeyFile)) return;
-    const auto* const kind = std::ranges::find_if(
-        Parser::valueKinds,
-        [&](const Parser::ValueKind& one) { return step.has(one.makes) || step.has(one.uses); });
+    const Part* value = statement.last(Parser::makesValue);
+    if (value == nullptr) value = statement.last(Parser::usesValue);
     const bool hasImage = step.has(Role::UsesImage);
     if (hasImage && !hasNoAddress(step)) return;
-    step.findings.report(Kind::EmptyDigest,
-                         std::string("the ") + kind->word + " covers no byte: " +
-                             (hasImage ? "its images have no addresses" : "it names no image"),
-                         statement.textOf(step.has(kind->makes) ? kind->makes : kind->uses));
+    step.findings.report(
+        Kind::EmptyDigest,
+        std::string("the ") + Parser::valueKindOf(value->role)->word +
+            " covers no byte: " + (hasImage ? "its images have no addresses" : "it names no image"),
+        value->text);
 }
 
 void checkEmptyOutput(const Step& step) {

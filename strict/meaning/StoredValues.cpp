@@ -63,9 +63,8 @@ void StoredValues::compute(const Statement& statement, std::span<const std::size
                            const Parser::WrapperLib::CmdNewValue& command) {
     const Part& made = *statement.last(Parser::makesValue);
     const std::string_view name = made.text;
-    const auto* const kind =
-        std::ranges::find(Parser::valueKinds, made.role, &Parser::ValueKind::makes);
-    if (!numbers_[kind->uses].try_emplace(name, values_.size()).second) return;
+    const Role use = Parser::valueKindOf(made.role)->uses;
+    if (!numbers_[use].try_emplace(name, values_.size()).second) return;
     Value value{name, images_->changes().size(), &command, {}};
     value.pieces.reserve(covered.size());
     for (const std::size_t image : covered) {

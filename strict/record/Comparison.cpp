@@ -1,6 +1,8 @@
 #include "strict/record/Comparison.hpp"
 
 #include <algorithm>
+#include <iterator>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -75,22 +77,44 @@ struct ImagePlace {
 
 using Images = std::vector<const Inspect::ImageRecord*>;
 
-/// The images of an output, in its order.
-Images imagesOf(const Inspect::FileRecord& output, const Inspect::RunRecord& record) {
-    Images images;
-    for (const std::string& name : output.images) {
-        const auto image = std::ranges::find(record.images, name, &Inspect::ImageRecord::name);
-        if (image != record.images.end()) images.push_back(&*image);
+/// The outputs and images of a record, by their names.
+class NamedRecords {
+public:
+    explicit NamedRecords(const Inspect::RunRecord& record) {
+        for (const Inspect::FileRecord& output : record.outputs)
+            outputs_.try_emplace(output.path, &output);
+        for (const Inspect::ImageRecord& image : record.images)
+            images_.try_emplace(image.name, &image);
     }
-    return images;
-}
+
+    /// Null if no statement wrote the file.
+    const Inspect::FileRecord* output(const std::string& path) const {
+        const auto found = outputs_.find(path);
+        return found == outputs_.end() ? nullptr : found->second;
+    }
+
+    /// The images of an output, in its order.
+    Images imagesOf(const Inspect::FileRecord& output) const {
+        Images images;
+        for (const std::string& name : output.images)
+            if (const auto image = images_.find(name); image != images_.end())
+                images.push_back(image->second);
+        return images;
+    }
+
+private:
+    std::map<std::string_view, const Inspect::FileRecord*> outputs_;
+    std::map<std::string_view, const Inspect::ImageRecord*> images_;
+};
 
 const Inspect::OriginRange* originOf(const ImagePlace& where) {
     const auto& ranges = where.image->ranges;
-    const auto found = std::ranges::find_if(ranges, [&where](const Inspect::OriginRange& range) {
-        return range.area.contains({where.address, 1});
-    });
-    return found == ranges.end() ? nullptr : &*found;
+    const auto next = std::ranges::upper_bound(
+        ranges, where.address, {},
+        [](const Inspect::OriginRange& range) { return range.area.start; });
+    if (next == ranges.begin()) return nullptr;
+    const Inspect::OriginRange& range = *std::prev(next);
+    return range.area.contains({where.address, 1}) ? &range : nullptr;
 }
 
 std::optional<ImagePlace> whereIs(const Images& images, std::uint64_t address) {
@@ -202,6 +226,12 @@ std::vector<Note> notesOn(const Buffer::AreaList& areas, const Inspect::Image& d
     return notes;
 }
 
+/// The file as it is now; empty if it is gone.
+Platform::FileContents fileAt(const std::string& path) {
+    auto contents = Platform::readFile(path);
+    return contents ? std::move(*contents) : Platform::FileContents();
+}
+
 /// The first line in which two texts differ, counted from 1.
 std::uint64_t firstDifferentLine(std::string_view one, std::string_view other) {
     const auto [end, otherEnd] = std::ranges::mismatch(one, other);
@@ -244,20 +274,19 @@ bool haveSameLines(std::string_view one, std::string_view other) {
     return i == one.size() && j == other.size();
 }
 
-/// Adds where an output that the script makes differs from the file on disk, whose text is `text`.
+/// Adds where an output that the script makes differs from the file on disk.
 void explain(Diagnostic& diagnostic, RunFiles& files, const Inspect::FileRecord& output,
-             const std::string& path, std::string_view text, const Inspect::RunRecord& record,
+             const Images& images, const std::string& path, const Inspect::RunRecord& record,
              const Provenance& provenance) {
     const auto* const format = Parser::WrapperLib::CmdWriteFile::formatNamed(output.format);
     const std::optional<Inspect::Image> disk = contentsOf(path, format, output.addressUnit);
     const Io::HostScope hosting(files);
     const std::optional<Inspect::Image> contents = contentsOf(path, format, output.addressUnit);
     if (!contents) return;
-    const ScriptOutput made{&*contents, format, imagesOf(output, record), output.addressUnit,
-                            output.swappedWord};
+    const ScriptOutput made{&*contents, format, images, output.addressUnit, output.swappedWord};
     if (!disk) {
-        explainDamage(diagnostic, firstDifferentLine(text, files.contentsOf(path)), made, path,
-                      record);
+        explainDamage(diagnostic, firstDifferentLine(fileAt(path).text(), files.contentsOf(path)),
+                      made, path, record);
         return;
     }
     if (disk->format != contents->format) {
@@ -267,7 +296,7 @@ void explain(Diagnostic& diagnostic, RunFiles& files, const Inspect::FileRecord&
     const Buffer::AreaList areas = differences(*disk, *contents);
     if (areas.empty()) {
         diagnostic.hint =
-            haveSameLines(text, files.contentsOf(path))
+            haveSameLines(fileAt(path).text(), files.contentsOf(path))
                 ? "only the line ends differ"
                 : "the bytes of the images are the same, the rest of the file differs";
         return;
@@ -283,17 +312,18 @@ void explain(Diagnostic& diagnostic, RunFiles& files, const Inspect::FileRecord&
 bool compareWithDisk(RunFiles& files, const Inspect::RunRecord& record,
                      const Provenance& provenance, DiagnosticSink& sink) {
     bool isEqual = true;
+    const NamedRecords named(record);
     for (const std::string& path : files.outputs()) {
-        const auto disk = Platform::readFile(path);
-        if (disk && disk->text() == files.contentsOf(path)) continue;
+        const FileMatch match = files.matchOnDisk(path);
+        if (match == FileMatch::Equal) continue;
         isEqual = false;
+        const bool isThere = match == FileMatch::Different;
         Diagnostic diagnostic{};
         diagnostic.kind = Kind::Differs;
-        diagnostic.text = path + (disk ? " is not what the script makes today" : " is missing");
-        const auto output = std::ranges::find(record.outputs, Platform::portablePath(path),
-                                              &Inspect::FileRecord::path);
-        if (disk && output != record.outputs.end())
-            explain(diagnostic, files, *output, path, disk->text(), record, provenance);
+        diagnostic.text = path + (isThere ? " is not what the script makes today" : " is missing");
+        const Inspect::FileRecord* const output = named.output(Platform::portablePath(path));
+        if (isThere && output != nullptr)
+            explain(diagnostic, files, *output, named.imagesOf(*output), path, record, provenance);
         sink.take(diagnostic);
     }
     return isEqual;

@@ -41,8 +41,8 @@ void InputFlow::follow(const Parser::Statement& statement) {
             things_[{Role::UsesImage, name}] = united(known(Role::UsesImage, name), last_);
         if (part.role == Role::OutputFile)
             things_[{Role::OutputFile, files_->outputName(program_->pathOf(part))}] = last_;
-        for (const Parser::ValueKind& kind : Parser::valueKinds)
-            if (part.role == kind.makes) things_[{kind.uses, name}] = last_;
+        if (Parser::makesValue.has(part.role))
+            things_[{Parser::valueKindOf(part.role)->uses, name}] = last_;
     }
 }
 
@@ -52,12 +52,14 @@ InputFlow::Shared InputFlow::read(const Parser::Statement& statement) {
     Shared all = nothing();
     for (const Part& part : statement.parts) {
         if (files.has(part.role)) all = united(all, readFile(program_->pathOf(part)));
-        if (part.role == Role::UsesImage || part.role == Role::MeasuresImage)
-            all = united(all, known(Role::UsesImage, part.text));
+        if (part.role == Role::UsesImage || Parser::usesValue.has(part.role))
+            all = united(all, known(part.role, part.text));
         // A number may ask for the length of a signature.
-        for (const Parser::ValueKind& kind : Parser::valueKinds)
-            if (part.role == kind.uses || part.role == Role::UsesValue ||
-                part.role == Role::MeasuresImage)
+        if (part.role == Role::MeasuresImage)
+            for (const Role use : {Role::UsesImage, Role::UsesSignature})
+                all = united(all, known(use, part.text));
+        if (part.role == Role::UsesValue)
+            for (const Parser::ValueKind& kind : Parser::valueKinds)
                 all = united(all, known(kind.uses, part.text));
     }
     return all;

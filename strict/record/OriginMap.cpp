@@ -19,6 +19,16 @@ bool goesOn(const OriginMap::Range& earlier, const OriginMap::Range& later) {
 
 }  // namespace
 
+OriginMap::OriginMap(std::vector<Range> ranges) {
+    std::ranges::sort(ranges, {}, [](const Range& range) { return range.area.start; });
+    const auto haveCommon = [](const Range& earlier, const Range& later) {
+        return earlier.area.end() > later.area.start;
+    };
+    if (std::ranges::adjacent_find(ranges, haveCommon) != ranges.end())
+        std::ranges::sort(ranges, {}, &Range::source);
+    for (const Range& range : ranges) set(range);
+}
+
 /// The first range that ends beyond the start of `area`.
 OriginMap::Ranges::const_iterator OriginMap::firstIn(const Area& area) const {
     auto next = ranges_.upper_bound(area.start);
@@ -26,17 +36,35 @@ OriginMap::Ranges::const_iterator OriginMap::firstIn(const Area& area) const {
     return next;
 }
 
+/// The same, searched from a range before it on, near which it often is.
+OriginMap::Ranges::iterator OriginMap::firstFrom(Ranges::iterator near, const Area& area) {
+    constexpr int mostSteps = 8;
+    for (int i = 0; i < mostSteps; ++i, ++near)
+        if (near == ranges_.end() || near->second.area.end() > area.start) return near;
+    return changeable(firstIn(area));
+}
+
+OriginMap::Ranges::iterator OriginMap::changeable(Ranges::const_iterator entry) {
+    return ranges_.erase(entry, entry);
+}
+
 void OriginMap::set(const Range& range) {
     if (range.area.length == 0) return;
     // Most ranges come in the order of their addresses.
     const bool isLast = ranges_.empty() || ranges_.rbegin()->second.area.end() <= range.area.start;
-    if (!isLast) erase(range.area);
-    auto entry = isLast ? ranges_.emplace_hint(ranges_.end(), range.area.start, range)
-                        : ranges_.emplace(range.area.start, range).first;
+    insert(isLast ? ranges_.end() : cleared(range.area, changeable(firstIn(range.area))), range);
+}
+
+/// Adds a range whose addresses no other one has.
+///
+/// @param next  the range after it
+/// @return the range that it became a part of
+OriginMap::Ranges::iterator OriginMap::insert(Ranges::iterator next, const Range& range) {
+    auto entry = ranges_.emplace_hint(next, range.area.start, range);
     if (entry != ranges_.begin() && goesOn(std::prev(entry)->second, entry->second))
         entry = joinNext(std::prev(entry));
-    if (std::next(entry) != ranges_.end() && goesOn(entry->second, std::next(entry)->second))
-        joinNext(entry);
+    if (next != ranges_.end() && goesOn(entry->second, next->second)) joinNext(entry);
+    return entry;
 }
 
 /// Adds the addresses of the next range to those of `entry`.
@@ -48,31 +76,39 @@ OriginMap::Ranges::iterator OriginMap::joinNext(Ranges::iterator entry) {
 }
 
 void OriginMap::erase(const Area& area) {
-    if (area.length == 0) return;
-    auto at = ranges_.erase(firstIn(area), firstIn(area));  // not const any more
+    if (area.length != 0) cleared(area, changeable(firstIn(area)));
+}
+
+/// Forgets the addresses of `area`.
+///
+/// @param at  the first range that ends beyond its start
+/// @return the first range after it
+OriginMap::Ranges::iterator OriginMap::cleared(const Area& area, Ranges::iterator at) {
     while (at != ranges_.end() && at->second.area.start < area.end()) {
         const Range old = at->second;
         at = ranges_.erase(at);
         if (old.area.start < area.start) {
             Range head = old;
             head.area.length = area.start - old.area.start;
-            ranges_.emplace(head.area.start, head);
+            ranges_.emplace_hint(at, head.area.start, head);
         }
         if (old.area.end() > area.end()) {
             Range tail = old;
             tail.area = {area.end(), old.area.end() - area.end()};
-            at = ranges_.emplace(tail.area.start, tail).first;
+            at = ranges_.emplace_hint(at, tail.area.start, tail);
         }
     }
+    return at;
 }
 
 void OriginMap::lay(const OriginMap& other, const Area& area) {
-    for (auto at = other.firstIn(area);
-         at != other.ranges_.end() && at->second.area.start < area.end(); ++at) {
-        Range part = at->second;
+    auto at = changeable(firstIn(area));
+    for (auto laid = other.firstIn(area);
+         laid != other.ranges_.end() && laid->second.area.start < area.end(); ++laid) {
+        Range part = laid->second;
         const std::uint64_t start = std::max(part.area.start, area.start);
         part.area = {start, std::min(part.area.end(), area.end()) - start};
-        set(part);
+        at = insert(cleared(part.area, firstFrom(at, part.area)), part);
     }
 }
 
@@ -82,7 +118,7 @@ void OriginMap::move(std::uint64_t distance) {
     for (auto& [start, range] : ranges_) {
         range.area.start += distance;
         range.moved += distance;
-        moved.emplace(range.area.start, range);
+        moved.emplace_hint(moved.end(), range.area.start, range);
     }
     ranges_ = std::move(moved);
 }

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <vector>
 
 #include "buffer/Area.hpp"
 
@@ -21,6 +22,12 @@ public:
 
     /// By the start of their areas, which do not overlap.
     using Ranges = std::map<std::uint64_t, Range>;
+
+    OriginMap() = default;
+
+    /// A map of `ranges`. Of two that have an address, the one with the higher number of a source
+    /// counts.
+    explicit OriginMap(std::vector<Range> ranges);
 
     /// Lets all addresses of `area` come from `source`. An area of length 0 changes nothing.
     void set(const Buffer::Area& area, std::size_t source) { set({area, source, 0}); }
@@ -46,7 +53,11 @@ public:
 
 private:
     Ranges::const_iterator firstIn(const Buffer::Area& area) const;
+    Ranges::iterator firstFrom(Ranges::iterator near, const Buffer::Area& area);
+    Ranges::iterator changeable(Ranges::const_iterator entry);
+    Ranges::iterator insert(Ranges::iterator next, const Range& range);
     Ranges::iterator joinNext(Ranges::iterator entry);
+    Ranges::iterator cleared(const Buffer::Area& area, Ranges::iterator at);
 
     Ranges ranges_;
 };

@@ -7,8 +7,6 @@
 #include <utility>
 
 #include "inspect/Json.hpp"
-#include "platform/Files.hpp"
-#include "platform/Replace.hpp"
 #include "strict/files/DigestThread.hpp"
 
 namespace Strict {
@@ -132,18 +130,11 @@ void compare(const Json& manifest, const Json& run, Proof& proof) {
 
 }  // namespace
 
-bool compareWithManifest(const std::string& path, const Inspect::RunRecord& record,
+bool compareWithManifest(const std::string& path, std::string_view listed, std::string_view made,
                          DiagnosticSink& sink) {
-    Platform::clearLastError();
-    const auto text = Platform::readFile(path);
-    if (!text) {
-        const std::string reason = Platform::lastError().message();
-        sink.take({Kind::CannotOpen, "cannot open " + path + ": " + reason});
-        return false;
-    }
     Proof proof(path, sink);
     try {
-        compare(Json::parse(text->text()), Json::parse(Inspect::manifestOf(record)), proof);
+        compare(Json::parse(listed), Json::parse(made), proof);
     } catch (const Json::exception&) {
         proof.differ(path + " is not a manifest");
     }

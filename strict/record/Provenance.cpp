@@ -117,21 +117,29 @@ std::size_t Provenance::thisStatement() {
     return *statement_;
 }
 
-OriginMap Provenance::originsIn(const CmdNewBuffer& statement, const TessaronImportApi& reader) {
+/// Adds the runs of a file to the sources, as ranges of the addresses that they give.
+std::vector<OriginMap::Range> Provenance::addSources(const CmdNewBuffer& statement,
+                                                     const TessaronImportApi& reader) {
     std::vector<Io::Import::SourceRun> runs = reader.getSourceRuns();
     if (runs.empty())
         for (const Area& area : reader.getDataAreas()) runs.push_back({area, 0, 0});
-    // Of several sources the one that is set last counts.
+    // Of several sources the one with the highest number counts.
     if (statement.overlapRule() == OverlapRule::First) std::ranges::reverse(runs);
-    OriginMap all;
+    std::vector<OriginMap::Range> ranges;
+    ranges.reserve(runs.size());
     for (const auto& run : runs) {
-        all.set(run.area, sources_.size());
+        ranges.push_back({run.area, sources_.size(), 0});
         sources_.push_back({origins_.size(), run.area, run.firstLine, run.lastLine});
     }
+    return ranges;
+}
+
+OriginMap Provenance::originsIn(const CmdNewBuffer& statement, const TessaronImportApi& reader) {
+    std::vector<OriginMap::Range> ranges = addSources(statement, reader);
     origins_.push_back({statement.fileName(), reader.getFormat(), reports_->statementPlace(),
                         statement.addressUnit()});
     if (mayHaveNames(origins_.back())) current_.named = {{origins_.size() - 1, 0}};
-    return all;
+    return OriginMap(std::move(ranges));
 }
 
 void Provenance::onRead(const CmdNewBuffer& statement, const TessaronImportApi& reader,
@@ -210,10 +218,14 @@ void Provenance::onOverlay(const CmdNewBuffer& statement, const MemoryBuffer& im
         if (std::ranges::none_of(
                 current_.named, [&](const NamedFile& known) { return haveSameNames(known, file); }))
             current_.named.insert(isFirst ? current_.named.end() : current_.named.begin(), file);
-    OriginMap written;
-    written.lay(source.written, *common);
-    if (isFirst) written.lay(current_.written, *common);
-    current_.written.lay(written, *common);
+    if (isFirst) {
+        OriginMap written;
+        written.lay(source.written, *common);
+        written.lay(current_.written, *common);
+        current_.written.lay(written, *common);
+    } else {
+        current_.written.lay(source.written, *common);
+    }
     OriginMap fillers;
     fillers.lay(source.fillers, *common);
     for (const auto& [start, range] : current_.fillers.ranges()) {

@@ -152,6 +152,8 @@ private:
     std::size_t sourceOf(Source source, std::size_t regrouped);
     OriginMap regroupedOrigins(const OriginMap& before, const Buffer::Regrouping& regrouping);
     std::optional<Byte> byteAt(std::size_t source, std::uint64_t address) const;
+    std::vector<OriginMap::Range> addSources(const Parser::WrapperLib::CmdNewBuffer& statement,
+                                             const Io::Import::TessaronImportApi& reader);
     OriginMap originsIn(const Parser::WrapperLib::CmdNewBuffer& statement,
                         const Io::Import::TessaronImportApi& reader);
     void reportCropped(const Origin& input, const OriginMap& all, const OriginMap& kept);

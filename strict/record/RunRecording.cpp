@@ -1,6 +1,7 @@
 #include "strict/record/RunRecording.hpp"
 
 #include <algorithm>
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <set>
@@ -166,15 +167,19 @@ private:
             return;
         Inspect::ImageRecord entry{name, &image->second, {}, origins->second.startAddress};
         const OriginMap& written = origins->second.written;
+        entry.ranges.reserve(written.ranges().size() + origins->second.fillers.ranges().size());
         for (const auto& [start, range] : written.ranges()) {
             entry.ranges.push_back(writtenRange(range));
             if (details_.hasLines)
                 entry.ranges.back().names = run_->provenance->namesAt(name, range.area);
         }
+        const auto end = static_cast<std::ptrdiff_t>(entry.ranges.size());
         for (const auto& [start, range] : origins->second.fillers.ranges())
             for (const Area& area : uncovered(range.area, written))
                 entry.ranges.push_back(filledRange(area, range.source));
-        std::ranges::sort(entry.ranges, {}, [](const OriginRange& r) { return r.area.start; });
+        // Both are ascending.
+        std::ranges::inplace_merge(entry.ranges, entry.ranges.begin() + end, {},
+                                   [](const OriginRange& r) { return r.area.start; });
         record_.images.push_back(std::move(entry));
     }
 
@@ -241,6 +246,7 @@ private:
             if (const auto& key = static_cast<const CmdNewSignature&>(command).fingerprint())
                 entry.publicKey = Util::lowerHex(*key);
         entry.wordSize = command.wordSize();
+        values_.try_emplace({entry.kind, entry.name}, record_.values.size());
         record_.values.push_back(std::move(entry));
     }
 
@@ -267,21 +273,19 @@ private:
     void addPlaces(const Statement& statement) {
         const Part* const stored = statement.last(Parser::usesValue);
         if (stored == nullptr) return;
-        const std::string_view kind = kindOf(stored->role);
+        const std::string kind = kindOf(stored->role);
         const std::string name(statement.textOf(Role::ChangesImage));
-        const auto value =
-            std::ranges::find_if(record_.values, [&](const Inspect::ValueRecord& one) {
-                return one.name == stored->text && one.kind == kind;
-            });
+        const auto value = values_.find({kind, std::string(stored->text)});
         const auto image = run_->context->buffers.find(name);
-        if (value == record_.values.end() || image == run_->context->buffers.end()) return;
+        if (value == values_.end() || image == run_->context->buffers.end()) return;
         AreaList areas = statement.areas();
         if (areas.empty()) areas.push_back(image->second.getArea());
         const Place place = placeOf(statement);
         const std::string order =
             stored->role == Role::UsesCrc ? orderOf(statement, image->second) : "";
         for (const Area& area : areas)
-            value->places.push_back({name, area, place.line, order, scriptOf(place)});
+            record_.values[value->second].places.push_back(
+                {name, area, place.line, order, scriptOf(place)});
     }
 
     /// The order in which FILL_BUFFER writes a CRC: its own, or the image's.
@@ -320,6 +324,8 @@ private:
     /// For each input of the run, its first place in the list, and where the list ends.
     std::vector<std::size_t> firstOfInput_;
     std::set<std::string> included_;  ///< paths of files that the script includes
+    /// The places of the values in their list, by their kinds and names.
+    std::map<std::pair<std::string, std::string>, std::size_t> values_;
     Inspect::RunRecord record_;
 };
 

@@ -1,5 +1,6 @@
 #include "strict/record/WideGaps.hpp"
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -20,6 +21,35 @@ using Parser::Role;
 using Parser::Statement;
 using Parser::WrapperLib::CmdContext;
 
+/// What a statement fills beside the bytes of its images.
+struct Filling {
+    bool isSkipping;          ///< addresses that nothing wrote, unless they are one of these:
+    std::uint64_t shortGaps;  ///< those of gaps of up to that many bytes
+    std::uint64_t alignment;  ///< and those before and after a run, up to multiples of it
+
+    bool isPadding() const { return shortGaps != 0 || alignment > 1; }
+
+    /// The area with what is filled before and after it.
+    Buffer::Area around(const Buffer::Area& area) const {
+        const std::uint64_t start = area.start - area.start % alignment;
+        const std::uint64_t rest = area.end() % alignment;
+        return {start, area.end() + (rest == 0 ? 0 : alignment - rest) - start};
+    }
+};
+
+/// The number of an option; `otherwise` without it.
+std::uint64_t numberOf(const Statement& statement, Role role, std::uint64_t otherwise) {
+    const Part* const option = statement.last(role);
+    return option == nullptr ? otherwise : statement.numbersOf(*option).back().value();
+}
+
+Filling fillingOf(const Statement& statement) {
+    // An alignment of 0 is refused when the statement runs.
+    return {statement.roles.hasAny({Role::Gaps, Role::ShortGaps}),
+            numberOf(statement, Role::ShortGaps, 0),
+            std::max<std::uint64_t>(numberOf(statement, Role::Alignment, 1), 1)};
+}
+
 /// Counts the addresses of images to which nothing gave a byte or a filler. An address that several
 /// images have counts once.
 class GapCount {
@@ -33,6 +63,8 @@ public:
         if (image == context_->buffers.end() || origins == provenance_->images().end()) return;
         const Buffer::Area range = image->second.getArea();
         ranges_.push_back(range);
+        for (const auto& [start, written] : origins->second.written.ranges())
+            written_.push_back(written.area);
         for (const OriginMap* const some : {&origins->second.fillers, &origins->second.written})
             given_.lay(*some, range);
     }
@@ -41,27 +73,45 @@ public:
         return Inspect::byteCount(Inspect::joined(ranges_, 0)) - given_.size();
     }
 
+    /// Those of them, and of the addresses beside the images, that a statement fills.
+    std::uint64_t gapsFilledBy(const Filling& filling) const {
+        AreaList runs = filling.isSkipping ? Inspect::joined(written_, filling.shortGaps) : ranges_;
+        for (Buffer::Area& run : runs) run = filling.around(run);
+        std::uint64_t gaps = 0;
+        for (const Buffer::Area& run : Inspect::joined(std::move(runs), 0))
+            gaps += Inspect::byteCount(uncovered(run, given_));
+        return gaps;
+    }
+
 private:
     const CmdContext* context_;
     const Provenance* provenance_;
     AreaList ranges_;
+    AreaList written_;
     OriginMap given_;
 };
 
-/// Addresses of the images that a statement uses, those in common counted for each.
-std::uint64_t lengthOf(const Statement& statement, const CmdContext& context) {
+/// More addresses than this cannot get into a file for the images of a statement.
+std::uint64_t mostAddresses(const Statement& statement, const CmdContext& context,
+                            const Filling& filling) {
     std::uint64_t length = 0;
+    AreaList ranges;
     for (const Part& part : statement.all(Role::UsesImage))
         if (const auto image = context.buffers.find(std::string(part.text));
-            image != context.buffers.end())
+            image != context.buffers.end()) {
             length += image->second.getDataLength();
-    return length;
+            if (image->second.getDataLength() != 0) ranges.push_back(image->second.getArea());
+        }
+    if (!filling.isPadding() || ranges.empty()) return length;
+    // What is filled may be between two images as well.
+    const Buffer::Area all = Inspect::joined(std::move(ranges), ~std::uint64_t{0} >> 1U).front();
+    return filling.around(all).length;
 }
 
 std::uint64_t gapsOf(const Statement& statement, const CmdContext& context,
-                     const Provenance& provenance) {
-    // Without a rule the file has all of each image.
-    const bool isTogether = statement.has(Role::Overlap);
+                     const Provenance& provenance, const Filling& filling) {
+    // Images that are padded become one. Without a rule the file has all of each image otherwise.
+    const bool isTogether = statement.has(Role::Overlap) || filling.isPadding();
     GapCount together(context, provenance);
     std::uint64_t apart = 0;
     for (const Part& part : statement.all(Role::UsesImage)) {
@@ -74,10 +124,14 @@ std::uint64_t gapsOf(const Statement& statement, const CmdContext& context,
         alone.add(name);
         apart += alone.gaps();
     }
+    if (filling.isPadding()) return together.gapsFilledBy(filling);
     return isTogether ? together.gaps() : apart;
 }
 
-std::string adviceOnOutput(const Statement& statement, bool isScript) {
+std::string adviceOnOutput(const Statement& statement, const Filling& filling, bool isScript) {
+    if (filling.isPadding())
+        return isScript ? "-fillGapsUpTo and -alignTo fill less with smaller numbers"
+                        : "--fill-gaps and --align fill less with smaller numbers";
     if (!isScript)
         return "a format with addresses leaves them gaps, and --crop START,LENGTH keeps a part";
     if (outputFormatOf(statement).hasAddresses) return "-skipUnwritten leaves them gaps";
@@ -93,13 +147,14 @@ void checkOutput(const Statement& statement, const CmdContext& context,
                  const Provenance& provenance, StatementReports& reports, bool isScript) {
     // A copy of a file has the gaps of that.
     if (outputFormatOf(statement).needsTemplate) return;
-    if (statement.roles.hasAny({Role::Gaps, Role::ShortGaps})) return;
+    const Filling filling = fillingOf(statement);
+    if (filling.isSkipping && !filling.isPadding()) return;
     // Counting takes the origins of all bytes, which few files need.
-    if (lengthOf(statement, context) <= Inspect::widestGaps) return;
-    const std::uint64_t gaps = gapsOf(statement, context, provenance);
+    if (mostAddresses(statement, context, filling) <= Inspect::widestGaps) return;
+    const std::uint64_t gaps = gapsOf(statement, context, provenance, filling);
     if (gaps <= Inspect::widestGaps) return;
     reports.report(Kind::WideGap, "the file would get " + sizeOf(gaps) + " of gaps",
-                   {Role::OutputFile}, adviceOnOutput(statement, isScript));
+                   {Role::OutputFile}, adviceOnOutput(statement, filling, isScript));
 }
 
 void checkFiller(const Statement& statement, const CmdContext& context,

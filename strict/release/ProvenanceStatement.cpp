@@ -31,8 +31,7 @@ Json subjectsJson(const Inspect::RunRecord& record) {
 /// dependencies.
 Json parametersJson(const Inspect::RunRecord& record, const RunConditions& conditions) {
     Json json{{"script", record.scriptPath}};
-    json["variables"] = Json::object();
-    for (const auto& [name, value] : record.variables) json["variables"][name] = value;
+    json["variables"] = Inspect::toJson(record.variables);
     for (const auto& [kind, severity] : conditions.relaxed) json["diagnostics"][kind] = severity;
     if (conditions.sourceDate) json["sourceDateEpoch"] = std::to_string(*conditions.sourceDate);
     return json;

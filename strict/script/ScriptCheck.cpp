@@ -110,9 +110,9 @@ bool ScriptCheck::isBroken(const Statement& last, const BrokenText& broken) cons
 void ScriptCheck::makeNames(std::span<const Part> parts) {
     for (const Part& part : parts) {
         if (part.role == Role::MakesImage) images_.try_emplace(std::string(part.text), part.text);
-        for (std::size_t i = 0; i < values_.size(); ++i)
-            if (part.role == Parser::valueKinds[i].makes)
-                values_[i].try_emplace(std::string(part.text), part.text);
+        if (Parser::makesValue.has(part.role))
+            values_[Parser::valueKindOf(part.role)->uses].try_emplace(std::string(part.text),
+                                                                      part.text);
     }
 }
 
@@ -121,9 +121,9 @@ void ScriptCheck::checkNames(const Statement& statement) {
     for (const Part& part : statement.parts) checkUse(part);
     for (const Part& part : statement.parts) {
         if (part.role == Role::MakesImage) define(images_, part.text, "an image");
-        for (std::size_t i = 0; i < values_.size(); ++i)
-            if (part.role == Parser::valueKinds[i].makes)
-                define(values_[i], part.text, Parser::valueKinds[i].withArticle);
+        if (!Parser::makesValue.has(part.role)) continue;
+        const Parser::ValueKind& kind = *Parser::valueKindOf(part.role);
+        define(values_[kind.uses], part.text, std::string("a ") + kind.word);
     }
 }
 
@@ -131,20 +131,19 @@ void ScriptCheck::checkUse(const Part& part) {
     constexpr Parser::Roles ofImages{Role::UsesImage, Role::ChangesImage};
     if (ofImages.has(part.role)) use(images_, part.text, "image");
     // A signature has a length as well.
-    if (part.role == Role::MeasuresImage && !values_.back().contains(part.text))
+    if (part.role == Role::MeasuresImage && !values_[Role::UsesSignature].contains(part.text))
         use(images_, part.text, "image");
     if (part.role == Role::UsesValue) useValue(part.text);
-    for (std::size_t i = 0; i < values_.size(); ++i)
-        if (part.role == Parser::valueKinds[i].uses)
-            use(values_[i], part.text, Parser::valueKinds[i].word);
+    if (Parser::usesValue.has(part.role))
+        use(values_[part.role], part.text, Parser::valueKindOf(part.role)->word);
 }
 
 /// A name that may be that of a value of any kind.
 void ScriptCheck::useValue(std::string_view name) {
-    const auto has = [name](const Names& names) { return names.contains(name); };
+    const auto has = [name](const auto& entry) { return entry.second.contains(name); };
     if (std::ranges::any_of(values_, has)) return;
     Names all;
-    for (const Names& names : values_) all.insert(names.begin(), names.end());
+    for (const auto& [kind, names] : values_) all.insert(names.begin(), names.end());
     use(all, name, "CRC, hash or signature");
 }
 
@@ -174,7 +173,7 @@ void ScriptCheck::checkSignature(const Statement& statement) {
         report(Kind::Key, "the statement has no key", keyword, "add -setKeyFile=FILE");
 }
 
-void ScriptCheck::define(Names& names, std::string_view name, const char* what) {
+void ScriptCheck::define(Names& names, std::string_view name, const std::string& what) {
     const auto [entry, isNew] = names.try_emplace(std::string(name), name);
     if (isNew || !pending_.wants(Kind::DuplicateName)) return;
     Diagnostic diagnostic{Kind::DuplicateName,

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -52,7 +51,7 @@ private:
     void checkQuote(const Parser::Part& part);
     void checkPath(const Parser::Part& part);
     void makeNames(std::span<const Parser::Part> parts);
-    void define(Names& names, std::string_view name, const char* what);
+    void define(Names& names, std::string_view name, const std::string& what);
     void use(const Names& names, std::string_view name, const char* what);
     void useValue(std::string_view name);
     void report(Kind kind, std::string text, std::string_view part, std::string hint = {},
@@ -69,7 +68,7 @@ private:
     /// What was found in the last statement, which may yet turn out to be broken.
     PendingList pending_;
     Names images_;
-    std::array<Names, Parser::valueKinds.size()> values_;  ///< of each kind
+    std::map<Parser::Role, Names> values_;  ///< of each kind, by the role of their users
 };
 
 }  // namespace Strict

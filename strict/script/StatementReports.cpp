@@ -36,7 +36,7 @@ void StatementReports::reportAt(std::string_view part, Diagnostic diagnostic) {
     sink_->take(diagnostic);
 }
 
-void StatementReports::report(Kind kind, std::string text, Roles roles, std::string hint,
+void StatementReports::report(Kind kind, std::string text, Parser::Roles roles, std::string hint,
                               std::vector<Note> notes, std::uint64_t count) {
     Diagnostic diagnostic{kind, std::move(text), std::nullopt, std::move(hint), std::move(notes),
                           count};
@@ -49,15 +49,15 @@ void StatementReports::report(Kind kind, std::string text, Roles roles, std::str
     reportAt(part->text, std::move(diagnostic));
 }
 
-void StatementReports::report(Kind kind, std::string text, const Part& part, std::string hint,
-                              std::vector<Note> notes) {
+void StatementReports::reportPart(Kind kind, std::string text, const Part& part, std::string hint,
+                                  std::vector<Note> notes) {
     reportAt(part.text, {kind, std::move(text), std::nullopt, std::move(hint), std::move(notes)});
 }
 
 void StatementReports::reportName(Kind kind, std::string_view name, std::string text,
                                   std::string hint, std::vector<Note> notes) {
     if (script_ == nullptr) {
-        report(kind, std::move(text), Roles(), std::move(hint), std::move(notes));
+        report(kind, std::move(text), Parser::Roles(), std::move(hint), std::move(notes));
         return;
     }
     const auto& parts = statement_.parts;
@@ -66,8 +66,8 @@ void StatementReports::reportName(Kind kind, std::string_view name, std::string 
                (part.role == Role::Symbol &&
                 Parser::WrapperLib::cleanedPath(std::string(part.text)) == name);
     });
-    report(kind, std::move(text), found == parts.end() ? parts.front() : *found, std::move(hint),
-           std::move(notes));
+    reportPart(kind, std::move(text), found == parts.end() ? parts.front() : *found,
+               std::move(hint), std::move(notes));
 }
 
 void StatementReports::reportInput(Diagnostic diagnostic) {

@@ -1,8 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,8 +15,6 @@ namespace Strict {
 /// script, diagnostics have no place.
 class StatementReports {
 public:
-    using Roles = std::span<const Parser::Role>;
-
     /// @param script  null outside any script
     StatementReports(const ScriptText* script, DiagnosticSink& sink)
         : script_(script), sink_(&sink) {}
@@ -29,17 +25,12 @@ public:
     /// Reports something about the last part with one of the roles, or about the statement.
     ///
     /// @param count  findings that it sums up
-    void report(Kind kind, std::string text, Roles roles, std::string hint = {},
+    void report(Kind kind, std::string text, Parser::Roles roles, std::string hint = {},
                 std::vector<Note> notes = {}, std::uint64_t count = 1);
-    void report(Kind kind, std::string text, std::initializer_list<Parser::Role> roles,
-                std::string hint = {}, std::vector<Note> notes = {}, std::uint64_t count = 1) {
-        report(kind, std::move(text), Roles(roles.begin(), roles.size()), std::move(hint),
-               std::move(notes), count);
-    }
 
     /// Reports something about a part of the statement.
-    void report(Kind kind, std::string text, const Parser::Part& part, std::string hint = {},
-                std::vector<Note> notes = {});
+    void reportPart(Kind kind, std::string text, const Parser::Part& part, std::string hint = {},
+                    std::vector<Note> notes = {});
 
     /// Reports something about a name that the statement uses, or about the statement.
     void reportName(Kind kind, std::string_view name, std::string text, std::string hint = {},

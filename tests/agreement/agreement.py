@@ -173,7 +173,7 @@ class Comparison:
     def __init__(self, options):
         kinds = subprocess.run([options.list_kinds], capture_output=True, text=True,
                                check=True).stdout.splitlines()
-        self.ignored = ["--ignore=" + kind.split()[0] for kind in kinds if "always" not in kind]
+        self.ignored = ["--ignore=" + kind.split()[0] for kind in kinds if "\talways " not in kind]
         self.classic, self.strict = options.classic.resolve(), options.strict.resolve()
         self.has_text_mode = options.text_mode
         self.agreed = self.faults = 0

@@ -4,7 +4,7 @@
   keywords   both have every keyword of the grammar
   vim        Vim shows the annotated script as its annotations say
   agreement  Vim and the TextMate grammar show all scripts of the examples, the recipes and the
-             manual alike, and leave no character out
+             book alike, and leave no character out
 """
 import argparse
 import itertools
@@ -18,7 +18,7 @@ import tempfile
 
 HERE = pathlib.Path(__file__).resolve().parent
 ROOT = HERE.parent.parent
-MANUAL = ROOT / "docs" / "CmdTessaronManual.txt"
+BOOK = ROOT / "docs" / "book"
 GRAMMAR = ROOT / "editors" / "vscode" / "syntaxes" / "tessaron.tmLanguage.json"
 VIM = ROOT / "editors" / "vim"
 ANNOTATED = HERE / "annotated.tsn"
@@ -111,10 +111,11 @@ def check_agreement(modules):
     with tempfile.TemporaryDirectory() as folder:
         files = [ANNOTATED, *sorted((ROOT / "examples").rglob("*.tsn")),
                  *sorted((ROOT / "recipes").glob("*.tsn"))]
-        for part in itertools.chain(*run_examples.sections(MANUAL)[0]):
+        pages = map(run_examples.parts_of, run_examples.pages_below(BOOK))
+        for number, part in enumerate(itertools.chain(*(parts for parts, _ in pages))):
             # What does not parse may end anywhere.
             if re.fullmatch(r"\S+\.tsn", part.title) and part.title != "syntax.tsn":
-                files.append(pathlib.Path(folder) / ("manual-%d.tsn" % part.number))
+                files.append(pathlib.Path(folder) / ("page-%d.tsn" % number))
                 files[-1].write_text(part.text())
         if len(files) < 40:
             yield "only %d scripts were found" % len(files)

@@ -75,8 +75,9 @@ def tessaron(*arguments, code=0, standard_input=None):
 
 
 def complaint(*arguments):
-    """What is said of arguments that fail, or of a run that only warns."""
-    return subprocess.run([PROGRAM, *arguments], capture_output=True, text=True, check=False).stderr
+    """What is said of arguments that fail, or of a run that only warns, without the pages about it."""
+    done = subprocess.run([PROGRAM, *arguments], capture_output=True, text=True, check=False)
+    return done.stderr.partition("more: tessaron help")[0]
 
 
 def srec_cat(*arguments):

@@ -38,6 +38,14 @@ WRITE_FILE out.bin WITH_BUFFERS {@Moved} -setFormat=RawBinary
 """
 
 
+def unknown_keywords(schema):
+    """Those of a schema that no validator looks at, such as a misspelt one."""
+    known = {"title", "description", "$schema", "$defs", *jsonschema.Draft202012Validator.VALIDATORS}
+    inner = [*schema.get("properties", {}).values(), *schema.get("$defs", {}).values()]
+    inner += [part for part in (schema.get("items"), schema.get("additionalProperties")) if part]
+    return (schema.keys() - known).union(*map(unknown_keywords, inner))
+
+
 def tessaron(*arguments, code=0, folder="."):
     # The script changes a copy of what its CRC covers, for the sake of the origins.
     policy = ["--ignore=digest-stale"] if arguments[0] in ("run", "check") else []
@@ -118,6 +126,7 @@ class Manifest(unittest.TestCase):
 
     def test_schema(self):
         jsonschema.Draft202012Validator.check_schema(SCHEMA)
+        self.assertEqual(unknown_keywords(SCHEMA), set())
         jsonschema.validate(self.manifest, SCHEMA)
         self.manifest["time"] = "now"
         with self.assertRaises(jsonschema.ValidationError):

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Compares the tables of checksums and hashes in the manual with the program and, where possible,
-with an independent source: the parameters of a CRC with the catalogue's model, the catalogue's names
-with their published check values, the digests with Python's hashlib.
+"""Compares the tables of checksums and hashes in the book with the program and, where possible, with an
+independent source: the parameters of a CRC with the catalogue's model, the catalogue with what is
+published, the digests with Python's hashlib.
 """
 import hashlib
 import itertools
@@ -11,18 +11,17 @@ import subprocess
 import sys
 import tempfile
 
-CRC = re.compile(r"    (Crc\w+) +(\d+) ([0-9A-F]+) +([0-9A-F]+) +(true|false) +(true|false) +"
-                 r"([0-9A-F]+) +([0-9A-F]+) +([0-9A-F]+)$")
-SUM = re.compile(r"    ((?:Crc|ByteSum|WordSum|Adler|Fletcher)\w+) +(\d+) [a-z].*? +([0-9A-F]+) +([0-9A-F]+)$")
-HASH = re.compile(r"    (Hash_\w+) +(\d+)   (?:([0-9A-F]{16}) | {16})")
+import book
+
+SUMS = ("Crc", "ByteSum", "WordSum", "Adler", "Fletcher")
 CATALOGUE = pathlib.Path(__file__).resolve().parents[2] / "util/crc/catalogue.tsv"
 HASHLIB = {"Md5": "md5", "Sha1": "sha1", "Sha2": "sha", "Sha3": "sha3_"}
 
 
-def rows_of(pattern, manual):
-    """The rows of the manual that match, by their first column."""
-    matches = filter(None, map(pattern.match, manual))
-    return {match.group(1): match.groups()[1:] for match in matches}
+def types_of(page, prefixes, columns):
+    """The rows of the types with these prefixes, by their names, without those of other tables."""
+    rows = book.rows_of(page)
+    return {row[0]: row[1:] for row in rows if row[0].startswith(prefixes) and len(row) == columns}
 
 
 def reflected(value, width):
@@ -66,8 +65,9 @@ def takes_words(name):
     return name.endswith("_BE") or name.startswith("WordSum")
 
 
-def check_crcs(program, manual):
-    rows, sums = rows_of(CRC, manual), rows_of(SUM, manual)
+def check_crcs(program, page):
+    rows = types_of(page, "Crc", 9)
+    sums = types_of(page, SUMS, 5)
     names = list(rows) + list(sums)
     text = values(program, "CRC", "123456789", names)
     even = values(program, "CRC", "12345678", names)
@@ -85,16 +85,17 @@ def check_crcs(program, manual):
             yield "%s: the parameters give %X, not %s" % (name, model, row[6])
 
 
-def check_catalogue(program, manual):
-    """Section 8.4 lists the CRCs of the catalogue, which the program finds by their names."""
+def check_catalogue(program, page):
+    """The page has what is published, and the program finds each CRC by its name."""
     rows = [line.split("\t") for line in CATALOGUE.read_text().splitlines() if line[0] != "#"]
     checks = {row[0]: int(row[7], 16) for row in rows}
-    section = itertools.takewhile(lambda line: not line.startswith("8.5 "),
-                                  itertools.dropwhile(lambda line: line[:4] != "8.4 ", manual))
-    table = filter(re.compile(r"    CRC-\S+( +CRC-\S+)*$").match, section)
-    listed = [name for line in table for name in line.split()]
-    yield from ("%s is in the catalogue or in the manual" % name
-                for name in sorted(checks.keys() ^ set(listed)))
+    shown = [row for row in book.rows_of(page) if row[0].startswith("CRC-")]
+    for row, cells in itertools.zip_longest(rows, shown):
+        numbers = [int(cell, 16) for cell in cells[2:8] if cell not in ("true", "false")]
+        flags = cells[4:6]
+        published = [int(cell, 16) for cell in (row[2], row[3], row[6], row[7])], row[4:6]
+        if cells[:2] + cells[8:] != row[:2] + (row[8:] or [""]) or (numbers, flags) != published:
+            yield "the catalogue has %s, the page %s" % (row, cells)
     script = ["NEW_BUFFER @Text FROM_VALUES { %s }" % ",".join(str(ord(c)) for c in "123456789")]
     for number, name in enumerate(checks):
         script.append("NEW_CRC @%d FROM_BUFFER @Text -setType=Catalogue{%s}" % (number, name))
@@ -105,23 +106,24 @@ def check_catalogue(program, manual):
             yield "%s: the program gives %s" % (name, digits)
 
 
-def check_hashes(program, manual):
-    rows = rows_of(HASH, manual)
+def check_hashes(program, page):
+    rows = types_of(page, "Hash_", 4)
     digests = values(program, "HASH", "abc", rows)
-    for name, (size, beginning) in rows.items():
+    for name, (size, beginning, _) in rows.items():
         digest = digests[name]
-        if len(digest) != int(size) or digest[:8].hex().upper() != (beginning or ""):
+        if len(digest) != int(size) or digest[:8].hex().upper() != beginning:
             yield "%s: the program gives %s" % (name, digest.hex())
         family, _, bits = name[len("Hash_"):].partition("_")
         if family in HASHLIB and hashlib.new(HASHLIB[family] + bits, b"abc").digest() != digest:
             yield "%s: hashlib does not agree" % name
 
 
-def check_types(list_keywords, manual):
+def check_types(list_keywords, pages):
     """Every type of NEW_CRC and NEW_HASH has a row; the types without a width are in a text."""
     output = subprocess.run([list_keywords], stdout=subprocess.PIPE, check=True, text=True).stdout
     types = set(re.findall(r"^(?:Crc\d|ByteSum|WordSum|Adler|Fletcher|Hash_)\S+$", output, re.MULTILINE))
-    listed = set().union(*(rows_of(row, manual) for row in (CRC, SUM, HASH)))
+    listed = {*types_of(pages / "index.md", SUMS, 9), *types_of(pages / "index.md", SUMS, 5),
+              *types_of(pages / "hashes.md", "Hash_", 4)}
     yield from ("%s is a type or has a row, but not both" % name for name in sorted(types ^ listed))
     if len(types) < 30:
         yield "%d types were found" % len(types)
@@ -129,9 +131,9 @@ def check_types(list_keywords, manual):
 
 def main():
     program, list_keywords = sys.argv[1:3]
-    manual = pathlib.Path(sys.argv[3]).read_text().splitlines()
-    faults = [*check_crcs(program, manual), *check_catalogue(program, manual),
-              *check_hashes(program, manual), *check_types(list_keywords, manual)]
+    pages = pathlib.Path(sys.argv[3]) / "checksums"
+    faults = [*check_crcs(program, pages / "index.md"), *check_catalogue(program, pages / "catalogue.md"),
+              *check_hashes(program, pages / "hashes.md"), *check_types(list_keywords, pages)]
     print("\n".join(faults) or "the tables agree")
     return 1 if faults else 0
 

@@ -1,4 +1,5 @@
-// Prints the kinds of diagnostics with what they count as, as chapter 15 of the manual lists them.
+// Prints the kinds of diagnostics with what they count as and when they are reported, separated by
+// tabs.
 
 #include <iostream>
 
@@ -7,7 +8,7 @@
 int main() {
     for (const Strict::KindRow& kind : Strict::kinds()) {
         const bool isError = kind.severity == Strict::Severity::Error;
-        std::cout << kind.name << " " << (kind.isFixed ? "always " : "")
-                  << (isError ? "an error" : "a warning") << "\n";
+        std::cout << kind.name << "\t" << (kind.isFixed ? "always " : "")
+                  << (isError ? "an error" : "a warning") << "\t" << kind.meaning << "\n";
     }
 }

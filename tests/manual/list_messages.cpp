@@ -1,4 +1,4 @@
-// Prints the messages that chapters 12 and 13 of the manual must list.
+// Prints the messages that the pages on CmdTessaron must list.
 
 #include <boost/algorithm/string/replace.hpp>
 #include <iostream>

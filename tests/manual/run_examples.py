@@ -1,21 +1,18 @@
 #!/usr/bin/env python3
-"""Runs the examples of the manual and compares their output with what the manual shows.
+"""Runs the examples of the book and compares their output with what its pages show.
 
-An example is a sheet, indented by four spaces. Each of its parts begins with a title between equals
-signs and ends at the next title or at the rule that ends the sheet:
+Examples are the fenced blocks of these kinds:
 
-    == app.hex ===================================   a file to make
-    == $ COMMAND =================================   a command and its output
-    == $ COMMAND (exit code 254) =================
-    == app.hex afterwards ========================   a file that must exist then
-    ==============================================
+    ```text title="app.hex"              a file to make, of any language
+    ```text title="app.hex afterwards"   a file that must exist then
+    ```console                           commands and their output; a command that does not end
+    $ COMMAND  # exit code 1             with 0 says so in a comment
 
-All sheets of a section run in the same new folder, which has the recipes that its scripts include.
-Spaces at the ends of lines are ignored. Banner,
-time and time stamps are masked, and removed where the manual omits them. A command that begins with
-"tessaron" shows its standard output and then its standard error, whose long lines are folded: each
-further line of the page is indented by eight spaces.
-The layout is checked too: plain text, no line longer than 96 characters.
+All examples of a page run in the same new folder, which has the recipes that its scripts include.
+Spaces at the ends of lines are ignored. Banner, time and time stamps are masked, and removed where
+the page omits them, and so is the line that names the pages of diagnostics. A command that begins
+with "tessaron" shows its standard output and then its standard error.
+The layout is checked too: pages have no tabs and only ASCII, and every fence is closed.
 """
 import argparse
 import os
@@ -25,25 +22,21 @@ import shutil
 import subprocess
 import sys
 import tempfile
-import textwrap
 
-UNDERLINE = re.compile(r"=+$|-+$")
-TITLE = re.compile(r"    == (\S.*?) =+$")
-RULE = re.compile(r"    =+$")
-EXIT_CODE = re.compile(r"^(.*\S) +\(exit code (\d+)\)$")
+FENCE = re.compile(r'```(\w+)?(?: title="(.*)")?$')
+EXIT_CODE = re.compile(r"^(.*\S)  # exit code (\d+)$")
 MASKS = [(re.compile(r"^(CmdTessaron version )\S+ from \w+ +\d+ \d+$", re.M), r"\1<build>"),
          (re.compile(r"^Copyright \(C\) \d+ ", re.M), "Copyright (C) <year> "),
          (re.compile(r"^(KvTessaron Total Time: )[0-9.e+-]+ ", re.M), r"\1<time> "),
          (re.compile(r"^(// Generated: )\d+-\d\d-\d\d \d\d:\d\d:\d\d$", re.M), r"\1<stamp>")]
 BANNER = re.compile(r"\ACmdTessaron version <build>\n.*\n\n")
 TIME = re.compile(r"\nKvTessaron Total Time: <time> seconds\n\Z")
-
-
-PAGE = textwrap.TextWrapper(width=92, subsequent_indent=" " * 8, replace_whitespace=False,
-                            expand_tabs=False, break_long_words=False, break_on_hyphens=False)
+MORE = re.compile(r"^more: tessaron help .*\n", re.M)
 
 
 class Part:
+    """A file, or a command with its output. `number` is the line of its title, counted from 1."""
+
     def __init__(self, number, title):
         self.number, self.title, self.lines = number, title, []
 
@@ -51,31 +44,34 @@ class Part:
         return "".join(line + "\n" for line in self.lines)
 
 
-def sections(manual):
-    """The parts of all sheets, as one list for each section with sheets, and the faults."""
-    parts, part, faults = [[]], None, []
-    for number, line in enumerate(manual.read_text().splitlines(), 1):
-        if len(line) > 96 or "\t" in line or not line.isascii():
-            faults.append("%d: not plain text of at most 96 columns" % number)
-        if UNDERLINE.match(line):
-            parts.append([])
-        title = TITLE.match(line)
-        if title:
-            part = Part(number, title.group(1))
-            parts[-1].append(part)
-        elif RULE.match(line):
-            if part is None:
-                faults.append("%d: a rule outside a sheet" % number)
-            part = None
-        elif line.startswith("    == "):
-            faults.append("%d: not a title" % number)
+def parts_of(page):
+    """The parts of a page, and the faults of its layout."""
+    parts, faults, part, language = [], [], None, None
+    for number, line in enumerate(page.read_text().splitlines(), 1):
+        if "\t" in line or not line.isascii():
+            faults.append("%s:%d: a tab, or not ASCII" % (page, number))
+        fence = FENCE.match(line)
+        if line == "```" and language is not None:
+            part = language = None
+        elif language is None and fence:
+            language = fence[1] or "text"
+            if fence[2]:
+                part = Part(number, fence[2])
+                parts.append(part)
+        elif language is None and line.startswith("```"):
+            faults.append("%s:%d: not a fence" % (page, number))
+        elif language == "console" and line.startswith("$ "):
+            part = Part(number, line)
+            parts.append(part)
         elif part is not None:
-            if line and not line.startswith("    "):
-                faults.append("%d: a sheet has no end" % number)
-                part = None
-            else:
-                part.lines.append(line[4:])
-    return [one for one in parts if one], faults
+            part.lines.append(line)
+    if language is not None:
+        faults.append("%s: a fence is not closed" % page)
+    return parts, faults
+
+
+def pages_below(book):
+    return sorted(book.rglob("*.md"))
 
 
 def comparable(text):
@@ -86,47 +82,41 @@ def comparable(text):
     return text
 
 
-def folded(text):
-    return "".join("\n".join(PAGE.wrap(line)) + "\n" for line in text.splitlines())
-
-
-def without_banner_and_time(text):
-    return TIME.sub("", BANNER.sub("", text))
-
-
-def run_command(part, command, folder, environment):
-    expected_code = 0
+def run_command(part, folder, environment):
+    """What the command prints and what the page shows, comparable, and the faults."""
+    command, expected_code = part.title[2:], 0
     with_code = EXIT_CODE.match(command)
     if with_code:
-        command, expected_code = with_code.group(1), int(with_code.group(2))
+        command, expected_code = with_code[1], int(with_code[2])
     # What CmdTessaron prints on standard error belongs between the lines of its statements.
     errors = subprocess.PIPE if command.startswith("tessaron ") else subprocess.STDOUT
     done = subprocess.run(["sh", "-c", command], cwd=folder, env=environment, timeout=120,
                           stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=errors)
-    printed = done.stdout.decode("latin-1") + folded((done.stderr or b"").decode("latin-1"))
+    printed = done.stdout.decode("latin-1") + (done.stderr or b"").decode("latin-1")
     got, wanted = comparable(printed), comparable(part.text())
     if not BANNER.match(wanted):
-        got = without_banner_and_time(got)
+        got = TIME.sub("", BANNER.sub("", got))
+    if not MORE.search(wanted):
+        got = MORE.sub("", got)
     faults = []
-    if got != wanted:
-        faults.append("%d: $ %s printed\n%sinstead of\n%s" % (part.number, command, got, wanted))
     if done.returncode != expected_code:
-        faults.append("%d: $ %s ended with %d" % (part.number, command, done.returncode))
-    return faults
+        faults.append("%d: %s ended with %d" % (part.number, part.title, done.returncode))
+    return got, wanted, faults
 
 
 def run_part(part, folder, environment):
     if part.title.startswith("$ "):
-        return run_command(part, part.title[2:], folder, environment)
-    if part.title.endswith(" afterwards"):
+        got, wanted, faults = run_command(part, folder, environment)
+    elif part.title.endswith(" afterwards"):
         path = folder / part.title[:-len(" afterwards")]
-        got = comparable(path.read_text()) if path.exists() else "nothing\n"
+        got, faults = comparable(path.read_text()) if path.exists() else "nothing\n", []
         wanted = comparable(part.text())
-        if got == wanted:
-            return []
-        return ["%d: %s holds\n%sinstead of\n%s" % (part.number, path.name, got, wanted)]
-    (folder / part.title).write_text(part.text())
-    return []
+    else:
+        (folder / part.title).write_text(part.text())
+        return []
+    if got != wanted:
+        faults.append("%d: %s gave\n%sinstead of\n%s" % (part.number, part.title, got, wanted))
+    return faults
 
 
 def put_recipes(parts, folder, recipes):
@@ -148,34 +138,38 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--leave-out", action="append", default=[], metavar="COMMAND")
     parser.add_argument("--without-signatures", action="store_true",
-                        help="leave out the sections that use a key")
+                        help="leave out the pages that use a key")
     parser.add_argument("programs", type=pathlib.Path, nargs=2, help="CmdTessaron and tessaron")
-    parser.add_argument("manual", type=pathlib.Path)
+    parser.add_argument("book", type=pathlib.Path)
     options = parser.parse_args()
-    found, faults = sections(options.manual)
     ignored = {"$ " + command for command in options.leave_out}
-    commands = 0
-    with tempfile.TemporaryDirectory(prefix="tessaron-manual-") as work:
+    commands, faults = 0, []
+    with tempfile.TemporaryDirectory(prefix="tessaron-book-") as work:
         tools = pathlib.Path(work) / "bin"
         tools.mkdir()
         for name, program in zip(("CmdTessaron", "tessaron"), options.programs):
             (tools / name).symlink_to(program.resolve())
         environment = dict(os.environ, LC_ALL="C", TZ="UTC",
                            PATH="%s:%s" % (tools, os.environ["PATH"]))
-        for index, parts in enumerate(found):
+        for name in ("MAKEFLAGS", "MAKELEVEL"):  # of a make that runs the tests
+            environment.pop(name, None)
+        for index, page in enumerate(pages_below(options.book)):
+            name = str(page.relative_to(options.book))
+            parts, of_layout = parts_of(page)
+            faults += of_layout
             if options.without_signatures and uses_key(parts):
                 continue
             folder = pathlib.Path(work) / str(index)
             folder.mkdir()
-            put_recipes(parts, folder, options.manual.resolve().parents[1] / "recipes")
+            put_recipes(parts, folder, options.book.resolve().parents[1] / "recipes")
             for part in parts:
                 if EXIT_CODE.sub(r"\1", part.title) in ignored:
                     continue
                 commands += part.title.startswith("$ ")
-                faults += run_part(part, folder, environment)
+                faults += ["%s:%s" % (name, fault) for fault in run_part(part, folder, environment)]
     if not commands:
         faults.append("no example found")
-    print("\n".join(faults) or "%d commands in %d sections" % (commands, len(found)))
+    print("\n".join(faults) or "%d commands" % commands)
     return 1 if faults else 0
 
 

@@ -29,11 +29,14 @@ COMMON = {"libstdc++", "libgcc"}
 # The libraries of headers, CUnit and Botan, by the Debian packages that have them.
 HEADERS = {"Boost": "libboost-dev", "CUnit": "libcunit1-dev", "CLI11": "libcli11-dev",
            "JSON for Modern C++": "nlohmann-json3-dev"}
+CACHE = (pathlib.Path(BUILD) / "CMakeCache.txt").read_text()
+# The book is in HTML where mkdocs is, whose theme is under two licences.
+HAS_BOOK = "\nTESSARON_BOOK:BOOL=ON\n" in CACHE
+PARTS = {"Apache-2.0"} if HAS_BOOK else set()
 # A build without signatures contains no Botan.
-SIGNATURES = set()
-if "\nTESSARON_SIGNATURES:BOOL=ON\n" in (pathlib.Path(BUILD) / "CMakeCache.txt").read_text():
+if "\nTESSARON_SIGNATURES:BOOL=ON\n" in CACHE:
     HEADERS["Botan"] = "libbotan-2-dev"
-    SIGNATURES = {"botan"}
+    PARTS.add("botan")
 
 
 def run(*command, code=0, **options):
@@ -72,8 +75,9 @@ def tracked(folder):
 def from_source(documents, support):
     """Where the files of the source tree are that both platforms install unchanged."""
     places = {"%s/%s" % (documents, pathlib.Path(name).name): name
-              for name in ("CHANGELOG.md", "docs/CmdTessaronManual.txt", "docs/cmake.md",
-                           "docs/third-party.md")}
+              for name in ("CHANGELOG.md", "docs/CmdTessaronManual.txt", "docs/manifest.schema.json",
+                           "docs/performance.md", "docs/third-party.md")}
+    places.update({"%s/%s" % (documents, name.partition("/")[2]): name for name in tracked("docs/book")})
     places.update({"%s/%s" % (documents, name): name for name in tracked("examples")})
     places.update({"%s/%s" % (support, name): name
                    for folder in ("editors", "recipes") for name in tracked(folder)})
@@ -108,7 +112,20 @@ class Packages:
         return found
 
     def assert_files(self, got, unchanged, others):
-        self.assertEqual(set(got), set(unchanged) | others)
+        """The installed files are some of the source, and others. README and HTML are made of it."""
+        readme = min((name for name in got if name.endswith("/README.md")), key=len)
+        documents = readme.rpartition("/")[0] + "/"
+        html = {name for name in got if name.startswith(documents + "html/")}
+        self.assertEqual(set(got) - html, set(unchanged) | others | {readme})
+        for target in re.findall(r"\]\(([^):#]+)[^)]*\)", got[readme].decode()):
+            self.assertIn(documents + target, got)
+        if HAS_BOOK:
+            pages = {name for name in unchanged if name.startswith(documents + "book/")}
+            pages = {name.replace("/book/", "/html/", 1)[:-2] + "html" for name in pages
+                     if name.endswith(".md")}
+            self.assertLessEqual(pages | {documents + "html/search/offline.js"}, html)
+        else:
+            self.assertEqual(html, set())
         differing = [name for name, source in unchanged.items()
                      if got[name] != (ROOT / source).read_bytes()]
         self.assertEqual(differing, [])
@@ -151,7 +168,7 @@ class Packages:
 
 
 class LinuxPackages(Packages, unittest.TestCase):
-    LICENCES = {"gcc", "glibc", "GPL-3", "LGPL-2", "LGPL-2.1"} | SIGNATURES
+    LICENCES = {"gcc", "glibc", "GPL-3", "LGPL-2", "LGPL-2.1"} | PARTS
 
     @classmethod
     def unpack(cls):
@@ -246,7 +263,7 @@ class LinuxPackages(Packages, unittest.TestCase):
 
 
 class WindowsPackages(Packages, unittest.TestCase):
-    LICENCES = {"gcc", "mingw-w64", "GPL-3", "LGPL-2"} | SIGNATURES
+    LICENCES = {"gcc", "mingw-w64", "GPL-3", "LGPL-2"} | PARTS
 
     @classmethod
     def unpack(cls):

@@ -26,7 +26,7 @@ REFUSED = (
     (["--versio"], "did you mean --version?"),
     (["--keep-going", "run", "s.tsn"], "go after it"),
     (["run", "s.tsn", "--manifst=x"], "did you mean --manifest?"),
-    (["run", "s.tsn", "--diagnostics=xml"], "xml is not one of text|json"),
+    (["run", "s.tsn", "--diagnostics=xml"], "xml is not one of text|json|sarif|github"),
     (["run", "s.tsn", "X"], "X has no ="), (["run", "s.tsn", "-D", "X"], "X has no ="),
     *((["run", "s.tsn", "--symbol", text], "is not NAME=FILE:SYMBOL")
       for text in ("X", "X:s", "=a.elf:s", "X=a.elf", "X=:s", "X=a.elf:", "a:X=s")),
@@ -36,6 +36,7 @@ REFUSED = (
     (["run", "s.tsn", "--error", "overlop"], "no diagnostic overlop; did you mean overlap?"),
     (["run", "s.tsn", "--warn", "syntax"], "syntax is always an error"),
     (["run", "s.tsn", "--ignore", "syntax"], "syntax is always an error"),
+    (["run", "s.tsn", "--ignore", "key"], "key is always an error"),
     (["diff", "in.hex"], "files"), (["diff", "in.hex", "in.hex", "in.hex"], "files"),
     *((["convert", "in.hex", "out.bin", "--crop", text], "is not an area START,LENGTH")
       for text in ("1", "1,2,3", "0xFFFFFFFFFFFFFFFF,1")),
@@ -93,6 +94,24 @@ class CommandLines(unittest.TestCase):
             with self.subTest(arguments):
                 self.assertIn(words, run(*arguments, code=2))
         self.assertFalse(pathlib.Path("out.bin").exists())
+
+    def test_pages_of_diagnostics_are_named_and_printed(self):
+        pathlib.Path("odd.tsn").write_text("NEW_BUFFER @a FROM_VALUES { 0x123 }\nPRINT_TEXT FW_VERSION\n"
+                                           "NEW_BUFFER @b EMPTY -useBufferRange={2 * 3 + 4, 3 4}\n"
+                                           "PRINT_CRC @c\n")
+        # The first four of the kinds that were printed, in their order.
+        for options, kinds in (
+                ((), "unknown-name truncated-value expression-order number-pair"),
+                (("-q",), "unknown-name"),
+                (("--ignore=number-pair",), "unknown-name truncated-value expression-order bare-word")):
+            said = run("check", "odd.tsn", *options, code=1)
+            self.assertEqual(said.partition("\nmore: ")[2], "tessaron help %s\n" % kinds)
+        self.assertNotIn("more:", run("check", "odd.tsn", "--diagnostics=json", code=1))
+        self.assertEqual(run("run", "s.tsn"), "")
+        pages = subprocess.run([PROGRAM, "help", "unknown-name", "outside"], check=True,
+                               stdout=subprocess.PIPE, text=True).stdout
+        self.assertRegex(pages, r"(?s)\Aunknown-name\n\nAn error: .*\n\noutside\n\nAn error: .*\[outside\]")
+        self.assertNotRegex(pages, r"```|\]\(")
 
     def test_sound_neighbours_pass(self):
         run("--version")
@@ -239,6 +258,9 @@ class CommandLines(unittest.TestCase):
                 ("none.tsn", "the script none.tsn: No such file or directory [cannot-open]")):
             self.assertIn(words, run("run", script, code=1))
         self.assertIn(endless, run("info", "pipe", code=1).lower())
+        pathlib.Path("odd.tsn").write_text("PRINT_TEXT {good}\n")
+        for option in ("--manifest", "--sbom", "--checksums"):
+            self.assertIn(endless, run("check", "odd.tsn", option, "pipe", code=1))
 
     def test_little_stack(self):
         def little():

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Compares what a shell completes with what the help of the program TESSARON lists, and with the kinds
-of diagnostics that LIST_KINDS prints; and the man page and the manual with the help:
+of diagnostics that LIST_KINDS prints; and the man page with the help:
 completions.py TESSARON LIST_KINDS SHELL
 
 SHELL is bash, fish or zsh; "files" compares the options that the files for fish and zsh name."""
@@ -21,10 +21,11 @@ import require  # noqa: E402
 PROGRAM, LIST_KINDS, SHELL = sys.argv[1:4]
 del sys.argv[1:4]
 FOLDER = pathlib.Path(__file__).resolve().parents[2] / "completions"
-# Those that the options can change.
-KINDS = {line.split()[0] for line in subprocess.run(
-    [LIST_KINDS], stdout=subprocess.PIPE, text=True, check=True).stdout.splitlines()
-    if " always " not in line}
+ALL_KINDS = dict(line.split("\t")[:2] for line in subprocess.run(
+    [LIST_KINDS], stdout=subprocess.PIPE, text=True, check=True).stdout.splitlines())
+# Those that no option can change.
+FIXED = {kind for kind, counts_as in ALL_KINDS.items() if counts_as.startswith("always ")}
+KINDS = set(ALL_KINDS) - FIXED
 SHOWING = ("run", "check", "info", "diff", "map", "convert", "format")  # diagnostics
 COMMANDS = (*SHOWING, "lsp")
 TOPICS = {"statements", "numbers", "crcs", "hashes", "signatures", "formats", "kinds"}
@@ -113,7 +114,8 @@ class ValuesOfOptions:
     def test_values(self):
         for command in SHOWING:
             self.assertEqual(self.complete(command, "--color", "a"), {"auto", "always"})
-            self.assertEqual(self.complete(command, "--diagnostics", ""), {"text", "json"})
+            self.assertEqual(self.complete(command, "--diagnostics", ""),
+                             {"text", "json", "sarif", "github"})
             self.assertEqual(self.complete(command, "--error", "zz"), set())
             for option in ("--error", "--warn"):
                 self.assertEqual(self.complete(command, option, ""), KINDS)
@@ -122,7 +124,7 @@ class ValuesOfOptions:
         self.assertFalse(self.complete("diff", "--ignore", "") & KINDS)
         for command in ("info", "diff", "map", "convert"):
             self.assertEqual(self.complete(command, "--from", ""), FORMATS)
-        self.assertEqual(self.complete("help", ""), {*TOPICS, *COMMANDS, "help"})
+        self.assertEqual(self.complete("help", ""), {*TOPICS, *COMMANDS, "help", *ALL_KINDS})
 
 
 class Bash(Shell, ValuesOfOptions, unittest.TestCase):
@@ -152,16 +154,13 @@ class Files(unittest.TestCase):
         heads = re.findall(r"^\.T[PQ]\n(.*)$", page, re.MULTILINE)
         described = re.findall(r"--[a-z][\w-]*", "\n".join(heads).replace("\\-", "-"))
         self.assertEqual(set(described), options)
-        manual = (FOLDER.parent / "docs" / "CmdTessaronManual.txt").read_text()
-        chapters = manual[manual.rindex("\n15. tessaron\n"):]
-        self.assertLessEqual(options, set(re.findall(r"--[a-z][\w-]*", chapters)))
 
     def test_files_name_the_kinds(self):
-        for name, pattern in (("_tessaron", r"kinds=\(([^)]*)\)"),
-                              ("tessaron.bash", r"kinds='([^']*)'"),
-                              ("tessaron.fish", r"set -l kinds ((?:.*\\\n)*.*)")):
-            found = re.search(pattern, (FOLDER / name).read_text())[1]
-            self.assertEqual(set(found.replace("\\", " ").split()), KINDS, name)
+        for name, pattern in (("_tessaron", r"%s=\(([^)]*)\)"), ("tessaron.bash", r"%s='([^']*)'"),
+                              ("tessaron.fish", r"set -l %s ((?:.*\\\n)*.*)")):
+            for which, kinds in (("kinds", KINDS), ("fixed", FIXED)):
+                found = re.search(pattern % which, (FOLDER / name).read_text())[1]
+                self.assertEqual(set(found.replace("\\", " ").split()), kinds, name)
 
 
 if __name__ == "__main__":

@@ -77,7 +77,7 @@ class Listing(unittest.TestCase):
 
     def test_kinds(self):
         listed = {name: row[0] for name, row in rows("kinds").items() if name != "name"}
-        kinds = dict(line.split(" ", 1) for line in output(LIST_KINDS).splitlines())
+        kinds = dict(line.split("\t")[:2] for line in output(LIST_KINDS).splitlines())
         self.assertEqual(listed, {name: re.sub(r"^an? ", "", counts)
                                   for name, counts in kinds.items()})
 

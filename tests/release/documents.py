@@ -50,7 +50,7 @@ def tessaron(*arguments, code=0, folder=".", **environment):
                           env=dict(os.environ, **environment))
     errors = done.stderr.decode(errors="replace")
     assert done.returncode == code, (arguments, done.returncode, done.stdout, errors)
-    return errors
+    return errors.partition("more: tessaron help")[0]
 
 
 def text(path):

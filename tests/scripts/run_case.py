@@ -3,7 +3,7 @@
 
   script.tsn     the script, unless `arguments` holds other arguments, one per line
   expected.out   standard output; only the banner and the time are masked
-  expected.err   standard error, if not empty
+  expected.err   standard error, if not empty, without the line that names the pages of diagnostics
   expected.exit  exit code, if not 0
   expected/      files that the run must leave, byte for byte
   absent         names of files, one per line, that the run must not leave
@@ -40,6 +40,11 @@ def masked(text):
     return re.sub(rb"(KvTessaron Total Time: )[0-9.e+-]+", rb"\1<time>", text)
 
 
+def without_pages(text):
+    """Standard error without its last line, if that names the pages about the diagnostics."""
+    return re.sub(rb"^more: tessaron help .*\r?\n\Z", b"", text, flags=re.M)
+
+
 def text_of(path, default=b""):
     return path.read_bytes() if path.exists() else default
 
@@ -74,7 +79,7 @@ def run(case, command, work, accept, timeout, is_folded):
                               preexec_fn=restrict)
     except subprocess.TimeoutExpired:
         return ["did not end within %d seconds" % timeout]
-    got = {"expected.out": masked(done.stdout), "expected.err": done.stderr,
+    got = {"expected.out": masked(done.stdout), "expected.err": without_pages(done.stderr),
            "expected.exit": b"%d\n" % done.returncode}
     if accept:
         for name, text in got.items():
@@ -135,6 +140,7 @@ def main():
             if not faults or not attempts_left:
                 break
             print("%s: runs again, since %s" % (case.name, "\n".join(faults)))
+            shutil.rmtree(work)
         if not faults:
             shutil.rmtree(work)
             continue

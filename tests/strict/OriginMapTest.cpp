@@ -4,6 +4,8 @@
 
 #include <map>
 #include <random>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -59,6 +61,20 @@ TEST(OriginMapTest, RangesKnowWhatAMapOfSingleAddressesKnows) {
         map.move(~std::uint64_t{0});  // down by one
         for (const auto& [address, source] : expected)
             ASSERT_EQ(map.find(address - 1)->moved, ~std::uint64_t{0});
+    }
+}
+
+TEST(OriginMapTest, AMapOfRangesIsThatOfOneAfterTheOther) {
+    std::mt19937 random(12);
+    for (int round = 0; round < 500; ++round) {
+        std::vector<OriginMap::Range> ranges;
+        Plain expected;
+        for (std::size_t source = 0; source < 6; ++source) {
+            const Area area{random() % 100, random() % 20};
+            ranges.push_back({area, source, 0});
+            for (std::uint64_t at = area.start; at < area.end(); ++at) expected[at] = source;
+        }
+        ASSERT_EQ(plain(OriginMap(std::move(ranges))), expected);
     }
 }
 

@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 
+#include "platform/Paths.hpp"
 #include "strict/diagnostics/PendingList.hpp"
 #include "strict/diagnostics/RemarkList.hpp"
 
@@ -186,6 +188,147 @@ TEST(PrinterTest, APlaceIsShownAsFarAsItIsKnown) {
                                                                           : "\033[1;35mwarning: ";
         EXPECT_NE(all.find(shown), std::string::npos) << all;
     }
+}
+
+std::string printedAs(DiagnosticFormat format, const Diagnostic& diagnostic) {
+    std::ostringstream out;
+    const Policy policy;
+    Printer printer(out, policy, format, true, false);
+    printer.setSubject("app.tsn");
+    printer.take(diagnostic);
+    printer.finish(1);
+    return out.str();
+}
+
+// https://docs.github.com/en/actions/reference/workflow-commands-for-github-actions, and the
+// escapes of @actions/core.
+TEST(PrinterTest, AWorkflowOfGithubGetsCommands) {
+    struct Row {
+        Diagnostic diagnostic;
+        std::string command;
+    };
+    const Place place{"s.tsn", 12, 7, "NEW_CRC bc", 8, 2};
+    Place included = place;
+    included.includedFrom = {{"app.tsn", 3}};
+    const std::vector<Row> rows{
+        {{Kind::Conflict, "x", place, "y"},
+         "::error file=s.tsn,line=12,col=7,title=conflict::x; y"},
+        {{Kind::Overlap, "x", Place{"a.hex", 3, 0, ":00", 0, 0}},
+         "::warning file=a.hex,line=3,title=overlap::x"},
+        {{Kind::Overlap, "x", Place{"a.hex", 0, 0, "", 0, 0}},
+         "::warning file=a.hex,title=overlap::x"},
+        {{Kind::Overlap, "x"}, "::warning title=overlap::x"},
+        {{std::nullopt, "x"}, "::notice::x"},
+        {{Kind::Overlap, "50%: a,b::c", Place{"a:b,100%.hex", 1, 0, "", 0, 0}},
+         "::warning file=a%3Ab%2C100%25.hex,line=1,title=overlap::50%25: a,b::c"},
+        {{Kind::Overlap, "a\r\n::error::b", Place{"c\rd", 0, 0, "", 0, 0}},
+         R"(::warning file=c\x0Dd,title=overlap::a\x0D\n::error::b)"},
+        {{Kind::Overlap, "x", included, "", {{"n", std::nullopt}, {"m", place}}},
+         "::warning file=s.tsn,line=12,col=7,title=overlap::x"
+         "%0Aapp.tsn:3: note: included from app.tsn:3%0Anote: n%0As.tsn:12:7: note: m"},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(printedAs(DiagnosticFormat::Github, row.diagnostic), row.command + "\n");
+}
+
+// Sections 3.27 (result), 3.28 (location), 3.30 (region) and 3.55 (fix) of the standard.
+TEST(PrinterTest, AResultOfSarifHasAllThatIsKnown) {
+    struct Row {
+        Diagnostic diagnostic;
+        std::string result;
+    };
+    const std::string head =
+        R"({"ruleId":"conflict","ruleIndex":0,"level":"error","message":{"text":")";
+    const std::string region = R"("region":{"startLine":12,"startColumn":4,"endColumn":7})";
+    const std::string at =
+        R"("physicalLocation":{"artifactLocation":{"uri":"s.tsn"},)" + region + "}";
+    // The second character has two bytes.
+    const Place place{"s.tsn", 12, 4, "a\xC3\xA4 bcd", 3, 3};
+    Place included{"i.tsn", 1, 0, "", 0, 0};
+    included.includedFrom = {{"s.tsn", 3}};
+    const auto withFix = [&place](const std::string& wrong) {
+        Diagnostic diagnostic{Kind::Conflict, "x", place};
+        diagnostic.correction = {wrong, {"f\xC3\xB6"}};
+        return diagnostic;
+    };
+    const std::vector<Row> rows{
+        {{Kind::Conflict, "x", std::nullopt, "y", {{"n", std::nullopt}}},
+         head + R"(x; y\nnote: n"},"locations":[{"physicalLocation":)"
+                R"({"artifactLocation":{"uri":"app.tsn"}}}]})"},
+        {{Kind::Conflict, "x", place}, head + R"(x"},"locations":[{)" + at + "}]}"},
+        {{Kind::Conflict, "x", Place{"a.hex", 3, 0, ":00", 0, 0}},
+         head + R"(x"},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a.hex"},)"
+                R"("region":{"startLine":3}}}]})"},
+        {{Kind::Conflict, "x", std::nullopt, "", {{"n", place}, {"m", included}}},
+         head +
+             R"(x"},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"app.tsn"}}}],)"
+             R"("relatedLocations":[{)" +
+             at +
+             R"(,"message":{"text":"n"}},{"physicalLocation":{"artifactLocation":{"uri":"i.tsn"},)"
+             R"("region":{"startLine":1}},"message":{"text":"m"}},)"
+             R"({"physicalLocation":{"artifactLocation":{"uri":"s.tsn"},)"
+             R"("region":{"startLine":3}},"message":{"text":"included from s.tsn:3"}}]})"},
+        {withFix("bc"),
+         head + R"(x"},"locations":[{)" + at +
+             R"(}],"fixes":[{"description":{"text":"write f\u00f6"},"artifactChanges":[)"
+             R"({"artifactLocation":{"uri":"s.tsn"},"replacements":[{"deletedRegion":)"
+             R"({"startLine":12,"startColumn":4,"endColumn":6},)"
+             R"("insertedContent":{"text":"f\u00f6"}}]}]}]})"},
+        {withFix("cd"), head + R"(x"},"locations":[{)" + at + "}]}"},
+    };
+    for (const Row& row : rows) {
+        const auto log =
+            nlohmann::ordered_json::parse(printedAs(DiagnosticFormat::Sarif, row.diagnostic));
+        EXPECT_EQ(log["runs"][0]["results"][0].dump(-1, ' ', true), row.result);
+    }
+    const auto log = nlohmann::json::parse(
+        printedAs(DiagnosticFormat::Sarif, {std::nullopt, "x", Place{"a", 1, 0, "", 0, 0}, "y"}));
+    EXPECT_EQ(log["runs"][0]["results"].dump(), "[]");
+    EXPECT_EQ(
+        log["runs"][0]["invocations"][0]["toolExecutionNotifications"].dump(),
+        R"([{"level":"note","locations":[{"physicalLocation":{"artifactLocation":{"uri":"a"},)"
+        R"("region":{"startLine":1}}}],"message":{"text":"x; y"}}])");
+}
+
+TEST(PrinterTest, APathIsAUriInSarif) {
+    struct Row {
+        std::string path;
+        std::string uri;
+    };
+    const bool hasDrives = Platform::pathSeparator == '\\';
+    const std::vector<Row> rows{
+        {"out/app-1_2.~x.hex", "out/app-1_2.~x.hex"},
+        {"a b%20#?[].hex", "a%20b%2520%23%3F%5B%5D.hex"},
+        {"c:d.hex", "c%3Ad.hex"},
+        {"\xC3\xA4\xFF\x01", "%C3%A4%FF%01"},
+        {"/a b/c", "file:///a%20b/c"},
+        {"a\\b", hasDrives ? "a/b" : "a%5Cb"},
+        {"C:\\a b", hasDrives ? "file:///C:/a%20b" : "C%3A%5Ca%20b"},
+    };
+    for (const Row& row : rows) {
+        const auto log = nlohmann::json::parse(printedAs(
+            DiagnosticFormat::Sarif, {Kind::Conflict, "x", Place{row.path, 0, 0, "", 0, 0}}));
+        const auto& location = log["runs"][0]["results"][0]["locations"][0]["physicalLocation"];
+        EXPECT_EQ(location["artifactLocation"]["uri"], row.uri);
+    }
+}
+
+TEST(PrinterTest, SarifIsOneDocumentWithTheNumbers) {
+    const auto [text, errors] =
+        printed({{Kind::Conflict, most + 3}, {Kind::Overlap, 1}}, DiagnosticFormat::Sarif);
+    EXPECT_EQ(errors, most + 3);
+    const auto log = nlohmann::json::parse(text)["runs"][0];
+    EXPECT_EQ(log["results"].size(), most + 1);
+    EXPECT_EQ(log["results"][most]["ruleIndex"], 1);
+    const auto& rules = log["tool"]["driver"]["rules"];
+    ASSERT_EQ(rules.size(), 2U);
+    EXPECT_EQ(rules[1].dump(),
+              R"({"defaultConfiguration":{"level":"warning"},"id":"overlap",)"
+              R"("shortDescription":{"text":"the same byte twice for one address"}})");
+    EXPECT_EQ(log["invocations"].dump(),
+              R"([{"executionSuccessful":true,"exitCode":0,"toolExecutionNotifications":[)"
+              R"({"level":"note","message":{"text":"a note"}},)"
+              R"({"level":"note","message":{"text":"not shown: 3 more of conflict"}}]}])");
 }
 
 TEST(RemarkListTest, ARemarkHasAllThatAReportShows) {

@@ -3,6 +3,7 @@
 namespace {
 
 using namespace Tests;
+using Strict::FileMatch;
 using Strict::FileRole;
 
 TEST_F(RunFilesTest, OutputsAppearTogetherOrNotAtAll) {
@@ -47,6 +48,8 @@ TEST_F(RunFilesTest, WhatTheRunHasWrittenIsRead) {
     put("both", "before");
     for (const auto mode : {RunFiles::Mode::Disk, RunFiles::Mode::Memory}) {
         RunFiles files(mode);
+        for (const char* const name : {"both", "new", "missing"})
+            EXPECT_FALSE(files.name(at(name), FileRole::Input));
         EXPECT_EQ(read(files, at("both")), "before");
         ASSERT_TRUE(write(files, at("both"), "first"));
         EXPECT_EQ(read(files, at("both")), "first");
@@ -63,6 +66,42 @@ TEST_F(RunFilesTest, WhatTheRunHasWrittenIsRead) {
             EXPECT_EQ(names(), Names({"both"}));
             EXPECT_EQ(files.contentsOf(at("new")), "made");
         }
+    }
+}
+
+TEST_F(RunFilesTest, OutputsAreComparedWhileTheyAreWritten) {
+    const std::string many(std::size_t{3} << 18U, 'x');
+    struct Row {
+        const char* name;
+        std::string found;
+        Names pieces;
+        FileMatch match;
+    };
+    for (const Row& row : {Row{"equal", "abcd", {"ab", "cd"}, FileMatch::Equal},
+                           Row{"empty", "", {""}, FileMatch::Equal},
+                           Row{"cut", "abcd", {"ab", "c"}, FileMatch::Different},
+                           Row{"longer", "abcd", {"abcd", "e"}, FileMatch::Different},
+                           Row{"other", "abcd", {"ab", "ce", "f"}, FileMatch::Different},
+                           Row{"nothing", "abcd", {""}, FileMatch::Different},
+                           Row{"long", many + many, {many, many}, FileMatch::Equal},
+                           Row{"end", many + "a", {many + "b"}, FileMatch::Different}}) {
+        put(row.name, row.found);
+        RunFiles files(RunFiles::Mode::Comparison);
+        std::string made;
+        {
+            const auto stream = files.createOutput(at(row.name), binary);
+            for (const std::string& piece : row.pieces) {
+                EXPECT_TRUE(stream->write(piece));
+                made += piece;
+            }
+            EXPECT_TRUE(stream->close());
+        }
+        EXPECT_EQ(files.matchOnDisk(at(row.name)), row.match) << row.name;
+        EXPECT_EQ(files.contentsOf(at(row.name)), row.match == FileMatch::Equal ? "" : made)
+            << row.name << ": what differs is explained, and nothing else needs memory";
+        EXPECT_EQ(contentsOf(at(row.name)), row.found);
+        ASSERT_TRUE(write(files, at("missing"), "made"));
+        EXPECT_EQ(files.matchOnDisk(at("missing")), FileMatch::Missing);
     }
 }
 

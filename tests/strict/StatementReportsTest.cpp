@@ -55,7 +55,7 @@ TEST_F(StatementReportsTest, TheLastPartOfTheRolesIsToBlame) {
 
 TEST_F(StatementReportsTest, EqualAreasAreTwoPlaces) {
     for (const Parser::Part& part : statements_[0].all(Role::Area))
-        reports_.report(Kind::Outside, "x", part);
+        reports_.reportPart(Kind::Outside, "x", part);
     EXPECT_EQ(sink_.lines, (Lines{"2:15 outside: x", "2:23 outside: x"}));
 }
 

@@ -22,13 +22,14 @@ namespace {
 
 using namespace Facts;
 using Parser::Role;
+using Parser::Roles;
 
-const std::vector<Role> area{Role::Area, Role::Range, Role::Address};
-const std::vector<Role> input{Role::InputFile};
-const std::vector<Role> anyInput{Role::InputFile, Role::Template, Role::SymbolFile, Role::KeyFile};
-const std::vector<Role> key{Role::KeyFile};
-const std::vector<Role> output{Role::OutputFile};
-const std::vector<Role> bus{Role::Lane, Role::Interleave};
+constexpr Roles area{Role::Area, Role::Range, Role::Address};
+constexpr Roles input{Role::InputFile};
+constexpr Roles anyInput{Role::InputFile, Role::Template, Role::SymbolFile, Role::KeyFile};
+constexpr Roles key{Role::KeyFile};
+constexpr Roles output{Role::OutputFile};
+constexpr Roles bus{Role::Lane, Role::Interleave};
 
 /// The system gives a reason for all that fails but "silent", and a statement makes "@made".
 Circumstances circumstances(OptionsOf options) {
@@ -121,8 +122,8 @@ std::vector<FactRow> malformedRows() {
 }
 
 std::vector<FactRow> imageRows() {
-    const std::vector<Role> verified{Role::UsesCrc, Role::UsesHash, Role::UsesSignature,
-                                     Role::Bytes,   Role::String,   Role::UsesImage};
+    constexpr Roles verified{Role::UsesCrc, Role::UsesHash, Role::UsesSignature,
+                             Role::Bytes,   Role::String,   Role::UsesImage};
     return {
         {ImageNotAddressable{0xFFFFFFF0, 0x20},
          {{Kind::Outside,

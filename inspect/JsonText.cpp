@@ -1,0 +1,127 @@
+#include "inspect/JsonText.hpp"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstddef>
+#include <utility>
+
+#include "inspect/Json.hpp"
+
+namespace Inspect {
+
+namespace {
+
+constexpr std::size_t indent = 2;
+
+/// A character that strings of JSON have as it is.
+bool isPlain(char c) {
+    return c >= ' ' && c <= '~' && c != '"' && c != '\\';
+}
+
+}  // namespace
+
+void JsonText::addText(std::string_view name, std::string_view text) {
+    begin(name);
+    append(text);
+}
+
+void JsonText::addNumber(std::string_view name, std::uint64_t number) {
+    begin(name);
+    append(number);
+}
+
+void JsonText::addFlag(std::string_view name, bool value) {
+    begin(name);
+    text_ += value ? "true" : "false";
+}
+
+void JsonText::addText(std::string_view text) {
+    begin();
+    append(text);
+}
+
+void JsonText::addNumber(std::uint64_t number) {
+    begin();
+    append(number);
+}
+
+void JsonText::openObject() {
+    begin();
+    open('{');
+}
+
+void JsonText::openObject(std::string_view name) {
+    begin(name);
+    open('{');
+}
+
+void JsonText::openList(std::string_view name) {
+    begin(name);
+    open('[');
+}
+
+void JsonText::close() {
+    lineStart_.resize(lineStart_.size() - indent);
+    if (!isEmpty_) text_ += lineStart_;
+    text_ += brackets_.back();
+    brackets_.pop_back();
+    isEmpty_ = false;
+}
+
+void JsonText::addArea(const Buffer::Area& area) {
+    addText("start", addressText(area.start));
+    addNumber("length", area.length);
+}
+
+void JsonText::addAreas(std::string_view name, const Buffer::AreaList& areas) {
+    openList(name);
+    for (const Buffer::Area& area : areas) {
+        openObject();
+        addArea(area);
+        close();
+    }
+    close();
+}
+
+std::string JsonText::take() {
+    close();
+    text_ += '\n';
+    return std::move(text_);
+}
+
+/// Begins the line of an entry.
+void JsonText::begin() {
+    if (!isEmpty_) text_ += ',';
+    text_ += lineStart_;
+    isEmpty_ = false;
+}
+
+/// Begins the line of a property.
+void JsonText::begin(std::string_view name) {
+    begin();
+    append(name);
+    text_ += ": ";
+}
+
+void JsonText::append(std::string_view text) {
+    if (std::ranges::all_of(text, &isPlain))
+        text_.append("\"").append(text).append("\"");
+    else
+        text_ += textOf(std::string(text), -1);
+}
+
+void JsonText::append(std::uint64_t number) {
+    std::array<char, 20> digits{};
+    const auto end = std::to_chars(digits.begin(), digits.end(), number).ptr;
+    text_.append(digits.begin(), end);
+}
+
+void JsonText::open(char bracket) {
+    text_ += bracket;
+    brackets_.push_back(bracket == '{' ? '}' : ']');
+    lineStart_.append(indent, ' ');
+    isEmpty_ = true;
+}
+
+}  // namespace Inspect

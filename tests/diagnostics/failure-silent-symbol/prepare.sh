@@ -1,0 +1,1 @@
+cp "$TESTS"/diagnostics/symbol-unknown/app.elf .
