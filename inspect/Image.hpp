@@ -50,7 +50,10 @@ Image openSections(const std::string& path, const Io::Import::SectionChoice& sec
 
 /// What `reader` has read of the file `path`, which it gives away. Two bytes for one address are
 /// reported; the later one counts.
-Image imageOf(const std::string& path, Io::Import::TessaronImportApi& reader);
+///
+/// @param addressUnit  by which the file is read
+Image imageOf(const std::string& path, Io::Import::TessaronImportApi& reader,
+              std::uint32_t addressUnit = 1);
 
 /// The name of a format for people; "no image" for a file that is not read.
 std::string formatText(std::optional<Facts::InputFormat> format);
