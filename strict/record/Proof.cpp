@@ -9,7 +9,7 @@
 #include "inspect/Json.hpp"
 #include "platform/Files.hpp"
 #include "platform/Replace.hpp"
-#include "strict/files/DigestThread.hpp"
+#include "strict/files/DigestPool.hpp"
 
 namespace Strict {
 
