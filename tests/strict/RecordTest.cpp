@@ -51,7 +51,7 @@ public:
 
     Inspect::RunRecord record(bool withDetails = false) {
         return recordOf({"script digest", &variables, &program_, &context_, &provenance_, &files},
-                        {.hasLines = withDetails});
+                        {.hasLines = withDetails, .hasImageDigests = true});
     }
 
     /// Says in `sink` where the outputs differ from the files on disk.
