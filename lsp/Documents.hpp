@@ -82,7 +82,7 @@ public:
     std::map<std::string, Document>& all() { return all_; }
 
 private:
-    void forget(Document& document);
+    static void forget(Document& document);
     void forgetUsersOf(const std::string& path);
     void limit(const Document& kept);
     std::size_t lengthOfAll() const;
