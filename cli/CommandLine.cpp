@@ -610,6 +610,16 @@ std::string adviceOn(const std::string& word, const std::vector<std::string>& co
     return "; the commands are " + all;
 }
 
+/// Adds to the help of each command the page of the book that describes it.
+void namePages(CLI::App& app) {
+    constexpr std::array<std::string_view, 3> lookers{"info", "diff", "map"};
+    for (CLI::App* const command : app.get_subcommands([](CLI::App*) { return true; })) {
+        const bool looks = std::ranges::find(lookers, command->get_name()) != lookers.end();
+        command->footer(command->get_footer() + "\nPage of the book: " +
+                        (looks ? "looking/" : "running/") + command->get_name());
+    }
+}
+
 /// Why the first argument cannot be, or an empty text.
 std::string faultOfCommand(const CLI::App& app, std::span<const char* const> arguments) {
     std::vector<std::string> commands;
@@ -680,6 +690,7 @@ int read(std::span<const char* const> arguments, Request& request) {
     addServer(app, request);
     std::vector<std::string> helpNames;
     addHelp(app, helpNames);
+    namePages(app);
     if (const std::string fault = faultOfCommand(app, arguments); !fault.empty())
         return refuse(fault);
     try {

@@ -10,7 +10,6 @@ import sys
 
 import book
 
-COMMANDS = ("run", "check", "info", "diff", "map", "convert")
 DIRECTIVES = {"INCLUDE", "PARAMETER", "DEFAULT", "SUBSTITUTE", "WITH"}
 LINK = re.compile(r"\[[^]]*\]\(([^)#]+)(?:#[^)]*)?\)")
 
@@ -22,11 +21,16 @@ def output(*command):
 def options_of(program):
     """The options of all commands, the short ones too, with the commands that have them."""
     options = {"--version": {"tessaron"}}
-    for command in COMMANDS:
+    for command in set(commands_of(program)) - {"help"}:
         for names in re.findall(r"^  ((?:-\w,)?--[\w-]+)", output(program, command, "--help"), re.M):
             for name in names.split(","):
                 options.setdefault(name, set()).add(command)
     return options
+
+
+def commands_of(program):
+    commands = output(program, "--help").partition("Subcommands:")[2]
+    return sorted(set(re.findall(r"^  (\w+) ", commands, re.M)))
 
 
 def has(page, word):
@@ -49,6 +53,10 @@ def main():
                 named = set(re.findall(r"\[(\w+)\]", cells[0]))
                 faults += ["%s: the commands are %s" % (word, options[word])] * (named != options[word])
     faults += ["in the index or in the programs alone: %s" % word for word in sorted(wanted ^ listed)]
+    for command in commands_of(program):
+        named = re.search(r"^Page of the book: (\S+)$", output(program, command, "--help"), re.M)
+        if not (named and has(pages / (named[1] + ".md"), "# tessaron " + command)):
+            faults.append("the help of %s does not name its page" % command)
     if len(wanted) < 200:
         faults.append("only %d words were found" % len(wanted))
     print("\n".join(faults) or "%d words" % len(wanted))
