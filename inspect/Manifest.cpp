@@ -1,4 +1,5 @@
 #include <array>
+#include <cstdint>
 #include <utility>
 
 #include "inspect/CrcWords.hpp"
