@@ -1,4 +1,5 @@
 #include <array>
+#include <cstdint>
 #include <utility>
 
 #include "inspect/CrcWords.hpp"
@@ -88,7 +89,7 @@ void addAlgorithm(JsonText& json, const Algorithm& algorithm) {
     if (!algorithm.meaning.empty()) json.addText("meaning", algorithm.meaning);
     if (algorithm.crc) {
         const Util::Crc::CrcParameters& crc = *algorithm.crc;
-        json.addNumber("width", crc.width);
+        json.addNumber("width", static_cast<std::uint64_t>(crc.width));
         json.addText("poly", crcNumberText(crc.polynomial, crc.width));
         json.addText("init", crcNumberText(crc.initial, crc.width));
         json.addFlag("refin", crc.isInputReflected);
