@@ -1,6 +1,7 @@
 #include "cli/Conversion.hpp"
 
 #include <algorithm>
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -122,6 +123,9 @@ struct InputFacts {
     std::uint64_t lowest = 0;  ///< address
     std::optional<std::uint64_t> startAddress;
     Buffer::AreaList filled;  ///< that a filler has to lie under; empty if it is all of the image
+    /// What was read. Null if there is anything odd about it, which the run is to report: it reads
+    /// the file again.
+    std::unique_ptr<Io::Import::TessaronImportApi> reader;
 };
 
 /// A filler is for short gaps alone, in all of an image that is where its file has it.
@@ -131,25 +135,26 @@ bool fillsParts(const Conversion& conversion) {
            arranging.interleave == 0;
 }
 
-/// The parts of an image that a filler has to lie under so that short gaps are filled and ends are
-/// aligned; none if it is all of the image. Parts far from each other keep their distance.
-Buffer::AreaList filledParts(const Inspect::Image& image, const Arranging& arranging) {
+/// The parts of an image with data in `areas` that a filler has to lie under so that short gaps are
+/// filled and ends are aligned; none if it is all of the image. Parts far from each other keep
+/// their distance.
+Buffer::AreaList filledParts(const Buffer::AreaList& areas, const Arranging& arranging) {
     constexpr std::uint64_t near = std::uint64_t{1} << 20U;
     const std::uint64_t alignment = arranging.alignment;
     Buffer::AreaList parts = Inspect::joined(
-        image.areas(), std::max({near, std::uint64_t{*arranging.shortGaps}, 2 * alignment}));
+        areas, std::max({near, std::uint64_t{*arranging.shortGaps}, 2 * alignment}));
     if (parts.size() < 2) return {};
-    const Buffer::Area all = image.data.getArea();
+    const std::uint64_t lowest = parts.front().start;
+    const std::uint64_t highest = parts.back().end();
     for (Buffer::Area& part : parts) {
-        const std::uint64_t start = part.start - std::min(alignment, part.start - all.start);
-        const std::uint64_t end = std::min(part.end() + alignment, all.end());
+        const std::uint64_t start = part.start - std::min(alignment, part.start - lowest);
+        const std::uint64_t end = std::min(part.end() + alignment, highest);
         part = {start, end - start};
     }
     return parts;
 }
 
-/// Reads the input for its facts; nothing after a diagnostic. A run reads it again and reports
-/// what is odd about it.
+/// Reads the input for its facts; nothing after a diagnostic.
 std::optional<InputFacts> factsOf(const Conversion& conversion, const FormatChoice& format,
                                   Strict::Printer& printer) {
     const std::string& input = conversion.input;
@@ -158,22 +163,23 @@ std::optional<InputFacts> factsOf(const Conversion& conversion, const FormatChoi
     const std::uint32_t unit = given == 0 ? 1 : given;
     Io::Import::ReadOptions options{.addressUnit = unit};
     if (conversion.family) options.family = conversion.family->number;
-    const auto image = conversion.sections.isEmpty()
-                           ? Strict::readImage(input, conversion.inputFormat, kept, options,
-                                               Strict::OptionsOf::Convert)
-                           : Strict::readSections(input, conversion.sections, unit, kept);
-    if (!image || conversion.printsScript) kept.pass(printer);
-    if (!image) return std::nullopt;
+    auto reader = conversion.sections.isEmpty()
+                      ? Strict::readFile(input, conversion.inputFormat, options, kept)
+                      : Strict::readSections(input, conversion.sections, unit, kept);
+    if (reader == nullptr || conversion.printsScript) kept.pass(printer);
+    if (reader == nullptr) return std::nullopt;
     if (!conversion.printsScript && !Platform::isRegularFile(input)) {
         fail(Strict::Kind::CannotOpen, input + " can be read only once",
              "save it in a file: its addresses are needed before it is converted", printer);
         return std::nullopt;
     }
     InputFacts facts;
-    facts.lowest = image->data.getStartAddress();
-    facts.startAddress = image->startAddress;
-    if (fillsParts(conversion)) facts.filled = filledParts(*image, conversion.arranging);
+    facts.lowest = reader->getMinAddress();
+    if (reader->hasStartAddress()) facts.startAddress = reader->getStartAddress();
+    if (fillsParts(conversion))
+        facts.filled = filledParts(reader->getDataAreas(), conversion.arranging);
     for (Buffer::Area& part : facts.filled) part.start += conversion.offset;
+    if (kept.isEmpty()) facts.reader = std::move(reader);
     // It moves with the data. 0 counts as none.
     if (facts.startAddress.value_or(0) != 0) *facts.startAddress += conversion.offset;
     const bool isIn32Bits = facts.startAddress.value_or(0) <= highestAddress;
@@ -230,6 +236,7 @@ struct Steps {
     Io::Import::SectionChoice sections = {};
     std::optional<FormatChoice> family = {};
     Buffer::AreaList filled = {};  ///< where `fill` is laid; everywhere if empty
+    std::unique_ptr<Io::Import::TessaronImportApi> reader = {};  ///< of the input, if it is read
 };
 
 constexpr const char* imageName = "@Image";
@@ -302,8 +309,9 @@ Piece numberOf(const FormatChoice& format) {
 /// Adds the statement that makes an image of a file.
 ///
 /// @param isLast  it is the image that is written
-void addNewBuffer(Strict::ProgramMaker& maker, const Steps& steps, const std::string& name,
-                  const std::string& input, const Source& source, bool isLast) {
+/// @return what executes the statement
+CmdNewBuffer& addNewBuffer(Strict::ProgramMaker& maker, const Steps& steps, const std::string& name,
+                           const std::string& input, const Source& source, bool isLast) {
     auto& image = maker.begin<CmdNewBuffer>("NEW_BUFFER");
     image.setBufferName(name);
     maker.addWord(Role::MakesImage, name);
@@ -334,15 +342,17 @@ void addNewBuffer(Strict::ProgramMaker& maker, const Steps& steps, const std::st
     }
     if (isLast) addArrangement(maker, image, steps);
     maker.end();
+    return image;
 }
 
 /// Adds the statements that make the image which is written.
-void addImage(Strict::ProgramMaker& maker, const Steps& steps) {
+void addImage(Strict::ProgramMaker& maker, Steps& steps) {
     const auto& further = steps.arranging.furtherInputs;
-    if (steps.arranging.interleave == 0)
-        return addNewBuffer(maker, steps, imageName, steps.input, steps.source, true);
-    std::vector<std::string> lanes{"@Lane0"};
-    addNewBuffer(maker, steps, lanes.front(), steps.input, steps.source, false);
+    const bool isOnly = steps.arranging.interleave == 0;
+    std::vector<std::string> lanes{isOnly ? imageName : "@Lane0"};
+    addNewBuffer(maker, steps, lanes.front(), steps.input, steps.source, isOnly)
+        .setReader(std::move(steps.reader));
+    if (isOnly) return;
     for (std::size_t i = 0; i < further.size(); ++i) {
         lanes.push_back("@Lane" + std::to_string(i + 1));
         addNewBuffer(maker, steps, lanes.back(), further[i], steps.furtherSources[i], false);
@@ -455,6 +465,13 @@ bool hasTemplate(const Conversion& conversion, const FormatChoice& format,
     return false;
 }
 
+/// A statement with that source reads a file of the format as it was found to be.
+bool reads(const Source& source, Facts::InputFormat format) {
+    if (source.format != nullptr) return source.format->format == format;
+    return Io::Formats::isOfRecords(Io::Formats::rowOf(format)) ||
+           format == Facts::InputFormat::RawBinary;
+}
+
 /// What the conversion does, or nothing after a diagnostic.
 std::optional<Steps> stepsOf(const Conversion& conversion, Strict::Printer& printer) {
     const auto source = sourceOf(conversion.input, conversion.inputFormat, printer);
@@ -490,11 +507,14 @@ std::optional<Steps> stepsOf(const Conversion& conversion, Strict::Printer& prin
     auto facts = factsOf(conversion, *format, printer);
     if (!facts) return std::nullopt;
     steps.filled = std::move(facts->filled);
+    if (facts->reader != nullptr && reads(steps.source, facts->reader->getFormat()))
+        steps.reader = std::move(facts->reader);
     if (hasStart && facts->startAddress)
         steps.startAddress = static_cast<std::uint32_t>(*facts->startAddress);
     if (conversion.offset == 0) return steps;
     steps.movedStart = movedStart(conversion, facts->lowest, printer);
-    return steps.movedStart ? std::optional(steps) : std::nullopt;
+    if (!steps.movedStart) return std::nullopt;
+    return steps;
 }
 
 /// Prints the script that does the same, unless there is none.
@@ -528,7 +548,7 @@ ExitCode print(const Conversion& conversion, const Strict::Program& program,
 }  // namespace
 
 std::optional<Strict::Program> programFor(const Conversion& conversion, Strict::Printer& printer) {
-    const auto steps = stepsOf(conversion, printer);
+    auto steps = stepsOf(conversion, printer);
     if (!steps) return std::nullopt;
     Strict::ProgramMaker maker;
     addImage(maker, *steps);

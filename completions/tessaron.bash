@@ -11,7 +11,7 @@ _tessaron_words() {
         previous=${*:count-2:1}
     fi
     for ((i = 2; i < count; ++i)); do
-        case ${!i} in run | check | info | diff | map | convert | help) command=${!i} && break ;; esac
+        case ${!i} in run | check | info | diff | map | convert | format | lsp | help) command=${!i} && break ;; esac
     done
     local kinds='no-end unknown-name duplicate-name outside wiped empty-image empty-digest call-failed
         unused-variable crc-parameter word-size cropped unwritten truncated-value
@@ -49,7 +49,7 @@ _tessaron_words() {
         --ignore --werror --manifest --provenance --sbom --checksums --sign-manifest"
     case $command:$current in
         :-*) compgen -W '--help --version' -- "$current" ;;
-        :*) compgen -W 'run check info diff map convert help' -- "$current" ;;
+        :*) compgen -W 'run check info diff map convert format lsp help' -- "$current" ;;
         run:-*) compgen -W "$script --depfile --map --report" -- "$current" ;;
         check:-*) compgen -W "$script --against-disk" -- "$current" ;;
         info:-*) compgen -W "$common --json --symbols --elf --from --family --width" -- "$current" ;;
@@ -62,10 +62,13 @@ _tessaron_words() {
                 --swap-bytes --unit-in --unit-out --fill-gaps --align --sections --skip-sections \
                 --family --elf-template --print-script" \
                 -- "$current" ;;
+        format:-*) compgen -W "$common --define --check" -- "$current" ;;
+        lsp:-*) compgen -W '--help --stdio' -- "$current" ;;
+        lsp:*) ;;
         help:-*) compgen -W '--help' -- "$current" ;;
         help:*)
             compgen -W 'statements numbers crcs hashes signatures formats kinds
-                run check info diff map convert help'" $kinds $fixed" -- "$current" ;;
+                run check info diff map convert format lsp help'" $kinds $fixed" -- "$current" ;;
         *) compgen -f -- "$current" ;;
     esac
 }

@@ -1,6 +1,6 @@
 # Completion of tessaron for fish.
 
-set -l commands run check info diff map convert
+set -l commands run check info diff map convert format lsp
 set -l topics statements numbers crcs hashes signatures formats kinds
 set -l kinds no-end unknown-name duplicate-name outside wiped empty-image empty-digest \
     call-failed unused-variable crc-parameter word-size cropped unwritten \
@@ -17,7 +17,7 @@ set -l fixed syntax cannot-open cannot-write short-read short-write out-of-memor
     record-address after-end record-count wrong-format same-file key missing-parameter
 set -l formats IntelHex MotorolaS RawBinary Elf Uf2 TiTxt Vmem DfuSe
 set -l none "not __fish_seen_subcommand_from $commands"
-set -l any "__fish_seen_subcommand_from $commands"
+set -l any '__fish_seen_subcommand_from run check info diff map convert format'
 set -l run '__fish_seen_subcommand_from run'
 set -l check '__fish_seen_subcommand_from check'
 set -l script '__fish_seen_subcommand_from run check'
@@ -25,6 +25,7 @@ set -l info '__fish_seen_subcommand_from info'
 set -l diff '__fish_seen_subcommand_from diff'
 set -l map '__fish_seen_subcommand_from map'
 set -l convert '__fish_seen_subcommand_from convert'
+set -l format '__fish_seen_subcommand_from format'
 set -l files '__fish_seen_subcommand_from info diff map convert'
 
 complete -c tessaron -s h -l help -d 'Print the help and exit'
@@ -35,6 +36,8 @@ complete -c tessaron -n $none -f -a info -d 'Print what is in files'
 complete -c tessaron -n $none -f -a diff -d 'Print where two files differ'
 complete -c tessaron -n $none -f -a map -d 'Draw the address space'
 complete -c tessaron -n $none -f -a convert -d 'Convert a file'
+complete -c tessaron -n $none -f -a format -d 'Format scripts'
+complete -c tessaron -n $none -f -a lsp -d 'Serve an editor'
 complete -c tessaron -n $none -f -a help -d 'List what the language has'
 complete -c tessaron -n '__fish_seen_subcommand_from help' -f -a "$topics $commands help $kinds $fixed"
 
@@ -99,3 +102,6 @@ complete -c tessaron -n $convert -l sections -x -d 'Read only these sections of 
 complete -c tessaron -n $convert -l skip-sections -x -d 'Leave out these sections'
 complete -c tessaron -n $convert -l elf-template -r -d 'The ELF file to copy'
 complete -c tessaron -n $convert -l print-script -d 'Print the script'
+complete -c tessaron -n $format -l check -d 'List the scripts that are not formatted'
+complete -c tessaron -n $format -s D -l define -x -d 'A text replacement, NAME=VALUE'
+complete -c tessaron -n '__fish_seen_subcommand_from lsp' -f -l stdio -d 'What it does anyway'

@@ -20,10 +20,11 @@ using Parser::Part;
 using Parser::Role;
 using Parser::Statement;
 
-/// Parts whose blanks count.
-constexpr Parser::Roles texts{Role::InputFile, Role::Template, Role::OutputFile, Role::SymbolFile,
-                              Role::Symbol,    Role::KeyFile,  Role::Program,    Role::Text,
-                              Role::String,    Role::Header};
+/// Parts that are numbers or lists of them, whose blanks do not count.
+constexpr Parser::Roles numeric{Role::Bytes,     Role::Filler,    Role::Area,   Role::Range,
+                                Role::Address,   Role::Start,     Role::Lane,   Role::Interleave,
+                                Role::ShortGaps, Role::Alignment, Role::Option, Role::Type,
+                                Role::Format,    Role::Family};
 
 /// What the end of something that stays is to the blanks beside it.
 constexpr char letter = 'x';
@@ -124,7 +125,9 @@ private:
             if (!place) continue;
             items_.push_back({*place, keyword.size() + 1});
             for (const Part& part : statement.parts)
-                if (texts.has(part.role)) addText(withDelimiters(prepared, part.text));
+                if (!numeric.has(part.role))
+                    addText(part.role == Role::String ? withDelimiters(prepared, part.text)
+                                                      : part.text);
         }
         addOther(prepared.substr(end));
     }
@@ -342,7 +345,7 @@ bool haveSameStatements(const Strict::ScriptAnalysis& one, const Strict::ScriptA
         for (std::size_t i = 0; i < left.parts.size(); ++i) {
             const Part& a = left.parts[i];
             const Part& b = right.parts[i];
-            const bool isText = texts.has(a.role);
+            const bool isText = !numeric.has(a.role);
             if (a.role != b.role || a.choice != b.choice || a.numberCount != b.numberCount)
                 return false;
             if (isText ? a.text != b.text : withoutBlanks(a.text) != withoutBlanks(b.text))

@@ -79,6 +79,22 @@ bool isRegularFile(const std::string& /*path*/) {
     return true;
 }
 
+std::vector<FolderEntry> entriesOf(const std::string& /*folder*/, std::size_t /*most*/) {
+    return {{"part.tsn", false}, {"folder", true}};
+}
+
+std::string absolutePath(const std::string& path) {
+    return path;
+}
+
+std::string portablePath(const std::string& path) {
+    return path;
+}
+
+std::string besideProgram(const std::string& /*path*/) {
+    return "";
+}
+
 std::optional<VersionInfo> versionInfo(const char* /*programPath*/) {
     return std::nullopt;
 }
@@ -190,6 +206,10 @@ bool showsUnicode() {
 
 std::error_code changeFolder(const std::string& /*path*/) {
     return {};
+}
+
+std::size_t readInput(std::span<char> /*bytes*/) {
+    return 0;
 }
 
 int runProgram(const std::string& /*location*/, const std::string& /*arguments*/) {

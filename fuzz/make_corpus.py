@@ -4,7 +4,7 @@
     make_corpus.py FOLDER
 
 makes FOLDER/script, FOLDER/run, FOLDER/includes, FOLDER/readers, FOLDER/formats,
-FOLDER/records, FOLDER/field and FOLDER/keys. The first three hold one call of the program per file, in the form
+FOLDER/records, FOLDER/field, FOLDER/keys and FOLDER/lsp. The first three hold one call of the program per file, in the form
 that fuzz/ScriptInput.hpp describes, the others hold input files, the last one also those with
 changes at random.
 """
@@ -124,6 +124,12 @@ def write(folder, seeds):
         sys.exit("make_corpus.py: found no seeds for %s" % folder)
 
 
+def scripts():
+    """Name and text of every script, as an editor opens it."""
+    for path in sorted(path for folder in ("tests", "recipes", "examples") for path in (ROOT / folder).rglob("*.tsn")):
+        yield "-".join(path.relative_to(ROOT).parts), path.read_bytes()
+
+
 def main():
     target = pathlib.Path(sys.argv[1])
     write(target / "script", script_cases())
@@ -134,6 +140,7 @@ def main():
     write(target / "records", input_files())
     write(target / "field", changed(input_files()))
     write(target / "keys", key_files())
+    write(target / "lsp", scripts())
 
 
 if __name__ == "__main__":

@@ -1,14 +1,14 @@
 #!/bin/sh
 # Builds the fuzz targets, replays their corpora and lets each of them search for a while.
 #   fuzz/run.sh SECONDS [target ...]     script, includes, readers, formats, run, field, records,
-#                                        keys (all); 0 seconds only replay
+#                                        keys, lsp (all); 0 seconds only replay
 # New inputs of a search stay in build/asan/found/, where the next search begins. A finding ends the
 # run with an error, and the input that causes it stays in build/asan/findings/.
 set -eu
 cd "$(dirname "$0")/.."
 seconds=${1:?how many seconds?}
 shift
-[ $# -gt 0 ] || set -- script includes readers formats run field records keys
+[ $# -gt 0 ] || set -- script includes readers formats run field records keys lsp
 build=build/asan
 scripts/setup.sh fuzz
 mkdir -p $build/findings

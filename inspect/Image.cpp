@@ -1,6 +1,7 @@
 #include "inspect/Image.hpp"
 
 #include <algorithm>
+#include <utility>
 
 #include "buffer/Overlap.hpp"
 #include "facts/Facts.hpp"
@@ -67,11 +68,21 @@ std::optional<Image> openImage(const std::string& path, std::optional<Facts::Inp
     return imageOf(path, *file.reader);
 }
 
-Image openSections(const std::string& path, const Io::Import::SectionChoice& sections,
-                   std::uint32_t addressUnit) {
+std::unique_ptr<Io::Import::TessaronImportApi> openReader(const std::string& path,
+                                                          std::optional<Facts::InputFormat> format,
+                                                          const Io::Import::ReadOptions& options) {
+    Io::Formats::AnyFile file = Io::Formats::openAny(path, format, nullptr, options);
+    if (file.reader != nullptr) reportConflict(path, *file.reader);
+    return std::move(file.reader);
+}
+
+std::unique_ptr<Io::Import::TessaronImportApi> openSections(
+    const std::string& path, const Io::Import::SectionChoice& sections, std::uint32_t addressUnit) {
     const auto& elf = Io::Formats::rowOf(Facts::InputFormat::Elf);
-    return imageOf(path, *elf.openSections(path, Io::openInput(path),
-                                           {Buffer::OverlapRule::NotSet, addressUnit}, sections));
+    auto reader = elf.openSections(path, Io::openInput(path),
+                                   {Buffer::OverlapRule::NotSet, addressUnit}, sections);
+    reportConflict(path, *reader);
+    return reader;
 }
 
 std::uint64_t byteCount(const AreaList& areas) {

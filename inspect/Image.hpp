@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -40,13 +41,18 @@ std::optional<Image> openImage(const std::string& path,
                                std::optional<Facts::InputFormat> format = {},
                                const Io::Import::ReadOptions& options = {});
 
+/// The same, without making an image of it; null for a damaged file.
+std::unique_ptr<Io::Import::TessaronImportApi> openReader(const std::string& path,
+                                                          std::optional<Facts::InputFormat> format,
+                                                          const Io::Import::ReadOptions& options);
+
 /// Reads the chosen sections of an ELF file.
 ///
 /// @param addressUnit  the addresses of the file count words of that many bytes
 /// @throws Io::bad_open
 /// @throws Io::Import::Malformed  after a report
-Image openSections(const std::string& path, const Io::Import::SectionChoice& sections,
-                   std::uint32_t addressUnit);
+std::unique_ptr<Io::Import::TessaronImportApi> openSections(
+    const std::string& path, const Io::Import::SectionChoice& sections, std::uint32_t addressUnit);
 
 /// What `reader` has read of the file `path`, which it gives away. Two bytes for one address are
 /// reported; the later one counts.

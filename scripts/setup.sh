@@ -12,7 +12,7 @@ demo="$build python3 srecord"
 test="$build git libgtest-dev python3 python3-jsonschema srecord binutils openssl xxd make
       libdigest-crc-perl dfu-util groff-base mandoc vim strace zsh fish dpkg-dev"
 book="mkdocs mkdocs-material"
-test_all="$test $book gcc-arm-none-eabi nodejs npm chromium lintian"
+test_all="$test $book gcc-arm-none-eabi nodejs npm neovim chromium lintian"
 clang="clang libclang-rt-dev"
 format="git clang-format"
 tidy="$build git clang clang-tidy libgtest-dev python3"

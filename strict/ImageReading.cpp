@@ -15,7 +15,7 @@ namespace Strict {
 
 namespace {
 
-/// What `read` returns for the path, or nothing after a diagnostic.
+/// What `read` returns for the path, or nothing (null) after a diagnostic.
 template <class Read>
 auto readWith(Read read, const std::string& path, DiagnosticSink& sink,
               OptionsOf options = OptionsOf::Inspection) -> decltype(read(path)) {
@@ -26,9 +26,9 @@ auto readWith(Read read, const std::string& path, DiagnosticSink& sink,
         return read(path);
     } catch (const Io::bad_open&) {
         Facts::report(Facts::FileNotOpened{path});
-        return std::nullopt;
+        return {};
     } catch (const Io::Import::Malformed&) {
-        return std::nullopt;
+        return {};
     }
 }
 
@@ -37,20 +37,31 @@ auto readWith(Read read, const std::string& path, DiagnosticSink& sink,
 std::optional<Inspect::Image> readImage(const std::string& path,
                                         std::optional<Facts::InputFormat> format,
                                         DiagnosticSink& sink,
-                                        const Io::Import::ReadOptions& options, OptionsOf advice) {
+                                        const Io::Import::ReadOptions& options) {
     return readWith(
         [format, &options](const std::string& file) {
             return Inspect::openImage(file, format, options);
         },
-        path, sink, advice);
+        path, sink);
 }
 
-std::optional<Inspect::Image> readSections(const std::string& path,
-                                           const Io::Import::SectionChoice& sections,
-                                           std::uint32_t addressUnit, DiagnosticSink& sink) {
+std::unique_ptr<Io::Import::TessaronImportApi> readFile(const std::string& path,
+                                                        std::optional<Facts::InputFormat> format,
+                                                        const Io::Import::ReadOptions& options,
+                                                        DiagnosticSink& sink) {
+    return readWith(
+        [format, &options](const std::string& file) {
+            return Inspect::openReader(file, format, options);
+        },
+        path, sink, OptionsOf::Convert);
+}
+
+std::unique_ptr<Io::Import::TessaronImportApi> readSections(
+    const std::string& path, const Io::Import::SectionChoice& sections, std::uint32_t addressUnit,
+    DiagnosticSink& sink) {
     return readWith(
         [&sections, addressUnit](const std::string& file) {
-            return std::optional(Inspect::openSections(file, sections, addressUnit));
+            return Inspect::openSections(file, sections, addressUnit);
         },
         path, sink, OptionsOf::Convert);
 }

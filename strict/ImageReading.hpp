@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -9,7 +10,6 @@
 #include "inspect/Names.hpp"
 #include "io/import/ReadOptions.hpp"
 #include "io/import/SectionChoice.hpp"
-#include "strict/diagnostics/Circumstances.hpp"
 #include "strict/diagnostics/Diagnostic.hpp"
 
 namespace Strict {
@@ -19,19 +19,23 @@ namespace Strict {
 ///
 /// @param format   that of the file; nothing if name and contents decide
 /// @param options  as for Inspect::openImage
-/// @param advice   the options that advice may name
 std::optional<Inspect::Image> readImage(const std::string& path,
                                         std::optional<Facts::InputFormat> format,
                                         DiagnosticSink& sink,
-                                        const Io::Import::ReadOptions& options = {},
-                                        OptionsOf advice = OptionsOf::Inspection);
+                                        const Io::Import::ReadOptions& options = {});
 
-/// Reads the chosen sections of an ELF file in the same way, for `convert`.
+/// Reads a file in the same way for `convert`; null after a diagnostic.
+std::unique_ptr<Io::Import::TessaronImportApi> readFile(const std::string& path,
+                                                        std::optional<Facts::InputFormat> format,
+                                                        const Io::Import::ReadOptions& options,
+                                                        DiagnosticSink& sink);
+
+/// The same for the chosen sections of an ELF file.
 ///
 /// @param addressUnit  the addresses of the file count words of that many bytes
-std::optional<Inspect::Image> readSections(const std::string& path,
-                                           const Io::Import::SectionChoice& sections,
-                                           std::uint32_t addressUnit, DiagnosticSink& sink);
+std::unique_ptr<Io::Import::TessaronImportApi> readSections(
+    const std::string& path, const Io::Import::SectionChoice& sections, std::uint32_t addressUnit,
+    DiagnosticSink& sink);
 
 /// The names in an ELF file or a map file of GNU ld; nothing after a diagnostic if it cannot be
 /// read or has none.

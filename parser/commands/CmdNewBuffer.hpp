@@ -44,6 +44,11 @@ public:
     /// @param format  a row of the table; null for a format that is recognised by its contents
     void setPath(std::string path, const Io::Formats::InputFormatRow* format);
 
+    /// What was read of that file, as this statement would read it.
+    void setReader(std::unique_ptr<Io::Import::TessaronImportApi> reader) {
+        reader_ = std::move(reader);
+    }
+
     /// Reads a section of an ELF file, and no others but those that are named as well.
     void useSection(std::string name) { sections_.used.push_back(std::move(name)); }
 
@@ -111,6 +116,8 @@ private:
     bool hasNewStartAddress_ = false;
     std::string fileName_;
     const Io::Formats::InputFormatRow* format_ = nullptr;  ///< null if the contents decide
+    /// Given away when the statement runs; null if the file was not read before.
+    mutable std::unique_ptr<Io::Import::TessaronImportApi> reader_;
     Io::Import::SectionChoice sections_;
     std::optional<std::uint32_t> family_;
     BufferSourceKind sourceKind_ = BufferSourceKind::SourceEmpty;

@@ -69,8 +69,10 @@ std::string replacePattern(const std::string& text, const std::string& pattern,
                            PatternAllowance& allowance, const ReplacementWatch& watch) {
     const Pattern automaton(pattern);
     // Text that values have added gets no steps of its own.
-    std::uint64_t steps =
-        allowance.steps + stepsForEachCharacter * std::min(text.size(), allowance.scriptLength);
+    const std::uint64_t own = std::min(
+        allowance.ownSteps, stepsForEachCharacter * std::min(text.size(), allowance.scriptLength));
+    const std::uint64_t available = allowance.steps + own;
+    std::uint64_t steps = available;
     const std::string_view source = text;
     std::string result;
     std::size_t copied = 0;
@@ -84,6 +86,7 @@ std::string replacePattern(const std::string& text, const std::string& pattern,
     }
     appendBounded(result, source.substr(copied), longest);
     allowance.steps = std::min(allowance.steps, steps);
+    allowance.ownSteps -= std::min(own, available - steps);
     return result;
 }
 

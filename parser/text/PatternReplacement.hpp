@@ -15,6 +15,8 @@ struct PatternAllowance {
 
     std::size_t scriptLength;
     std::uint64_t steps;
+    /// What is left of the little that each may take, for all of them together: about a minute.
+    std::uint64_t ownSteps = std::uint64_t{1} << 35U;
 };
 
 /// Is shown each replacement: the text [`copied`, `first`) stays, [`first`, `last`) becomes

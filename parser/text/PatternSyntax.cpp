@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "parser/text/PatternReader.hpp"
 
@@ -143,6 +144,19 @@ private:
 PatternSyntax readPattern(std::string_view pattern) {
     checkSize(pattern);
     return SyntaxReader(pattern).read();
+}
+
+std::optional<std::vector<CharacterSet>> fixedSets(std::string_view pattern) {
+    try {
+        PatternSyntax syntax = readPattern(pattern);
+        const auto isSet = [](const Term& term) { return term.kind == Term::Kind::Set; };
+        const Term& whole = syntax.whole;
+        if (whole.kind == Term::Kind::Sequence && std::ranges::all_of(whole.parts, isSet))
+            return std::move(syntax.sets);
+    } catch (const PatternError&) {
+        // It is reported where it is applied.
+    }
+    return std::nullopt;
 }
 
 }  // namespace Parser

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <exception>
 #include <limits>
+#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -65,5 +66,9 @@ struct PatternSyntax {
 /// @throws PatternError  if it is not valid; also if it is longer than 500 characters, or if its
 ///                       repetitions multiply to more than about 2,000 states
 PatternSyntax readPattern(std::string_view pattern);
+
+/// The sets of `pattern`, one for each character that it takes, if it is nothing but a sequence of
+/// them.
+std::optional<std::vector<CharacterSet>> fixedSets(std::string_view pattern);
 
 }  // namespace Parser

@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "parser/text/FixedName.hpp"
 #include "parser/text/PatternReplacement.hpp"
 #include "parser/text/PatternSyntax.hpp"
 #include "parser/text/ReplacementFormat.hpp"
@@ -34,6 +35,8 @@ struct Limits {
     std::size_t longestText;
     /// Characters that may be walked through yet, those of a line once for each name in it.
     std::uint64_t walk;
+    /// The same for fixed names that are patterns.
+    std::uint64_t patternWalk = std::uint64_t{1} << 34U;
     PatternAllowance allowance;
 
 private:
@@ -64,27 +67,33 @@ std::vector<Variable> inOrder(const std::map<std::string, std::string>& variable
     return ordered;
 }
 
-/// A name that matches itself alone, within one line, by a value that does not look around.
-bool isPlain(const Variable& variable) {
-    constexpr std::string_view special = "^$\\.*+?()[]{}|\n";
-    return !variable.name.empty() && variable.name.find_first_of(special) == std::string::npos &&
-           variable.value.find("$`") == std::string::npos &&
-           variable.value.find("$'") == std::string::npos;
+/// The variables whose names are fixed and whose values do not look around.
+std::vector<std::optional<FixedName>> fixedNamesOf(const std::vector<Variable>& variables) {
+    std::vector<std::string_view> names;
+    names.reserve(variables.size());
+    for (const Variable& variable : variables) {
+        const bool looksAround = variable.value.find("$`") != std::string::npos ||
+                                 variable.value.find("$'") != std::string::npos;
+        names.push_back(looksAround ? std::string_view() : variable.name);
+    }
+    return fixedNames(names);
 }
 
-/// Applies variables with plain names, each line by itself: no name reaches across a line feed.
+/// Applies variables with fixed names, each line by itself: no name reaches across a line feed.
 /// In a line only those variables cost time that occur in it.
-class PlainExpansion {
+class FixedExpansion {
 public:
+    /// @param names  of the variables, all of them there
     /// @param map    takes what became of the text, unless it is null
     /// @param first  index of the first variable in the map
-    PlainExpansion(std::span<const Variable> variables, TextMap* map, std::size_t first)
-        : map_(map), first_(first) {
-        for (const Variable& variable : variables) {
-            ranks_.emplace(variable.name, variables_.size());
-            lengths_.insert(variable.name.size());
-            markBeginning(variable.name);
-            variables_.push_back(variable);
+    FixedExpansion(std::span<const Variable> variables,
+                   std::span<const std::optional<FixedName>> names, TextMap* map, std::size_t first)
+        : variables_(variables), names_(names), map_(map), first_(first) {
+        for (std::size_t rank = 0; rank < names.size(); ++rank) {
+            const std::string& anchor = names[rank]->anchor();
+            ranks_[anchor].push_back(rank);
+            lengths_.insert(anchor.size());
+            markBeginning(anchor);
         }
     }
 
@@ -109,11 +118,11 @@ private:
                static_cast<unsigned char>(second);
     }
 
-    void markBeginning(const std::string& name) {
+    void markBeginning(const std::string& anchor) {
         constexpr int characters = 256;
-        if (name.size() > 1) beginnings_.set(pair(name[0], name[1]));
-        for (int second = 0; name.size() == 1 && second < characters; ++second)
-            beginnings_.set(pair(name[0], static_cast<char>(second)));
+        if (anchor.size() > 1) beginnings_.set(pair(anchor[0], anchor[1]));
+        for (int second = 0; anchor.size() == 1 && second < characters; ++second)
+            beginnings_.set(pair(anchor[0], static_cast<char>(second)));
     }
 
     /// The first variable in order, from rank `from` on, that occurs in `line`.
@@ -125,8 +134,10 @@ private:
             for (const std::size_t length : lengths_) {
                 if (length > line.size() - at) break;
                 const auto found = ranks_.find(line.substr(at, length));
-                if (found != ranks_.end() && found->second >= from)
-                    best = std::min(best, found->second);
+                if (found == ranks_.end()) continue;
+                for (const std::size_t rank : found->second)
+                    if (rank >= from && rank < best && names_[rank]->isAround(at, line))
+                        best = rank;
             }
         }
         return best;
@@ -160,25 +171,27 @@ private:
     std::string replaced(std::string_view line, std::size_t rank, std::size_t start,
                          TextMap& inLine, Limits& limits) const {
         const Variable& variable = variables_[rank];
-        if (line.size() > limits.walk) reportTooLong(variable.name);
-        limits.walk -= line.size();
+        const FixedName& name = *names_[rank];
+        std::uint64_t& walk = name.isPattern() ? limits.patternWalk : limits.walk;
+        if (line.size() > walk) reportTooLong(variable.name);
+        walk -= line.size();
         std::string result;
         TextStage stage;
         std::size_t copied = 0;
-        const MatchTexts texts{
-            variable.name, {}, {}, [](std::size_t /*group*/) { return std::string_view(); }};
-        for (std::size_t at = line.find(variable.name); at != std::string_view::npos;
-             at = line.find(variable.name, copied)) {
+        MatchTexts texts{{}, {}, {}, [](std::size_t /*group*/) { return std::string_view(); }};
+        for (std::size_t at = name.findIn(line, 0); at != std::string_view::npos;
+             at = name.findIn(line, copied)) {
+            texts.match = line.substr(at, name.length());
             appendBounded(result, line.substr(copied, at - copied), limits.longestText);
             const std::size_t length = result.size();
             appendFormatted(result, variable.value, texts, limits.longestText);
             if (map_ != nullptr) {
                 stage.keep(copied, at - copied);
                 stage.insert(at, result.size() - length, first_ + rank);
-                map_->use(first_ + rank, line, at, at + variable.name.size(),
+                map_->use(first_ + rank, line, at, at + name.length(),
                           start + inLine.originOf(at).offset);
             }
-            copied = at + variable.name.size();
+            copied = at + name.length();
         }
         result += line.substr(copied);
         if (map_ != nullptr) {
@@ -188,12 +201,13 @@ private:
         return result;
     }
 
+    std::span<const Variable> variables_;
+    std::span<const std::optional<FixedName>> names_;
     TextMap* map_;
     std::size_t first_;
-    std::vector<Variable> variables_;
-    std::unordered_map<std::string_view, std::size_t> ranks_;
-    std::set<std::size_t> lengths_;
-    /// The first two characters that any name begins with.
+    std::unordered_map<std::string_view, std::vector<std::size_t>> ranks_;  ///< by anchors
+    std::set<std::size_t> lengths_;                                         ///< of anchors
+    /// The first two characters that any anchor begins with.
     std::bitset<std::size_t{1} << 16U> beginnings_;
 };
 
@@ -239,15 +253,19 @@ void expandVariables(std::string& text, const std::map<std::string, std::string>
         for (const auto& [name, value] : ordered) known.push_back({name, value, false, {}});
         map->setVariables(std::move(known));
     }
-    for (auto next = ordered.begin(); next != ordered.end();) {
-        const auto plainEnd = std::find_if_not(next, ordered.end(), isPlain);
-        if (plainEnd != next) {
-            const auto first = static_cast<std::size_t>(next - ordered.begin());
-            text = PlainExpansion(std::span(next, plainEnd), map, first).apply(text, limits);
-            next = plainEnd;
+    const std::span<const Variable> all = ordered;
+    const std::vector<std::optional<FixedName>> names = fixedNamesOf(ordered);
+    for (std::size_t next = 0; next < all.size();) {
+        std::size_t end = next;
+        while (end < all.size() && names[end]) ++end;
+        if (end != next) {
+            const std::size_t count = end - next;
+            text = FixedExpansion(all.subspan(next, count), std::span(names).subspan(next, count),
+                                  map, next)
+                       .apply(text, limits);
+            next = end;
         } else {
-            text = patternApplied(text, *next, limits, map,
-                                  static_cast<std::size_t>(next - ordered.begin()));
+            text = patternApplied(text, all[next], limits, map, next);
             ++next;
         }
     }

@@ -71,18 +71,18 @@ TEST(SignatureKeyTest, AKeyIsRefusedForItsReason) {
     for (const Row& row : rows) {
         CmdContext context;
         if (row.passphrase != nullptr) context.passphrase = row.passphrase;
-        SignatureSettings settings{kindNamed(row.kind), std::nullopt};
+        SignatureSettings settings{kindNamed(row.kind), {}};
         if (row.file != nullptr) settings.keyFile = pathOf(row.file);
         Refusals refusals;
         const Facts::ListenerScope listening(refusals);
         EXPECT_EQ(settings.signingKey(context).has_value(), !row.signing)
-            << settings.keyFile.value_or("none");
+            << settings.keyFile.value_or("no key");
         EXPECT_EQ(settings.verifyingKey(context).has_value(), !row.verifying)
-            << settings.keyFile.value_or("none");
+            << settings.keyFile.value_or("no key");
         std::vector<KeyFault> expected;
         for (const auto& fault : {row.signing, row.verifying})
             if (fault) expected.push_back(*fault);
-        EXPECT_EQ(refusals.faults, expected) << settings.keyFile.value_or("none");
+        EXPECT_EQ(refusals.faults, expected) << settings.keyFile.value_or("no key");
     }
 }
 

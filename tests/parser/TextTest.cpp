@@ -1,9 +1,17 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <functional>
 #include <map>
+#include <random>
+#include <regex>
 #include <string>
+#include <vector>
 
 #include "parser/ScriptParser.hpp"
+#include "parser/text/PatternReplacement.hpp"
+#include "parser/text/PatternSyntax.hpp"
 #include "parser/text/Preparation.hpp"
 #include "parser/text/VariableExpansion.hpp"
 
@@ -58,11 +66,56 @@ TEST(TextTest, LongNamesComeFirstAndValuesAreOpenToShorterOnes) {
              {"price", {{"price", "$$5"}}, "$5"},
              {"ab", {{"b", "[$&]"}}, "a[b]"},
              {"one\ntwo", {{"^two$", "2"}}, "one\n2"},
+             {"a.b axb", {{"a\\.b", "1"}}, "1 axb"},
+             {"a.b\nab a\nb", {{"a.b", "<$&>"}}, "<a.b>\nab a\nb"},
          }) {
         std::string text = row.text;
         Parser::expandVariables(text, row.variables);
         EXPECT_EQ(text, row.expanded) << row.text;
     }
+}
+
+TEST(TextTest, NamesOfOneLengthAreReplacedAsTheStandardLibraryDoes) {
+    std::mt19937 random(21);
+    const auto pick = [&](const auto& list) { return std::string(list[random() % list.size()]); };
+    constexpr std::array parts{"a", "b", "c", "[ab]", "[^a]", ".", "\\w", "\\.", "[c-z]"};
+    constexpr std::array values{"", "a", "bc", "$&", "$&c$$", "."};
+    constexpr std::array characters{"a", "b", "c", ".", "\n"};
+    for (int round = 0; round < 400; ++round) {
+        std::string text;
+        for (int i = 0; i < 60; ++i) text += pick(characters);
+        Variables variables;
+        // Of many names several have the same characters in common.
+        for (int i = round % 10 == 0 ? 80 : 5; i > 0; --i) {
+            std::string name = pick(parts);
+            while (random() % 3 != 0) name += pick(parts);
+            variables.emplace(name, pick(values));
+        }
+        std::vector<std::string> names;
+        for (const auto& [name, value] : variables) names.insert(names.begin(), name);
+        std::ranges::stable_sort(names, std::greater(), &std::string::size);
+        std::string expected = text;
+        for (const std::string& name : names)
+            expected = std::regex_replace(expected, std::regex(name), variables[name]);
+        Parser::expandVariables(text, variables);
+        ASSERT_EQ(text, expected) << round;
+    }
+}
+
+TEST(TextTest, AllPatternsTogetherHaveABound) {
+    const std::string text(1000, 'x');
+    Parser::PatternAllowance allowance(text.size());
+    allowance.steps = 0;
+    allowance.ownSteps = 20 * text.size();
+    int applied = 0;
+    try {
+        for (; applied < 20; ++applied)
+            Parser::replacePattern(text, "x+", "y", text.size(), allowance);
+    } catch (const Parser::PatternError& error) {
+        EXPECT_EQ(error.fault(), Facts::VariableFault::TooComplex);
+    }
+    EXPECT_GT(applied, 1);
+    EXPECT_LT(applied, 20);
 }
 
 struct Calculation {

@@ -26,7 +26,8 @@ ALL_KINDS = dict(line.split("\t")[:2] for line in subprocess.run(
 # Those that no option can change.
 FIXED = {kind for kind, counts_as in ALL_KINDS.items() if counts_as.startswith("always ")}
 KINDS = set(ALL_KINDS) - FIXED
-COMMANDS = ("run", "check", "info", "diff", "map", "convert")
+SHOWING = ("run", "check", "info", "diff", "map", "convert", "format")  # diagnostics
+COMMANDS = (*SHOWING, "lsp")
 TOPICS = {"statements", "numbers", "crcs", "hashes", "signatures", "formats", "kinds"}
 # The second column of the inputs.
 FORMATS = {line.split()[1] for line in subprocess.run(
@@ -111,9 +112,10 @@ class Shell:
 
 class ValuesOfOptions:
     def test_values(self):
-        for command in COMMANDS:
+        for command in SHOWING:
             self.assertEqual(self.complete(command, "--color", "a"), {"auto", "always"})
-            self.assertEqual(self.complete(command, "--diagnostics", ""), {"text", "json", "sarif", "github"})
+            self.assertEqual(self.complete(command, "--diagnostics", ""),
+                             {"text", "json", "sarif", "github"})
             self.assertEqual(self.complete(command, "--error", "zz"), set())
             for option in ("--error", "--warn"):
                 self.assertEqual(self.complete(command, option, ""), KINDS)
