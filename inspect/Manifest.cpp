@@ -1,6 +1,8 @@
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <utility>
+#include <vector>
 
 #include "inspect/CrcWords.hpp"
 #include "inspect/Digest.hpp"
