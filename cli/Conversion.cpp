@@ -40,11 +40,13 @@ void fail(Strict::Kind kind, std::string text, std::string hint, Strict::Printer
     printer.take({kind, std::move(text), std::nullopt, std::move(hint), {}});
 }
 
-/// What a file is, by its name and its contents; a pipe has no contents before it is read.
+/// What a file is, by its name and its contents. A pipe has no contents before it is read, and an
+/// empty file has none at all.
 Io::Formats::Detected detectedIn(const std::string& input) {
     if (!Platform::isRegularFile(input)) return {};
     try {
-        return Io::Formats::formatOf(input, Io::openInput(input));
+        const Platform::InputFile file = Io::openInput(input);
+        return file.size() == 0 ? Io::Formats::Detected{} : Io::Formats::formatOf(input, file);
     } catch (const Io::bad_open&) {
         return {};  // the statement says why
     }

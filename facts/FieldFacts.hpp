@@ -134,10 +134,12 @@ struct FurtherOverlaps {
 };
 
 /// A file gives addresses again, and its data begins where it would if its addresses counted words
-/// of `unit` bytes. As addresses of bytes the later ones are used.
+/// of `unit` bytes, or it is for a machine whose addresses do. They are used as addresses of bytes;
+/// of those that are given again, the later ones.
 struct AddressesCountWords {
     std::string_view file;
     std::uint32_t unit;
+    bool isByMachine = false;
     bool operator==(const AddressesCountWords&) const = default;
 };
 

@@ -117,13 +117,17 @@ public:
 private:
     using Byte = std::optional<std::uint8_t>;
     static constexpr std::size_t widest = 144;
+    static constexpr std::uint64_t highestAddress = 0xFFFFFFFF;
 
     std::vector<Hunk> hunks() const {
         std::vector<Hunk> all;
         for (const Area& area : diff_->where.changed) {
             const std::uint64_t row = area.start / perRow_;
             const std::uint64_t first = row - std::min<std::uint64_t>(row, style_->context);
-            const std::uint64_t last = (area.end() - 1) / perRow_ + style_->context;
+            const std::uint64_t own = (area.end() - 1) / perRow_;
+            // After the last address of 32 bits there is nothing to show.
+            const std::uint64_t last =
+                std::min(own + style_->context, std::max(own, highestAddress / perRow_));
             if (!all.empty() && first <= all.back().last + 1) {
                 all.back().last = last;
                 all.back().changed.length = area.end() - all.back().changed.start;

@@ -24,7 +24,10 @@ void reportConflict(const std::string& path, const Io::Import::TessaronImportApi
                     std::uint32_t addressUnit) {
     if (Io::Formats::isOfRecords(Io::Formats::rowOf(reader.getFormat()))) return;
     const auto overlap = reader.findOverlap(true);
-    if (!overlap) return;
+    if (!overlap) {
+        reportWords(path, reader, addressUnit);
+        return;
+    }
     Facts::report(Facts::OverlapRefused{
         Facts::Subject::Buffer, path, path, overlap->area.start, overlap->area.end(), true,
         overlap->firstDifference, overlap->earlier, overlap->later, reader.likelyAddressUnit(),
@@ -32,6 +35,13 @@ void reportConflict(const std::string& path, const Io::Import::TessaronImportApi
 }
 
 }  // namespace
+
+void reportWords(const std::string& path, const Io::Import::TessaronImportApi& reader,
+                 std::uint32_t addressUnit) {
+    if (addressUnit != 1 || reader.getFormat() != Facts::InputFormat::Elf) return;
+    if (const std::uint32_t unit = reader.likelyAddressUnit(); unit != 1)
+        Facts::report(Facts::AddressesCountWords{path, unit, true});
+}
 
 AreaList Image::areas() const {
     return Buffer::writtenAreas(data, data.getArea());

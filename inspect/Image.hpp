@@ -54,6 +54,10 @@ std::unique_ptr<Io::Import::TessaronImportApi> openReader(const std::string& pat
 std::unique_ptr<Io::Import::TessaronImportApi> openSections(
     const std::string& path, const Io::Import::SectionChoice& sections, std::uint32_t addressUnit);
 
+/// Reports that the addresses of an ELF file count words by its machine, unless it is read so.
+void reportWords(const std::string& path, const Io::Import::TessaronImportApi& reader,
+                 std::uint32_t addressUnit);
+
 /// What `reader` has read of the file `path`, which it gives away. Two bytes for one address are
 /// reported; the later one counts.
 ///

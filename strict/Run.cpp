@@ -28,6 +28,7 @@
 #include "strict/files/RunFiles.hpp"
 #include "strict/files/WholeFile.hpp"
 #include "strict/meaning/MeaningCheck.hpp"
+#include "strict/meaning/TextRule.hpp"
 #include "strict/record/Comparison.hpp"
 #include "strict/record/Provenance.hpp"
 #include "strict/record/RunRecording.hpp"
@@ -128,6 +129,10 @@ private:
         const bool isDone =
             program_->commands()[number]->execute(context_) && !listener_.hasRefused();
         if (meaning_ && isDone) meaning_->leave(number, context_);
+        if (!meaning_ && isDone)
+            if (std::string text = unknownTextOf(statement, context_, provenance_); !text.empty())
+                reports_.report(Kind::UnknownText, std::move(text), {Parser::Role::InputFile},
+                                "--from RawBinary says that this is meant");
         return isDone && printer_->errors() == before;
     }
 

@@ -5,6 +5,7 @@
 #include <cctype>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "io/field/FieldFormat.hpp"
@@ -102,22 +103,38 @@ bool isArrayOfC(std::string_view head) {
     return false;
 }
 
-/// Records in UTF-16: without its zero bytes, the text begins with one.
-bool isWideRecords(std::string_view head) {
-    using namespace std::string_view_literals;
-    constexpr auto marks = std::to_array({"\xFF\xFE"sv, "\xFE\xFF"sv});
-    const bool isMarked = std::ranges::any_of(
-        marks, [head](std::string_view mark) { return head.starts_with(mark); });
-    if (isMarked) head.remove_prefix(2);
-    if (head.size() < 4 || (head[0] == '\0') == (head[1] == '\0')) return false;
-    const std::size_t zeroAt = head[0] == '\0' ? 0 : 1;
+/// The text whose characters are the bytes at one place of each unit, the others of which are 0;
+/// nothing if there are others. A mark in front is left out.
+std::optional<std::string> narrowed(std::string_view head, std::size_t unit, std::size_t place) {
+    if (head.size() < 2 * unit) return std::nullopt;
     std::string narrow;
-    for (std::size_t at = 0; at + 1 < head.size(); at += 2) {
-        if (head[at + zeroAt] != '\0') return false;
-        narrow += head[at + 1 - zeroAt];
+    for (std::size_t at = 0; at + unit <= head.size(); at += unit) {
+        std::string_view others = head.substr(at, unit);
+        narrow += others[place];
+        if (others.find_first_not_of('\0') < place) return std::nullopt;
+        others.remove_prefix(place + 1);
+        if (others.find_first_not_of('\0') != std::string_view::npos) return std::nullopt;
     }
-    const std::string_view line = Field::firstContentOf(narrow);
-    return Field::beginningOf(line).has_value();
+    return narrow;
+}
+
+/// A text in UTF-16 or UTF-32 that begins with a byte order mark, or with a record. Only characters
+/// of ASCII are in it.
+template <std::size_t unit>
+bool isWideText(std::string_view head) {
+    for (const bool isBigEndian : {false, true}) {
+        std::string mark(unit, '\0');
+        mark[isBigEndian ? unit - 2 : 0] = isBigEndian ? '\xFE' : '\xFF';
+        mark[isBigEndian ? unit - 1 : 1] = isBigEndian ? '\xFF' : '\xFE';
+        const bool isMarked = head.starts_with(mark);
+        const auto narrow =
+            narrowed(head.substr(isMarked ? unit : 0), unit, isBigEndian ? unit - 1 : 0);
+        if (!narrow) continue;
+        if (isMarked ? Field::isText(*narrow)
+                     : Field::beginningOf(Field::firstContentOf(*narrow)).has_value())
+            return true;
+    }
+    return false;
 }
 
 constexpr auto tektronixEndings = std::to_array<std::string_view>({".tek"});
@@ -127,7 +144,8 @@ constexpr auto cEndings = std::to_array<std::string_view>({".c", ".h"});
 
 constexpr auto foreignRows = std::to_array<ForeignFormat>({
     {.name = "an archive of object files", .isText = false, .looksLike = &isArchive},
-    {.name = "a text in UTF-16", .isText = false, .looksLike = &isWideRecords},
+    {.name = "a text in UTF-16", .isText = false, .looksLike = &isWideText<2>},
+    {.name = "a text in UTF-32", .isText = false, .looksLike = &isWideText<4>},
     {.name = "a Tektronix hexadecimal file",
      .endings = tektronixEndings,
      .looksLike = &isTektronix},

@@ -80,7 +80,11 @@ std::uint32_t ParsedData::likelyAddressUnit() const {
             if (distance * units[k] == before.length) ++fitting[k];
     }
     for (std::size_t k = 0; k < units.size(); ++k)
-        if (fitting[k] >= fewest && 2 * fitting[k] > within) return units[k];
+        if (fitting[k] >= fewest && 2 * fitting[k] > within) {
+            // By which the addresses have been multiplied already.
+            const std::uint32_t unit = units[k] * addressUnit_;
+            return unit > units.back() ? 1 : unit;
+        }
     return 1;
 }
 

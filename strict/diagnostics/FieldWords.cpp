@@ -238,7 +238,9 @@ struct WordsFor {
         const std::string unit = std::to_string(fact.unit);
         return {Kind::Conflict,
                 "the addresses of " + std::string(fact.file) + " count words of " + unit +
-                    " bytes, so that as addresses of bytes they overlap",
+                    " bytes, " +
+                    (fact.isByMachine ? "as all of its machine do"
+                                      : "so that as addresses of bytes they overlap"),
                 adviceOnUnit(fact.unit, options), fact.file};
     }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <utility>
 
 namespace Strict {
 
@@ -24,26 +25,32 @@ bool isText(std::uint8_t byte) {
 
 }  // namespace
 
-void checkUnknownText(const Step& step) {
-    if (step.context == nullptr || !step.has(Role::InputFile)) return;
-    const Part* const file = step.statement.last(Role::InputFile);
-    const bool isDetected =
-        file->choice == static_cast<std::uint32_t>(Parser::FileReading::Detected);
-    const auto& inputs = step.provenance->inputs();
+std::string unknownTextOf(const Parser::Statement& statement,
+                          const Parser::WrapperLib::CmdContext& context,
+                          const Provenance& provenance) {
+    const Part* const file = statement.last(Role::InputFile);
+    const bool isDetected = file != nullptr && file->choice == static_cast<std::uint32_t>(
+                                                                   Parser::FileReading::Detected);
+    const auto& inputs = provenance.inputs();
     if (!isDetected || inputs.empty() || inputs.back().format != Facts::InputFormat::RawBinary)
-        return;
-    const auto image =
-        step.context->buffers.find(std::string(step.statement.textOf(Role::MakesImage)));
-    if (image == step.context->buffers.end()) return;
+        return "";
+    const auto image = context.buffers.find(std::string(statement.textOf(Role::MakesImage)));
+    if (image == context.buffers.end()) return "";
     const auto elements = image->second.viewElements();
     // A file without a byte is reported as such, and a gap is not text.
-    if (elements.empty() || elements.findUnwritten(0) != elements.size()) return;
+    if (elements.empty() || elements.findUnwritten(0) != elements.size()) return "";
     const std::span<const std::uint8_t> bytes(elements.values(), elements.size());
-    if (!std::ranges::all_of(bytes, isText)) return;
-    step.findings.report(
-        Kind::UnknownText,
-        inputs.back().file + " is text without a record, and its characters become the bytes",
-        file->text, "FROM_FILE_BINARY says that this is meant");
+    if (!std::ranges::all_of(bytes, isText)) return "";
+    return inputs.back().file + " is text without a record, and its characters become the bytes";
+}
+
+void checkUnknownText(const Step& step) {
+    if (step.context == nullptr) return;
+    std::string text = unknownTextOf(step.statement, *step.context, *step.provenance);
+    if (!text.empty())
+        step.findings.report(Kind::UnknownText, std::move(text),
+                             step.statement.textOf(Role::InputFile),
+                             "FROM_FILE_BINARY says that this is meant");
 }
 
 }  // namespace Strict

@@ -183,6 +183,7 @@ OriginMap Provenance::originsIn(const CmdNewBuffer& statement, const TessaronImp
 
 void Provenance::onRead(const CmdNewBuffer& statement, const TessaronImportApi& reader,
                         const Area& range) {
+    Inspect::reportWords(statement.fileName(), reader, statement.addressUnit());
     OriginMap all = originsIn(statement, reader);
     AreaList areas;
     areas.reserve(all.ranges().size());

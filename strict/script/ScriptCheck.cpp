@@ -207,7 +207,8 @@ void ScriptCheck::checkTexts(const Statement& statement) {
     constexpr Parser::Roles files{Role::InputFile, Role::Template, Role::SymbolFile, Role::KeyFile,
                                   Role::OutputFile};
     for (const Part& part : statement.parts)
-        if (files.has(part.role) || part.role == Role::Program || part.role == Role::Text) {
+        if (files.has(part.role) || part.role == Role::Program || part.role == Role::Text ||
+            part.role == Role::Header) {
             checkText(part);
             checkQuote(part);
         }

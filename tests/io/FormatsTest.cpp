@@ -155,6 +155,7 @@ TEST(FormatDetection, KnowsFormatsThatAreNotRead) {
     using enum InputFormat;
     const std::string archive = "an archive of object files";
     const std::string utf16 = "a text in UTF-16";
+    const std::string utf32 = "a text in UTF-32";
     const std::string tektronix = "a Tektronix hexadecimal file";
     const std::string extended = "an extended Tektronix hexadecimal file";
     const std::string mif = "a memory initialization file (MIF)";
@@ -167,6 +168,10 @@ TEST(FormatDetection, KnowsFormatsThatAreNotRead) {
         {"app", "\xFF\xFE" + wide(record), noRecords, utf16},
         {"app", "\xFE\xFF" + wide(record, true), noRecords, utf16},
         {"app.hex", wide("# " + record + record), noRecords, utf16},
+        {"app", "\xFF\xFE" + wide("@F000\n31 40\nq\n"), noRecords, utf16},
+        {"app", std::string("\xFF\xFE\0\0", 4) + wide(wide(record)), noRecords, utf32},
+        {"app", wide(wide(record, true), true), noRecords, utf32},
+        {"app", "\xFF\xFE" + wide("data\x01\x02\x03\x04"), RawBinary},
         {"app", wide(":0"), noRecords, utf16},
         {"app", wide(":"), RawBinary},
         {"app", wide("x" + record), RawBinary},
