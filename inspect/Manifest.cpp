@@ -1,5 +1,7 @@
 #include <array>
-#include <utility>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
 
 #include "inspect/CrcWords.hpp"
 #include "inspect/Digest.hpp"
@@ -88,7 +90,7 @@ void addAlgorithm(JsonText& json, const Algorithm& algorithm) {
     if (!algorithm.meaning.empty()) json.addText("meaning", algorithm.meaning);
     if (algorithm.crc) {
         const Util::Crc::CrcParameters& crc = *algorithm.crc;
-        json.addNumber("width", crc.width);
+        json.addNumber("width", static_cast<std::uint64_t>(crc.width));
         json.addText("poly", crcNumberText(crc.polynomial, crc.width));
         json.addText("init", crcNumberText(crc.initial, crc.width));
         json.addFlag("refin", crc.isInputReflected);
