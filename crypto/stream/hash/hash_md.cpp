@@ -1,6 +1,7 @@
 #include "crypto/stream/hash/hash_md.hpp"
 
 #include <bit>
+#include <span>
 #include <utility>
 
 #include "crypto/stream/hash/roots.hpp"
@@ -169,6 +170,13 @@ void hash_md2::reset() {
 
 void hash_md2::transform_blocks(const unsigned char* blocks, std::size_t count) {
     constexpr unsigned passes = 18;
+    const auto pass_over = [](std::span<unsigned char> bytes, unsigned carried) {
+        for (unsigned char& x : bytes) {
+            carried = PI_SUBST[carried] ^ x;
+            x = static_cast<unsigned char>(carried);
+        }
+        return carried;
+    };
     for (; count != 0; --count, blocks += block_bytes) {
         unsigned last = checksum_.back();
         for (std::size_t i = 0; i < block_bytes; ++i) {
@@ -177,13 +185,10 @@ void hash_md2::transform_blocks(const unsigned char* blocks, std::size_t count) 
             last = checksum_[i] ^= PI_SUBST[blocks[i] ^ last];
         }
         unsigned carried = 0;
-        for (unsigned pass = 0; pass < passes; ++pass) {
-            for (unsigned char& x : state_) {
-                carried = PI_SUBST[carried] ^ x;
-                x = static_cast<unsigned char>(carried);
-            }
-            carried = (carried + pass) % PI_SUBST.size();
-        }
+        for (unsigned pass = 0; pass + 1 < passes; ++pass)
+            carried = (pass_over(state_, carried) + pass) % PI_SUBST.size();
+        // Of what the last pass makes, only this part reaches the next block or the digest.
+        pass_over(std::span(state_).first<block_bytes>(), carried);
     }
 }
 
