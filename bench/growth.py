@@ -8,16 +8,16 @@ PROGRAM and EARLIER are the CmdTessaron of release builds, beside each of which 
 holds `measure` (preset bench). Each curve of curves.py is measured at five sizes, each twice the one
 before: processor time, wall time and peak memory of whole processes, medians of up to five rounds in
 which the commands run in turn. The slope is that of the last three sizes, on scales of logarithms: 1 is
-cost that grows as the work does. Prints the table of docs/performance.md. The exit code is 1 if a figure
-of PROGRAM is worse than its limit allows. --only measures the curves whose names contain PART;
---shrink divides the sizes, for a quick look without a verdict; --accept writes the limits, and the
-picture docs/growth.svg.
+cost that grows as the work does. The exit code is 1 if a figure of PROGRAM is worse than its limit
+allows. --only measures the curves whose names contain PART; --shrink divides the sizes, for a quick look
+without a verdict; --accept writes the limits, and table and picture of docs/performance.md.
 
 It is run by hand, as guard.py, where nothing else runs; it takes about ten minutes.
 """
 import argparse
 import math
 import pathlib
+import re
 import sys
 import tempfile
 
@@ -28,6 +28,9 @@ from picture import draw
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 TABLE = ROOT / "bench/growth.tsv"
 PICTURE = ROOT / "docs/growth.svg"
+PAGE = ROOT / "docs/performance.md"
+HEAD = ("| curve | largest | tessaron | slope | earlier, slope | beside it |\n"
+        "| --- | ---: | ---: | ---: | ---: | --- |\n")
 SUBJECT, EARLIER = "tessaron", "earlier"
 # How much more than its limit a figure may be. Seconds hang on the machine, the others hardly do.
 TOLERANCES = {"seconds": lambda limit: 1.5 * limit, "slope": lambda limit: limit + 0.1,
@@ -123,20 +126,22 @@ def main():
     curves = [curve._replace(largest=curve.largest // options.shrink) for curve in CURVES
               if not options.only or any(part in curve.name for part in options.only)]
     (ROOT / "build").mkdir(exist_ok=True)
-    print("| curve | largest | tessaron | slope | earlier, slope | beside it |")
-    print("| --- | ---: | ---: | ---: | ---: | --- |")
-    found, drawn, worse = {}, [], []
+    print(HEAD, end="")
+    found, drawn, rows, worse = {}, [], [], []
     for curve in curves:
         points = measured(curve, options.programs, options.tools.resolve())
         drawn.append((curve, points))
         found[curve.name] = summary(points)
-        print(row(curve, points), flush=True)
+        rows.append(row(curve, points) + "\n")
+        print(rows[-1], end="", flush=True)
         worse += ["%s: %s %.3g, limit %.3g" % (curve.name, column, found[curve.name][column], limit)
                   for column, limit in allowed.get(curve.name, {}).items()
                   if found[curve.name][column] > TOLERANCES[column](limit)]
     if options.accept:
         write_limits(found)
         PICTURE.write_text(draw(drawn))
+        PAGE.write_text(re.sub(re.escape(HEAD) + r"(\|.*\n)*", lambda _: HEAD + "".join(rows),
+                               PAGE.read_text()))
     if worse:
         sys.exit("worse than the table allows:\n" + "\n".join(worse))
 

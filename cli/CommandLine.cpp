@@ -26,6 +26,7 @@ namespace {
 
 /// The options that are texts until all of the command line is known.
 struct Texts {
+    std::string command;  ///< the first argument
     std::vector<std::string> operands;
     std::vector<std::string> definitions;
     std::vector<std::string> errors;
@@ -351,6 +352,13 @@ void addInspection(CLI::App& command, Request& request, Texts& texts) {
         ->check(CLI::Range(20, 1000).description(""));
 }
 
+/// The options of a command are needed: it is the one that is called, or its help may be printed.
+/// To make those of all takes longer than a small script.
+bool needsOptions(const CLI::App& command, const Texts& texts) {
+    return texts.command == command.get_name() || texts.command == "help" ||
+           texts.command.starts_with("-");
+}
+
 /// Adds the option for the names at addresses.
 void addNames(CLI::App& command, Request& request) {
     command
@@ -361,10 +369,39 @@ void addNames(CLI::App& command, Request& request) {
         ->check(&faultIfEmpty);
 }
 
+void addRun(CLI::App& app, Request& request, Texts& texts) {
+    CLI::App* const run = app.add_subcommand("run", "runs a script");
+    run->footer("Example: tessaron run release.tsn inFile=app.hex --depfile release.d");
+    if (!needsOptions(*run, texts)) return;
+    addCommon(*run, request, texts);
+    addFileOption(*run, "--depfile", request.run.dependencyFile,
+                  "writes the files that the run read, for make and ninja");
+    addDocuments(*run, request.run, "writes what went into the run and came out of it, as JSON",
+                 "writes", "signs the manifest and the other three with this key, as FILE.sig");
+    addFileOption(*run, "--map", request.run.map,
+                  "writes a map of the images, as a picture if FILE ends in .svg");
+    addFileOption(*run, "--report", request.run.report, "writes the same as a page for a browser")
+        ->type_name("FILE.html");
+}
+
+void addCheck(CLI::App& app, Request& request, Texts& texts) {
+    CLI::App* const check = app.add_subcommand(
+        "check", "runs a script in memory: writes nothing and starts no program");
+    check->footer("Example: tessaron check release.tsn inFile=app.hex --against-disk");
+    if (!needsOptions(*check, texts)) return;
+    addCommon(*check, request, texts);
+    check->add_flag("--against-disk", request.run.comparesDisk,
+                    "compares the files on disk with what the script makes today");
+    addDocuments(*check, request.run,
+                 "compares script, inputs and outputs with those that a run has listed", "compares",
+                 "verifies the signatures of what is compared by this key");
+}
+
 void addInfo(CLI::App& app, Request& request, Texts& texts) {
     CLI::App* const info = app.add_subcommand(
         "info", "prints format, areas, start address, digests and oddities of files");
     info->footer("Example: tessaron info app.hex boot.s19 --json");
+    if (!needsOptions(*info, texts)) return;
     info->add_option("files", request.inspection.files, "files of any format, or scripts")
         ->type_name("FILE")
         ->required();
@@ -379,6 +416,7 @@ void addDiff(CLI::App& app, Request& request, Texts& texts) {
     CLI::App* const diff = app.add_subcommand(
         "diff", "prints where two images differ: exit code 0 equal, 1 different, 2 trouble");
     diff->footer("Example: tessaron diff old.hex new.s19 --ignore 0x0800FFFC,4");
+    if (!needsOptions(*diff, texts)) return;
     diff->add_option("files", request.inspection.files, "two files of any format")
         ->type_name("A B")
         ->required()
@@ -401,6 +439,7 @@ void addMap(CLI::App& app, Request& request, Texts& texts) {
     CLI::App* const map =
         app.add_subcommand("map", "draws where files have data in the address space");
     map->footer("Example: tessaron map boot.hex app.hex --svg map.svg");
+    if (!needsOptions(*map, texts)) return;
     map->add_option("files", request.inspection.files, "files of any format")
         ->type_name("FILE")
         ->required();
@@ -456,6 +495,7 @@ void addConvert(CLI::App& app, Request& request, Texts& texts) {
         app.add_subcommand("convert", "converts a file; the endings name the formats");
     convert->footer(
         "Example: tessaron convert app.hex app.bin --crop 0x08000000,0x10000 --fill 0xFF");
+    if (!needsOptions(*convert, texts)) return;
     addPath(*convert, "in", conversion.input, "the file to read", "IN");
     addPath(*convert, "out", conversion.output, "the file to write", "OUT");
     convert->add_option("--crop", texts.crop, "keeps only this area")
@@ -662,26 +702,9 @@ int read(std::span<const char* const> arguments, Request& request) {
     app.set_version_flag("--version", version());
     app.require_subcommand(1);
     Texts texts;
-    CLI::App* const run = app.add_subcommand("run", "runs a script");
-    run->footer("Example: tessaron run release.tsn inFile=app.hex --depfile release.d");
-    addCommon(*run, request, texts);
-    addFileOption(*run, "--depfile", request.run.dependencyFile,
-                  "writes the files that the run read, for make and ninja");
-    addDocuments(*run, request.run, "writes what went into the run and came out of it, as JSON",
-                 "writes", "signs the manifest and the other three with this key, as FILE.sig");
-    addFileOption(*run, "--map", request.run.map,
-                  "writes a map of the images, as a picture if FILE ends in .svg");
-    addFileOption(*run, "--report", request.run.report, "writes the same as a page for a browser")
-        ->type_name("FILE.html");
-    CLI::App* const check = app.add_subcommand(
-        "check", "runs a script in memory: writes nothing and starts no program");
-    check->footer("Example: tessaron check release.tsn inFile=app.hex --against-disk");
-    addCommon(*check, request, texts);
-    check->add_flag("--against-disk", request.run.comparesDisk,
-                    "compares the files on disk with what the script makes today");
-    addDocuments(*check, request.run,
-                 "compares script, inputs and outputs with those that a run has listed", "compares",
-                 "verifies the signatures of what is compared by this key");
+    if (arguments.size() > 1) texts.command = arguments[1];
+    addRun(app, request, texts);
+    addCheck(app, request, texts);
     addInfo(app, request, texts);
     addDiff(app, request, texts);
     addMap(app, request, texts);
@@ -697,7 +720,7 @@ int read(std::span<const char* const> arguments, Request& request) {
         app.parse(static_cast<int>(arguments.size()), arguments.data());
         if (app.got_subcommand("help")) return explain(app, helpNames);
         apply(request, texts);
-        request.run.isCheck = check->parsed();
+        request.run.isCheck = app.got_subcommand("check");
     } catch (const CLI::Success& asked) {
         return answer(app, asked);
     } catch (const CLI::ExtrasError& error) {

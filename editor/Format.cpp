@@ -132,7 +132,7 @@ private:
         addOther(prepared.substr(end));
     }
 
-    /// What is no statement, such as CALCULATE, stays.
+    /// What is not a statement, such as CALCULATE, stays.
     void addOther(std::string_view text) {
         text = trimmed(text);
         if (text.empty()) return;

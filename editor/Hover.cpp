@@ -198,10 +198,9 @@ private:
 
     std::optional<Hover> partHere() const {
         for (const Statement& statement : script_->analysis().statements()) {
-            if (!placeOf(trimmed(statement.text))) continue;
             // The numbers of a list are smaller than the list.
             for (const Part& part : statement.parts)
-                if (const auto hover = numberHere(statement, part)) return hover;
+                if (auto hover = numberHere(statement, part)) return hover;
             for (const Part& part : statement.parts) {
                 const auto place = placeOf(part.text);
                 std::string text = place ? partText(statement, part) : "";

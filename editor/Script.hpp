@@ -95,7 +95,7 @@ public:
     std::string_view text() const { return text_; }
     const Findings& findings() const { return findings_; }
 
-    /// Null for a text that is no script.
+    /// Null for a text that is not a script.
     const Strict::ScriptText* prepared() const { return analysis().text(); }
     const Strict::ScriptAnalysis& analysis() const;
 

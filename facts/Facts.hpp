@@ -424,6 +424,8 @@ struct OverlapRefused {
     std::uint8_t later;
     /// The bytes of the words that the addresses of the file seem to count; 1 if they count bytes.
     std::uint32_t likelyUnit = 1;
+    std::optional<InputFormat> format = {};  ///< of the file; nothing if images overlap
+    std::uint32_t addressUnit = 1;           ///< by which the file was read
     bool operator==(const OverlapRefused&) const = default;
 };
 

@@ -20,13 +20,15 @@ using Buffer::MemoryBuffer;
 
 /// Reports the first address for which the file has two bytes. The readers of records report this
 /// themselves, with the lines.
-void reportConflict(const std::string& path, const Io::Import::TessaronImportApi& reader) {
+void reportConflict(const std::string& path, const Io::Import::TessaronImportApi& reader,
+                    std::uint32_t addressUnit) {
     if (Io::Formats::isOfRecords(Io::Formats::rowOf(reader.getFormat()))) return;
     const auto overlap = reader.findOverlap(true);
     if (!overlap) return;
     Facts::report(Facts::OverlapRefused{
         Facts::Subject::Buffer, path, path, overlap->area.start, overlap->area.end(), true,
-        overlap->firstDifference, overlap->earlier, overlap->later, reader.likelyAddressUnit()});
+        overlap->firstDifference, overlap->earlier, overlap->later, reader.likelyAddressUnit(),
+        reader.getFormat(), addressUnit});
 }
 
 }  // namespace
@@ -53,10 +55,11 @@ std::string formatText(std::optional<Facts::InputFormat> format) {
     return format ? std::string(Io::Formats::rowOf(*format).name) : "no image";
 }
 
-Image imageOf(const std::string& path, Io::Import::TessaronImportApi& reader) {
+Image imageOf(const std::string& path, Io::Import::TessaronImportApi& reader,
+              std::uint32_t addressUnit) {
     Image image{path, reader.getFormat(), MemoryBuffer(0, 0), std::nullopt};
     if (reader.hasStartAddress()) image.startAddress = reader.getStartAddress();
-    reportConflict(path, reader);
+    reportConflict(path, reader, addressUnit);
     if (reader.getDataLength() != 0) image.data = reader.takeMemory();
     return image;
 }
@@ -65,14 +68,14 @@ std::optional<Image> openImage(const std::string& path, std::optional<Facts::Inp
                                const Io::Import::ReadOptions& options) {
     const Io::Formats::AnyFile file = Io::Formats::openAny(path, format, nullptr, options);
     if (file.reader == nullptr) return std::nullopt;
-    return imageOf(path, *file.reader);
+    return imageOf(path, *file.reader, options.addressUnit);
 }
 
 std::unique_ptr<Io::Import::TessaronImportApi> openReader(const std::string& path,
                                                           std::optional<Facts::InputFormat> format,
                                                           const Io::Import::ReadOptions& options) {
     Io::Formats::AnyFile file = Io::Formats::openAny(path, format, nullptr, options);
-    if (file.reader != nullptr) reportConflict(path, *file.reader);
+    if (file.reader != nullptr) reportConflict(path, *file.reader, options.addressUnit);
     return std::move(file.reader);
 }
 
@@ -81,7 +84,7 @@ std::unique_ptr<Io::Import::TessaronImportApi> openSections(
     const auto& elf = Io::Formats::rowOf(Facts::InputFormat::Elf);
     auto reader = elf.openSections(path, Io::openInput(path),
                                    {Buffer::OverlapRule::NotSet, addressUnit}, sections);
-    reportConflict(path, *reader);
+    reportConflict(path, *reader, addressUnit);
     return reader;
 }
 

@@ -56,7 +56,10 @@ std::unique_ptr<Io::Import::TessaronImportApi> openSections(
 
 /// What `reader` has read of the file `path`, which it gives away. Two bytes for one address are
 /// reported; the later one counts.
-Image imageOf(const std::string& path, Io::Import::TessaronImportApi& reader);
+///
+/// @param addressUnit  by which the file is read
+Image imageOf(const std::string& path, Io::Import::TessaronImportApi& reader,
+              std::uint32_t addressUnit = 1);
 
 /// The name of a format for people; "no image" for a file that is not read.
 std::string formatText(std::optional<Facts::InputFormat> format);

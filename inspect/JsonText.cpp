@@ -113,8 +113,8 @@ void JsonText::append(std::string_view text) {
 
 void JsonText::append(std::uint64_t number) {
     std::array<char, 20> digits{};
-    const auto end = std::to_chars(digits.begin(), digits.end(), number).ptr;
-    text_.append(digits.begin(), end);
+    const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    text_.append(digits.data(), end);
 }
 
 void JsonText::open(char bracket) {

@@ -52,6 +52,14 @@ std::vector<LineRun> lineRunsOf(const std::string& path, Facts::InputFormat form
     return collector.takeRuns();
 }
 
+std::vector<std::uint64_t> linesAt(const std::vector<LineRun>& runs, std::uint64_t address) {
+    std::vector<std::uint64_t> lines;
+    for (const LineRun& run : runs)
+        if (run.area.contains({address, 1}))
+            lines.push_back(run.firstLine + (address - run.area.start) / run.bytesPerLine);
+    return lines;
+}
+
 std::uint64_t lineAt(const std::vector<LineRun>& runs, std::uint64_t address,
                      std::uint64_t firstLine, std::uint64_t lastLine) {
     // Runs are in the order of the file, and the first line may lie within one of them.

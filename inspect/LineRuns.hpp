@@ -18,6 +18,9 @@ namespace Inspect {
 std::vector<LineRun> lineRunsOf(const std::string& path, Facts::InputFormat format,
                                 std::uint32_t addressUnit = 1);
 
+/// All lines that gave an address, in the order of the file.
+std::vector<std::uint64_t> linesAt(const std::vector<LineRun>& runs, std::uint64_t address);
+
 /// The line among those from `firstLine` to `lastLine` that gave an address; 0 if none did. Of a
 /// file that gives the address twice, they are the lines of one of its runs.
 std::uint64_t lineAt(const std::vector<LineRun>& runs, std::uint64_t address,

@@ -1,5 +1,7 @@
 #include <array>
-#include <utility>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
 
 #include "inspect/CrcWords.hpp"
 #include "inspect/Digest.hpp"
@@ -69,23 +71,12 @@ void addRange(JsonText& json, const OriginRange& range) {
     json.close();
 }
 
-/// The digests of the whole image, or of what has a byte or a filler if the gaps are too wide: they
-/// would take longer than all the rest of a run.
-Digest imageDigest(const ImageRecord& record) {
-    Buffer::AreaList areas;
-    for (const OriginRange& range : record.ranges) areas.push_back(range.area);
-    return record.image->getDataLength() - byteCount(areas) > widestGaps
-               ? digestOf(*record.image, areas)
-               : digestOf(*record.image);
-}
-
 void addImage(JsonText& json, const ImageRecord& record) {
     json.openObject();
     json.addText("name", record.name);
     json.addArea(record.image->getArea());
-    const Digest digest = imageDigest(record);
-    json.addText("crc32", Util::hexWord(digest.crc32));
-    json.addText("sha256", digest.sha256);
+    json.addText("crc32", Util::hexWord(record.digest.crc32));
+    json.addText("sha256", record.digest.sha256);
     if (record.startAddress) json.addText("startAddress", addressText(*record.startAddress));
     json.openList("ranges");
     for (const OriginRange& range : record.ranges) addRange(json, range);
@@ -99,7 +90,7 @@ void addAlgorithm(JsonText& json, const Algorithm& algorithm) {
     if (!algorithm.meaning.empty()) json.addText("meaning", algorithm.meaning);
     if (algorithm.crc) {
         const Util::Crc::CrcParameters& crc = *algorithm.crc;
-        json.addNumber("width", crc.width);
+        json.addNumber("width", static_cast<std::uint64_t>(crc.width));
         json.addText("poly", crcNumberText(crc.polynomial, crc.width));
         json.addText("init", crcNumberText(crc.initial, crc.width));
         json.addFlag("refin", crc.isInputReflected);
@@ -163,6 +154,14 @@ void addList(JsonText& json, const char* name, const std::vector<Entry>& entries
 }
 
 }  // namespace
+
+Digest digestOf(const ImageRecord& record) {
+    Buffer::AreaList areas;
+    for (const OriginRange& range : record.ranges) areas.push_back(range.area);
+    return record.image->getDataLength() - byteCount(areas) > widestGaps
+               ? digestOf(*record.image, areas)
+               : digestOf(*record.image);
+}
 
 std::string manifestOf(const RunRecord& record) {
     JsonText json;

@@ -9,6 +9,7 @@
 
 #include "buffer/Area.hpp"
 #include "buffer/MemoryBuffer.hpp"
+#include "inspect/Digest.hpp"
 #include "inspect/Info.hpp"
 #include "inspect/Map.hpp"
 #include "util/crc/CrcParameters.hpp"
@@ -62,6 +63,7 @@ struct ImageRecord {
     const Buffer::MemoryBuffer* image = nullptr;
     std::vector<OriginRange> ranges;            ///< ascending, without overlap; gaps are left out
     std::optional<std::uint64_t> startAddress;  ///< of the program, that its input file names
+    Digest digest = {};                         ///< as `digestOf` has it, if it is wanted
 };
 
 /// What computes a CRC, a hash or a signature.
@@ -118,11 +120,15 @@ struct RunRecord {
     std::vector<Remark> remarks;
 };
 
+/// The digests of the whole image, or of what has a byte or a filler if the gaps are too wide: they
+/// would take longer than all the rest of a run.
+Digest digestOf(const ImageRecord& record);
+
 /// The image as a row of a map.
 MapRow rowOf(const ImageRecord& image);
 
 /// The record as JSON, see docs/manifest.schema.json: no time, and no path that depends on the
-/// machine unless a script gives one.
+/// machine unless a script gives one. The images have their digests.
 std::string manifestOf(const RunRecord& record);
 
 /// The record as a page that needs nothing else.

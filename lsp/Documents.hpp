@@ -65,7 +65,7 @@ public:
     Document* find(const std::string& uri);
     const Document* withPath(const std::string& path) const;
 
-    /// What is known of a script; null of one that is too long or no script at all.
+    /// What is known of a script; null of one that is too long.
     std::shared_ptr<const Editor::Script> script(Document& document);
     std::shared_ptr<const Editor::Mentions> mentions(Document& document);
 
@@ -82,7 +82,7 @@ public:
     std::map<std::string, Document>& all() { return all_; }
 
 private:
-    void forget(Document& document);
+    static void forget(Document& document);
     void forgetUsersOf(const std::string& path);
     void limit(const Document& kept);
     std::size_t lengthOfAll() const;

@@ -10,7 +10,7 @@ namespace Lsp {
 /// Cuts a stream into the messages of the base protocol of LSP: a header with Content-Length, an
 /// empty line, and so many bytes. Takes the bytes as they arrive, in pieces of any size.
 ///
-/// What is no header is skipped up to the next line that begins one. Memory is bounded by the
+/// What is not a header is skipped up to the next line that begins one. Memory is bounded by the
 /// longest message, whatever arrives.
 class MessageReader {
 public:

@@ -33,7 +33,7 @@ Strict::ExitCode serve(std::ostream& output, std::ostream& errors) {
         } else if (outcome == MessageReader::Outcome::TooLong) {
             send(output, Session::complain("a message of more than 32 MiB was left out"));
         } else if (outcome == MessageReader::Outcome::Garbage) {
-            send(output, Session::complain("what is no message was left out"));
+            send(output, Session::complain("what is not a message was left out"));
         } else {
             for (const std::string& due : session.update()) send(output, due);
             output.flush();

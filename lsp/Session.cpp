@@ -97,7 +97,7 @@ std::optional<std::string> Session::dispatch(const Json& message) {
     const Json& id = memberOf(message, "/id");
     const Json& method = memberOf(message, "/method");
     if (!message.is_object() || (!id.is_null() && !isId(id)))
-        return textOf(errorFor(nullptr, ErrorCode::InvalidRequest, "this is no message"));
+        return textOf(errorFor(nullptr, ErrorCode::InvalidRequest, "this is not a message"));
     if (!method.is_string()) {
         // The client answers requests of the server, which has none.
         if (message.contains("result") || message.contains("error")) return std::nullopt;

@@ -20,7 +20,7 @@ public:
     /// What is due once no message waits any more: diagnostics of the scripts that have changed.
     std::vector<std::string> update();
 
-    /// Tells the client of bytes that are no message.
+    /// Tells the client of bytes that are not a message.
     static std::string complain(std::string_view what);
 
     /// The client has said that it ends.

@@ -44,6 +44,7 @@ for purpose in "$@"; do
         bench) wanted="$wanted $bench" ;;
         libcxx) wanted="$wanted $libcxx" ;;
         package) wanted="$wanted $package" ;;
+        container) wanted="$wanted $build git" ;;
         aarch64) wanted="$wanted $aarch64"; sources=yes ;;
         windows) wanted="$wanted $windows"; sources=yes ;;
         *) echo "setup.sh: what is '$purpose'?" >&2; exit 2 ;;

@@ -334,7 +334,7 @@ private:
                                    &execution.context(), &execution.provenance(), &files_,
                                    recipeFolders()};
         const RecordDetails details{!options_.report.empty() || options_.comparesDisk,
-                                    !options_.billOfMaterials.empty()};
+                                    !options_.billOfMaterials.empty(), !options_.manifest.empty()};
         Inspect::RunRecord record = recordOf(finished, details);
         remarks_.finish();
         record.remarks = std::move(remarks_.remarks);

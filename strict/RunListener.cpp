@@ -5,6 +5,7 @@
 #include <type_traits>
 #include <variant>
 
+#include "inspect/Words.hpp"
 #include "strict/diagnostics/FieldWords.hpp"
 #include "strict/record/Provenance.hpp"
 
@@ -39,12 +40,23 @@ void RunListener::reportField(const FieldFact& fact) {
         reports_->report(words.kind, std::move(words.text), {Parser::Role::InputFile},
                          std::move(words.hint), {}, words.count);
     else
-        reports_->reportInput(
-            {words.kind, std::move(words.text), placeOf(words), std::move(words.hint)});
+        reports_->reportInput({words.kind, std::move(words.text), placeOf(words),
+                               std::move(words.hint), notesOn(fact)});
 }
 
-/// Where bytes that differ, or a signature that is wrong, come from.
+/// What is at an address of which a file has two bytes.
+std::vector<Note> RunListener::notesOn(const FieldFact& fact) const {
+    const auto* const conflict = std::get_if<RecordsConflict>(&fact);
+    if (conflict == nullptr || provenance_ == nullptr) return {};
+    const std::string name = provenance_->givenNameAt(conflict->address);
+    if (name.empty()) return {};
+    return {{Inspect::addressText(conflict->address) + " is in " + name}};
+}
+
+/// Where bytes that differ or overlap, or a signature that is wrong, come from.
 std::vector<Note> RunListener::notesOn(const Fact& fact) const {
+    if (const auto* const refused = std::get_if<OverlapRefused>(&fact))
+        return provenance_ == nullptr ? notesOnLines(*refused, "") : provenance_->notesOn(*refused);
     if (provenance_ == nullptr) return {};
     if (std::holds_alternative<SignatureWrong>(fact)) return provenance_->notesOnValue();
     const auto* const differs = std::get_if<ImageDiffers>(&fact);

@@ -39,6 +39,7 @@ public:
 
 private:
     void reportField(const Facts::FieldFact& fact);
+    std::vector<Note> notesOn(const Facts::FieldFact& fact) const;
     std::vector<Note> notesOn(const Facts::Fact& fact) const;
 
     StatementReports* reports_;

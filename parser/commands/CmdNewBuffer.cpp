@@ -254,7 +254,7 @@ std::optional<MemoryBuffer> CmdNewBuffer::readFile(const CmdContext& context, Ar
     if (overlapRule_ == OverlapRule::First) reader->preferFirst();
     if (isRefusing(overlapRule_) || isWhole())
         if (const auto overlap = reader->findOverlap(overlapRule_ != OverlapRule::Error))
-            if (refuses(overlapRule_, *overlap, fileName_, target(), reader->likelyAddressUnit()))
+            if (refuses(overlapRule_, *overlap, fileName_, *reader, addressUnit(), target()))
                 return std::nullopt;
     if (context.observer != nullptr) context.observer->onRead(*this, *reader, range);
     MemoryBuffer result(range.start, range.length);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
+#include <optional>
 
 #include "facts/Listener.hpp"
 
@@ -43,16 +44,41 @@ std::vector<Group> groupsOf(const std::vector<NamedImage>& images) {
     return groups;
 }
 
+/// What a rule refuses in an overlap; nothing if it is allowed.
+std::optional<Facts::OverlapRefused> refusedBy(OverlapRule rule, const Buffer::Overlap& overlap,
+                                               std::string_view source,
+                                               const LayeringTarget& target) {
+    const bool isDifferent = overlap.differences != 0;
+    if (rule == OverlapRule::Same && !isDifferent) return std::nullopt;
+    return Facts::OverlapRefused{target.subject,
+                                 target.name,
+                                 source,
+                                 overlap.area.start,
+                                 overlap.area.end(),
+                                 isDifferent,
+                                 isDifferent ? overlap.firstDifference : overlap.area.start,
+                                 overlap.earlier,
+                                 overlap.later};
+}
+
 }  // namespace
 
 bool refuses(OverlapRule rule, const Buffer::Overlap& overlap, std::string_view source,
-             const LayeringTarget& target, std::uint32_t likelyUnit) {
-    const bool isDifferent = overlap.differences != 0;
-    if (rule == OverlapRule::Same && !isDifferent) return false;
-    Facts::report(Facts::OverlapRefused{target.subject, target.name, source, overlap.area.start,
-                                        overlap.area.end(), isDifferent,
-                                        isDifferent ? overlap.firstDifference : overlap.area.start,
-                                        overlap.earlier, overlap.later, likelyUnit});
+             const LayeringTarget& target) {
+    const auto refused = refusedBy(rule, overlap, source, target);
+    if (refused) Facts::report(*refused);
+    return refused.has_value();
+}
+
+bool refuses(OverlapRule rule, const Buffer::Overlap& overlap, std::string_view path,
+             const Io::Import::TessaronImportApi& file, std::uint32_t addressUnit,
+             const LayeringTarget& target) {
+    auto refused = refusedBy(rule, overlap, path, target);
+    if (!refused) return false;
+    refused->likelyUnit = file.likelyAddressUnit();
+    refused->format = file.getFormat();
+    refused->addressUnit = addressUnit;
+    Facts::report(*refused);
     return true;
 }
 

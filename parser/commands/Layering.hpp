@@ -9,6 +9,7 @@
 #include "buffer/MemoryBuffer.hpp"
 #include "buffer/Overlap.hpp"
 #include "facts/Facts.hpp"
+#include "io/import/TessaronImportApi.hpp"
 
 /// Images that are laid over each other by a rule, as NEW_BUFFER and WRITE_FILE do it.
 namespace Parser::WrapperLib {
@@ -28,10 +29,15 @@ bool lay(Buffer::MemoryBuffer& result, const Buffer::MemoryBuffer& part, Buffer:
          std::string_view source, const LayeringTarget& target);
 
 /// Reports the overlap and returns true if the rule refuses it.
-///
-/// @param likelyUnit  the bytes of the words that the addresses of a file seem to count
 bool refuses(Buffer::OverlapRule rule, const Buffer::Overlap& overlap, std::string_view source,
-             const LayeringTarget& target, std::uint32_t likelyUnit = 1);
+             const LayeringTarget& target);
+
+/// The same for an overlap within a file.
+///
+/// @param addressUnit  by which the file was read
+bool refuses(Buffer::OverlapRule rule, const Buffer::Overlap& overlap, std::string_view path,
+             const Io::Import::TessaronImportApi& file, std::uint32_t addressUnit,
+             const LayeringTarget& target);
 
 /// The rule looks for overlaps that it refuses.
 constexpr bool isRefusing(Buffer::OverlapRule rule) {

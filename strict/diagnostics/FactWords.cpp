@@ -366,7 +366,7 @@ Words words(const OverlapRefused& f, const Circumstances& c) {
              std::string(f.source) + " has " + Util::hexByte(f.later) + " at " +
                  addressText(f.address) + ", written before as " + Util::hexByte(f.earlier) +
                  ", within " + range,
-             {Role::Overlap}}};
+             {Role::Overlap, Role::InputFile}}};
 }
 
 Words words(const ImageDiffers& f, const Circumstances& /*c*/) {

@@ -73,7 +73,7 @@ public:
         : files_(&files), output_(&output), file_(std::move(file)) {}
 
     bool write(std::string_view bytes) override {
-        if (output_->digest != nullptr) files_->digests_->outputs.take(*output_->digest, bytes);
+        if (output_->digest != nullptr) files_->digests_->take(*output_->digest, bytes);
         if (!file_) {
             output_->keep(bytes);
             return true;
@@ -183,8 +183,8 @@ void RunFiles::noteContent(File& file, const Platform::InputFile& opened) {
         return state && content.state == state && content.programs == programs_;
     });
     if (isKnown) return;
-    Content content{state, programs_, DigestThread::begin()};
-    digests_->inputs.takeFile(*content.digest, opened);
+    Content content{state, programs_, DigestPool::begin()};
+    digests_->takeFile(*content.digest, opened);
     file.contents.push_back(std::move(content));
 }
 
@@ -277,7 +277,7 @@ std::unique_ptr<Io::OutputStream> RunFiles::addUncreated(Output output) {
 
 std::unique_ptr<Io::OutputStream> RunFiles::addOutput(Output output,
                                                       std::optional<Platform::OutputFile> file) {
-    if (hasOutputDigests_) output.digest = DigestThread::begin();
+    if (hasOutputDigests_) output.digest = DigestPool::begin();
     all_.push_back(std::move(output));
     all_.back().file->newest = &all_.back();
     return std::make_unique<Stream>(*this, all_.back(), std::move(file));
@@ -375,7 +375,7 @@ int RunFiles::runProgram(const std::string& location, const std::string& argumen
         return 0;
     }
     // It may change what has been read, whose bytes must be in the digests before.
-    if (digests_ != nullptr) digests_->inputs.wait();
+    if (digests_ != nullptr) digests_->wait();
     if (const auto failure = commit()) {
         noteReason(location, "cannot write " + failure->path + ": " + failure->reason);
         return -1;
@@ -388,7 +388,7 @@ int RunFiles::runProgram(const std::string& location, const std::string& argumen
 std::vector<FileDigest> RunFiles::inputDigests(const std::string& path) {
     std::vector<FileDigest> digests;
     for (const Content& content : fileAt(path).contents) {
-        const FileDigest digest = digests_->inputs.finish(*content.digest);
+        const FileDigest digest = digests_->finish(*content.digest);
         const bool isKnown = std::ranges::any_of(
             digests, [&](const FileDigest& known) { return known.sha256 == digest.sha256; });
         if (!isKnown) digests.push_back(digest);
@@ -400,7 +400,7 @@ std::vector<std::string> RunFiles::changedInputs() {
     std::vector<std::string> changed;
     for (const File& file : files_) {
         const bool hasChanged = std::ranges::any_of(file.contents, [this](const Content& content) {
-            return digests_->inputs.finish(*content.digest).hasChanged;
+            return digests_->finish(*content.digest).hasChanged;
         });
         if (hasChanged) changed.push_back(*file.inputPath);
     }
@@ -412,7 +412,7 @@ FileDigest RunFiles::outputDigest(const std::string& path) {
     if (output == nullptr || output->digest == nullptr) return {};
     // Only for a program was it put in place yet, and the program may have changed it.
     if (output->isInPlace && output->temporary) return digestOfFile(path);
-    return digests_->outputs.finish(*output->digest);
+    return digests_->finish(*output->digest);
 }
 
 bool RunFiles::isStream(const std::string& path) {

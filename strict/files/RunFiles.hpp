@@ -12,7 +12,7 @@
 
 #include "io/Host.hpp"
 #include "platform/Replace.hpp"
-#include "strict/files/DigestThread.hpp"
+#include "strict/files/DigestPool.hpp"
 #include "strict/files/FileComparison.hpp"
 #include "strict/files/SourceDate.hpp"
 
@@ -103,7 +103,7 @@ public:
 
     /// Lets digests be computed from now on, while the files are read and written.
     void keepDigests(DigestsOf files = DigestsOf::All) {
-        digests_ = std::make_unique<Digests>();
+        digests_ = std::make_unique<DigestPool>();
         hasOutputDigests_ = files == DigestsOf::All;
     }
 
@@ -123,6 +123,9 @@ public:
     ///
     /// @throws std::bad_alloc  if the memory did not suffice for it
     FileDigest outputDigest(const std::string& path);
+
+    /// The threads that compute the digests, for other work at the end of a run.
+    DigestPool& threads() { return *digests_; }
 
     /// Opens what a statement has read once more: an input in the state in which it was read, or
     /// what this run has written. Nothing if the input has changed since.
@@ -187,8 +190,8 @@ private:
         bool isKept = false;                            ///< in memory
         std::optional<FileComparison> comparison = {};  ///< while it is written
         FileMatch match = FileMatch::Missing;
-        std::shared_ptr<DigestThread::Digest> digest = {};  ///< null if nobody wants it
-        bool isComplete = false;                            ///< all was written, and it was closed
+        std::shared_ptr<DigestPool::Digest> digest = {};  ///< null if nobody wants it
+        bool isComplete = false;                          ///< all was written, and it was closed
         bool isInPlace = false;
 
         void keep(std::string_view bytes);
@@ -199,7 +202,7 @@ private:
     struct Content {
         std::optional<Platform::FileState> state;  ///< none for a file that is not regular
         unsigned programs;                         ///< that had been started before
-        std::shared_ptr<DigestThread::Digest> digest;
+        std::shared_ptr<DigestPool::Digest> digest;
     };
     struct Use {
         FileRole role;
@@ -214,10 +217,6 @@ private:
         Output* newest = nullptr;
 
         bool isInput() const;
-    };
-    struct Digests {
-        DigestThread inputs;
-        DigestThread outputs;
     };
 
     File& fileAt(const std::string& path);
@@ -248,7 +247,7 @@ private:
     std::vector<std::string> inputs_;
     std::vector<std::string> outputs_;
     std::vector<std::string> busyFolders_;
-    std::unique_ptr<Digests> digests_;  ///< null if nobody wants them
+    std::unique_ptr<DigestPool> digests_;  ///< null if nobody wants them
     bool hasOutputDigests_ = false;
 };
 

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "inspect/Json.hpp"
-#include "strict/files/DigestThread.hpp"
+#include "strict/files/DigestPool.hpp"
 
 namespace Strict {
 

@@ -62,6 +62,16 @@ std::string firstDifferences(const MemoryBuffer& earlier, const MemoryBuffer& la
     return text;
 }
 
+/// A line of a file, or for 0 all of it.
+Place placeIn(const std::string& file, std::uint64_t line) {
+    return {file, static_cast<std::size_t>(line), 0, "", 0, 0};
+}
+
+/// Where a byte comes from: its place, and the name of what is there.
+Note noteOn(const std::string& what, Place place, const std::string& name) {
+    return {what + " " + (name.empty() ? "here" : name), std::move(place)};
+}
+
 /// All fillers of the area are 0, as where nothing was laid: those of a later source count then.
 bool isOfZeros(const MemoryBuffer& image, const Area& area) {
     const auto elements = image.viewRange(area.start, area.length);
@@ -96,7 +106,36 @@ void addGaps(AreaList& gaps, const MemoryBuffer& image, const Area& area,
     }
 }
 
+/// None if the file is gone, or is another one by now.
+std::vector<Inspect::LineRun> knownLineRuns(const std::string& file, Facts::InputFormat format,
+                                            std::uint32_t addressUnit) {
+    Facts::Unheard unheard;
+    const Facts::ListenerScope listening(unheard);
+    try {
+        return Inspect::lineRunsOf(file, format, addressUnit);
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
 }  // namespace
+
+std::vector<Note> notesOnLines(const Facts::OverlapRefused& refused, const std::string& name) {
+    constexpr std::size_t mostLines = 4;
+    if (!refused.format) return {};
+    const std::string file(refused.source);
+    std::vector<Note> notes;
+    for (const std::uint64_t line : Inspect::linesAt(
+             knownLineRuns(file, *refused.format, refused.addressUnit), refused.address)) {
+        if (notes.size() == mostLines) break;
+        notes.push_back(
+            noteOn(notes.empty() ? "the earlier byte comes from" : "a later byte comes from",
+                   placeIn(file, line), name));
+    }
+    if (notes.empty() && !name.empty())
+        notes.push_back(noteOn("these bytes are in", placeIn(file, 0), name));
+    return notes;
+}
 
 void Provenance::enter(const Parser::Statement& statement) {
     if (const Parser::Part* const made = statement.last(Parser::makesValue))
@@ -238,14 +277,7 @@ void Provenance::onOverlay(const CmdNewBuffer& statement, const MemoryBuffer& im
 const std::vector<Inspect::LineRun>& Provenance::lineRunsOf(const Source& source) const {
     const Origin& origin = originOf(source);
     const auto [lines, isNew] = lines_.try_emplace({origin.file, origin.addressUnit});
-    if (!isNew) return lines->second;
-    Facts::Unheard unheard;
-    const Facts::ListenerScope listening(unheard);
-    try {
-        lines->second = Inspect::lineRunsOf(origin.file, origin.format, origin.addressUnit);
-    } catch (const std::exception&) {
-        // The file is gone, or is another one by now: none of its lines is known.
-    }
+    if (isNew) lines->second = knownLineRuns(origin.file, origin.format, origin.addressUnit);
     return lines->second;
 }
 
@@ -288,6 +320,10 @@ bool Provenance::areGivenNamesOf(const Origin& origin) const {
     return !names_.isEmpty() && origin.addressUnit == 1;
 }
 
+std::string Provenance::givenNameAt(std::uint64_t address) const {
+    return reports_->statement().has(Role::AddressUnit) ? "" : names_.at(address);
+}
+
 bool Provenance::mayHaveNames(const Origin& origin) const {
     return areGivenNamesOf(origin) || origin.format == Facts::InputFormat::Elf;
 }
@@ -325,13 +361,11 @@ Note Provenance::originNote(const char* what, const OriginMap& origins,
         found == nullptr ? std::nullopt : byteAt(found->source, address - found->moved);
     if (!byte) return {what, std::nullopt};
     const Origin& origin = originOf(sources_[byte->source]);
-    if (origin.file.empty()) return {what, origin.statement};
+    if (origin.file.empty()) return noteOn(what, origin.statement, "");
     const std::uint64_t line = linesOf({{byte->address, 1}, byte->source, 0}).first;
-    const std::string name = namesOf(origin).at(byte->address);
-    Note note{what, Place{origin.file, static_cast<std::size_t>(line), 0, "", 0, 0}};
-    if (!name.empty()) note.text += " " + name;
-    if (line == 0) note.text += (name.empty() ? " " : " of ") + origin.file;
-    return note;
+    std::string name = namesOf(origin).at(byte->address);
+    if (line == 0) name += (name.empty() ? "" : " of ") + origin.file;
+    return noteOn(what, placeIn(origin.file, line), name);
 }
 
 /// Nothing where no name can be.
@@ -369,6 +403,24 @@ Note Provenance::noteOf(const char* what, const std::string& image, std::uint64_
     if (found == images_.end()) return {what, std::nullopt};
     const bool isWritten = found->second.written.find(address) != nullptr;
     return originNote(what, isWritten ? found->second.written : found->second.fillers, address);
+}
+
+std::vector<Note> Provenance::notesOn(const Facts::OverlapRefused& refused) const {
+    if (refused.format) {
+        const Inspect::Names& names =
+            namesOf(Origin{std::string(refused.source), *refused.format, {}, refused.addressUnit});
+        return notesOnLines(refused, names.at(refused.address));
+    }
+    // The image before the refused one that has written the address last.
+    std::string earlier(refused.source);
+    for (const Parser::Part& part : reports_->statement().all(Role::UsesImage)) {
+        if (part.text == refused.source) break;
+        const auto image = images_.find(std::string(part.text));
+        if (image != images_.end() && image->second.written.find(refused.address) != nullptr)
+            earlier = part.text;
+    }
+    return {noteOf("the earlier byte comes from", earlier, refused.address),
+            noteOf("the later byte comes from", std::string(refused.source), refused.address)};
 }
 
 std::vector<Note> Provenance::notesOn(const Facts::ImageDiffers& difference) const {

@@ -22,6 +22,12 @@
 
 namespace Strict {
 
+/// Notes on the lines of a file that gave the first byte of an overlap that a statement refuses,
+/// or, where the file has no lines, on what is there.
+///
+/// @param name  of what is at that address; empty if nobody knows
+std::vector<Note> notesOnLines(const Facts::OverlapRefused& refused, const std::string& name);
+
 /// Knows where every byte of every image of a run came from, and reports what got lost on the way:
 /// bytes that another source replaced, that were cropped or wiped, and addresses that a checksum
 /// covers though nothing gave them a byte.
@@ -85,6 +91,10 @@ public:
     /// Without them, the symbols of an ELF file name the bytes that come from it.
     void setNames(Inspect::Names names) { names_ = std::move(names); }
 
+    /// The given name of what the file that the statement reads has at an address; empty if nobody
+    /// knows.
+    std::string givenNameAt(std::uint64_t address) const;
+
     /// The statement is about to run.
     void enter(const Parser::Statement& statement);
 
@@ -113,6 +123,10 @@ public:
 
     /// A note on where the value that the statement uses is made; none if it uses none.
     std::vector<Note> notesOnValue() const;
+
+    /// Notes on what gave two images, or two lines of a file, a byte of an overlap that a statement
+    /// refuses.
+    std::vector<Note> notesOn(const Facts::OverlapRefused& refused) const;
 
     /// Notes on what gave both sides of a comparison their first byte that differs.
     std::vector<Note> notesOn(const Facts::ImageDiffers& difference) const;

@@ -63,13 +63,22 @@ public:
         InputsAsRead inputs(*run_->files);
         const Io::HostScope hosting(inputs);
         addInputs();
+        addImages();
         const StatementList& statements = run_->program->statements();
         for (std::size_t i = 0; i < statements.size(); ++i)
             addStatement(statements[i], *run_->program->commands()[i]);
         if (flow_) addSourcesOfAll();
         addVariables();
+        if (details_.hasImageDigests) run_->files->threads().wait();
         return std::move(record_);
     }
+
+    /// The threads may be at the images still.
+    ~Recorder() {
+        if (details_.hasImageDigests) run_->files->threads().settle();
+    }
+    Recorder(const Recorder&) = delete;
+    Recorder& operator=(const Recorder&) = delete;
 
 private:
     Place placeOf(const Statement& statement) const {
@@ -152,12 +161,20 @@ private:
 
     void addStatement(const Statement& statement, const CmdApi& command) {
         if (flow_) flow_->follow(statement);
-        if (const Part* const image = statement.last(Role::MakesImage))
-            addImage(std::string(image->text));
         if (statement.roles.hasAny(Parser::makesValue))
             addValue(statement, static_cast<const CmdNewValue&>(command));
         if (statement.has(Role::ChangesImage)) addPlaces(statement);
         if (statement.has(Role::OutputFile)) addOutput(statement);
+    }
+
+    /// Adds the images, and lets their digests be computed beside those of the outputs.
+    void addImages() {
+        for (const Statement& statement : run_->program->statements())
+            if (const Part* const image = statement.last(Role::MakesImage))
+                addImage(std::string(image->text));
+        if (!details_.hasImageDigests) return;
+        for (Inspect::ImageRecord& image : record_.images)
+            run_->files->threads().takeWork([&image] { image.digest = Inspect::digestOf(image); });
     }
 
     void addImage(const std::string& name) {
@@ -165,7 +182,7 @@ private:
         const auto origins = run_->provenance->images().find(name);
         if (image == run_->context->buffers.end() || origins == run_->provenance->images().end())
             return;
-        Inspect::ImageRecord entry{name, &image->second, {}, origins->second.startAddress};
+        Inspect::ImageRecord entry{name, &image->second, {}, origins->second.startAddress, {}};
         const OriginMap& written = origins->second.written;
         entry.ranges.reserve(written.ranges().size() + origins->second.fillers.ranges().size());
         for (const auto& [start, range] : written.ranges()) {

@@ -32,7 +32,8 @@ struct RecordDetails {
     /// Which line of an input file gave which address, which reads the file once more, and what
     /// has names.
     bool hasLines = false;
-    bool hasSources = false;  ///< on which inputs each output depends
+    bool hasSources = false;       ///< on which inputs each output depends
+    bool hasImageDigests = false;  ///< which takes as long as to read the images
 };
 
 /// What went into the run and what came out of it. The remarks are left to the caller, and the

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Formats the scripts of all cases: formatted_cases.py CmdTessaron tessaron
 
-- A formatted script is its own format, and has the characters of the script that are no blanks. A
+- A formatted script is its own format, and has the characters of the script that are not blanks. A
   script that does not parse stays as it is, byte for byte.
 - CmdTessaron, which knows nothing of the format, prints and writes the same under both: each case of
   tests/scripts passes with its script formatted.

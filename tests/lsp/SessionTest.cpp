@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <map>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <tuple>
@@ -136,6 +137,33 @@ TEST(SessionTest, ShowsDiagnosticsOfTheTextAtThatMoment) {
     EXPECT_EQ(client.diagnostics().back()["message"].get<std::string>().substr(0, 9), "expected ");
     client.tell("textDocument/didClose", {{"textDocument", {{"uri", uri}}}});
     EXPECT_EQ(client.ask("textDocument/hover", at(0, 0))["code"], -32602);
+}
+
+TEST(SessionTest, KnowsTheScriptsThatIncludeAFile) {
+    constexpr const char* part = "untitled:part.tsn";
+    Client client;
+    client.open("NEW_BUFFER @App FROM_VALUES { 1 }\nINCLUDE part.tsn\nPRINT_CRC @Crc\n");
+    EXPECT_EQ(client.diagnostics()[0]["code"], "cannot-open");
+    client.tell("textDocument/didOpen",
+                {{"textDocument", {{"uri", part}, {"text", "NEW_CRC @Crc FROM_BUFFER @App\n"}}}});
+    // Both are due: the part alone has no image, and the script is whole now.
+    std::map<std::string, std::size_t> found;
+    for (const std::string& message : client.session.update()) {
+        const Json params = Json::parse(message)["params"];
+        found[params["uri"]] = params["diagnostics"].size();
+    }
+    EXPECT_EQ(found, (std::map<std::string, std::size_t>{{uri, 0}, {part, 1}}));
+    Json place = at(0, 27);
+    place["textDocument"]["uri"] = part;
+    EXPECT_EQ(client.ask("textDocument/definition", place),
+              (Json{{"uri", uri}, {"range", range(0, 11, 0, 15)}}));
+    place["position"]["character"] = 9;
+    place["newName"] = "@Sum";
+    const Json changes = client.ask("textDocument/rename", place)["changes"];
+    EXPECT_EQ(changes[part][0]["range"], range(0, 8, 0, 12));
+    EXPECT_EQ(changes[uri][0]["range"], range(2, 10, 2, 14));
+    client.tell("textDocument/didClose", {{"textDocument", {{"uri", part}}}});
+    EXPECT_EQ(client.diagnostics()[0]["code"], "cannot-open");
 }
 
 TEST(SessionTest, CountsInBytesIfTheClientDoes) {

@@ -131,14 +131,14 @@ class CommandLines(unittest.TestCase):
         run("convert", "sound.hex", "back.hex", "--offset=-4294967292")
         self.assertIn(HEX.split()[0], pathlib.Path("back.hex").read_text())
         run("run", "s.tsn", "--error", "syntax", "--symbol", "X=in.hex:s", code=1)
-        # Before the operands, an option has one value.
+        # Before the operands, an option has one value, also where more operands come than there must be.
         for option in (("--error", "overlap"), ("--warn", "overlap"), ("--ignore", "overlap"),
                        ("-D", "@a=@b"), ("-C", ".")):
-            run("run", *option, "s.tsn")
+            run("run", *option, "s.tsn", "@a=@c")
         for command in ("info", "map"):
-            run(command, "--from", "IntelHex", "in.hex")
-            run(command, "--error", "overlap", "in.hex")
-            run(command, "--elf", "in.hex", "in.hex", code=1)
+            run(command, "--from", "IntelHex", "in.hex", "in.hex")
+            run(command, "--error", "overlap", "in.hex", "in.hex")
+            self.assertNotIn("once for all", run(command, "--elf", "in.hex", "in.hex", "in.hex", code=1))
         run("diff", "--from", "IntelHex", "--warn", "overlap", "in.hex", "in.hex")
         run("convert", "--interleave", "1", "--with", "in.hex", "in.hex", "bus.hex")
         run("convert", "in.hex", "sound.hex", "--fill", "0", "--align", "1", "--fill-gaps", "0xFFFFFFFF")

@@ -51,7 +51,7 @@ public:
 
     Inspect::RunRecord record(bool withDetails = false) {
         return recordOf({"script digest", &variables, &program_, &context_, &provenance_, &files},
-                        {.hasLines = withDetails});
+                        {.hasLines = withDetails, .hasImageDigests = true});
     }
 
     /// Says in `sink` where the outputs differ from the files on disk.
@@ -387,7 +387,7 @@ TEST_F(RecordTest, ThePageOfARunListsUpToALimit) {
     const auto pageOf = [this](unsigned ranges) {
         std::string lines;
         for (unsigned i = 0; i < ranges; ++i) {
-            const std::string head = "01" + Util::hexNumber(2 * i, 4) + "00" + "00";
+            const std::string head = "01" + Util::hexNumber(std::uint64_t{2} * i, 4) + "00" + "00";
             const unsigned sum = 1 + (2 * i >> 8U) + (2 * i & 0xFFU);
             lines +=
                 ":" + head + Util::hexByte(static_cast<std::uint8_t>(0x100 - (sum & 0xFFU))) + "\n";

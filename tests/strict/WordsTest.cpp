@@ -172,7 +172,7 @@ std::vector<FactRow> imageRows() {
          {{Kind::Conflict,
            "@b has FE at 0x00000014, written before as 01, within the addresses 0x00000010 to "
            "0x0000001F",
-           {Role::Overlap}}}},
+           {Role::Overlap, Role::InputFile}}}},
         {OverlapRefused{Subject::Buffer, "@a", "@b", 0x10, 0x20, false, 0x10, 0, 0},
          {{Kind::Conflict,
            "@b writes the addresses 0x00000010 to 0x0000001F a second time, with equal bytes",

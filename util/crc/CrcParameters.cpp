@@ -5,6 +5,7 @@
 #include <climits>
 #include <cstddef>
 
+#include "util/crc/Crc32Instructions.hpp"
 #include "util/crc/CrcFolding.hpp"
 #include "util/crc/CrcRegister.hpp"
 
@@ -48,8 +49,11 @@ std::uint64_t forwardRegister(const CrcParameters& crc, Bytes data) {
 std::uint64_t reflectedRegister(const CrcParameters& crc, Bytes data) {
     const auto polynomial = reflected(static_cast<std::uint64_t>(crc.polynomial), crc.width);
     const auto table = reflectedTable<8>(polynomial);
+    const bool hasInstructions = crc.width == widthOf<std::uint32_t> &&
+                                 polynomial == crc32Polynomial && hasCrc32Instructions();
     const auto rule = [&](std::uint64_t value, Bytes bytes) {
-        return updateReflected(value, bytes, table);
+        return hasInstructions ? updateByInstructions(static_cast<std::uint32_t>(value), bytes)
+                               : updateReflected(value, bytes, table);
     };
     const auto initial = reflected(static_cast<std::uint64_t>(crc.initial), crc.width);
     return updateFolded(initial, data, reflectedFolding(polynomial), initial, rule);
@@ -62,22 +66,59 @@ std::uint64_t narrowRegister(const CrcParameters& crc, Bytes data) {
     return crc.isInputReflected == crc.isOutputReflected ? value : reflected(value, crc.width);
 }
 
+/// What eight bytes do to a register of 128 bits that shifts left: entry i of table k is the
+/// register after i, in its top byte, and k bytes of 0 have been shifted out.
+using WideTables = std::array<std::array<CrcNumber, UCHAR_MAX + 1>, sizeof(std::uint64_t)>;
+
+WideTables wideTables(CrcNumber polynomial) {
+    WideTables tables{};
+    CrcNumber power = polynomial;  // x^128, modulo the polynomial
+    for (auto& table : tables) {
+        for (std::size_t bit = 1; bit < table.size(); bit <<= 1) {
+            table[bit] = power;
+            power = power << 1 ^ ((power >> (widestCrc - 1)) != 0 ? polynomial : 0);
+        }
+        // Every other entry is the sum of those of its bits.
+        for (std::size_t i = 1; i < table.size(); ++i) {
+            const std::size_t withoutLowest = i & (i - 1);
+            table[i] = table[withoutLowest] ^ table[i - withoutLowest];
+        }
+    }
+    return tables;
+}
+
+/// The bytes of `word`, each with its bits in reverse order.
+std::uint64_t withReflectedBytes(std::uint64_t word) {
+    constexpr std::uint64_t bits = 0x5555555555555555;
+    constexpr std::uint64_t pairs = 0x3333333333333333;
+    constexpr std::uint64_t nibbles = 0x0F0F0F0F0F0F0F0F;
+    word = (word >> 1 & bits) | (word & bits) << 1;
+    word = (word >> 2 & pairs) | (word & pairs) << 2;
+    return (word >> 4 & nibbles) | (word & nibbles) << 4;
+}
+
 /// The same for more than 64 bits: a register that shifts left over the bits of each byte in their
-/// order.
+/// order, and takes eight bytes at once.
 CrcNumber wideRegister(const CrcParameters& crc, Bytes data) {
     const int unused = widestCrc - crc.width;
-    const CrcNumber polynomial = crc.polynomial << unused;
-    std::array<CrcNumber, UCHAR_MAX + 1> table{};
-    for (std::size_t i = 0; i < table.size(); ++i) {
-        table[i] = CrcNumber{i} << (widestCrc - CHAR_BIT);
-        for (int bit = 0; bit < CHAR_BIT; ++bit)
-            table[i] = table[i] << 1 ^ ((table[i] >> (widestCrc - 1)) != 0 ? polynomial : 0);
-    }
+    const WideTables tables = wideTables(crc.polynomial << unused);
+    const auto wordAt = [&crc](Bytes bytes) {
+        std::uint64_t word = 0;
+        for (const std::uint8_t byte : bytes) word = word << CHAR_BIT | byte;
+        return crc.isInputReflected ? withReflectedBytes(word) : word;
+    };
     CrcNumber value = crc.initial << unused;
+    for (; data.size() >= tables.size(); data = data.subspan(tables.size())) {
+        const auto top = static_cast<std::uint64_t>(value >> registerWidth) ^
+                         wordAt(data.first<sizeof(std::uint64_t)>());
+        value <<= registerWidth;
+        for (std::size_t k = 0; k < tables.size(); ++k)
+            value ^= tables[k][top >> (CHAR_BIT * k) & UCHAR_MAX];
+    }
     for (const std::uint8_t byte : data) {
-        const std::uint8_t ordered = crc.isInputReflected ? reflect(byte) : byte;
         const auto top = static_cast<std::uint8_t>(value >> (widestCrc - CHAR_BIT));
-        value = value << CHAR_BIT ^ table[top ^ ordered];
+        const auto ordered = static_cast<std::uint8_t>(wordAt({&byte, 1}));
+        value = value << CHAR_BIT ^ tables[0][top ^ ordered];
     }
     value >>= unused;
     return crc.isOutputReflected ? wideReflected(value, crc.width) : value;

@@ -4,6 +4,7 @@
 #include <array>
 #include <numeric>
 
+#include "util/crc/Crc32Instructions.hpp"
 #include "util/crc/CrcFolding.hpp"
 #include "util/crc/CrcRegister.hpp"
 
@@ -173,7 +174,12 @@ std::uint32_t crc32Forward(Bytes data, std::uint32_t seed) {
 }
 
 std::uint32_t crc32Reflected(Bytes data, std::uint32_t seed) {
-    return onesComplement(updateByReflectedTable<crc32ReflectedTable>(seed, data));
+    static constexpr Folding folding = reflectedFolding(crc32Polynomial);
+    return onesComplement(
+        updateFolded(seed, data, folding, seed, [](std::uint32_t value, Bytes bytes) {
+            return hasCrc32Instructions() ? updateByInstructions(value, bytes)
+                                          : updateReflected(value, bytes, crc32ReflectedTable);
+        }));
 }
 
 std::uint16_t wordSum16(Bytes data, WordOrder order) {

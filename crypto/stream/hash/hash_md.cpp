@@ -160,6 +160,13 @@ constexpr bool is_permutation_of_bytes(const std::array<unsigned char, 256>& tab
 }
 static_assert(is_permutation_of_bytes(PI_SUBST));
 
+/// The same in words: each of the 864 dependent steps of a block needs one conversion less.
+constexpr auto PI_SUBST_WORDS = [] {
+    std::array<std::uint32_t, PI_SUBST.size()> words{};
+    std::ranges::copy(PI_SUBST, words.begin());
+    return words;
+}();
+
 }  // namespace
 
 void hash_md2::reset() {
@@ -176,14 +183,19 @@ void hash_md2::transform_blocks(const unsigned char* blocks, std::size_t count) 
             state_[2 * block_bytes + i] = static_cast<unsigned char>(blocks[i] ^ state_[i]);
             last = checksum_[i] ^= PI_SUBST[blocks[i] ^ last];
         }
-        unsigned carried = 0;
+        std::array<std::uint32_t, 3 * block_bytes> state;
+        std::ranges::copy(state_, state.begin());
+        std::uint32_t carried = 0;
         for (unsigned pass = 0; pass < passes; ++pass) {
-            for (unsigned char& x : state_) {
-                carried = PI_SUBST[carried] ^ x;
-                x = static_cast<unsigned char>(carried);
+#pragma GCC unroll 48
+            for (std::uint32_t& x : state) {
+                x ^= PI_SUBST_WORDS[carried];
+                carried = x;
             }
             carried = (carried + pass) % PI_SUBST.size();
         }
+        for (std::size_t i = 0; i < state.size(); ++i)
+            state_[i] = static_cast<unsigned char>(state[i]);
     }
 }
 

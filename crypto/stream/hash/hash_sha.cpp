@@ -15,7 +15,7 @@ static_assert(firstFractions[0] == 0x6A09E667F3BCC908 && secondFractions[0] == 0
 }  // namespace
 
 void hash_sha1::transform_blocks(const unsigned char* blocks, std::size_t count) {
-    const auto compress = has_sha_extensions() ? &sha1_blocks_extensions : &sha1_blocks_portable;
+    const auto compress = can_accelerate_sha1() ? &sha1_blocks_accelerated : &sha1_blocks_portable;
     compress(state_, blocks, count);
 }
 
@@ -23,14 +23,15 @@ template <std::size_t DigestBits>
 void hash_sha_224_256_base<DigestBits>::transform_blocks(const unsigned char* blocks,
                                                          std::size_t count) {
     const auto compress =
-        has_sha_extensions() ? &sha256_blocks_extensions : &sha256_blocks_portable;
+        can_accelerate_sha256() ? &sha256_blocks_accelerated : &sha256_blocks_portable;
     compress(this->state_, blocks, count);
 }
 
 template <std::size_t DigestBits>
 void hash_sha_384_512_base<DigestBits>::transform_blocks(const unsigned char* blocks,
                                                          std::size_t count) {
-    const auto compress = has_avx2() ? &sha512_blocks_avx2 : &sha512_blocks_portable;
+    const auto compress =
+        can_accelerate_sha512() ? &sha512_blocks_accelerated : &sha512_blocks_portable;
     compress(this->state_, blocks, count);
 }
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "crypto/stream/hash/words.hpp"
+#include "util/crc/Processor.hpp"
 
 namespace kv::crypto::stream::hash {
 
@@ -102,7 +103,7 @@ void keccak_absorb_portable(keccak_lanes& lanes, std::size_t rate, const unsigne
     absorb(lanes, rate, blocks, count);
 }
 
-#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
+#ifdef TESSARON_ON_X86
 
 bool has_bit_manipulation() {
     return static_cast<bool>(__builtin_cpu_supports("bmi")) &&

@@ -2,7 +2,6 @@
 
 #include <bit>
 
-#include "crypto/stream/hash/roots.hpp"
 #include "crypto/stream/hash/sha2_round.hpp"
 #include "crypto/stream/hash/words.hpp"
 
@@ -28,8 +27,6 @@ template <std::size_t Round>
 template <std::size_t Round>
 [[gnu::always_inline]] inline void sha1_round(sha1_state& r, std::array<std::uint32_t, 16>& w,
                                               const unsigned char* block) {
-    constexpr std::array<std::uint32_t, 4> primes{2, 3, 5, 10};
-    constexpr std::uint32_t constant = root_times_2_to_30(primes[Round / 20], 2);
     // The names of the registers rotate by one with every round.
     constexpr std::size_t size = 5;
     const std::uint32_t a = r[(size - Round % size) % size];
@@ -37,7 +34,7 @@ template <std::size_t Round>
     const std::uint32_t c = r[(size + 2 - Round % size) % size];
     const std::uint32_t d = r[(size + 3 - Round % size) % size];
     std::uint32_t& e = r[(size + 4 - Round % size) % size];
-    e += sha1_word<Round>(w, block) + constant + std::rotl(a, 5);
+    e += sha1_word<Round>(w, block) + sha1_constants[Round / 20] + std::rotl(a, 5);
     if constexpr (Round / 20 == 0)
         e += d ^ (b & (c ^ d));
     else if constexpr (Round / 20 == 2)

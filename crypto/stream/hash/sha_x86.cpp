@@ -1,6 +1,7 @@
 #include "crypto/stream/hash/sha_rounds.hpp"
+#include "util/crc/Processor.hpp"
 
-#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
+#ifdef TESSARON_ON_X86
 
 #include <cpuid.h>
 #include <immintrin.h>
@@ -33,6 +34,9 @@ TESSARON_SHA inline __m128i load(const void* place) {
 TESSARON_SHA inline void store(void* place, __m128i words) {
     _mm_storeu_si128(static_cast<__m128i*>(place), words);
 }
+
+/// How many bytes ahead of the block at hand memory is asked for.
+constexpr std::size_t ahead = 1024;
 
 /// Loads the sixteen words of a block. `order` is the shuffle that puts their bytes in order.
 TESSARON_SHA inline void load_words(__m128i (&w)[4], const unsigned char* block, __m128i order) {
@@ -92,13 +96,17 @@ TESSARON_SHA inline void sha256_rounds(__m128i& abef, __m128i& cdgh, __m128i (&w
 
 }  // namespace
 
-bool has_sha_extensions() {
+bool can_accelerate_sha1() {
     static const bool isThere = detect_sha_extensions();
     return isThere;
 }
 
-TESSARON_SHA void sha1_blocks_extensions(sha1_state& state, const unsigned char* blocks,
-                                         std::size_t count) {
+bool can_accelerate_sha256() {
+    return can_accelerate_sha1();
+}
+
+TESSARON_SHA void sha1_blocks_accelerated(sha1_state& state, const unsigned char* blocks,
+                                          std::size_t count) {
     constexpr int reverseWords = 0x1B;
     constexpr std::size_t blockBytes = 64;
     const __m128i order = _mm_set_epi64x(0x0001020304050607, 0x08090A0B0C0D0E0F);
@@ -106,6 +114,7 @@ TESSARON_SHA void sha1_blocks_extensions(sha1_state& state, const unsigned char*
     __m128i e = _mm_set_epi32(static_cast<int>(state[4]), 0, 0, 0);
     for (; count != 0; --count, blocks += blockBytes) {
         __m128i w[4];
+        _mm_prefetch(blocks + ahead, _MM_HINT_T0);
         load_words(w, blocks, order);
         const __m128i oldAbcd = abcd;
         const __m128i oldE = e;
@@ -117,8 +126,8 @@ TESSARON_SHA void sha1_blocks_extensions(sha1_state& state, const unsigned char*
     state[4] = static_cast<std::uint32_t>(_mm_extract_epi32(e, 3));
 }
 
-TESSARON_SHA void sha256_blocks_extensions(sha256_state& state, const unsigned char* blocks,
-                                           std::size_t count) {
+TESSARON_SHA void sha256_blocks_accelerated(sha256_state& state, const unsigned char* blocks,
+                                            std::size_t count) {
     constexpr std::size_t blockBytes = 64;
     const __m128i order = _mm_set_epi64x(0x0C0D0E0F08090A0B, 0x0405060700010203);
     // The instructions expect the registers as a b e f and c d g h, highest word first.
@@ -128,6 +137,7 @@ TESSARON_SHA void sha256_blocks_extensions(sha256_state& state, const unsigned c
     __m128i cdgh = _mm_blend_epi16(efgh, cdab, 0xF0);
     for (; count != 0; --count, blocks += blockBytes) {
         __m128i w[4];
+        _mm_prefetch(blocks + ahead, _MM_HINT_T0);
         load_words(w, blocks, order);
         const __m128i oldAbef = abef;
         const __m128i oldCdgh = cdgh;
@@ -139,26 +149,6 @@ TESSARON_SHA void sha256_blocks_extensions(sha256_state& state, const unsigned c
     const __m128i dchg = _mm_shuffle_epi32(cdgh, 0xB1);
     store(state.data(), _mm_blend_epi16(feba, dchg, 0xF0));
     store(state.data() + 4, _mm_alignr_epi8(dchg, feba, 8));
-}
-
-}  // namespace kv::crypto::stream::hash
-
-#else
-
-#include <cstdlib>
-
-namespace kv::crypto::stream::hash {
-
-bool has_sha_extensions() {
-    return false;
-}
-
-void sha1_blocks_extensions(sha1_state& state, const unsigned char* blocks, std::size_t count) {
-    sha1_blocks_portable(state, blocks, count);
-}
-
-void sha256_blocks_extensions(sha256_state& state, const unsigned char* blocks, std::size_t count) {
-    sha256_blocks_portable(state, blocks, count);
 }
 
 }  // namespace kv::crypto::stream::hash

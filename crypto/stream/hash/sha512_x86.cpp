@@ -1,6 +1,7 @@
 #include "crypto/stream/hash/sha_rounds.hpp"
+#include "util/crc/Processor.hpp"
 
-#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
+#ifdef TESSARON_ON_X86
 
 #include <immintrin.h>
 
@@ -107,14 +108,14 @@ TESSARON_AVX2 [[gnu::always_inline]] inline void add_to(sha512_state& state,
 
 }  // namespace
 
-bool has_avx2() {
+bool can_accelerate_sha512() {
     return static_cast<bool>(__builtin_cpu_supports("avx2")) &&
            static_cast<bool>(__builtin_cpu_supports("bmi")) &&
            static_cast<bool>(__builtin_cpu_supports("bmi2"));
 }
 
-TESSARON_AVX2 void sha512_blocks_avx2(sha512_state& state, const unsigned char* blocks,
-                                      std::size_t count) {
+TESSARON_AVX2 void sha512_blocks_accelerated(sha512_state& state, const unsigned char* blocks,
+                                             std::size_t count) {
     Schedule schedule;
     for (; count != 0; --count, blocks += blockBytes) {
         const bool isPair = count > 1;
@@ -130,20 +131,6 @@ TESSARON_AVX2 void sha512_blocks_avx2(sha512_state& state, const unsigned char* 
         second_block(r, schedule, std::make_index_sequence<Sha2<Word>::rounds>());
         add_to(state, r);
     }
-}
-
-}  // namespace kv::crypto::stream::hash
-
-#else
-
-namespace kv::crypto::stream::hash {
-
-bool has_avx2() {
-    return false;
-}
-
-void sha512_blocks_avx2(sha512_state& state, const unsigned char* blocks, std::size_t count) {
-    sha512_blocks_portable(state, blocks, count);
 }
 
 }  // namespace kv::crypto::stream::hash

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -18,18 +19,18 @@ struct FileDigest {
     bool hasChanged = false;
 };
 
-/// Computes digests in a thread of its own, one after the other: a hash takes about as long as the
-/// work on the file, and a machine has more than one core. Where no thread can be had, the caller's
-/// own does the work.
-class DigestThread {
+/// Computes digests in as many threads as the machine has cores, each of which is started when
+/// there is work for it: a hash takes about as long as the work on the file. Where no thread can be
+/// had, the caller's own does the work.
+class DigestPool {
 public:
     /// A digest that is being computed.
     class Digest;
 
-    DigestThread();
-    ~DigestThread();
-    DigestThread(const DigestThread&) = delete;
-    DigestThread& operator=(const DigestThread&) = delete;
+    DigestPool();
+    ~DigestPool();
+    DigestPool(const DigestPool&) = delete;
+    DigestPool& operator=(const DigestPool&) = delete;
 
     static std::shared_ptr<Digest> begin();
 
@@ -41,19 +42,26 @@ public:
     /// Adds a whole file that is open. It may be read by others meanwhile.
     void takeFile(Digest& digest, const Platform::InputFile& file);
 
+    /// Lets other work be done beside that of the caller, who keeps what it needs until `settle`.
+    void takeWork(std::function<void()> work);
+
     /// Waits for the digest of all bytes that were added so far, of which there are no more.
     ///
     /// @throws std::bad_alloc  as above
     FileDigest finish(Digest& digest);
 
-    /// Waits until everything that was added is in its digest.
+    /// Waits until everything that was added is in its digest, and all other work is done.
     ///
     /// @throws std::bad_alloc  as above
     void wait();
 
+    /// The same, whether there was enough memory or not.
+    void settle() noexcept;
+
 private:
-    class Worker;
-    std::unique_ptr<Worker> worker_;
+    struct Task;
+    class Workers;
+    std::unique_ptr<Workers> workers_;
 };
 
 /// The digest of a file that is open.

@@ -1,0 +1,1 @@
+cp "$TESTS"/diagnostics/elf-names-given/app.elf "$TESTS"/diagnostics/elf-names-given/patch.hex .
