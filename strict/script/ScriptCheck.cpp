@@ -277,6 +277,11 @@ void ScriptCheck::checkEffects(const Statement& statement) {
                        " of C cannot have the name " + std::string(name),
                    name, "it is a keyword of C or C++");
     }
+    const std::string_view guard = statement.textOf(Role::GuardName);
+    const std::string_view array = statement.textOf(Role::ArrayName);
+    if (!guard.empty() && guard == (array.empty() ? "image" : array))
+        report(Kind::Outside, "the macro " + std::string(guard) + " would replace the array's name",
+               guard, "a guard needs a name of its own");
 }
 
 /// The format of an output uses the settings that it is given.

@@ -346,6 +346,10 @@ TEST(ScriptCheckTest, AnArrayHasANameThatCompilersTake) {
     for (const std::string name : {"Int", "classes", "image", "_"})
         EXPECT_EQ(named(name), Lines{}) << name;
     EXPECT_EQ(named("a -setIncludeGuard=A_H"), Lines{});
+    EXPECT_EQ(
+        named("a -setIncludeGuard=a"),
+        Lines{"2:85 outside: the macro a would replace the array's name (a guard needs a name "
+              "of its own)"});
     EXPECT_EQ(named("a -setIncludeGuard=do"),
               Lines{"2:85 outside: a macro of C cannot have the name do (it is a keyword of C or "
                     "C++)"});
