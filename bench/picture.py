@@ -59,7 +59,7 @@ def legend(curves):
     entries += [("the same without it", BESIDE, "4 3"), ("as the work grows", "#000000", "1 3")]
     parts = []
     for number, (name, colour, dashes) in enumerate(entries):
-        x = 20 + 140 * number
+        x = 10 + (COLUMNS * WIDTH - 10) // len(entries) * number
         parts.append(line([(x, 16), (x + 24, 16)], colour, dashes) + text(x + 30, 20, name, "start"))
     return "\n".join(parts)
 

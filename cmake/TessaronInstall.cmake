@@ -8,7 +8,7 @@ set(cmakeFiles ${CMAKE_INSTALL_DATAROOTDIR}/cmake/Tessaron)
 
 install(TARGETS CmdTessaron tessaron EXPORT TessaronProgram RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES CHANGELOG.md docs/CmdTessaronManual.txt docs/manifest.schema.json
-              docs/performance.md docs/third-party.md
+              docs/performance.md docs/growth.svg docs/third-party.md
         DESTINATION ${documents})
 install(DIRECTORY examples DESTINATION ${documents} PATTERN build EXCLUDE)
 install(DIRECTORY recipes/ DESTINATION ${recipes})

@@ -76,7 +76,7 @@ def from_source(documents, support):
     """Where the files of the source tree are that both platforms install unchanged."""
     places = {"%s/%s" % (documents, pathlib.Path(name).name): name
               for name in ("CHANGELOG.md", "docs/CmdTessaronManual.txt", "docs/manifest.schema.json",
-                           "docs/performance.md", "docs/third-party.md")}
+                           "docs/performance.md", "docs/growth.svg", "docs/third-party.md")}
     places.update({"%s/%s" % (documents, name.partition("/")[2]): name for name in tracked("docs/book")})
     places.update({"%s/%s" % (documents, name): name for name in tracked("examples")})
     places.update({"%s/%s" % (support, name): name
