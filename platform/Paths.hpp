@@ -15,7 +15,7 @@ extern const char pathSeparator;
 std::size_t fileNameStart(const std::string& path);
 
 /// The path that the system makes of a text: it ends at a zero byte.
-inline std::string systemPath(std::string_view text) {
+inline std::string terminatedPath(std::string_view text) {
     return std::string(text.substr(0, text.find('\0')));
 }
 

@@ -232,7 +232,7 @@ bool CmdNewBuffer::hasSections() const {
 
 std::unique_ptr<TessaronImportApi> CmdNewBuffer::openFile(const CmdContext& context) const {
     if (reader_ != nullptr) return std::move(reader_);
-    const std::string path = Platform::systemPath(fileName_);
+    const std::string path = Platform::terminatedPath(fileName_);
     const Io::Import::ReadOptions options{overlapRule_, addressUnit(), family_};
     if (format_ == nullptr) return context.reading->open(path, options);
     if (!sections_.isEmpty())

@@ -85,7 +85,7 @@ bool CmdNewSignature::takeStored(CmdContext& context) const {
 
 bool CmdNewSignature::takeFile(CmdContext& context, const std::string& file) const {
     try {
-        const WholeFile bytes(Platform::systemPath(file));
+        const WholeFile bytes(Platform::terminatedPath(file));
         context.signatures.try_emplace(name(), bytes.bytes());
         return true;
     } catch (const Io::bad_open&) {

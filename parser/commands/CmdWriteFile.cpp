@@ -580,7 +580,7 @@ std::unique_ptr<Io::Export::TessaronExportApi> CmdWriteFile::makeWriter(
     // Without a format none of its settings counts.
     OutputStyles counting = format_ == nullptr ? OutputStyles{} : styles;
     if (addressUnit_ != 1) format().setAddressUnit(counting, addressUnit_);
-    return format().makeWriter(Platform::systemPath(fileName_), counting);
+    return format().makeWriter(Platform::terminatedPath(fileName_), counting);
 }
 
 }  // namespace Parser::WrapperLib

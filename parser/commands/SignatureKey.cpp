@@ -53,7 +53,7 @@ KeyFault factOf(Crypto::KeyFault fault) {
 
 /// The contents of a key file; nothing after a report.
 std::optional<Platform::SecretFile> contentsOf(const std::string& path) {
-    auto file = Io::host().openKey(Platform::systemPath(path));
+    auto file = Io::host().openKey(Platform::terminatedPath(path));
     if (file) return std::make_optional<Platform::SecretFile>(std::move(*file));
     Facts::report(Facts::FileNotOpened{path});
     return std::nullopt;

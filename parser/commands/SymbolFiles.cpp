@@ -32,7 +32,7 @@ std::string linesOf(const SymbolTable& symbols) {
 SymbolTable& SymbolFiles::open(const std::string& path) {
     const auto known = files_.find(path);
     if (known != files_.end()) return *known->second;
-    const Io::Import::ElfFile file(Platform::systemPath(path));
+    const Io::Import::ElfFile file(Platform::terminatedPath(path));
     return *files_.emplace(path, std::make_unique<SymbolTable>(file.symbols())).first->second;
 }
 

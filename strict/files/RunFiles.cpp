@@ -109,7 +109,7 @@ RunFiles::~RunFiles() {
 }
 
 void RunFiles::noteReason(const std::string& path, std::string reason) {
-    reasons_.insert_or_assign(Platform::systemPath(path), std::move(reason));
+    reasons_.insert_or_assign(Platform::terminatedPath(path), std::move(reason));
 }
 
 void RunFiles::noteFailure(const std::string& path, std::error_code error) {
@@ -117,7 +117,7 @@ void RunFiles::noteFailure(const std::string& path, std::error_code error) {
 }
 
 std::string RunFiles::reasonFor(std::string_view path) const {
-    const auto found = reasons_.find(Platform::systemPath(path));
+    const auto found = reasons_.find(Platform::terminatedPath(path));
     return found == reasons_.end() ? "" : found->second;
 }
 
