@@ -35,9 +35,6 @@ TESSARON_SHA inline void store(void* place, __m128i words) {
     _mm_storeu_si128(static_cast<__m128i*>(place), words);
 }
 
-/// How many bytes ahead of the block at hand memory is asked for.
-constexpr std::size_t ahead = 1024;
-
 /// Loads the sixteen words of a block. `order` is the shuffle that puts their bytes in order.
 TESSARON_SHA inline void load_words(__m128i (&w)[4], const unsigned char* block, __m128i order) {
     for (std::size_t i = 0; i < 4; ++i)
@@ -114,7 +111,6 @@ TESSARON_SHA void sha1_blocks_accelerated(sha1_state& state, const unsigned char
     __m128i e = _mm_set_epi32(static_cast<int>(state[4]), 0, 0, 0);
     for (; count != 0; --count, blocks += blockBytes) {
         __m128i w[4];
-        _mm_prefetch(blocks + ahead, _MM_HINT_T0);
         load_words(w, blocks, order);
         const __m128i oldAbcd = abcd;
         const __m128i oldE = e;
@@ -137,7 +133,6 @@ TESSARON_SHA void sha256_blocks_accelerated(sha256_state& state, const unsigned 
     __m128i cdgh = _mm_blend_epi16(efgh, cdab, 0xF0);
     for (; count != 0; --count, blocks += blockBytes) {
         __m128i w[4];
-        _mm_prefetch(blocks + ahead, _MM_HINT_T0);
         load_words(w, blocks, order);
         const __m128i oldAbef = abef;
         const __m128i oldCdgh = cdgh;
