@@ -105,11 +105,10 @@ bool can_accelerate_sha256() {
 TESSARON_SHA void sha1_blocks_accelerated(sha1_state& state, const unsigned char* blocks,
                                           std::size_t count) {
     constexpr int reverseWords = 0x1B;
-    constexpr std::size_t blockBytes = 64;
     const __m128i order = _mm_set_epi64x(0x0001020304050607, 0x08090A0B0C0D0E0F);
     __m128i abcd = _mm_shuffle_epi32(load(state.data()), reverseWords);
     __m128i e = _mm_set_epi32(static_cast<int>(state[4]), 0, 0, 0);
-    for (; count != 0; --count, blocks += blockBytes) {
+    for (; count != 0; --count, blocks += sha1_block_bytes) {
         __m128i w[4];
         load_words(w, blocks, order);
         const __m128i oldAbcd = abcd;
@@ -124,14 +123,13 @@ TESSARON_SHA void sha1_blocks_accelerated(sha1_state& state, const unsigned char
 
 TESSARON_SHA void sha256_blocks_accelerated(sha256_state& state, const unsigned char* blocks,
                                             std::size_t count) {
-    constexpr std::size_t blockBytes = 64;
     const __m128i order = _mm_set_epi64x(0x0C0D0E0F08090A0B, 0x0405060700010203);
     // The instructions expect the registers as a b e f and c d g h, highest word first.
     const __m128i cdab = _mm_shuffle_epi32(load(state.data()), 0xB1);
     const __m128i efgh = _mm_shuffle_epi32(load(state.data() + 4), 0x1B);
     __m128i abef = _mm_alignr_epi8(cdab, efgh, 8);
     __m128i cdgh = _mm_blend_epi16(efgh, cdab, 0xF0);
-    for (; count != 0; --count, blocks += blockBytes) {
+    for (; count != 0; --count, blocks += sha256_block_bytes) {
         __m128i w[4];
         load_words(w, blocks, order);
         const __m128i oldAbef = abef;
