@@ -7,13 +7,10 @@
 /// to be folded, and all data on a CPU that has them without carry-less multiplication.
 namespace Util::Crc {
 
-/// The polynomial of CRC-32/ISO-HDLC, reflected.
-inline constexpr std::uint32_t crc32Polynomial = 0xEDB88320;
-
 /// True if the CPU has the instructions. `updateByInstructions` must not be called otherwise.
 bool hasCrc32Instructions();
 
-/// Updates a register that shifts right, of `crc32Polynomial`.
+/// Updates a register that shifts right, of `crc32ReflectedPolynomial`.
 std::uint32_t updateByInstructions(std::uint32_t crc, std::span<const std::uint8_t> data);
 
 }  // namespace Util::Crc

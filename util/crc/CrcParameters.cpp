@@ -50,7 +50,7 @@ std::uint64_t reflectedRegister(const CrcParameters& crc, Bytes data) {
     const auto polynomial = reflected(static_cast<std::uint64_t>(crc.polynomial), crc.width);
     const auto table = reflectedTable<8>(polynomial);
     const bool hasInstructions = crc.width == widthOf<std::uint32_t> &&
-                                 polynomial == crc32Polynomial && hasCrc32Instructions();
+                                 polynomial == crc32ReflectedPolynomial && hasCrc32Instructions();
     const auto rule = [&](std::uint64_t value, Bytes bytes) {
         return hasInstructions ? updateByInstructions(static_cast<std::uint32_t>(value), bytes)
                                : updateReflected(value, bytes, table);

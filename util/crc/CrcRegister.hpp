@@ -129,7 +129,9 @@ inline constexpr auto crc16CcittTable = forwardTable<4>(std::uint16_t{0x1021});
 static_assert(crc16CcittTable[1] == 0x1021 && crc16CcittTable[15] == 0xF1EF);
 inline constexpr auto crc32ForwardTable = forwardTable<4>(std::uint32_t{0x04C11DB7});
 static_assert(crc32ForwardTable[1] == 0x04C11DB7 && crc32ForwardTable[15] == 0x384FBDBD);
-inline constexpr auto crc32ReflectedTable = reflectedTable<8>(std::uint32_t{0xEDB88320});
+/// The polynomial of CRC-32/ISO-HDLC, reflected.
+inline constexpr std::uint32_t crc32ReflectedPolynomial = 0xEDB88320;
+inline constexpr auto crc32ReflectedTable = reflectedTable<8>(crc32ReflectedPolynomial);
 static_assert(crc32ReflectedTable[1] == 0x77073096 && crc32ReflectedTable[255] == 0x2D02EF8D);
 
 }  // namespace Util::Crc

@@ -174,7 +174,7 @@ std::uint32_t crc32Forward(Bytes data, std::uint32_t seed) {
 }
 
 std::uint32_t crc32Reflected(Bytes data, std::uint32_t seed) {
-    static constexpr Folding folding = reflectedFolding(crc32Polynomial);
+    static constexpr Folding folding = reflectedFolding(crc32ReflectedPolynomial);
     return onesComplement(
         updateFolded(seed, data, folding, seed, [](std::uint32_t value, Bytes bytes) {
             return hasCrc32Instructions() ? updateByInstructions(value, bytes)

@@ -20,7 +20,6 @@ namespace kv::crypto::stream::hash {
 namespace {
 
 using Word = unsigned long long;
-constexpr std::size_t blockBytes = 128;
 constexpr std::size_t pairsInBlock = 8;
 
 // As bytes, since the intrinsics for words take pointers to another type of the same size.
@@ -83,7 +82,7 @@ bool can_accelerate_sha512() {
 TESSARON_SHA void sha512_blocks_accelerated(sha512_state& state, const unsigned char* blocks,
                                             std::size_t count) {
     Registers registers{load(&state[0]), load(&state[2]), load(&state[4]), load(&state[6])};
-    for (; count != 0; --count, blocks += blockBytes) {
+    for (; count != 0; --count, blocks += sha512_block_bytes) {
         uint64x2_t w[pairsInBlock];
         for (std::size_t i = 0; i < pairsInBlock; ++i)
             w[i] = vreinterpretq_u64_u8(vrev64q_u8(vld1q_u8(blocks + sizeof(uint64x2_t) * i)));

@@ -16,7 +16,6 @@ namespace kv::crypto::stream::hash {
 namespace {
 
 using Word = unsigned long long;
-constexpr std::size_t blockBytes = 128;
 constexpr std::size_t pairs = Sha2<Word>::rounds / 2;
 constexpr std::size_t pairsInBlock = 8;
 
@@ -117,16 +116,16 @@ bool can_accelerate_sha512() {
 TESSARON_AVX2 void sha512_blocks_accelerated(sha512_state& state, const unsigned char* blocks,
                                              std::size_t count) {
     Schedule schedule;
-    for (; count != 0; --count, blocks += blockBytes) {
+    for (; count != 0; --count, blocks += sha512_block_bytes) {
         const bool isPair = count > 1;
         __m256i w[pairsInBlock];
-        load_blocks(w, schedule, blocks, isPair ? blocks + blockBytes : blocks);
+        load_blocks(w, schedule, blocks, isPair ? blocks + sha512_block_bytes : blocks);
         sha512_state r = state;
         first_block(r, w, schedule, std::make_index_sequence<pairs>());
         add_to(state, r);
         if (!isPair) break;
         --count;
-        blocks += blockBytes;
+        blocks += sha512_block_bytes;
         r = state;
         second_block(r, schedule, std::make_index_sequence<Sha2<Word>::rounds>());
         add_to(state, r);

@@ -19,8 +19,6 @@ namespace kv::crypto::stream::hash {
 
 namespace {
 
-constexpr std::size_t blockBytes = 64;
-
 /// Loads the sixteen words of a block.
 TESSARON_SHA inline void load_words(uint32x4_t (&w)[4], const unsigned char* block) {
     for (std::size_t i = 0; i < 4; ++i)
@@ -92,7 +90,7 @@ TESSARON_SHA void sha1_blocks_accelerated(sha1_state& state, const unsigned char
                                           std::size_t count) {
     uint32x4_t abcd = vld1q_u32(state.data());
     std::uint32_t e = state[4];
-    for (; count != 0; --count, blocks += blockBytes) {
+    for (; count != 0; --count, blocks += sha1_block_bytes) {
         uint32x4_t w[4];
         load_words(w, blocks);
         const uint32x4_t oldAbcd = abcd;
@@ -109,7 +107,7 @@ TESSARON_SHA void sha256_blocks_accelerated(sha256_state& state, const unsigned 
                                             std::size_t count) {
     uint32x4_t abcd = vld1q_u32(state.data());
     uint32x4_t efgh = vld1q_u32(state.data() + 4);
-    for (; count != 0; --count, blocks += blockBytes) {
+    for (; count != 0; --count, blocks += sha256_block_bytes) {
         uint32x4_t w[4];
         load_words(w, blocks);
         const uint32x4_t oldAbcd = abcd;

@@ -83,9 +83,8 @@ template <class Word>
 }  // namespace
 
 void sha1_blocks_portable(sha1_state& state, const unsigned char* blocks, std::size_t count) {
-    constexpr std::size_t blockBytes = 64;
     constexpr std::size_t roundCount = 80;
-    for (; count != 0; --count, blocks += blockBytes) {
+    for (; count != 0; --count, blocks += sha1_block_bytes) {
         sha1_state r = state;
         sha1_rounds(r, blocks, std::make_index_sequence<roundCount>());
         for (std::size_t i = 0; i < state.size(); ++i) state[i] += r[i];

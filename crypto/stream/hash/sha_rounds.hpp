@@ -14,6 +14,11 @@ using sha1_state = std::array<std::uint32_t, 5>;
 using sha256_state = std::array<std::uint32_t, 8>;
 using sha512_state = std::array<unsigned long long, 8>;
 
+/// The sizes of the blocks in bytes.
+inline constexpr std::size_t sha1_block_bytes = 64;
+inline constexpr std::size_t sha256_block_bytes = 64;
+inline constexpr std::size_t sha512_block_bytes = 128;
+
 /// The constants of SHA-1, each for twenty rounds. FIPS 180-4, section 4.2.1.
 inline constexpr std::array<std::uint32_t, 4> sha1_constants{
     root_times_2_to_30(2, 2), root_times_2_to_30(3, 2), root_times_2_to_30(5, 2),

@@ -35,9 +35,6 @@ TESSARON_SHA inline void store(void* place, __m128i words) {
     _mm_storeu_si128(static_cast<__m128i*>(place), words);
 }
 
-/// How many bytes ahead of the block at hand memory is asked for.
-constexpr std::size_t ahead = 1024;
-
 /// Loads the sixteen words of a block. `order` is the shuffle that puts their bytes in order.
 TESSARON_SHA inline void load_words(__m128i (&w)[4], const unsigned char* block, __m128i order) {
     for (std::size_t i = 0; i < 4; ++i)
@@ -108,13 +105,11 @@ bool can_accelerate_sha256() {
 TESSARON_SHA void sha1_blocks_accelerated(sha1_state& state, const unsigned char* blocks,
                                           std::size_t count) {
     constexpr int reverseWords = 0x1B;
-    constexpr std::size_t blockBytes = 64;
     const __m128i order = _mm_set_epi64x(0x0001020304050607, 0x08090A0B0C0D0E0F);
     __m128i abcd = _mm_shuffle_epi32(load(state.data()), reverseWords);
     __m128i e = _mm_set_epi32(static_cast<int>(state[4]), 0, 0, 0);
-    for (; count != 0; --count, blocks += blockBytes) {
+    for (; count != 0; --count, blocks += sha1_block_bytes) {
         __m128i w[4];
-        _mm_prefetch(blocks + ahead, _MM_HINT_T0);
         load_words(w, blocks, order);
         const __m128i oldAbcd = abcd;
         const __m128i oldE = e;
@@ -128,16 +123,14 @@ TESSARON_SHA void sha1_blocks_accelerated(sha1_state& state, const unsigned char
 
 TESSARON_SHA void sha256_blocks_accelerated(sha256_state& state, const unsigned char* blocks,
                                             std::size_t count) {
-    constexpr std::size_t blockBytes = 64;
     const __m128i order = _mm_set_epi64x(0x0C0D0E0F08090A0B, 0x0405060700010203);
     // The instructions expect the registers as a b e f and c d g h, highest word first.
     const __m128i cdab = _mm_shuffle_epi32(load(state.data()), 0xB1);
     const __m128i efgh = _mm_shuffle_epi32(load(state.data() + 4), 0x1B);
     __m128i abef = _mm_alignr_epi8(cdab, efgh, 8);
     __m128i cdgh = _mm_blend_epi16(efgh, cdab, 0xF0);
-    for (; count != 0; --count, blocks += blockBytes) {
+    for (; count != 0; --count, blocks += sha256_block_bytes) {
         __m128i w[4];
-        _mm_prefetch(blocks + ahead, _MM_HINT_T0);
         load_words(w, blocks, order);
         const __m128i oldAbef = abef;
         const __m128i oldCdgh = cdgh;
