@@ -96,17 +96,15 @@ private:
     void addDirectives() {
         const Strict::Directives found = Strict::directivesIn(text_);
         for (const Strict::ParameterDirective& one : found.parameters) {
-            items_.push_back({trimmedSpan(one.whole), Strict::parameterWord.size() + 1});
+            items_.push_back({trimmedSpan(text_, one.whole), Strict::parameterWord.size() + 1});
             if (one.value) fixed_.push_back({*one.value});
         }
         for (const Strict::IncludeDirective& one : found.includes) {
-            items_.push_back({trimmedSpan(one.whole), Strict::includeWord.size() + 1});
+            items_.push_back({trimmedSpan(text_, one.whole), Strict::includeWord.size() + 1});
             fixed_.push_back({withQuotes(one.path)});
             for (const auto& argument : one.arguments) fixed_.push_back({argument.value});
         }
     }
-
-    TextSpan trimmedSpan(TextSpan span) const { return {span.at, trimmed(span.in(text_)).size()}; }
 
     TextSpan withQuotes(TextSpan path) const {
         const std::string_view whole = withDelimiters(text_, path.in(text_));
@@ -311,8 +309,7 @@ private:
         const Item* const item = itemAt(at_);
         if (item != nullptr && item->where.at == at_) depth_ = 0;
         if (text_[at_] == '{') {
-            const std::size_t before = text_.substr(0, at_).find_last_not_of(" \t\n\v\f\r");
-            const bool isAfterSign = before != std::string_view::npos && text_[before] == '=';
+            const bool isAfterSign = trimmed(text_.substr(0, at_)).ends_with('=');
             if (depth_ == 0) isWide_ = at_ > 0 && isBlank(text_[at_ - 1]) && !isAfterSign;
             ++depth_;
         }

@@ -26,8 +26,7 @@ struct Formatting {
 /// - A statement and a directive begin a line. A line break within one stays; its next line begins
 ///   below the first word after the keyword.
 /// - One blank separates words, none is around `=` and within the parentheses and braces of
-/// numbers;
-///   a list that follows a blank has one within its braces.
+///   numbers; a list that follows a blank has one within its braces.
 /// - Of several empty lines one stays. A remark at the end of a line stays in its column if it can.
 ///
 /// Remarks, SUBSTITUTE lines, the values of parameters and texts and paths stay as they are. The

@@ -104,8 +104,7 @@ public:
     std::optional<Hover> answer() const {
         const std::string_view text = script_->text();
         const std::vector<TextSpan> remarks = remarksIn(text);
-        if (std::ranges::any_of(
-                remarks, [this](TextSpan one) { return one.at <= offset_ && offset_ < one.end(); }))
+        if (std::ranges::any_of(remarks, [this](TextSpan one) { return isHere(one); }))
             return std::nullopt;
         const Mention* const mention = mentions_->at(0, offset_);
         if (mention != nullptr && mention->thing == Thing::Parameter)
@@ -152,7 +151,7 @@ private:
         std::string text = std::string("**") + wordFor(mention.thing) + "** " + code(mention.name);
         const Mention* const making = mentions_->makingOf(mention);
         if (making == nullptr) return text + "\n\nNo statement makes it.";
-        const auto [statement, number] = statementMaking(mention);
+        const auto number = numberMaking(mention);
         if (mention.thing == Thing::Image) {
             const auto range = ImageRanges(script_->analysis()).rangeOf(mention.name);
             text +=
@@ -161,7 +160,8 @@ private:
             const auto& command = *script_->analysis().commands()[*number];
             text += "\n\n" + descriptionOf(static_cast<const CmdNewValue&>(command).algorithm());
         } else if (number) {
-            text += "\n\n" + descriptionOfType(statement.textOf(Role::Type));
+            text += "\n\n" +
+                    descriptionOfType(script_->analysis().statements()[*number].textOf(Role::Type));
         }
         const std::string_view file = script_->fileText(making->where.file);
         const auto line = std::count(
@@ -172,20 +172,15 @@ private:
                ".";
     }
 
-    struct Numbered {
-        Statement statement;
-        std::optional<std::size_t> number;
-    };
-
-    /// The statement that makes a thing, and its number.
-    Numbered statementMaking(const Mention& mention) const {
+    /// The number of the statement that makes a thing.
+    std::optional<std::size_t> numberMaking(const Mention& mention) const {
         constexpr std::array roles{Role::MakesImage, Role::MakesCrc, Role::MakesHash,
                                    Role::MakesSignature};
         const Role role = roles.at(static_cast<std::size_t>(mention.thing));
         const auto& statements = script_->analysis().statements();
         for (std::size_t i = 0; i < statements.size(); ++i)
-            if (statements[i].textOf(role) == mention.name) return {statements[i], i};
-        return {{}, std::nullopt};
+            if (statements[i].textOf(role) == mention.name) return i;
+        return std::nullopt;
     }
 
     /// The place of a part if it is in the script's own file, around the offset.

@@ -70,13 +70,8 @@ std::vector<Substitution> substitutionsIn(std::string_view text,
     return found;
 }
 
-TextSpan wordAt(std::string_view text, std::size_t offset) {
-    offset = std::min(offset, text.size());
-    std::size_t begin = offset;
-    while (begin > 0 && isNameCharacter(text[begin - 1])) --begin;
-    std::size_t end = offset;
-    while (end < text.size() && isNameCharacter(text[end])) ++end;
-    return {begin, end - begin};
+TextSpan trimmedSpan(std::string_view text, TextSpan span) {
+    return {span.at, trimmed(span.in(text)).size()};
 }
 
 }  // namespace Editor

@@ -23,9 +23,6 @@ std::vector<TextSpan> remarksIn(std::string_view text);
 std::vector<Substitution> substitutionsIn(std::string_view text,
                                           const std::vector<TextSpan>& remarks);
 
-/// The part of a text at or around `offset` that has the characters of names alone.
-TextSpan wordAt(std::string_view text, std::size_t offset);
-
 /// The character may be in the name of an image.
 bool isNameCharacter(char c);
 
@@ -34,5 +31,8 @@ bool isBlank(char c);
 
 /// The text without the blanks of the language at its ends.
 std::string_view trimmed(std::string_view text);
+
+/// A part of a text that begins with no blank, without those at its end.
+TextSpan trimmedSpan(std::string_view text, TextSpan span);
 
 }  // namespace Editor

@@ -192,9 +192,10 @@ std::vector<Mention> Mentions::toRename(const Mention& mention) const {
     }
     // What comes from the value of a parameter changes with it.
     std::erase_if(all, [&](const Mention& one) {
-        return hasValue && !one.isWritten && std::ranges::any_of(all_, [&](const Mention& word) {
-                   return word.thing == Thing::Parameter && word.where == one.where;
-               });
+        return hasValue && !one.isWritten &&
+               std::ranges::any_of(
+                   std::ranges::equal_range(all_, one.where, {}, &Mention::where),
+                   [](const Mention& word) { return word.thing == Thing::Parameter; });
     });
     // Several things may have one value for their names.
     const auto isAtSame = [](const Mention& one, const Mention& other) {
@@ -244,9 +245,9 @@ std::string obstacleToRename(const Script& script, const Mentions& mentions, con
     const std::vector<Mention> places = mentions.toRename(mention);
     for (const Mention& one : mentions.all()) {
         const auto isTaken = [&](const Mention& place) {
-            return one.thing == place.thing && one.owner == place.owner && one.name == name;
+            return one.thing == place.thing && one.owner == place.owner;
         };
-        if (std::ranges::any_of(places, isTaken))
+        if (one.name == name && std::ranges::any_of(places, isTaken))
             return std::string("there is already ") + (one.thing == Thing::Image ? "an " : "a ") +
                    wordFor(one.thing) + " called " + name;
     }

@@ -6,6 +6,7 @@
 #include "platform/Files.hpp"
 #include "platform/Paths.hpp"
 #include "strict/script/FileParts.hpp"
+#include "util/Printable.hpp"
 
 namespace Editor {
 
@@ -141,9 +142,8 @@ Script::Script(std::string name, std::string text, const Settings& settings, Edi
       text_(std::move(text)),
       settings_(settings),
       edited_([this, open = std::move(edited)](const std::string& path) {
-          auto known = open ? open(path) : std::nullopt;
-          asked_[path] = known.has_value();
-          return known;
+          asked_.insert(path);
+          return open ? open(path) : std::nullopt;
       }),
       findings_(settings_.policy),
       checked_(analysed(name_, text_, variablesFor(text_, settings_), edited_, findings_)) {}
@@ -189,10 +189,7 @@ std::optional<FilePlace> Script::placeOf(const Strict::Place& place) const {
     }
     const std::size_t end = std::min(text.find('\n', begin), text.size());
     const auto skip = [&](std::size_t at, std::size_t characters) {
-        for (; characters > 0 && at < end; --characters)
-            while (++at < end && characterStart(text, at) != at) {
-            }
-        return at;
+        return at + Util::firstCharacters(text.substr(at, end - at), characters).size();
     };
     if (place.column == 0) return FilePlace{file, {begin, place.line == 0 ? 0 : end - begin}};
     const std::size_t from = skip(begin, place.column - 1);

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,12 +44,6 @@ struct KnownScript {
 /// The variables of the settings that a script has the names of.
 std::map<std::string, std::string> variablesFor(std::string_view text, const Settings& settings);
 
-/// A diagnostic, and what it counts as.
-struct Finding {
-    Strict::Diagnostic diagnostic;
-    Strict::Severity severity;
-};
-
 /// The diagnostics of `tessaron check` before the run, as many as it shows.
 class Findings final : public Strict::DiagnosticSink {
 public:
@@ -57,7 +52,7 @@ public:
     void take(const Strict::Diagnostic& diagnostic) override;
     void countMore(Strict::Kind kind, std::uint64_t count) override;
 
-    const std::vector<Finding>& shown() const { return shown_; }
+    const std::vector<Strict::Judged>& shown() const { return shown_; }
 
     /// How many more there are, in words, or nothing.
     std::string rest() const { return allowance_.restText(); }
@@ -65,7 +60,7 @@ public:
 private:
     const Strict::Policy* policy_;
     Strict::Allowance allowance_;
-    std::vector<Finding> shown_;
+    std::vector<Strict::Judged> shown_;
 };
 
 /// A place in the text that a file of a script has as it is read.
@@ -99,9 +94,8 @@ public:
     const Strict::ScriptText* prepared() const { return analysis().text(); }
     const Strict::ScriptAnalysis& analysis() const;
 
-    /// The script needs a file of that path, or would need it.
-    bool asksFor(const std::string& path) const { return asked_.contains(path); }
-    const std::map<std::string, bool>& asked() const { return asked_; }
+    /// The paths of the files that the script needs, or would need.
+    const std::set<std::string>& asked() const { return asked_; }
 
     /// The files of the script, by their numbers; itself alone if nothing is known.
     std::size_t fileCount() const;
@@ -127,7 +121,7 @@ private:
     std::string name_;
     std::string text_;
     Settings settings_;
-    mutable std::map<std::string, bool> asked_;  ///< paths, and whether an editor has them
+    mutable std::set<std::string> asked_;
     EditedText edited_;
     Findings findings_;
     std::unique_ptr<const Strict::ScriptAnalysis> checked_;

@@ -28,10 +28,6 @@ std::optional<TextSpan> ownPlaceOf(const Script& script, std::string_view part) 
     return place.file == 0 ? std::optional(place.where) : std::nullopt;
 }
 
-TextSpan trimmedSpan(std::string_view text, TextSpan span) {
-    return {span.at, trimmed(span.in(text)).size()};
-}
-
 struct MakingRole {
     Role role;
     OutlineEntry::Kind kind;

@@ -98,7 +98,7 @@ void Documents::forget(Document& document) {
 void Documents::forgetUsersOf(const std::string& path) {
     for (auto& [uri, document] : all_) {
         if (document.script_ == nullptr) continue;
-        for (const auto& [asked, isEdited] : document.script_->asked())
+        for (const std::string& asked : document.script_->asked())
             if (Platform::absolutePath(asked) == path) {
                 forget(document);
                 break;

@@ -27,7 +27,7 @@ struct Refusal {
     std::string text;
 };
 
-/// A text as a part of a message: bytes that are no UTF-8 are replaced.
+/// A message as it is sent. Bytes that are not UTF-8 are replaced.
 std::string textOf(const Json& message);
 
 /// The member of an object at a path "/a/b", or null if it is not there.

@@ -31,7 +31,7 @@ public:
     /// Takes the next thing off the bytes.
     Outcome next(std::string& message);
 
-    /// Bytes have arrived of which `next` has not told: a message that is not whole, or garbage.
+    /// Bytes have arrived that `next` has not reported: a message that is not whole, or garbage.
     bool isWithin() const {
         return length_ != none || toSkip_ != 0 || hasSkipped_ || !buffer_.empty();
     }

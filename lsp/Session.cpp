@@ -31,11 +31,6 @@ bool isId(const Json& id) {
     return id.is_string() || id.is_number_integer();
 }
 
-std::string version() {
-    const auto info = Platform::versionInfo("");
-    return info ? std::to_string(info->major) + "." + std::to_string(info->minor) : "";
-}
-
 bool contains(const Json& list, std::string_view word) {
     return list.is_array() && std::ranges::any_of(list, [word](const Json& one) {
                return one.is_string() && one.get_ref<const std::string&>() == word;
@@ -150,7 +145,7 @@ Json Session::answer(const std::string& method, const Json& params) {
     return (this->*request->answer)(params);
 }
 
-/// Nobody is told of a notification that means nothing.
+/// A notification that means nothing is ignored, since none has an answer.
 void Session::notice(const std::string& method, const Json& params) {
     if (method == "exit") isOver_ = true;
     if (!isInitialized_ || isShutDown_) return;
@@ -180,7 +175,7 @@ Json Session::initialize(const Json& params) {
     configure(memberOf(params, "/initializationOptions"));
     isInitialized_ = true;
     return {{"capabilities", capabilities(encoding_)},
-            {"serverInfo", {{"name", "tessaron"}, {"version", version()}}}};
+            {"serverInfo", {{"name", "tessaron"}, {"version", Platform::versionText()}}}};
 }
 
 Json Session::shutDown(const Json& /*params*/) {

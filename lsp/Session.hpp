@@ -20,7 +20,7 @@ public:
     /// What is due once no message waits any more: diagnostics of the scripts that have changed.
     std::vector<std::string> update();
 
-    /// Tells the client of bytes that are not a message.
+    /// The message that tells the client about bytes that are not one.
     static std::string complain(std::string_view what);
 
     /// The client has said that it ends.
@@ -72,22 +72,21 @@ private:
 
     Json diagnosticsOf(Document& document);
     Json diagnosticOf(const Document& document, const Editor::Script& script,
-                      const Editor::Finding& finding) const;
+                      const Strict::Judged& finding) const;
     std::optional<Editor::TextSpan> spanIn(const Editor::Script& script,
                                            const std::optional<Strict::Place>& place) const;
     Json related(const Document& document, const Editor::Script& script,
                  const Strict::Diagnostic& diagnostic) const;
 
+    struct Found {
+        Json location;
+        bool isMaking;
+    };
+
     /// The mentions of what is at a place, in all scripts that are open.
     ///
     /// @param isRename  those that have to change if it gets another name
-    struct Found {
-        Json location;
-        std::string name;
-        bool isMaking;
-    };
     std::vector<Found> mentionsAt(const Place& place, bool isRename = false);
-    std::string uriOfFile(const Editor::Script& script, std::size_t file) const;
     Json locationOf(const Editor::Script& script, std::size_t file, Editor::TextSpan where) const;
 
     Documents documents_;

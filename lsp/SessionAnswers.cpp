@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -62,15 +63,14 @@ Json Session::hover(const Json& params) {
 
 std::vector<Session::Found> Session::mentionsAt(const Place& place, bool isRename) {
     std::vector<Found> all;
+    std::set<Json> known;
     for (const Documents::Part& part : documents_.partsOf(*place.document)) {
         const Editor::Mention* const here = part.mentions->at(part.file, place.offset);
         if (here == nullptr) continue;
         for (const Editor::Mention& one :
              isRename ? part.mentions->toRename(*here) : part.mentions->ofSame(*here)) {
             Json location = locationOf(*part.script, one.where.file, one.where.where);
-            const auto isKnown = std::ranges::any_of(
-                all, [&](const Found& other) { return other.location == location; });
-            if (!isKnown) all.push_back({std::move(location), one.name, one.isMaking});
+            if (known.insert(location).second) all.push_back({std::move(location), one.isMaking});
         }
     }
     return all;

@@ -29,20 +29,14 @@ Json wholeDiagnostic(const std::string& text, int severity) {
 
 }  // namespace
 
-std::string Session::uriOfFile(const Editor::Script& script, std::size_t file) const {
-    const std::string path = Platform::absolutePath(script.fileName(file));
-    const Document* const open = documents_.withPath(path);
-    return open == nullptr ? uriOf(path) : open->uri();
-}
-
 Json Session::locationOf(const Editor::Script& script, std::size_t file,
                          Editor::TextSpan where) const {
     const std::string path = Platform::absolutePath(script.fileName(file));
     const Document* const open = documents_.withPath(path);
-    const std::string uri = open == nullptr ? uriOf(path) : open->uri();
-    if (open != nullptr) return {{"uri", uri}, {"range", rangeOf(open->text(), where, encoding_)}};
+    if (open != nullptr)
+        return {{"uri", open->uri()}, {"range", rangeOf(open->text(), where, encoding_)}};
     const Editor::Text text{std::string(script.fileText(file))};
-    return {{"uri", uri}, {"range", rangeOf(text, where, encoding_)}};
+    return {{"uri", uriOf(path)}, {"range", rangeOf(text, where, encoding_)}};
 }
 
 /// Where the script's own file has a place, or the line that includes the file that has it.
@@ -84,7 +78,7 @@ Json Session::related(const Document& document, const Editor::Script& script,
 }
 
 Json Session::diagnosticOf(const Document& document, const Editor::Script& script,
-                           const Editor::Finding& finding) const {
+                           const Strict::Judged& finding) const {
     const Strict::Diagnostic& diagnostic = finding.diagnostic;
     std::string text = diagnostic.text;
     if (!diagnostic.hint.empty()) text += "\n" + diagnostic.hint;
@@ -104,11 +98,11 @@ Json Session::diagnosticsOf(Document& document) {
     if (document.isTooLong) {
         list.push_back(wholeDiagnostic(
             "the script is too long to be checked while it is written: tessaron check checks it",
-            2));
+            numberOf(Strict::Severity::Warning)));
         return list;
     }
     const auto script = documents_.script(document);
-    for (const Editor::Finding& finding : script->findings().shown())
+    for (const Strict::Judged& finding : script->findings().shown())
         list.push_back(diagnosticOf(document, *script, finding));
     if (const std::string rest = script->findings().rest(); !rest.empty())
         list.push_back(wholeDiagnostic(rest, numberOf(Strict::Severity::Note)));
@@ -123,7 +117,7 @@ Json Session::codeActions(const Json& params) {
         text.readOf(text.offsetOf(positionIn(params, "/range/start"), encoding_));
     const std::size_t to = text.readOf(text.offsetOf(positionIn(params, "/range/end"), encoding_));
     Json actions = Json::array();
-    for (const Editor::Finding& finding : script->findings().shown()) {
+    for (const Strict::Judged& finding : script->findings().shown()) {
         const auto& correction = finding.diagnostic.correction;
         const auto& place = finding.diagnostic.place;
         const auto found = correction && place ? script->placeOf(*place) : std::nullopt;

@@ -1,15 +1,16 @@
 #include "lsp/Uri.hpp"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "platform/Paths.hpp"
+#include "util/Hex.hpp"
 
 namespace Lsp {
 
 namespace {
 
 constexpr std::string_view scheme = "file://";
-constexpr std::string_view hexDigits = "0123456789ABCDEF";
 
 int digitOf(char c) {
     constexpr int ten = 10;
@@ -57,18 +58,12 @@ std::string uriOf(std::string_view path) {
     std::string uri(scheme);
     if (hasDrive(path)) uri += '/';
     for (const char c : path) {
-        if (Platform::pathSeparator == '\\' && c == '\\') {
+        if (Platform::pathSeparator == '\\' && c == '\\')
             uri += '/';
-        } else if (isUnreserved(c)) {
+        else if (isUnreserved(c))
             uri += c;
-        } else {
-            constexpr unsigned bits = 4;
-            constexpr unsigned mask = 15;
-            const auto byte = static_cast<unsigned char>(c);
-            uri += '%';
-            uri += hexDigits[byte >> bits];
-            uri += hexDigits[byte & mask];
-        }
+        else
+            uri += '%' + Util::hexByte(static_cast<std::uint8_t>(c));
     }
     return uri;
 }

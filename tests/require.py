@@ -4,6 +4,7 @@
 A tool is a program, a file (with a slash) or a module of Perl (Module::Name). If one is missing,
 the test is skipped and one line gives the reason; with TESSARON_REQUIRE_ALL=1 it fails instead.
 """
+import importlib
 import os
 import shutil
 import subprocess
@@ -30,6 +31,14 @@ def require(tools):
     missing = [tool for tool in tools if not is_there(tool)]
     if missing:
         skip("there is no " + ", ".join(missing))
+
+
+def module(name):
+    """A module of Python that Debian packs as python3-NAME; without it the test is skipped."""
+    try:
+        return importlib.import_module(name)
+    except ImportError:
+        return skip("there is no python3-" + name)
 
 
 def lacks(tool):

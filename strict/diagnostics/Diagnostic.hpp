@@ -54,6 +54,12 @@ struct Diagnostic {
     std::optional<Correction> correction = {};  ///< where the hint is one
 };
 
+/// A diagnostic, and what it counts as.
+struct Judged {
+    Diagnostic diagnostic;
+    Severity severity;
+};
+
 /// Takes diagnostics in the order in which they come up.
 class DiagnosticSink {
 public:

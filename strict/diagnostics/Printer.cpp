@@ -6,6 +6,7 @@
 #include <string>
 
 #include "strict/diagnostics/Notes.hpp"
+#include "strict/diagnostics/SarifLog.hpp"
 #include "strict/diagnostics/WorkflowCommand.hpp"
 #include "util/Printable.hpp"
 

@@ -9,7 +9,6 @@
 #include "strict/diagnostics/Allowance.hpp"
 #include "strict/diagnostics/Diagnostic.hpp"
 #include "strict/diagnostics/Policy.hpp"
-#include "strict/diagnostics/SarifLog.hpp"
 
 namespace Strict {
 

@@ -7,12 +7,6 @@
 
 namespace Strict {
 
-/// A diagnostic, and what it counts as.
-struct Judged {
-    Diagnostic diagnostic;
-    Severity severity;
-};
-
 /// Diagnostics as a document of the Static Analysis Results Interchange Format (SARIF) 2.1.0, a
 /// standard of OASIS. Those of a kind are results under the rule of that name, the others
 /// notifications.

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// The texts of the completions, or of those that have one in common with `wanted`.
+/// The texts of the completions, with a blank between them.
 std::string completed(const Marked& place) {
     const auto found = Editor::completionsAt(*place.script, *place.mentions, place.offset);
     std::string list;
@@ -105,7 +105,7 @@ TEST(HoverTest, SaysWhatIsKnown) {
     EXPECT_FALSE(Editor::hoverAt(*remark.script, *remark.mentions, remark.offset));
 }
 
-/// "file:offset" of mentions, the first with a star that makes the thing.
+/// "file:offset" of mentions, with a star where the thing is made.
 std::string placesOf(const std::vector<Editor::Mention>& mentions) {
     std::string text;
     for (const Editor::Mention& one : mentions)

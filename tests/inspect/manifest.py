@@ -19,10 +19,7 @@ sys.path.append(str(pathlib.Path(__file__).resolve().parents[1]))
 sys.dont_write_bytecode = True
 import require  # noqa: E402
 
-try:
-    import jsonschema
-except ImportError:
-    require.skip("there is no python3-jsonschema")
+jsonschema = require.module("jsonschema")
 
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
 SCHEMA = json.loads((pathlib.Path(__file__).resolve().parents[2] /

@@ -114,13 +114,17 @@ class QuickServer(unittest.TestCase):
         fields = pathlib.Path("/proc/%d/stat" % self.process.pid).read_text().rsplit(")", 1)[1].split()
         return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
+    def next(self):
+        length = int(self.process.stdout.readline().split(b":")[1])
+        self.process.stdout.readline()
+        return json.loads(self.process.stdout.read(length))
+
+    def answer(self, number):
+        return next(one["result"] for one in iter(self.next, None) if one.get("id") == number)
+
     def diagnostics(self, version):
-        while True:
-            length = int(self.process.stdout.readline().split(b":")[1])
-            self.process.stdout.readline()
-            answer = json.loads(self.process.stdout.read(length))
-            if answer.get("params", {}).get("version") == version:
-                return answer["params"]["diagnostics"]
+        return next(one["params"]["diagnostics"] for one in iter(self.next, None)
+                    if one.get("params", {}).get("version") == version)
 
     def test_edits_of_a_long_script(self):
         lines = []
@@ -146,6 +150,17 @@ class QuickServer(unittest.TestCase):
             self.assertEqual([one["code"] for one in found], [] if i % 2 else ["unknown-name"])
         # Sanitizers take several times as long.
         self.assertLess((self.spent() - before) / edits, float(os.environ.get("TESSARON_EDIT_TIME", "0.05")))
+
+    def test_name_with_many_places(self):
+        count = 20000
+        self.process.stdin.write(opened("NEW_BUFFER @A EMPTY\nNEW_CRC @C FROM_BUFFER @A\n" + "PRINT_CRC @C\n" * count))
+        place = {"textDocument": {"uri": URI}, "position": {"line": 1, "character": 9}}
+        self.process.stdin.write(message("textDocument/references", place, 3))
+        self.process.stdin.write(message("textDocument/rename", dict(place, newName="@D"), 4))
+        self.process.stdin.flush()
+        self.assertEqual(len(self.answer(3)), count + 1)
+        self.assertEqual(len(self.answer(4)["changes"][URI]), count + 1)
+        self.assertLess(self.spent(), 30 * float(os.environ.get("TESSARON_EDIT_TIME", "0.05")))
 
     def test_idle(self):
         self.process.stdin.write(opened("PRINT_TEXT a"))
