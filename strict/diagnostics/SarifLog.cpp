@@ -8,6 +8,7 @@
 #include "platform/Paths.hpp"
 #include "platform/Version.hpp"
 #include "strict/diagnostics/Notes.hpp"
+#include "util/Hex.hpp"
 #include "util/Printable.hpp"
 
 namespace Strict {
@@ -19,7 +20,6 @@ using Inspect::Json;
 /// A path as a URI reference (RFC 3986): of an absolute one a URI, of any other one a relative
 /// path. A colon is escaped as well, so that no name is taken for a scheme.
 std::string uriOf(std::string path) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
     constexpr std::string_view kept =
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
     const bool hasDrives = Platform::pathSeparator == '\\';
@@ -27,11 +27,10 @@ std::string uriOf(std::string path) {
     const bool hasDrive = hasDrives && path.substr(1, 2) == ":/";
     std::string uri = hasDrive ? "file:///" : path.starts_with("/") ? "file://" : "";
     for (std::size_t i = 0; i < path.size(); ++i) {
-        const auto code = static_cast<unsigned char>(path[i]);
         if (kept.find(path[i]) != std::string_view::npos || (hasDrive && i == 1))
             uri += path[i];
         else
-            uri.append(1, '%').append(1, digits[code >> 4U]).append(1, digits[code & 0xFU]);
+            uri += '%' + Util::hexByte(static_cast<unsigned char>(path[i]));
     }
     return uri;
 }

@@ -1,10 +1,10 @@
 #include "strict/diagnostics/WorkflowCommand.hpp"
 
-#include <cstddef>
 #include <string_view>
 #include <utility>
 
 #include "strict/diagnostics/Notes.hpp"
+#include "util/Hex.hpp"
 #include "util/Printable.hpp"
 
 namespace Strict {
@@ -13,15 +13,12 @@ namespace {
 
 /// The text with `%` and the two digits of its code for each of the characters.
 std::string escaped(std::string_view text, std::string_view characters) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
     std::string result;
     for (const char c : text) {
-        if (characters.find(c) == std::string_view::npos) {
+        if (characters.find(c) == std::string_view::npos)
             result += c;
-            continue;
-        }
-        const auto code = static_cast<unsigned char>(c);
-        result.append(1, '%').append(1, digits[code >> 4U]).append(1, digits[code & 0xFU]);
+        else
+            result += '%' + Util::hexByte(static_cast<unsigned char>(c));
     }
     return result;
 }
