@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <iostream>
 #include <limits>
-#include <map>
 #include <optional>
 #include <string_view>
 
@@ -535,6 +534,7 @@ void addFormat(CLI::App& app, Request& request, Texts& texts) {
     CLI::App* const format =
         app.add_subcommand("format", "formats scripts: their blanks and line breaks, nothing else");
     format->footer("Example: tessaron format --check release.tsn");
+    if (!needsOptions(*format, texts)) return;
     format
         ->add_option("files", request.formatting.files,
                      "the scripts; without one, standard input goes to standard output")

@@ -3,13 +3,11 @@
 #include <optional>
 #include <ostream>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 #include "editor/Format.hpp"
 #include "editor/Text.hpp"
 #include "platform/Files.hpp"
-#include "platform/Replace.hpp"
 #include "strict/files/RunFiles.hpp"
 #include "strict/files/WholeFile.hpp"
 
@@ -20,8 +18,6 @@ namespace {
 using Strict::ExitCode;
 using Strict::Kind;
 
-constexpr const char* standardInput = "<stdin>";
-
 /// Formats one script after the other.
 class Formatter {
 public:
@@ -30,23 +26,21 @@ public:
         settings_.variables = request.variables;
     }
 
-    void formatFile(const std::string& path) {
-        if (auto contents = read(path, Platform::readFile(path))) {
-            const std::string before = *contents;
-            const auto after = formatted(path, std::move(*contents));
-            if (after && *after != before) isCheck_ ? list(path) : write(path, *after);
-        }
-    }
-
-    void formatInput() {
-        if (auto contents = read(standardInput, Platform::readStandardInput())) {
-            const std::string before = *contents;
-            const auto after = formatted(standardInput, std::move(*contents));
-            if (!isCheck_)
-                *output_ << after.value_or(before);
-            else if (after && *after != before)
-                list(standardInput);
-        }
+    /// Formats a script, or for "-" standard input.
+    void format(const std::string& path) {
+        const auto contents = Strict::readScript(path, *printer_);
+        if (!contents) return;
+        const bool isInput = path == "-";
+        const std::string name = isInput ? "<stdin>" : path;
+        const std::string_view before = contents->text();
+        const auto after = formatted(name, std::string(before));
+        const bool hasChanged = after && *after != before;
+        if (isInput && !isCheck_)
+            *output_ << (hasChanged ? *after : before);
+        else if (hasChanged && isCheck_)
+            list(name);
+        else if (hasChanged)
+            Strict::addFile(files_, path, *after, *printer_, Platform::FileMode::Binary);
     }
 
     ExitCode finish() {
@@ -59,25 +53,6 @@ public:
     }
 
 private:
-    /// The bytes of a file, or nothing after a diagnostic.
-    std::optional<std::string> read(const std::string& path,
-                                    std::optional<Platform::FileContents> contents) {
-        if (!contents) {
-            std::error_code error = Platform::lastError();
-            if (!error && path != standardInput) error = Platform::outputTarget(path).error;
-            printer_->take(
-                {Kind::CannotOpen, "cannot open the script " + path + ": " +
-                                       (error ? error.message() : "it has no end to wait for")});
-            return std::nullopt;
-        }
-        if (contents->reading != Platform::Reading::Complete) {
-            printer_->take(
-                {Kind::ShortRead, "the script " + path + " could not be read completely"});
-            return std::nullopt;
-        }
-        return std::string(contents->text());
-    }
-
     /// The text in its format, or nothing after a diagnostic.
     std::optional<std::string> formatted(const std::string& path, std::string contents) {
         const Editor::Text text(std::move(contents));
@@ -100,14 +75,6 @@ private:
         *output_ << path << "\n";
     }
 
-    void write(const std::string& path, std::string_view text) {
-        const auto file = files_.createOutput(path, Platform::FileMode::Binary);
-        const bool isWritten = file != nullptr && file->write(text);
-        if (!isWritten || !file->close())
-            printer_->take(
-                {Kind::CannotWrite, "cannot write " + path + ": " + files_.reasonFor(path)});
-    }
-
     bool isCheck_;
     Strict::Printer* printer_;
     std::ostream* output_;
@@ -121,13 +88,8 @@ private:
 
 ExitCode format(const FormatRequest& request, Strict::Printer& printer, std::ostream& output) {
     Formatter formatter(request, printer, output);
-    for (const std::string& path : request.files) {
-        if (path == "-")
-            formatter.formatInput();
-        else
-            formatter.formatFile(path);
-    }
-    if (request.files.empty()) formatter.formatInput();
+    for (const std::string& path : request.files) formatter.format(path);
+    if (request.files.empty()) formatter.format("-");
     return formatter.finish();
 }
 

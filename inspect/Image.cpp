@@ -18,8 +18,8 @@ using Buffer::Area;
 using Buffer::AreaList;
 using Buffer::MemoryBuffer;
 
-/// Reports the first address for which the file has two bytes. The readers of records report this
-/// themselves, with the lines.
+/// Reports the first address for which the file has two bytes, or else that its addresses count
+/// words. The readers of records report two bytes themselves, with the lines.
 void reportConflict(const std::string& path, const Io::Import::TessaronImportApi& reader,
                     std::uint32_t addressUnit) {
     if (Io::Formats::isOfRecords(Io::Formats::rowOf(reader.getFormat()))) return;

@@ -1,7 +1,6 @@
 #include "inspect/LineRuns.hpp"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "io/InFile.hpp"

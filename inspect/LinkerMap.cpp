@@ -1,7 +1,6 @@
 #include "inspect/LinkerMap.hpp"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,5 @@
 #include "inspect/RecordCounts.hpp"
 
-#include <algorithm>
-
 #include "io/formats/InputFormats.hpp"
 
 namespace Inspect {

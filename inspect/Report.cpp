@@ -12,7 +12,6 @@
 #include "inspect/PageParts.hpp"
 #include "inspect/RunRecord.hpp"
 #include "inspect/Words.hpp"
-#include "util/Hex.hpp"
 #include "util/Printable.hpp"
 
 namespace Inspect {

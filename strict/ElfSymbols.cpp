@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
-#include <utility>
 
 #include "inspect/Words.hpp"
 #include "parser/commands/SymbolFiles.hpp"

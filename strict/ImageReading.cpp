@@ -1,9 +1,5 @@
 #include "strict/ImageReading.hpp"
 
-#include <string_view>
-#include <system_error>
-#include <utility>
-
 #include "facts/Listener.hpp"
 #include "io/File.hpp"
 #include "io/import/Malformed.hpp"

@@ -1,6 +1,5 @@
 #include "strict/IncludedFile.hpp"
 
-#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <span>

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
-#include <utility>
 
 #include "parser/commands/SignatureKey.hpp"
 #include "platform/Replace.hpp"

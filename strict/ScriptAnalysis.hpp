@@ -25,7 +25,7 @@ public:
     ScriptAnalysis(const RunOptions& options, std::string text, ScriptReading::EditedText edited,
                    DiagnosticSink& sink);
 
-    /// Null after a diagnostic.
+    /// Null after a diagnostic; the rest has to do with a text.
     const ScriptText* text() const { return text_; }
 
     /// Those that parse, with what executes each of them.

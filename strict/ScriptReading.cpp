@@ -12,6 +12,7 @@
 #include "platform/Replace.hpp"
 #include "strict/IncludedFile.hpp"
 #include "strict/diagnostics/Suggestion.hpp"
+#include "strict/files/WholeFile.hpp"
 
 namespace Strict {
 
@@ -63,22 +64,8 @@ std::unique_ptr<ScriptText> ScriptReading::read(bool withDigest) {
 }
 
 std::optional<std::string> ScriptReading::readScript(bool withDigest) {
-    const std::string& path = options_->script;
-    const bool isStandardInput = path == "-";
-    Platform::clearLastError();
-    auto contents = isStandardInput ? Platform::readStandardInput() : Platform::readFile(path);
-    if (!contents) {
-        const bool isFolder = Platform::lastError() == std::errc::is_a_directory;
-        sink_->take({Kind::CannotOpen,
-                     isStandardInput && isFolder
-                         ? "cannot read the script from standard input: it is closed or a folder"
-                         : "cannot open the script " + path + ": " + reasonNotOpened(path)});
-        return std::nullopt;
-    }
-    if (contents->reading != Platform::Reading::Complete) {
-        sink_->take({Kind::ShortRead, "the script " + path + " could not be read completely"});
-        return std::nullopt;
-    }
+    auto contents = Strict::readScript(options_->script, *sink_);
+    if (!contents) return std::nullopt;
     if (withDigest) sha256_ = Inspect::sha256Of(contents->text());
     Platform::translateText(*contents);
     return std::string(contents->text());

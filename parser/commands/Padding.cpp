@@ -63,7 +63,6 @@ void writeFillers(MemoryBuffer& image, const Area& area) {
 
 }  // namespace
 
-/// The area up to the next multiples of the alignment, which must be addresses.
 Area Padding::aligned(const Area& area) const {
     if (!alignment) return area;
     const std::uint64_t rest = area.end() % *alignment;

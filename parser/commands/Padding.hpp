@@ -17,6 +17,9 @@ struct Padding {
     std::optional<std::uint32_t> shortGaps = {};  ///< gaps of up to that many bytes are filled
     std::optional<std::uint32_t> alignment = {};  ///< then runs begin and end at its multiples
 
+    /// The area up to the next multiples of the alignment, which must be addresses.
+    Buffer::Area aligned(const Buffer::Area& area) const;
+
     bool isGiven() const { return shortGaps || alignment; }
 
     /// Replaces `images` by some that have all that goes to the file, with what is filled, and that
@@ -42,7 +45,6 @@ private:
     std::optional<std::vector<Group>> groupsOf(
         const std::vector<const Buffer::MemoryBuffer*>& images) const;
     Buffer::AreaList filledRuns(const Buffer::MemoryBuffer& image) const;
-    Buffer::Area aligned(const Buffer::Area& area) const;
     void fill(Buffer::MemoryBuffer& image) const;
 };
 

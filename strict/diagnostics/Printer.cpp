@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "inspect/Json.hpp"
 #include "strict/diagnostics/Notes.hpp"
 #include "strict/diagnostics/SarifLog.hpp"
 #include "strict/diagnostics/WorkflowCommand.hpp"
@@ -13,6 +14,8 @@
 namespace Strict {
 
 namespace {
+
+using Inspect::Json;
 
 constexpr const char* bold = "\033[1m";
 constexpr const char* red = "\033[1;31m";
@@ -26,16 +29,13 @@ const char* colorOf(Severity severity) {
     return severity == Severity::Warning ? magenta : cyan;
 }
 
-/// A line of JSON. Bytes that are not UTF-8 are replaced.
-std::string lineOf(const nlohmann::ordered_json& json) {
-    return Util::printableJson(
-               json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)) +
-           "\n";
+std::string lineOf(const Json& json) {
+    return Inspect::dump(json, -1);
 }
 
 /// A place as an object of JSON.
-nlohmann::ordered_json toJson(const Place& place) {
-    nlohmann::ordered_json json{{"file", place.file}};
+Json toJson(const Place& place) {
+    Json json{{"file", place.file}};
     if (place.line != 0) json["line"] = place.line;
     if (place.column != 0) {
         json["column"] = place.column;
@@ -68,7 +68,7 @@ bool Printer::isShown(Severity severity) const {
 void Printer::finish(int exitCode) {
     const std::string rest = allowance_.restText();
     if (!rest.empty() && format_ == DiagnosticFormat::Json) {
-        nlohmann::ordered_json json{{"severity", wordFor(Severity::Note)}, {"text", rest}};
+        Json json{{"severity", wordFor(Severity::Note)}, {"text", rest}};
         for (const auto& [kind, count] : allowance_.rest())
             json["notShown"][kind ? nameOf(*kind) : "note"] = count;
         *out_ << lineOf(json) << std::flush;
@@ -166,13 +166,13 @@ std::string Printer::textOf(const Diagnostic& diagnostic, Severity severity) con
 }
 
 std::string Printer::jsonOf(const Diagnostic& diagnostic, Severity severity) {
-    nlohmann::ordered_json json{{"severity", wordFor(severity)}};
+    Json json{{"severity", wordFor(severity)}};
     if (diagnostic.kind) json["name"] = nameOf(*diagnostic.kind);
     json["text"] = diagnostic.text;
     if (diagnostic.place) json.update(toJson(*diagnostic.place));
     if (!diagnostic.hint.empty()) json["hint"] = diagnostic.hint;
     for (const Note& note : allNotesOf(diagnostic)) {
-        nlohmann::ordered_json entry{{"text", note.text}};
+        Json entry{{"text", note.text}};
         if (note.place) entry.update(toJson(*note.place));
         json["notes"].push_back(entry);
     }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <ostream>
 #include <string>
 #include <utility>

@@ -1,6 +1,7 @@
 #include "strict/files/WholeFile.hpp"
 
-#include "platform/Replace.hpp"
+#include <system_error>
+#include <utility>
 
 namespace Strict {
 
@@ -14,6 +15,21 @@ std::string listOf(const std::vector<std::string>& paths) {
 
 void reportUnwritten(const std::string& path, const std::string& reason, DiagnosticSink& sink) {
     sink.take({Kind::CannotWrite, "cannot write " + path + ": " + reason});
+}
+
+/// The contents if they are whole, or nothing after a diagnostic.
+///
+/// @param name  of the file, for people
+std::optional<Platform::FileContents> whole(std::optional<Platform::FileContents> contents,
+                                            const std::string& name, const std::string& path,
+                                            DiagnosticSink& sink) {
+    if (!contents) {
+        sink.take({Kind::CannotOpen, "cannot open " + name + ": " + reasonNotOpened(path)});
+    } else if (contents->reading != Platform::Reading::Complete) {
+        sink.take({Kind::ShortRead, name + " could not be read completely"});
+        contents.reset();
+    }
+    return contents;
 }
 
 }  // namespace
@@ -41,15 +57,23 @@ bool nameFile(RunFiles& files, const std::string& path, FileRole role, Diagnosti
 
 std::optional<Platform::FileContents> readWhole(const std::string& path, DiagnosticSink& sink) {
     Platform::clearLastError();
-    auto contents = Platform::readFile(path);
-    if (!contents)
-        sink.take({Kind::CannotOpen, "cannot open " + path + ": " + reasonNotOpened(path)});
-    return contents;
+    return whole(Platform::readFile(path), path, path, sink);
 }
 
-void addFile(RunFiles& files, const std::string& path, std::string_view text,
-             DiagnosticSink& sink) {
-    const auto file = files.createOutput(path, Platform::FileMode::Text);
+std::optional<Platform::FileContents> readScript(const std::string& path, DiagnosticSink& sink) {
+    const bool isStandardInput = path == "-";
+    Platform::clearLastError();
+    auto contents = isStandardInput ? Platform::readStandardInput() : Platform::readFile(path);
+    if (contents || !isStandardInput || Platform::lastError() != std::errc::is_a_directory)
+        return whole(std::move(contents), "the script " + path, path, sink);
+    sink.take(
+        {Kind::CannotOpen, "cannot read the script from standard input: it is closed or a folder"});
+    return std::nullopt;
+}
+
+void addFile(RunFiles& files, const std::string& path, std::string_view text, DiagnosticSink& sink,
+             Platform::FileMode mode) {
+    const auto file = files.createOutput(path, mode);
     const bool isWritten = file != nullptr && file->write(text);
     if (!isWritten || !file->close()) reportUnwritten(path, files.reasonFor(path), sink);
 }

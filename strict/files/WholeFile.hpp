@@ -20,8 +20,14 @@ std::string wordsFor(const RunFiles::Collision& collision, const std::string& pa
 /// Reads a whole file that an option gives, or reports why that is not possible.
 std::optional<Platform::FileContents> readWhole(const std::string& path, DiagnosticSink& sink);
 
+/// Reads a whole script, or reports why that is not possible.
+///
+/// @param path  "-" for standard input
+std::optional<Platform::FileContents> readScript(const std::string& path, DiagnosticSink& sink);
+
 /// Adds a file to the outputs of a run, or reports why that is not possible.
-void addFile(RunFiles& files, const std::string& path, std::string_view text, DiagnosticSink& sink);
+void addFile(RunFiles& files, const std::string& path, std::string_view text, DiagnosticSink& sink,
+             Platform::FileMode mode = Platform::FileMode::Text);
 
 /// Puts all outputs in place, or reports the one that could not be.
 void commit(RunFiles& files, DiagnosticSink& sink);

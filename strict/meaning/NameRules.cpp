@@ -1,7 +1,5 @@
 #include "strict/meaning/NameRules.hpp"
 
-#include <algorithm>
-#include <array>
 #include <set>
 #include <string>
 #include <string_view>

@@ -1,12 +1,10 @@
 #include "strict/meaning/SizeRules.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <string>
 #include <utility>
 
-#include "buffer/Overlap.hpp"
 #include "inspect/Words.hpp"
 
 namespace Strict {

@@ -1,14 +1,14 @@
 #include "strict/record/WideGaps.hpp"
 
-#include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "inspect/Gaps.hpp"
 #include "inspect/Image.hpp"
 #include "inspect/Words.hpp"
+#include "parser/commands/Padding.hpp"
 #include "strict/script/OutputFormat.hpp"
 
 namespace Strict {
@@ -23,31 +23,26 @@ using Parser::WrapperLib::CmdContext;
 
 /// What a statement fills beside the bytes of its images.
 struct Filling {
-    bool isSkipping;          ///< addresses that nothing wrote, unless they are one of these:
-    std::uint64_t shortGaps;  ///< those of gaps of up to that many bytes
-    std::uint64_t alignment;  ///< and those before and after a run, up to multiples of it
+    bool isSkipping;  ///< addresses that nothing wrote, unless they are padding
+    Parser::WrapperLib::Padding padding;
 
-    bool isPadding() const { return shortGaps != 0 || alignment > 1; }
-
-    /// The area with what is filled before and after it.
-    Buffer::Area around(const Buffer::Area& area) const {
-        const std::uint64_t start = area.start - area.start % alignment;
-        const std::uint64_t rest = area.end() % alignment;
-        return {start, area.end() + (rest == 0 ? 0 : alignment - rest) - start};
+    bool isPadding() const {
+        return padding.shortGaps.value_or(0) != 0 || padding.alignment.value_or(1) > 1;
     }
 };
 
-/// The number of an option; `otherwise` without it.
-std::uint64_t numberOf(const Statement& statement, Role role, std::uint64_t otherwise) {
+/// The number of an option other than 0, if there is one.
+std::optional<std::uint32_t> numberOf(const Statement& statement, Role role) {
     const Part* const option = statement.last(role);
-    return option == nullptr ? otherwise : statement.numbersOf(*option).back().value();
+    const std::uint32_t number =
+        option == nullptr ? 0 : statement.numbersOf(*option).back().value();
+    return number == 0 ? std::nullopt : std::optional(number);
 }
 
 Filling fillingOf(const Statement& statement) {
     // An alignment of 0 is refused when the statement runs.
     return {statement.roles.hasAny({Role::Gaps, Role::ShortGaps}),
-            numberOf(statement, Role::ShortGaps, 0),
-            std::max<std::uint64_t>(numberOf(statement, Role::Alignment, 1), 1)};
+            {numberOf(statement, Role::ShortGaps), numberOf(statement, Role::Alignment)}};
 }
 
 /// Counts the addresses of images to which nothing gave a byte or a filler. An address that several
@@ -75,8 +70,10 @@ public:
 
     /// Those of them, and of the addresses beside the images, that a statement fills.
     std::uint64_t gapsFilledBy(const Filling& filling) const {
-        AreaList runs = filling.isSkipping ? Inspect::joined(written_, filling.shortGaps) : ranges_;
-        for (Buffer::Area& run : runs) run = filling.around(run);
+        AreaList runs = filling.isSkipping
+                            ? Inspect::joined(written_, filling.padding.shortGaps.value_or(0))
+                            : ranges_;
+        for (Buffer::Area& run : runs) run = filling.padding.aligned(run);
         std::uint64_t gaps = 0;
         for (const Buffer::Area& run : Inspect::joined(std::move(runs), 0))
             gaps += Inspect::byteCount(uncovered(run, given_));
@@ -105,7 +102,7 @@ std::uint64_t mostAddresses(const Statement& statement, const CmdContext& contex
     if (!filling.isPadding() || ranges.empty()) return length;
     // What is filled may be between two images as well.
     const Buffer::Area all = Inspect::joined(std::move(ranges), ~std::uint64_t{0} >> 1U).front();
-    return filling.around(all).length;
+    return filling.padding.aligned(all).length;
 }
 
 std::uint64_t gapsOf(const Statement& statement, const CmdContext& context,

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <span>
 #include <string_view>
 #include <utility>
 #include <vector>

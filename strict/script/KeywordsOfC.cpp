@@ -1,7 +1,6 @@
 #include "strict/script/KeywordsOfC.hpp"
 
 #include <algorithm>
-#include <array>
 
 namespace Strict {
 

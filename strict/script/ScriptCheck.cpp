@@ -5,7 +5,6 @@
 #include <optional>
 #include <utility>
 
-#include "inspect/Words.hpp"
 #include "parser/commands/CmdNewHash.hpp"
 #include "parser/commands/Conventions.hpp"
 #include "platform/Paths.hpp"

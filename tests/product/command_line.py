@@ -230,8 +230,9 @@ class CommandLines(unittest.TestCase):
             self.assertIn("is in " + encoding[:6].upper(), run("run", "wide.tsn", code=2))
         pathlib.Path("wide.tsn").write_bytes(script.encode("utf-8-sig"))
         run("run", "wide.tsn")
-        closed = run("run", "-", code=1, preexec_fn=lambda: os.close(0))
-        self.assertIn("standard input", closed)
+        for arguments in (["run", "-"], ["format"]):
+            closed = run(*arguments, code=1, preexec_fn=lambda: os.close(0))
+            self.assertIn("standard input: it is closed", closed)
 
     def test_scripts_that_cannot_be_read(self):
         endless = "annot open pipe: it has no end to wait for [cannot-open]"
