@@ -102,6 +102,7 @@ OriginMap::Ranges::iterator OriginMap::cleared(const Area& area, Ranges::iterato
 }
 
 void OriginMap::lay(const OriginMap& other, const Area& area) {
+    if (area.length == 0) return;
     auto at = changeable(firstIn(area));
     for (auto laid = other.firstIn(area);
          laid != other.ranges_.end() && laid->second.area.start < area.end(); ++laid) {

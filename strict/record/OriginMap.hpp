@@ -36,7 +36,7 @@ public:
     /// Forgets the addresses of `area`.
     void erase(const Buffer::Area& area);
 
-    /// Takes over what `other` knows of the addresses of `area`.
+    /// Takes over what `other` knows of the addresses of `area`; nothing of one of length 0.
     void lay(const OriginMap& other, const Buffer::Area& area);
 
     /// Moves all addresses by `distance`, modulo 2^64.

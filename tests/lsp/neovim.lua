@@ -272,7 +272,7 @@ local good, message = pcall(function()
     for _, one in ipairs(published[uri].diagnostics) do seen[one.code or "note"] = true end
   end
   local kinds = vim.tbl_keys(seen)
-  if edits >= 200 and #kinds < 6 then fail("the edits led to few kinds of diagnostics:", kinds) end
+  if edits >= 1000 and #kinds < 6 then fail("the edits led to few kinds of diagnostics:", kinds) end
   vim.lsp.stop_client(client)
   vim.wait(timeout, function() return exit ~= nil end, 10)
   equal("the exit code of the server", exit, 0)
