@@ -190,12 +190,15 @@ std::vector<Mention> Mentions::toRename(const Mention& mention) const {
         for (const Mention& one : all_)
             if (one.thing != Thing::Parameter && one.name == mention.name) all.push_back(one);
     }
+    const auto isParameterAt = [this](const FilePlace& where) {
+        auto word = std::ranges::lower_bound(all_, where, {}, &Mention::where);
+        while (word != all_.end() && word->where == where && word->thing != Thing::Parameter)
+            ++word;
+        return word != all_.end() && word->where == where;
+    };
     // What comes from the value of a parameter changes with it.
     std::erase_if(all, [&](const Mention& one) {
-        return hasValue && !one.isWritten &&
-               std::ranges::any_of(
-                   std::ranges::equal_range(all_, one.where, {}, &Mention::where),
-                   [](const Mention& word) { return word.thing == Thing::Parameter; });
+        return hasValue && !one.isWritten && isParameterAt(one.where);
     });
     // Several things may have one value for their names.
     const auto isAtSame = [](const Mention& one, const Mention& other) {
