@@ -73,8 +73,6 @@ private:
     Json diagnosticsOf(Document& document);
     Json diagnosticOf(const Document& document, const Editor::Script& script,
                       const Strict::Judged& finding) const;
-    std::optional<Editor::TextSpan> spanIn(const Editor::Script& script,
-                                           const std::optional<Strict::Place>& place) const;
     Json related(const Document& document, const Editor::Script& script,
                  const Strict::Diagnostic& diagnostic) const;
 

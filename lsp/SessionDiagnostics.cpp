@@ -27,21 +27,9 @@ Json wholeDiagnostic(const std::string& text, int severity) {
             {"message", text}};
 }
 
-}  // namespace
-
-Json Session::locationOf(const Editor::Script& script, std::size_t file,
-                         Editor::TextSpan where) const {
-    const std::string path = Platform::absolutePath(script.fileName(file));
-    const Document* const open = documents_.withPath(path);
-    if (open != nullptr)
-        return {{"uri", open->uri()}, {"range", rangeOf(open->text(), where, encoding_)}};
-    const Editor::Text text{std::string(script.fileText(file))};
-    return {{"uri", uriOf(path)}, {"range", rangeOf(text, where, encoding_)}};
-}
-
 /// Where the script's own file has a place, or the line that includes the file that has it.
-std::optional<Editor::TextSpan> Session::spanIn(const Editor::Script& script,
-                                                const std::optional<Strict::Place>& place) const {
+std::optional<Editor::TextSpan> spanIn(const Editor::Script& script,
+                                       const std::optional<Strict::Place>& place) {
     if (!place) return std::nullopt;
     const auto found = script.placeOf(*place);
     if (found && found->file == 0) return found->where;
@@ -53,6 +41,18 @@ std::optional<Editor::TextSpan> Session::spanIn(const Editor::Script& script,
         if (const auto outer = script.placeOf(including)) return outer->where;
     }
     return std::nullopt;
+}
+
+}  // namespace
+
+Json Session::locationOf(const Editor::Script& script, std::size_t file,
+                         Editor::TextSpan where) const {
+    const std::string path = Platform::absolutePath(script.fileName(file));
+    const Document* const open = documents_.withPath(path);
+    if (open != nullptr)
+        return {{"uri", open->uri()}, {"range", rangeOf(open->text(), where, encoding_)}};
+    const Editor::Text text{std::string(script.fileText(file))};
+    return {{"uri", uriOf(path)}, {"range", rangeOf(text, where, encoding_)}};
 }
 
 Json Session::related(const Document& document, const Editor::Script& script,

@@ -1,6 +1,7 @@
 #include "strict/script/KeywordsOfC.hpp"
 
 #include <algorithm>
+#include <array>
 
 namespace Strict {
 
