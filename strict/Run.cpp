@@ -220,9 +220,8 @@ public:
           documents_(options, printer.policy()),
           remarks_(printer.policy()) {
         if (!needsRecord()) return;
-        // The inputs are read once more in any case, to find out whether they have changed.
-        const bool hasDigests = documents_.areWanted() || !options_.report.empty();
-        files_.keepDigests(hasDigests ? RunFiles::DigestsOf::All : RunFiles::DigestsOf::Inputs);
+        files_.keepStates();
+        if (documents_.areWanted() || !options_.report.empty()) files_.keepDigests();
         printer.copyTo(remarks_);
     }
 
@@ -318,7 +317,7 @@ private:
             noteEffects(files_, *printer_);
             return ExitCode::Failed;
         }
-        if (needsRecord() && !record(program, execution)) return ExitCode::Failed;
+        if (needsRecord() && !finish(program, execution)) return ExitCode::Failed;
         if (!options_.dependencyFile.empty() && !options_.isCheck)
             writeDependencyFile(options_.dependencyFile, {options_.script, options_.nameFile},
                                 files_, *printer_);
@@ -331,10 +330,14 @@ private:
         return printer_->errors() == 0 ? ExitCode::Good : ExitCode::Failed;
     }
 
-    /// Compares the record of the run with what is on disk, or adds what is made of it to the
+    /// Compares what the run made with what is on disk, or adds what is made of its record to the
     /// outputs. False if anything differs.
-    bool record(const Program& program, const Execution& execution) {
+    bool finish(const Program& program, const Execution& execution) {
         if (!checkInputs(files_, *printer_)) return false;
+        return options_.isCheck ? compare(program, execution) : write(record(program, execution));
+    }
+
+    Inspect::RunRecord record(const Program& program, const Execution& execution) {
         const FinishedRun finished{scriptSha256_,        &options_.variables,     &program,
                                    &execution.context(), &execution.provenance(), &files_,
                                    recipeFolders()};
@@ -346,12 +349,21 @@ private:
         // The links of the record lead from one file to the other by their paths.
         for (Inspect::Remark& remark : record.remarks)
             remark.file = recordedPath(remark.file, finished.recipeFolders);
-        return options_.isCheck ? compare(record, execution.provenance()) : write(record);
+        return record;
     }
 
-    bool compare(const Inspect::RunRecord& record, const Provenance& provenance) {
-        const bool isAsListed = documents_.compare(record, *printer_);
-        return (!options_.comparesDisk || compareWithDisk(files_, record, provenance, *printer_)) &&
+    /// Makes the record only for documents, or to explain a difference: the lines of inputs take
+    /// more time than the run.
+    bool compare(const Program& program, const Execution& execution) {
+        std::optional<Inspect::RunRecord> made;
+        const auto recordMade = [&]() -> const Inspect::RunRecord& {
+            if (!made) made = record(program, execution);
+            return *made;
+        };
+        const bool isAsListed =
+            !documents_.areWanted() || documents_.compare(recordMade(), *printer_);
+        return (!options_.comparesDisk ||
+                compareWithDisk(files_, recordMade, execution.provenance(), *printer_)) &&
                isAsListed;
     }
 

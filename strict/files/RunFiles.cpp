@@ -177,14 +177,17 @@ bool RunFiles::isWritten(const std::string& path) {
 }
 
 void RunFiles::noteContent(File& file, const Platform::InputFile& opened) {
-    if (digests_ == nullptr) return;
+    if (!keepsStates_) return;
     const auto state = opened.state();
     const bool isKnown = std::ranges::any_of(file.contents, [&](const Content& content) {
         return state && content.state == state && content.programs == programs_;
     });
     if (isKnown) return;
-    Content content{state, programs_, DigestPool::begin()};
-    digests_->takeFile(*content.digest, opened);
+    Content content{state, programs_, nullptr};
+    if (digests_ != nullptr) {
+        content.digest = DigestPool::begin();
+        digests_->takeFile(*content.digest, opened);
+    }
     file.contents.push_back(std::move(content));
 }
 
@@ -277,7 +280,7 @@ std::unique_ptr<Io::OutputStream> RunFiles::addUncreated(Output output) {
 
 std::unique_ptr<Io::OutputStream> RunFiles::addOutput(Output output,
                                                       std::optional<Platform::OutputFile> file) {
-    if (hasOutputDigests_) output.digest = DigestPool::begin();
+    if (digests_ != nullptr) output.digest = DigestPool::begin();
     all_.push_back(std::move(output));
     all_.back().file->newest = &all_.back();
     return std::make_unique<Stream>(*this, all_.back(), std::move(file));
@@ -387,6 +390,7 @@ int RunFiles::runProgram(const std::string& location, const std::string& argumen
 
 std::vector<FileDigest> RunFiles::inputDigests(const std::string& path) {
     std::vector<FileDigest> digests;
+    if (digests_ == nullptr) return digests;
     for (const Content& content : fileAt(path).contents) {
         const FileDigest digest = digests_->finish(*content.digest);
         const bool isKnown = std::ranges::any_of(
@@ -396,14 +400,20 @@ std::vector<FileDigest> RunFiles::inputDigests(const std::string& path) {
     return digests;
 }
 
+/// Without a digest, a file has the state that it had, unless a program has been started since,
+/// which may change it. What is not a regular file has none.
+bool RunFiles::hasChanged(const File& file, const Content& content) {
+    if (content.digest != nullptr) return digests_->finish(*content.digest).hasChanged;
+    if (!content.state || content.programs != programs_) return false;
+    const auto opened = Platform::InputFile::open(*file.inputPath);
+    return !opened || opened->state() != content.state;
+}
+
 std::vector<std::string> RunFiles::changedInputs() {
     std::vector<std::string> changed;
-    for (const File& file : files_) {
-        const bool hasChanged = std::ranges::any_of(file.contents, [this](const Content& content) {
-            return digests_->finish(*content.digest).hasChanged;
-        });
-        if (hasChanged) changed.push_back(*file.inputPath);
-    }
+    for (const File& file : files_)
+        if (std::ranges::any_of(file.contents, [&](const auto& c) { return hasChanged(file, c); }))
+            changed.push_back(*file.inputPath);
     return changed;
 }
 

@@ -98,17 +98,17 @@ public:
     int runProgram(const std::string& location, const std::string& arguments) override;
     std::optional<std::string> timeText() override { return sourceDate(); }
 
-    /// Whose digests are wanted.
-    enum class DigestsOf : unsigned char { Inputs, All };
+    /// Notes the states of inputs from now on, by which it is found out whether they have changed.
+    void keepStates() { keepsStates_ = true; }
 
-    /// Lets digests be computed from now on, while the files are read and written.
-    void keepDigests(DigestsOf files = DigestsOf::All) {
+    /// The same, and lets digests be computed while files are read and written.
+    void keepDigests() {
+        keepStates();
         digests_ = std::make_unique<DigestPool>();
-        hasOutputDigests_ = files == DigestsOf::All;
     }
 
     /// The digests of what was read of an input: one, or several if a program that was called has
-    /// changed the file between two statements that read it.
+    /// changed the file between two statements that read it; none if digests are not wanted.
     ///
     /// @throws std::bad_alloc  if the memory did not suffice for them
     std::vector<FileDigest> inputDigests(const std::string& path);
@@ -200,9 +200,9 @@ private:
     };
     /// A state of a file that was read.
     struct Content {
-        std::optional<Platform::FileState> state;  ///< none for a file that is not regular
-        unsigned programs;                         ///< that had been started before
-        std::shared_ptr<DigestPool::Digest> digest;
+        std::optional<Platform::FileState> state;    ///< none for a file that is not regular
+        unsigned programs;                           ///< that had been started before
+        std::shared_ptr<DigestPool::Digest> digest;  ///< null if nobody wants it
     };
     struct Use {
         FileRole role;
@@ -222,6 +222,7 @@ private:
     File& fileAt(const std::string& path);
     File& fileAt(const std::string& path, const Platform::OutputTarget& target);
     void noteContent(File& file, const Platform::InputFile& opened);
+    bool hasChanged(const File& file, const Content& content);
     std::optional<Platform::InputFile> openWritten(const Output& output);
     std::unique_ptr<Io::OutputStream> addOutput(Output output,
                                                 std::optional<Platform::OutputFile> file);
@@ -248,7 +249,7 @@ private:
     std::vector<std::string> outputs_;
     std::vector<std::string> busyFolders_;
     std::unique_ptr<DigestPool> digests_;  ///< null if nobody wants them
-    bool hasOutputDigests_ = false;
+    bool keepsStates_ = false;
 };
 
 }  // namespace Strict

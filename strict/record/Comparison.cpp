@@ -309,10 +309,10 @@ void explain(Diagnostic& diagnostic, RunFiles& files, const Inspect::FileRecord&
 
 }  // namespace
 
-bool compareWithDisk(RunFiles& files, const Inspect::RunRecord& record,
+bool compareWithDisk(RunFiles& files, const std::function<const Inspect::RunRecord&()>& record,
                      const Provenance& provenance, DiagnosticSink& sink) {
     bool isEqual = true;
-    const NamedRecords named(record);
+    std::optional<NamedRecords> named;
     for (const std::string& path : files.outputs()) {
         const FileMatch match = files.matchOnDisk(path);
         if (match == FileMatch::Equal) continue;
@@ -321,9 +321,12 @@ bool compareWithDisk(RunFiles& files, const Inspect::RunRecord& record,
         Diagnostic diagnostic{};
         diagnostic.kind = Kind::Differs;
         diagnostic.text = path + (isThere ? " is not what the script makes today" : " is missing");
-        const Inspect::FileRecord* const output = named.output(Platform::portablePath(path));
-        if (isThere && output != nullptr)
-            explain(diagnostic, files, *output, named.imagesOf(*output), path, record, provenance);
+        if (isThere) {
+            if (!named) named.emplace(record());
+            if (const auto* const output = named->output(Platform::portablePath(path)))
+                explain(diagnostic, files, *output, named->imagesOf(*output), path, record(),
+                        provenance);
+        }
         sink.take(diagnostic);
     }
     return isEqual;

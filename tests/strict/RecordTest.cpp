@@ -55,7 +55,11 @@ public:
     }
 
     /// Says in `sink` where the outputs differ from the files on disk.
-    bool matchesDisk() { return compareWithDisk(files, record(true), provenance_, sink); }
+    bool matchesDisk() {
+        const Inspect::RunRecord made = record(true);
+        return compareWithDisk(
+            files, [&]() -> const Inspect::RunRecord& { return made; }, provenance_, sink);
+    }
 
     const std::map<std::string, std::string> variables{{"a", "b"}};
     Tests::TakenDiagnostics sink;

@@ -391,6 +391,18 @@ TEST_F(RunFilesLinuxTest, AnInputThatChangesDuringItsDigestIsNamed) {
     EXPECT_EQ(files.changedInputs(), Names({at("large")}));
 }
 
+TEST_F(RunFilesLinuxTest, WithoutDigestsAnInputThatChangesIsNamedByItsState) {
+    for (const char* const name : {"same", "cut", "gone", "program"}) put(name, "abc");
+    RunFiles files(RunFiles::Mode::Disk);
+    files.keepStates();
+    EXPECT_EQ(read(files, at("program")), "abc");
+    EXPECT_EQ(files.runProgram("/bin/sh", "-c 'echo x >" + at("program") + "'"), 0);
+    for (const char* const name : {"same", "cut", "gone"}) EXPECT_EQ(read(files, at(name)), "abc");
+    fs::resize_file(at("cut"), 1);
+    fs::remove(at("gone"));
+    EXPECT_EQ(files.changedInputs(), Names({at("cut"), at("gone")}));
+}
+
 TEST_F(RunFilesLinuxTest, NoDescriptorStaysOpen) {
     const auto open = [] {
         return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
