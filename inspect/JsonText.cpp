@@ -111,14 +111,18 @@ void JsonText::begin() {
 void JsonText::begin(std::string_view name) {
     begin();
     append(name);
-    text_ += ": ";
+    text_ += ':';
+    text_ += ' ';
 }
 
 void JsonText::append(std::string_view text) {
-    if (std::ranges::all_of(text, &isPlain))
-        text_.append("\"").append(text).append("\"");
-    else
+    if (std::ranges::all_of(text, &isPlain)) {
+        text_ += '"';
+        text_.append(text);
+        text_ += '"';
+    } else {
         text_ += textOf(std::string(text), -1);
+    }
 }
 
 void JsonText::append(std::uint64_t number) {
