@@ -104,7 +104,8 @@ void checkLines(const TessaronImportApi& field) {
     if (const auto walk = Io::Formats::rowOf(field.getFormat()).walk) {
         Runs walked;
         walk(inputPath, Io::openInput(inputPath), 1, walked);
-        check(walked.runs() == field.getSourceRuns(), "a walk finds the lines that were read");
+        check(std::ranges::equal(walked.runs(), field.getSourceRuns()),
+              "a walk finds the lines that were read");
     }
     const std::uint64_t start = field.getMinAddress();
     const std::uint64_t before = std::min<std::uint64_t>(start, 3);

@@ -13,6 +13,7 @@ namespace Inspect {
 namespace {
 
 constexpr std::size_t indent = 2;
+constexpr std::size_t pieceSize = std::size_t{1} << 16U;
 
 /// A character that strings of JSON have as it is.
 bool isPlain(char c) {
@@ -20,6 +21,10 @@ bool isPlain(char c) {
 }
 
 }  // namespace
+
+JsonText::JsonText(TakeText take) : take_(std::move(take)) {
+    open('{');
+}
 
 void JsonText::addText(std::string_view name, std::string_view text) {
     begin(name);
@@ -84,14 +89,19 @@ void JsonText::addAreas(std::string_view name, const Buffer::AreaList& areas) {
     close();
 }
 
-std::string JsonText::take() {
+void JsonText::finish() {
     close();
     text_ += '\n';
-    return std::move(text_);
+    take_(text_);
+    text_.clear();
 }
 
 /// Begins the line of an entry.
 void JsonText::begin() {
+    if (text_.size() >= pieceSize) {
+        take_(text_);
+        text_.clear();
+    }
     if (!isEmpty_) text_ += ',';
     text_ += lineStart_;
     isEmpty_ = false;
@@ -101,14 +111,18 @@ void JsonText::begin() {
 void JsonText::begin(std::string_view name) {
     begin();
     append(name);
-    text_ += ": ";
+    text_ += ':';
+    text_ += ' ';
 }
 
 void JsonText::append(std::string_view text) {
-    if (std::ranges::all_of(text, &isPlain))
-        text_.append("\"").append(text).append("\"");
-    else
+    if (std::ranges::all_of(text, &isPlain)) {
+        text_ += '"';
+        text_.append(text);
+        text_ += '"';
+    } else {
         text_ += textOf(std::string(text), -1);
+    }
 }
 
 void JsonText::append(std::uint64_t number) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,11 +10,16 @@
 
 namespace Inspect {
 
+/// Takes the next piece of a text.
+using TakeText = std::function<void(std::string_view)>;
+
 /// The text of a JSON object that is made piece by piece, as `dump` makes it of a value: records
-/// have so many entries that a value in memory would take ten times their text.
+/// have so many entries that their text is a large part of the memory of a run, and a value ten
+/// times that.
 class JsonText {
 public:
-    JsonText() { open('{'); }
+    /// @param take  gets the text as it is made
+    explicit JsonText(TakeText take);
 
     /// Add a property to the object that is open.
     void addText(std::string_view name, std::string_view text);
@@ -35,8 +41,8 @@ public:
     void addArea(const Buffer::Area& area);
     void addAreas(std::string_view name, const Buffer::AreaList& areas);
 
-    /// Closes the whole.
-    std::string take();
+    /// Closes the whole, and lets the rest of the text be taken.
+    void finish();
 
 private:
     void begin();
@@ -45,7 +51,8 @@ private:
     void append(std::uint64_t number);
     void open(char bracket);
 
-    std::string text_;
+    TakeText take_;
+    std::string text_;              ///< that was not taken yet
     std::string lineStart_ = "\n";  ///< a line feed and the blanks of the line
     std::vector<char> brackets_;    ///< that close what is open
     bool isEmpty_ = true;           ///< what was opened last has nothing

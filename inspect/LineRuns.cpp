@@ -59,8 +59,8 @@ std::vector<std::uint64_t> linesAt(const std::vector<LineRun>& runs, std::uint64
     return lines;
 }
 
-std::uint64_t lineAt(const std::vector<LineRun>& runs, std::uint64_t address,
-                     std::uint64_t firstLine, std::uint64_t lastLine) {
+std::uint64_t lineAt(std::span<const LineRun> runs, std::uint64_t address, std::uint64_t firstLine,
+                     std::uint64_t lastLine) {
     // Runs are in the order of the file, and the first line may lie within one of them.
     auto run = std::ranges::upper_bound(runs, firstLine, {}, &LineRun::firstLine);
     if (run != runs.begin()) --run;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -23,7 +24,7 @@ std::vector<std::uint64_t> linesAt(const std::vector<LineRun>& runs, std::uint64
 
 /// The line among those from `firstLine` to `lastLine` that gave an address; 0 if none did. Of a
 /// file that gives the address twice, they are the lines of one of its runs.
-std::uint64_t lineAt(const std::vector<LineRun>& runs, std::uint64_t address,
+std::uint64_t lineAt(std::span<const LineRun> runs, std::uint64_t address,
                      std::uint64_t firstLine = 0,
                      std::uint64_t lastLine = std::numeric_limits<std::uint64_t>::max());
 

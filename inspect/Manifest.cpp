@@ -1,6 +1,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "inspect/CrcWords.hpp"
@@ -56,12 +58,12 @@ const char* wordFor(MapKind kind) {
     return words[static_cast<std::size_t>(kind)];
 }
 
-void addRange(JsonText& json, const OriginRange& range) {
+void addRange(JsonText& json, const OriginRange& range, const RangeOrigin& origin) {
     json.openObject();
     json.addArea(range.area);
-    json.addText("kind", wordFor(range.kind));
-    addLine(json, range.line, range.script);
-    if (!range.file.empty()) json.addText("file", range.file);
+    json.addText("kind", wordFor(origin.kind));
+    addLine(json, origin.line, origin.script);
+    if (!origin.file.empty()) json.addText("file", origin.file);
     if (range.firstLine != 0) {
         json.openList("fileLines");
         json.addNumber(range.firstLine);
@@ -79,7 +81,7 @@ void addImage(JsonText& json, const ImageRecord& record) {
     json.addText("sha256", record.digest.sha256);
     if (record.startAddress) json.addText("startAddress", addressText(*record.startAddress));
     json.openList("ranges");
-    for (const OriginRange& range : record.ranges) addRange(json, range);
+    for (const OriginRange& range : record.ranges) addRange(json, range, record.originOf(range));
     json.close();
     json.close();
 }
@@ -163,8 +165,8 @@ Digest digestOf(const ImageRecord& record) {
                : digestOf(*record.image);
 }
 
-std::string manifestOf(const RunRecord& record) {
-    JsonText json;
+void writeManifest(const RunRecord& record, const TakeText& take) {
+    JsonText json(take);
     json.addNumber("version", 1);
     json.openObject("script");
     json.addText("path", record.scriptPath);
@@ -177,12 +179,19 @@ std::string manifestOf(const RunRecord& record) {
     addList(json, "images", record.images, &addImage);
     addList(json, "values", record.values, &addValue);
     addList(json, "outputs", record.outputs, &addOutput);
-    return json.take();
+    json.finish();
+}
+
+std::string manifestOf(const RunRecord& record) {
+    std::string text;
+    writeManifest(record, [&text](std::string_view piece) { text += piece; });
+    return text;
 }
 
 MapRow rowOf(const ImageRecord& image) {
     MapRow row{image.name, {}};
-    for (const OriginRange& range : image.ranges) row.ranges.push_back({range.area, range.kind});
+    for (const OriginRange& range : image.ranges)
+        row.ranges.push_back({range.area, image.originOf(range).kind});
     return row;
 }
 

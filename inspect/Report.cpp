@@ -144,7 +144,7 @@ private:
     void addInputs();
     void addImages();
     void addImage(std::size_t index);
-    void addRange(std::size_t index, const OriginRange& range, bool hasNames);
+    void addRange(std::size_t index, std::size_t number, bool hasNames);
     void addValues();
     void addRemarks();
     void addScript();
@@ -389,27 +389,30 @@ void Page::addImage(std::size_t index) {
         "\"></span></div>\n<output id=\"at-" + number + "\"></output>\n");
     const std::span shown = std::span(image.ranges).first(std::min(image.ranges.size(), mostRows));
     const bool hasNames =
-        std::ranges::any_of(shown, [](const OriginRange& range) { return !range.names.empty(); });
+        std::ranges::any_of(shown, [](const OriginRange& range) { return !range.names().empty(); });
     addTable(hasNames ? "<th>Addresses</th><th class=\"n\">Bytes</th><th>What</th><th>Names</th>"
                         "<th>Made in</th><th>From</th>"
                       : "<th>Addresses</th><th class=\"n\">Bytes</th><th>What</th><th>Made in</th>"
                         "<th>From</th>");
-    for (const OriginRange& range : shown) addRange(index, range, hasNames);
+    for (std::size_t i = 0; i < shown.size(); ++i) addRange(index, i, hasNames);
     endTable();
     if (image.ranges.size() > mostRows)
         addText(countText(image.ranges.size() - mostRows, "more range"));
     add("</section>\n");
 }
 
-void Page::addRange(std::size_t index, const OriginRange& range, bool hasNames) {
+void Page::addRange(std::size_t index, std::size_t number, bool hasNames) {
     constexpr std::array words{"", "filler", "data", "value"};
+    const ImageRecord& image = record_->images[index];
+    const OriginRange& range = image.ranges[number];
+    const RangeOrigin& origin = image.originOf(range);
     add("<tr><td class=\"m\">" + rangeLink(index, range.area) + rangeText(range.area) +
         "</a></td>");
     addCell(grouped(range.area.length), " class=\"n\"");
-    addCell(words[static_cast<std::size_t>(range.kind)]);
-    if (hasNames) addCell(range.names);
-    add("<td>" + lineLink(range.line, range.script) + "</td>");
-    std::string from = range.file;
+    addCell(words[static_cast<std::size_t>(origin.kind)]);
+    if (hasNames) addCell(std::string(range.names()));
+    add("<td>" + lineLink(origin.line, origin.script) + "</td>");
+    std::string from = origin.file;
     if (range.firstLine != 0) from += ", " + linesText(range.firstLine, range.lastLine);
     addCell(from);
     add("</tr>\n");
@@ -506,9 +509,11 @@ void Page::addLines(std::size_t file) {
 
 void Page::findMade() {
     for (std::size_t index = 0; index < record_->images.size(); ++index) {
-        const auto& ranges = record_->images[index].ranges;
-        for (std::size_t i = 0; i < ranges.size(); ++i)
-            made_[lineAt(ranges[i].line, ranges[i].script)].emplace_back(index, i);
+        const ImageRecord& image = record_->images[index];
+        for (std::size_t i = 0; i < image.ranges.size(); ++i) {
+            const RangeOrigin& origin = image.originOf(image.ranges[i]);
+            made_[lineAt(origin.line, origin.script)].emplace_back(index, i);
+        }
     }
 }
 
@@ -545,11 +550,12 @@ Json Page::imageJson(const ImageRecord& image, std::size_t most) {
     hasAllRanges_ = hasAllRanges_ && shown == image.ranges.size();
     for (std::size_t i = 0; i < shown; ++i) {
         const OriginRange& range = image.ranges[i];
-        const ScriptLine line = lineAt(range.line, range.script);
-        Json origin{Util::printable(range.file), line.line, range.firstLine, range.lastLine};
+        const RangeOrigin& made = image.originOf(range);
+        const ScriptLine line = lineAt(made.line, made.script);
+        Json origin{Util::printable(made.file), line.line, range.firstLine, range.lastLine};
         if (line.file != 0) origin[1] = keyOf(line);
         Json lines = Json::array();
-        for (const LineRun& run : range.lines)
+        for (const LineRun& run : range.lines())
             lines.push_back({run.area.start, run.area.length, run.firstLine, run.bytesPerLine});
         const bool isNew =
             json["origins"].empty() || json["origins"].back() != origin || !lines.empty();
@@ -558,7 +564,7 @@ Json Page::imageJson(const ImageRecord& image, std::size_t most) {
             json["lines"].push_back(std::move(lines));
         }
         json["ranges"].push_back({range.area.start, range.area.length,
-                                  static_cast<unsigned>(range.kind), json["origins"].size() - 1});
+                                  static_cast<unsigned>(made.kind), json["origins"].size() - 1});
     }
     bool isComplete = true;
     json["chunks"] = chunksOf(image, most, isComplete);
@@ -574,7 +580,8 @@ void Page::addData() {
     for (const ImageRecord& image : record_->images) {
         const std::size_t most = mostBytes / record_->images.size();
         json["images"].push_back(imageJson(image, most));
-        for (const OriginRange& range : image.ranges) used.insert(lineAt(range.line, range.script));
+        for (const RangeOrigin& origin : image.origins)
+            used.insert(lineAt(origin.line, origin.script));
     }
     for (const ScriptLine& line : used) {
         const auto& lines = lines_[line.file];

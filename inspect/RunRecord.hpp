@@ -3,14 +3,18 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "buffer/Area.hpp"
 #include "buffer/MemoryBuffer.hpp"
 #include "inspect/Digest.hpp"
 #include "inspect/Info.hpp"
+#include "inspect/JsonText.hpp"
 #include "inspect/Map.hpp"
 #include "util/crc/CrcParameters.hpp"
 
@@ -44,17 +48,32 @@ struct LineRun {
     std::uint64_t bytesPerLine = 1;
 };
 
-/// A range of an image and where its bytes came from.
+/// What made bytes of an image.
+struct RangeOrigin {
+    MapKind kind = MapKind::Data;
+    std::size_t line = 0;  ///< of the statement in the script
+    std::string file;      ///< the input file; empty if the statement itself made the bytes
+    std::string script;    ///< the included file that has `line`; empty: the script
+};
+
+/// What a report says of a range beside its origin.
+struct RangeDetails {
+    std::vector<LineRun> lines;  ///< ascending, as far as the lines are regular
+    std::string names;           ///< of the first and the last address; empty if nobody knows
+};
+
+/// A range of an image and where its bytes came from. There may be a million of them.
 struct OriginRange {
     Buffer::Area area;
-    MapKind kind = MapKind::Data;
-    std::size_t line = 0;         ///< of the statement in the script
-    std::string file;             ///< the input file; empty if the statement itself made the bytes
+    std::size_t origin = 0;       ///< its place among those of the image
     std::uint64_t firstLine = 0;  ///< of the input file; 0 in a file without lines
     std::uint64_t lastLine = 0;
-    std::vector<LineRun> lines;  ///< ascending, as far as the lines are regular
-    std::string script = {};     ///< the included file that has `line`; empty: the script
-    std::string names = {};      ///< of the first and the last address; empty if nobody knows
+    std::unique_ptr<RangeDetails> details = {};  ///< null if they are not wanted
+
+    std::span<const LineRun> lines() const {
+        return details ? std::span<const LineRun>(details->lines) : std::span<const LineRun>();
+    }
+    std::string_view names() const { return details ? details->names : std::string_view(); }
 };
 
 /// An image at the end of a run; what it holds is borrowed.
@@ -62,8 +81,11 @@ struct ImageRecord {
     std::string name;
     const Buffer::MemoryBuffer* image = nullptr;
     std::vector<OriginRange> ranges;            ///< ascending, without overlap; gaps are left out
+    std::vector<RangeOrigin> origins;           ///< of the ranges, most of which have a common one
     std::optional<std::uint64_t> startAddress;  ///< of the program, that its input file names
     Digest digest = {};                         ///< as `digestOf` has it, if it is wanted
+
+    const RangeOrigin& originOf(const OriginRange& range) const { return origins[range.origin]; }
 };
 
 /// What computes a CRC, a hash or a signature.
@@ -129,6 +151,9 @@ MapRow rowOf(const ImageRecord& image);
 
 /// The record as JSON, see docs/manifest.schema.json: no time, and no path that depends on the
 /// machine unless a script gives one. The images have their digests.
+void writeManifest(const RunRecord& record, const TakeText& take);
+
+/// The same as one text.
 std::string manifestOf(const RunRecord& record);
 
 /// The record as a page that needs nothing else.

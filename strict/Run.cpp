@@ -368,6 +368,7 @@ private:
     }
 
     bool write(const Inspect::RunRecord& record) {
+        files_.keepNoMoreDigests();
         documents_.write(record, files_, *printer_);
         if (!options_.map.empty())
             addFile(files_, options_.map, mapOf(record, options_.map), *printer_);

@@ -97,6 +97,14 @@ std::optional<std::string> RunDocuments::textOf(const Document& document,
 
 void RunDocuments::write(const Inspect::RunRecord& record, RunFiles& files, DiagnosticSink& sink) {
     for (const Document& document : documents_) {
+        if (document.role == FileRole::Manifest && !signingKey_) {
+            // It may be many times as long as all that the run has read, and nobody else needs it.
+            const auto make = [&record](const Inspect::TakeText& take) {
+                Inspect::writeManifest(record, take);
+            };
+            addFile(files, document.path, make, sink);
+            continue;
+        }
         const auto text = textOf(document, record, sink);
         if (!text) continue;
         addFile(files, document.path, *text, sink);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -54,7 +55,7 @@ public:
     std::string getHeader() const override { return parser_->header(); }
 
     /// They stay when the image is taken.
-    std::vector<Import::SourceRun> getSourceRuns() const override {
+    std::span<const Import::SourceRun> getSourceRuns() const override {
         return parser_->data().sources();
     }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -37,7 +38,7 @@ public:
         data_.fillMemoryBuffer(buffer);
     }
 
-    std::vector<SourceRun> getSourceRuns() const override { return sources_; }
+    std::span<const SourceRun> getSourceRuns() const override { return sources_; }
 
 protected:
     /// The file's data, finished.

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -85,7 +86,7 @@ public:
 
     /// The runs of the data in the order of the file, of which the last that has an address counts.
     /// Empty if the reader keeps no lines.
-    virtual std::vector<SourceRun> getSourceRuns() const { return {}; }
+    virtual std::span<const SourceRun> getSourceRuns() const { return {}; }
 
     /// The first range that the file gives a second time, in the order in which it does so.
     ///

@@ -107,6 +107,9 @@ public:
         digests_ = std::make_unique<DigestPool>();
     }
 
+    /// What is written from now on has no digest: a document of the run lists none of another.
+    void keepNoMoreDigests() { hasOutputDigests_ = false; }
+
     /// The digests of what was read of an input: one, or several if a program that was called has
     /// changed the file between two statements that read it; none if digests are not wanted.
     ///

@@ -73,8 +73,16 @@ std::optional<Platform::FileContents> readScript(const std::string& path, Diagno
 
 void addFile(RunFiles& files, const std::string& path, std::string_view text, DiagnosticSink& sink,
              Platform::FileMode mode) {
+    addFile(
+        files, path, [text](const Inspect::TakeText& take) { take(text); }, sink, mode);
+}
+
+void addFile(RunFiles& files, const std::string& path, const MakeText& make, DiagnosticSink& sink,
+             Platform::FileMode mode) {
     const auto file = files.createOutput(path, mode);
-    const bool isWritten = file != nullptr && file->write(text);
+    bool isWritten = file != nullptr;
+    if (isWritten)
+        make([&](std::string_view piece) { isWritten = isWritten && file->write(piece); });
     if (!isWritten || !file->close()) reportUnwritten(path, files.reasonFor(path), sink);
 }
 

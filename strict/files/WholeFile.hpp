@@ -1,9 +1,11 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "inspect/JsonText.hpp"
 #include "platform/Files.hpp"
 #include "strict/diagnostics/Diagnostic.hpp"
 #include "strict/files/RunFiles.hpp"
@@ -27,6 +29,13 @@ std::optional<Platform::FileContents> readScript(const std::string& path, Diagno
 
 /// Adds a file to the outputs of a run, or reports why that is not possible.
 void addFile(RunFiles& files, const std::string& path, std::string_view text, DiagnosticSink& sink,
+             Platform::FileMode mode = Platform::FileMode::Text);
+
+/// Makes a text, and lets the function take it piece by piece.
+using MakeText = std::function<void(const Inspect::TakeText&)>;
+
+/// The same for a text that is made while it is written.
+void addFile(RunFiles& files, const std::string& path, const MakeText& make, DiagnosticSink& sink,
              Platform::FileMode mode = Platform::FileMode::Text);
 
 /// Puts all outputs in place, or reports the one that could not be.

@@ -5,8 +5,8 @@
 
 namespace Strict {
 
-LatestChange::LatestChange(const OriginMap& changes) {
-    for (const auto& [start, range] : changes.ranges()) ranges_.push_back(range);
+LatestChange::LatestChange(const OriginMap& changes)
+    : ranges_(changes.ranges().begin(), changes.ranges().end()) {
     leaves_ = std::bit_ceil(std::max<std::size_t>(ranges_.size(), 1));
     highest_.assign(2 * leaves_, 0);
     for (std::size_t i = 0; i < ranges_.size(); ++i) highest_[leaves_ + i] = ranges_[i].source + 1;

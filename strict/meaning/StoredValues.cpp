@@ -25,10 +25,10 @@ AreaList unchanged(const AreaList& areas, const OriginMap& changes, std::size_t 
     if (changes.ranges().size() > mostChanges) return {};
     OriginMap left;
     for (const Area& area : areas) left.set(area, 0);
-    for (const auto& [start, range] : changes.ranges())
+    for (const OriginMap::Range& range : changes.ranges())
         if (range.source >= since) left.erase(range.area);
     AreaList result;
-    for (const auto& [start, range] : left.ranges()) result.push_back(range.area);
+    for (const OriginMap::Range& range : left.ranges()) result.push_back(range.area);
     return result;
 }
 
@@ -49,7 +49,7 @@ std::string adviceFor(std::string_view value, const AreaList& covered, const Are
     for (const Area& area : covered) left.set(area, 0);
     for (const Area& slot : slots) left.erase(slot);
     AreaList rest;
-    for (const auto& [start, range] : left.ranges()) rest.push_back(range.area);
+    for (const OriginMap::Range& range : left.ranges()) rest.push_back(range.area);
     const bool isKnown = std::ranges::none_of(
         covered, [](const Area& area) { return area.end() == everywhere.end(); });
     if (isKnown && !rest.empty() && rest.size() <= mostShown)
@@ -167,7 +167,7 @@ void StoredValues::checkTaken(const Statement& statement,
                 if (piece.front().image == image)
                     checkHeld(value, {image, piece.front().areas}, taker);
         if (!images[image].isExact) continue;
-        for (const auto& [start, range] : images[image].changes.ranges())
+        for (const OriginMap::Range& range : images[image].changes.ranges())
             if (const auto value = images.changes()[range.source].value)
                 checkStored(*value, image, taken, taker);
     }

@@ -107,7 +107,7 @@ private:
     std::map<std::string_view, const Inspect::ImageRecord*> images_;
 };
 
-const Inspect::OriginRange* originOf(const ImagePlace& where) {
+const Inspect::OriginRange* rangeOf(const ImagePlace& where) {
     const auto& ranges = where.image->ranges;
     const auto next = std::ranges::upper_bound(
         ranges, where.address, {},
@@ -119,7 +119,7 @@ const Inspect::OriginRange* originOf(const ImagePlace& where) {
 
 std::optional<ImagePlace> whereIs(const Images& images, std::uint64_t address) {
     for (const Inspect::ImageRecord* const image : images)
-        if (const ImagePlace where{image, address}; originOf(where) != nullptr) return where;
+        if (const ImagePlace where{image, address}; rangeOf(where) != nullptr) return where;
     return std::nullopt;
 }
 
@@ -197,14 +197,15 @@ std::string fileOf(const std::string& script, const Inspect::RunRecord& record) 
 Note noteOn(std::string text, const std::optional<ImagePlace>& where,
             const Inspect::RunRecord& record) {
     Note note{std::move(text), std::nullopt};
-    const Inspect::OriginRange* const origin = where ? originOf(*where) : nullptr;
-    if (origin == nullptr) return note;
-    if (!origin->file.empty()) note.text += ", from " + origin->file;
-    if (const std::uint64_t line = Inspect::lineAt(origin->lines, where->address))
+    const Inspect::OriginRange* const range = where ? rangeOf(*where) : nullptr;
+    if (range == nullptr) return note;
+    const Inspect::RangeOrigin& origin = where->image->originOf(*range);
+    if (!origin.file.empty()) note.text += ", from " + origin.file;
+    if (const std::uint64_t line = Inspect::lineAt(range->lines(), where->address))
         note.text += ", " + Inspect::linesText(line, line);
-    else if (origin->firstLine != 0)
-        note.text += ", " + Inspect::linesText(origin->firstLine, origin->lastLine);
-    note.place = Place{fileOf(origin->script, record), origin->line, 0, "", 0, 0};
+    else if (range->firstLine != 0)
+        note.text += ", " + Inspect::linesText(range->firstLine, range->lastLine);
+    note.place = Place{fileOf(origin.script, record), origin.line, 0, "", 0, 0};
     return note;
 }
 

@@ -2,10 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <vector>
 
 #include "buffer/Area.hpp"
+#include "strict/record/RangeList.hpp"
 
 namespace Strict {
 
@@ -13,15 +13,7 @@ namespace Strict {
 /// what its ranges cost, however long they are.
 class OriginMap {
 public:
-    /// Addresses from one source.
-    struct Range {
-        Buffer::Area area;
-        std::size_t source;   ///< its number, whose meaning the owner of the map knows
-        std::uint64_t moved;  ///< addresses from the source's own to these, modulo 2^64
-    };
-
-    /// By the start of their areas, which do not overlap.
-    using Ranges = std::map<std::uint64_t, Range>;
+    using Range = SourcedRange;
 
     OriginMap() = default;
 
@@ -45,21 +37,18 @@ public:
     /// The range that holds `address`, or null.
     const Range* find(std::uint64_t address) const;
 
-    const Ranges& ranges() const { return ranges_; }
+    const RangeList& ranges() const { return ranges_; }
     bool empty() const { return ranges_.empty(); }
 
     /// Addresses of all ranges.
     std::uint64_t size() const;
 
 private:
-    Ranges::const_iterator firstIn(const Buffer::Area& area) const;
-    Ranges::iterator firstFrom(Ranges::iterator near, const Buffer::Area& area);
-    Ranges::iterator changeable(Ranges::const_iterator entry);
-    Ranges::iterator insert(Ranges::iterator next, const Range& range);
-    Ranges::iterator joinNext(Ranges::iterator entry);
-    Ranges::iterator cleared(const Buffer::Area& area, Ranges::iterator at);
+    RangeList::Iterator firstFrom(RangeList::Iterator near, const Buffer::Area& area) const;
+    RangeList::Iterator insert(RangeList::Iterator next, const Range& range);
+    RangeList::Iterator cleared(const Buffer::Area& area, RangeList::Iterator at);
 
-    Ranges ranges_;
+    RangeList ranges_;
 };
 
 /// The parts of `area`, ascending, of which the map knows no address.

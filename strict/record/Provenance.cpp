@@ -150,7 +150,7 @@ void Provenance::enter(const Parser::Statement& statement) {
 std::size_t Provenance::thisStatement() {
     if (!statement_) {
         statement_ = sources_.size();
-        sources_.push_back({origins_.size(), {}});
+        sources_.push_back({{}, 0, 0, nextOrigin()});
         origins_.push_back({"", Facts::InputFormat::RawBinary, reports_->statementPlace()});
     }
     return *statement_;
@@ -159,17 +159,20 @@ std::size_t Provenance::thisStatement() {
 /// Adds the runs of a file to the sources, as ranges of the addresses that they give.
 std::vector<OriginMap::Range> Provenance::addSources(const CmdNewBuffer& statement,
                                                      const TessaronImportApi& reader) {
-    std::vector<Io::Import::SourceRun> runs = reader.getSourceRuns();
-    if (runs.empty())
-        for (const Area& area : reader.getDataAreas()) runs.push_back({area, 0, 0});
-    // Of several sources the one with the highest number counts.
-    if (statement.overlapRule() == OverlapRule::First) std::ranges::reverse(runs);
     std::vector<OriginMap::Range> ranges;
-    ranges.reserve(runs.size());
-    for (const auto& run : runs) {
+    const auto add = [&](const Io::Import::SourceRun& run) {
         ranges.push_back({run.area, sources_.size(), 0});
-        sources_.push_back({origins_.size(), run.area, run.firstLine, run.lastLine});
-    }
+        sources_.push_back({run.area, run.firstLine, run.lastLine, nextOrigin()});
+    };
+    const std::span<const Io::Import::SourceRun> runs = reader.getSourceRuns();
+    if (runs.empty())
+        for (const Area& area : reader.getDataAreas()) add({area, 0, 0});
+    ranges.reserve(runs.size());
+    // Of several sources the one with the highest number counts.
+    if (statement.overlapRule() == OverlapRule::First)
+        std::for_each(runs.rbegin(), runs.rend(), add);
+    else
+        std::ranges::for_each(runs, add);
     return ranges;
 }
 
@@ -184,15 +187,14 @@ OriginMap Provenance::originsIn(const CmdNewBuffer& statement, const TessaronImp
 void Provenance::onRead(const CmdNewBuffer& statement, const TessaronImportApi& reader,
                         const Area& range) {
     Inspect::reportWords(statement.fileName(), reader, statement.addressUnit());
+    const std::size_t firstSource = sources_.size();
     OriginMap all = originsIn(statement, reader);
-    AreaList areas;
-    areas.reserve(all.ranges().size());
-    for (const auto& [start, entry] : all.ranges()) areas.push_back(entry.area);
+    inputs_.push_back({statement.fileName(), reader.getFormat(), reports_->statementPlace(),
+                       firstSource, sources_.size()});
     // Most files are taken as a whole.
-    const bool isWhole = statement.areas().empty() && !areas.empty() &&
-                         range.contains(areas.front()) && range.contains(areas.back());
-    inputs_.push_back(
-        {statement.fileName(), reader.getFormat(), std::move(areas), reports_->statementPlace()});
+    const bool isWhole = statement.areas().empty() && !all.empty() &&
+                         range.contains(all.ranges().front().area) &&
+                         range.contains(all.ranges().back().area);
     if (reader.hasStartAddress()) current_.startAddress = reader.getStartAddress();
     if (isWhole) {
         current_.written = std::move(all);
@@ -205,8 +207,8 @@ void Provenance::onRead(const CmdNewBuffer& statement, const TessaronImportApi& 
     if (all.empty()) {
         reports_->report(Kind::EmptyImage, file + " has no data", {Role::InputFile});
     } else if (current_.written.empty()) {
-        const auto& first = all.ranges().begin()->second.area;
-        const auto& last = all.ranges().rbegin()->second.area;
+        const auto& first = all.ranges().front().area;
+        const auto& last = all.ranges().back().area;
         reports_->report(Kind::EmptyImage,
                          "nothing of the " + Inspect::countText(all.size(), "byte") + " of " +
                              file + ", which " + (all.size() == 1 ? "is " : "are ") +
@@ -221,7 +223,7 @@ void Provenance::onRead(const CmdNewBuffer& statement, const TessaronImportApi& 
 void Provenance::reportCropped(const Origin& input, const OriginMap& all, const OriginMap& kept) {
     if (all.size() == kept.size()) return;
     AreaList cropped;
-    for (const auto& [start, entry] : all.ranges())
+    for (const OriginMap::Range& entry : all.ranges())
         for (const Area& area : uncovered(entry.area, kept)) {
             if (!cropped.empty() && cropped.back().end() == area.start)
                 cropped.back().length += area.length;
@@ -268,11 +270,19 @@ void Provenance::onOverlay(const CmdNewBuffer& statement, const MemoryBuffer& im
     }
     OriginMap fillers;
     fillers.lay(source.fillers, *common);
-    for (const auto& [start, range] : current_.fillers.ranges()) {
+    for (const OriginMap::Range& range : current_.fillers.ranges()) {
         const auto laid = range.area.clippedTo(*common);
         if (laid && !isOfZeros(image, *laid)) fillers.lay(current_.fillers, *laid);
     }
     current_.fillers.lay(fillers, *common);
+}
+
+AreaList Provenance::areasOf(const Input& input) const {
+    AreaList areas;
+    areas.reserve(input.endOfSources - input.firstSource);
+    for (std::size_t i = input.firstSource; i < input.endOfSources; ++i)
+        areas.push_back(sources_[i].area);
+    return Inspect::joined(std::move(areas), 0);
 }
 
 const std::vector<Inspect::LineRun>& Provenance::lineRunsOf(const Source& source) const {
@@ -286,8 +296,8 @@ const std::vector<Inspect::LineRun>& Provenance::lineRunsOf(const Source& source
 /// nothing wrote it.
 std::optional<Provenance::Byte> Provenance::byteAt(std::size_t source,
                                                    std::uint64_t address) const {
-    while (const auto regrouped = sources_[source].regrouped) {
-        const auto& [how, before] = regrouped_[*regrouped];
+    while (sources_[source].regrouped != Source::notRegrouped) {
+        const auto& [how, before] = regrouped_[sources_[source].regrouped];
         const auto origin = how.originOf(address);
         const OriginMap::Range* const range = before[origin.source].find(origin.address);
         if (range == nullptr) return std::nullopt;
@@ -300,7 +310,7 @@ std::optional<Provenance::Byte> Provenance::byteAt(std::size_t source,
 Provenance::Lines Provenance::linesOf(const OriginMap::Range& range) const {
     const Source& source = sources_[range.source];
     const Area area{range.area.start - range.moved, range.area.length};
-    if (source.regrouped) {
+    if (source.regrouped != Source::notRegrouped) {
         const auto lineAt = [&](std::uint64_t address) {
             const auto byte = byteAt(range.source, address);
             return byte ? linesOf({{byte->address, 1}, byte->source, 0}).first : 0;
@@ -503,12 +513,9 @@ void Provenance::onFill(const std::string& name, const Area& area) {
     images_[name].fillers.set(area, thisStatement());
 }
 
-/// Adds a source whose bytes have gone to other places; its number.
-std::size_t Provenance::sourceOf(Source source, std::size_t regrouped) {
-    source.area = {};
-    source.firstLine = source.lastLine = 0;
-    source.regrouped = regrouped;
-    sources_.push_back(source);
+/// Adds a source whose bytes go to other places, as the next of `regrouped_` says; its number.
+std::size_t Provenance::regroupedSource(const Source& source) {
+    sources_.push_back({{}, 0, 0, source.origin, static_cast<std::uint32_t>(regrouped_.size())});
     return sources_.size() - 1;
 }
 
@@ -516,9 +523,8 @@ std::size_t Provenance::sourceOf(Source source, std::size_t regrouped) {
 OriginMap Provenance::regroupedOrigins(const OriginMap& before,
                                        const Buffer::Regrouping& regrouping) {
     OriginMap after;
-    const std::size_t number = regrouped_.size();
-    for (const auto& [start, range] : before.ranges()) {
-        const std::size_t source = sourceOf(sources_[range.source], number);
+    for (const OriginMap::Range& range : before.ranges()) {
+        const std::size_t source = regroupedSource(sources_[range.source]);
         for (const Area& area : regrouping.placesOf(range.area)) after.set(area, source);
     }
     regrouped_.push_back({regrouping, {before}});
@@ -540,7 +546,7 @@ void Provenance::onInterleave(const Buffer::Regrouping& regrouping,
         written.before.emplace_back().lay(images_[names[i]].written, lanes[i]->getArea());
     // Neighbours come from different images, so a range for each of them would be one for each
     // byte: the statement is what all of them have in common.
-    const std::size_t source = sourceOf(sources_[thisStatement()], regrouped_.size());
+    const std::size_t source = regroupedSource(sources_[thisStatement()]);
     for (const Area& area : Buffer::writtenAreas(image, image.getArea()))
         current_.written.set(area, source);
     regrouped_.push_back(std::move(written));

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <optional>
 #include <set>
@@ -44,13 +45,15 @@ public:
     /// Bytes that follow each other in a file and in the address space, or all of a statement.
     /// There are as many as a file has areas, so they are small.
     struct Source {
-        std::size_t origin;           ///< its place among `origins`
+        /// In place of a number of `regrouped_`, for bytes of a file or a statement.
+        static constexpr std::uint32_t notRegrouped = ~std::uint32_t{0};
+
         Buffer::Area area;            ///< in the file; of length 0 for a statement by itself
         std::uint64_t firstLine = 0;  ///< 0 in a file without lines
         std::uint64_t lastLine = 0;
-        /// Of `regrouped_`, which says where the bytes were before; none for those of a file or a
-        /// statement.
-        std::optional<std::size_t> regrouped = {};
+        std::uint32_t origin = 0;  ///< its place among `origins`
+        /// Of `regrouped_`, which says where the bytes were before.
+        std::uint32_t regrouped = notRegrouped;
     };
 
     /// Lines of an input file; 0 and 0 for one without lines.
@@ -81,8 +84,9 @@ public:
     struct Input {
         std::string file;  ///< as the script names it
         Facts::InputFormat format;
-        Buffer::AreaList areas;
         Place statement;
+        std::size_t firstSource;  ///< of its bytes
+        std::size_t endOfSources;
     };
 
     explicit Provenance(StatementReports& reports) : reports_(&reports) {}
@@ -103,9 +107,12 @@ public:
                       const Parser::WrapperLib::CmdContext& context) const;
 
     const std::map<std::string, Image>& images() const { return images_; }
-    const std::vector<Source>& sources() const { return sources_; }
+    const Source& source(std::size_t number) const { return sources_[number]; }
     const Origin& originOf(const Source& source) const { return origins_[source.origin]; }
     const std::vector<Input>& inputs() const { return inputs_; }
+
+    /// The addresses that an input has bytes for, in ascending areas that do not touch.
+    Buffer::AreaList areasOf(const Input& input) const;
 
     /// The lines of the file that gave a range of an image.
     Lines linesOf(const OriginMap::Range& range) const;
@@ -163,7 +170,8 @@ private:
     };
 
     std::size_t thisStatement();
-    std::size_t sourceOf(Source source, std::size_t regrouped);
+    std::uint32_t nextOrigin() const { return static_cast<std::uint32_t>(origins_.size()); }
+    std::size_t regroupedSource(const Source& source);
     OriginMap regroupedOrigins(const OriginMap& before, const Buffer::Regrouping& regrouping);
     std::optional<Byte> byteAt(std::size_t source, std::uint64_t address) const;
     std::vector<OriginMap::Range> addSources(const Parser::WrapperLib::CmdNewBuffer& statement,
@@ -189,7 +197,7 @@ private:
     Image current_;                         ///< the image that is being made
     std::map<std::string, Image> images_;
     std::vector<Origin> origins_;
-    std::vector<Source> sources_;
+    std::deque<Source> sources_;  ///< which takes no more memory while it grows
     std::vector<Regrouped> regrouped_;
     /// By path and address unit.
     mutable std::map<std::pair<std::string, std::uint32_t>, std::vector<Inspect::LineRun>> lines_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string_view>
@@ -119,7 +120,7 @@ private:
                 file.line = input.statement.line;
                 file.script = scriptOf(input.statement);
             }
-            file.areas = Inspect::joined(input.areas, 0);
+            file.areas = run_->provenance->areasOf(input);
             file.format = Inspect::formatText(input.format);
         }
         return uses;
@@ -182,67 +183,84 @@ private:
         const auto origins = run_->provenance->images().find(name);
         if (image == run_->context->buffers.end() || origins == run_->provenance->images().end())
             return;
-        Inspect::ImageRecord entry{name, &image->second, {}, origins->second.startAddress, {}};
+        Inspect::ImageRecord entry{name, &image->second, {}, {}, origins->second.startAddress, {}};
         const OriginMap& written = origins->second.written;
-        entry.ranges.reserve(written.ranges().size() + origins->second.fillers.ranges().size());
-        for (const auto& [start, range] : written.ranges()) {
-            entry.ranges.push_back(writtenRange(range));
-            if (details_.hasLines)
-                entry.ranges.back().names = run_->provenance->namesAt(name, range.area);
-        }
+        const OriginMap& fillers = origins->second.fillers;
+        OriginNumbers numbers;
+        entry.ranges.reserve(written.ranges().size() + fillers.ranges().size());
+        for (const OriginMap::Range& range : written.ranges())
+            entry.ranges.push_back(writtenRange(entry, numbers, range));
         const auto end = static_cast<std::ptrdiff_t>(entry.ranges.size());
-        for (const auto& [start, range] : origins->second.fillers.ranges())
-            for (const Area& area : uncovered(range.area, written))
-                entry.ranges.push_back(filledRange(area, range.source));
+        for (const OriginMap::Range& range : fillers.ranges()) {
+            const AreaList areas = uncovered(range.area, written);
+            if (areas.empty()) continue;
+            const std::size_t origin = originIn(entry, numbers, range.source, true);
+            for (const Area& area : areas) entry.ranges.push_back({area, origin});
+        }
         // Both are ascending.
         std::ranges::inplace_merge(entry.ranges, entry.ranges.begin() + end, {},
                                    [](const OriginRange& r) { return r.area.start; });
         record_.images.push_back(std::move(entry));
     }
 
-    OriginRange filledRange(const Area& area, std::size_t source) const {
-        const Provenance& provenance = *run_->provenance;
-        const Place& statement = provenance.originOf(provenance.sources()[source]).statement;
-        return {area, MapKind::Filler, statement.line, "", 0, 0, {}, scriptOf(statement)};
-    }
+    /// The places of origins among those of an image, by their numbers in the run and whether they
+    /// are of fillers.
+    using OriginNumbers = std::map<std::pair<std::size_t, bool>, std::size_t>;
 
-    OriginRange writtenRange(const OriginMap::Range& range) {
-        const Provenance::Source& source = run_->provenance->sources()[range.source];
+    /// The place of the origin of a source among those of an image, to which it is added if it is
+    /// new.
+    std::size_t originIn(Inspect::ImageRecord& entry, OriginNumbers& numbers, std::size_t number,
+                         bool isFiller) const {
+        const Provenance::Source& source = run_->provenance->source(number);
+        const auto [known, isNew] =
+            numbers.try_emplace({source.origin, isFiller}, entry.origins.size());
+        if (!isNew) return known->second;
         const Provenance::Origin& origin = run_->provenance->originOf(source);
-        const Provenance::Lines lines = run_->provenance->linesOf(range);
-        OriginRange entry{range.area,
-                          origin.file.empty() ? MapKind::Value : MapKind::Data,
-                          origin.statement.line,
-                          Platform::portablePath(origin.file),
-                          lines.first,
-                          lines.last,
-                          {},
-                          scriptOf(origin.statement)};
-        if (details_.hasLines && source.firstLine != 0) addLines(entry, source, range.moved);
-        return entry;
+        const Place& statement = origin.statement;
+        const MapKind kind = origin.file.empty() ? MapKind::Value : MapKind::Data;
+        entry.origins.push_back({isFiller ? MapKind::Filler : kind, statement.line,
+                                 isFiller ? "" : Platform::portablePath(origin.file),
+                                 scriptOf(statement)});
+        return known->second;
     }
 
-    /// Adds the lines that gave the addresses, which were moved by `moved`.
-    void addLines(OriginRange& entry, const Provenance::Source& source, std::uint64_t moved) {
+    OriginRange writtenRange(Inspect::ImageRecord& entry, OriginNumbers& numbers,
+                             const OriginMap::Range& range) const {
+        const Provenance::Lines lines = run_->provenance->linesOf(range);
+        OriginRange found{range.area, originIn(entry, numbers, range.source, false), lines.first,
+                          lines.last};
+        if (details_.hasLines)
+            found.details = std::make_unique<Inspect::RangeDetails>(Inspect::RangeDetails{
+                linesOf(range), run_->provenance->namesAt(entry.name, range.area)});
+        return found;
+    }
+
+    /// The lines that gave the addresses of a range.
+    std::vector<Inspect::LineRun> linesOf(const OriginMap::Range& range) const {
+        const Provenance::Source& source = run_->provenance->source(range.source);
+        std::vector<Inspect::LineRun> lines;
+        if (source.firstLine == 0) return lines;
         const auto& runs = run_->provenance->lineRunsOf(source);
         // Runs are in the order of the file.
         auto run =
             std::ranges::lower_bound(runs, source.firstLine, {}, &Inspect::LineRun::firstLine);
         for (; run != runs.end() && run->firstLine <= source.lastLine; ++run)
-            addRun(entry, *run, moved);
+            addRun(lines, *run, range);
+        return lines;
     }
 
     /// Adds the lines of a run as far as the range has their addresses.
-    static void addRun(OriginRange& entry, const Inspect::LineRun& run, std::uint64_t moved) {
-        Area area{run.area.start + moved, run.area.length};
-        const std::uint64_t first = std::max(area.start, entry.area.start);
-        const std::uint64_t end = std::min(area.end(), entry.area.end());
+    static void addRun(std::vector<Inspect::LineRun>& lines, const Inspect::LineRun& run,
+                       const OriginMap::Range& range) {
+        Area area{run.area.start + range.moved, run.area.length};
+        const std::uint64_t first = std::max(area.start, range.area.start);
+        const std::uint64_t end = std::min(area.end(), range.area.end());
         if (first >= end) return;
         // A run begins with a line as a whole.
         const std::uint64_t skipped = (first - area.start) / run.bytesPerLine;
         area = {area.start + skipped * run.bytesPerLine,
                 end - area.start - skipped * run.bytesPerLine};
-        entry.lines.push_back({area, run.firstLine + skipped, run.bytesPerLine});
+        lines.push_back({area, run.firstLine + skipped, run.bytesPerLine});
     }
 
     void addValue(const Statement& statement, const CmdNewValue& command) {

@@ -58,7 +58,7 @@ public:
         if (image == context_->buffers.end() || origins == provenance_->images().end()) return;
         const Buffer::Area range = image->second.getArea();
         ranges_.push_back(range);
-        for (const auto& [start, written] : origins->second.written.ranges())
+        for (const OriginMap::Range& written : origins->second.written.ranges())
             written_.push_back(written.area);
         for (const OriginMap* const some : {&origins->second.fillers, &origins->second.written})
             given_.lay(*some, range);

@@ -4,6 +4,7 @@
 
 #include <limits>
 #include <string>
+#include <string_view>
 
 #include "inspect/Json.hpp"
 
@@ -12,7 +13,8 @@ namespace {
 
 TEST(JsonTextTest, PiecesAreTheTextOfTheWhole) {
     constexpr auto most = std::numeric_limits<std::uint64_t>::max();
-    JsonText json;
+    std::string text;
+    JsonText json([&text](std::string_view piece) { text += piece; });
     json.addText("plain", "@Flash ~");
     json.addText("say \"x\"", "C:\\a\n\xE2\x80\xAE\xFF\xC3\xA9");
     json.addNumber("most", most);
@@ -29,7 +31,7 @@ TEST(JsonTextTest, PiecesAreTheTextOfTheWhole) {
     json.close();
     json.addFlag("yes", true);
     json.addFlag("no", false);
-    const std::string text = json.take();
+    json.finish();
 
     const Json wanted{{"plain", "@Flash ~"},
                       {"say \"x\"", "C:\\a\n\xE2\x80\xAE\xEF\xBF\xBD\xC3\xA9"},

@@ -116,16 +116,17 @@ Lines origins(const std::string& script) {
     EXPECT_EQ(run.sink.lines, Lines{}) << script;
     Lines lines;
     for (const Inspect::OriginRange& range : record.images.back().ranges) {
-        EXPECT_EQ(Inspect::lineAt(range.lines, range.area.start), range.firstLine) << script;
-        EXPECT_EQ(Inspect::lineAt(range.lines, range.area.end() - 1), range.lastLine) << script;
+        EXPECT_EQ(Inspect::lineAt(range.lines(), range.area.start), range.firstLine) << script;
+        EXPECT_EQ(Inspect::lineAt(range.lines(), range.area.end() - 1), range.lastLine) << script;
+        const Inspect::RangeOrigin& origin = record.images.back().originOf(range);
         std::string line = areaText(range.area);
-        if (range.kind == Inspect::MapKind::Filler) line += " filler";
-        if (!range.file.empty())
+        if (origin.kind == Inspect::MapKind::Filler) line += " filler";
+        if (!origin.file.empty())
             line +=
                 " line " + std::to_string(range.firstLine) +
                 (range.lastLine == range.firstLine ? "" : " to " + std::to_string(range.lastLine)) +
-                " of " + range.file;
-        lines.push_back(line + " by " + std::to_string(range.line));
+                " of " + origin.file;
+        lines.push_back(line + " by " + std::to_string(origin.line));
     }
     return lines;
 }
@@ -271,10 +272,10 @@ TEST_F(RecordTest, LinesFollowAnImageThatMovesOrTakesAPart) {
         const Inspect::RunRecord record = run.record(true);
         ASSERT_EQ(record.images.back().ranges.size(), 1U);
         const Inspect::OriginRange& range = record.images.back().ranges[0];
-        ASSERT_EQ(range.lines.size(), 1U) << row.options;
-        EXPECT_EQ(areaText(range.lines[0].area), row.area) << row.options;
-        EXPECT_EQ(range.lines[0].firstLine, row.firstLine) << row.options;
-        EXPECT_EQ(range.lines[0].bytesPerLine, 4U);
+        ASSERT_EQ(range.lines().size(), 1U) << row.options;
+        EXPECT_EQ(areaText(range.lines()[0].area), row.area) << row.options;
+        EXPECT_EQ(range.lines()[0].firstLine, row.firstLine) << row.options;
+        EXPECT_EQ(range.lines()[0].bytesPerLine, 4U);
     }
 }
 
@@ -293,9 +294,9 @@ TEST_F(RecordTest, BytesAtOtherPlacesHaveTheLinesThatTheyCameFrom) {
     Lines ranges;
     for (const Inspect::ImageRecord& image : run.record(true).images)
         for (const Inspect::OriginRange& range : image.ranges)
-            ranges.push_back(image.name + " " + areaText(range.area) + " " + range.file + " " +
-                             std::to_string(range.firstLine) + "-" +
-                             std::to_string(range.lastLine));
+            ranges.push_back(image.name + " " + areaText(range.area) + " " +
+                             image.originOf(range).file + " " + std::to_string(range.firstLine) +
+                             "-" + std::to_string(range.lastLine));
     EXPECT_EQ(ranges,
               (Lines{"@f 10+2 in.hex 1-1", "@f 12+2 in.hex 3-3", "@f 20+2 in.hex 2-2",
                      "@even 8+1 in.hex 1-1", "@even 9+1 in.hex 3-3", "@even 10+1 in.hex 2-2",
