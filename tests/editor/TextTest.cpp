@@ -32,6 +32,26 @@ TEST(TextTest, CountsLinesAndColumnsAsTheProtocolDoes) {
     EXPECT_EQ(text.offsetOf({0, 3}, Encoding::Utf16), 4U) << "the middle of a character";
 }
 
+TEST(TextTest, CountsTheColumnsOfALongLine) {
+    constexpr std::size_t count = 1000;
+    std::string line;
+    for (std::size_t i = 0; i < count; ++i) line += "\xF0\x9D\x84\x9E\xE2\x82\xAC\t";  // 4 units
+    const Text text(line + "\r\n" + line);
+    for (std::size_t i = 0; i <= count; ++i) {
+        for (const std::size_t number : {0U, 1U}) {
+            const std::size_t offset = number * (line.size() + 2) + 8 * i;
+            EXPECT_EQ(text.positionOf(offset, Encoding::Utf16), (Position{number, 4 * i}));
+            EXPECT_EQ(text.positionOf(offset, Encoding::Utf8), (Position{number, 8 * i}));
+            EXPECT_EQ(text.offsetOf({number, 4 * i}, Encoding::Utf16), offset);
+            EXPECT_EQ(text.offsetOf({number, 8 * i}, Encoding::Utf8), offset);
+            if (i == count) continue;
+            EXPECT_EQ(text.offsetOf({number, 4 * i + 1}, Encoding::Utf16), offset);
+            EXPECT_EQ(text.offsetOf({number, 4 * i + 3}, Encoding::Utf16), offset + 7);
+        }
+    }
+    EXPECT_EQ(text.offsetOf({0, 5 * count}, Encoding::Utf16), line.size());
+}
+
 TEST(TextTest, LeadsFromWhatIsReadToWhatIsThere) {
     const Text text("\xEF\xBB\xBFone\r\ntwo\r\n\x1Athree");
     EXPECT_EQ(text.read(), "one\ntwo\n");
