@@ -1,8 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <random>
 #include <string>
 #include <tuple>
 
+#include "editor/Draft.hpp"
 #include "editor/Text.hpp"
 
 namespace {
@@ -50,6 +54,38 @@ TEST(TextTest, CountsTheColumnsOfALongLine) {
         }
     }
     EXPECT_EQ(text.offsetOf({0, 5 * count}, Encoding::Utf16), line.size());
+}
+
+TEST(DraftTest, IsWhatChangesMakeOfAText) {
+    const std::array pieces{"\r", "\n", "\r\n", "\t", "\xF0\x9D\x84\x9E", "\xE2\x82\xAC", "a\nb"};
+    std::minstd_rand random(1);
+    const auto below = [&](std::size_t end) { return random() % end; };
+    const auto some = [&](std::size_t count) {
+        std::string text;
+        for (std::size_t i = 0; i < count; ++i) text += pieces.at(below(pieces.size()));
+        return text;
+    };
+    for (const Encoding encoding : {Encoding::Utf8, Encoding::Utf16}) {
+        std::string expected = some(3000);
+        for (int i = 0; i < 1000; ++i) expected += "a\xF0\x9D\x84\x9E long line ";
+        Editor::Draft draft(expected, encoding);
+        for (int i = 0; i < 1000; ++i) {
+            const Text text(expected);
+            const std::size_t first = below(expected.size() + 1);
+            const std::size_t length = i % 100 == 0 ? below(5000) : below(4);
+            Position from = text.positionOf(first, encoding);
+            const Position to = text.positionOf(first + length, encoding);
+            const std::size_t begin = text.offsetOf(from, encoding);
+            const std::size_t end = std::max(begin, text.offsetOf(to, encoding));
+            const std::string with = some(i % 100 == 50 ? 2000 : below(4));
+            draft.replace(from, to, with);
+            expected.replace(begin, end - begin, with);
+            ASSERT_EQ(draft.text(), expected) << i;
+        }
+    }
+    Editor::Draft draft("a\r\nb", Encoding::Utf16);
+    draft.replace({9, 9}, {0, 99}, "c");  // the last place first, and both beyond what is there
+    EXPECT_EQ(draft.text(), "ac");
 }
 
 TEST(TextTest, LeadsFromWhatIsReadToWhatIsThere) {
