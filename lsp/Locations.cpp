@@ -1,7 +1,7 @@
 #include "lsp/Locations.hpp"
 
-#include "lsp/Uri.hpp"
 #include "platform/Paths.hpp"
+#include "strict/diagnostics/Uri.hpp"
 
 namespace Lsp {
 
@@ -17,7 +17,7 @@ Locations::File Locations::fileOf(std::size_t number) const {
     const std::string path = Platform::absolutePath(script_->fileName(number));
     if (const Document* const open = documents_->withPath(path))
         return {open->uri(), std::nullopt, open};
-    return {uriOf(path), Editor::Text(std::string(script_->fileText(number)))};
+    return {Strict::uriOf(path), Editor::Text(std::string(script_->fileText(number)))};
 }
 
 }  // namespace Lsp
