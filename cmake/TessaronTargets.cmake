@@ -64,6 +64,16 @@ function(tessaron_write_structure)
   file(WRITE ${PROJECT_BINARY_DIR}/structure.json "[${entries}]\n")
 endfunction()
 
+# tessaron_source_property(file property value...)
+# Sets a property of a source of the folder, which has to exist: CMake takes any name, and a source that
+# is renamed would lose its property.
+function(tessaron_source_property source property)
+  if(NOT EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${source})
+    message(FATAL_ERROR "${CMAKE_CURRENT_SOURCE_DIR} has no ${source} to set ${property} of")
+  endif()
+  set_property(SOURCE ${source} PROPERTY ${property} ${ARGN})
+endfunction()
+
 # tessaron_library(name SOURCES file... [INSTEAD file...] [DEPENDS target...] [HIDES target...])
 # Makes tessaron::name. The headers of the folder include what DEPENDS names, only its sources what
 # HIDES names. INSTEAD names the sources of the folder that other settings build.

@@ -128,6 +128,9 @@ void Mentions::addStatements(const Script& script) {
 }
 
 void Mentions::addParameters(const Script& script) {
+    MadeThings made;
+    for (const Mention& one : all_)
+        if (one.isMaking) made[one.name].insert(one.thing);
     std::vector<Strict::FileParts> files;
     for (std::size_t file = 0; file < script.fileCount(); ++file) {
         const std::string_view text = script.fileText(file);
@@ -138,7 +141,8 @@ void Mentions::addParameters(const Script& script) {
         };
         for (std::size_t i = 0; i < parts.parameters().size(); ++i) {
             add(parts.names()[i], parts.parameters()[i].name, true);
-            if (const auto& value = parts.parameters()[i].value) addValue(script, file, *value);
+            if (const auto& value = parts.parameters()[i].value)
+                addValue(script, made, file, *value);
         }
         for (const Strict::FileParts::Item& item : parts.items())
             if (item.what == Strict::FileParts::Item::What::Value)
@@ -149,7 +153,8 @@ void Mentions::addParameters(const Script& script) {
             for (const auto& argument : include.arguments)
                 for (const Strict::NamedWord& word : parts.wordsIn(argument.value))
                     add(parts.names()[word.name], word.where, false);
-            for (const auto& argument : include.arguments) addValue(script, file, argument.value);
+            for (const auto& argument : include.arguments)
+                addValue(script, made, file, argument.value);
         }
     }
     if (script.prepared() == nullptr) return;
@@ -159,10 +164,10 @@ void Mentions::addParameters(const Script& script) {
         const Strict::Inclusion& inclusion = sources.inclusion(number);
         const std::size_t outer = sources.inclusion(*inclusion.outer).file;
         const auto& includes = files[outer].includes();
-        const auto directive =
-            std::ranges::find(includes, inclusion.directive.at,
-                              [](const Strict::IncludeDirective& one) { return one.whole.at; });
-        if (directive == includes.end()) continue;
+        const auto directive = std::ranges::lower_bound(
+            includes, inclusion.directive.at, {},
+            [](const Strict::IncludeDirective& one) { return one.whole.at; });
+        if (directive == includes.end() || directive->whole.at != inclusion.directive.at) continue;
         for (const auto& argument : directive->arguments)
             all_.push_back({Thing::Parameter,
                             std::string(argument.name.in(script.fileText(outer))),
@@ -172,14 +177,13 @@ void Mentions::addParameters(const Script& script) {
 }
 
 /// The value of a parameter may be the name of things.
-void Mentions::addValue(const Script& script, std::size_t file, TextSpan where) {
+void Mentions::addValue(const Script& script, const MadeThings& made, std::size_t file,
+                        TextSpan where) {
     const std::string_view name = where.in(script.fileText(file));
-    for (const Thing thing : {Thing::Image, Thing::Crc, Thing::Hash, Thing::Signature}) {
-        const auto isMade = std::ranges::any_of(all_, [&](const Mention& one) {
-            return one.thing == thing && one.isMaking && one.name == name;
-        });
-        if (isMade) all_.push_back({thing, std::string(name), 0, {file, where}, false, true, true});
-    }
+    const auto things = made.find(name);
+    if (things == made.end()) return;
+    for (const Thing thing : things->second)
+        all_.push_back({thing, std::string(name), 0, {file, where}, false, true, true});
 }
 
 std::vector<Mention> Mentions::toRename(const Mention& mention) const {

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
+#include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -54,9 +57,12 @@ public:
     const Mention* makingOf(const Mention& mention) const;
 
 private:
+    /// What is made under each name.
+    using MadeThings = std::map<std::string, std::set<Thing>, std::less<>>;
+
     void addStatements(const Script& script);
     void addParameters(const Script& script);
-    void addValue(const Script& script, std::size_t file, TextSpan where);
+    void addValue(const Script& script, const MadeThings& made, std::size_t file, TextSpan where);
     void sort();
 
     std::vector<Mention> all_;

@@ -1,6 +1,7 @@
 #include "editor/Text.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace Editor {
@@ -31,14 +32,7 @@ std::size_t unitsOf(std::size_t length, Encoding encoding) {
 }  // namespace
 
 Text::Text(std::string raw) : raw_(std::move(raw)) {
-    lines_.push_back(0);
-    for (std::size_t at = raw_.find_first_of("\r\n"); at != std::string::npos;
-         at = raw_.find_first_of("\r\n", at + 1)) {
-        const bool isPair = raw_[at] == '\r' && raw_.compare(at + 1, 1, "\n") == 0;
-        endsWithPairs_ = endsWithPairs_ || (lines_.size() == 1 && isPair);
-        if (isPair) dropped_.push_back(at++);
-        lines_.push_back(at + 1);
-    }
+    findLines();
     if (raw_.starts_with(byteOrderMark))
         for (std::size_t i = byteOrderMark.size(); i > 0; --i)
             dropped_.insert(dropped_.begin(), i - 1);
@@ -56,11 +50,50 @@ Text::Text(std::string raw) : raw_(std::move(raw)) {
     read_.append(raw_, copied);
 }
 
+void Text::findLines() {
+    lines_.push_back(0);
+    for (std::size_t at = 0; at < raw_.size(); ++at) {
+        if (raw_[at] != '\r' && raw_[at] != '\n') continue;
+        const bool isPair = raw_[at] == '\r' && raw_.compare(at + 1, 1, "\n") == 0;
+        endsWithPairs_ = endsWithPairs_ || (lines_.size() == 1 && isPair);
+        addMilestones(lines_.back(), at);
+        if (isPair) dropped_.push_back(at++);
+        lines_.push_back(at + 1);
+    }
+    addMilestones(lines_.back(), raw_.size());
+}
+
+/// Makes the columns of every few characters of a long line known, so that no column takes a walk
+/// from the start of its line.
+void Text::addMilestones(std::size_t begin, std::size_t end) {
+    constexpr std::size_t distance = 256;
+    if (end - begin <= distance) return;
+    Milestone character{begin, 0};
+    for (std::size_t next = begin + distance; character.at < end;) {
+        const std::size_t length = lengthOf(static_cast<unsigned char>(raw_[character.at]));
+        character.at += length;
+        character.column += unitsOf(length, Encoding::Utf16);
+        if (character.at < next || character.at >= end) continue;
+        milestones_.push_back(character);
+        next = character.at + distance;
+    }
+}
+
+Text::Milestone Text::milestoneBefore(std::vector<Milestone>::const_iterator next,
+                                      std::size_t line) const {
+    const bool isInLine = next != milestones_.begin() && std::prev(next)->at > line;
+    return isInLine ? *std::prev(next) : Milestone{line, 0};
+}
+
 Position Text::positionOf(std::size_t offset, Encoding encoding) const {
     offset = std::min(offset, raw_.size());
     const auto after = std::ranges::upper_bound(lines_, offset);
-    Position position{static_cast<std::size_t>(after - lines_.begin()) - 1, 0};
-    for (std::size_t at = lines_[position.line]; at < offset;) {
+    const std::size_t line = *std::prev(after);
+    const Milestone known =
+        milestoneBefore(std::ranges::upper_bound(milestones_, offset, {}, &Milestone::at), line);
+    Position position{static_cast<std::size_t>(after - lines_.begin()) - 1,
+                      known.columnIn(encoding, line)};
+    for (std::size_t at = known.at; at < offset;) {
         const std::size_t length = lengthOf(static_cast<unsigned char>(raw_[at]));
         position.column += unitsOf(length, encoding);
         at += length;
@@ -70,10 +103,20 @@ Position Text::positionOf(std::size_t offset, Encoding encoding) const {
 
 std::size_t Text::offsetOf(Position position, Encoding encoding) const {
     if (position.line >= lines_.size()) return raw_.size();
-    std::size_t at = lines_[position.line];
+    const std::size_t line = lines_[position.line];
     std::size_t end = position.line + 1 < lines_.size() ? lines_[position.line + 1] : raw_.size();
-    while (end > at && (raw_[end - 1] == '\n' || raw_[end - 1] == '\r')) --end;
-    for (std::size_t column = 0; at < end && column < position.column;) {
+    while (end > line && (raw_[end - 1] == '\n' || raw_[end - 1] == '\r')) --end;
+    const auto first = std::ranges::upper_bound(milestones_, line, {}, &Milestone::at);
+    const auto last =
+        std::lower_bound(first, milestones_.end(), end,
+                         [](const Milestone& one, std::size_t offset) { return one.at < offset; });
+    const auto isBefore = [&](const Milestone& one) {
+        return one.columnIn(encoding, line) <= position.column;
+    };
+    const Milestone known = milestoneBefore(std::partition_point(first, last, isBefore), line);
+    std::size_t at = known.at;
+    for (std::size_t column = known.columnIn(encoding, line);
+         at < end && column < position.column;) {
         const std::size_t length = lengthOf(static_cast<unsigned char>(raw_[at]));
         column += unitsOf(length, encoding);
         if (column > position.column) break;  // within a character

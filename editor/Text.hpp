@@ -54,16 +54,36 @@ public:
     /// The part of the raw text that is `part` of the text as it is read.
     TextSpan rawOf(TextSpan part) const;
 
+    /// How many lines end in the raw text.
+    std::size_t lineEnds() const { return lines_.size() - 1; }
+
     /// The edit of the raw text that makes an edit of the text as it is read. New lines end as the
     /// first one does.
     Edit rawOf(const Edit& edit) const;
 
 private:
+    /// A character in a long line whose column is known.
+    struct Milestone {
+        std::size_t at;
+        std::size_t column;  ///< in units of UTF-16
+        std::size_t columnIn(Encoding encoding, std::size_t line) const {
+            return encoding == Encoding::Utf8 ? at - line : column;
+        }
+    };
+
+    void findLines();
+    void addMilestones(std::size_t begin, std::size_t end);
+
+    /// The one before `next` if it is in the line that begins at `line`; else the line's first
+    /// character.
+    Milestone milestoneBefore(std::vector<Milestone>::const_iterator next, std::size_t line) const;
+
     std::string raw_;
-    std::string read_;                  ///< unless it is `raw_`
-    std::vector<std::size_t> dropped_;  ///< bytes of `raw_` that are not read, ascending
-    std::vector<std::size_t> lines_;    ///< where the lines of `raw_` begin
-    bool endsWithPairs_ = false;        ///< the first line ends with CR LF
+    std::string read_;                   ///< unless it is `raw_`
+    std::vector<std::size_t> dropped_;   ///< bytes of `raw_` that are not read, ascending
+    std::vector<std::size_t> lines_;     ///< where the lines of `raw_` begin
+    std::vector<Milestone> milestones_;  ///< ascending
+    bool endsWithPairs_ = false;         ///< the first line ends with CR LF
 };
 
 /// The text after edits, which do not overlap and are in the order of the text.

@@ -7,7 +7,7 @@
 #include <new>
 #include <utility>
 
-#include "editor/Structure.hpp"
+#include "editor/Draft.hpp"
 #include "lsp/Legend.hpp"
 #include "lsp/Uri.hpp"
 #include "platform/Streams.hpp"
@@ -222,26 +222,23 @@ void Session::change(const Json& params) {
     if (document == nullptr || !changes.is_array()) return;
     const Json& version = memberOf(params, "/textDocument/version");
     if (version.is_number_integer()) document->version = version.get<std::int64_t>();
-    Editor::Text text = document->text();
+    Editor::Draft draft(document->text().raw(), encoding_);
     bool isKnown = !document->isTooLong;
     for (const Json& change : changes) {
         const Json& with = memberOf(change, "/text");
         if (!with.is_string()) continue;
         const std::string& inserted = with.get_ref<const std::string&>();
         if (!change.contains("range")) {
-            text = Editor::Text(inserted);
+            draft = Editor::Draft(inserted, encoding_);
             isKnown = true;
             continue;
         }
         // A part of a text that is not kept cannot be changed.
         if (!isKnown) continue;
-        std::size_t begin = text.offsetOf(positionIn(change, "/range/start"), encoding_);
-        std::size_t end = text.offsetOf(positionIn(change, "/range/end"), encoding_);
-        if (begin > end) std::swap(begin, end);
-        text = Editor::Text(
-            Editor::edited(text.raw(), {Editor::Edit{{begin, end - begin}, inserted}}));
+        draft.replace(positionIn(change, "/range/start"), positionIn(change, "/range/end"),
+                      inserted);
     }
-    if (isKnown) documents_.change(*document, text.raw());
+    if (isKnown) documents_.change(*document, draft.text());
 }
 
 void Session::close(const Json& params) {

@@ -8,6 +8,7 @@
 #include "editor/Script.hpp"
 #include "lsp/Documents.hpp"
 #include "lsp/Json.hpp"
+#include "lsp/Locations.hpp"
 
 namespace Lsp {
 
@@ -72,9 +73,9 @@ private:
 
     Json diagnosticsOf(Document& document);
     Json diagnosticOf(const Document& document, const Editor::Script& script,
-                      const Strict::Judged& finding) const;
+                      const Strict::Judged& finding, Locations& locations) const;
     Json related(const Document& document, const Editor::Script& script,
-                 const Strict::Diagnostic& diagnostic) const;
+                 const Strict::Diagnostic& diagnostic, Locations& locations) const;
 
     struct Found {
         Json location;
@@ -85,7 +86,6 @@ private:
     ///
     /// @param isRename  those that have to change if it gets another name
     std::vector<Found> mentionsAt(const Place& place, bool isRename = false);
-    Json locationOf(const Editor::Script& script, std::size_t file, Editor::TextSpan where) const;
 
     Documents documents_;
     Editor::Encoding encoding_ = Editor::Encoding::Utf16;

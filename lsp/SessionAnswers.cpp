@@ -10,7 +10,6 @@
 #include "editor/Structure.hpp"
 #include "lsp/Legend.hpp"
 #include "lsp/Session.hpp"
-#include "platform/Paths.hpp"
 
 /// The answers to questions about a script.
 namespace Lsp {
@@ -67,9 +66,10 @@ std::vector<Session::Found> Session::mentionsAt(const Place& place, bool isRenam
     for (const Documents::Part& part : documents_.partsOf(*place.document)) {
         const Editor::Mention* const here = part.mentions->at(part.file, place.offset);
         if (here == nullptr) continue;
+        Locations locations(documents_, *part.script, encoding_);
         for (const Editor::Mention& one :
              isRename ? part.mentions->toRename(*here) : part.mentions->ofSame(*here)) {
-            Json location = locationOf(*part.script, one.where.file, one.where.where);
+            Json location = locations.of(one.where);
             if (known.insert(location).second) all.push_back({std::move(location), one.isMaking});
         }
     }

@@ -4,8 +4,6 @@
 
 #include "editor/Script.hpp"
 #include "lsp/Session.hpp"
-#include "lsp/Uri.hpp"
-#include "platform/Paths.hpp"
 
 /// Diagnostics, and what mends them.
 namespace Lsp {
@@ -45,18 +43,8 @@ std::optional<Editor::TextSpan> spanIn(const Editor::Script& script,
 
 }  // namespace
 
-Json Session::locationOf(const Editor::Script& script, std::size_t file,
-                         Editor::TextSpan where) const {
-    const std::string path = Platform::absolutePath(script.fileName(file));
-    const Document* const open = documents_.withPath(path);
-    if (open != nullptr)
-        return {{"uri", open->uri()}, {"range", rangeOf(open->text(), where, encoding_)}};
-    const Editor::Text text{std::string(script.fileText(file))};
-    return {{"uri", uriOf(path)}, {"range", rangeOf(text, where, encoding_)}};
-}
-
 Json Session::related(const Document& document, const Editor::Script& script,
-                      const Strict::Diagnostic& diagnostic) const {
+                      const Strict::Diagnostic& diagnostic, Locations& locations) const {
     Json list = Json::array();
     const auto add = [&](const std::string& text, const Strict::Place& place) {
         const auto found = script.placeOf(place);
@@ -67,8 +55,7 @@ Json Session::related(const Document& document, const Editor::Script& script,
                               {"range", rangeOf(document.text(), found->where, encoding_)}}},
                             {"message", text}});
         else
-            list.push_back(
-                {{"location", locationOf(script, found->file, found->where)}, {"message", text}});
+            list.push_back({{"location", locations.of(*found)}, {"message", text}});
     };
     if (diagnostic.place && diagnostic.place->file != script.name())
         add(diagnostic.text, *diagnostic.place);
@@ -78,7 +65,7 @@ Json Session::related(const Document& document, const Editor::Script& script,
 }
 
 Json Session::diagnosticOf(const Document& document, const Editor::Script& script,
-                           const Strict::Judged& finding) const {
+                           const Strict::Judged& finding, Locations& locations) const {
     const Strict::Diagnostic& diagnostic = finding.diagnostic;
     std::string text = diagnostic.text;
     if (!diagnostic.hint.empty()) text += "\n" + diagnostic.hint;
@@ -88,7 +75,7 @@ Json Session::diagnosticOf(const Document& document, const Editor::Script& scrip
     if (const auto span = spanIn(script, diagnostic.place))
         json["range"] = rangeOf(document.text(), *span, encoding_);
     if (diagnostic.kind) json["code"] = nameOf(*diagnostic.kind);
-    if (Json list = related(document, script, diagnostic); !list.empty())
+    if (Json list = related(document, script, diagnostic, locations); !list.empty())
         json["relatedInformation"] = std::move(list);
     return json;
 }
@@ -102,8 +89,9 @@ Json Session::diagnosticsOf(Document& document) {
         return list;
     }
     const auto script = documents_.script(document);
+    Locations locations(documents_, *script, encoding_);
     for (const Strict::Judged& finding : script->findings().shown())
-        list.push_back(diagnosticOf(document, *script, finding));
+        list.push_back(diagnosticOf(document, *script, finding, locations));
     if (const std::string rest = script->findings().rest(); !rest.empty())
         list.push_back(wholeDiagnostic(rest, numberOf(Strict::Severity::Note)));
     return list;
@@ -116,6 +104,7 @@ Json Session::codeActions(const Json& params) {
     const std::size_t from =
         text.readOf(text.offsetOf(positionIn(params, "/range/start"), encoding_));
     const std::size_t to = text.readOf(text.offsetOf(positionIn(params, "/range/end"), encoding_));
+    Locations locations(documents_, *script, encoding_);
     Json actions = Json::array();
     for (const Strict::Judged& finding : script->findings().shown()) {
         const auto& correction = finding.diagnostic.correction;
@@ -128,11 +117,12 @@ Json Session::codeActions(const Json& params) {
         if (!isThere || where.at > to || where.end() < from) continue;
         for (const std::string& right : correction->right) {
             const Json edit = editOf(text, {where, right}, encoding_);
-            actions.push_back({{"title", "Write " + right},
-                               {"kind", "quickfix"},
-                               {"diagnostics", {diagnosticOf(document, *script, finding)}},
-                               {"isPreferred", correction->right.size() == 1},
-                               {"edit", {{"changes", {{document.uri(), Json::array({edit})}}}}}});
+            actions.push_back(
+                {{"title", "Write " + right},
+                 {"kind", "quickfix"},
+                 {"diagnostics", {diagnosticOf(document, *script, finding, locations)}},
+                 {"isPreferred", correction->right.size() == 1},
+                 {"edit", {{"changes", {{document.uri(), Json::array({edit})}}}}}});
         }
     }
     return actions;

@@ -1,10 +1,8 @@
 #include "lsp/Uri.hpp"
 
 #include <algorithm>
-#include <cstdint>
 
 #include "platform/Paths.hpp"
-#include "util/Hex.hpp"
 
 namespace Lsp {
 
@@ -17,12 +15,6 @@ int digitOf(char c) {
     if (c >= '0' && c <= '9') return c - '0';
     if (c >= 'A' && c <= 'F') return c - 'A' + ten;
     return c >= 'a' && c <= 'f' ? c - 'a' + ten : -1;
-}
-
-bool isUnreserved(char c) {
-    constexpr std::string_view others = "-._~/";
-    const bool isLetter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-    return isLetter || (c >= '0' && c <= '9') || others.find(c) != std::string_view::npos;
 }
 
 /// A path that begins with the letter of a drive.
@@ -52,20 +44,6 @@ std::optional<std::string> pathOf(std::string_view uri) {
     }
     if (hasDrive(std::string_view(path).substr(1))) path.erase(0, 1);
     return path.find('\0') == std::string::npos ? std::optional(path) : std::nullopt;
-}
-
-std::string uriOf(std::string_view path) {
-    std::string uri(scheme);
-    if (hasDrive(path)) uri += '/';
-    for (const char c : path) {
-        if (Platform::pathSeparator == '\\' && c == '\\')
-            uri += '/';
-        else if (isUnreserved(c))
-            uri += c;
-        else
-            uri += '%' + Util::hexByte(static_cast<std::uint8_t>(c));
-    }
-    return uri;
 }
 
 }  // namespace Lsp

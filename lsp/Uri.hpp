@@ -9,7 +9,4 @@ namespace Lsp {
 /// The path of a file URI (RFC 8089); nothing of another one.
 std::optional<std::string> pathOf(std::string_view uri);
 
-/// The file URI of an absolute path.
-std::string uriOf(std::string_view path);
-
 }  // namespace Lsp

@@ -102,7 +102,8 @@ public:
     bool hasOverlaps() const;
 
     /// The bytes of the words that the addresses of the file seem to count, as most of its runs
-    /// begin within the run before where they would begin if that ended; 1 if they count bytes.
+    /// begin within the run before where they would begin if that ended: 2 or 4, with the unit by
+    /// which they have been multiplied already. 1 if they count bytes, or words of more than 4.
     std::uint32_t likelyAddressUnit() const;
 
     /// Lets the first of several bytes for one address count, in place of the last one. Called

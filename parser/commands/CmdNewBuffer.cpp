@@ -125,7 +125,7 @@ bool CmdNewBuffer::execute(CmdContext& context) {
     });
 }
 
-std::optional<MemoryBuffer> CmdNewBuffer::build(CmdContext& context) const {
+std::optional<MemoryBuffer> CmdNewBuffer::build(CmdContext& context) {
     if (!sections_.isEmpty() && !hasSections()) {
         const auto& names = sections_.used.empty() ? sections_.skipped : sections_.used;
         Facts::report(
@@ -146,7 +146,7 @@ std::optional<MemoryBuffer> CmdNewBuffer::build(CmdContext& context) const {
     return arrangement_.arranged(bufferName_, std::move(*image), context.observer);
 }
 
-std::optional<MemoryBuffer> CmdNewBuffer::gather(CmdContext& context) const {
+std::optional<MemoryBuffer> CmdNewBuffer::gather(CmdContext& context) {
     Area range = bufferRange_;
     if (!isGiven(range) && !areas_.empty()) {
         Extent extent;
@@ -200,7 +200,7 @@ std::optional<MemoryBuffer> CmdNewBuffer::fromBuffers(CmdContext& context, Area 
     return result;
 }
 
-std::optional<MemoryBuffer> CmdNewBuffer::fromFile(const CmdContext& context, Area range) const {
+std::optional<MemoryBuffer> CmdNewBuffer::fromFile(const CmdContext& context, Area range) {
     try {
         return readFile(context, range);
     } catch (const Io::Import::Malformed&) {
@@ -230,7 +230,7 @@ bool CmdNewBuffer::hasSections() const {
            format_->openSections != nullptr;
 }
 
-std::unique_ptr<TessaronImportApi> CmdNewBuffer::openFile(const CmdContext& context) const {
+std::unique_ptr<TessaronImportApi> CmdNewBuffer::openFile(const CmdContext& context) {
     if (reader_ != nullptr) return std::move(reader_);
     const std::string path = Platform::terminatedPath(fileName_);
     const Io::Import::ReadOptions options{overlapRule_, addressUnit(), family_};
@@ -240,7 +240,7 @@ std::unique_ptr<TessaronImportApi> CmdNewBuffer::openFile(const CmdContext& cont
     return format_->open(path, Io::openInput(path), options, nullptr);
 }
 
-std::optional<MemoryBuffer> CmdNewBuffer::readFile(const CmdContext& context, Area range) const {
+std::optional<MemoryBuffer> CmdNewBuffer::readFile(const CmdContext& context, Area range) {
     const std::unique_ptr<TessaronImportApi> reader = openFile(context);
     if (!reader) return std::nullopt;
     const auto& row = Io::Formats::rowOf(reader->getFormat());

@@ -99,14 +99,14 @@ private:
     bool isWhole() const;
     bool mayCountWords(std::string_view format, bool mayCount) const;
     bool hasSections() const;
-    std::unique_ptr<Io::Import::TessaronImportApi> openFile(const CmdContext& context) const;
+    std::unique_ptr<Io::Import::TessaronImportApi> openFile(const CmdContext& context);
     /// The image of the statement, not yet moved, or nothing after a report.
-    std::optional<Buffer::MemoryBuffer> build(CmdContext& context) const;
+    std::optional<Buffer::MemoryBuffer> build(CmdContext& context);
     /// The image of the statement's source, or nothing after a report.
-    std::optional<Buffer::MemoryBuffer> gather(CmdContext& context) const;
+    std::optional<Buffer::MemoryBuffer> gather(CmdContext& context);
     std::optional<Buffer::MemoryBuffer> fromBuffers(CmdContext& context, Area range) const;
-    std::optional<Buffer::MemoryBuffer> fromFile(const CmdContext& context, Area range) const;
-    std::optional<Buffer::MemoryBuffer> readFile(const CmdContext& context, Area range) const;
+    std::optional<Buffer::MemoryBuffer> fromFile(const CmdContext& context, Area range);
+    std::optional<Buffer::MemoryBuffer> readFile(const CmdContext& context, Area range);
     Buffer::MemoryBuffer fromValues(const CmdContext& context, Area range) const;
 
     LayeringTarget target() const { return {Facts::Subject::Buffer, bufferName_}; }
@@ -117,7 +117,7 @@ private:
     std::string fileName_;
     const Io::Formats::InputFormatRow* format_ = nullptr;  ///< null if the contents decide
     /// Given away when the statement runs; null if the file was not read before.
-    mutable std::unique_ptr<Io::Import::TessaronImportApi> reader_;
+    std::unique_ptr<Io::Import::TessaronImportApi> reader_;
     Io::Import::SectionChoice sections_;
     std::optional<std::uint32_t> family_;
     BufferSourceKind sourceKind_ = BufferSourceKind::SourceEmpty;

@@ -1,15 +1,12 @@
 #include "strict/diagnostics/SarifLog.hpp"
 
-#include <algorithm>
-#include <cstdint>
 #include <map>
 #include <string_view>
 
 #include "inspect/Json.hpp"
-#include "platform/Paths.hpp"
 #include "platform/Version.hpp"
 #include "strict/diagnostics/Notes.hpp"
-#include "util/Hex.hpp"
+#include "strict/diagnostics/Uri.hpp"
 #include "util/Printable.hpp"
 
 namespace Strict {
@@ -17,24 +14,6 @@ namespace Strict {
 namespace {
 
 using Inspect::Json;
-
-/// A path as a URI reference (RFC 3986): of an absolute one a URI, of any other one a relative
-/// path. A colon is escaped as well, so that no name is taken for a scheme.
-std::string uriOf(std::string path) {
-    constexpr std::string_view kept =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
-    const bool hasDrives = Platform::pathSeparator == '\\';
-    if (hasDrives) std::ranges::replace(path, '\\', '/');
-    const bool hasDrive = hasDrives && path.substr(1, 2) == ":/";
-    std::string uri = hasDrive ? "file:///" : path.starts_with("/") ? "file://" : "";
-    for (std::size_t i = 0; i < path.size(); ++i) {
-        if (kept.find(path[i]) != std::string_view::npos || (hasDrive && i == 1))
-            uri += path[i];
-        else
-            uri += '%' + Util::hexByte(static_cast<std::uint8_t>(path[i]));
-    }
-    return uri;
-}
 
 Json fileAt(const std::string& path) {
     return {{"uri", uriOf(path)}};

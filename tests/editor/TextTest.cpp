@@ -1,8 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <random>
 #include <string>
 #include <tuple>
 
+#include "editor/Draft.hpp"
 #include "editor/Text.hpp"
 
 namespace {
@@ -30,6 +34,58 @@ TEST(TextTest, CountsLinesAndColumnsAsTheProtocolDoes) {
     EXPECT_EQ(text.offsetOf({0, 100}, Encoding::Utf16), 9U) << "a column beyond its line";
     EXPECT_EQ(text.offsetOf({9, 0}, Encoding::Utf16), 15U) << "a line beyond the text";
     EXPECT_EQ(text.offsetOf({0, 3}, Encoding::Utf16), 4U) << "the middle of a character";
+}
+
+TEST(TextTest, CountsTheColumnsOfALongLine) {
+    constexpr std::size_t count = 1000;
+    std::string line;
+    for (std::size_t i = 0; i < count; ++i) line += "\xF0\x9D\x84\x9E\xE2\x82\xAC\t";  // 4 units
+    const Text text(line + "\r\n" + line);
+    for (std::size_t i = 0; i <= count; ++i) {
+        for (const std::size_t number : {0U, 1U}) {
+            const std::size_t offset = number * (line.size() + 2) + 8 * i;
+            EXPECT_EQ(text.positionOf(offset, Encoding::Utf16), (Position{number, 4 * i}));
+            EXPECT_EQ(text.positionOf(offset, Encoding::Utf8), (Position{number, 8 * i}));
+            EXPECT_EQ(text.offsetOf({number, 4 * i}, Encoding::Utf16), offset);
+            EXPECT_EQ(text.offsetOf({number, 8 * i}, Encoding::Utf8), offset);
+            if (i == count) continue;
+            EXPECT_EQ(text.offsetOf({number, 4 * i + 1}, Encoding::Utf16), offset);
+            EXPECT_EQ(text.offsetOf({number, 4 * i + 3}, Encoding::Utf16), offset + 7);
+        }
+    }
+    EXPECT_EQ(text.offsetOf({0, 5 * count}, Encoding::Utf16), line.size());
+}
+
+TEST(DraftTest, IsWhatChangesMakeOfAText) {
+    const std::array pieces{"\r", "\n", "\r\n", "\t", "\xF0\x9D\x84\x9E", "\xE2\x82\xAC", "a\nb"};
+    std::minstd_rand random(1);
+    const auto below = [&](std::size_t end) { return random() % end; };
+    const auto some = [&](std::size_t count) {
+        std::string text;
+        for (std::size_t i = 0; i < count; ++i) text += pieces.at(below(pieces.size()));
+        return text;
+    };
+    for (const Encoding encoding : {Encoding::Utf8, Encoding::Utf16}) {
+        std::string expected = some(3000);
+        for (int i = 0; i < 1000; ++i) expected += "a\xF0\x9D\x84\x9E long line ";
+        Editor::Draft draft(expected, encoding);
+        for (int i = 0; i < 1000; ++i) {
+            const Text text(expected);
+            const std::size_t first = below(expected.size() + 1);
+            const std::size_t length = i % 100 == 0 ? below(5000) : below(4);
+            Position from = text.positionOf(first, encoding);
+            const Position to = text.positionOf(first + length, encoding);
+            const std::size_t begin = text.offsetOf(from, encoding);
+            const std::size_t end = std::max(begin, text.offsetOf(to, encoding));
+            const std::string with = some(i % 100 == 50 ? 2000 : below(4));
+            draft.replace(from, to, with);
+            expected.replace(begin, end - begin, with);
+            ASSERT_EQ(draft.text(), expected) << i;
+        }
+    }
+    Editor::Draft draft("a\r\nb", Encoding::Utf16);
+    draft.replace({9, 9}, {0, 99}, "c");  // the last place first, and both beyond what is there
+    EXPECT_EQ(draft.text(), "ac");
 }
 
 TEST(TextTest, LeadsFromWhatIsReadToWhatIsThere) {

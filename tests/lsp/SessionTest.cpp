@@ -8,6 +8,7 @@
 
 #include "lsp/Session.hpp"
 #include "lsp/Uri.hpp"
+#include "strict/diagnostics/Uri.hpp"
 
 namespace {
 
@@ -217,7 +218,8 @@ TEST(UriTest, LeadsToAPathAndBack) {
     EXPECT_EQ(Lsp::pathOf("file:///a%2"), "/a%2");
     EXPECT_EQ(Lsp::pathOf("file:///a%00b"), std::nullopt);
     EXPECT_EQ(Lsp::pathOf("untitled:x"), std::nullopt);
-    EXPECT_EQ(Lsp::uriOf("/a b/\xC3\xA4.tsn"), "file:///a%20b/%C3%A4.tsn");
+    EXPECT_EQ(Strict::uriOf("/a b/\xC3\xA4.tsn"), "file:///a%20b/%C3%A4.tsn");
+    EXPECT_EQ(Strict::uriOf("a:b"), "a%3Ab") << "a relative path has no scheme";
 }
 
 }  // namespace

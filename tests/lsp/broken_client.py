@@ -162,6 +162,44 @@ class QuickServer(unittest.TestCase):
         self.assertEqual(len(self.answer(4)["changes"][URI]), count + 1)
         self.assertLess(self.spent(), 30 * float(os.environ.get("TESSARON_EDIT_TIME", "0.05")))
 
+    def test_many_places_at_once(self):
+        """The colours of a long line, mentions in a file that is not open, and many changes of one message."""
+        count = 10000
+        statement = "PRINT_BUFFER @A"
+        pathlib.Path("part.tsn").write_text((statement + "\n") * count)
+        self.process.stdin.write(opened("NEW_BUFFER @A EMPTY\nINCLUDE part.tsn\n" + (statement + " ") * count))
+        ends = [{"line": 2, "character": i * (len(statement) + 1) - 1} for i in range(count, 0, -1)]
+        changes = [{"range": {"start": end, "end": dict(end, character=end["character"] + 1)}, "text": "\n"}
+                   for end in ends]
+        script = {"textDocument": {"uri": URI}}
+        references = dict(script, position={"line": 0, "character": 12})
+
+        def ask(number, method, params, *before):
+            self.process.stdin.write(b"".join(before) + message("textDocument/" + method, params, number))
+            self.process.stdin.flush()
+            return self.answer(number)
+
+        colours = ask(3, "semanticTokens/full", script)
+        self.assertEqual(colours["data"][-5:], [0, 13, 2, 4, 0])
+        self.assertEqual(len(ask(4, "references", references)), 2 * count + 1)
+        change = message("textDocument/didChange", {
+            "textDocument": {"uri": URI, "version": 2}, "contentChanges": changes})
+        colours_of_lines = ask(5, "semanticTokens/full", script, change)
+        self.assertEqual(len(colours_of_lines["data"]), len(colours["data"]))
+        self.assertEqual(colours_of_lines["data"][-10:-5], [1, 0, 12, 1, 0])
+        self.assertLess(self.spent(), 20 * float(os.environ.get("TESSARON_EDIT_TIME", "0.05")))
+
+    def test_values_that_name_things(self):
+        count = 20000
+        text = "".join("PARAMETER p%d DEFAULT @A%d\n" % (i, i) for i in range(count))
+        self.process.stdin.write(opened(text + "".join("NEW_BUFFER p%d EMPTY\n" % i for i in range(count))))
+        self.process.stdin.write(message("textDocument/references", {
+            "textDocument": {"uri": URI}, "position": {"line": 0, "character": 22}}, 3))
+        self.process.stdin.flush()
+        self.assertEqual([one["range"]["start"] for one in self.answer(3)],
+                         [{"line": 0, "character": 21}, {"line": count, "character": 11}])
+        self.assertLess(self.spent(), 20 * float(os.environ.get("TESSARON_EDIT_TIME", "0.05")))
+
     def test_idle(self):
         self.process.stdin.write(opened("PRINT_TEXT a"))
         self.process.stdin.flush()
