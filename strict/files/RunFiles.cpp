@@ -280,7 +280,7 @@ std::unique_ptr<Io::OutputStream> RunFiles::addUncreated(Output output) {
 
 std::unique_ptr<Io::OutputStream> RunFiles::addOutput(Output output,
                                                       std::optional<Platform::OutputFile> file) {
-    if (digests_ != nullptr) output.digest = DigestPool::begin();
+    if (hasOutputDigests_) output.digest = DigestPool::begin();
     all_.push_back(std::move(output));
     all_.back().file->newest = &all_.back();
     return std::make_unique<Stream>(*this, all_.back(), std::move(file));

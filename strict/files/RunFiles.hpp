@@ -105,6 +105,7 @@ public:
     void keepDigests() {
         keepStates();
         digests_ = std::make_unique<DigestPool>();
+        hasOutputDigests_ = true;
     }
 
     /// What is written from now on has no digest: a document of the run lists none of another.
@@ -253,6 +254,7 @@ private:
     std::vector<std::string> busyFolders_;
     std::unique_ptr<DigestPool> digests_;  ///< null if nobody wants them
     bool keepsStates_ = false;
+    bool hasOutputDigests_ = false;
 };
 
 }  // namespace Strict
