@@ -40,7 +40,8 @@ TEST(OriginMapTest, RangesKnowWhatAMapOfSingleAddressesKnows) {
             const std::uint64_t many = step < 1000 ? addresses / 2 : addresses + 20;
             const Area one = isMany ? Area{1, many} : Area{1 + start, random() % (isWide ? 4 : 20)};
             const std::size_t source = random() % 3;
-            const auto kind = isMany ? step / 1000 % 2 : random() % 4;
+            const std::uint64_t kind =
+                isMany ? static_cast<std::uint64_t>(step / 1000 % 2) : random() % 4;
             if (kind == 0) map.erase(one);
             if (kind == 1) map.lay(other, one);
             if (kind == 2) map.set(one, source);
