@@ -14,7 +14,7 @@ std::string uriOf(std::string path) {
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
     const bool hasDrives = Platform::pathSeparator == '\\';
     if (hasDrives) std::ranges::replace(path, '\\', '/');
-    const bool hasDrive = hasDrives && path.substr(1, 2) == ":/";
+    const bool hasDrive = hasDrives && path.size() > 2 && path.compare(1, 2, ":/") == 0;
     std::string uri = hasDrive ? "file:///" : path.starts_with("/") ? "file://" : "";
     for (std::size_t i = 0; i < path.size(); ++i) {
         if (kept.find(path[i]) != std::string_view::npos || (hasDrive && i == 1))
