@@ -177,9 +177,12 @@ ScriptRules::ScriptRules(ParserState& state) : CommonRules(state) {
     }
     alternatives.push_back(&calculateCmd);
     script = ws >> *FirstOf(alternatives) >> eps_p;
-    calculateCmd = keyword("CALCULATE") >> !TextBefore("[", state.fruitlessSearches.bracket) >>
-                   ws >> ch_p('[') >> ws >> *listedValue >> ws >> ch_p(']') >> ws >>
-                   *(anychar_p - ch_p(']'));
+    const auto note = [&state](Position first, Position last) {
+        state.statement.noteCalculation(first, last);
+    };
+    calculateCmd = (keyword("CALCULATE") >> !TextBefore("[", state.fruitlessSearches.bracket) >>
+                    ws >> ch_p('[') >> ws >> *listedValue >> ws >> ch_p(']') >> ws >>
+                    *(anychar_p - ch_p(']')))[note];
 }
 
 std::vector<std::string> keywords() {

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "parser/commands/CmdApi.hpp"
 #include "parser/commands/CmdPrintText.hpp"
@@ -94,6 +95,13 @@ public:
             statements_.addWithin(role, {first, static_cast<std::size_t>(last - first)});
     }
 
+    /// Notes a CALCULATE, which makes no statement, with the text that it takes after its bracket.
+    void noteCalculation(Position first, Position last) {
+        if (keepsStatements_)
+            calculations_.emplace_back(first, static_cast<std::size_t>(last - first));
+    }
+    const std::vector<std::string_view>& calculations() const { return calculations_; }
+
     void collectValue(const WrapperLib::Amount& amount) { valueCollection_.add(amount); }
     const WrapperLib::AmountList& collectedValues() const { return valueCollection_; }
     WrapperLib::AmountList takeCollectedValues() { return std::exchange(valueCollection_, {}); }
@@ -130,6 +138,7 @@ private:
     WrapperLib::TextCalculator calculator_;
     bool keepsStatements_ = false;
     StatementList statements_;
+    std::vector<std::string_view> calculations_;
     std::unique_ptr<WrapperLib::CmdApi> currentCmd_;
     std::deque<std::unique_ptr<WrapperLib::CmdApi>> commands_;
     std::string currentText_;

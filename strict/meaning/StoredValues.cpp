@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <unordered_set>
 #include <utility>
 
 #include "facts/Listener.hpp"
@@ -167,8 +168,11 @@ void StoredValues::checkTaken(const Statement& statement,
                 if (piece.front().image == image)
                     checkHeld(value, {image, piece.front().areas}, taker);
         if (!images[image].isExact) continue;
+        // A value may be in a hundred thousand places of an image.
+        std::unordered_set<std::size_t> checked;
         for (const OriginMap::Range& range : images[image].changes.ranges())
-            if (const auto value = images.changes()[range.source].value)
+            if (const auto value = images.changes()[range.source].value;
+                value && checked.insert(*value).second)
                 checkStored(*value, image, taken, taker);
     }
 }

@@ -1,6 +1,7 @@
 #include "strict/record/Proof.hpp"
 
 #include <array>
+#include <cstddef>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -80,8 +81,12 @@ private:
 /// The entries of a list of the manifest. A second one of a name gets another name.
 Entries entriesIn(const Json& manifest, const char* list, const char* key) {
     Entries entries;
+    std::map<std::string, std::size_t> times;
     for (const Json& entry : manifest.at(list)) {
         std::string name = entry.at(key).get<std::string>();
+        const std::size_t before = times[name]++;
+        if (before == 1) name += " (again)";
+        if (before > 1) name += " (again, " + std::to_string(before) + ")";
         while (entries.contains(name)) name += " (again)";
         entries.emplace(std::move(name), &entry);
     }

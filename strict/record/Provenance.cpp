@@ -270,7 +270,7 @@ void Provenance::onOverlay(const CmdNewBuffer& statement, const MemoryBuffer& im
     }
     OriginMap fillers;
     fillers.lay(source.fillers, *common);
-    for (const OriginMap::Range& range : current_.fillers.ranges()) {
+    for (const OriginMap::Range& range : current_.fillers.rangesIn(*common)) {
         const auto laid = range.area.clippedTo(*common);
         if (laid && !isOfZeros(image, *laid)) fillers.lay(current_.fillers, *laid);
     }

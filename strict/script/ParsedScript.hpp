@@ -41,6 +41,9 @@ public:
 
     const Parser::StatementList& statements() const { return builder().statements(); }
 
+    /// The texts of each CALCULATE, which is not a statement.
+    const std::vector<std::string_view>& calculations() const { return builder().calculations(); }
+
     /// What executes each of `statements`.
     const std::deque<std::unique_ptr<Parser::WrapperLib::CmdApi>>& commands() const {
         return builder().commands();

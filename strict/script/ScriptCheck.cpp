@@ -74,15 +74,28 @@ void ScriptCheck::check(const ParsedScript& parsed) {
     keywords_.insert(keywords_.end(), {includeWord, parameterWord});
     const auto& statements = parsed.statements();
     auto broken = parsed.broken().begin();
+    auto calculation = parsed.calculations().begin();
+    const auto checkCalculationsBefore = [&](std::size_t offset) {
+        for (;
+             calculation != parsed.calculations().end() && script_->offsetOf(*calculation) < offset;
+             ++calculation) {
+            reportFound();
+            checkCalculation(*calculation);
+        }
+    };
     for (std::size_t i = 0; i <= statements.size(); ++i) {
         for (; broken != parsed.broken().end() && broken->statementsBefore == i; ++broken) {
             if (i != 0 && isBroken(statements[i - 1], *broken)) pending_.clear();
+            checkCalculationsBefore(broken->offset);
             reportFound();
             makeNames(broken->begun);
             sink_->take(broken->diagnostic);
         }
+        const bool isLast = i == statements.size();
+        checkCalculationsBefore(isLast ? script_->prepared().size()
+                                       : script_->offsetOf(statements[i].text));
         reportFound();
-        if (i != statements.size()) check(statements[i]);
+        if (!isLast) check(statements[i]);
     }
 }
 
@@ -252,6 +265,16 @@ void ScriptCheck::checkText(const Part& part) {
            shown,
            hasRemark ? "a remark begins with //, in a text as well"
                      : "is a closing brace or the text missing?");
+}
+
+/// What follows the bracket is a part of the text, also in the same line.
+void ScriptCheck::checkCalculation(std::string_view text) {
+    const auto isHeld = [text](std::string_view word) {
+        return text.find(word) != std::string_view::npos;
+    };
+    if (std::ranges::none_of(keywords_, isHeld)) return;
+    report(Kind::Swallowed, "the text of CALCULATE goes on over the next statement",
+           text.substr(0, text.find('\n')), "it takes all up to the next ]: remove it");
 }
 
 void ScriptCheck::checkEffects(const Statement& statement) {

@@ -44,6 +44,7 @@ private:
     void checkSignature(const Parser::Statement& statement);
     void checkTexts(const Parser::Statement& statement);
     void checkText(const Parser::Part& part);
+    void checkCalculation(std::string_view text);
     void checkEffects(const Parser::Statement& statement);
     void checkSettings(const Parser::Statement& statement);
     void checkSymbols(const Parser::Statement& statement);

@@ -181,6 +181,21 @@ TEST(ScriptCheckTest, OnlyTheStatementThatDoesNotParseIsLeftOut) {
         << "a statement may be indented";
 }
 
+TEST(ScriptCheckTest, StatementsThatCalculateTakesAreReportedInTheirOrder) {
+    const std::string swallowed =
+        "swallowed: the text of CALCULATE goes on over the next statement (it takes all up to the "
+        "next ]: remove it)";
+    EXPECT_EQ(checked("PRINT_CRC @a\nCALCULATE [1]\nPRINT_CRC @b\n"),
+              (Lines{"1:11 unknown-name: no CRC is called @a", "2:1 " + swallowed}));
+    EXPECT_EQ(checked("CALCULATE so PRINT_CRC @a [1]"), Lines{"1:1 " + swallowed});
+    const Lines both = checked("CALCULATE [1]\nPRINT_CRC @a ]\nPRINT_CRC @b\n");
+    ASSERT_EQ(both.size(), 3);
+    EXPECT_EQ(both[0], "1:1 " + swallowed);
+    EXPECT_EQ(both[1].substr(0, 11), "2:14 syntax");
+    EXPECT_EQ(both[2], "3:11 unknown-name: no CRC is called @b");
+    EXPECT_EQ(checked("PRINT_TEXT {a}\nCALCULATE [1 + 2]\nthe last of it"), Lines{});
+}
+
 TEST(ScriptCheckTest, AdviceForWhatIsNotAStatement) {
     struct Row {
         const char* text;
