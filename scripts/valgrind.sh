@@ -9,21 +9,21 @@ scripts/setup.sh valgrind
 [ $# -gt 0 ] || set -- $(ls -dr tests/scripts/*/ | grep -vE 'variable-(doubling|relabelling)')
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
-if ! { cmake --preset valgrind && cmake --build --preset valgrind --target CmdTessaron; } >"$log" 2>&1; then
+if ! { cmake --preset dev && cmake --build --preset dev --target CmdTessaron_watched; } >"$log" 2>&1; then
     cat "$log"
     exit 1
 fi
 watch="valgrind -q --leak-check=full --errors-for-leak-kinds=definite --error-exitcode=99"
-watched="$watch '$PWD/build/valgrind/CmdTessaron'"
+watched="$watch '$PWD/build/dev/tests/scripts/CmdTessaron_watched'"
 # A leak on purpose: a run that does not find it would find nothing.
-cat >build/valgrind/leak.cpp <<'LEAK'
+cat >build/dev/leak.cpp <<'LEAK'
 #include <cstddef>
 int main() {
     static_cast<void>(*new volatile int[3]);
 }
 LEAK
-"${CXX:-c++}" -o build/valgrind/leak build/valgrind/leak.cpp
-if $watch build/valgrind/leak >/dev/null 2>&1; then
+"${CXX:-c++}" -o build/dev/leak build/dev/leak.cpp
+if $watch build/dev/leak >/dev/null 2>&1; then
     echo "valgrind.sh: valgrind finds no leak here" >&2
     exit 1
 fi
