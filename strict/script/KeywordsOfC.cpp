@@ -120,4 +120,18 @@ bool isKeywordOfC(std::string_view word) {
     return std::ranges::binary_search(keywords, word);
 }
 
+bool isTypeOfStdint(std::string_view word) {
+    if (word.starts_with('u')) word.remove_prefix(1);
+    if (!word.starts_with("int") || !word.ends_with("_t")) return false;
+    word.remove_prefix(3);
+    for (const std::string_view kind : {"_least", "_fast"})
+        if (word.starts_with(kind)) {
+            word.remove_prefix(kind.size());
+            break;
+        }
+    constexpr auto widths =
+        std::to_array<std::string_view>({"8_t", "16_t", "32_t", "64_t", "ptr_t", "max_t"});
+    return std::ranges::find(widths, word) != widths.end();
+}
+
 }  // namespace Strict

@@ -8,4 +8,7 @@ namespace Strict {
 /// as the name of a variable.
 bool isKeywordOfC(std::string_view word);
 
+/// Whether a word is a type of <stdint.h> of C17, which every array in C includes.
+bool isTypeOfStdint(std::string_view word);
+
 }  // namespace Strict

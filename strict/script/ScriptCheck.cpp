@@ -293,11 +293,12 @@ void ScriptCheck::checkEffects(const Statement& statement) {
     for (const Role role : {Role::ArrayName, Role::GuardName}) {
         if (!statement.has(role)) continue;
         const std::string_view name = statement.textOf(role);
-        if (isKeywordOfC(name))
+        const bool isKeyword = isKeywordOfC(name);
+        if (isKeyword || isTypeOfStdint(name))
             report(Kind::Outside,
                    std::string(role == Role::ArrayName ? "an array" : "a macro") +
                        " of C cannot have the name " + std::string(name),
-                   name, "it is a keyword of C or C++");
+                   name, isKeyword ? "it is a keyword of C or C++" : "it is a type of <stdint.h>");
     }
     const std::string_view guard = statement.textOf(Role::GuardName);
     const std::string_view array = statement.textOf(Role::ArrayName);

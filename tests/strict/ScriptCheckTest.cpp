@@ -358,7 +358,10 @@ TEST(ScriptCheckTest, AnArrayHasANameThatCompilersTake) {
     for (const std::string name : {"int", "class", "while", "xor_eq", "_Bool"})
         EXPECT_EQ(named(name), Lines{"2:66 outside: an array of C cannot have the name " + name +
                                      " (it is a keyword of C or C++)"});
-    for (const std::string name : {"Int", "classes", "image", "_"})
+    for (const std::string name : {"uint8_t", "int_least16_t", "uint_fast64_t", "intptr_t"})
+        EXPECT_EQ(named(name), Lines{"2:66 outside: an array of C cannot have the name " + name +
+                                     " (it is a type of <stdint.h>)"});
+    for (const std::string name : {"Int", "classes", "image", "_", "int_t", "uint24_t", "t", "u"})
         EXPECT_EQ(named(name), Lines{}) << name;
     EXPECT_EQ(named("a -setIncludeGuard=A_H"), Lines{});
     EXPECT_EQ(
