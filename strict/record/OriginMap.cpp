@@ -113,12 +113,6 @@ const OriginMap::Range* OriginMap::find(std::uint64_t address) const {
     return at == ranges_.end() || at->area.start > address ? nullptr : &*at;
 }
 
-std::ranges::subrange<RangeList::Iterator> OriginMap::rangesIn(const Area& area) const {
-    auto last = ranges_.firstBeyond(area.end() - 1);
-    if (last != ranges_.end() && last->area.start < area.end()) ++last;
-    return {ranges_.firstBeyond(area.start), last};
-}
-
 std::uint64_t OriginMap::size() const {
     std::uint64_t count = 0;
     for (const Range& range : ranges_) count += range.area.length;

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <ranges>
 #include <vector>
 
 #include "buffer/Area.hpp"
@@ -39,9 +38,6 @@ public:
     const Range* find(std::uint64_t address) const;
 
     const RangeList& ranges() const { return ranges_; }
-
-    /// The ranges that have an address of `area`, which is not of length 0.
-    std::ranges::subrange<RangeList::Iterator> rangesIn(const Buffer::Area& area) const;
 
     bool empty() const { return ranges_.empty(); }
 

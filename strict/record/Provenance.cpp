@@ -270,8 +270,10 @@ void Provenance::onOverlay(const CmdNewBuffer& statement, const MemoryBuffer& im
     }
     OriginMap fillers;
     fillers.lay(source.fillers, *common);
-    for (const OriginMap::Range& range : current_.fillers.rangesIn(*common)) {
-        const auto laid = range.area.clippedTo(*common);
+    const RangeList& own = current_.fillers.ranges();
+    for (auto range = own.firstBeyond(common->start);
+         range != own.end() && range->area.start < common->end(); ++range) {
+        const auto laid = range->area.clippedTo(*common);
         if (laid && !isOfZeros(image, *laid)) fillers.lay(current_.fillers, *laid);
     }
     current_.fillers.lay(fillers, *common);
