@@ -42,11 +42,6 @@ std::string outcome(int status) {
     return " ended with code " + std::to_string(status);
 }
 
-/// The system's words for a path that leads nowhere.
-std::string noSuchFile() {
-    return std::make_error_code(std::errc::no_such_file_or_directory).message();
-}
-
 /// ": " and the reason, if there is one.
 std::string afterColon(const std::string& reason) {
     return reason.empty() ? "" : ": " + reason;
@@ -537,7 +532,7 @@ Words words(const FileNotWritten& f, const Circumstances& c) {
     return {{Kind::CannotWrite,
              "cannot write " + std::string(f.file) + ": " + reason,
              {Role::OutputFile},
-             reason == noSuchFile() ? "its folder does not exist" : ""}};
+             adviceOnUnwritten(reason)}};
 }
 
 Words words(const FileSpanTooLong& f, const Circumstances& c) {
@@ -594,6 +589,12 @@ concept NotARefusal = isPrinted<Fact> ||
           ScriptNotPrepared, SyntaxError, RunEnded, FieldFact>;
 
 }  // namespace
+
+std::string adviceOnUnwritten(const std::string& reason) {
+    const std::string noSuchFile =
+        std::make_error_code(std::errc::no_such_file_or_directory).message();
+    return reason == noSuchFile ? "its folder does not exist" : "";
+}
 
 std::optional<FactWords> wordsFor(const Fact& fact, const Circumstances& circumstances) {
     return std::visit([&](const auto& f) { return words(f, circumstances); }, fact);

@@ -31,6 +31,10 @@ constexpr bool isPrinted =
 /// before the run, with a place in an input file (FieldWords), or as the output of a PRINT_*.
 std::optional<FactWords> wordsFor(const Facts::Fact& fact, const Circumstances& circumstances);
 
+/// What to do about a file that could not be written, by the words of the system for the reason;
+/// empty if they say enough.
+std::string adviceOnUnwritten(const std::string& reason);
+
 /// Whether the fact says that something was not done, though the statement goes on: an image
 /// refused bytes or an area, a writer the file.
 bool isRefusal(const Facts::Fact& fact);

@@ -3,6 +3,8 @@
 #include <system_error>
 #include <utility>
 
+#include "strict/diagnostics/FactWords.hpp"
+
 namespace Strict {
 
 namespace {
@@ -14,7 +16,8 @@ std::string listOf(const std::vector<std::string>& paths) {
 }
 
 void reportUnwritten(const std::string& path, const std::string& reason, DiagnosticSink& sink) {
-    sink.take({Kind::CannotWrite, "cannot write " + path + ": " + reason});
+    sink.take({Kind::CannotWrite, "cannot write " + path + ": " + reason, std::nullopt,
+               adviceOnUnwritten(reason)});
 }
 
 /// The contents if they are whole, or nothing after a diagnostic.
