@@ -230,7 +230,7 @@ void ScriptAssembly::reportUnused(std::size_t inclusion, std::string_view name,
     const std::string& file = result_.sources.fileOf(inclusion).name();
     if (parts.indexOf(name)) {
         report({Kind::UnusedVariable,
-                "the parameter " + std::string(name) + " does not occur in " + file,
+                file + " declares the parameter " + std::string(name) + " and does not use it",
                 std::move(place)});
         return;
     }

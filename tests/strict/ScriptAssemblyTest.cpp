@@ -240,7 +240,7 @@ TEST(ScriptAssemblyTest, WhatIsWrongIsReportedWhereItIs) {
           "s.tsn:1:35 duplicate-name: one has a value already"}},
         {"PARAMETER a\nPARAMETER b DEFAULT 1\nPARAMETER c\nb c",
          {"unused-variable: B is not a parameter of s.tsn",
-          "unused-variable: the parameter a does not occur in s.tsn",
+          "unused-variable: s.tsn declares the parameter a and does not use it",
           "s.tsn:3:11 missing-parameter: the parameter c has no value and no default"}},
         {"PARAMETER a\nPARAMETER a DEFAULT 2\na",
          {"s.tsn:2:11 duplicate-name: there is already a parameter called a",
