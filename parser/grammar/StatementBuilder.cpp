@@ -23,6 +23,7 @@ void StatementBuilder::clear() {
     currentCmd_.reset();
     commands_.clear();
     statements_ = {};
+    calculations_.clear();
 }
 
 }  // namespace Parser

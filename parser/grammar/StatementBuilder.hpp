@@ -95,7 +95,7 @@ public:
             statements_.addWithin(role, {first, static_cast<std::size_t>(last - first)});
     }
 
-    /// Notes a CALCULATE, which makes no statement, with the text that it takes after its bracket.
+    /// Notes a CALCULATE, which makes no statement: its text goes on to the next closing bracket.
     void noteCalculation(Position first, Position last) {
         if (keepsStatements_)
             calculations_.emplace_back(first, static_cast<std::size_t>(last - first));

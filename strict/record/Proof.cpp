@@ -78,15 +78,15 @@ private:
     bool isGood_ = true;
 };
 
-/// The entries of a list of the manifest. A second one of a name gets another name.
+/// The entries of a list of the manifest. A second one of a name, such as a CRC and a hash may
+/// have, gets another name.
 Entries entriesIn(const Json& manifest, const char* list, const char* key) {
     Entries entries;
     std::map<std::string, std::size_t> times;
     for (const Json& entry : manifest.at(list)) {
         std::string name = entry.at(key).get<std::string>();
         const std::size_t before = times[name]++;
-        if (before == 1) name += " (again)";
-        if (before > 1) name += " (again, " + std::to_string(before) + ")";
+        if (before != 0) name += " (" + std::to_string(before + 1) + ")";
         while (entries.contains(name)) name += " (again)";
         entries.emplace(std::move(name), &entry);
     }

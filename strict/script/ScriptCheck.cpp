@@ -248,13 +248,15 @@ void ScriptCheck::checkPath(const Part& part) {
            "write " + path, Correction{std::string(part.text), {path}});
 }
 
+bool ScriptCheck::hasKeyword(std::string_view text) const {
+    return std::ranges::any_of(keywords_, [text](std::string_view word) {
+        return text.find(word) != std::string_view::npos;
+    });
+}
+
 void ScriptCheck::checkText(const Part& part) {
     const std::size_t feed = part.text.find('\n');
-    const auto isHeld = [&](std::string_view word) {
-        return part.text.find(word) != std::string_view::npos;
-    };
-    const bool isSwallowing =
-        feed != std::string_view::npos && std::ranges::any_of(keywords_, isHeld);
+    const bool isSwallowing = feed != std::string_view::npos && hasKeyword(part.text);
     const bool isStatement = std::ranges::find(keywords_, part.text) != keywords_.end();
     if (!isSwallowing && !isStatement) return;
     const std::string_view shown = part.text.substr(0, feed);
@@ -269,10 +271,7 @@ void ScriptCheck::checkText(const Part& part) {
 
 /// What follows the bracket is a part of the text, also in the same line.
 void ScriptCheck::checkCalculation(std::string_view text) {
-    const auto isHeld = [text](std::string_view word) {
-        return text.find(word) != std::string_view::npos;
-    };
-    if (std::ranges::none_of(keywords_, isHeld)) return;
+    if (!hasKeyword(text)) return;
     report(Kind::Swallowed, "the text of CALCULATE goes on over the next statement",
            text.substr(0, text.find('\n')), "it takes all up to the next ]: remove it");
 }

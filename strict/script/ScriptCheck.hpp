@@ -45,6 +45,7 @@ private:
     void checkTexts(const Parser::Statement& statement);
     void checkText(const Parser::Part& part);
     void checkCalculation(std::string_view text);
+    bool hasKeyword(std::string_view text) const;
     void checkEffects(const Parser::Statement& statement);
     void checkSettings(const Parser::Statement& statement);
     void checkSymbols(const Parser::Statement& statement);

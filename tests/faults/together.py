@@ -236,15 +236,18 @@ class Together(unittest.TestCase):
     def test_killed_runs_leave_whole_files(self):
         self.put_old()
         (self.path / "script.tsn").write_text(script(1))
-        start = time.monotonic()
-        subprocess.run([PROGRAM, "run", "script.tsn"], cwd=self.path, check=True)
-        longest = time.monotonic() - start
+        times = []
+        for _ in range(5):
+            start = time.monotonic()
+            subprocess.run([PROGRAM, "run", "script.tsn"], cwd=self.path, check=True)
+            times.append(time.monotonic() - start)
+        shortest = min(times)  # others may have waited for a processor
         killed = 0
         for number in range(KILLS):
             byte = number % 250 + 2
             (self.path / "script.tsn").write_text(script(byte, 0x4000 + number))
             run = subprocess.Popen([PROGRAM, "run", "script.tsn"], cwd=self.path)
-            time.sleep(random.random() * longest * 1.2)
+            time.sleep(random.random() * shortest * 1.2)
             run.kill()
             killed += run.wait() != 0
             self.bytes_of_outputs()

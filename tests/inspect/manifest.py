@@ -360,6 +360,16 @@ WRITE_FILE values.hex WITH_BUFFERS {@A} 0x104
         self.assertEqual(pathlib.Path("d").read_text(),
                          "./again.hex new.hex m.json: \\\n  again.tsn \\\n  app.hex\n")
 
+    def test_each_of_two_values_of_one_name_is_compared(self):
+        text = ("NEW_BUFFER @A FROM_VALUES {%d, 2}\nNEW_CRC @X FROM_BUFFER @A -setType=Crc16_Ccitt\n"
+                "NEW_HASH @X FROM_BUFFER @A -setType=Hash_Sha1\nPRINT_CRC @X\nPRINT_HASH @X\n")
+        pathlib.Path("twins.tsn").write_text(text % 1)
+        tessaron("run", "twins.tsn", "--manifest", "twins.json")
+        pathlib.Path("twins.tsn").write_text(text % 3)
+        said = tessaron("check", "twins.tsn", "--manifest", "twins.json", code=1)
+        for name in ("@X", "@X (2)"):
+            self.assertEqual(said.count("the value %s is not the one of twins.json" % name), 1, said)
+
     def test_proof_in_every_format(self):
         """A byte of each of two images, changed in the file, is found by its place in the format."""
         app = bytes(range(0x20, 0x60))
